@@ -1,0 +1,53 @@
+# How a room, a program and a test of this project are built: one function each.
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+find_package(Boost 1.81 REQUIRED)
+find_package(OpenSSL REQUIRED)
+find_package(nlohmann_json 3.11 REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
+find_package(sdbus-c++ 1.2 REQUIRED)
+find_package(CLI11 REQUIRED)
+
+add_library(kivo_warnings INTERFACE)
+target_compile_options(kivo_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast)
+if(KIVO_WARNINGS_ARE_ERRORS)
+  target_compile_options(kivo_warnings INTERFACE -Werror)
+endif()
+
+add_library(kivo_sanitizers INTERFACE)
+if(KIVO_SANITIZERS)
+  target_compile_options(kivo_sanitizers INTERFACE -fsanitize=${KIVO_SANITIZERS}
+    -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kivo_sanitizers INTERFACE -fsanitize=${KIVO_SANITIZERS})
+endif()
+if(KIVO_COVERAGE)
+  target_compile_options(kivo_sanitizers INTERFACE --coverage)
+  target_link_options(kivo_sanitizers INTERFACE --coverage)
+endif()
+
+# kivo_room(<target> <source>...): the library of one folder of src/. What it may link to is said
+# beside it, and is the same as what it may include.
+function(kivo_room target)
+  add_library(${target} STATIC ${ARGN})
+  target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${target} PRIVATE kivo_warnings kivo_sanitizers)
+endfunction()
+
+# kivo_program(<target> SOURCES <source>... ROOMS <room>...): an executable of those rooms on the
+# Linux platform. The platform's interfaces and what realises them need each other's symbols, so
+# they are handed to the linker as one group.
+function(kivo_program target)
+  cmake_parse_arguments(PARSE_ARGV 1 program "" "" "SOURCES;ROOMS")
+  list(JOIN program_ROOMS "," rooms)
+  add_executable(${target} ${program_SOURCES})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${target} PRIVATE kivo_warnings kivo_sanitizers
+    "$<LINK_GROUP:RESCAN,${rooms},kivo_platform,kivo_platform_linux>")
+endfunction()

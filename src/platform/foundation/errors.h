@@ -1,0 +1,77 @@
+// The three families of errors that the platform throws. Decides nothing about them.
+#pragma once
+
+#include <exception>
+#include <string>
+
+namespace kivo::platform {
+
+/// Common to all three: one line of description that never holds any of the data involved.
+class DescribedError : public std::exception {
+ public:
+  [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+
+ protected:
+  explicit DescribedError(std::string description) : description_(std::move(description)) {}
+
+ private:
+  std::string description_;
+};
+
+/// An exchange that did not come to an answer.
+class URLError : public DescribedError {
+ public:
+  enum class Code {
+    cancelled,
+    timedOut,
+    unsupportedURL,
+    cannotFindHost,
+    cannotConnectToHost,
+    secureConnectionFailed,
+    networkConnectionLost,
+    badServerResponse,
+    dataLengthExceedsMaximum,
+  };
+
+  explicit URLError(Code code);
+  [[nodiscard]] Code code() const { return code_; }
+
+ private:
+  Code code_;
+};
+
+/// An error told by its domain and number.
+class NSError : public DescribedError {
+ public:
+  NSError(std::string domain, int code, std::string localizedDescription);
+  [[nodiscard]] const std::string& domain() const { return domain_; }
+  [[nodiscard]] int code() const { return code_; }
+  [[nodiscard]] const std::string& localizedDescription() const { return localizedDescription_; }
+
+ private:
+  std::string domain_;
+  int code_;
+  std::string localizedDescription_;
+};
+
+/// Data that is no JSON, or JSON that does not fit what is read from it.
+class DecodingError : public DescribedError {
+ public:
+  enum class Kind { keyNotFound, valueNotFound, typeMismatch, dataCorrupted };
+
+  /// `path` names the member, outer keys first: "expense.amount", "[2].source"; empty for the whole
+  /// document. `expected` and `found` are names of JSON types, empty where they do not apply.
+  DecodingError(Kind kind, std::string path, std::string expected = "", std::string found = "");
+  [[nodiscard]] Kind kind() const { return kind_; }
+  [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] const std::string& expected() const { return expected_; }
+  [[nodiscard]] const std::string& found() const { return found_; }
+
+ private:
+  Kind kind_;
+  std::string path_;
+  std::string expected_;
+  std::string found_;
+};
+
+}  // namespace kivo::platform

@@ -1,0 +1,42 @@
+// Writes JSON objects member by member. Reads none: that is JSONDecoder.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kivo::platform {
+
+/// Builds one JSON object; members are written in the order of the calls, compactly, as UTF-8.
+class JSONEncoder {
+ public:
+  JSONEncoder();
+  JSONEncoder(JSONEncoder&& other) noexcept;
+  JSONEncoder& operator=(JSONEncoder&& other) noexcept;
+  ~JSONEncoder();
+
+  void encodeBool(std::string_view key, bool value);
+  void encodeString(std::string_view key, std::string_view value);
+  /// Throws NSError when `value` is infinite or not a number, which JSON cannot carry.
+  void encodeDouble(std::string_view key, double value);
+  void encodeInteger(std::string_view key, std::int64_t value);
+  void encodeObject(std::string_view key, JSONEncoder value);
+  /// An empty optional leaves the member out; it is never written as null.
+  void encodeStringIfPresent(std::string_view key, const std::optional<std::string>& value);
+  void encodeDoubleIfPresent(std::string_view key, std::optional<double> value);
+
+  /// The object's text.
+  [[nodiscard]] std::string text() const;
+
+  /// The text of the array of `objects`.
+  static std::string arrayText(std::span<const JSONEncoder> objects);
+
+ private:
+  struct Node;
+  std::unique_ptr<Node> node_;
+};
+
+}  // namespace kivo::platform
