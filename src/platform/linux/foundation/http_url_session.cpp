@@ -233,7 +233,10 @@ class Exchange {
       parser.emplace();
       parser->header_limit(longestHeader);
       parser->body_limit(longestBody);
-      co_await http::async_read_header(stream, buffer, *parser, asio::use_awaitable);
+      const std::size_t header =
+          co_await http::async_read_header(stream, buffer, *parser, asio::use_awaitable);
+      // The parser's own limit holds for the status line and for the fields, one by one.
+      if (header > longestHeader) throw URLError(Code::dataLengthExceedsMaximum);
     }
     co_await http::async_read(stream, buffer, *parser, asio::use_awaitable);
     const auto status = static_cast<int>(parser->get().result_int());
