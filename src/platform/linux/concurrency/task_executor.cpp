@@ -1,5 +1,6 @@
 #include "platform/linux/concurrency/task_executor.h"
 
+#include <csignal>
 #include <exception>
 #include <future>
 #include <utility>
@@ -8,6 +9,7 @@
 #include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/dispatch.hpp>
+#include <boost/asio/signal_set.hpp>
 #include <boost/asio/strand.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/thread_pool.hpp>
@@ -27,8 +29,9 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
 }  // namespace
 
 struct TaskExecutor::Pool {
-  explicit Pool(unsigned workers) : threads(workers) {}
+  explicit Pool(unsigned workers) : threads(workers), terminations(threads) {}
   asio::thread_pool threads;
+  asio::signal_set terminations;  // used by the executor's owner only
 };
 
 struct RunningTask::State {
@@ -54,7 +57,10 @@ bool RunningTask::waitFor(std::chrono::milliseconds limit) {
 
 TaskExecutor::TaskExecutor(unsigned workers) : pool_(std::make_unique<Pool>(workers)) {}
 
-TaskExecutor::~TaskExecutor() { pool_->threads.join(); }
+TaskExecutor::~TaskExecutor() {
+  pool_->terminations.cancel();
+  pool_->threads.join();
+}
 
 RunningTask TaskExecutor::start(platform::Task<void> task) {
   auto state = std::make_shared<RunningTask::State>(asio::make_strand(pool_->threads));
@@ -68,6 +74,16 @@ RunningTask TaskExecutor::start(platform::Task<void> task) {
   asio::co_spawn(state->strand, uninterrupted(std::move(task)),
                  asio::bind_cancellation_slot(state->cancellation.slot(), std::move(onEnd)));
   return RunningTask(std::move(state));
+}
+
+RunningTask TaskExecutor::startUntilTermination(platform::Task<void> task) {
+  pool_->terminations.add(SIGTERM);
+  pool_->terminations.add(SIGINT);
+  RunningTask running = start(std::move(task));
+  pool_->terminations.async_wait([running](boost::system::error_code stopped, int) mutable {
+    if (!stopped) running.cancel();
+  });
+  return running;
 }
 
 }  // namespace kivo::linux_platform

@@ -8,8 +8,8 @@
 
 namespace kivo::linux_platform {
 
-/// A task under way. Copies speak of the same task. Usable from any thread; may outlive neither the
-/// executor nor, for `cancel`, matter once the task has ended.
+/// A task under way. Copies speak of the same task. Usable from any thread, while the executor
+/// lives.
 class RunningTask {
  public:
   /// Cancels the exchange that the task waits for, and those it would still begin. The task goes on
@@ -40,6 +40,10 @@ class TaskExecutor {
 
   /// Begins `task` on a worker and returns at once.
   RunningTask start(platform::Task<void> task);
+
+  /// As `start`; from before it begins, SIGTERM and SIGINT cancel `task` instead of ending the
+  /// process. For one task of an executor, from the thread that owns the executor.
+  RunningTask startUntilTermination(platform::Task<void> task);
 
  private:
   struct Pool;

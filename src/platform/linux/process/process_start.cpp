@@ -19,6 +19,7 @@ void startProcess() {
 
   umask(0077);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace kivo::linux_platform

@@ -5,8 +5,8 @@ namespace kivo::linux_platform {
 
 /// Makes the process safe to work in whatever started it: descriptors 0 to 2 are open (on /dev/null
 /// if need be, so that no output lands in a file opened later), files are made for their owner
-/// only, and a reader that went away ends no program. To be called before anything opens a file or
-/// starts a thread.
+/// only, and a write to a reader that went away, or past a limit on files, fails instead of ending
+/// the program. To be called before anything opens a file or starts a thread.
 void startProcess();
 
 }  // namespace kivo::linux_platform
