@@ -139,6 +139,8 @@ std::optional<JSONObject> JSONObject::decodeObjectIfPresent(std::string_view key
   return JSONObject(std::make_shared<const Node>(node_->document, *value, node_->pathOf(key)));
 }
 
+std::size_t JSONObject::memberCount() const { return node_->object.size(); }
+
 JSONObject JSONDecoder::object(std::string_view document) {
   const auto top = parse(document);
   return JSONObject(std::make_shared<const JSONObject::Node>(top, *top, ""));

@@ -29,6 +29,9 @@ class JSONObject {
   [[nodiscard]] std::optional<double> decodeDoubleIfPresent(std::string_view key) const;
   [[nodiscard]] std::optional<JSONObject> decodeObjectIfPresent(std::string_view key) const;
 
+  /// How many members it has, whether they are asked for or not.
+  [[nodiscard]] std::size_t memberCount() const;
+
  private:
   friend class JSONDecoder;
   struct Node;
