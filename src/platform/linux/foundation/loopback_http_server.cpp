@@ -25,7 +25,7 @@ using asio::ip::tcp;
 
 namespace {
 
-constexpr std::uint64_t longestBody = 1U << 20U;
+constexpr std::uint64_t longestBody = 8U << 20U;
 constexpr std::chrono::seconds longestExchange{10};
 
 using Response = http::response<http::string_body>;

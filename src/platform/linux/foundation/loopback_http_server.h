@@ -22,7 +22,7 @@ struct HttpAnswer {
 };
 
 /// Listens on 127.0.0.1 at a port that it keeps to itself to its end, from construction on.
-/// Requests are answered one after the other by a thread of its own; a body over 1 MiB is answered
+/// Requests are answered one after the other by a thread of its own; a body over 8 MiB is answered
 /// with 413, what is no HTTP with a closed connection, and an exchange that takes longer than 10 s
 /// is dropped.
 class LoopbackHttpServer {

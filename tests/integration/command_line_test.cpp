@@ -1,0 +1,170 @@
+// What kivo-intents makes of its command line.
+#include <csignal>
+#include <fstream>
+
+#include "extension_program.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::ProgramResult;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ACommandLine : public testkit::ExtensionProgram {
+ protected:
+  void expectUsageError(const std::vector<std::string>& arguments, const std::string& error) {
+    signIn();
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.status, 64);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "kivo-intents: " + error + " (see kivo-intents --help)\n");
+    EXPECT_THAT(backend.requests(), IsEmpty());
+    EXPECT_THAT(queue(), IsEmpty());
+  }
+
+  // Runs the program on a terminal of its own, typing `typed`.
+  [[nodiscard]] static ProgramResult onTerminal(const std::string& arguments,
+                                                const std::string& typed) {
+    const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
+    return linux_platform::runProgram(
+        {.program = "script",
+         .arguments = {"--quiet", "--return", "--command", program + " " + arguments, "/dev/null"},
+         .input = typed});
+  }
+};
+
+TEST_F(ACommandLine, WithoutACommandIsAUsageError) {
+  expectUsageError({}, "unknown command, or none named");
+}
+
+TEST_F(ACommandLine, WithAnUnknownCommandIsAUsageError) {
+  expectUsageError({"dance"}, "unknown command, or none named");
+}
+
+TEST_F(ACommandLine, WithoutAnIntentIsAUsageError) {
+  expectUsageError({"perform"}, "unknown intent, or none named");
+}
+
+TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageError) {
+  expectUsageError({"perform", "DanceIntent", "--smsText", "x"}, "unknown intent, or none named");
+}
+
+TEST_F(ACommandLine, WithAnUnknownParameterIsAUsageError) {
+  expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--merchant", "y"},
+                   "unknown parameter --merchant");
+}
+
+TEST_F(ACommandLine, WithAnAbbreviatedParameterIsAUsageError) {
+  expectUsageError({"perform", "ProcessSMSIntent", "--sms", "x"}, "unknown parameter --sms");
+}
+
+TEST_F(ACommandLine, WithADoubledParameterIsAUsageError) {
+  expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--smsText", "y"},
+                   "a parameter has no value or is given twice");
+}
+
+TEST_F(ACommandLine, WithAParameterWithoutAValueIsAUsageError) {
+  expectUsageError({"perform", "ProcessSMSIntent", "--smsText"},
+                   "a parameter has no value or is given twice");
+}
+
+TEST_F(ACommandLine, WithoutAParameterAndWithoutATerminalIsAUsageError) {
+  expectUsageError({"perform", "ProcessSMSIntent"}, "missing parameter --smsText");
+}
+
+TEST_F(ACommandLine, WithATextThatSomebodyForgotToQuoteDoesNotRepeatIt) {
+  expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "Paid", "7731", "at", "Secret"},
+                   "there is an argument too many; a text with blanks needs quotes");
+}
+
+TEST_F(ACommandLine, TakesATextThatBeginsLikeAnOption) {
+  signIn();
+  EXPECT_EQ(run({"perform", "ProcessSMSIntent", "--smsText", "--json"}).output,
+            "SMS ignored - not a transaction\n");
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+  EXPECT_THAT(backend.requests()[0].body, HasSubstr(R"("sms_text":"--json")"));
+}
+
+TEST_F(ACommandLine, TakesAnEmptyText) {
+  EXPECT_EQ(run({"perform", "ProcessSMSIntent", "--smsText", ""}).output, "No SMS text provided\n");
+}
+
+TEST_F(ACommandLine, AnswersAsOneJSONObjectWhenAskedTo) {
+  signIn();
+  backend.answers(200,
+                  R"({"saved":true,"transaction_type":"income","expense":{"id":"1",)"
+                  R"("description":"A \"B\"\nC","amount":1,"category":"","expense_date":""}})");
+  const ProgramResult result = run({"perform", "ProcessSMSIntent", "--smsText", "x", "--json"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, testing::StartsWith(R"({"dialog":"Received )"));
+  EXPECT_THAT(result.output, testing::EndsWith(R"( from A \"B\"\nC"})"
+                                               "\n"));
+}
+
+TEST_F(ACommandLine, SaysItsVersion) {
+  EXPECT_EQ(run({"--version"}).output, "kivo-intents 0.1.0\n");
+}
+
+TEST_F(ACommandLine, HelpsAtEachLevel) {
+  EXPECT_THAT(run({"--help"}).output, HasSubstr("perform"));
+  EXPECT_THAT(run({"perform", "--help"}).output, HasSubstr("ProcessSMSIntent"));
+  const ProgramResult result = run({"perform", "ProcessSMSIntent", "--help"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("--smsText"));
+}
+
+TEST_F(ACommandLine, AsksForAMissingTextByItsTitleOnATerminal) {
+  signIn();
+  const ProgramResult result = onTerminal("perform ProcessSMSIntent", "Paid 150\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("SMS Text: "));
+  EXPECT_THAT(result.output, HasSubstr("SMS ignored - not a transaction"));
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+  EXPECT_THAT(backend.requests()[0].body, HasSubstr(R"("sms_text":"Paid 150")"));
+}
+
+TEST_F(ACommandLine, ShowsControlCharactersOfADialogEscapedOnATerminal) {
+  signIn();
+  backend.answers(200, R"({"saved":true,"expense":{"id":"1","description":"A\u001b[2J\nB\u009b",)"
+                       R"("amount":1,"category":"","expense_date":""}})");
+  const ProgramResult result = onTerminal("perform ProcessSMSIntent --smsText x", "");
+  EXPECT_THAT(result.output, HasSubstr(R"( at A\x1b[2J\nB\x9b)"));
+}
+
+TEST_F(ACommandLine, LeavesADialogAsItIsForAPipe) {
+  signIn();
+  backend.answers(200, R"({"saved":true,"expense":{"id":"1","description":"A\nB","amount":1,)"
+                       R"("category":"","expense_date":""}})");
+  EXPECT_THAT(processSMS("x").output, testing::EndsWith(" at A\nB\n"));
+}
+
+TEST_F(ACommandLine, OfASpawnerThatClosedTheStandardStreamsKeepsTheStoreClean) {
+  signIn();
+  backend.goAway();
+  const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
+  const ProgramResult result = linux_platform::runProgram(
+      {.program = "sh",
+       .arguments = {"-c", program + " perform ProcessSMSIntent --smsText x <&- >&- 2>&-"}});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(queue(), SizeIs(1));
+  std::ifstream file(folders.storeFile(), std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_THAT(bytes, testing::Not(HasSubstr("Saved offline")));
+}
+
+TEST_F(ACommandLine, WhoseReaderWentAwayIsStillPerformed) {
+  signIn();
+  backend.goAway();
+  const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
+  EXPECT_EQ(linux_platform::runProgram(
+                {.program = "sh",
+                 .arguments = {"-c", program + " perform ProcessSMSIntent --smsText x | true"}})
+                .status,
+            0);
+  EXPECT_THAT(queue(), SizeIs(1));
+}
+
+}  // namespace
+}  // namespace kivo

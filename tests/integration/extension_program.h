@@ -1,0 +1,73 @@
+// The real kivo-intents in private folders beside a loopback backend. Has no session bus.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "platform/linux/foundation/loopback_http_server.h"
+#include "platform/linux/process/child_process.h"
+#include "queue/pending_sms_queue.h"
+#include "store/shared_store.h"
+#include "testkit/private_folders.h"
+
+namespace kivo::testkit {
+
+/// A backend that answers as it is told and remembers what it was asked.
+class ToldBackend {
+ public:
+  using Answer = linux_platform::HttpAnswer;
+
+  /// What the next requests are answered with.
+  void answers(int status, std::string body) {
+    const std::lock_guard lock(mutex_);
+    answer_ = {.status = status, .body = std::move(body)};
+  }
+  [[nodiscard]] std::vector<linux_platform::HttpRequest> requests() const {
+    const std::lock_guard lock(mutex_);
+    return requests_;
+  }
+  [[nodiscard]] std::string url() const { return server_.url(); }
+  /// From now on connections are refused.
+  void goAway() { server_.stopListening(); }
+  void comeBack() { server_.listen(); }
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<linux_platform::HttpRequest> requests_;  // guarded by mutex_, like answer_
+  Answer answer_{.status = 200, .body = R"({"saved":false})"};
+  linux_platform::LoopbackHttpServer server_{[this](const linux_platform::HttpRequest& request) {
+    const std::lock_guard lock(mutex_);
+    requests_.push_back(request);
+    return answer_;
+  }};
+};
+
+/// A body that tells of a saved transaction.
+std::string savedAnswer(const std::string& type, const std::string& category = "Groceries");
+
+class ExtensionProgram : public ::testing::Test {
+ protected:
+  /// How kivo-intents is called with `arguments`.
+  [[nodiscard]] linux_platform::ProgramCall call(std::vector<std::string> arguments,
+                                                 std::string input = "") const;
+  [[nodiscard]] linux_platform::ProgramResult run(std::vector<std::string> arguments,
+                                                  std::string input = "") const;
+  /// Performs ProcessSMSIntent on `text`, given on standard input.
+  [[nodiscard]] linux_platform::ProgramResult processSMS(const std::string& text) const;
+
+  void signIn(const std::string& url);
+  void signIn() { signIn(backend.url()); }
+  [[nodiscard]] SharedStore store() const;
+  [[nodiscard]] std::vector<PendingSmsItem> queue() const;
+
+  PrivateFolders folders;
+  ToldBackend backend;
+};
+
+}  // namespace kivo::testkit

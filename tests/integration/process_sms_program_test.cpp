@@ -1,0 +1,192 @@
+// Each outcome of a bank SMS, through the real program.
+#include <csignal>
+#include <fstream>
+
+#include "extension_program.h"
+#include "feedback/amount_formatter.h"
+#include "platform/foundation/json_decoder.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::ProgramResult;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ProcessSMSByProgram : public testkit::ExtensionProgram {
+ protected:
+  void expectDialog(const ProgramResult& result, const std::string& dialog) {
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, dialog + "\n");
+    EXPECT_EQ(result.errors, "");
+  }
+  void expectSavedOffline(const ProgramResult& result, const std::string& error) {
+    expectDialog(result, "ProcessSMSIntent error: " + error +
+                             "\nSaved offline - will process when connected");
+  }
+  [[nodiscard]] std::string text(StoreKey key) const { return store().readText(key).value_or("-"); }
+};
+
+TEST_F(ProcessSMSByProgram, ASavedExpenseIsTrackedAndCounted) {
+  signIn();
+  backend.answers(200, testkit::savedAnswer("expense"));
+  const std::string amount = AmountFormatter::format(store(), 150);
+  expectDialog(processSMS("Paid 150"), "Tracked " + amount + " at Carrefour");
+  EXPECT_EQ(text(StoreKeys::todayTotal), "150.0");
+  EXPECT_EQ(text(StoreKeys::todayCount), "1");
+  EXPECT_EQ(text(StoreKeys::monthlyTotal), "150.0");
+}
+
+TEST_F(ProcessSMSByProgram, ASavedIncomeIsReceivedAndNotCounted) {
+  signIn();
+  backend.answers(200, testkit::savedAnswer("income"));
+  const std::string amount = AmountFormatter::format(store(), 150);
+  expectDialog(processSMS("Salary 150"), "Received " + amount + " from Carrefour");
+  EXPECT_EQ(text(StoreKeys::todayTotal), "-");
+}
+
+TEST_F(ProcessSMSByProgram, ASavedTransactionOfAnotherTypeIsTrackedAndNotCounted) {
+  signIn();
+  backend.answers(200, testkit::savedAnswer("transfer"));
+  const std::string amount = AmountFormatter::format(store(), 150);
+  expectDialog(processSMS("Transfer 150"), "Tracked " + amount + " at Carrefour");
+  EXPECT_EQ(text(StoreKeys::todayTotal), "-");
+}
+
+TEST_F(ProcessSMSByProgram, AnExcludedCategoryIsTrackedAndNotCounted) {
+  signIn();
+  backend.answers(200, testkit::savedAnswer("expense", "Credit Card Settlement"));
+  const std::string amount = AmountFormatter::format(store(), 150);
+  expectDialog(processSMS("Paid 150"), "Tracked " + amount + " at Carrefour");
+  EXPECT_EQ(text(StoreKeys::todayTotal), "-");
+}
+
+TEST_F(ProcessSMSByProgram, ADeclinedTransactionIsNotTracked) {
+  signIn();
+  backend.answers(200, R"({"saved":false,"reason":"declined"})");
+  expectDialog(processSMS("Declined"), "Transaction was declined - not tracked");
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
+TEST_F(ProcessSMSByProgram, ATextThatIsNoTransactionIsIgnored) {
+  signIn();
+  backend.answers(200, R"({"saved":false})");
+  expectDialog(processSMS("Your code is 1234"), "SMS ignored - not a transaction");
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
+TEST_F(ProcessSMSByProgram, ATextOfBlanksIsNoText) {
+  signIn();
+  expectDialog(processSMS(" \t\u00a0\u3000"), "No SMS text provided");
+  EXPECT_THAT(backend.requests(), IsEmpty());
+}
+
+TEST_F(ProcessSMSByProgram, ATextOfLineBreaksOnlyIsSent) {
+  signIn();
+  expectDialog(processSMS("\n\n"), "SMS ignored - not a transaction");
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+}
+
+TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaid) {
+  std::filesystem::create_directories(folders.home());
+  std::ofstream(folders.dataHome()) << "a file where the folder should be";
+  expectDialog(processSMS("Paid 150"), "Failed to access app storage");
+}
+
+TEST_F(ProcessSMSByProgram, APersonWhoIsNotSignedInIsAskedToSignIn) {
+  expectDialog(processSMS("Paid 150"), "Please open Kivo app and sign in first");
+  signIn("");
+  expectDialog(processSMS("Paid 150"), "Please open Kivo app and sign in first");
+}
+
+TEST_F(ProcessSMSByProgram, ABackendOutOfReachLeavesTheTextInTheQueue) {
+  signIn();
+  backend.goAway();
+  expectSavedOffline(processSMS(" Paid 150 \n"),
+                     "URLError cannotConnectToHost: The host did not take the connection");
+  const auto queued = queue();
+  ASSERT_THAT(queued, SizeIs(1));
+  EXPECT_EQ(queued[0].smsText, " Paid 150 \n");
+  EXPECT_EQ(queued[0].retryCount, 0);
+  EXPECT_EQ(queued[0].source, "sms");
+  EXPECT_EQ(text(StoreKeys::pendingSmsQueueCount), "1");
+}
+
+TEST_F(ProcessSMSByProgram, AStatusThatIsNot200LeavesTheTextInTheQueueUnderTheKeyThatWasSent) {
+  signIn();
+  backend.answers(503, testkit::savedAnswer("expense"));
+  expectSavedOffline(processSMS("Paid 150"),
+                     R"(Error Domain=SMSExtraction Code=500 "Failed to extract SMS")");
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+  ASSERT_THAT(queue(), SizeIs(1));
+  const auto sent = platform::JSONDecoder::object(backend.requests()[0].body);
+  EXPECT_EQ(queue()[0].id, sent.decodeString("idempotency_key"));
+  EXPECT_EQ(queue()[0].expenseDate, sent.decodeString("expense_date"));
+}
+
+TEST_F(ProcessSMSByProgram, AnAnswerThatDoesNotFitLeavesTheTextInTheQueue) {
+  signIn();
+  backend.answers(200, R"({"error":"down"})");
+  expectSavedOffline(processSMS("Paid 150"), "DecodingError keyNotFound at saved");
+  backend.answers(200, "<html>");
+  EXPECT_THAT(processSMS("Paid 151").output, testing::HasSubstr("DecodingError dataCorrupted"));
+  backend.answers(200, std::string(900'000, '['));
+  EXPECT_THAT(processSMS("Paid 152").output, testing::HasSubstr("DecodingError dataCorrupted"));
+  EXPECT_THAT(queue(), SizeIs(3));
+}
+
+TEST_F(ProcessSMSByProgram, ALaterSavedRunSendsWhatWaitsUnderItsOwnKey) {
+  signIn();
+  backend.goAway();
+  EXPECT_EQ(processSMS("Paid 1").status, 0);
+  EXPECT_EQ(processSMS("Paid 2").status, 0);
+  const auto waiting = queue();
+  ASSERT_THAT(waiting, SizeIs(2));
+
+  backend.comeBack();
+  backend.answers(200, testkit::savedAnswer("expense"));
+  EXPECT_EQ(processSMS("Paid 3").status, 0);
+  std::vector<std::string> keys;
+  for (const auto& request : backend.requests()) {
+    keys.push_back(platform::JSONDecoder::object(request.body).decodeString("idempotency_key"));
+  }
+  ASSERT_THAT(keys, SizeIs(3));
+  EXPECT_THAT(std::vector(keys.begin() + 1, keys.end()), ElementsAre(waiting[0].id, waiting[1].id));
+  EXPECT_THAT(queue(), IsEmpty());
+  EXPECT_EQ(text(StoreKeys::todayCount), "1");  // texts from the queue are not counted
+  EXPECT_EQ(store().readFloat(StoreKeys::smsQueueDrainLock), 0);
+}
+
+TEST_F(ProcessSMSByProgram, ABaseURLThatCannotBeParsedStopsTheProcess) {
+  signIn("http://exa mple");
+  const ProgramResult result = processSMS("Paid 150");
+  EXPECT_EQ(result.status, 128 + SIGABRT);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "fatal: the stored base URL of the backend cannot be parsed\n");
+}
+
+TEST_F(ProcessSMSByProgram, BrokenTextIsRepairedAndSent) {
+  signIn();
+  expectDialog(processSMS("Paid \xff 150 \xe2\x82"), "SMS ignored - not a transaction");
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+  EXPECT_EQ(platform::JSONDecoder::object(backend.requests()[0].body).decodeString("sms_text"),
+            "Paid \ufffd 150 \ufffd");
+}
+
+TEST_F(ProcessSMSByProgram, ATextOfAMegabyteWithNULsArrivesWhole) {
+  signIn();
+  std::string text(1 << 20, 'x');
+  text[1000] = '\0';
+  expectDialog(processSMS(text), "SMS ignored - not a transaction");
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+  EXPECT_EQ(platform::JSONDecoder::object(backend.requests()[0].body).decodeString("sms_text"),
+            text);
+  backend.goAway();
+  EXPECT_EQ(processSMS(text).status, 0);
+  ASSERT_THAT(queue(), SizeIs(1));
+  EXPECT_EQ(queue()[0].smsText, text);
+}
+
+}  // namespace
+}  // namespace kivo
