@@ -1,0 +1,188 @@
+#include "phone/demo_story.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "phone/demo_phone.h"
+#include "phone/message_recogniser.h"
+#include "platform/foundation/utf8.h"
+
+namespace kivo {
+namespace {
+
+using Tone = DemoScreen::Tone;
+using linux_platform::ShownNotification;
+
+constexpr std::string_view usualCurrency = "EGP";
+
+// One message, and what is expected to come of it.
+struct Step {
+  std::string_view heading;
+  std::string_view message;
+  std::string_view dialogBeginning;
+  /// Titles of the notifications, in any order.
+  std::vector<std::string_view> notifications = {};
+  /// The texts that wait afterwards; none where it is not looked at.
+  std::optional<std::string_view> queuedTexts = {};
+};
+
+// Banks, merchants and people are invented.
+const std::vector<Step>& stepsOnline() {
+  static const std::vector<Step> steps{
+      {"An expense",
+       "Nilo Bank: Your debit card **4821 was used for EGP 415.75 at Sunny Basket Market on "
+       "12/05/2026 14:32. Avail. Bal. EGP 9,310.20",
+       "Tracked ",
+       {"💸 Expense Tracked"}},
+      {"An income, in Arabic",
+       "بنك نيلو: تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م من شركة الأفق في حسابك. الرصيد المتاح "
+       "٢٧٬٨١٠٫٢٠ ج.م",
+       "Received ",
+       {"💰 Income Received"}},
+      {"A declined payment",
+       "Nilo Bank: Your purchase of EGP 900.00 at Tulip Store was declined due to insufficient "
+       "funds.",
+       "Transaction was declined - not tracked"},
+      {"A one-time code, though it names an amount",
+       "Nilo Bank: 884213 is your OTP for the purchase of EGP 1,250.00 at Palm Electronics. Do not "
+       "share it.",
+       "SMS ignored - not a transaction"},
+  };
+  return steps;
+}
+
+const std::vector<Step>& stepsOffline() {
+  static const std::vector<Step> steps{
+      {"A message while the backend cannot be reached",
+       "You paid EGP 64.00 at Corner Coffee using card **4821.",
+       "Saved offline - will process when connected",
+       {"📡 Expense Saved Offline"},
+       "1"},
+      {"And another",
+       "EGP 1,500.00 has been transferred from your account to Mona Samir. Ref 77120",
+       "Saved offline - will process when connected",
+       {"📡 Expense Saved Offline"},
+       "2"},
+  };
+  return steps;
+}
+
+const Step& stepBackOnline() {
+  static const Step step{"A further message, and the queue drains",
+                         "Purchase of EGP 230.00 at Blue Tram Taxi, card **4821.",
+                         "Tracked ",
+                         {"💸 Expense Tracked", "💸 Expense Tracked", "💸 Expense Tracked"},
+                         "0"};
+  return step;
+}
+
+class Demonstration {
+ public:
+  Demonstration(DemoScreen& screen, const std::function<bool()>& goesOn, std::string_view currency)
+      : screen_(screen), goesOn_(goesOn), phone_(std::string(currency)) {}
+
+  DemoPhone& phone() { return phone_; }
+  [[nodiscard]] bool goesOn() const { return goesOn_(); }
+
+  void perform(const Step& step) {
+    if (!goesOn()) return;
+    screen_.heading(step.heading);
+    const std::string dialog = processed(step.message);
+    expect(dialog.starts_with(step.dialogBeginning),
+           "the dialog begins \"" + std::string(step.dialogBeginning) + "\"");
+    const auto shown = notified(step.notifications.size());
+    for (const std::string_view title : step.notifications) {
+      expect(std::count_if(shown.begin(), shown.end(),
+                           [title](const auto& each) { return each.summary == title; }) ==
+                 std::count(step.notifications.begin(), step.notifications.end(), title),
+             "a notification \"" + std::string(title) + "\" appears for each");
+    }
+    showState();
+    if (step.queuedTexts) {
+      expect(phone_.queuedTexts() == *step.queuedTexts,
+             std::string(*step.queuedTexts) + " texts wait");
+    }
+  }
+
+  // Shows the message and what is said to it at once.
+  std::string processed(std::string_view message) {
+    screen_.piece("Bank SMS", platform::repairedUtf8(message));
+    const IntentAnswer answer = phone_.processSms(std::string(message));
+    if (!answer.log.empty()) screen_.piece("Log", answer.log, Tone::quiet);
+    screen_.piece("Dialog", answer.dialog, Tone::good);
+    return answer.dialog;
+  }
+
+  // Notifications appear a second later.
+  std::vector<ShownNotification> notified(std::size_t count) {
+    auto shown = phone_.nextNotifications(count, goesOn_);
+    for (const ShownNotification& notification : shown) {
+      screen_.piece("Notification", notification.summary + "\n" + notification.body);
+    }
+    if (goesOn()) expect(shown.size() == count, std::to_string(count) + " notifications appear");
+    return shown;
+  }
+
+  void showState() {
+    screen_.piece("Queue", phone_.queue());
+    screen_.piece("Widget", phone_.widget());
+  }
+
+  void expect(bool kept, const std::string& expectation) {
+    if (kept || !goesOn()) return;
+    screen_.piece("NOT AS TOLD", expectation, Tone::bad);
+    asTold_ = false;
+  }
+
+  [[nodiscard]] DemoEnd end() const {
+    if (!goesOn()) return DemoEnd::interrupted;
+    return asTold_ ? DemoEnd::asTold : DemoEnd::otherwise;
+  }
+
+ private:
+  DemoScreen& screen_;
+  const std::function<bool()>& goesOn_;
+  DemoPhone phone_;
+  bool asTold_ = true;
+};
+
+}  // namespace
+
+DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn) {
+  screen.line("Kivo's intents extension, on a phone and a backend made for this story");
+  screen.line("Real programs, private folders and a private session bus; nothing of yours is used.",
+              Tone::quiet);
+  Demonstration story(screen, goesOn, usualCurrency);
+
+  for (const Step& step : stepsOnline()) story.perform(step);
+  story.phone().goOffline();
+  for (const Step& step : stepsOffline()) story.perform(step);
+  story.phone().comeOnline();
+  story.perform(stepBackOnline());
+
+  story.notified(0);  // whatever came late
+  constexpr std::size_t transactions = 5;
+  story.expect(story.phone().transactionsAtBackend() == transactions,
+               "the backend has stored 5 transactions, each once");
+  if (story.end() == DemoEnd::asTold) {
+    screen.heading("All went as told: 5 transactions stored, each once, and nothing lost.");
+  }
+  return story.end();
+}
+
+DemoEnd DemoStory::show(DemoScreen& screen, const std::string& message,
+                        const std::function<bool()>& goesOn) {
+  const auto recognition =
+      MessageRecogniser::recognise(platform::repairedUtf8(message), usualCurrency);
+  const auto* const transaction = std::get_if<MessageRecogniser::Transaction>(&recognition);
+  Demonstration demonstration(screen, goesOn, transaction ? transaction->currency : usualCurrency);
+  demonstration.processed(message);
+  demonstration.notified(transaction ? 1 : 0);
+  demonstration.showState();
+  return demonstration.end();
+}
+
+}  // namespace kivo
