@@ -21,6 +21,8 @@ struct URL {
   /// The URL that `text` spells; none when it is no URI reference. A port that is not digits up to
   /// "/", "?", "#" or the end, and a host that is not ASCII, do not parse.
   static std::optional<URL> parse(std::string_view text);
+
+  bool operator==(const URL&) const = default;
 };
 
 }  // namespace kivo::platform
