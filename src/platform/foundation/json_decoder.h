@@ -15,8 +15,7 @@ namespace kivo::platform {
 ///
 /// Each `decode...` throws a DecodingError that carries the path of the member: keyNotFound when
 /// the member is absent, valueNotFound when it is null, typeMismatch when it is of another type.
-/// The
-/// `...IfPresent` forms answer none for an absent or null member instead.
+/// The `...IfPresent` forms answer none for an absent or null member instead.
 class JSONObject {
  public:
   [[nodiscard]] bool decodeBool(std::string_view key) const;
@@ -37,8 +36,9 @@ class JSONObject {
   std::shared_ptr<const Node> node_;
 };
 
-/// Reads a document (UTF-8). What is not exactly one JSON value, surrounded by blanks at most, is
-/// dataCorrupted, and so is a number past the range of a double, wherever it stands.
+/// Reads a document (UTF-8, a byte order mark in front is skipped). What is not exactly one JSON
+/// value, surrounded by blanks at most, is dataCorrupted, and so is a number past the range of a
+/// double, wherever it stands. Values may be nested as deep as memory lasts.
 class JSONDecoder {
  public:
   /// The object at the top of `document`; typeMismatch for any other top-level value.
