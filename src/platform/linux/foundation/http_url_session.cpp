@@ -1,0 +1,304 @@
+#include "platform/linux/foundation/http_url_session.h"
+
+#include <charconv>
+#include <chrono>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/ip/address.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/posix/stream_descriptor.hpp>
+#include <boost/asio/read.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/ssl/context.hpp>
+#include <boost/asio/ssl/stream.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/asio/this_coro.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/error.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <boost/beast/http/write.hpp>
+
+#include "platform/foundation/errors.h"
+#include "platform/linux/foundation/host_lookup.h"
+
+namespace kivo::linux_platform {
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+
+using boost::system::error_code;
+using platform::Task;
+using platform::URLAnswer;
+using platform::URLError;
+using platform::URLRequest;
+using Code = URLError::Code;
+
+namespace {
+
+constexpr int mostInterimAnswers = 16;
+constexpr std::uint32_t longestHeader = 64 * 1024;
+constexpr std::uint64_t longestBody = 1024 * 1024;
+// What may wait to be parsed: a header block, or as much of a body as is read at once.
+constexpr std::size_t readBuffer = 2 * longestHeader;
+
+/// What of a URL a connection needs.
+struct Endpoint {
+  bool secure;
+  std::uint16_t port;
+  /// The value of the Host header.
+  std::string authority;
+
+  explicit Endpoint(const platform::URL& url) : secure(url.scheme == "https") {
+    if ((!secure && url.scheme != "http") || url.host.empty()) throw URLError(Code::unsupportedURL);
+
+    const std::uint16_t usual = secure ? 443 : 80;
+    port = usual;
+    if (!url.port.empty()) {
+      const auto [end, error] =
+          std::from_chars(url.port.data(), url.port.data() + url.port.size(), port);
+      if (error != std::errc() || port == 0) throw URLError(Code::unsupportedURL);
+    }
+    authority = url.host.find(':') == std::string::npos ? url.host : "[" + url.host + "]";
+    if (port != usual) authority += ":" + std::to_string(port);
+  }
+};
+
+Code answerFailure(const error_code& error) {
+  if (error == http::error::header_limit || error == http::error::body_limit ||
+      error == http::error::buffer_overflow) {
+    return Code::dataLengthExceedsMaximum;
+  }
+  static const auto& httpErrors = make_error_code(http::error::bad_value).category();
+  const bool cutShort =
+      error == http::error::end_of_stream || error == http::error::partial_message;
+  return error.category() == httpErrors && !cutShort ? Code::badServerResponse
+                                                     : Code::networkConnectionLost;
+}
+
+/// One request and its answer. The steps run as a task of their own, on the strand of the task that
+/// asked; that one waits for nothing but `limit`, so that time and cancellation are met in one
+/// place, whatever the steps are waiting for.
+class Exchange {
+ public:
+  Exchange(const asio::any_io_executor& executor, URLRequest request, Endpoint endpoint,
+           asio::ssl::context* trust)
+      : limit(executor, request.timeoutInterval),
+        request_(std::move(request)),
+        endpoint_(std::move(endpoint)),
+        lookup_(executor),
+        connection_(executor) {
+    if (trust != nullptr) secured_.emplace(connection_, *trust);
+  }
+
+  /// Runs to the end of the exchange, whatever it is; never throws. `self` keeps the object.
+  static Task<void> run(std::shared_ptr<Exchange> self) {
+    try {
+      co_await self->steps();
+    } catch (const URLError& error) {
+      self->failure = error.code();
+    } catch (const boost::system::system_error& error) {
+      self->failure =
+          self->stage_ == Code::networkConnectionLost ? answerFailure(error.code()) : self->stage_;
+    } catch (const std::exception&) {
+      self->failure = self->stage_;
+    }
+    self->ended = true;
+    self->limit.cancel();
+  }
+
+  /// Makes the steps come to an end by themselves, with nothing more sent.
+  void abandon() {
+    abandoned_ = true;
+    error_code ignored;
+    lookup_.close(ignored);
+    connection_.close();
+  }
+
+  /// When the exchange must be over; its wait is cancelled when the exchange has ended.
+  asio::steady_timer limit;
+  bool ended = false;
+  /// Once ended: the answer, or else why there is none.
+  std::optional<URLAnswer> answer;
+  Code failure = Code::networkConnectionLost;
+
+ private:
+  Task<void> steps() {
+    co_await connect();
+    if (secured_) {
+      co_await handshake();
+      co_await transfer(*secured_);
+    } else {
+      co_await transfer(connection_);
+    }
+  }
+
+  Task<std::vector<asio::ip::address>> addresses() {
+    std::vector<asio::ip::address> found;
+    error_code error;
+    const auto numeric = asio::ip::make_address(request_.url.host, error);
+    if (!error) {
+      found.push_back(numeric);
+      co_return found;
+    }
+    lookup_.assign(startHostLookup(request_.url.host));
+    std::string lines;
+    auto into = asio::dynamic_buffer(lines);
+    co_await asio::async_read(lookup_, into, asio::redirect_error(asio::use_awaitable, error));
+    for (std::size_t begin = 0, end = 0; (end = lines.find('\n', begin)) != std::string::npos;
+         begin = end + 1) {
+      const auto address = asio::ip::make_address(lines.substr(begin, end - begin), error);
+      if (!error) found.push_back(address);
+    }
+    co_return found;
+  }
+
+  /// Tries all addresses in order. One that stays silent gets its share of the time that is left,
+  /// so that those after it are tried as well.
+  Task<void> connect() {
+    stage_ = Code::cannotFindHost;
+    const auto found = co_await addresses();
+    if (!found.empty()) stage_ = Code::cannotConnectToHost;
+
+    for (std::size_t tried = 0; tried < found.size() && !abandoned_; ++tried) {
+      const auto left = limit.expiry() - std::chrono::steady_clock::now();
+      connection_.expires_after(left / (found.size() - tried));
+      const asio::ip::tcp::endpoint peer(found[tried], endpoint_.port);
+      error_code error;
+      co_await connection_.async_connect(peer, asio::redirect_error(asio::use_awaitable, error));
+      if (!error) {
+        connection_.expires_never();
+        connection_.socket().set_option(asio::ip::tcp::no_delay(true), error);
+        co_return;
+      }
+      connection_.close();
+    }
+    throw URLError(stage_);
+  }
+
+  // What SSL_set_tlsext_host_name stands for, without its cast.
+  bool setServerName(SSL* tls) {
+    return SSL_ctrl(tls, SSL_CTRL_SET_TLSEXT_HOSTNAME, TLSEXT_NAMETYPE_host_name,
+                    request_.url.host.data()) == 1;
+  }
+
+  /// Makes the connection a trusted one. Nothing of the request is sent before.
+  Task<void> handshake() {
+    stage_ = Code::secureConnectionFailed;
+    SSL* const tls = secured_->native_handle();
+    const char* const host = request_.url.host.c_str();
+    error_code isName;
+    asio::ip::make_address(host, isName);
+    const bool set = isName ? setServerName(tls) && SSL_set1_host(tls, host) == 1
+                            : X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(tls), host) == 1;
+    if (!set) throw URLError(stage_);
+    co_await secured_->async_handshake(asio::ssl::stream_base::client, asio::use_awaitable);
+  }
+
+  [[nodiscard]] http::request<http::string_body> message() const {
+    http::request<http::string_body> message;
+    message.method_string(request_.httpMethod);
+    message.target(request_.url.target);
+    for (const auto& [name, value] : request_.headerFields) message.set(name, value);
+    message.set(http::field::host, endpoint_.authority);
+    message.set(http::field::accept, "*/*");
+    message.set(http::field::connection, "close");
+    message.body() = request_.httpBody;
+    message.prepare_payload();
+    return message;
+  }
+
+  /// Sends the request and reads the answer, past the interim ones.
+  template <typename Stream>
+  Task<void> transfer(Stream& stream) {
+    stage_ = Code::networkConnectionLost;
+    const auto sent = message();
+    co_await http::async_write(stream, sent, asio::use_awaitable);
+
+    beast::flat_buffer buffer(readBuffer);
+    std::optional<http::response_parser<http::string_body>> parser;
+    for (int answers = 0; !parser || parser->get().result_int() / 100 == 1; ++answers) {
+      if (answers > mostInterimAnswers) throw URLError(Code::badServerResponse);
+      parser.emplace();
+      parser->header_limit(longestHeader);
+      parser->body_limit(longestBody);
+      co_await http::async_read_header(stream, buffer, *parser, asio::use_awaitable);
+    }
+    co_await http::async_read(stream, buffer, *parser, asio::use_awaitable);
+    const auto status = static_cast<int>(parser->get().result_int());
+    if (status < 200) throw URLError(Code::badServerResponse);
+    answer = URLAnswer{.data = std::move(parser->get().body()), .response = {.statusCode = status}};
+  }
+
+  URLRequest request_;
+  Endpoint endpoint_;
+  asio::posix::stream_descriptor lookup_;
+  beast::tcp_stream connection_;
+  std::optional<asio::ssl::stream<beast::tcp_stream&>> secured_;
+  /// What a failure of the present step is told as.
+  Code stage_ = Code::cannotFindHost;
+  bool abandoned_ = false;
+};
+
+}  // namespace
+
+/// What servers are trusted. Made once, when first needed: reading it is what https costs.
+struct HTTPURLSession::Tls {
+  std::once_flag made;
+  std::optional<asio::ssl::context> context;
+
+  asio::ssl::context* trust() {
+    try {
+      std::call_once(made, [this] {
+        asio::ssl::context fresh(asio::ssl::context::tls_client);
+        SSL_CTX_set_min_proto_version(fresh.native_handle(), TLS1_2_VERSION);
+        fresh.set_default_verify_paths();
+        fresh.set_verify_mode(asio::ssl::verify_peer);
+        context = std::move(fresh);
+      });
+    } catch (const boost::system::system_error&) {
+      throw URLError(Code::secureConnectionFailed);
+    }
+    return &*context;
+  }
+};
+
+HTTPURLSession::HTTPURLSession() : tls_(std::make_unique<Tls>()) {}
+
+HTTPURLSession::~HTTPURLSession() = default;
+
+Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
+  const auto cancellation = co_await asio::this_coro::cancellation_state;
+  if (cancellation.cancelled() != asio::cancellation_type::none) throw URLError(Code::cancelled);
+
+  Endpoint endpoint(request.url);
+  asio::ssl::context* const trust = endpoint.secure ? tls_->trust() : nullptr;
+  const auto executor = co_await asio::this_coro::executor;
+  const auto exchange =
+      std::make_shared<Exchange>(executor, std::move(request), std::move(endpoint), trust);
+  asio::co_spawn(executor, Exchange::run(exchange), asio::detached);
+
+  error_code cancelledOrOver;
+  if (!exchange->ended) {
+    co_await exchange->limit.async_wait(asio::redirect_error(asio::use_awaitable, cancelledOrOver));
+  }
+  if (!exchange->ended) {
+    exchange->abandon();
+    throw URLError(cancelledOrOver ? Code::cancelled : Code::timedOut);
+  }
+  if (!exchange->answer) throw URLError(exchange->failure);
+  co_return std::move(*exchange->answer);
+}
+
+}  // namespace kivo::linux_platform

@@ -1,0 +1,168 @@
+#include "platform/linux/foundation/suite_database.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include "platform/linux/foundation/device_folders.h"
+
+namespace kivo::linux_platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto patience = 10s;
+constexpr auto retryPause = 2ms;
+constexpr std::int64_t applicationId = 0x4B69766F;  // "Kivo" in ASCII
+constexpr std::int64_t currentVersion = 1;
+
+// The statements of one transaction that turn an empty database into a suite.
+constexpr const char* creation =
+    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT;"
+    "PRAGMA application_id = 0x4B69766F;"
+    "PRAGMA user_version = 1";
+
+int queryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
+  Statement statement;
+  if (const int code = prepare(database, sql, statement); code != SQLITE_OK) return code;
+  const int code = sqlite3_step(statement.get());
+  if (code != SQLITE_ROW) return code == SQLITE_DONE ? SQLITE_ERROR : code;
+  value = sqlite3_column_int64(statement.get(), 0);
+  return SQLITE_OK;
+}
+
+bool isFolderName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+// Takes away what others may do with the file or folder. True as well when there is none.
+bool makePrivate(const std::string& path) {
+  struct stat found {};
+  if (stat(path.c_str(), &found) != 0) return errno == ENOENT;
+  return (found.st_mode & 0077) == 0 || chmod(path.c_str(), found.st_mode & 0700) == 0;
+}
+
+bool makeFolder(const std::filesystem::path& folder) {
+  if (mkdir(folder.c_str(), 0700) != 0 && errno == ENOENT) {
+    std::error_code ignored;  // the second attempt tells
+    std::filesystem::create_directories(folder.parent_path(), ignored);
+    mkdir(folder.c_str(), 0700);
+  }
+  std::error_code ignored;
+  return std::filesystem::is_directory(folder, ignored) && makePrivate(folder);
+}
+
+// Makes an empty file unless there is one. Does not open it: closing a second descriptor of a
+// database would drop the locks that another handle of this process holds on it.
+bool makeFile(const std::string& file) {
+  return mknod(file.c_str(), S_IFREG | 0600, 0) == 0 || errno == EEXIST;
+}
+
+enum class Owner { nobody, us, others };
+
+// Who has filled the database: nobody yet, this program, or somebody else or a newer version.
+int identify(sqlite3* database, Owner& owner) {
+  std::int64_t id = 0;
+  std::int64_t version = 0;
+  if (const int code = queryInteger(database, "PRAGMA application_id", id); code != SQLITE_OK) {
+    return code;
+  }
+  if (const int code = queryInteger(database, "PRAGMA user_version", version); code != SQLITE_OK) {
+    return code;
+  }
+  owner = id == applicationId && version == currentVersion ? Owner::us : Owner::others;
+  if (id != 0 || version != 0) return SQLITE_OK;
+
+  std::int64_t objects = 0;
+  const int code = queryInteger(database, "SELECT count(*) FROM sqlite_schema", objects);
+  if (code == SQLITE_OK && objects == 0) owner = Owner::nobody;
+  return code;
+}
+
+// Fills an empty database, unless another process has been faster.
+int create(sqlite3* database) {
+  if (const int code = execute(database, "BEGIN IMMEDIATE"); code != SQLITE_OK) return code;
+  Owner owner = Owner::others;
+  int code = identify(database, owner);
+  if (code == SQLITE_OK && owner == Owner::nobody) code = execute(database, creation);
+  if (code == SQLITE_OK) code = execute(database, "COMMIT");
+  if (code != SQLITE_OK) execute(database, "ROLLBACK");
+  return code;
+}
+
+// Brings an opened database to where values can be read and written, touching no foreign one.
+// SQLITE_BUSY means that all of it may be tried again.
+int establish(sqlite3* database) {
+  Owner owner = Owner::others;
+  int code = identify(database, owner);
+  while (code == SQLITE_OK && owner == Owner::nobody) {
+    // Answers "locked" at once when several processes do it, whatever the patience. Writes nothing
+    // to a file that is in this mode already.
+    code = execute(database, "PRAGMA journal_mode = WAL");
+    if (code == SQLITE_OK) code = create(database);
+    if (code == SQLITE_OK) code = identify(database, owner);
+  }
+  if (code == SQLITE_OK && owner == Owner::others) code = SQLITE_NOTADB;
+  if (code == SQLITE_OK) {
+    code = execute(database, "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
+  }
+  return code;
+}
+
+int establishPatiently(sqlite3* database) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  int code = establish(database);
+  while (code == SQLITE_BUSY && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(retryPause);
+    code = establish(database);
+  }
+  return code;
+}
+
+}  // namespace
+
+void CloseDatabase::operator()(sqlite3* database) const { sqlite3_close(database); }
+
+void FinalizeStatement::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+
+int prepare(sqlite3* database, const char* sql, Statement& statement) {
+  sqlite3_stmt* prepared = nullptr;
+  const int code =
+      sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+  statement.reset(prepared);
+  return code;
+}
+
+int execute(sqlite3* database, const char* sql) {
+  return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
+}
+
+Database openSuiteDatabase(std::string_view suiteName) {
+  const auto home = dataHome();
+  if (!home || !isFolderName(suiteName)) return nullptr;
+  const std::filesystem::path folder = *home / suiteName;
+  const std::string file = folder / "defaults.sqlite3";
+  if (!makeFolder(folder) || !makeFile(file)) return nullptr;
+
+  sqlite3* opened = nullptr;
+  const int code =
+      sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  Database database(opened);
+  if (code != SQLITE_OK) return nullptr;
+  sqlite3_busy_timeout(opened, static_cast<int>(std::chrono::milliseconds(patience).count()));
+
+  if (establishPatiently(opened) != SQLITE_OK) return nullptr;
+  for (const char* const suffix : {"", "-wal", "-shm"}) {
+    if (!makePrivate(file + suffix)) return nullptr;
+  }
+  return database;
+}
+
+}  // namespace kivo::linux_platform

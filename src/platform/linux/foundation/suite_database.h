@@ -1,0 +1,34 @@
+// Opens the database of a suite, making it when there is none. Reads and writes no value.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace kivo::linux_platform {
+
+struct CloseDatabase {
+  void operator()(sqlite3* database) const;
+};
+struct FinalizeStatement {
+  void operator()(sqlite3_stmt* statement) const;
+};
+using Database = std::unique_ptr<sqlite3, CloseDatabase>;
+using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
+
+/// The database of the suite in its folder of `dataHome`: a table `defaults` of `key` and `value`.
+/// Commits through it are durable, and each call on it waits up to 10 s for other processes. Makes
+/// folder and file when there is none; takes from others what they may do with either. Null when
+/// there is no home, when the folder or the file cannot be made or made private, and when the file
+/// is damaged, newer than this program or somebody else's; such a file is left as it is. For one
+/// task at a time.
+Database openSuiteDatabase(std::string_view suiteName);
+
+/// Compiles `sql` for repeated use; the code is SQLite's.
+int prepare(sqlite3* database, const char* sql, Statement& statement);
+/// Runs the statements of `sql` and drops what they answer; the code is SQLite's.
+int execute(sqlite3* database, const char* sql);
+
+}  // namespace kivo::linux_platform

@@ -1,0 +1,179 @@
+#include "platform/foundation/user_defaults.h"
+
+#include <cstdio>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/suite_database.h"
+
+namespace kivo::platform {
+namespace {
+
+using linux_platform::execute;
+using linux_platform::prepare;
+using linux_platform::Statement;
+
+// Frees a statement that is used again from its row, its locks and what was bound to it.
+class Use {
+ public:
+  explicit Use(sqlite3_stmt* statement) : statement_(statement) {}
+  ~Use() {
+    sqlite3_reset(statement_);
+    sqlite3_clear_bindings(statement_);
+  }
+  Use(const Use&) = delete;
+  Use& operator=(const Use&) = delete;
+
+ private:
+  sqlite3_stmt* statement_;
+};
+
+// Only for the duration of one statement: the bytes are not copied. With a null pointer an empty
+// text would become SQL's NULL.
+int bindText(sqlite3_stmt* statement, int place, std::string_view text) {
+  return sqlite3_bind_text64(statement, place, text.empty() ? "" : text.data(), text.size(),
+                             SQLITE_STATIC, SQLITE_UTF8);
+}
+
+std::string columnText(sqlite3_stmt* statement, int column) {
+  const void* const bytes = sqlite3_column_text(statement, column);
+  if (bytes == nullptr) return {};
+  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
+  return repairedUtf8({static_cast<const char*>(bytes), size});
+}
+
+UserDefaults::Value columnValue(sqlite3_stmt* statement, int column) {
+  switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_INTEGER:
+      return std::int64_t{sqlite3_column_int64(statement, column)};
+    case SQLITE_FLOAT:
+      return sqlite3_column_double(statement, column);
+    case SQLITE_TEXT:
+      return columnText(statement, column);
+    default:
+      return std::monostate{};
+  }
+}
+
+}  // namespace
+
+struct UserDefaults::Suite {
+  using Written = std::variant<double, std::string>;
+
+  linux_platform::Database database;
+  Statement reading;
+  Statement writing;
+  std::map<std::string, Written, std::less<>> pending;
+
+  [[nodiscard]] Value value(std::string_view key) const {
+    if (const auto written = pending.find(key); written != pending.end()) {
+      return asRead(written->second);
+    }
+    const Use use(reading.get());
+    if (bindText(reading.get(), 1, key) != SQLITE_OK) return {};
+    if (sqlite3_step(reading.get()) != SQLITE_ROW) return {};
+    return columnValue(reading.get(), 0);
+  }
+
+  static Value asRead(const Written& written) {
+    if (const double* const number = std::get_if<double>(&written)) return *number;
+    return repairedUtf8(std::get<std::string>(written));
+  }
+
+  int write(std::string_view key, const Written& value) const {
+    const Use use(writing.get());
+    int code = bindText(writing.get(), 1, key);
+    if (code != SQLITE_OK) return code;
+    if (const double* const number = std::get_if<double>(&value)) {
+      code = sqlite3_bind_double(writing.get(), 2, *number);
+    } else {
+      code = bindText(writing.get(), 2, std::get<std::string>(value));
+    }
+    if (code != SQLITE_OK) return code;
+    code = sqlite3_step(writing.get());
+    return code == SQLITE_DONE ? SQLITE_OK : code;
+  }
+
+  int commit() {
+    int code = writing != nullptr
+                   ? SQLITE_OK
+                   : prepare(database.get(),
+                             "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
+                             "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                             writing);
+    if (code == SQLITE_OK) code = execute(database.get(), "BEGIN IMMEDIATE");
+    for (auto entry = pending.begin(); code == SQLITE_OK && entry != pending.end(); ++entry) {
+      code = write(entry->first, entry->second);
+    }
+    if (code == SQLITE_OK) code = execute(database.get(), "COMMIT");
+    if (sqlite3_get_autocommit(database.get()) == 0) execute(database.get(), "ROLLBACK");
+    return code;
+  }
+};
+
+UserDefaults::UserDefaults(std::unique_ptr<Suite> suite) : suite_(std::move(suite)) {}
+UserDefaults::UserDefaults(UserDefaults&& other) noexcept = default;
+UserDefaults& UserDefaults::operator=(UserDefaults&& other) noexcept = default;
+UserDefaults::~UserDefaults() = default;
+
+std::optional<UserDefaults> UserDefaults::initWithSuiteName(std::string_view suiteName) {
+  auto suite = std::make_unique<Suite>();
+  suite->database = linux_platform::openSuiteDatabase(suiteName);
+  if (suite->database == nullptr) return std::nullopt;
+  const int code =
+      prepare(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1", suite->reading);
+  if (code != SQLITE_OK) return std::nullopt;
+  return UserDefaults(std::move(suite));
+}
+
+std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {
+  Value value = suite_->value(key);
+  if (auto* const text = std::get_if<std::string>(&value)) return std::move(*text);
+  return std::nullopt;
+}
+
+double UserDefaults::doubleForKey(std::string_view key) const {
+  const Value value = suite_->value(key);
+  if (const auto* const number = std::get_if<double>(&value)) return *number;
+  if (const auto* const number = std::get_if<std::int64_t>(&value)) {
+    return static_cast<double>(*number);
+  }
+  return 0;
+}
+
+std::map<std::string, UserDefaults::Value> UserDefaults::dictionaryRepresentation() const {
+  std::map<std::string, Value> all;
+  Statement listing;
+  if (prepare(suite_->database.get(), "SELECT key, value FROM defaults", listing) == SQLITE_OK) {
+    while (sqlite3_step(listing.get()) == SQLITE_ROW) {
+      all.insert_or_assign(columnText(listing.get(), 0), columnValue(listing.get(), 1));
+    }
+  }
+  for (const auto& [key, written] : suite_->pending) {
+    all.insert_or_assign(repairedUtf8(key), Suite::asRead(written));
+  }
+  return all;
+}
+
+void UserDefaults::setObject(std::string_view key, std::string_view text) {
+  suite_->pending.insert_or_assign(std::string(key), std::string(text));
+}
+
+void UserDefaults::setDouble(std::string_view key, double value) {
+  suite_->pending.insert_or_assign(std::string(key), value);
+}
+
+bool UserDefaults::synchronize() {
+  if (suite_->pending.empty()) return true;
+  const int code = suite_->commit();
+  suite_->pending.clear();
+  if (code == SQLITE_OK) return true;
+  const std::string line =
+      "the shared store could not be written: " + std::string(sqlite3_errstr(code)) + "\n";
+  std::fputs(line.c_str(), stderr);
+  return false;
+}
+
+}  // namespace kivo::platform

@@ -1,0 +1,49 @@
+// Runs single exchanges of the platform's HTTP session in a test. Judges no answer.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "platform/foundation/errors.h"
+#include "platform/foundation/url_session.h"
+#include "platform/linux/concurrency/task_executor.h"
+
+namespace kivo::testkit {
+
+using Failure = platform::URLError::Code;
+
+/// How an exchange ended: with an answer or with a failure, never both.
+struct Outcome {
+  std::optional<platform::URLAnswer> answer;
+  std::optional<Failure> failure;
+  std::chrono::milliseconds took{};
+
+  /// The answer's status; 0 without one.
+  [[nodiscard]] int status() const { return answer ? answer->response.statusCode : 0; }
+  /// The answer's body; "no answer" without one.
+  [[nodiscard]] std::string body() const { return answer ? answer->data : "no answer"; }
+};
+
+/// A POST of `body` to `url`, which must parse, that may take `limit`.
+platform::URLRequest post(const std::string& url, std::string body = "{}",
+                          std::chrono::milliseconds limit = std::chrono::seconds(10));
+
+/// An exchange under way on the tests' executor. Its session must outlive it.
+class RunningExchange {
+ public:
+  RunningExchange(platform::URLSession& session, platform::URLRequest request);
+  /// Cancels the task that waits for the exchange.
+  void cancel() { task_.cancel(); }
+  /// Waits for its end, which has to come within 60 s.
+  Outcome wait();
+
+ private:
+  std::shared_ptr<Outcome> outcome_ = std::make_shared<Outcome>();
+  linux_platform::RunningTask task_;
+};
+
+/// Sends `request` and waits for the end of the exchange.
+Outcome exchange(platform::URLSession& session, platform::URLRequest request);
+
+}  // namespace kivo::testkit
