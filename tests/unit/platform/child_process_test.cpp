@@ -1,8 +1,11 @@
 #include "platform/linux/process/child_process.h"
 
 #include <csignal>
+#include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace kivo::linux_platform {
 namespace {
@@ -32,6 +35,14 @@ TEST(AChildProcess, SeesTheChangedEnvironment) {
                                   .arguments = {"-c", "echo ${HOME-none} $ADDED"},
                                   .environment = {{"HOME", std::nullopt}, {"ADDED", "here"}}});
   EXPECT_EQ(result.output, "none here\n");
+}
+
+TEST(AChildProcess, InheritsNoDescriptorButItsStandardStreams) {
+  const int leaking = open("/dev/null", O_RDONLY);
+  const std::string file = "/proc/self/fd/" + std::to_string(leaking);
+  const auto result = runProgram({.program = "sh", .arguments = {"-c", "test -e " + file}});
+  close(leaking);
+  EXPECT_EQ(result.status, 1);
 }
 
 TEST(AChildProcess, IsKilledWhenItTakesTooLong) {
