@@ -1,6 +1,5 @@
 #include "platform/linux/foundation/http_url_session.h"
 
-#include <charconv>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -36,6 +35,7 @@
 
 #include "platform/foundation/errors.h"
 #include "platform/linux/foundation/host_lookup.h"
+#include "platform/linux/foundation/http_endpoint.h"
 
 namespace kivo::linux_platform {
 namespace asio = boost::asio;
@@ -57,28 +57,6 @@ constexpr std::uint64_t longestBody = 1024 * 1024;
 // What may wait to be parsed: a header block, or as much of a body as is read at once.
 constexpr std::size_t readBuffer = 2 * longestHeader;
 
-/// What of a URL a connection needs.
-struct Endpoint {
-  bool secure;
-  std::uint16_t port;
-  /// The value of the Host header.
-  std::string authority;
-
-  explicit Endpoint(const platform::URL& url) : secure(url.scheme == "https") {
-    if ((!secure && url.scheme != "http") || url.host.empty()) throw URLError(Code::unsupportedURL);
-
-    const std::uint16_t usual = secure ? 443 : 80;
-    port = usual;
-    if (!url.port.empty()) {
-      const auto [end, error] =
-          std::from_chars(url.port.data(), url.port.data() + url.port.size(), port);
-      if (error != std::errc() || port == 0) throw URLError(Code::unsupportedURL);
-    }
-    authority = url.host.find(':') == std::string::npos ? url.host : "[" + url.host + "]";
-    if (port != usual) authority += ":" + std::to_string(port);
-  }
-};
-
 Code answerFailure(const error_code& error) {
   if (error == http::error::header_limit || error == http::error::body_limit ||
       error == http::error::buffer_overflow) {
@@ -99,8 +77,8 @@ class Exchange {
   using Time = std::chrono::steady_clock::time_point;
 
   /// `trust` is null without TLS, and otherwise needed only until this returns.
-  Exchange(const asio::any_io_executor& executor, Time end, URLRequest request, Endpoint endpoint,
-           asio::ssl::context* trust)
+  Exchange(const asio::any_io_executor& executor, Time end, URLRequest request,
+           HTTPEndpoint endpoint, asio::ssl::context* trust)
       : limit(executor, end),
         request_(std::move(request)),
         endpoint_(std::move(endpoint)),
@@ -256,7 +234,7 @@ class Exchange {
   }
 
   URLRequest request_;
-  Endpoint endpoint_;
+  HTTPEndpoint endpoint_;
   asio::posix::stream_descriptor lookup_;
   beast::tcp_stream connection_;
   std::optional<asio::ssl::stream<beast::tcp_stream&>> secured_;
@@ -297,7 +275,7 @@ Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
   if (cancellation.cancelled() != asio::cancellation_type::none) throw URLError(Code::cancelled);
 
   const auto end = std::chrono::steady_clock::now() + request.timeoutInterval;
-  Endpoint endpoint(request.url);
+  HTTPEndpoint endpoint = HTTPEndpoint::of(request.url);
   asio::ssl::context* const trust = endpoint.secure ? tls_->trust() : nullptr;
   const auto executor = co_await asio::this_coro::executor;
   const auto exchange =
