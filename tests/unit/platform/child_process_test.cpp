@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace kivo::linux_platform {
 namespace {
@@ -32,6 +33,13 @@ TEST(AChildProcess, SeesTheChangedEnvironment) {
                                   .arguments = {"-c", "echo ${HOME-none} $ADDED"},
                                   .environment = {{"HOME", std::nullopt}, {"ADDED", "here"}}});
   EXPECT_EQ(result.output, "none here\n");
+}
+
+TEST(AChildProcess, InheritsNoFileButItsStreams) {
+  const int opened = dup(STDERR_FILENO);  // a descriptor that stays open on exec
+  const auto result = runProgram({.program = "sh", .arguments = {"-c", "ls /proc/$$/fd | wc -l"}});
+  close(opened);
+  EXPECT_EQ(result.output, "3\n");
 }
 
 TEST(AChildProcess, IsKilledWhenItTakesTooLong) {

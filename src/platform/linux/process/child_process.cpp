@@ -69,6 +69,8 @@ pid_t spawn(const ProgramCall& call, const Pipe& input, const Pipe& output, cons
   posix_spawn_file_actions_adddup2(&actions, input.reading(), STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, output.writing(), STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, errors.writing(), STDERR_FILENO);
+  // A listening socket of ours that the program inherited would go on taking connections.
+  posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
 
   // The program starts with the signals as a shell would leave them, whatever we ignore ourselves.
   posix_spawnattr_t attributes;
