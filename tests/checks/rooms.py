@@ -18,7 +18,7 @@ ARROWS = {
     "store": {"platform"},
     "platform": set(),
     "platform/linux": {"platform"},
-    "phone": {"store", "queue", "extraction", "platform", "platform/linux", "feedback"},
+    "phone": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
 }
 FRAMEWORKS = {"app_intents", "foundation", "user_notifications", "widget_kit", "concurrency"}
 

@@ -98,9 +98,10 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
 struct LoopbackHttpServer::Server {
   explicit Server(Handler answering) : handler(std::move(answering)), reserved(context) {
     reserved.open(tcp::v4());
-    reserved.set_option(tcp::acceptor::reuse_address(true));
     reserved.bind({asio::ip::address_v4::loopback(), 0});
     address = reserved.local_endpoint();
+    // Only now: a port chosen with this option set may be one that another process reserves.
+    reserved.set_option(tcp::acceptor::reuse_address(true));
     listen();
     thread = std::thread([this] {
       sigset_t all;

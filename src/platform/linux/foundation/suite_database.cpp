@@ -60,9 +60,12 @@ bool makeFolder(const std::filesystem::path& folder) {
 }
 
 // Makes an empty file unless there is one. Does not open it: closing a second descriptor of a
-// database would drop the locks that another handle of this process holds on it.
+// database would drop the locks that another handle of this process holds on it. SQLite takes a
+// file of one byte for an empty one and would overwrite the byte, which is not ours.
 bool makeFile(const std::string& file) {
-  return mknod(file.c_str(), S_IFREG | 0600, 0) == 0 || errno == EEXIST;
+  if (mknod(file.c_str(), S_IFREG | 0600, 0) != 0 && errno != EEXIST) return false;
+  struct stat found {};
+  return stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode) && found.st_size != 1;
 }
 
 enum class Owner { nobody, us, others };

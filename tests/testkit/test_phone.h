@@ -1,0 +1,46 @@
+// A phone on which somebody is signed in: a real store in a private folder, and recording stand-ins
+// for network, notifications and widgets. Runs no intent.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "store/shared_store.h"
+#include "testkit/event_log.h"
+#include "testkit/private_folders.h"
+#include "testkit/recording_notification_center.h"
+#include "testkit/recording_url_session.h"
+#include "testkit/recording_widget_center.h"
+#include "testkit/set_clock.h"
+
+namespace kivo::testkit {
+
+/// The stand-ins are this process's platform objects from its making on; it must outlive every task
+/// that uses them. There is one at a time. Its clock stands still.
+struct TestPhone {
+  static constexpr std::string_view userId = "user-0815";
+  static constexpr std::string_view supabaseUrl = "https://backend.example";
+  /// 2026-01-31T09:05:07Z.
+  static constexpr platform::Moment start = utc(2026, 1, 31, 9, 5, 7);
+
+  TestPhone();
+
+  /// A handle of its own; throws when the store cannot be opened.
+  static SharedStore openStore();
+  /// What is durable; empty when the store cannot be opened.
+  static StoreContents contents();
+  static std::optional<std::string> text(StoreKey key);
+  static std::optional<double> number(StoreKey key);
+  static void put(StoreKey key, std::string_view text);
+  static void put(StoreKey key, double value);
+
+  PrivateFolders folders;
+  SetClock clock{start};
+  EventLog log{contents};
+  RecordingURLSession session{log};
+  RecordingNotificationCenter notifications{log};
+  RecordingWidgetCenter widget{log};
+};
+
+}  // namespace kivo::testkit
