@@ -4,12 +4,13 @@
 #include <string_view>
 
 #include "platform/app_intents/app_intent.h"
+#include "store/store_keys.h"
 
 namespace kivo {
 
 struct ExpenseIntentsExtension {
   /// In whose name the extension notifies.
-  static constexpr std::string_view bundleIdentifier = "app.kivo.expenses.intents";
+  static constexpr std::string_view bundleIdentifier = extensionBundle;
 
   /// The extension with its intents.
   static platform::AppIntentsExtension make();

@@ -1,5 +1,5 @@
-// The names under which app, widget and extension share values. Says nothing of their forms, which
-// belong to whoever writes them.
+// The names by which app, widget and extension know each other and share values. Says nothing of
+// their forms, which belong to whoever writes them.
 #pragma once
 
 #include <string_view>
@@ -8,6 +8,9 @@ namespace kivo {
 
 /// The app group whose store the three share.
 inline constexpr std::string_view appGroup = "group.app.kivo.expenses";
+
+/// The extension's bundle, in whose name it notifies.
+inline constexpr std::string_view extensionBundle = "app.kivo.expenses.intents";
 
 /// The name of a value in the shared store.
 struct StoreKey {

@@ -1,0 +1,243 @@
+// The program kivo-phone: what the rest of the phone does for the extension, by hand.
+#include <cmath>
+#include <iostream>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "phone/queue_listing.h"
+#include "phone/value_listing.h"
+#include "phone/widget_view.h"
+#include "phone/widget_watch.h"
+#include "platform/foundation/date.h"
+#include "platform/foundation/errors.h"
+#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/number_text.h"
+#include "platform/foundation/url.h"
+#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/utf8.h"
+#include "platform/linux/process/command_line.h"
+#include "platform/linux/process/process_start.h"
+#include "platform/linux/process/terminal_text.h"
+#include "platform/linux/user_notifications/notification_permission.h"
+#include "queue/pending_sms_queue.h"
+#include "store/shared_store.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::Command;
+using linux_platform::exitBadUsage;
+using linux_platform::GivenParameters;
+using platform::UNAuthorizationStatus;
+using platform::UserDefaults;
+using Kind = linux_platform::CommandParameter::Kind;
+
+constexpr const char* programName = "kivo-phone";
+constexpr int exitFailure = 1;
+
+int fail(const std::string& what, int status = exitFailure) {
+  linux_platform::complain(programName, what);
+  return status;
+}
+
+int failWithoutStore() { return fail("the shared store cannot be opened"); }
+
+int print(const std::string& text) {
+  std::cout << text << std::flush;
+  return std::cout ? 0 : fail("standard output cannot be written");
+}
+
+bool onTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
+std::size_t screenWidth() {
+  constexpr std::size_t usualWidth = 80;
+  if (!onTerminal()) return std::numeric_limits<std::size_t>::max();
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
+}
+
+// A value as it is stored: as it was given, made valid UTF-8.
+std::string textOf(const GivenParameters& given, const char* name) {
+  return platform::repairedUtf8(given.at(name));
+}
+
+int signIn(const GivenParameters& given) {
+  const std::string userId = textOf(given, "--user-id");
+  const std::string base = textOf(given, "--url");
+  const auto endpoint = platform::URL::parse(base + "/functions/v1/sms-extraction");
+  if (!endpoint) return fail("--url is no URL; nothing was stored", exitBadUsage);
+
+  auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  store->writeText(StoreKeys::userId, userId);
+  store->writeText(StoreKeys::supabaseUrl, base);
+  if (given.contains("--currency")) {
+    store->writeText(StoreKeys::currency, textOf(given, "--currency"));
+  }
+  if (!store->synchronize()) return exitFailure;
+
+  if (userId.empty() || base.empty()) {
+    return print("Stored. An empty user identifier or URL counts as signed out.\n");
+  }
+  if (endpoint->scheme != "http" && endpoint->scheme != "https") {
+    return print("Signed in. Only http and https are spoken, so every text will wait offline.\n");
+  }
+  return print("Signed in.\n");
+}
+
+int signOut(const GivenParameters&) {
+  auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  store->writeText(StoreKeys::userId, "");  // a key is never removed
+  store->writeText(StoreKeys::supabaseUrl, "");
+  return store->synchronize() ? print("Signed out.\n") : exitFailure;
+}
+
+int setNotifications(const GivenParameters& given) {
+  static const std::map<std::string, UNAuthorizationStatus> statuses{
+      {"not-determined", UNAuthorizationStatus::notDetermined},
+      {"denied", UNAuthorizationStatus::denied},
+      {"authorized", UNAuthorizationStatus::authorized},
+      {"provisional", UNAuthorizationStatus::provisional},
+      {"ephemeral", UNAuthorizationStatus::ephemeral},
+  };
+  const auto status = statuses.find(given.at("STATUS"));
+  if (status == statuses.end()) {
+    return fail("STATUS is one of authorized, denied, not-determined, provisional, ephemeral",
+                exitBadUsage);
+  }
+  if (!linux_platform::setAuthorizationStatus(extensionBundle, status->second)) {
+    return fail("the notification center does not answer");
+  }
+  return print("Notifications: " + status->first + "\n");
+}
+
+int listStore(const GivenParameters&) {
+  const auto defaults = UserDefaults::initWithSuiteName(appGroup);
+  if (!defaults) return failWithoutStore();
+  const auto controls =
+      onTerminal() ? ValueListing::Controls::escaped : ValueListing::Controls::asTheyAre;
+  return print(ValueListing::text(defaults->dictionaryRepresentation(), controls));
+}
+
+int getFromStore(const GivenParameters& given) {
+  const auto defaults = UserDefaults::initWithSuiteName(appGroup);
+  if (!defaults) return failWithoutStore();
+  const auto values = defaults->dictionaryRepresentation();
+  const auto value = values.find(textOf(given, "KEY"));
+  if (value == values.end()) return fail("nothing is stored under this key");
+  const auto text = ValueListing::valueText(value->second);
+  if (!text) return fail("neither text nor number is stored under this key");
+  return print(linux_platform::forStandardOutput(*text) + "\n");
+}
+
+int setInStore(const GivenParameters& given) {
+  const std::string text = textOf(given, "VALUE");
+  const auto number = platform::doubleFromText(text);
+  const bool asFloat = given.contains("--float");
+  if (asFloat && !(number && std::isfinite(*number))) {
+    return fail("VALUE is no finite number; nothing was stored", exitBadUsage);
+  }
+  auto defaults = UserDefaults::initWithSuiteName(appGroup);
+  if (!defaults) return failWithoutStore();
+  if (asFloat) {
+    defaults->setDouble(textOf(given, "KEY"), *number);
+  } else {
+    defaults->setObject(textOf(given, "KEY"), text);
+  }
+  return defaults->synchronize() ? 0 : exitFailure;
+}
+
+// True when a queue is stored that the extension cannot read either.
+bool queueIsBroken(const SharedStore& store) {
+  const auto text = store.readText(StoreKeys::pendingSmsQueue);
+  if (!text) return false;
+  try {
+    return !platform::JSONDecoder::arrayOfObjects(*text).empty();
+  } catch (const platform::DecodingError&) {
+    return true;
+  }
+}
+
+int showQueue(const GivenParameters&) {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  const auto items = PendingSmsQueue::load(*store);
+  if (items.empty() && queueIsBroken(*store)) {
+    return fail("the stored queue cannot be read; the next text that is queued replaces it");
+  }
+  return print(QueueListing::text(items, platform::Date::now(), screenWidth()));
+}
+
+int showWidget(const GivenParameters&) {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  const WidgetFigures figures = WidgetView::read(*store);
+  return print(onTerminal() ? WidgetView::asBox(figures) : WidgetView::asLines(figures));
+}
+
+// Draws over what was drawn before, or below it where that cannot be done.
+int watchWidget() {
+  constexpr const char* clearScreen = "\x1b[H\x1b[2J";
+  std::optional<WidgetFigures> drawn;
+  return WidgetWatch::run([&drawn] {
+    const auto store = SharedStore::open(appGroup);
+    if (!store) return failWithoutStore() == 0;
+    const WidgetFigures figures = WidgetView::read(*store);
+    const bool changed = std::exchange(drawn, figures) != figures;
+    if (!changed) return true;
+    if (!onTerminal()) return print(WidgetView::asLines(figures) + "\n") == 0;
+    return print(clearScreen + WidgetView::asBox(figures) + "Ctrl-C ends\n") == 0;
+  });
+}
+
+linux_platform::CommandProgram phone() {
+  const auto widget = [](const GivenParameters& given) {
+    return given.contains("--watch") ? watchWidget() : showWidget(given);
+  };
+  return {
+      .name = programName,
+      .purpose = "The rest of the phone, for trying and inspecting Kivo's intents.",
+      .version = KIVO_VERSION,
+      .commands =
+          {
+              {"sign-in",
+               "Store who the person is and where the backend is",
+               {{"--user-id", "The user identifier"},
+                {"--url", "The backend's base URL"},
+                {"--currency", "The currency code; kept when not given", Kind::optional}},
+               signIn},
+              {"sign-out", "Forget who the person is", {}, signOut},
+              {"notifications",
+               "Decide whether Kivo may notify",
+               {{"STATUS", "authorized, denied, not-determined, provisional or ephemeral"}},
+               setNotifications},
+              {"store list", "Show every value of the shared store", {}, listStore},
+              {"store get", "Print the value of a key, alone", {{"KEY", "The key"}}, getFromStore},
+              {"store set",
+               "Store a text, or a number with --float",
+               {{"KEY", "The key"},
+                {"VALUE", "The value"},
+                {"--float", "Store a number", Kind::flag}},
+               setInStore},
+              {"queue", "Show the texts that wait to be sent", {}, showQueue},
+              {"widget",
+               "Show the figures of the home-screen widget",
+               {{"--watch", "Go on showing them as they change", Kind::flag}},
+               widget},
+          },
+  };
+}
+
+}  // namespace
+}  // namespace kivo
+
+int main(int argc, char** argv) {
+  kivo::linux_platform::startProcess();
+  return kivo::linux_platform::runCommand(kivo::phone(), argc, argv);
+}

@@ -1,0 +1,138 @@
+#include "platform/linux/process/command_line.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+
+namespace kivo::linux_platform {
+namespace {
+
+using Kind = CommandParameter::Kind;
+
+// A command as CLI11 knows it; it fills the texts and flags while it parses.
+struct Offered {
+  const Command* command = nullptr;
+  CLI::App* app = nullptr;
+  std::map<std::string, std::optional<std::string>> texts;
+  std::map<std::string, bool> flags;
+
+  [[nodiscard]] GivenParameters given() const {
+    GivenParameters given;
+    for (const auto& [name, text] : texts) {
+      if (text) given[name] = *text;
+    }
+    for (const auto& [name, flag] : flags) {
+      if (flag) given[name];
+    }
+    return given;
+  }
+};
+
+// The level of the command line that names the last word of `name`, made on the way.
+CLI::App& levelOf(CLI::App& root, const std::string& name) {
+  const std::size_t blank = name.find(' ');
+  const std::string word = name.substr(0, blank);
+  const auto known =
+      root.get_subcommands([&word](const CLI::App* one) { return one->get_name() == word; });
+  CLI::App* const level = known.empty() ? root.add_subcommand(word)->allow_extras() : known.front();
+  return blank == std::string::npos ? *level : levelOf(*level, name.substr(blank + 1));
+}
+
+std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
+  auto offered = std::make_unique<Offered>();
+  offered->command = &command;
+  offered->app = levelOf(root, command.name).description(command.purpose);
+  for (const CommandParameter& parameter : command.parameters) {
+    const std::string& name = parameter.name;
+    if (parameter.kind == Kind::flag) {
+      offered->app->add_flag(name, offered->flags[name], parameter.meaning);
+      continue;
+    }
+    CLI::Option* const option =
+        offered->app->add_option(name, offered->texts[name], parameter.meaning);
+    option->option_text(parameter.kind == Kind::required ? "TEXT (needed)" : "TEXT");
+  }
+  return offered;
+}
+
+bool isOptionName(const std::string& argument) {
+  return argument.size() > 2 && argument.starts_with("--") &&
+         std::all_of(argument.begin() + 2, argument.end(), [](unsigned char letter) {
+           return std::isalpha(letter) != 0 || letter == '-';
+         });
+}
+
+std::string describeLeftOver(const std::vector<std::string>& leftOver) {
+  const auto name = std::find_if(leftOver.begin(), leftOver.end(), isOptionName);
+  if (name != leftOver.end()) return "unknown option " + *name;
+  return "there is an argument too many; a text with blanks needs quotes, and -- goes before one "
+         "that begins with a minus";
+}
+
+// What is wrong with the call in spite of its grammar, if anything.
+std::optional<std::string> complaintAbout(const Offered& offered) {
+  if (const auto leftOver = offered.app->remaining(true); !leftOver.empty()) {
+    return describeLeftOver(leftOver);
+  }
+  for (const CommandParameter& parameter : offered.command->parameters) {
+    if (parameter.kind == Kind::required && !offered.texts.at(parameter.name)) {
+      return parameter.name + " is missing";
+    }
+  }
+  return std::nullopt;
+}
+
+int badUsage(const CommandProgram& program, const std::string& command, const std::string& what) {
+  const std::string help = program.name + (command.empty() ? "" : " ") + command + " --help";
+  complain(program.name, what + " (see " + help + ")");
+  return exitBadUsage;
+}
+
+int answerError(const CommandProgram& program, const CLI::App& app, const CLI::ParseError& error) {
+  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+    app.exit(error, std::cout, std::cout);
+    return 0;
+  }
+  // CLI11's own words may quote what was given.
+  const bool mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
+  return badUsage(
+      program, "",
+      mismatch ? "an option has no value or is given twice" : "the call cannot be understood");
+}
+
+}  // namespace
+
+void complain(const std::string& program, const std::string& what) {
+  const std::string line = program + ": " + what + "\n";
+  std::fputs(line.c_str(), stderr);
+}
+
+int runCommand(const CommandProgram& program, int argc, char** argv) {
+  CLI::App app(program.purpose, program.name);
+  app.set_version_flag("--version", program.name + " " + program.version);
+  app.allow_extras();
+  std::vector<std::unique_ptr<Offered>> all;
+  for (const Command& command : program.commands) all.push_back(offer(command, app));
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return answerError(program, app, error);
+  }
+
+  for (const auto& offered : all) {
+    if (!offered->app->parsed()) continue;
+    if (const auto complaint = complaintAbout(*offered)) {
+      return badUsage(program, offered->command->name, *complaint);
+    }
+    return offered->command->run(offered->given());
+  }
+  return badUsage(program, "", "unknown command, or none named");
+}
+
+}  // namespace kivo::linux_platform
