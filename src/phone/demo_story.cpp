@@ -18,10 +18,10 @@ using linux_platform::ShownNotification;
 
 constexpr std::string_view usualCurrency = "EGP";
 
-// One message, and what is expected to come of it.
+// Messages that come together, and what is expected to come of them.
 struct Step {
   std::string_view heading;
-  std::string_view message;
+  std::vector<std::string_view> messages;
   std::string_view dialogBeginning;
   /// Titles of the notifications, in any order.
   std::vector<std::string_view> notifications = {};
@@ -33,46 +33,41 @@ struct Step {
 const std::vector<Step>& stepsOnline() {
   static const std::vector<Step> steps{
       {"An expense",
-       "Nilo Bank: Your debit card **4821 was used for EGP 415.75 at Sunny Basket Market on "
-       "12/05/2026 14:32. Avail. Bal. EGP 9,310.20",
+       {"Nilo Bank: Your debit card **4821 was used for EGP 415.75 at Sunny Basket Market on "
+        "12/05/2026 14:32. Avail. Bal. EGP 9,310.20"},
        "Tracked ",
        {"💸 Expense Tracked"}},
       {"An income, in Arabic",
-       "بنك نيلو: تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م من شركة الأفق في حسابك. الرصيد المتاح "
-       "٢٧٬٨١٠٫٢٠ ج.م",
+       {"بنك نيلو: تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م من شركة الأفق في حسابك. الرصيد المتاح "
+        "٢٧٬٨١٠٫٢٠ ج.م"},
        "Received ",
        {"💰 Income Received"}},
       {"A declined payment",
-       "Nilo Bank: Your purchase of EGP 900.00 at Tulip Store was declined due to insufficient "
-       "funds.",
+       {"Nilo Bank: Your purchase of EGP 900.00 at Tulip Store was declined due to insufficient "
+        "funds."},
        "Transaction was declined - not tracked"},
       {"A one-time code, though it names an amount",
-       "Nilo Bank: 884213 is your OTP for the purchase of EGP 1,250.00 at Palm Electronics. Do not "
-       "share it.",
+       {"Nilo Bank: 884213 is your OTP for the purchase of EGP 1,250.00 at Palm Electronics. "
+        "Never share it."},
        "SMS ignored - not a transaction"},
   };
   return steps;
 }
 
-const std::vector<Step>& stepsOffline() {
-  static const std::vector<Step> steps{
-      {"A message while the backend cannot be reached",
-       "You paid EGP 64.00 at Corner Coffee using card **4821.",
-       "Saved offline - will process when connected",
-       {"📡 Expense Saved Offline"},
-       "1"},
-      {"And another",
-       "EGP 1,500.00 has been transferred from your account to Mona Samir. Ref 77120",
-       "Saved offline - will process when connected",
-       {"📡 Expense Saved Offline"},
-       "2"},
-  };
-  return steps;
+const Step& stepOffline() {
+  static const Step step{
+      "Two messages while the backend cannot be reached",
+      {"You paid EGP 64.00 at Corner Coffee using card **4821.",
+       "EGP 1,500.00 has been transferred from your account to Mona Samir. Ref 77120"},
+      "Saved offline - will process when connected",
+      {"📡 Expense Saved Offline", "📡 Expense Saved Offline"},
+      "2"};
+  return step;
 }
 
 const Step& stepBackOnline() {
   static const Step step{"A further message, and the queue drains",
-                         "Purchase of EGP 230.00 at Blue Tram Taxi, card **4821.",
+                         {"Purchase of EGP 230.00 at Blue Tram Taxi, card **4821."},
                          "Tracked ",
                          {"💸 Expense Tracked", "💸 Expense Tracked", "💸 Expense Tracked"},
                          "0"};
@@ -90,9 +85,10 @@ class Demonstration {
   void perform(const Step& step) {
     if (!goesOn()) return;
     screen_.heading(step.heading);
-    const std::string dialog = processed(step.message);
-    expect(dialog.starts_with(step.dialogBeginning),
-           "the dialog begins \"" + std::string(step.dialogBeginning) + "\"");
+    for (const std::string_view message : step.messages) {
+      expect(processed(message).starts_with(step.dialogBeginning),
+             "the dialog begins \"" + std::string(step.dialogBeginning) + "\"");
+    }
     const auto shown = notified(step.notifications.size());
     for (const std::string_view title : step.notifications) {
       expect(std::count_if(shown.begin(), shown.end(),
@@ -159,7 +155,7 @@ DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn)
 
   for (const Step& step : stepsOnline()) story.perform(step);
   story.phone().goOffline();
-  for (const Step& step : stepsOffline()) story.perform(step);
+  story.perform(stepOffline());
   story.phone().comeOnline();
   story.perform(stepBackOnline());
 

@@ -1,0 +1,149 @@
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/linux/process/child_process.h"
+#include "testkit/private_folders.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::ProgramResult;
+using ::testing::ContainsRegex;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class TheDemonstration : public ::testing::Test {
+ protected:
+  ProgramResult demo(std::vector<std::string> arguments, std::string input = {}) {
+    return linux_platform::runProgram(
+        {.program = program_, .arguments = std::move(arguments), .input = std::move(input)});
+  }
+
+  // On a pseudo-terminal, whose output comes back with its line ends as a terminal gets them.
+  ProgramResult demoOnTerminal(const std::string& arguments,
+                               std::optional<std::string> noColour = std::nullopt) {
+    return linux_platform::runProgram(
+        {.program = "script",
+         .arguments = {"-qec", "'" + program_.string() + "' " + arguments, "/dev/null"},
+         .environment = {{"NO_COLOR", std::move(noColour)}, {"TERM", "xterm"}}});
+  }
+
+  static void expectPlainText(const std::string& text) {
+    for (const char character : text) {
+      if (character == '\n') continue;
+      ASSERT_GE(static_cast<unsigned char>(character), 0x20) << "in: " << text;
+      ASSERT_NE(character, 0x7f);
+    }
+  }
+
+  const std::filesystem::path program_ = linux_platform::programFolder() / "kivo-demo";
+  testkit::PrivateFolders folders_;
+  testkit::TemporaryFolder temporary_;
+  testkit::ScopedVariable temporaryFolder_{"TMPDIR", temporary_.path().string()};
+};
+
+TEST_F(TheDemonstration, TellsItsStoryAsExpected) {
+  const ProgramResult result = demo({});
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_EQ(result.errors, "");
+  for (const char* const dialog : {"Dialog       Tracked EGP\u00A0415.75 at Sunny Basket Market\n",
+                                   "Dialog       Received EGP\u00A018,500.00 from شركة الأفق\n",
+                                   "Dialog       Transaction was declined - not tracked\n",
+                                   "Dialog       SMS ignored - not a transaction\n",
+                                   "Dialog       Saved offline - will process when connected\n",
+                                   "Dialog       Tracked EGP\u00A0230.00 at Blue Tram Taxi\n"}) {
+    EXPECT_THAT(result.output, HasSubstr(dialog));
+  }
+  // From the queue, once the backend is back.
+  EXPECT_THAT(result.output, HasSubstr("EGP\u00A064.00 at Corner Coffee (Dining)\n"));
+  EXPECT_THAT(result.output, HasSubstr("EGP\u00A01,500.00 at Mona Samir (Transfer)\n"));
+  EXPECT_THAT(result.output, HasSubstr("All went as told"));
+  EXPECT_THAT(result.output, Not(HasSubstr("NOT AS TOLD")));
+  expectPlainText(result.output);
+}
+
+TEST_F(TheDemonstration, LeavesNothingBehindAndShowsNoPrivatePath) {
+  const ProgramResult result = demo({"Paid 25.0 EGP at Cafe"});
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_TRUE(std::filesystem::is_empty(temporary_.path()));
+  EXPECT_FALSE(std::filesystem::exists(folders_.storeFile()));
+  EXPECT_THAT(result.output + result.errors, Not(HasSubstr("/kivo-")));
+}
+
+TEST_F(TheDemonstration, ProcessesATextOfOnesOwn) {
+  const ProgramResult result = demo({"Purchase of SAR 86.50 at Oasis Coffee"});
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_THAT(result.output, HasSubstr("Dialog       Tracked SAR\u00A086.50 at Oasis Coffee\n"));
+  EXPECT_THAT(result.output, HasSubstr("SAR\u00A086.50 at Oasis Coffee (Dining)\n"));
+  expectPlainText(result.output);
+}
+
+TEST_F(TheDemonstration, ProcessesAnyBytesFromStandardInput) {
+  const ProgramResult result = demo({"-"}, "Purchase of\nEGP 86.50\x1b[31m \xff at Oasis Coffee\n");
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_THAT(result.output, HasSubstr("EGP 86.50\\x1b[31m \uFFFD at Oasis Coffee\n"));
+  EXPECT_THAT(result.output, HasSubstr("Dialog       Tracked EGP\u00A086.50 at Oasis Coffee\n"));
+  expectPlainText(result.output);
+}
+
+TEST_F(TheDemonstration, ShowsWhatIsNoTransaction) {
+  const ProgramResult result = demo({"--", "Lunch at 1?"});
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_THAT(result.output, HasSubstr("Dialog       SMS ignored - not a transaction\n"));
+  EXPECT_THAT(result.output, Not(HasSubstr("Notification")));
+}
+
+TEST_F(TheDemonstration, WritesAmountsByTheLanguageOfItsUser) {
+  const testkit::ScopedVariable german("LC_ALL", "de_DE.UTF-8");
+  EXPECT_THAT(demo({"Card payment of EUR 1,234.56 at Hotel Alpenblick"}).output,
+              HasSubstr("Tracked 1.234,56\u00A0€ at Hotel Alpenblick\n"));
+}
+
+TEST_F(TheDemonstration, IsInColourOnATerminal) {
+  const ProgramResult result = demoOnTerminal("'Lunch at 1?'");
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_THAT(result.output, ContainsRegex("\x1b\\[1;32mSMS ignored - not a transaction\x1b\\[0m"));
+}
+
+TEST_F(TheDemonstration, IsPlainOnATerminalWithoutColour) {
+  const ProgramResult result = demoOnTerminal("'Lunch at 1?'", "1");
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_THAT(result.output, HasSubstr("SMS ignored - not a transaction"));
+  EXPECT_THAT(result.output, Not(HasSubstr("\x1b")));
+}
+
+TEST_F(TheDemonstration, EndsCleanlyWhenItIsInterrupted) {
+  linux_platform::ChildProcess child({.program = program_});
+  for (int waited = 0; child.outputSoFar().find("Dialog") == std::string::npos; ++waited) {
+    ASSERT_LT(waited, 3000) << "no dialog";
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  child.signal(SIGINT);
+  const ProgramResult result = child.wait();
+  EXPECT_EQ(result.status, 130);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, Not(HasSubstr("NOT AS TOLD")));
+  EXPECT_TRUE(std::filesystem::is_empty(temporary_.path()));
+}
+
+TEST_F(TheDemonstration, ExplainsItselfAndRefusesWhatItDoesNotKnow) {
+  EXPECT_THAT(demo({"--help"}).output, HasSubstr("Usage: kivo-demo"));
+  EXPECT_THAT(demo({"--version"}).output, ContainsRegex("^kivo-demo [0-9.]+\n$"));
+  for (const auto& arguments : {std::vector<std::string>{"--unknown"}, {"two", "words"}}) {
+    const ProgramResult result = demo(arguments);
+    EXPECT_EQ(result.status, 64);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, ContainsRegex("^kivo-demo: [^\n]+\n$"));
+  }
+}
+
+}  // namespace
+}  // namespace kivo
