@@ -1,7 +1,6 @@
 #include "platform/foundation/date_formatter.h"
 
 #include <ctime>
-#include <memory>
 
 #include <unicode/simpletz.h>
 #include <unicode/smpdtfmt.h>
