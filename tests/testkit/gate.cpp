@@ -18,7 +18,7 @@ struct Gate::Waiter : std::enable_shared_from_this<Gate::Waiter> {
       : timer(executor, asio::steady_timer::time_point::max()) {}
 
   asio::steady_timer timer;
-  bool released = false;  // guarded by the gate's mutex
+  bool released = false;  // written and read by the task's own steps only
 };
 
 void Gate::close() {
@@ -40,10 +40,12 @@ void Gate::letOneThrough() {
   held_.erase(held_.begin());
 }
 
+// Released as one more step of the task, so that a cancellation that came before is seen before.
 void Gate::release(Waiter& waiter) {
-  waiter.released = true;
-  asio::post(waiter.timer.get_executor(),
-             [kept = waiter.shared_from_this()] { kept->timer.cancel(); });
+  asio::post(waiter.timer.get_executor(), [kept = waiter.shared_from_this()] {
+    kept->released = true;
+    kept->timer.cancel();
+  });
 }
 
 void Gate::waitForArrivals(std::size_t count) {
@@ -69,11 +71,6 @@ std::shared_ptr<Gate::Waiter> Gate::arrive(const asio::any_io_executor& executor
   return waiter;
 }
 
-bool Gate::mayGoOn(const Waiter& waiter) {
-  const std::lock_guard lock(mutex_);
-  return waiter.released;
-}
-
 platform::Task<bool> Gate::hold(WhenCancelled whenCancelled) {
   const asio::any_io_executor executor = co_await asio::this_coro::executor;
   const std::shared_ptr<Waiter> waiter = arrive(executor);
@@ -81,7 +78,7 @@ platform::Task<bool> Gate::hold(WhenCancelled whenCancelled) {
     const asio::cancellation_state state = co_await asio::this_coro::cancellation_state;
     const bool cancelled = state.cancelled() != asio::cancellation_type::none;
     if (cancelled && whenCancelled == WhenCancelled::leave) break;
-    if (mayGoOn(*waiter)) co_return true;
+    if (waiter->released) co_return true;
     boost::system::error_code woken;
     co_await waiter->timer.async_wait(asio::redirect_error(asio::use_awaitable, woken));
   }

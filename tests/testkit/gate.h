@@ -37,7 +37,6 @@ class Gate {
 
   platform::Task<bool> hold(WhenCancelled whenCancelled);
   std::shared_ptr<Waiter> arrive(const boost::asio::any_io_executor& executor);
-  bool mayGoOn(const Waiter& waiter);
   void release(Waiter& waiter);
 
   std::mutex mutex_;

@@ -1,0 +1,138 @@
+#include "feedback/expense_notifier.h"
+
+#include <regex>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "testkit/task_runner.h"
+#include "testkit/test_phone.h"
+#include "testkit/written_output.h"
+
+namespace kivo {
+namespace {
+
+using platform::UNAuthorizationStatus;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using testkit::await;
+
+class AnExpenseNotifier : public ::testing::Test {
+ protected:
+  std::vector<platform::UNNotificationRequest> handedOver() const {
+    return phone_.notifications.requests();
+  }
+
+  testkit::TestPhone phone_;
+};
+
+TEST_F(AnExpenseNotifier, HandsOverTitleAndBodyAsTheyAre) {
+  await(ExpenseNotifier::post(" 💸 Expense\tTracked ", "EGP 1 at Café\n(Food) "));
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  EXPECT_EQ(handedOver()[0].content.title, " 💸 Expense\tTracked ");
+  EXPECT_EQ(handedOver()[0].content.body, "EGP 1 at Café\n(Food) ");
+}
+
+TEST_F(AnExpenseNotifier, PassesEmptyTextsThrough) {
+  await(ExpenseNotifier::post("", ""));
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  EXPECT_EQ(handedOver()[0].content.title, "");
+  EXPECT_EQ(handedOver()[0].content.body, "");
+}
+
+TEST_F(AnExpenseNotifier, OpensTheAppByNothingButTheDeepLink) {
+  await(ExpenseNotifier::post("title", "body"));
+  const std::map<std::string, std::string> deepLink = {{"deepLink", "kivo-expenses://"}};
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  EXPECT_EQ(handedOver()[0].content.userInfo, deepLink);
+}
+
+TEST_F(AnExpenseNotifier, UsesTheDefaultSound) {
+  await(ExpenseNotifier::post("title", "body"));
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  EXPECT_EQ(handedOver()[0].content.sound, platform::UNNotificationSound::defaultSound);
+}
+
+TEST_F(AnExpenseNotifier, IsDueOnceASecondLater) {
+  await(ExpenseNotifier::post("title", "body"));
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  EXPECT_EQ(handedOver()[0].trigger.timeInterval.count(), 1.0);
+  EXPECT_EQ(handedOver()[0].trigger.repeats,
+            platform::UNTimeIntervalNotificationTrigger::Repeats::no);
+}
+
+TEST_F(AnExpenseNotifier, NamesTheRequestByACanonicalUpperCaseUUID) {
+  await(ExpenseNotifier::post("title", "body"));
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  const std::regex canonical("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
+  EXPECT_TRUE(std::regex_match(handedOver()[0].identifier, canonical));
+}
+
+TEST_F(AnExpenseNotifier, GivesEqualTextsTwoNotifications) {
+  await(ExpenseNotifier::post("title", "body"));
+  await(ExpenseNotifier::post("title", "body"));
+  ASSERT_THAT(handedOver(), SizeIs(2));
+  EXPECT_NE(handedOver()[0].identifier, handedOver()[1].identifier);
+}
+
+TEST_F(AnExpenseNotifier, ReadsThePermissionFirst) {
+  await(ExpenseNotifier::post("title", "body"));
+  EXPECT_THAT(phone_.log.names(), ElementsAre("settings", "notification"));
+}
+
+TEST_F(AnExpenseNotifier, ReadsThePermissionAnewEachTime) {
+  phone_.notifications.setStatus(UNAuthorizationStatus::denied);
+  await(ExpenseNotifier::post("title", "unseen"));
+  phone_.notifications.setStatus(UNAuthorizationStatus::authorized);
+  await(ExpenseNotifier::post("title", "seen"));
+  EXPECT_THAT(phone_.notifications.told(), ElementsAre("title | seen"));
+}
+
+TEST_F(AnExpenseNotifier, ReturnsNormallyAndSilentlyWhenTheCenterRefuses) {
+  phone_.notifications.willRefuse();
+  const auto before = phone_.contents();
+  const auto written = testkit::writtenBy([] { await(ExpenseNotifier::post("title", "body")); });
+  EXPECT_EQ(written.out, "");
+  EXPECT_EQ(written.err, "");
+  EXPECT_THAT(handedOver(), SizeIs(1)) << "and does not try again";
+  EXPECT_EQ(phone_.contents(), before);
+}
+
+TEST_F(AnExpenseNotifier, ReturnsOnlyWhenTheCenterHasTheRequest) {
+  phone_.notifications.addGate().close();
+  auto posting = testkit::executor().start(ExpenseNotifier::post("title", "body"));
+  phone_.notifications.addGate().waitForArrivals(1);
+  EXPECT_FALSE(posting.waitFor(std::chrono::milliseconds(0)));
+  phone_.notifications.addGate().open();
+  posting.wait();
+}
+
+TEST_F(AnExpenseNotifier, IsNotCutShortWhenItsTaskIsCancelled) {
+  phone_.notifications.settingsGate().close();
+  auto posting = testkit::executor().start(ExpenseNotifier::post("title", "body"));
+  phone_.notifications.settingsGate().waitForArrivals(1);
+  posting.cancel();
+  phone_.notifications.settingsGate().open();
+  posting.wait();
+  EXPECT_THAT(phone_.notifications.told(), ElementsAre("title | body"));
+}
+
+class WithoutFullPermission : public AnExpenseNotifier,
+                              public ::testing::WithParamInterface<UNAuthorizationStatus> {};
+
+TEST_P(WithoutFullPermission, NothingIsHandedOver) {
+  phone_.notifications.setStatus(GetParam());
+  await(ExpenseNotifier::post("title", "body"));
+  EXPECT_THAT(handedOver(), IsEmpty());
+  EXPECT_THAT(phone_.log.names(), ElementsAre("settings"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Statuses, WithoutFullPermission,
+    ::testing::Values(UNAuthorizationStatus::notDetermined, UNAuthorizationStatus::denied,
+                      UNAuthorizationStatus::provisional, UNAuthorizationStatus::ephemeral),
+    [](const auto& status) { return "Status" + std::to_string(static_cast<int>(status.param)); });
+
+}  // namespace
+}  // namespace kivo
