@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/foundation/errors.h"
+#include "testkit/decoding_error.h"
 
 namespace kivo {
 namespace {
@@ -25,13 +26,7 @@ constexpr auto coffeeDocument =
     R"("description":"Café \"Nile\"","amount":45.5,"category":"Food","expense_date":"2026-01-31"}})";
 
 DecodingError errorOf(const std::string& document) {
-  try {
-    SMSExtractionResponse::decode(document);
-  } catch (const DecodingError& error) {
-    return error;
-  }
-  ADD_FAILURE() << "decoded: " << document;
-  return {Kind::dataCorrupted, "none was thrown"};
+  return testkit::decodingErrorOf([&] { return SMSExtractionResponse::decode(document); });
 }
 
 void expectError(const std::string& document, Kind kind, const std::string& path) {

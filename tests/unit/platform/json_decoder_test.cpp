@@ -5,33 +5,14 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/errors.h"
+#include "testkit/decoding_error.h"
 
 namespace kivo::platform {
 namespace {
 
+using testkit::decodingErrorOf;
 using Kind = DecodingError::Kind;
 using namespace std::string_literals;
-
-template <typename Reading>
-DecodingError errorOf(Reading reading) {
-  try {
-    static_cast<void>(reading());
-  } catch (const DecodingError& error) {
-    return error;
-  }
-  ADD_FAILURE() << "no DecodingError was thrown";
-  return {Kind::dataCorrupted, "none was thrown"};
-}
-
-DecodingError documentError(const std::string& document) {
-  SCOPED_TRACE(document.substr(0, 60));
-  return errorOf([&] { return JSONDecoder::object(document); });
-}
-
-std::string nested(std::size_t depth, char open, char close) {
-  return std::string(depth, open) + std::string(depth, close);
-}
 
 TEST(AJSONObject, ReadsMembersOfEachType) {
   const auto object = JSONDecoder::object(
@@ -49,18 +30,18 @@ TEST(AJSONObject, KeepsAnEscapedNulInAText) {
 
 TEST(AJSONObject, FindsMembersByExactNameOnly) {
   const auto object = JSONDecoder::object(R"({"Saved": true, "saved ": true, "0": true})");
-  EXPECT_EQ(errorOf([&] { return object.decodeBool("saved"); }).kind(), Kind::keyNotFound);
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeBool("saved"); }).kind(), Kind::keyNotFound);
 }
 
 TEST(AJSONObject, TellsAnAbsentMemberFromANullAndFromAnotherType) {
   const auto object = JSONDecoder::object(R"({"null": null, "number": 1})");
-  const auto absent = errorOf([&] { return object.decodeBool("absent"); });
+  const auto absent = decodingErrorOf([&] { return object.decodeBool("absent"); });
   EXPECT_EQ(absent.kind(), Kind::keyNotFound);
   EXPECT_EQ(absent.path(), "absent");
-  const auto null = errorOf([&] { return object.decodeBool("null"); });
+  const auto null = decodingErrorOf([&] { return object.decodeBool("null"); });
   EXPECT_EQ(null.kind(), Kind::valueNotFound);
   EXPECT_EQ(null.path(), "null");
-  const auto number = errorOf([&] { return object.decodeBool("number"); });
+  const auto number = decodingErrorOf([&] { return object.decodeBool("number"); });
   EXPECT_EQ(number.kind(), Kind::typeMismatch);
   EXPECT_EQ(number.path(), "number");
   EXPECT_EQ(number.expected(), "boolean");
@@ -71,18 +52,22 @@ TEST(AJSONObject, NamesEveryTypeThatItFinds) {
   const auto object = JSONDecoder::object(
       R"({"object": {}, "array": [], "string": "", "number": 1e0, "boolean": false})");
   for (const auto* const type : {"object", "array", "number", "boolean"}) {
-    const auto error = errorOf([&] { return object.decodeString(type); });
+    const auto error = decodingErrorOf([&] { return object.decodeString(type); });
     EXPECT_EQ(error.kind(), Kind::typeMismatch);
     EXPECT_EQ(error.expected(), "string");
     EXPECT_EQ(error.found(), type);
   }
-  const auto string = errorOf([&] { return object.decodeDouble("string"); });
+  const auto string = decodingErrorOf([&] { return object.decodeDouble("string"); });
   EXPECT_EQ(string.expected(), "number");
   EXPECT_EQ(string.found(), "string");
-  EXPECT_EQ(errorOf([&] { return object.decodeInteger("string"); }).kind(), Kind::typeMismatch);
-  EXPECT_EQ(errorOf([&] { return object.decodeInteger("boolean"); }).kind(), Kind::typeMismatch);
-  EXPECT_EQ(errorOf([&] { return object.decodeDouble("boolean"); }).kind(), Kind::typeMismatch);
-  EXPECT_EQ(errorOf([&] { return object.decodeObjectIfPresent("array"); }).expected(), "object");
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeInteger("string"); }).kind(),
+            Kind::typeMismatch);
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeInteger("boolean"); }).kind(),
+            Kind::typeMismatch);
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeDouble("boolean"); }).kind(),
+            Kind::typeMismatch);
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeObjectIfPresent("array"); }).expected(),
+            "object");
 }
 
 TEST(AJSONObject, AnswersNoneForAnAbsentOrNullMember) {
@@ -96,11 +81,11 @@ TEST(AJSONObject, AnswersNoneForAnAbsentOrNullMember) {
 
 TEST(AJSONObject, RefusesAnotherTypeEvenWhereAMemberMayBeAbsent) {
   const auto object = JSONDecoder::object(R"({"member": true})");
-  EXPECT_EQ(errorOf([&] { return object.decodeStringIfPresent("member"); }).kind(),
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeStringIfPresent("member"); }).kind(),
             Kind::typeMismatch);
-  EXPECT_EQ(errorOf([&] { return object.decodeDoubleIfPresent("member"); }).kind(),
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeDoubleIfPresent("member"); }).kind(),
             Kind::typeMismatch);
-  EXPECT_EQ(errorOf([&] { return object.decodeObjectIfPresent("member"); }).kind(),
+  EXPECT_EQ(decodingErrorOf([&] { return object.decodeObjectIfPresent("member"); }).kind(),
             Kind::typeMismatch);
 }
 
@@ -108,15 +93,17 @@ TEST(AJSONObject, PutsTheOuterKeysInFrontOfAMembersPath) {
   const auto top = JSONDecoder::object(R"({"expense": {"amount": "5", "inner": {}}})");
   const auto expense = top.decodeObjectIfPresent("expense");
   ASSERT_TRUE(expense);
-  EXPECT_EQ(errorOf([&] { return expense->decodeDouble("amount"); }).path(), "expense.amount");
-  EXPECT_EQ(errorOf([&] { return expense->decodeObjectIfPresent("amount"); }).path(),
+  EXPECT_EQ(decodingErrorOf([&] { return expense->decodeDouble("amount"); }).path(),
+            "expense.amount");
+  EXPECT_EQ(decodingErrorOf([&] { return expense->decodeObjectIfPresent("amount"); }).path(),
             "expense.amount");
   const auto inner = expense->decodeObjectIfPresent("inner");
   ASSERT_TRUE(inner);
-  EXPECT_EQ(errorOf([&] { return inner->decodeBool("x"); }).path(), "expense.inner.x");
+  EXPECT_EQ(decodingErrorOf([&] { return inner->decodeBool("x"); }).path(), "expense.inner.x");
 
   const auto elements = JSONDecoder::arrayOfObjects(R"([{}, {}, {"source": 1}])");
-  EXPECT_EQ(errorOf([&] { return elements.at(2).decodeString("source"); }).path(), "[2].source");
+  EXPECT_EQ(decodingErrorOf([&] { return elements.at(2).decodeString("source"); }).path(),
+            "[2].source");
 }
 
 TEST(AJSONObject, KeepsItsDocumentAlive) {
@@ -181,144 +168,10 @@ TEST(AJSONObject, RefusesNumbersThatAreNotIntegralOrDoNotFit) {
        {"3.5", "-0.5", "1e-1", "9223372036854775808", "18446744073709551615",
         "18446744073709551616", "-9223372036854775809", "1e19", "-1e19", "1e300"}) {
     const auto object = JSONDecoder::object(R"({"n":)" + std::string(number) + "}");
-    const auto error = errorOf([&] { return object.decodeInteger("n"); });
+    const auto error = decodingErrorOf([&] { return object.decodeInteger("n"); });
     EXPECT_EQ(error.kind(), Kind::dataCorrupted) << number;
     EXPECT_EQ(error.path(), "n");
   }
-}
-
-TEST(AJSONDocument, MustHoldAnObjectAtTheTop) {
-  for (const auto& [document, found] :
-       {std::pair("[]", "array"), std::pair("\"text\"", "string"), std::pair("1", "number"),
-        std::pair("true", "boolean"), std::pair("null", "null")}) {
-    const auto error = documentError(document);
-    EXPECT_EQ(error.kind(), Kind::typeMismatch);
-    EXPECT_EQ(error.path(), "");
-    EXPECT_EQ(error.expected(), "object");
-    EXPECT_EQ(error.found(), found);
-  }
-}
-
-TEST(AJSONDocument, ThatIsNoJSONIsCorrupted) {
-  for (const auto* const document : {"",
-                                     " ",
-                                     "{",
-                                     "{}}",
-                                     "{} {}",
-                                     "{}x",
-                                     "{}//",
-                                     "{\"a\":1,}",
-                                     "{a:1}",
-                                     "{'a':1}",
-                                     "{\"a\"}",
-                                     "{\"a\":01}",
-                                     "{\"a\":+1}",
-                                     "{\"a\":.5}",
-                                     "{\"a\":5.}",
-                                     "{\"a\":1e}",
-                                     "{\"a\":NaN}",
-                                     "{\"a\":Infinity}",
-                                     "{\"a\":-}",
-                                     "{\"a\":\"\n\"}",
-                                     "{\"a\":\"\\x\"}",
-                                     "{\"a\":\"\\ud800\"}",
-                                     "{\"a\":\"\\udc00\"}",
-                                     "nul",
-                                     "<html></html>"}) {
-    const auto error = documentError(document);
-    EXPECT_EQ(error.kind(), Kind::dataCorrupted) << document;
-    EXPECT_EQ(error.path(), "") << document;
-  }
-}
-
-TEST(AJSONDocument, IsCorruptedByANulAnywhere) {
-  for (const auto& document :
-       {"{}\0"s, "\0{}"s, "{}\0garbage"s, "{\0}"s, "{\"a\":\"b\0c\"}"s, "{} \0 "s}) {
-    EXPECT_EQ(documentError(document).kind(), Kind::dataCorrupted);
-  }
-}
-
-TEST(AJSONDocument, IsCorruptedByBytesThatAreNoUtf8) {
-  for (const auto* const bytes : {"\xff", "\xc3", "\xc0\xaf", "\xed\xa0\x80", "\xf4\x90\x80\x80"}) {
-    EXPECT_EQ(documentError("{\"a\":\""s + bytes + "\"}").kind(), Kind::dataCorrupted);
-    EXPECT_EQ(documentError("{\""s + bytes + "\":1}").kind(), Kind::dataCorrupted);
-    EXPECT_EQ(documentError("{}"s + bytes).kind(), Kind::dataCorrupted);
-  }
-}
-
-TEST(AJSONDocument, IsCorruptedByANumberPastTheRangeOfADoubleWhereverItStands) {
-  for (const auto& number : {"1e309"s, "-1e400"s, std::string(400, '9')}) {
-    for (const auto& document :
-         {"{\"saved\":true,\"ignored\":" + number + "}", "{\"a\":[[{\"b\":" + number + "}]]}",
-          "{\"a\":" + number + ",\"a\":1}"}) {
-      EXPECT_EQ(documentError(document).kind(), Kind::dataCorrupted);
-    }
-  }
-}
-
-TEST(AJSONDocument, MayBeginWithAByteOrderMark) {
-  EXPECT_TRUE(JSONDecoder::object("\xEF\xBB\xBF{\"a\":true}").decodeBool("a"));
-}
-
-TEST(AJSONDocument, MayBeNestedAMillionDeepInAnIgnoredMember) {
-  constexpr std::size_t depth = 1'000'000;
-  const auto object =
-      JSONDecoder::object(R"({"ignored":)" + nested(depth, '[', ']') + R"(,"saved":true})");
-  EXPECT_TRUE(object.decodeBool("saved"));
-  EXPECT_EQ(errorOf([&] { return object.decodeString("ignored"); }).found(), "array");
-}
-
-TEST(AJSONDocument, MayBeNestedAMillionDeepInObjects) {
-  std::string document;
-  for (int i = 0; i < 1'000'000; ++i) document += R"({"a":)";
-  document += "1" + std::string(1'000'000, '}');
-  EXPECT_TRUE(JSONDecoder::object(document).decodeObjectIfPresent("a").has_value());
-}
-
-TEST(AJSONDocument, ThatIsNestedDeepAndCutOffIsCorrupted) {
-  EXPECT_EQ(documentError(R"({"a":)" + std::string(1'000'000, '[')).kind(), Kind::dataCorrupted);
-  EXPECT_EQ(documentError(std::string(1'000'000, '[')).kind(), Kind::dataCorrupted);
-}
-
-TEST(AJSONDocument, DropsADeeplyNestedMemberThatALaterOneReplaces) {
-  const auto object =
-      JSONDecoder::object(R"({"a":)" + nested(1'000'000, '[', ']') + R"(,"a":false})");
-  EXPECT_FALSE(object.decodeBool("a"));
-}
-
-TEST(AJSONArray, YieldsItsObjectsInOrder) {
-  const auto objects = JSONDecoder::arrayOfObjects(R"([{"n":1},{"n":2},{"n":3}])");
-  ASSERT_EQ(objects.size(), 3u);
-  for (std::size_t i = 0; i < 3; ++i) {
-    EXPECT_EQ(objects[i].decodeInteger("n"), static_cast<std::int64_t>(i) + 1);
-  }
-  EXPECT_TRUE(JSONDecoder::arrayOfObjects("[]").empty());
-}
-
-TEST(AJSONArray, HoldsObjectsOnly) {
-  const auto error = errorOf([] { JSONDecoder::arrayOfObjects(R"([{}, {}, 5])"); });
-  EXPECT_EQ(error.kind(), Kind::typeMismatch);
-  EXPECT_EQ(error.path(), "[2]");
-  EXPECT_EQ(error.expected(), "object");
-  EXPECT_EQ(error.found(), "number");
-  EXPECT_EQ(errorOf([] { return JSONDecoder::arrayOfObjects("[null]"); }).kind(),
-            Kind::typeMismatch);
-}
-
-TEST(AJSONArray, MustBeAtTheTop) {
-  const auto error = errorOf([] { JSONDecoder::arrayOfObjects("{}"); });
-  EXPECT_EQ(error.kind(), Kind::typeMismatch);
-  EXPECT_EQ(error.path(), "");
-  EXPECT_EQ(error.expected(), "array");
-  EXPECT_EQ(error.found(), "object");
-  EXPECT_EQ(errorOf([] { JSONDecoder::arrayOfObjects("[{}"); }).kind(), Kind::dataCorrupted);
-}
-
-TEST(ADecodingError, HoldsNothingOfTheData) {
-  const auto object = JSONDecoder::object(R"({"amount": "secret"})");
-  const std::string line = errorOf([&] { return object.decodeDouble("amount"); }).what();
-  EXPECT_EQ(line, "DecodingError typeMismatch at amount: expected number, found string");
-  EXPECT_EQ(documentError("{\"smsText\": \"secret").what(), "DecodingError dataCorrupted"s);
 }
 
 }  // namespace

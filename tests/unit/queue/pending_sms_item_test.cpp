@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/foundation/errors.h"
+#include "testkit/decoding_error.h"
 
 namespace kivo {
 namespace {
@@ -53,13 +54,9 @@ std::string withMember(const std::string& member, const std::string& valueText) 
 
 void expectError(const std::string& document, Kind kind, const std::string& path) {
   SCOPED_TRACE(document);
-  try {
-    decode(document);
-    ADD_FAILURE() << "decoded";
-  } catch (const DecodingError& error) {
-    EXPECT_EQ(error.kind(), kind);
-    EXPECT_EQ(error.path(), path);
-  }
+  const DecodingError error = testkit::decodingErrorOf([&] { return decode(document); });
+  EXPECT_EQ(error.kind(), kind);
+  EXPECT_EQ(error.path(), path);
 }
 
 TEST(APendingItem, IsWrittenWithItsFieldsAsKeys) {
@@ -166,13 +163,10 @@ TEST(APendingItem, InAnArrayIsNamedByItsPlace) {
   const auto objects =
       JSONDecoder::arrayOfObjects("[" + whole + "," + withMember("source", "") + "]");
   EXPECT_EQ(PendingSmsItem::decode(objects.at(0)).source, "sms");
-  try {
-    PendingSmsItem::decode(objects.at(1));
-    FAIL() << "decoded";
-  } catch (const DecodingError& error) {
-    EXPECT_EQ(error.kind(), Kind::keyNotFound);
-    EXPECT_EQ(error.path(), "[1].source");
-  }
+  const DecodingError error =
+      testkit::decodingErrorOf([&] { return PendingSmsItem::decode(objects.at(1)); });
+  EXPECT_EQ(error.kind(), Kind::keyNotFound);
+  EXPECT_EQ(error.path(), "[1].source");
 }
 
 }  // namespace

@@ -1,0 +1,22 @@
+// Catches the error of a reading that has to fail. Judges no error.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "platform/foundation/errors.h"
+
+namespace kivo::testkit {
+
+/// The DecodingError that `reading`, any callable, throws. The test has failed when it throws none.
+template <typename Reading>
+platform::DecodingError decodingErrorOf(Reading reading) {
+  try {
+    static_cast<void>(reading());
+  } catch (const platform::DecodingError& error) {
+    return error;
+  }
+  ADD_FAILURE() << "no DecodingError was thrown";
+  return {platform::DecodingError::Kind::dataCorrupted, "none was thrown"};
+}
+
+}  // namespace kivo::testkit
