@@ -7,10 +7,10 @@
 
 namespace kivo {
 
-/// The currency of a person for whom the app has stored none.
-inline constexpr std::string_view defaultCurrency = "EGP";
-
 namespace AmountFormatter {
+
+/// The code that `store` holds under `currency`, exactly as stored; "EGP" when it holds none.
+std::string currencyCode(const SharedStore& store);
 
 /// The magnitude of `amount` in the currency that `store` holds under `currency`, as the device's
 /// locale writes it, UTF-8. A stored code for which the platform has no text gives the plain

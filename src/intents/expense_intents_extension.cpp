@@ -2,12 +2,23 @@
 
 #include <memory>
 
+#include "intents/add_expense_intent.h"
+#include "intents/expense_shortcuts.h"
 #include "intents/process_sms_intent.h"
+#include "store/store_keys.h"
 
 namespace kivo {
 
 platform::AppIntentsExtension ExpenseIntentsExtension::make() {
-  return {.intents = {[] { return std::make_unique<ProcessSMSIntent>(); }}};
+  return {
+      .applicationName = "Kivo",
+      .bundleIdentifier = extensionBundle,
+      .intents = {
+          [] { return std::make_unique<AddExpenseIntent>(); },
+          [] { return std::make_unique<ProcessSMSIntent>(); },
+      },
+      .appShortcuts = &ExpenseShortcuts::appShortcuts,
+  };
 }
 
 }  // namespace kivo

@@ -3,6 +3,5 @@
 #include "platform/linux/app_intents/ns_extension_main.h"
 
 int main(int argc, char** argv) {
-  return kivo::linux_platform::NSExtensionMain(argc, argv, kivo::ExpenseIntentsExtension::make(),
-                                               kivo::ExpenseIntentsExtension::bundleIdentifier);
+  return kivo::linux_platform::NSExtensionMain(argc, argv, kivo::ExpenseIntentsExtension::make());
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "extraction/sms_extraction_client.h"
+#include "feedback/amount_formatter.h"
 #include "feedback/expense_notifier.h"
 #include "feedback/widget_stats.h"
 #include "intents/stats_excluded_categories.h"
@@ -17,7 +18,6 @@
 
 namespace kivo {
 
-using platform::IntentDialog;
 using platform::IntentResult;
 using platform::Task;
 
@@ -25,9 +25,9 @@ namespace {
 
 constexpr int drainedPerRun = 3;
 
-IntentResult answer(std::string text) { return {IntentDialog{std::move(text)}}; }
-
 }  // namespace
+
+IntentResult answer(std::string text) { return {platform::IntentDialog{std::move(text)}}; }
 
 IntentRun::IntentRun(SharedStore store, std::string userId, std::string supabaseUrl)
     : store_(std::move(store)),
@@ -69,6 +69,8 @@ PendingSmsItem IntentRun::offlineCopy(std::string text, std::string_view source)
       .source = std::string(source),
   };
 }
+
+std::string IntentRun::currency() const { return AmountFormatter::currencyCode(store_); }
 
 Task<IntentResult> IntentRun::saveOffline(PendingSmsItem item) {
   PendingSmsQueue::enqueue(std::move(item), store_);

@@ -15,6 +15,9 @@
 
 namespace kivo {
 
+/// A result whose dialog is `text`.
+platform::IntentResult answer(std::string text);
+
 /// One run of an intent that sends a text: its store handle, the credentials as they stand now, and
 /// the key and date that the request and its queued copy share. Owned by the run, and outlives the
 /// tasks that it returns.
@@ -31,6 +34,9 @@ class IntentRun {
 
   /// The copy of this run's request that goes into the queue, with its key, date and the time.
   [[nodiscard]] PendingSmsItem offlineCopy(std::string text, std::string_view source) const;
+
+  /// The person's currency code.
+  [[nodiscard]] std::string currency() const;
 
   /// Queues `item`, posts that the expense is saved offline and answers so.
   platform::Task<platform::IntentResult> saveOffline(PendingSmsItem item);

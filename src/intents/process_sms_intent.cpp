@@ -9,13 +9,18 @@
 
 namespace kivo {
 
-using platform::IntentDialog;
 using platform::IntentResult;
+using platform::LocalizedStringResource;
 using platform::Task;
+
+const LocalizedStringResource& ProcessSMSIntent::title() const {
+  static const LocalizedStringResource made{"Process Bank SMS"};
+  return made;
+}
 
 Task<IntentResult> ProcessSMSIntent::perform() {
   if (platform::trimmingWhitespaces(smsText.value()).empty()) {
-    co_return IntentResult{IntentDialog{"No SMS text provided"}};
+    co_return answer("No SMS text provided");
   }
 
   auto begun = IntentRun::begin();
@@ -31,8 +36,8 @@ Task<IntentResult> ProcessSMSIntent::perform() {
 
   if (!response->saved || !response->expense) {
     const bool declined = response->reason == "declined";
-    co_return IntentResult{IntentDialog{declined ? "Transaction was declined - not tracked"
-                                                 : "SMS ignored - not a transaction"}};
+    co_return answer(declined ? "Transaction was declined - not tracked"
+                              : "SMS ignored - not a transaction");
   }
 
   const std::string type = response->transaction_type.value_or("expense");

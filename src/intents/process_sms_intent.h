@@ -13,11 +13,12 @@ namespace kivo {
 /// one dialog. A text that cannot be sent is kept in the offline queue under the same key.
 class ProcessSMSIntent : public platform::AppIntent {
  public:
-  platform::IntentParameter<std::string> smsText{"smsText", "SMS Text",
-                                                 "The bank SMS message text"};
+  platform::IntentParameter<std::string> smsText{
+      {.name = "smsText", .title = {"SMS Text"}, .description = {"The bank SMS message text"}}};
 
   [[nodiscard]] std::string_view typeName() const override { return "ProcessSMSIntent"; }
-  [[nodiscard]] std::string_view title() const override { return "Process Bank SMS"; }
+  [[nodiscard]] const platform::LocalizedStringResource& title() const override;
+  [[nodiscard]] bool openAppWhenRun() const override { return false; }
   std::vector<platform::AnyIntentParameter*> parameters() override { return {&smsText}; }
   platform::Task<platform::IntentResult> perform() override;
 };

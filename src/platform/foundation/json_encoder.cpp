@@ -55,6 +55,21 @@ void JSONEncoder::encodeInteger(std::string_view key, std::int64_t value) {
   node_->add(key, integerText(value));
 }
 
+void JSONEncoder::encodeNull(std::string_view key) { node_->add(key, "null"); }
+
+void JSONEncoder::encodeObjects(std::string_view key, std::span<const JSONEncoder> values) {
+  node_->add(key, arrayText(values));
+}
+
+void JSONEncoder::encodeStrings(std::string_view key, std::span<const std::string> values) {
+  std::string text;
+  for (const std::string& value : values) {
+    if (!text.empty()) text += ',';
+    text += quoted(std::string_view(value));
+  }
+  node_->add(key, "[" + text + "]");
+}
+
 void JSONEncoder::encodeObject(std::string_view key, JSONEncoder value) {
   node_->add(key, value.text());
 }

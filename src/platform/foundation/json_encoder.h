@@ -23,7 +23,10 @@ class JSONEncoder {
   /// Throws NSError when `value` is infinite or not a number, which JSON cannot carry.
   void encodeDouble(std::string_view key, double value);
   void encodeInteger(std::string_view key, std::int64_t value);
+  void encodeNull(std::string_view key);
   void encodeObject(std::string_view key, JSONEncoder value);
+  void encodeObjects(std::string_view key, std::span<const JSONEncoder> values);
+  void encodeStrings(std::string_view key, std::span<const std::string> values);
   /// An empty optional leaves the member out; it is never written as null.
   void encodeStringIfPresent(std::string_view key, const std::optional<std::string>& value);
   void encodeDoubleIfPresent(std::string_view key, std::optional<double> value);

@@ -1,28 +1,34 @@
 #include "platform/linux/app_intents/ns_extension_main.h"
 
-#include <cstdio>
+#include <memory>
+#include <string>
 #include <utility>
-#include <variant>
+#include <vector>
 
 #include "platform/foundation/json_encoder.h"
 #include "platform/foundation/standard_output.h"
-#include "platform/linux/app_intents/perform_call.h"
+#include "platform/linux/app_intents/catalog.h"
+#include "platform/linux/app_intents/installed_platform.h"
+#include "platform/linux/app_intents/parameter_entry.h"
+#include "platform/linux/app_intents/spoken_phrases.h"
 #include "platform/linux/concurrency/task_executor.h"
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/process/command_line.h"
 #include "platform/linux/process/process_start.h"
-#include "platform/linux/process/session_bus.h"
 #include "platform/linux/process/terminal_text.h"
-#include "platform/linux/user_notifications/bus_user_notification_center.h"
-#include "platform/linux/widget_kit/bus_widget_center.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using platform::AppIntent;
+using platform::AppIntentsExtension;
 using platform::IntentDialog;
 using platform::Task;
+using Kind = CommandParameter::Kind;
 
-// One run needs one worker: its steps come one after the other, and it never blocks for long.
+constexpr const char* programName = "kivo-intents";
+constexpr const char* jsonFlag = "--json";
+
+// One run needs one worker: its steps come one after the other, and none blocks for long.
 constexpr unsigned workers = 1;
 
 Task<void> performInto(AppIntent& intent, IntentDialog& dialog) {
@@ -31,22 +37,15 @@ Task<void> performInto(AppIntent& intent, IntentDialog& dialog) {
 }
 
 IntentDialog perform(AppIntent& intent, std::string_view bundleIdentifier) {
-  SessionBus bus;
-  HTTPURLSession session;
-  BusUserNotificationCenter notificationCenter(bus, std::string(bundleIdentifier));
-  BusWidgetCenter widgetCenter(bus);
-  platform::ProcessWide<platform::URLSession>::install(session);
-  platform::ProcessWide<platform::UNUserNotificationCenter>::install(notificationCenter);
-  platform::ProcessWide<platform::WidgetCenter>::install(widgetCenter);
-
+  const InstalledPlatform installed(bundleIdentifier);
   TaskExecutor executor(workers);
   IntentDialog dialog;
   executor.startUntilTermination(performInto(intent, dialog)).wait();
   return dialog;
 }
 
-void print(const IntentDialog& dialog, DialogForm form) {
-  if (form == DialogForm::json) {
+void print(const IntentDialog& dialog, bool asJSON) {
+  if (asJSON) {
     platform::JSONEncoder object;
     object.encodeString("dialog", dialog.text);
     platform::printLine(object.text());
@@ -55,21 +54,100 @@ void print(const IntentDialog& dialog, DialogForm form) {
   }
 }
 
+// The texts for parameters among what was given: the options but for our own.
+ParameterTexts parameterTexts(const GivenParameters& given) {
+  ParameterTexts texts;
+  for (const auto& [option, text] : given) {
+    if (option.starts_with("--") && option != jsonFlag) texts[option.substr(2)] = text;
+  }
+  return texts;
+}
+
+int fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
+                   const GivenParameters& given) {
+  if (const auto complaint = fillParameters(intent, parameterTexts(given))) {
+    complain(programName, *complaint);
+    return exitBadUsage;
+  }
+  print(perform(intent, extension.bundleIdentifier), given.contains(jsonFlag));
+  return 0;
+}
+
+int say(const AppIntentsExtension& extension, const GivenParameters& given) {
+  const auto intent = intentSpokenOf(extension, given.at("SENTENCE"));
+  if (intent) return fillAndPerform(extension, *intent, given);
+
+  std::string complaint = "that is none of the phrases:";
+  for (const std::string& phrase : spokenPhrases(extension)) complaint += "\n  " + phrase;
+  complain(programName, complaint);
+  return exitBadUsage;
+}
+
+std::vector<CommandParameter> offeredParameters(AppIntent& intent) {
+  std::vector<CommandParameter> offered;
+  for (const platform::AnyIntentParameter* const parameter : intent.parameters()) {
+    const auto& settings = parameter->settings();
+    std::string meaning(settings.description.key);
+    if (parameter->valueType() == platform::AnyIntentParameter::ValueType::text) {
+      meaning += " (\"-\" reads standard input)";
+    }
+    offered.push_back({"--" + std::string(settings.name), std::move(meaning), Kind::optional});
+  }
+  return offered;
+}
+
+Command performCommand(const AppIntentsExtension& extension, AppIntent& declared) {
+  const std::string type(declared.typeName());
+  Command command{.name = "perform " + type,
+                  .purpose = std::string(declared.title().key),
+                  .parameters = offeredParameters(declared),
+                  .run = [&extension, type](const GivenParameters& given) {
+                    return fillAndPerform(extension, *extension.makeIntent(type), given);
+                  }};
+  command.parameters.push_back({jsonFlag, "Answer as one JSON object", Kind::flag});
+  return command;
+}
+
+Command sayCommand(const AppIntentsExtension& extension) {
+  Command command{
+      .name = "say",
+      .purpose = "Perform the intent that a phrase means",
+      .parameters = {{"SENTENCE", "The phrase, such as \"Log expense to Kivo\""}},
+      .run = [&extension](const GivenParameters& given) { return say(extension, given); }};
+  for (const auto& make : extension.intents) {
+    for (CommandParameter& parameter : offeredParameters(*make())) {
+      command.parameters.push_back(std::move(parameter));
+    }
+  }
+  command.parameters.push_back({jsonFlag, "Answer as one JSON object", Kind::flag});
+  return command;
+}
+
+Command catalogCommand(const AppIntentsExtension& extension) {
+  return {.name = "catalog",
+          .purpose = "Print intents, parameters and phrases",
+          .parameters = {{jsonFlag, "Print one JSON object", Kind::flag}},
+          .run = [&extension](const GivenParameters& given) {
+            const bool asJSON = given.contains(jsonFlag);
+            platform::printLine(asJSON ? catalogJSON(extension) : catalogText(extension));
+            return 0;
+          }};
+}
+
 }  // namespace
 
-int NSExtensionMain(int argc, char** argv, const platform::AppIntentsExtension& extension,
-                    std::string_view bundleIdentifier) {
+int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension) {
   startProcess();
-  auto call = readCommandLine(argc, argv, extension);
-  if (const auto* const end = std::get_if<EarlyEnd>(&call)) {
-    std::fputs(end->output.c_str(), stdout);
-    if (!end->error.empty()) std::fputs((end->error + "\n").c_str(), stderr);
-    return end->exitStatus;
+  CommandProgram program{.name = programName,
+                         .purpose = "Records money movements with Kivo without opening the app.",
+                         .version = KIVO_VERSION,
+                         .commands = {}};
+  for (const auto& make : extension.intents) {
+    program.commands.push_back(performCommand(extension, *make()));
   }
-
-  auto& [intent, form] = std::get<PerformCall>(call);
-  print(perform(*intent, bundleIdentifier), form);
-  return 0;
+  program.commands.push_back(catalogCommand(extension));
+  program.commands.push_back(sayCommand(extension));
+  return runCommand(program, argc, argv);
 }
 
 }  // namespace kivo::linux_platform

@@ -1,0 +1,28 @@
+// The process-wide objects of the platform, as a process that performs intents needs them. Performs
+// none.
+#pragma once
+
+#include <string_view>
+
+#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/process/session_bus.h"
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
+#include "platform/linux/widget_kit/bus_widget_center.h"
+
+namespace kivo::linux_platform {
+
+/// Installed from its making on; outlives every task that performs an intent. Its end sends what
+/// has still to be sent on the bus.
+class InstalledPlatform {
+ public:
+  /// Begins to connect to the session bus and returns at once.
+  explicit InstalledPlatform(std::string_view bundleIdentifier);
+
+ private:
+  SessionBus bus_;
+  HTTPURLSession session_;
+  BusUserNotificationCenter notificationCenter_;
+  BusWidgetCenter widgetCenter_;
+};
+
+}  // namespace kivo::linux_platform
