@@ -1,0 +1,82 @@
+// The phone's notification center: who may notify, what waits, and when it is shown. Draws nothing
+// itself, and speaks on no bus.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "phone/notification_record.h"
+#include "platform/linux/user_notifications/notification_center_service.h"
+
+namespace kivo {
+
+/// Used on one thread.
+class NotificationCenter : public linux_platform::NotificationCenterCalls {
+ public:
+  /// The most requests that wait at a time; one more, and the oldest goes.
+  static constexpr std::size_t mostWaiting = 500;
+  /// So many identifiers of what was shown last are known again.
+  static constexpr std::size_t mostRemembered = 500;
+  /// After this time a notification that the server refused is tried again.
+  static constexpr std::chrono::seconds retryInterval{5};
+
+  /// Shows a notification and says what came of it, at any time after the call.
+  using Show = std::function<void(const platform::UNMutableNotificationContent&,
+                                  std::function<void(linux_platform::ShowOutcome)>)>;
+
+  /// Takes up what the record holds from earlier runs.
+  NotificationCenter(NotificationRecord record, Show show);
+
+  [[nodiscard]] platform::UNAuthorizationStatus authorizationStatus(
+      const std::string& bundle) override;
+
+  /// On denied, drops what waits of that bundle.
+  bool setAuthorizationStatus(const std::string& bundle,
+                              platform::UNAuthorizationStatus status) override;
+
+  /// Keeps `request` until its interval from now is over. One whose identifier waits already, or
+  /// was among the last ones shown, is kept no second time. Only a denied bundle is refused: the
+  /// other statuses are the sender's to respect.
+  linux_platform::AddOutcome add(const std::string& bundle,
+                                 platform::UNNotificationRequest request) override;
+
+  [[nodiscard]] std::vector<std::string> pending(const std::string& bundle) override;
+
+  void serverAppeared() override;
+
+  /// Begins to show what is due; the time until the next one is due, none when nothing is.
+  std::optional<std::chrono::milliseconds> showDue();
+
+ private:
+  enum class Stage {
+    waiting,
+    /// Until the server has answered.
+    showing,
+    /// The server would not have it; waits for its second chance.
+    retrying,
+  };
+  struct Waiting {
+    PendingNotification notification;
+    platform::Moment showAt;
+    /// From the present, whatever the clock has been set to since.
+    platform::Moment::duration longestWait;
+    Stage stage = Stage::waiting;
+  };
+
+  std::optional<std::chrono::milliseconds> untilNextIsDue(platform::Moment now) const;
+  void ended(const NotificationName& name, linux_platform::ShowOutcome outcome);
+  std::vector<Waiting>::iterator find(const NotificationName& name);
+  void rememberShown(NotificationName name);
+  void setPendingFrom(const std::vector<Waiting>& waiting);
+
+  NotificationRecord record_;
+  Show show_;
+  std::vector<Waiting> waiting_;        // oldest first; as on disk
+  std::deque<NotificationName> shown_;  // oldest first
+  bool serverMissing_ = false;
+};
+
+}  // namespace kivo

@@ -1,0 +1,25 @@
+// Opens links with the program that the desktop has for them. Waits for no program.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace kivo::linux_platform {
+
+/// Used by one thread at a time. What it has opened goes on when it ends.
+class LinkOpener {
+ public:
+  /// Has the desktop's opener, xdg-open as found in PATH, open `link`. What does not begin with a
+  /// scheme, and could be taken for an option or a file, is opened by nobody; an opener that cannot
+  /// be started is not missed.
+  void open(const std::string& link);
+
+ private:
+  void reapEnded();
+
+  std::vector<pid_t> openers_;
+};
+
+}  // namespace kivo::linux_platform

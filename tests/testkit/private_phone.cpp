@@ -1,0 +1,100 @@
+#include "testkit/private_phone.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+#include <sys/stat.h>
+
+#include "platform/linux/process/bus_names.h"
+
+namespace kivo::testkit {
+
+using linux_platform::ProgramResult;
+using linux_platform::bus_names::notificationCenter;
+
+namespace {
+
+std::string pathWithStandIn(const std::filesystem::path& home) {
+  const std::filesystem::path programs = home / "programs";
+  std::filesystem::create_directories(programs);
+  const std::filesystem::path opener = programs / "xdg-open";
+  std::ofstream(opener) << "#!/bin/sh\nprintf '%s\\n' \"$*\" >> '" << (home / "opened").string()
+                        << "'\n";
+  std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
+  const char* const path = std::getenv("PATH");
+  return programs.string() + ":" + (path == nullptr ? "/usr/bin:/bin" : path);
+}
+
+}  // namespace
+
+PrivatePhone::PrivatePhone() : path_("PATH", pathWithStandIn(folders_.home())) {
+  const std::filesystem::path services =
+      linux_platform::programFolder().parent_path() / "dbus-services";
+  bus_ = std::make_unique<linux_platform::PrivateSessionBus>(
+      folders_.home(), std::vector<std::filesystem::path>{services});
+  addressVariable_.emplace("DBUS_SESSION_BUS_ADDRESS", bus_->address());
+}
+
+PrivatePhone::~PrivatePhone() {
+  if (bus_) center_ = processOf(notificationCenter.service);
+  bus_.reset();
+  if (center_ && !hasEnded(*center_)) kill(*center_, SIGKILL);
+}
+
+ProgramResult PrivatePhone::call(const std::string& service, const std::string& path,
+                                 const std::string& method, std::vector<std::string> arguments) {
+  std::vector<std::string> all{"call",          "--session", "--dest",   service,
+                               "--object-path", path,        "--method", method};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  return linux_platform::runProgram({.program = "gdbus", .arguments = std::move(all)});
+}
+
+ProgramResult PrivatePhone::callCenter(const std::string& method,
+                                       std::vector<std::string> arguments) {
+  return call(notificationCenter.service, notificationCenter.path,
+              std::string(notificationCenter.interface) + "." + method, std::move(arguments));
+}
+
+std::optional<pid_t> PrivatePhone::processOf(const std::string& service) {
+  const ProgramResult result =
+      call("org.freedesktop.DBus", "/org/freedesktop/DBus",
+           "org.freedesktop.DBus.GetConnectionUnixProcessID", {service});
+  if (result.status != 0) return std::nullopt;
+  const std::string answer = result.output;  // (uint32 1234,)
+  return static_cast<pid_t>(std::stoi(answer.substr(answer.find(' '))));
+}
+
+pid_t PrivatePhone::startCenter() {
+  const ProgramResult started = callCenter("Pending", {"any"});
+  if (started.status != 0) throw std::runtime_error("no notification center: " + started.errors);
+  return processOf(notificationCenter.service).value();
+}
+
+void PrivatePhone::killCenter() {
+  const auto process = processOf(notificationCenter.service);
+  if (!process) return;
+  kill(*process, SIGKILL);
+  eventually([&] { return !processOf(notificationCenter.service); });
+}
+
+bool PrivatePhone::hasEnded(pid_t process) {
+  return eventually([&] { return kill(process, 0) != 0; });
+}
+
+std::vector<std::string> PrivatePhone::openedLinks(std::size_t count) {
+  std::vector<std::string> links;
+  eventually(
+      [&] {
+        links.clear();
+        std::ifstream in(folders_.home() / "opened");
+        for (std::string line; std::getline(in, line);) links.push_back(line);
+        return links.size() >= count;
+      },
+      std::chrono::seconds(5));
+  return links;
+}
+
+}  // namespace kivo::testkit

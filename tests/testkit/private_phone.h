@@ -1,0 +1,75 @@
+// A phone of a test's own: private folders and a private session bus that starts the programs of
+// this build tree. Shows nothing: a test brings its own display.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "platform/linux/process/private_session_bus.h"
+#include "testkit/private_folders.h"
+
+namespace kivo::testkit {
+
+class PrivatePhone {
+ public:
+  /// The folder of a stand-in for xdg-open comes first in PATH; it notes what it is asked to open.
+  PrivatePhone();
+  /// Ends the bus, and the notification center if it is still there.
+  ~PrivatePhone();
+  PrivatePhone(const PrivatePhone&) = delete;
+  PrivatePhone& operator=(const PrivatePhone&) = delete;
+
+  [[nodiscard]] PrivateFolders& folders() { return folders_; }
+  [[nodiscard]] const std::string& address() const { return bus_->address(); }
+
+  /// Calls a method from another process, as a foreign program does; `arguments` in GVariant's
+  /// text form. Status 0 with the reply's text, or an error's words on its standard error.
+  linux_platform::ProgramResult call(const std::string& service, const std::string& path,
+                                     const std::string& method,
+                                     std::vector<std::string> arguments = {});
+  /// As `call`, on the notification center.
+  linux_platform::ProgramResult callCenter(const std::string& method,
+                                           std::vector<std::string> arguments);
+
+  /// The process that has `service`'s name on the bus; none when nobody has it.
+  std::optional<pid_t> processOf(const std::string& service);
+  /// The process of the notification center, which is started if need be.
+  pid_t startCenter();
+  /// Kills the process of the notification center and waits until its name is free.
+  void killCenter();
+  /// Waits until that process has ended, for at most 10 s; whether it has.
+  static bool hasEnded(pid_t process);
+
+  /// The links that were opened, a line each, once there are `count` of them or 5 s are over.
+  std::vector<std::string> openedLinks(std::size_t count);
+
+  /// Ends the bus.
+  void endBus() { bus_.reset(); }
+
+ private:
+  PrivateFolders folders_;
+  ScopedVariable path_;
+  std::optional<ScopedVariable> addressVariable_;
+  std::unique_ptr<linux_platform::PrivateSessionBus> bus_;
+  std::optional<pid_t> center_;
+};
+
+/// Waits until `condition` holds, looking every few milliseconds, for at most `limit`; whether it
+/// does.
+template <typename Condition>
+bool eventually(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+}  // namespace kivo::testkit
