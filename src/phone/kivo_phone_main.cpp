@@ -217,6 +217,7 @@ linux_platform::CommandProgram phone() {
                "Decide whether Kivo may notify",
                {{"STATUS", "authorized, denied, not-determined, provisional or ephemeral"}},
                setNotifications},
+              {"store", "Show or change the values that app, widget and extension share", {}, {}},
               {"store list", "Show every value of the shared store", {}, listStore},
               {"store get", "Print the value of a key, alone", {{"KEY", "The key"}}, getFromStore},
               {"store set",

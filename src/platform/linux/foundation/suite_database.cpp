@@ -22,6 +22,8 @@ constexpr auto retryPause = 2ms;
 constexpr std::int64_t applicationId = 0x4B69766F;  // "Kivo" in ASCII
 constexpr std::int64_t currentVersion = 1;
 
+constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
+
 // The statements of one transaction that turn an empty database into a suite.
 constexpr const char* creation =
     "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT;"
@@ -70,52 +72,57 @@ bool makeFile(const std::string& file) {
 
 enum class Owner { nobody, us, others };
 
-// Who has filled the database: nobody yet, this program, or somebody else or a newer version.
+// Who has filled the database: nobody yet, this program, or somebody else or a newer version. To be
+// called within a transaction, since another process may be filling it.
 int identify(sqlite3* database, Owner& owner) {
   std::int64_t id = 0;
   std::int64_t version = 0;
-  if (const int code = queryInteger(database, "PRAGMA application_id", id); code != SQLITE_OK) {
-    return code;
-  }
-  if (const int code = queryInteger(database, "PRAGMA user_version", version); code != SQLITE_OK) {
-    return code;
-  }
+  int code = queryInteger(database, "PRAGMA application_id", id);
+  if (code == SQLITE_OK) code = queryInteger(database, "PRAGMA user_version", version);
   owner = id == applicationId && version == currentVersion ? Owner::us : Owner::others;
-  if (id != 0 || version != 0) return SQLITE_OK;
+  if (code != SQLITE_OK || id != 0 || version != 0) return code;
 
   std::int64_t objects = 0;
-  const int code = queryInteger(database, "SELECT count(*) FROM sqlite_schema", objects);
-  if (code == SQLITE_OK && objects == 0) owner = Owner::nobody;
+  code = queryInteger(database, "SELECT count(*) FROM sqlite_schema", objects);
+  if (objects == 0) owner = Owner::nobody;
+  return code;
+}
+
+// Runs `steps` as one transaction that `begin` starts.
+template <typename Steps>
+int transaction(sqlite3* database, const char* begin, const Steps& steps) {
+  int code = execute(database, begin);
+  if (code == SQLITE_OK) code = steps();
+  if (code == SQLITE_OK) code = execute(database, "COMMIT");
+  if (sqlite3_get_autocommit(database) == 0) execute(database, "ROLLBACK");
   return code;
 }
 
 // Fills an empty database, unless another process has been faster.
 int create(sqlite3* database) {
-  if (const int code = execute(database, "BEGIN IMMEDIATE"); code != SQLITE_OK) return code;
-  Owner owner = Owner::others;
-  int code = identify(database, owner);
-  if (code == SQLITE_OK && owner == Owner::nobody) code = execute(database, creation);
-  if (code == SQLITE_OK) code = execute(database, "COMMIT");
-  if (code != SQLITE_OK) execute(database, "ROLLBACK");
-  return code;
+  // Answers "locked" at once when several processes do it, whatever the patience.
+  if (const int code = execute(database, switchToWal); code != SQLITE_OK) return code;
+  return transaction(database, "BEGIN IMMEDIATE", [database] {
+    Owner owner = Owner::others;
+    const int code = identify(database, owner);
+    return code == SQLITE_OK && owner == Owner::nobody ? execute(database, creation) : code;
+  });
 }
 
 // Brings an opened database to where values can be read and written, touching no foreign one.
 // SQLITE_BUSY means that all of it may be tried again.
 int establish(sqlite3* database) {
   Owner owner = Owner::others;
-  int code = identify(database, owner);
-  while (code == SQLITE_OK && owner == Owner::nobody) {
-    // Answers "locked" at once when several processes do it, whatever the patience. Writes nothing
-    // to a file that is in this mode already.
-    code = execute(database, "PRAGMA journal_mode = WAL");
-    if (code == SQLITE_OK) code = create(database);
-    if (code == SQLITE_OK) code = identify(database, owner);
+  const auto look = [database, &owner] { return identify(database, owner); };
+  int code = transaction(database, "BEGIN", look);
+  if (code == SQLITE_OK && owner == Owner::nobody) {
+    code = create(database);
+    if (code == SQLITE_OK) code = transaction(database, "BEGIN", look);
   }
-  if (code == SQLITE_OK && owner == Owner::others) code = SQLITE_NOTADB;
-  if (code == SQLITE_OK) {
-    code = execute(database, "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
-  }
+  if (code == SQLITE_OK && owner != Owner::us) code = SQLITE_NOTADB;
+  // The switch writes nothing to a file that is in this mode already.
+  if (code == SQLITE_OK) code = execute(database, switchToWal);
+  if (code == SQLITE_OK) code = execute(database, "PRAGMA synchronous = FULL");
   return code;
 }
 

@@ -34,7 +34,8 @@ struct Offered {
   }
 };
 
-// The level of the command line that names the last word of `name`, made on the way.
+// The level of the command line that names the last word of `name`, made on the way. Each takes one
+// command at most, so that the value "queue" does not become a command of that name.
 CLI::App& levelOf(CLI::App& root, const std::string& name) {
   const std::size_t blank = name.find(' ');
   const std::string word = name.substr(0, blank);
@@ -51,7 +52,8 @@ std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
   for (const CommandParameter& parameter : command.parameters) {
     const std::string& name = parameter.name;
     if (parameter.kind == Kind::flag) {
-      offered->app->add_flag(name, offered->flags[name], parameter.meaning);
+      offered->app->add_flag(name, offered->flags[name], parameter.meaning)
+          ->disable_flag_override();
       continue;
     }
     CLI::Option* const option =
@@ -68,6 +70,13 @@ bool isOptionName(const std::string& argument) {
          });
 }
 
+// What no parameter took, on any level. CLI11 leaves the mark -- as well.
+std::vector<std::string> leftOverOf(const CLI::App& app) {
+  std::vector<std::string> leftOver = app.remaining(true);
+  leftOver.erase(std::remove(leftOver.begin(), leftOver.end(), "--"), leftOver.end());
+  return leftOver;
+}
+
 std::string describeLeftOver(const std::vector<std::string>& leftOver) {
   const auto name = std::find_if(leftOver.begin(), leftOver.end(), isOptionName);
   if (name != leftOver.end()) return "unknown option " + *name;
@@ -76,8 +85,9 @@ std::string describeLeftOver(const std::vector<std::string>& leftOver) {
 }
 
 // What is wrong with the call in spite of its grammar, if anything.
-std::optional<std::string> complaintAbout(const Offered& offered) {
-  if (const auto leftOver = offered.app->remaining(true); !leftOver.empty()) {
+std::optional<std::string> complaintAbout(const Offered& offered, const CLI::App& app) {
+  if (!offered.command->run) return "unknown command, or none named";
+  if (const auto leftOver = leftOverOf(app); !leftOver.empty()) {
     return describeLeftOver(leftOver);
   }
   for (const CommandParameter& parameter : offered.command->parameters) {
@@ -116,7 +126,7 @@ void complain(const std::string& program, const std::string& what) {
 int runCommand(const CommandProgram& program, int argc, char** argv) {
   CLI::App app(program.purpose, program.name);
   app.set_version_flag("--version", program.name + " " + program.version);
-  app.allow_extras();
+  app.allow_extras()->require_subcommand(0, 1);
   std::vector<std::unique_ptr<Offered>> all;
   for (const Command& command : program.commands) all.push_back(offer(command, app));
   try {
@@ -126,8 +136,8 @@ int runCommand(const CommandProgram& program, int argc, char** argv) {
   }
 
   for (const auto& offered : all) {
-    if (!offered->app->parsed()) continue;
-    if (const auto complaint = complaintAbout(*offered)) {
+    if (!offered->app->parsed() || !offered->app->get_subcommands().empty()) continue;
+    if (const auto complaint = complaintAbout(*offered, app)) {
       return badUsage(program, offered->command->name, *complaint);
     }
     return offered->command->run(offered->given());

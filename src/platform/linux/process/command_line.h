@@ -27,12 +27,12 @@ using GivenParameters = std::map<std::string, std::string>;
 
 /// One thing that a program can be told to do.
 struct Command {
-  /// "sign-in"; the words of a command of a group are separated by a blank, "store get".
+  /// "sign-in"; for a command of a group the group's name and a blank go before, "store get".
   std::string name;
   /// What the help says of it.
   std::string purpose;
   std::vector<CommandParameter> parameters;
-  /// Does it; yields the exit status.
+  /// Does it; yields the exit status. None for a group, which stands before its commands.
   std::function<int(const GivenParameters&)> run;
 };
 

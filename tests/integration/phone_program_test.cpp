@@ -1,0 +1,310 @@
+// The real program kivo-phone, by its command line, on a terminal and on a private bus.
+#include <csignal>
+#include <fstream>
+
+#include <gmock/gmock.h>
+
+#include "feedback/widget_stats.h"
+#include "platform/linux/process/child_process.h"
+#include "queue/pending_sms_queue.h"
+#include "store/shared_store.h"
+#include "testkit/private_phone.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::ChildProcess;
+using linux_platform::ProgramCall;
+using linux_platform::ProgramResult;
+using testing::HasSubstr;
+using testkit::eventually;
+
+std::string phoneProgram() { return (linux_platform::programFolder() / "kivo-phone").string(); }
+
+class APhone : public testing::Test {
+ protected:
+  static ProgramResult run(std::vector<std::string> arguments) {
+    return linux_platform::runProgram(
+        {.program = phoneProgram(), .arguments = std::move(arguments)});
+  }
+
+  // Runs the program on a terminal of its own of 60 columns.
+  static ProgramCall onTerminal(const std::string& arguments) {
+    return {.program = "script",
+            .arguments = {"--quiet", "--return", "--command",
+                          "stty cols 60; exec " + phoneProgram() + " " + arguments, "/dev/null"},
+            .environment = {{"SHELL", "/bin/sh"}}};
+  }
+
+  static std::optional<std::string> stored(StoreKey key) { return open().readText(key); }
+  static SharedStore open() { return SharedStore::open(appGroup).value(); }
+
+  static void expectFailure(const std::vector<std::string>& arguments, int status,
+                            const std::string& error) {
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "kivo-phone: " + error + "\n");
+  }
+
+  testkit::PrivateFolders folders_;
+};
+
+TEST_F(APhone, SignsInWithTheValuesAsGiven) {
+  const ProgramResult result =
+      run({"sign-in", "--user-id", " u\tü ", "--url", "https://x.example/", "--currency", "usd"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "Signed in.\n");
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(stored(StoreKeys::userId), " u\tü ");
+  EXPECT_EQ(stored(StoreKeys::supabaseUrl), "https://x.example/");
+  EXPECT_EQ(stored(StoreKeys::currency), "usd");
+}
+
+TEST_F(APhone, RepairsTextThatIsNotUtf8) {
+  EXPECT_EQ(run({"sign-in", "--user-id", "a\xff", "--url", "http://x"}).status, 0);
+  EXPECT_EQ(stored(StoreKeys::userId), "a\uFFFD");
+}
+
+TEST_F(APhone, LeavesTheCurrencyAloneWhenNoneIsGiven) {
+  EXPECT_EQ(run({"sign-in", "--user-id", "u", "--url", "http://x"}).status, 0);
+  EXPECT_EQ(stored(StoreKeys::currency), std::nullopt);
+  run({"sign-in", "--user-id", "u", "--url", "http://x", "--currency", "USD"});
+  run({"sign-in", "--user-id", "v", "--url", "http://y"});
+  EXPECT_EQ(stored(StoreKeys::currency), "USD");
+}
+
+TEST_F(APhone, StoresACurrencyThatIsGivenEmpty) {
+  EXPECT_EQ(run({"sign-in", "--user-id", "u", "--url", "http://x", "--currency", ""}).status, 0);
+  EXPECT_EQ(stored(StoreKeys::currency), "");
+}
+
+TEST_F(APhone, RefusesAUrlThatWouldStopEveryRunAndStoresNothing) {
+  for (const char* const url : {"http://host:abc", "http://a b", "http://[::1", "http://käse"}) {
+    expectFailure({"sign-in", "--user-id", "u", "--url", url}, 64,
+                  "--url is no URL; nothing was stored");
+  }
+  EXPECT_EQ(stored(StoreKeys::userId), std::nullopt);
+}
+
+TEST_F(APhone, SaysWhenASignInLeadsNowhere) {
+  EXPECT_THAT(run({"sign-in", "--user-id", "", "--url", "http://x"}).output,
+              HasSubstr("counts as signed out"));
+  EXPECT_THAT(run({"sign-in", "--user-id", "u", "--url", "example.com"}).output,
+              HasSubstr("every text will wait offline"));
+}
+
+TEST_F(APhone, SignsOutByEmptyingWhatAMainAppWroteAndRemovesNothing) {
+  run({"sign-in", "--user-id", "u", "--url", "http://x", "--currency", "USD"});
+  EXPECT_EQ(run({"sign-out"}).output, "Signed out.\n");
+  EXPECT_EQ(stored(StoreKeys::userId), "");
+  EXPECT_EQ(stored(StoreKeys::supabaseUrl), "");
+  EXPECT_EQ(stored(StoreKeys::currency), "USD");
+}
+
+TEST_F(APhone, NeverPrintsTheUserIdentifier) {
+  const ProgramResult result =
+      run({"sign-in", "--user-id", "person-17", "--url", "http://x", "person-17"});
+  EXPECT_EQ(result.status, 64);
+  EXPECT_THAT(result.output + result.errors, testing::Not(HasSubstr("person-17")));
+}
+
+TEST_F(APhone, StoresAndPrintsValues) {
+  EXPECT_EQ(run({"store", "set", "key", "[] list"}).output, "");
+  EXPECT_EQ(run({"store", "get", "key"}).output, "[] list\n");
+  EXPECT_EQ(run({"store", "set", "--float", "smsQueueDrainLock", "1e3"}).status, 0);
+  EXPECT_EQ(open().readFloat(StoreKeys::smsQueueDrainLock), 1000);
+  EXPECT_EQ(run({"store", "get", "smsQueueDrainLock"}).output, "1000.0\n");
+  EXPECT_EQ(run({"store", "list"}).output,
+            "key                text     [] list\n"
+            "smsQueueDrainLock  float    1000.0\n");
+}
+
+TEST_F(APhone, HasNothingToPrintForAnAbsentKey) {
+  expectFailure({"store", "get", "absent"}, 1, "nothing is stored under this key");
+}
+
+TEST_F(APhone, TellsAnEmptyTextFromAnAbsentOne) {
+  run({"store", "set", "key", ""});
+  const ProgramResult result = run({"store", "get", "key"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "\n");
+}
+
+TEST_F(APhone, StoresNoFloatThatIsNoFiniteNumber) {
+  for (const char* const value : {"", "abc", "1 ", "nan", "inf"}) {
+    expectFailure({"store", "set", "--float", "key", value}, 64,
+                  "VALUE is no finite number; nothing was stored");
+  }
+  expectFailure({"store", "get", "key"}, 1, "nothing is stored under this key");
+}
+
+TEST_F(APhone, CannotDoAnythingWithoutAStore) {
+  std::ofstream(folders_.dataHome()) << "a file where the folder should be";
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{"sign-in", "--user-id", "u", "--url", "http://x"},
+                                             {"sign-out"},
+                                             {"store", "list"},
+                                             {"store", "get", "key"},
+                                             {"store", "set", "key", "value"},
+                                             {"queue"},
+                                             {"widget"}}) {
+    expectFailure(arguments, 1, "the shared store cannot be opened");
+  }
+}
+
+TEST_F(APhone, ExplainsItself) {
+  EXPECT_THAT(run({"--help"}).output, HasSubstr("sign-in"));
+  EXPECT_THAT(run({"--version"}).output, testing::StartsWith("kivo-phone "));
+  expectFailure({}, 64, "unknown command, or none named (see kivo-phone --help)");
+  expectFailure({"sign-in", "--url", "http://x"}, 64,
+                "--user-id is missing (see kivo-phone sign-in --help)");
+  expectFailure({"notifications", "maybe"}, 64,
+                "STATUS is one of authorized, denied, not-determined, provisional, ephemeral");
+}
+
+TEST_F(APhone, SaysWhenStandardOutputIsFull) {
+  const ProgramResult result = linux_platform::runProgram(
+      {.program = "sh", .arguments = {"-c", "exec \"$0\" queue >/dev/full", phoneProgram()}});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "kivo-phone: standard output cannot be written\n");
+}
+
+TEST_F(APhone, ShowsTheQueue) {
+  EXPECT_EQ(run({"queue"}).output, "Nothing waits to be sent.\n");
+  {
+    SharedStore store = open();
+    PendingSmsQueue::save({{.id = "A",
+                            .smsText = "Paid EGP 12\nat Cafe",
+                            .expenseDate = "2020-01-01",
+                            .queuedAt = "2020-01-01T00:00:00Z",
+                            .retryCount = 2,
+                            .source = "sms"}},
+                          store);
+  }
+  const std::string listing = run({"queue"}).output;
+  EXPECT_THAT(listing, testing::StartsWith("1 text waits to be sent.\n"));
+  EXPECT_THAT(listing, HasSubstr(" days"));
+  EXPECT_THAT(listing, HasSubstr("2 times      Paid EGP 12\\nat Cafe\n"));
+}
+
+TEST_F(APhone, SaysThatAQueueCannotBeRead) {
+  run({"store", "set", "pendingSmsQueue", "[{}]"});
+  expectFailure({"queue"}, 1,
+                "the stored queue cannot be read; the next text that is queued replaces it");
+  run({"store", "set", "pendingSmsQueue", " [ ]"});
+  EXPECT_EQ(run({"queue"}).output, "Nothing waits to be sent.\n");
+}
+
+TEST_F(APhone, ShowsTheWidgetInABoxOnATerminalOnly) {
+  run({"store", "set", "currency", "USD"});
+  EXPECT_EQ(run({"widget"}).output,
+            "Today          $0.00\nExpenses       0\nRunning total  $0.00\n");
+  EXPECT_THAT(linux_platform::runProgram(onTerminal("widget")).output,
+              HasSubstr("│ Running total  $0.00     │\r\n"));
+}
+
+TEST_F(APhone, EscapesControlCharactersOnATerminalOnly) {
+  run({"store", "set", "key", "a\x1b[2Jb"});
+  EXPECT_EQ(run({"store", "list"}).output, "key  text     a\x1b[2Jb\n");
+  EXPECT_EQ(run({"store", "get", "key"}).output, "a\x1b[2Jb\n");
+  EXPECT_EQ(linux_platform::runProgram(onTerminal("store list")).output,
+            "key  text     a\\x1b[2Jb\r\n");
+  EXPECT_EQ(linux_platform::runProgram(onTerminal("store get key")).output, "a\\x1b[2Jb\r\n");
+}
+
+TEST_F(APhone, CutsTheTextsOfTheQueueToTheTerminal) {
+  SharedStore store = open();
+  PendingSmsQueue::save({{.id = "A",
+                          .smsText = std::string(200, 'x'),
+                          .expenseDate = "2020-01-01",
+                          .queuedAt = "never",
+                          .retryCount = 0,
+                          .source = "sms"}},
+                        store);
+  EXPECT_THAT(linux_platform::runProgram(onTerminal("queue")).output,
+              testing::EndsWith("unknown  not yet      " + std::string(37, 'x') + "…\r\n"));
+}
+
+TEST_F(APhone, CannotDecideOnNotificationsWithoutACenter) {
+  expectFailure({"notifications", "authorized"}, 1, "the notification center does not answer");
+}
+
+TEST_F(APhone, CannotWatchTheWidgetWithoutABus) {
+  expectFailure({"widget", "--watch"}, 1, "there is no session bus to hear reload signals on");
+}
+
+class APhoneOnABus : public testing::Test {
+ protected:
+  static ProgramCall watch() {
+    return {.program = phoneProgram(), .arguments = {"widget", "--watch"}};
+  }
+  // Any program may ask the widgets to reload.
+  void askForReload() {
+    const ProgramResult result = linux_platform::runProgram(
+        {.program = "gdbus",
+         .arguments = {"emit", "--session", "--object-path", "/app/kivo/WidgetCenter", "--signal",
+                       "app.kivo.WidgetCenter1.ReloadAllTimelines"}});
+    ASSERT_EQ(result.status, 0) << result.errors;
+  }
+  static void spend(double amount) {
+    SharedStore store = SharedStore::open(appGroup).value();
+    store.writeText(StoreKeys::currency, "USD");
+    WidgetStats::recordExpense(store, amount);
+  }
+  static bool shows(const ChildProcess& watching, const std::string& text) {
+    return eventually([&] { return watching.outputSoFar().find(text) != std::string::npos; });
+  }
+
+  testkit::PrivatePhone phone;
+};
+
+TEST_F(APhoneOnABus, DecidesWhetherKivoMayNotify) {
+  const std::vector<std::pair<std::string, std::string>> statuses{{"authorized", "(2,)\n"},
+                                                                  {"denied", "(1,)\n"},
+                                                                  {"not-determined", "(0,)\n"},
+                                                                  {"provisional", "(3,)\n"},
+                                                                  {"ephemeral", "(4,)\n"}};
+  for (const auto& [word, answer] : statuses) {
+    const ProgramResult result = linux_platform::runProgram(
+        {.program = phoneProgram(), .arguments = {"notifications", word}});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "Notifications: " + word + "\n");
+    EXPECT_EQ(phone.callCenter("AuthorizationStatus", {"app.kivo.expenses.intents"}).output,
+              answer);
+  }
+}
+
+TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAReloadIsAskedFor) {
+  spend(5);
+  ChildProcess watching(watch());
+  ASSERT_TRUE(shows(watching, "Today          $5.00\nExpenses       1\n"));
+  spend(2.5);
+  askForReload();
+  EXPECT_TRUE(shows(watching, "Today          $7.50\nExpenses       2\n"));
+  watching.signal(SIGINT);
+  EXPECT_EQ(watching.wait(std::chrono::seconds(10)).status, 0);
+}
+
+TEST_F(APhoneOnABus, EndsAWatchOnAnyEndSignalWithoutAnError) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    ChildProcess watching(watch());
+    ASSERT_TRUE(shows(watching, "Running total"));
+    watching.signal(signal);
+    const ProgramResult result = watching.wait(std::chrono::seconds(10));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+  }
+}
+
+TEST_F(APhoneOnABus, EndsAWatchWhenTheBusGoes) {
+  ChildProcess watching(watch());
+  ASSERT_TRUE(shows(watching, "Running total"));
+  phone.endBus();
+  const ProgramResult result = watching.wait(std::chrono::seconds(10));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "kivo-phone: the session bus is gone\n");
+}
+
+}  // namespace
+}  // namespace kivo

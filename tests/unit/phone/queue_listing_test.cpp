@@ -1,0 +1,91 @@
+#include "phone/queue_listing.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace kivo {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t anyWidth = std::numeric_limits<std::size_t>::max();
+constexpr platform::Moment now = std::chrono::sys_days(2026y / 1 / 31) + 9h;
+
+PendingSmsItem waiting(std::string smsText, std::string queuedAt, std::int64_t retryCount = 0) {
+  return {.id = "9B2E8C53-4D7A-4F6B-A1C0-5E3D2F1A0B9C",
+          .smsText = std::move(smsText),
+          .expenseDate = "2026-01-31",
+          .queuedAt = std::move(queuedAt),
+          .retryCount = retryCount,
+          .source = "sms"};
+}
+
+TEST(AnAge, IsJustNowBelowAMinuteAndInTheFuture) {
+  EXPECT_EQ(QueueListing::ageText(-1h), "just now");
+  EXPECT_EQ(QueueListing::ageText(0s), "just now");
+  EXPECT_EQ(QueueListing::ageText(59s), "just now");
+}
+
+TEST(AnAge, IsToldInWholeMinutesHoursAndDays) {
+  EXPECT_EQ(QueueListing::ageText(60s), "1 min");
+  EXPECT_EQ(QueueListing::ageText(59min + 59s), "59 min");
+  EXPECT_EQ(QueueListing::ageText(1h), "1 h");
+  EXPECT_EQ(QueueListing::ageText(47h + 59min), "47 h");
+  EXPECT_EQ(QueueListing::ageText(48h), "2 days");
+  EXPECT_EQ(QueueListing::ageText(24h * 400), "400 days");
+}
+
+TEST(AQueueListing, SaysKindlyThatNothingWaits) {
+  EXPECT_EQ(QueueListing::text({}, now, anyWidth), "Nothing waits to be sent.\n");
+}
+
+TEST(AQueueListing, ShowsWhatWaitsHowLongAndHowOftenItWasTried) {
+  EXPECT_EQ(QueueListing::text({waiting("Paid EGP 12 at Cafe", "2026-01-31T08:15:00Z"),
+                                waiting("Paid EGP 7", "2026-01-29T08:00:00Z", 1),
+                                waiting("Paid EGP 9", "2026-01-31T09:00:00+02:00", 9)},
+                               now, anyWidth),
+            "3 texts wait to be sent, the next one first.\n"
+            "\n"
+            "WAITING  TRIED AGAIN  TEXT\n"
+            "45 min   not yet      Paid EGP 12 at Cafe\n"
+            "2 days   once         Paid EGP 7\n"
+            "2 h      9 times      Paid EGP 9\n");
+}
+
+TEST(AQueueListing, OfOneTextSpeaksOfOne) {
+  EXPECT_EQ(QueueListing::text({waiting("x", "2026-01-31T09:00:00Z")}, now, anyWidth),
+            "1 text waits to be sent.\n"
+            "\n"
+            "WAITING   TRIED AGAIN  TEXT\n"
+            "just now  not yet      x\n");
+}
+
+TEST(AQueueListing, DoesNotKnowTheAgeOfATimeThatCannotBeRead) {
+  EXPECT_EQ(QueueListing::text({waiting("x", "yesterday")}, now, anyWidth),
+            "1 text waits to be sent.\n"
+            "\n"
+            "WAITING  TRIED AGAIN  TEXT\n"
+            "unknown  not yet      x\n");
+}
+
+TEST(AQueueListing, KeepsEachTextOnItsLine) {
+  const std::string listing =
+      QueueListing::text({waiting("a\nb\x1b[2Jc", "2026-01-31T09:00:00Z")}, now, anyWidth);
+  EXPECT_TRUE(listing.ends_with("not yet      a\\nb\\x1b[2Jc\n")) << listing;
+}
+
+TEST(AQueueListing, CutsTextsToTheWidthOfTheScreen) {
+  const std::string listing = QueueListing::text(
+      {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 45);
+  EXPECT_TRUE(listing.ends_with("just now  not yet      123456789 123456789 1…\n")) << listing;
+}
+
+TEST(AQueueListing, LeavesSomeOfTheTextOnTheNarrowestScreen) {
+  const std::string listing = QueueListing::text(
+      {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 5);
+  EXPECT_TRUE(listing.ends_with("123456789 123456789…\n")) << listing;
+}
+
+}  // namespace
+}  // namespace kivo

@@ -1,0 +1,91 @@
+#include "phone/widget_view.h"
+
+#include <gtest/gtest.h>
+
+#include "feedback/widget_stats.h"
+#include "platform/foundation/date.h"
+#include "testkit/private_folders.h"
+
+namespace kivo {
+namespace {
+
+using namespace std::chrono_literals;
+
+platform::Moment january31() { return std::chrono::sys_days(2026y / 1 / 31) + 9h; }
+platform::Moment february1() { return std::chrono::sys_days(2026y / 2 / 1) + 9h; }
+
+class AWidget : public testing::Test {
+ protected:
+  AWidget() { platform::Date::setClock(january31); }
+  ~AWidget() override { platform::Date::setClock(nullptr); }
+
+  testkit::PrivateFolders folders_;
+  SharedStore store_ = SharedStore::open(appGroup).value();
+};
+
+TEST_F(AWidget, ShowsZerosInPoundsOnAnEmptyStore) {
+  EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"EGP\u00a00.00", 0, "EGP\u00a00.00"}));
+}
+
+TEST_F(AWidget, ShowsTheFiguresOfTodayInThePersonsCurrency) {
+  store_.writeText(StoreKeys::currency, "USD");
+  WidgetStats::recordExpense(store_, 1200);
+  WidgetStats::recordExpense(store_, 25.5);
+  EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"$1,225.50", 2, "$1,225.50"}));
+}
+
+TEST_F(AWidget, StartsANewDayEmptyButKeepsTheRunningTotal) {
+  store_.writeText(StoreKeys::currency, "USD");
+  WidgetStats::recordExpense(store_, 150);
+  platform::Date::setClock(february1);
+  EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"$0.00", 0, "$150.00"}));
+}
+
+TEST_F(AWidget, ShowsNegativeTotalsAsNegative) {
+  store_.writeText(StoreKeys::currency, "USD");
+  WidgetStats::recordExpense(store_, -20);
+  EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"-$20.00", 1, "-$20.00"}));
+}
+
+TEST_F(AWidget, CountsUnreadableFiguresAsZero) {
+  store_.writeText(StoreKeys::currency, "USD");
+  store_.writeText(StoreKeys::todayDateKey, WidgetStats::today());
+  store_.writeText(StoreKeys::todayTotal, " 5");
+  store_.writeText(StoreKeys::todayCount, "many");
+  store_.writeText(StoreKeys::monthlyTotal, "");
+  EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"$0.00", 0, "$0.00"}));
+}
+
+TEST_F(AWidget, IsAFrameOfEqualLinesOnATerminal) {
+  EXPECT_EQ(WidgetView::asBox({"$5.00", 1, "$1,205.00"}),
+            "╭──────────────────────────╮\n"
+            "│ Kivo · today             │\n"
+            "│                          │\n"
+            "│ $5.00                    │\n"
+            "│ 1 expense                │\n"
+            "│                          │\n"
+            "│ Running total  $1,205.00 │\n"
+            "╰──────────────────────────╯\n");
+}
+
+TEST_F(AWidget, GrowsWithItsFigures) {
+  EXPECT_EQ(WidgetView::asBox({"د.إ", 0, "$1,234,567,890.00"}),
+            "╭──────────────────────────────────╮\n"
+            "│ Kivo · today                     │\n"
+            "│                                  │\n"
+            "│ د.إ                              │\n"
+            "│ 0 expenses                       │\n"
+            "│                                  │\n"
+            "│ Running total  $1,234,567,890.00 │\n"
+            "╰──────────────────────────────────╯\n");
+}
+
+TEST_F(AWidget, IsPlainLinesElsewhere) {
+  EXPECT_EQ(WidgetView::asLines({"$5.00", 1, "$12.00"}),
+            "Today          $5.00\n"
+            "Expenses       1\n"
+            "Running total  $12.00\n");
+}
+
+}  // namespace
+}  // namespace kivo
