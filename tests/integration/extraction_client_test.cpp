@@ -36,8 +36,9 @@ using testkit::await;
 using testkit::httpAnswer;
 using testkit::ScriptedServer;
 
-/// The session is the process's one, so it has to outlive every test.
+/// The session is the process's one, so it has to outlive every test; but not the workers' end.
 void installSession() {
+  testkit::executor();
   static linux_platform::HTTPURLSession session;
   platform::ProcessWide<platform::URLSession>::install(session);
 }

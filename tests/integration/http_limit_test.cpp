@@ -132,6 +132,17 @@ TEST_F(AnEndlessExchange, EndsWhenCancelledWhileConnecting) {
   endsWhenCancelled(running);
 }
 
+TEST_F(AnEndlessExchange, ConnectsToNoFurtherAddressOnceCancelled) {
+  const ScriptedServer second(silentAfterTheRequest, {.address = "127.0.0.3"});
+  const SilentPort first("127.0.0.2", second.port());
+  scriptLookup("half-silent.test", {"127.0.0.2", "127.0.0.3"});
+  auto running = start("http://half-silent.test:" + std::to_string(second.port()));
+  std::this_thread::sleep_for(100ms);
+  endsWhenCancelled(running);
+  std::this_thread::sleep_for(100ms);
+  EXPECT_EQ(second.connections(), 0);
+}
+
 TEST_F(AnEndlessExchange, EndsWhenCancelledInTheHandshake) {
   const ScriptedServer server(silent);
   auto running = start("https://127.0.0.1:" + std::to_string(server.port()));

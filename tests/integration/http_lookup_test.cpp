@@ -109,23 +109,26 @@ TEST_F(AHostLookup, HoldsUpNoOtherExchange) {
   for (auto& each : hanging) EXPECT_EQ(each.wait().failure, Failure::timedOut);
 }
 
+platform::Task<void> ask(platform::URLSession* session, std::string url) {
+  auto request = post(url, "{}", 200ms);
+  try {
+    co_await session->data(std::move(request));
+  } catch (const platform::URLError& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+  }
+}
+
 TEST_F(AHostLookup, HoldsUpTheEndOfNoProcess) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EXIT(
       {
         scriptHangingLookup("hanging.test");
-        linux_platform::TaskExecutor workers(1);
-        linux_platform::HTTPURLSession session;
-        auto task = workers.start([](platform::URLSession* with) -> platform::Task<void> {
-          auto request = post("http://hanging.test/", "{}", 200ms);
-          try {
-            co_await with->data(std::move(request));
-          } catch (const platform::URLError& error) {
-            std::fprintf(stderr, "%s\n", error.what());
-          }
-        }(&session));
-        task.wait();
+        {
+          linux_platform::TaskExecutor workers(1);
+          linux_platform::HTTPURLSession session;
+          workers.start(ask(&session, "http://hanging.test/")).wait();
+        }
         std::exit(7);
       },
       testing::ExitedWithCode(7), "timedOut");
