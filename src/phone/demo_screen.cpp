@@ -9,8 +9,12 @@
 #include <unistd.h>
 
 #include "platform/linux/process/terminal_text.h"
+#include "platform/linux/process/text_columns.h"
 
 namespace kivo {
+
+using linux_platform::columnsOf;
+
 namespace {
 
 constexpr std::size_t labelWidth = 15;
@@ -30,22 +34,15 @@ std::size_t widthOfScreen() {
   return std::clamp<std::size_t>(size.ws_col, 2 * labelWidth, widest);
 }
 
-// The number of characters, near enough to the columns that a text takes.
-std::size_t columns(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-  }));
-}
-
 // `line` in lines of `width` columns at most; longer words stay whole.
 std::vector<std::string> wrapped(const std::string& line, std::size_t width) {
-  if (columns(line) <= width) return {line};
+  if (columnsOf(line) <= width) return {line};
   std::vector<std::string> lines{""};
   std::size_t begin = 0;
   while (begin < line.size()) {
     const std::size_t end = std::min(line.find(' ', begin), line.size());
     const std::string word = line.substr(begin, end - begin);
-    if (!lines.back().empty() && columns(lines.back()) + 1 + columns(word) > width) {
+    if (!lines.back().empty() && columnsOf(lines.back()) + 1 + columnsOf(word) > width) {
       lines.emplace_back();
     }
     lines.back() += (lines.back().empty() ? "" : " ") + word;
@@ -83,8 +80,8 @@ void DemoScreen::piece(std::string_view label, std::string_view text, Tone tone)
   std::string margin = "  " + std::string(label);
   margin.resize(std::max(margin.size() + 1, labelWidth), ' ');
   for (const std::string& line : shownLines(text, width_ - labelWidth)) {
-    write(toned(margin, Tone::quiet) + toned(line, tone) + "\n");
-    margin.assign(labelWidth, ' ');
+    write((line.empty() ? "" : toned(margin, Tone::quiet) + toned(line, tone)) + "\n");
+    if (!line.empty()) margin.assign(labelWidth, ' ');
   }
 }
 

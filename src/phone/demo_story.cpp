@@ -27,6 +27,8 @@ struct Step {
   std::vector<std::string_view> notifications = {};
   /// The texts that wait afterwards; none where it is not looked at.
   std::optional<std::string_view> queuedTexts = {};
+  /// What a reader would wonder about; empty when nothing.
+  std::string_view note = {};
 };
 
 // Banks, merchants and people are invented.
@@ -57,8 +59,7 @@ const std::vector<Step>& stepsOnline() {
 const Step& stepOffline() {
   static const Step step{
       "Two messages while the backend cannot be reached",
-      {"You paid EGP 64.00 at Corner Coffee using card **4821.",
-       "EGP 1,500.00 has been transferred from your account to Mona Samir. Ref 77120"},
+      {"You paid EGP 64.00 at Corner Coffee.", "EGP 1,500.00 was transferred to Mona Samir"},
       "Saved offline - will process when connected",
       {"📡 Expense Saved Offline", "📡 Expense Saved Offline"},
       "2"};
@@ -70,7 +71,8 @@ const Step& stepBackOnline() {
                          {"Purchase of EGP 230.00 at Blue Tram Taxi, card **4821."},
                          "Tracked ",
                          {"💸 Expense Tracked", "💸 Expense Tracked", "💸 Expense Tracked"},
-                         "0"};
+                         "0",
+                         "The widget's totals leave out what the queue sent."};
   return step;
 }
 
@@ -97,6 +99,7 @@ class Demonstration {
              "a notification \"" + std::string(title) + "\" appears for each");
     }
     showState();
+    if (!step.note.empty()) screen_.piece("", step.note, Tone::quiet);
     if (step.queuedTexts) {
       expect(phone_.queuedTexts() == *step.queuedTexts,
              std::string(*step.queuedTexts) + " texts wait");
@@ -124,7 +127,12 @@ class Demonstration {
 
   void showState() {
     screen_.piece("Queue", phone_.queue());
-    screen_.piece("Widget", phone_.widget());
+    const std::string widget = phone_.widget();
+    if (std::exchange(shownWidget_, widget) == widget) {
+      screen_.piece("Widget", "unchanged", Tone::quiet);
+    } else {
+      screen_.piece("Widget", widget);
+    }
   }
 
   void expect(bool kept, const std::string& expectation) {
@@ -142,13 +150,15 @@ class Demonstration {
   DemoScreen& screen_;
   const std::function<bool()>& goesOn_;
   DemoPhone phone_;
+  std::string shownWidget_;
   bool asTold_ = true;
 };
 
 }  // namespace
 
 DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn) {
-  screen.line("Kivo's intents extension, on a phone and a backend made for this story");
+  screen.line("Kivo's intents extension, on a phone and a backend made for this story",
+              Tone::strong);
   screen.line("Real programs, private folders and a private session bus; nothing of yours is used.",
               Tone::quiet);
   Demonstration story(screen, goesOn, usualCurrency);

@@ -15,25 +15,24 @@ constexpr std::size_t longestName = 60;
 
 // What stands before a name, the surest first. All words are in folded spelling.
 constexpr std::string_view paidIntroducers[] = {
-    "merchant:", "merchant name:", "store:", "beneficiary:", "at:",
-    "to:",       "التاجر:",        "لدي:",   "الي:",         " at ",
-    "@",         " لدي ",          " عند ",  " to ",         " الي ",
-    "purchase:", " from ",         " من ",   " في ",         " for "};
+    "merchant:", "merchant name:", "store:",    "beneficiary:", "at:",   "to:",   "التاجر:",
+    "لدي:",      "الي:",           " at ",      "@ ",           " لدي ", " عند ", " لصالح ",
+    " to ",      " الي ",          "purchase:", " from ",       " من ",  " في ",  " for "};
 constexpr std::string_view payerIntroducers[] = {
     "sender:", "from:", "merchant:", "من:", "الراسل:", " from ", " by ", " من ", " at ", " لدي "};
 // What a name does not begin with.
 constexpr std::string_view notNames[] = {
-    "your",   "my ",     "our ",       "the account", "a/c",  "acc ",   "acc.",
-    "card",   "account", "debit card", "credit card", "حساب", "الحساب", "بطاق",
+    "your ",  "my ",     "our ",       "the account", "a/c",  "acc ",   "acc.",
+    "card ",  "account", "debit card", "credit card", "حساب", "الحساب", "بطاق",
     "البطاق", "مبلغ",    "رصيد",       "خلال",        "تاريخ"};
 // What ends a name.
 constexpr std::string_view terminators[] = {
-    "\n",       "\r",       ",",       ";",       "(",         " on ",      " using ", " via ",
-    " with ",   " from ",   " dated ", " ref",    " card",     " by ",      " avail",  " bal",
-    " for ",    " to your", " to acc", " to a/c", " has been", " was ",     " is ",    " at ",
-    " in your", " into ",   " - ",     " http",   " بتاريخ",   " باستخدام", " ببطاق",  " بطاق",
-    " يوم",     " الساعه",  " رصيد",   " الرصيد", " المتاح",   " في ",      " من ",    " الي ",
-    " بمبلغ",   " بقيمه",   " بنجاح",  " عبر "};
+    "\n",     "\r",       ",",       ";",       "(",         " on ",        " using ",   " via ",
+    " with ", " from ",   " dated ", " ref",    " card",     " by ",        " avail",    " bal",
+    " for ",  " to your", " to acc", " to a/c", " has been", " successful", " was ",     " is ",
+    " at ",   " in your", " into ",  " - ",     " http",     " بتاريخ",     " باستخدام", " ببطاق",
+    " بطاق",  " يوم",     " الساعه", " رصيد",   " الرصيد",   " المتاح",     " في ",      " من ",
+    " الي ",  " بمبلغ",   " بقيمه",  " بنجاح",  " عبر "};
 
 bool startsWithAny(std::string_view text, std::span<const std::string_view> words) {
   return std::any_of(words.begin(), words.end(),
@@ -101,7 +100,7 @@ std::string shownPayee(std::string_view name) {
       [](char character) { return static_cast<unsigned char>(character) < ' '; }, ' ');
   constexpr std::string_view edges = " \"'*:-.,#";
   const std::size_t begin = line.find_first_not_of(edges);
-  if (begin == nowhere) return line;
+  if (begin == nowhere) return {};
   line.erase(0, begin);
   line.resize(wholeCharacters(line, longestName));
   line.erase(line.find_last_not_of(edges) + 1);

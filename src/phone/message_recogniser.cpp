@@ -104,6 +104,9 @@ constexpr Movement movements[] = {
     {"debited", Kind::expense, "Payment", ""},
     {"debit alert", Kind::expense, "Payment", ""},
     {"debit transaction", Kind::expense, "Payment", ""},
+    {"debit of", Kind::expense, "Payment", ""},
+    {"standing order", Kind::expense, "Payment", ""},
+    {"transaction", Kind::expense, "Card payment", ""},
     {"deducted", Kind::expense, "Payment", ""},
     {"paid", Kind::expense, "Payment", ""},
     {"payment", Kind::expense, "Payment", ""},
@@ -228,6 +231,7 @@ std::optional<Transaction> paymentSentence(std::string_view message) {
   if (!std::isfinite(payment.amount) || !(payment.amount > 0)) return std::nullopt;
   payment.currency = tail.substr(0, place);
   payment.description = shownPayee(tail.substr(place + at.size()));
+  if (payment.description.empty()) payment.description = "Payment";
   return payment;
 }
 

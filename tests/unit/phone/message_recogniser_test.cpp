@@ -91,6 +91,11 @@ TEST(ACardPayment, MayPutTheCardNumberBesideTheCurrency) {
             expense(50, "EGP", "Metro Line 3", "Transport"));
 }
 
+TEST(ACardPayment, MayOnlyBeCalledATransaction) {
+  EXPECT_EQ(of("Card ending 1234: $23.45 transaction at Gas Station 42 on May 12"),
+            expense(23.45, "USD", "Gas Station 42", "Transport"));
+}
+
 TEST(ACardPayment, MayNameNoMerchant) {
   EXPECT_EQ(of("EGP 75.00 spent on your card *4821. Bal EGP 100.00"),
             expense(75, "EGP", "Card payment", "Other"));
@@ -141,6 +146,8 @@ TEST(ATransferOut, IsAnExpenseToItsPayee) {
   EXPECT_EQ(of("EGP 1,500.00 has been transferred from your account XX5566 to Mona Samir on "
                "12/05/2026. Ref 883214"),
             expense(1500, "EGP", "Mona Samir", "Transfer"));
+  EXPECT_EQ(of("تم تنفيذ تحويل بمبلغ 750 جنيه لصالح أحمد حسن"),
+            expense(750, "EGP", "أحمد حسن", "Transfer"));
   EXPECT_EQ(of("تم تحويل مبلغ ٣٠٠ جنيه من حسابك إلى كريم عادل بنجاح"),
             expense(300, "EGP", "كريم عادل", "Transfer"));
 }
@@ -251,6 +258,7 @@ TEST(ThePaymentSentence, IsReadToTheDouble) {
 
 TEST(ThePaymentSentence, KeepsOddMerchantsAndCurrencies) {
   EXPECT_EQ(of("Paid 9.5  at Lunch at Mona's"), expense(9.5, "", "Lunch at Mona's", "Other"));
+  EXPECT_EQ(of("Paid 9.5 EGP at \n"), expense(9.5, "EGP", "Payment", "Other"));
   EXPECT_EQ(of("Paid 9.5 EGP at two\nlines"), expense(9.5, "EGP", "two lines", "Other"));
 }
 
