@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <condition_variable>
+#include <csignal>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -113,6 +114,12 @@ class SocketConnection : public ServerConnection {
     return false;
   }
 
+  std::string wantedName() const override {
+    const char* const name =
+        tls_ == nullptr ? nullptr : SSL_get_servername(tls_.get(), TLSEXT_NAMETYPE_host_name);
+    return name == nullptr ? "" : name;
+  }
+
   std::string readRequest() override {
     std::size_t whole = 0;
     while ((whole = wholeRequest(received_)) == 0 && receive()) continue;
@@ -207,6 +214,7 @@ ScriptedServer::ScriptedServer(Script script, ServerOptions options)
     : state_(std::make_shared<State>()) {
   state_->script = std::move(script);
   state_->address = options.address;
+  std::signal(SIGPIPE, SIG_IGN);  // what TLS writes to a peer that has gone must not end the tests
   if (options.identity) state_->tls = serverContext(*options.identity, options.onlyOldTls);
   state_->listening = listeningSocket(options.address, options.port, SOMAXCONN);
   state_->port = portOf(state_->listening);

@@ -22,6 +22,8 @@ class ServerConnection {
  public:
   virtual ~ServerConnection() = default;
 
+  /// The host name that the peer wanted in its TLS handshake; empty when it named none.
+  [[nodiscard]] virtual std::string wantedName() const = 0;
   /// Reads one request to the end of its body, as Content-Length tells it, and yields its bytes;
   /// what there is of it when the peer ends first. Kept for `ScriptedServer::requests`.
   virtual std::string readRequest() = 0;

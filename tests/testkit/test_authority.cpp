@@ -87,7 +87,7 @@ std::string pem(EVP_PKEY* key) {
 ServerIdentity certified(const ServerClaim& claim, X509* issuer, EVP_PKEY* issuerKey) {
   const Key key = makeKey();
   const Certificate certificate =
-      draft(key.get(), "Kivo test server", claim.validFrom, claim.validUntil);
+      draft(key.get(), ServerClaim::subject, claim.validFrom, claim.validUntil);
   X509* const by = issuer != nullptr ? issuer : certificate.get();
   need(X509_set_issuer_name(certificate.get(), X509_get_subject_name(by)) == 1);
   extend(certificate.get(), by, NID_subject_alt_name, claim.names);

@@ -1,7 +1,10 @@
 #include "platform/linux/foundation/http_url_session.h"
 
-#include <charconv>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -32,6 +35,7 @@
 
 #include "platform/foundation/errors.h"
 #include "platform/linux/foundation/host_lookup.h"
+#include "platform/linux/foundation/http_endpoint.h"
 
 namespace kivo::linux_platform {
 namespace asio = boost::asio;
@@ -53,28 +57,6 @@ constexpr std::uint64_t longestBody = 1024 * 1024;
 // What may wait to be parsed: a header block, or as much of a body as is read at once.
 constexpr std::size_t readBuffer = 2 * longestHeader;
 
-/// What of a URL a connection needs.
-struct Endpoint {
-  bool secure;
-  std::uint16_t port;
-  /// The value of the Host header.
-  std::string authority;
-
-  explicit Endpoint(const platform::URL& url) : secure(url.scheme == "https") {
-    if ((!secure && url.scheme != "http") || url.host.empty()) throw URLError(Code::unsupportedURL);
-
-    const std::uint16_t usual = secure ? 443 : 80;
-    port = usual;
-    if (!url.port.empty()) {
-      const auto [end, error] =
-          std::from_chars(url.port.data(), url.port.data() + url.port.size(), port);
-      if (error != std::errc() || port == 0) throw URLError(Code::unsupportedURL);
-    }
-    authority = url.host.find(':') == std::string::npos ? url.host : "[" + url.host + "]";
-    if (port != usual) authority += ":" + std::to_string(port);
-  }
-};
-
 Code answerFailure(const error_code& error) {
   if (error == http::error::header_limit || error == http::error::body_limit ||
       error == http::error::buffer_overflow) {
@@ -92,9 +74,12 @@ Code answerFailure(const error_code& error) {
 /// place, whatever the steps are waiting for.
 class Exchange {
  public:
-  Exchange(const asio::any_io_executor& executor, URLRequest request, Endpoint endpoint,
-           asio::ssl::context* trust)
-      : limit(executor, request.timeoutInterval),
+  using Time = std::chrono::steady_clock::time_point;
+
+  /// `trust` is null without TLS, and otherwise needed only until this returns.
+  Exchange(const asio::any_io_executor& executor, Time end, URLRequest request,
+           HTTPEndpoint endpoint, asio::ssl::context* trust)
+      : limit(executor, end),
         request_(std::move(request)),
         endpoint_(std::move(endpoint)),
         lookup_(executor),
@@ -172,13 +157,14 @@ class Exchange {
     if (!found.empty()) stage_ = Code::cannotConnectToHost;
 
     for (std::size_t tried = 0; tried < found.size() && !abandoned_; ++tried) {
-      const auto left = limit.expiry() - std::chrono::steady_clock::now();
-      connection_.expires_after(left / (found.size() - tried));
+      if (const auto left = found.size() - tried; left > 1) {
+        connection_.expires_after((limit.expiry() - std::chrono::steady_clock::now()) / left);
+      }
       const asio::ip::tcp::endpoint peer(found[tried], endpoint_.port);
       error_code error;
       co_await connection_.async_connect(peer, asio::redirect_error(asio::use_awaitable, error));
+      connection_.expires_never();
       if (!error) {
-        connection_.expires_never();
         connection_.socket().set_option(asio::ip::tcp::no_delay(true), error);
         co_return;
       }
@@ -200,6 +186,9 @@ class Exchange {
     const char* const host = request_.url.host.c_str();
     error_code isName;
     asio::ip::make_address(host, isName);
+    // Only names that the certificate spells out, with a star for a whole label at most.
+    SSL_set_hostflags(tls,
+                      X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS | X509_CHECK_FLAG_NEVER_CHECK_SUBJECT);
     const bool set = isName ? setServerName(tls) && SSL_set1_host(tls, host) == 1
                             : X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(tls), host) == 1;
     if (!set) throw URLError(stage_);
@@ -233,7 +222,10 @@ class Exchange {
       parser.emplace();
       parser->header_limit(longestHeader);
       parser->body_limit(longestBody);
-      co_await http::async_read_header(stream, buffer, *parser, asio::use_awaitable);
+      const std::size_t header =
+          co_await http::async_read_header(stream, buffer, *parser, asio::use_awaitable);
+      // The parser's own limit holds for the status line and for the fields, one by one.
+      if (header > longestHeader) throw URLError(Code::dataLengthExceedsMaximum);
     }
     co_await http::async_read(stream, buffer, *parser, asio::use_awaitable);
     const auto status = static_cast<int>(parser->get().result_int());
@@ -242,7 +234,7 @@ class Exchange {
   }
 
   URLRequest request_;
-  Endpoint endpoint_;
+  HTTPEndpoint endpoint_;
   asio::posix::stream_descriptor lookup_;
   beast::tcp_stream connection_;
   std::optional<asio::ssl::stream<beast::tcp_stream&>> secured_;
@@ -282,11 +274,12 @@ Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
   const auto cancellation = co_await asio::this_coro::cancellation_state;
   if (cancellation.cancelled() != asio::cancellation_type::none) throw URLError(Code::cancelled);
 
-  Endpoint endpoint(request.url);
+  const auto end = std::chrono::steady_clock::now() + request.timeoutInterval;
+  HTTPEndpoint endpoint = HTTPEndpoint::of(request.url);
   asio::ssl::context* const trust = endpoint.secure ? tls_->trust() : nullptr;
   const auto executor = co_await asio::this_coro::executor;
   const auto exchange =
-      std::make_shared<Exchange>(executor, std::move(request), std::move(endpoint), trust);
+      std::make_shared<Exchange>(executor, end, std::move(request), std::move(endpoint), trust);
   asio::co_spawn(executor, Exchange::run(exchange), asio::detached);
 
   error_code cancelledOrOver;

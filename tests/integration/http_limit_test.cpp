@@ -1,0 +1,199 @@
+// Exchanges that run out of time, or are cancelled, in each of their stages.
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/linux/foundation/http_url_session.h"
+#include "testkit/http_exchange.h"
+#include "testkit/loopback_socket.h"
+#include "testkit/scripted_lookup.h"
+#include "testkit/scripted_server.h"
+#include "testkit/task_runner.h"
+
+namespace kivo::testkit {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto limit = 400ms;
+// Neither this nor `limit` may be needed by a good exchange of these tests.
+constexpr auto soon = 3s;
+
+const std::string halfAnAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{";
+// More than the buffers of two sockets take when nobody reads.
+const std::string tooMuchToSend(16 << 20, 'x');
+
+void silent(ServerConnection& connection) { connection.idle(); }
+
+void silentAfterTheRequest(ServerConnection& connection) {
+  connection.readRequest();
+  connection.idle();
+}
+
+void silentWithinTheAnswer(ServerConnection& connection) {
+  connection.readRequest();
+  connection.write(halfAnAnswer);
+  connection.idle();
+}
+
+class AnEndlessExchange : public testing::Test {
+ protected:
+  linux_platform::HTTPURLSession session_;
+
+  void timesOut(platform::URLRequest request) {
+    request.timeoutInterval = limit;
+    const Outcome outcome = exchange(session_, std::move(request));
+    EXPECT_EQ(outcome.failure, Failure::timedOut);
+    EXPECT_GE(outcome.took, limit);
+    EXPECT_LT(outcome.took, soon);
+  }
+
+  /// Expects that `running`, cancelled now, ends at once and as such.
+  static void endsWhenCancelled(RunningExchange running) {
+    running.cancel();
+    const Outcome outcome = running.wait();
+    EXPECT_EQ(outcome.failure, Failure::cancelled);
+    EXPECT_LT(outcome.took, soon);
+  }
+
+  RunningExchange start(const std::string& url, std::string body = "{}") {
+    return {session_, post(url, std::move(body), 60s)};
+  }
+};
+
+TEST_F(AnEndlessExchange, TimesOutWhileConnecting) {
+  const SilentPort port;
+  timesOut(post("http://127.0.0.1:" + std::to_string(port.port())));
+}
+
+TEST_F(AnEndlessExchange, TimesOutInTheHandshake) {
+  const ScriptedServer server(silent);
+  timesOut(post("https://127.0.0.1:" + std::to_string(server.port())));
+}
+
+TEST_F(AnEndlessExchange, TimesOutWhileSending) {
+  const ScriptedServer server(silent);
+  timesOut(post(server.url(), tooMuchToSend));
+}
+
+TEST_F(AnEndlessExchange, TimesOutWhileItWaitsForTheAnswer) {
+  const ScriptedServer server(silentAfterTheRequest);
+  timesOut(post(server.url()));
+  EXPECT_EQ(server.requests().size(), 1U);
+}
+
+TEST_F(AnEndlessExchange, TimesOutWithinTheAnswer) {
+  const ScriptedServer server(silentWithinTheAnswer);
+  timesOut(post(server.url()));
+}
+
+TEST_F(AnEndlessExchange, TimesOutThoughTheAnswerDripsIn) {
+  const ScriptedServer server([](ServerConnection& connection) {
+    connection.readRequest();
+    connection.drip(httpAnswer(200, std::string(1000, 'x')), 50ms);
+  });
+  timesOut(post(server.url()));
+}
+
+TEST_F(AnEndlessExchange, TimesOutThoughInterimAnswersDripIn) {
+  const ScriptedServer server([](ServerConnection& connection) {
+    connection.readRequest();
+    while (!connection.idle(100ms)) connection.write("HTTP/1.1 100 Continue\r\n\r\n");
+  });
+  timesOut(post(server.url()));
+}
+
+TEST_F(AnEndlessExchange, EndsWithTheConnectionClosed) {
+  std::promise<bool> closed;
+  const ScriptedServer server([&closed](ServerConnection& connection) {
+    connection.readRequest();
+    closed.set_value(connection.idle(5s));
+  });
+  timesOut(post(server.url()));
+  EXPECT_TRUE(closed.get_future().get());
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledInTheLookup) {
+  scriptHangingLookup("hanging.test");
+  auto running = start("http://hanging.test/");
+  std::this_thread::sleep_for(100ms);
+  endsWhenCancelled(running);
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledWhileConnecting) {
+  const SilentPort port;
+  auto running = start("http://127.0.0.1:" + std::to_string(port.port()));
+  std::this_thread::sleep_for(100ms);
+  endsWhenCancelled(running);
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledInTheHandshake) {
+  const ScriptedServer server(silent);
+  auto running = start("https://127.0.0.1:" + std::to_string(server.port()));
+  EXPECT_TRUE(server.waitForConnections(1));
+  std::this_thread::sleep_for(50ms);
+  endsWhenCancelled(running);
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledWhileSending) {
+  const ScriptedServer server(silent);
+  auto running = start(server.url(), tooMuchToSend);
+  EXPECT_TRUE(server.waitForConnections(1));
+  std::this_thread::sleep_for(50ms);
+  endsWhenCancelled(running);
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledWhileItWaitsForTheAnswer) {
+  const ScriptedServer server(silentAfterTheRequest);
+  auto running = start(server.url());
+  EXPECT_TRUE(server.waitForRequests(1));
+  endsWhenCancelled(running);
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledWithinTheAnswer) {
+  const ScriptedServer server(silentWithinTheAnswer);
+  auto running = start(server.url());
+  EXPECT_TRUE(server.waitForRequests(1));
+  std::this_thread::sleep_for(50ms);
+  endsWhenCancelled(running);
+}
+
+TEST_F(AnEndlessExchange, EndsWhenCancelledAtAnyMoment) {
+  const ScriptedServer server(silentWithinTheAnswer);
+  for (auto pause = 0us; pause < 2ms; pause += 40us) {
+    auto running = start(server.url());
+    std::this_thread::sleep_for(pause);
+    endsWhenCancelled(running);
+  }
+}
+
+platform::Task<void> askTwice(platform::URLSession* session, std::string url,
+                              std::vector<Failure>* failures) {
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    auto request = post(url, "{}", 60s);
+    try {
+      co_await session->data(std::move(request));
+    } catch (const platform::URLError& error) {
+      failures->push_back(error.code());
+    }
+  }
+}
+
+TEST_F(AnEndlessExchange, IsNotBegunByATaskThatWasCancelled) {
+  const ScriptedServer server(silentAfterTheRequest);
+  std::vector<Failure> failures;
+  auto running = executor().start(askTwice(&session_, server.url(), &failures));
+  EXPECT_TRUE(server.waitForRequests(1));
+  running.cancel();
+  running.wait();
+  EXPECT_EQ(failures, (std::vector{Failure::cancelled, Failure::cancelled}));
+  EXPECT_EQ(server.connections(), 1);
+}
+
+}  // namespace
+}  // namespace kivo::testkit
