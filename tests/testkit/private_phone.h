@@ -49,6 +49,8 @@ class PrivatePhone {
   /// The links that were opened, a line each, once there are `count` of them or 5 s are over.
   std::vector<std::string> openedLinks(std::size_t count);
 
+  /// The process of the bus.
+  [[nodiscard]] linux_platform::ChildProcess& daemon() { return bus_->daemon(); }
   /// Ends the bus.
   void endBus() { bus_.reset(); }
 
