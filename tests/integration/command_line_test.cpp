@@ -15,11 +15,12 @@ using testing::SizeIs;
 class ACommandLine : public testkit::ExtensionProgram {
  protected:
   void expectUsageError(const std::vector<std::string>& arguments, const std::string& error) {
+    SCOPED_TRACE(error);
     signIn();
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.status, 64);
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.errors, "kivo-intents: " + error + " (see kivo-intents --help)\n");
+    EXPECT_EQ(result.errors, "kivo-intents: " + error + "\n");
     EXPECT_THAT(backend.requests(), IsEmpty());
     EXPECT_THAT(queue(), IsEmpty());
   }
@@ -36,38 +37,40 @@ class ACommandLine : public testkit::ExtensionProgram {
 };
 
 TEST_F(ACommandLine, WithoutACommandIsAUsageError) {
-  expectUsageError({}, "unknown command, or none named");
+  expectUsageError({}, "unknown command, or none named (see kivo-intents --help)");
 }
 
 TEST_F(ACommandLine, WithAnUnknownCommandIsAUsageError) {
-  expectUsageError({"dance"}, "unknown command, or none named");
+  expectUsageError({"dance"}, "unknown command, or none named (see kivo-intents --help)");
 }
 
 TEST_F(ACommandLine, WithoutAnIntentIsAUsageError) {
-  expectUsageError({"perform"}, "unknown intent, or none named");
+  expectUsageError({"perform"}, "unknown command, or none named (see kivo-intents perform --help)");
 }
 
 TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageError) {
-  expectUsageError({"perform", "DanceIntent", "--smsText", "x"}, "unknown intent, or none named");
+  expectUsageError({"perform", "DanceIntent", "--smsText", "x"},
+                   "unknown command, or none named (see kivo-intents perform --help)");
 }
 
 TEST_F(ACommandLine, WithAnUnknownParameterIsAUsageError) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--merchant", "y"},
-                   "unknown parameter --merchant");
+                   "unknown option --merchant (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
 TEST_F(ACommandLine, WithAnAbbreviatedParameterIsAUsageError) {
-  expectUsageError({"perform", "ProcessSMSIntent", "--sms", "x"}, "unknown parameter --sms");
+  expectUsageError({"perform", "ProcessSMSIntent", "--sms", "x"},
+                   "unknown option --sms (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
 TEST_F(ACommandLine, WithADoubledParameterIsAUsageError) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--smsText", "y"},
-                   "a parameter has no value or is given twice");
+                   "an option has no value or is given twice (see kivo-intents --help)");
 }
 
 TEST_F(ACommandLine, WithAParameterWithoutAValueIsAUsageError) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText"},
-                   "a parameter has no value or is given twice");
+                   "an option has no value or is given twice (see kivo-intents --help)");
 }
 
 TEST_F(ACommandLine, WithoutAParameterAndWithoutATerminalIsAUsageError) {
@@ -75,8 +78,10 @@ TEST_F(ACommandLine, WithoutAParameterAndWithoutATerminalIsAUsageError) {
 }
 
 TEST_F(ACommandLine, WithATextThatSomebodyForgotToQuoteDoesNotRepeatIt) {
-  expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "Paid", "7731", "at", "Secret"},
-                   "there is an argument too many; a text with blanks needs quotes");
+  expectUsageError(
+      {"perform", "ProcessSMSIntent", "--smsText", "Paid", "7731", "at", "Secret"},
+      "there is an argument too many; a text with blanks needs quotes, and -- goes before one that "
+      "begins with a minus (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
 TEST_F(ACommandLine, TakesATextThatBeginsLikeAnOption) {
@@ -119,7 +124,7 @@ TEST_F(ACommandLine, AsksForAMissingTextByItsTitleOnATerminal) {
   signIn();
   const ProgramResult result = onTerminal("perform ProcessSMSIntent", "Paid 150\n");
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.output, HasSubstr("SMS Text: "));
+  EXPECT_THAT(result.output, HasSubstr("SMS Text (The bank SMS message text): "));
   EXPECT_THAT(result.output, HasSubstr("SMS ignored - not a transaction"));
   ASSERT_THAT(backend.requests(), SizeIs(1));
   EXPECT_THAT(backend.requests()[0].body, HasSubstr(R"("sms_text":"Paid 150")"));

@@ -141,7 +141,10 @@ int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension)
   CommandProgram program{.name = programName,
                          .purpose = "Records money movements with Kivo without opening the app.",
                          .version = KIVO_VERSION,
-                         .commands = {}};
+                         .commands = {{.name = "perform",
+                                       .purpose = "Perform an intent and answer its dialog",
+                                       .parameters = {},
+                                       .run = nullptr}}};
   for (const auto& make : extension.intents) {
     program.commands.push_back(performCommand(extension, *make()));
   }
