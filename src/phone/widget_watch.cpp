@@ -36,7 +36,7 @@ class EndSignal {
           listener.stop();
         }) {}
   ~EndSignal() {
-    pthread_kill(waiting_.native_handle(), SIGTERM);
+    pthread_kill(waiting_.native_handle(), SIGINT);
     waiting_.join();
   }
   EndSignal(const EndSignal&) = delete;
