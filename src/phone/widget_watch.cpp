@@ -15,40 +15,36 @@ namespace {
 
 using linux_platform::WidgetReloadListener;
 
-// SIGINT and SIGTERM while it lives, told to `onEnd` on a thread of its own. To be made before
-// other threads, which are to leave these signals alone as well.
-class EndSignals {
+// Takes SIGINT and SIGTERM from this thread and from those that it starts later.
+sigset_t withheldEndSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  return signals;
+}
+
+// Waits for one of the withheld signals on a thread of its own, and stops the listener then.
+class EndSignal {
  public:
-  EndSignals() {
-    sigemptyset(&signals_);
-    sigaddset(&signals_, SIGINT);
-    sigaddset(&signals_, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
-  }
-  ~EndSignals() {
-    if (!waiting_.joinable()) return;
-    leaving_ = true;
-    pthread_kill(waiting_.native_handle(), SIGTERM);
+  EndSignal(sigset_t signals, WidgetReloadListener& listener)
+      : waiting_([this, signals, &listener] {
+          int signal = 0;
+          sigwait(&signals, &signal);
+          came_ = true;
+          listener.stop();
+        }) {}
+  ~EndSignal() {
+    pthread_kill(waiting_.native_handle(), SIGINT);
     waiting_.join();
   }
-  EndSignals(const EndSignals&) = delete;
-  EndSignals& operator=(const EndSignals&) = delete;
-
-  void tell(std::function<void()> onEnd) {
-    waiting_ = std::thread([this, onEnd = std::move(onEnd)] {
-      int signal = 0;
-      sigwait(&signals_, &signal);
-      if (leaving_) return;
-      came_ = true;
-      onEnd();
-    });
-  }
+  EndSignal(const EndSignal&) = delete;
+  EndSignal& operator=(const EndSignal&) = delete;
 
   [[nodiscard]] bool came() const { return came_; }
 
  private:
-  sigset_t signals_{};
-  std::atomic<bool> leaving_ = false;
   std::atomic<bool> came_ = false;
   std::thread waiting_;
 };
@@ -56,7 +52,7 @@ class EndSignals {
 }  // namespace
 
 int WidgetWatch::run(const std::function<bool()>& draw) {
-  EndSignals endSignals;
+  const sigset_t signals = withheldEndSignals();
   std::unique_ptr<WidgetReloadListener> listener;
   try {
     listener = std::make_unique<WidgetReloadListener>();
@@ -64,11 +60,11 @@ int WidgetWatch::run(const std::function<bool()>& draw) {
     linux_platform::complain("kivo-phone", error.what());
     return 1;
   }
-  endSignals.tell([&listener] { listener->stop(); });
+  const EndSignal end(signals, *listener);
 
   while (draw()) {
     listener->waitForReload(std::chrono::minutes(1));
-    if (endSignals.came()) return 0;
+    if (end.came()) return 0;
     if (listener->lost()) {
       linux_platform::complain("kivo-phone", "the session bus is gone");
       return 1;

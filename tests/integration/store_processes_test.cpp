@@ -1,18 +1,18 @@
 // The shared store between processes that race, wait, fail and die.
 #include <csignal>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "store/shared_store.h"
+#include "testkit/other_process.h"
 #include "testkit/private_folders.h"
 #include "testkit/raw_store.h"
 
@@ -22,63 +22,10 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using Defaults = platform::UserDefaults;
+using testkit::OtherProcess;
 
 constexpr StoreKey keyA{"a"};
 constexpr StoreKey keyB{"b"};
-
-// A process of its own that runs `work`, in steps that it takes together with the test. To be
-// started while this process has no store open: SQLite does not survive a fork.
-class OtherProcess {
- public:
-  explicit OtherProcess(const std::function<bool(OtherProcess&)>& work) {
-    if (pipe(here_.data()) != 0 || pipe(there_.data()) != 0) throw std::runtime_error("no pipe");
-    id_ = fork();
-    if (id_ < 0) throw std::runtime_error("no process");
-    if (id_ == 0) _exit(work(*this) ? 0 : 1);
-  }
-  ~OtherProcess() {
-    if (id_ > 0) kill();
-    for (const int end : {here_[0], here_[1], there_[0], there_[1]}) close(end);
-  }
-  OtherProcess(const OtherProcess&) = delete;
-  OtherProcess& operator=(const OtherProcess&) = delete;
-
-  // In the other process: says that it has come this far.
-  void reached() { send(there_[1]); }
-  // In the other process: waits until the test goes on, for at most `limit`.
-  void waitForTest(std::chrono::milliseconds limit = 60s) { receive(here_[0], limit); }
-
-  // In the test: the same, the other way round.
-  void waitForIt() { receive(there_[0], 60s); }
-  void goOn() { send(here_[1]); }
-
-  // In the test: its status as waitpid gives it, once it has ended.
-  int end() {
-    int status = -1;
-    waitpid(std::exchange(id_, -1), &status, 0);
-    return status;
-  }
-  int kill() {
-    ::kill(id_, SIGKILL);
-    return end();
-  }
-
- private:
-  static void send(int pipe) {
-    if (write(pipe, "x", 1) != 1) std::abort();
-  }
-  static void receive(int pipe, std::chrono::milliseconds limit) {
-    pollfd polled{pipe, POLLIN, 0};
-    char byte = 0;
-    if (poll(&polled, 1, static_cast<int>(limit.count())) == 1 && read(pipe, &byte, 1) != 1) {
-      std::abort();
-    }
-  }
-
-  std::array<int, 2> here_{-1, -1};
-  std::array<int, 2> there_{-1, -1};
-  pid_t id_ = -1;
-};
 
 class AStoreOfSeveralProcesses : public testing::Test {
  protected:

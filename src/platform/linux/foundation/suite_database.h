@@ -18,7 +18,8 @@ struct FinalizeStatement {
 using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-/// The database of the suite in its folder of `dataHome`: a table `defaults` of `key` and `value`.
+/// The database of the suite in its folder of `dataHome`: a table `defaults` of `key` and `value`,
+/// with application_id 0x4B69766F ("Kivo" in ASCII) and user_version 1.
 /// Commits through it are durable, and each call on it waits up to 10 s for other processes. Makes
 /// folder and file when there is none; takes from others what they may do with either. Null when
 /// there is no home, when the folder or the file cannot be made or made private, and when the file
