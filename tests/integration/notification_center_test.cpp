@@ -22,8 +22,9 @@ using testing::Pair;
 using testing::UnorderedElementsAre;
 
 constexpr const char* bundle = "app.kivo.expenses.intents";
-constexpr const char* link = "{'title': <'Kept'>, 'body': <'a < b & c > d'>, 'sound': <'default'>, "
-                             "'userInfo': <{'deepLink': 'kivo-expenses://'}>}";
+constexpr const char* link =
+    "{'title': <'Kept'>, 'body': <'a < b & c > d'>, 'sound': <'default'>, "
+    "'userInfo': <{'deepLink': 'kivo-expenses://'}>}";
 
 class ANotificationCenter : public testing::Test {
  protected:
@@ -215,9 +216,9 @@ TEST_F(ANotificationCenter, TakesNothingOfADeniedBundle) {
 }
 
 TEST_F(ANotificationCenter, ShowsByTheServerOfAThirdParty) {
-  linux_platform::ChildProcess server({.program = "/usr/bin/python3",
-                                       .arguments = {"-u", "-m", "dbusmock", "--template",
-                                                     "notification_daemon"}});
+  linux_platform::ChildProcess server(
+      {.program = "/usr/bin/python3",
+       .arguments = {"-u", "-m", "dbusmock", "--template", "notification_daemon"}});
   ASSERT_TRUE(testkit::eventually(
       [&] { return phone.processOf("org.freedesktop.Notifications").has_value(); }));
   ASSERT_EQ(add("one").status, 0);
