@@ -86,7 +86,7 @@ void DemoScreen::piece(std::string_view label, std::string_view text, Tone tone)
 }
 
 std::string DemoScreen::toned(std::string_view text, Tone tone) const {
-  const std::string plain(text);
+  std::string plain(text);
   if (!coloured_ || tone == Tone::plain) return plain;
   const char* const sequence = tone == Tone::strong  ? "\x1b[1m"
                                : tone == Tone::quiet ? "\x1b[2m"

@@ -52,10 +52,10 @@ using Code = URLError::Code;
 namespace {
 
 constexpr int mostInterimAnswers = 16;
-constexpr std::uint32_t longestHeader = 64 * 1024;
-constexpr std::uint64_t longestBody = 1024 * 1024;
+constexpr std::uint32_t longestHeader = 64U << 10U;
+constexpr std::uint64_t longestBody = 1U << 20U;
 // What may wait to be parsed: a header block, or as much of a body as is read at once.
-constexpr std::size_t readBuffer = 2 * longestHeader;
+constexpr std::size_t readBuffer = longestHeader << 1U;
 
 Code answerFailure(const error_code& error) {
   if (error == http::error::header_limit || error == http::error::body_limit ||
