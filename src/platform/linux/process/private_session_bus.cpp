@@ -7,6 +7,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/process/markup_text.h"
+
 namespace kivo::linux_platform {
 namespace {
 
@@ -50,34 +52,14 @@ std::string escapedPath(const std::string& path) {
   return result;
 }
 
-std::string escapedXml(const std::string& text) {
-  std::string result;
-  for (const char byte : text) {
-    switch (byte) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      default:
-        result += byte;
-    }
-  }
-  return result;
-}
-
 void writeConfiguration(const std::filesystem::path& file, const std::string& address,
                         const std::vector<std::filesystem::path>& serviceFolders) {
   std::ofstream out(file);
   out << R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN")"
       << "\n \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n<busconfig>\n"
-      << "  <type>session</type>\n  <listen>" << escapedXml(address) << "</listen>\n";
+      << "  <type>session</type>\n  <listen>" << escapedMarkup(address) << "</listen>\n";
   for (const auto& folder : serviceFolders) {
-    out << "  <servicedir>" << escapedXml(folder.string()) << "</servicedir>\n";
+    out << "  <servicedir>" << escapedMarkup(folder.string()) << "</servicedir>\n";
   }
   out << policyAndLimits << "</busconfig>\n";
   if (!out.flush()) throw std::runtime_error("cannot write " + file.string());

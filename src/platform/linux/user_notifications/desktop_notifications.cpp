@@ -9,6 +9,7 @@
 #include <sdbus-c++/sdbus-c++.h>
 
 #include "platform/linux/process/bus_names.h"
+#include "platform/linux/process/markup_text.h"
 #include "platform/linux/user_notifications/desktop_wire.h"
 
 namespace kivo::linux_platform {
@@ -25,26 +26,6 @@ std::string serverChanges() {
   const BusObject& bus = bus_names::bus;
   return std::string("type='signal',sender='") + bus.service + "',interface='" + bus.interface +
          "',member='NameOwnerChanged',arg0='" + desktop.service + "'";
-}
-
-std::string escaped(std::string_view text) {
-  std::string result;
-  for (const char byte : text) {
-    switch (byte) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      default:
-        result += byte;
-    }
-  }
-  return result;
 }
 
 std::string deepLink(const UNMutableNotificationContent& content) {
@@ -129,8 +110,8 @@ void DesktopNotifications::notify(const UNMutableNotificationContent& content,
 
   auto call = server_->createMethodCall(desktop.interface, desktop_wire::notify);
   call << "Kivo" << std::uint32_t{0} << "" << content.title
-       << (has(desktop_wire::bodyMarkup) ? escaped(content.body) : content.body) << actions << hints
-       << std::int32_t{-1};
+       << (has(desktop_wire::bodyMarkup) ? escapedMarkup(content.body) : content.body) << actions
+       << hints << std::int32_t{-1};
   server_->callMethod(
       call,
       [this, content, done = std::move(done)](sdbus::MethodReply& reply,
