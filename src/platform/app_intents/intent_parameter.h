@@ -32,7 +32,7 @@ struct IntentParameterSettings {
   LocalizedStringResource title;
   LocalizedStringResource description;
   std::optional<ControlStyle> controlStyle = std::nullopt;
-  /// The smallest and the largest number that fit.
+  /// The smallest and the largest number that fit, both finite.
   std::optional<std::pair<double, double>> inclusiveRange = std::nullopt;
   std::optional<StringInputOptions> inputOptions = std::nullopt;
   /// The words in which a person is asked for the value, in place of the title.

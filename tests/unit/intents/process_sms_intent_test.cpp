@@ -166,16 +166,7 @@ TEST_F(ABankSMS, IsAnsweredAfterADrainWhoseTextsFail) {
 
 TEST_F(ABankSMS, TakesItsStepsInOrder) {
   performSaved(savedBody());
-  ASSERT_THAT(phone_.log.names(),
-              ElementsAre("exchange", "reload", "settings", "notification", "exchange"));
-  const auto events = phone_.log.events();
-  EXPECT_EQ(testkit::textIn(events[0].store, StoreKeys::todayTotal), std::nullopt);
-  EXPECT_EQ(testkit::textIn(events[1].store, StoreKeys::todayTotal), "150.0")
-      << "counted, then reloaded";
-  EXPECT_EQ(testkit::textIn(events[1].store, StoreKeys::monthlyTotal), "150.0");
-  EXPECT_EQ(testkit::floatIn(events[3].store, StoreKeys::smsQueueDrainLock), std::nullopt)
-      << "told, then drained";
-  EXPECT_NE(testkit::floatIn(events[4].store, StoreKeys::smsQueueDrainLock), std::nullopt);
+  expectStepsOfASavedExpenseInOrder();
 }
 
 TEST_F(ABankSMS, IsAnsweredOnlyAfterTheDrain) {

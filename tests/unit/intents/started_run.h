@@ -1,4 +1,4 @@
-// A run of the intent under test that may still be under way. Answers nothing itself.
+// A run of an intent that may still be under way. Answers nothing itself.
 #pragma once
 
 #include <memory>
@@ -11,10 +11,13 @@
 
 namespace kivo {
 
-/// Performs a fresh ProcessSMSIntent with `text` on the tests' executor. Its end is waited for.
+/// Performs an intent, filled by then, on the tests' executor. Its end is waited for.
 class StartedRun {
  public:
-  explicit StartedRun(std::string text) : running_(start(std::move(text))) {}
+  explicit StartedRun(std::unique_ptr<platform::AppIntent> intent)
+      : intent_(std::move(intent)), running_(start()) {}
+  /// Performs a fresh ProcessSMSIntent with `text`.
+  explicit StartedRun(std::string text) : StartedRun(processing(std::move(text))) {}
   ~StartedRun() { running_.wait(); }
   StartedRun(const StartedRun&) = delete;
   StartedRun& operator=(const StartedRun&) = delete;
@@ -28,12 +31,16 @@ class StartedRun {
   }
 
  private:
-  linux_platform::RunningTask start(std::string text) {
-    intent_.smsText.setFromText(std::move(text));
-    return testkit::executor().start(testkit::keepResult(intent_.perform(), &result_));
+  static std::unique_ptr<platform::AppIntent> processing(std::string text) {
+    auto intent = std::make_unique<ProcessSMSIntent>();
+    intent->smsText.setFromText(std::move(text));
+    return intent;
+  }
+  linux_platform::RunningTask start() {
+    return testkit::executor().start(testkit::keepResult(intent_->perform(), &result_));
   }
 
-  ProcessSMSIntent intent_;
+  std::unique_ptr<platform::AppIntent> intent_;
   std::optional<platform::IntentResult> result_;
   linux_platform::RunningTask running_;
 };

@@ -133,8 +133,9 @@ std::string described(AppIntent& intent) {
       std::string(intent.typeName()) + " - " + std::string(intent.title().key) + "\n";
   for (const AnyIntentParameter* const parameter : intent.parameters()) {
     const auto& settings = parameter->settings();
-    text += "  --" + paddedTo(10, settings.name) + paddedTo(8, nameOf(parameter->valueType())) +
-            paddedTo(10, settings.title.key) + std::string(settings.description.key) + "\n";
+    text += "  --" + paddedTo(8, settings.name) + "  " +
+            paddedTo(6, nameOf(parameter->valueType())) + "  " + paddedTo(8, settings.title.key) +
+            "  " + std::string(settings.description.key) + "\n";
   }
   return text;
 }
@@ -146,6 +147,7 @@ std::string catalogText(const AppIntentsExtension& extension) {
   std::string text;
   for (const auto& make : extension.intents) {
     const auto intent = make();
+    if (!text.empty()) text += "\n";
     text += described(*intent);
     for (const AppShortcut& shortcut : shortcuts) {
       if (shortcut.intent->typeName() != intent->typeName()) continue;
@@ -153,9 +155,8 @@ std::string catalogText(const AppIntentsExtension& extension) {
         text += "  \"" + phrase.said(extension.applicationName) + "\"\n";
       }
     }
-    text += "\n";
   }
-  text.pop_back();
+  if (!text.empty()) text.pop_back();
   return text;
 }
 

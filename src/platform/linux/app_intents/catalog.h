@@ -7,7 +7,7 @@
 
 namespace kivo::linux_platform {
 
-/// Intents, parameters and phrases as a person reads them, some lines of at most 80 columns.
+/// Intents, parameters and phrases as a person reads them: some lines, without a break at the end.
 std::string catalogText(const platform::AppIntentsExtension& extension);
 
 /// All that is declared, defaults included, as one JSON object on one line;

@@ -1,5 +1,6 @@
 #include "platform/linux/app_intents/ns_extension_main.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -103,6 +104,12 @@ Command performCommand(const AppIntentsExtension& extension, AppIntent& declared
   return command;
 }
 
+// Parameters of several intents may have one name; which of them is meant, the sentence decides.
+bool offers(const Command& command, const std::string& name) {
+  return std::any_of(command.parameters.begin(), command.parameters.end(),
+                     [&name](const CommandParameter& one) { return one.name == name; });
+}
+
 Command sayCommand(const AppIntentsExtension& extension) {
   Command command{
       .name = "say",
@@ -111,7 +118,7 @@ Command sayCommand(const AppIntentsExtension& extension) {
       .run = [&extension](const GivenParameters& given) { return say(extension, given); }};
   for (const auto& make : extension.intents) {
     for (CommandParameter& parameter : offeredParameters(*make())) {
-      command.parameters.push_back(std::move(parameter));
+      if (!offers(command, parameter.name)) command.parameters.push_back(std::move(parameter));
     }
   }
   command.parameters.push_back({jsonFlag, "Answer as one JSON object", Kind::flag});

@@ -1,10 +1,11 @@
 #include "platform/linux/app_intents/parameter_entry.h"
 
-#include <climits>
 #include <iostream>
 #include <iterator>
 
 #include <unistd.h>
+
+#include "platform/foundation/number_text.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -16,13 +17,22 @@ std::string optionOf(const AnyIntentParameter& parameter) {
   return "--" + std::string(parameter.settings().name);
 }
 
-// A terminal hands over a line of no more than this, and drops what a person typed beyond it.
-constexpr std::size_t longestLine = MAX_CANON;
+// Linux's terminals hand over a line of this many bytes at most (the 255 of MAX_CANON are less than
+// a bank's message) and drop, unseen, what a person typed or pasted beyond it.
+constexpr std::size_t longestLine = 4095;
 
 std::string question(const AnyIntentParameter& parameter) {
   const auto& settings = parameter.settings();
   if (settings.requestValueDialog) return settings.requestValueDialog->text + " ";
   return std::string(settings.title.key) + " (" + std::string(settings.description.key) + "): ";
+}
+
+// What fits `parameter`; every text does.
+std::string whatFits(const AnyIntentParameter& parameter) {
+  const auto& range = parameter.settings().inclusiveRange;
+  if (!range) return "a number such as 12.5";
+  return "a number from " + platform::doubleText(range->first) + " to " +
+         platform::doubleText(range->second);
 }
 
 std::optional<std::string> ask(AnyIntentParameter& parameter) {
@@ -32,8 +42,9 @@ std::optional<std::string> ask(AnyIntentParameter& parameter) {
       return optionOf(parameter) + " is too long to be typed; give it on standard input";
     }
     if (parameter.setFromText(line)) return std::nullopt;
-    std::cerr << "That does not fit; a number such as 12.5 is needed.\n";
+    std::cerr << "That does not fit; it needs " << whatFits(parameter) << ".\n";
   }
+  std::cerr << "\n";  // the complaint has a line of its own, not the question's
   return "missing parameter " + optionOf(parameter);
 }
 
@@ -45,7 +56,7 @@ std::optional<std::string> take(AnyIntentParameter& parameter, std::string text)
     text = {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
   }
   if (parameter.setFromText(std::move(text))) return std::nullopt;
-  return optionOf(parameter) + " needs a number such as 12.5";
+  return optionOf(parameter) + " needs " + whatFits(parameter);
 }
 
 }  // namespace
