@@ -1,5 +1,7 @@
 #include "feedback/amount_formatter.h"
 
+#include <ostream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -75,6 +77,10 @@ struct Reading {
   std::string currency;
   std::string text;
 };
+
+void PrintTo(const Reading& reading, std::ostream* out) {
+  *out << reading.currency << " in " << reading.locale;
+}
 
 class InALocale : public AnAmount, public ::testing::WithParamInterface<Reading> {};
 

@@ -1,5 +1,6 @@
 #include "feedback/expense_notifier.h"
 
+#include <ostream>
 #include <regex>
 
 #include <gmock/gmock.h>
@@ -8,6 +9,12 @@
 #include "testkit/task_runner.h"
 #include "testkit/test_phone.h"
 #include "testkit/written_output.h"
+
+namespace kivo::platform {
+
+void PrintTo(UNAuthorizationStatus status, std::ostream* out) { *out << static_cast<int>(status); }
+
+}  // namespace kivo::platform
 
 namespace kivo {
 namespace {
