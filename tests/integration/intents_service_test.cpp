@@ -197,7 +197,8 @@ TEST_F(AnIntentsService, KeepsTheTextsOfItsRunsWhenTheBusGoes) {
       client("call_intents.py", {"perform", "ProcessSMSIntent", "smsText", "text", "Paid 150"}));
   ASSERT_TRUE(server.waitForRequests(1));
   phone.daemon().signal(SIGKILL);
-  EXPECT_EQ(program.wait(10s).status, 0);
+  const ProgramResult result = program.wait(10s);
+  EXPECT_EQ(result.status, 0) << result.errors;
   ASSERT_THAT(queue(), SizeIs(1));
   EXPECT_EQ(queue()[0].smsText, "Paid 150");
 }

@@ -97,7 +97,7 @@ class IntentsService {
   std::vector<Place> ended_;  // guarded by mutex_
 
   InstalledPlatform installed_;
-  TaskExecutor executor_{workers};  // ends first: its end waits for the runs
+  TaskExecutor executor_{workers};
 };
 
 void IntentsService::takeName() {
@@ -129,6 +129,7 @@ void IntentsService::takeName() {
 void IntentsService::serve() {
   if (loop_.run([this] { return beforeWaiting(); }) == BusLoop::End::busGone) cancelRuns();
   for (Run& run : runs_) run.task->wait();
+  runs_.clear();  // their tasks belong to the executor, which ends before us
 }
 
 // On a worker.
