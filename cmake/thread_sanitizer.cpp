@@ -1,7 +1,11 @@
 // What the thread sanitizer is told not to report. Part of every program that is built with it.
-
-// The C++ library counts the holders of an exception with atomics of its own, which the sanitizer
-// does not see: an exception that one thread throws and another one frees looks like a race.
+//
+// Both libraries keep order by atomics of their own, which the sanitizer does not see:
+// - the C++ library counts the holders of an exception, so one that a thread throws and another one
+//   frees looks like a race;
+// - ICU makes the sets of characters that number formats copy once, at their first use on any
+//   thread.
 extern "C" const char* __tsan_default_suppressions() {
-  return "race:std::__exception_ptr::exception_ptr::_M_release\n";
+  return "race:std::__exception_ptr::exception_ptr::_M_release\n"
+         "race:icu_72::UnicodeSet::copyFrom\n";
 }

@@ -73,6 +73,20 @@ TEST_F(AnIdleService, LosesNoneOf200CallsThatComeWhenItEnds) {
   EXPECT_LT(processes, 200);
 }
 
+class AnInstalledService : public testkit::ServedIntents {};
+
+TEST_F(AnInstalledService, EndsTenSecondsAfterItsLastCall) {
+  ChildProcess program(serving());
+  ASSERT_TRUE(isServed());
+  std::this_thread::sleep_for(2s);
+  EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
+  const auto answered = std::chrono::steady_clock::now();
+  EXPECT_EQ(program.wait(30s).status, 0);
+  const auto took = std::chrono::steady_clock::now() - answered;
+  EXPECT_GE(took, 9500ms);
+  EXPECT_LE(took, 12s);
+}
+
 class ATerminatedService : public testkit::ServedIntents, public testing::WithParamInterface<int> {
  protected:
   testkit::ScriptedServer server{[](testkit::ServerConnection& connection) {

@@ -153,6 +153,21 @@ TEST_F(AnIntentsService, PerformsACallThatWantsNoReply) {
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
 }
 
+TEST_F(AnIntentsService, WaitsInEachOfItsRunsASecondForACenterThatHangs) {
+  signIn("http://127.0.0.1:1");
+  EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
+  const pid_t center = phone.startCenter();
+  kill(center, SIGSTOP);
+  for (int run = 0; run < 2; ++run) {
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(processSMS("Paid").output, replyWith("Saved offline - will process when connected"));
+    const auto took = std::chrono::steady_clock::now() - before;
+    EXPECT_GE(took, 900ms);
+    EXPECT_LE(took, 1800ms);
+  }
+  kill(center, SIGKILL);
+}
+
 TEST_F(AnIntentsService, IsOneAtATime) {
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
   const pid_t first = service();
@@ -182,7 +197,8 @@ TEST_F(AnIntentsService, KeepsTheTextsOfItsRunsWhenTheBusGoes) {
       client("call_intents.py", {"perform", "ProcessSMSIntent", "smsText", "text", "Paid 150"}));
   ASSERT_TRUE(server.waitForRequests(1));
   phone.daemon().signal(SIGKILL);
-  EXPECT_EQ(program.wait(10s).status, 0);
+  const ProgramResult result = program.wait(10s);
+  EXPECT_EQ(result.status, 0) << result.errors;
   ASSERT_THAT(queue(), SizeIs(1));
   EXPECT_EQ(queue()[0].smsText, "Paid 150");
 }

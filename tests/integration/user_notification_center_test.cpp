@@ -156,22 +156,6 @@ TEST_F(ExpenseNotifications, AreAnErrorOfTheirOwnWhereTheCenterRefusesThem) {
   EXPECT_THAT(error->localizedDescription(), HasSubstr("AccessDenied"));
 }
 
-TEST_F(ExpenseNotifications, WaitASecondInAllForACenterThatHangs) {
-  const pid_t center = phone.startCenter();
-  kill(center, SIGSTOP);
-  IntentRun run;
-  const auto first = timeOf([&] { EXPECT_EQ(run.status(), UNAuthorizationStatus::notDetermined); });
-  EXPECT_GE(first, 900ms);
-  EXPECT_LE(first, 1300ms);
-  const auto rest = timeOf([&] {
-    run.post();
-    EXPECT_TRUE(run.add().has_value());
-    run.bus.finish();
-  });
-  EXPECT_LE(rest, 200ms);
-  kill(center, SIGKILL);
-}
-
 TEST_F(ExpenseNotifications, WaitWithoutWorkThoughTheRunIsCancelled) {
   const pid_t center = phone.startCenter();
   kill(center, SIGSTOP);
@@ -267,20 +251,6 @@ TEST(WithoutASessionBus, PermissionIsNotDeterminedAndNothingIsWaitedFor) {
     run.post();
   });
   EXPECT_LE(took, 300ms);
-}
-
-TEST(OnASilentBus, ARunWaitsASecondForAllOfIt) {
-  const testkit::PrivateFolders folders;
-  const testkit::SilentSocket silent(folders.home() / "silent");
-  const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());
-  const auto took = timeOf([] {
-    IntentRun run;
-    run.post();
-    run.post();
-    EXPECT_EQ(run.status(), UNAuthorizationStatus::notDetermined);
-  });
-  EXPECT_GE(took, 900ms);
-  EXPECT_LE(took, 1300ms);
 }
 
 TEST(OnASilentBus, AProcessThatAskedNothingEndsAtOnce) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include <sdbus-c++/sdbus-c++.h>
+#include <sys/resource.h>
 
 #include "platform/linux/app_intents/called_intent.h"
 #include "platform/linux/app_intents/catalog.h"
@@ -33,6 +35,22 @@ using WireValues = std::map<std::string, sdbus::Variant>;
 // Runs mostly wait. What they do besides are short commits to the store, which wait for each other
 // anyway.
 constexpr unsigned workers = 4;
+
+// How many runs there can be at a time with the files that a process may have open: a socket, a
+// store, a lookup of a name each. A run that cannot open its store would lose its text, so calls
+// beyond that wait. Beyond 1000 they wait for the sake of memory.
+std::size_t mostRunsAtATime() {
+  constexpr rlim_t otherFiles = 64;
+  constexpr rlim_t filesOfARun = 8;
+  constexpr rlim_t most = 1000;
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 1;
+  // What a session grants at first is for programs that still use select.
+  limit.rlim_cur = limit.rlim_max;
+  if (setrlimit(RLIMIT_NOFILE, &limit) != 0) getrlimit(RLIMIT_NOFILE, &limit);
+  const rlim_t spare = limit.rlim_cur > otherFiles ? limit.rlim_cur - otherFiles : 0;
+  return std::clamp<rlim_t>(spare / filesOfARun, 1, most);
+}
 
 CalledValues valuesOf(const WireValues& wire) {
   CalledValues values;
@@ -70,12 +88,13 @@ class IntentsService {
     std::unique_ptr<platform::AppIntent> intent;
     platform::IntentDialog dialog;
     DialogResult result;
-    std::optional<RunningTask> task;
+    std::optional<RunningTask> task;  // none while it waits for its turn
   };
   using Place = std::list<Run>::iterator;
 
   void stop();
   void begin(DialogResult result, const std::string& typeName, const WireValues& values);
+  void start(Place run);
   platform::Task<void> performTelling(Place run);
   std::optional<std::chrono::milliseconds> beforeWaiting();
   void answerEnded();
@@ -91,13 +110,16 @@ class IntentsService {
   bool cancelling_ = false;
   bool nameGivenUp_ = false;
   Clock::time_point lastCall_ = Clock::now();
+  const std::size_t mostAtATime_ = mostRunsAtATime();
+  std::size_t underWay_ = 0;
   std::list<Run> runs_;
+  std::deque<Place> waiting_;
 
   std::mutex mutex_;
   std::vector<Place> ended_;  // guarded by mutex_
 
   InstalledPlatform installed_;
-  TaskExecutor executor_{workers};  // ends first: its end waits for the runs
+  TaskExecutor executor_{workers};
 };
 
 void IntentsService::takeName() {
@@ -128,7 +150,11 @@ void IntentsService::takeName() {
 
 void IntentsService::serve() {
   if (loop_.run([this] { return beforeWaiting(); }) == BusLoop::End::busGone) cancelRuns();
-  for (Run& run : runs_) run.task->wait();
+  for (auto run = runs_.begin(); run != runs_.end(); ++run) {
+    if (!run->task) start(run);
+    run->task->wait();
+  }
+  runs_.clear();  // their tasks belong to the executor, which ends before us
 }
 
 // On a worker.
@@ -147,6 +173,15 @@ void IntentsService::begin(DialogResult result, const std::string& typeName,
   const Place run = runs_.emplace(runs_.end());
   run->intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called));
   run->result = std::move(result);
+  if (underWay_ < mostAtATime_) {
+    start(run);
+  } else {
+    waiting_.push_back(run);
+  }
+}
+
+void IntentsService::start(Place run) {
+  ++underWay_;
   run->task = executor_.start(performTelling(run));
   if (cancelling_) run->task->cancel();
 }
@@ -197,6 +232,10 @@ void IntentsService::answerEnded() {
     run->result.returnResults(busText(run->dialog.text));
     runs_.erase(run);
     lastCall_ = Clock::now();
+    --underWay_;
+    if (waiting_.empty()) continue;
+    start(waiting_.front());
+    waiting_.pop_front();
   }
 }
 
@@ -209,7 +248,9 @@ void IntentsService::giveUpName() {
 
 void IntentsService::cancelRuns() {
   cancelling_ = true;
-  for (Run& run : runs_) run.task->cancel();
+  for (Run& run : runs_) {
+    if (run.task) run.task->cancel();
+  }
 }
 
 }  // namespace

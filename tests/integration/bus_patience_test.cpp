@@ -1,0 +1,109 @@
+// How long the runs of a process wait for a bus, or a center, that does not answer.
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+#include "feedback/expense_notifier.h"
+#include "platform/linux/process/session_bus.h"
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
+#include "testkit/private_phone.h"
+#include "testkit/silent_socket.h"
+#include "testkit/task_runner.h"
+
+namespace kivo {
+namespace {
+
+using namespace std::chrono_literals;
+using linux_platform::RunningTask;
+using platform::UNUserNotificationCenter;
+using Clock = std::chrono::steady_clock;
+
+// A process that performs runs, as far as notifications go.
+class AProcess {
+ public:
+  AProcess() { platform::ProcessWide<UNUserNotificationCenter>::install(center_); }
+
+  // A run that posts and posts again.
+  RunningTask startRun() { return testkit::executor().start(bus_.asOneRun(postAndAdd(&center_))); }
+  Clock::duration run() {
+    const Clock::time_point start = Clock::now();
+    EXPECT_TRUE(startRun().waitFor(10s));
+    return Clock::now() - start;
+  }
+  Clock::duration finish() {
+    const Clock::time_point start = Clock::now();
+    bus_.finish();
+    return Clock::now() - start;
+  }
+
+ private:
+  static platform::Task<void> postAndAdd(UNUserNotificationCenter* center) {
+    co_await ExpenseNotifier::post("Title", "Body");
+    co_await ExpenseNotifier::post("Title", "Body");
+    platform::UNNotificationRequest request{
+        .identifier = "one", .content = {}, .trigger = {.timeInterval = 0s}};
+    const auto error = co_await center->addNotificationRequest(std::move(request));
+    EXPECT_TRUE(error.has_value());
+  }
+
+  linux_platform::SessionBus bus_;
+  linux_platform::BusUserNotificationCenter center_{bus_, "app.kivo.expenses.intents"};
+};
+
+void expectASecond(Clock::duration took) {
+  EXPECT_GE(took, 900ms);
+  EXPECT_LE(took, 1300ms);
+}
+
+class WithACenterThatHangs : public testing::Test {
+ protected:
+  WithACenterThatHangs() { kill(center, SIGSTOP); }
+  ~WithACenterThatHangs() override { kill(center, SIGKILL); }
+
+  testkit::PrivatePhone phone;
+  pid_t center = phone.startCenter();
+};
+
+TEST_F(WithACenterThatHangs, ARunAndTheEndOfItsProcessWaitASecondInAll) {
+  AProcess process;
+  expectASecond(process.run());
+  EXPECT_LE(process.finish(), 200ms);
+}
+
+TEST_F(WithACenterThatHangs, ALaterRunOfTheProcessHasItsOwnSecond) {
+  AProcess process;
+  expectASecond(process.run());
+  expectASecond(process.run());
+}
+
+TEST_F(WithACenterThatHangs, RunsThatOverlapWaitTheirSecondsAtTheSameTime) {
+  AProcess process;
+  const Clock::time_point start = Clock::now();
+  RunningTask first = process.startRun();
+  RunningTask second = process.startRun();
+  EXPECT_TRUE(first.waitFor(10s));
+  EXPECT_TRUE(second.waitFor(10s));
+  expectASecond(Clock::now() - start);
+}
+
+TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryIsAnsweredAgain) {
+  AProcess process;
+  expectASecond(process.run());
+  kill(center, SIGCONT);
+  const Clock::time_point start = Clock::now();
+  testkit::await(platform::ProcessWide<UNUserNotificationCenter>::object().notificationSettings());
+  EXPECT_LE(Clock::now() - start, 500ms);
+}
+
+TEST(WithASilentBus, EachRunWaitsASecondForAllOfIt) {
+  const testkit::PrivateFolders folders;
+  const testkit::SilentSocket silent(folders.home() / "silent");
+  const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());
+  AProcess process;
+  expectASecond(process.run());
+  expectASecond(process.run());
+  EXPECT_LE(process.finish(), 200ms);
+}
+
+}  // namespace
+}  // namespace kivo

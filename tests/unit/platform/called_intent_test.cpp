@@ -1,0 +1,99 @@
+#include "platform/linux/app_intents/called_intent.h"
+
+#include <limits>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "intents/add_expense_intent.h"
+#include "intents/expense_intents_extension.h"
+#include "intents/process_sms_intent.h"
+#include "platform/linux/app_intents/intents_wire.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::calledIntent;
+using linux_platform::CalledValues;
+using linux_platform::CallRefusal;
+namespace wire = linux_platform::intents_wire;
+
+const platform::AppIntentsExtension extension = ExpenseIntentsExtension::make();
+
+template <typename Intent>
+std::unique_ptr<Intent> ready(CalledValues values) {
+  auto called = calledIntent(extension, std::string(Intent().typeName()), std::move(values));
+  auto* const intent = std::get_if<std::unique_ptr<platform::AppIntent>>(&called);
+  if (intent == nullptr) return nullptr;
+  return std::unique_ptr<Intent>(dynamic_cast<Intent*>(intent->release()));
+}
+
+std::pair<std::string, std::string> refusal(const std::string& typeName, CalledValues values) {
+  const auto called = calledIntent(extension, typeName, std::move(values));
+  const auto* const refused = std::get_if<CallRefusal>(&called);
+  if (refused == nullptr) return {"none", ""};
+  return {refused->name, refused->words};
+}
+
+TEST(ACalledIntent, HasTheTextAsItCame) {
+  const auto intent = ready<ProcessSMSIntent>({{"smsText", " Paid\n150 "}});
+  ASSERT_NE(intent, nullptr);
+  EXPECT_EQ(intent->smsText.value(), " Paid\n150 ");
+}
+
+TEST(ACalledIntent, MayHaveAnEmptyText) {
+  EXPECT_NE(ready<ProcessSMSIntent>({{"smsText", ""}}), nullptr);
+}
+
+TEST(ACalledIntent, HasEachParameterUnderItsName) {
+  const auto intent = ready<AddExpenseIntent>({{"merchant", "Cafe"}, {"amount", -0.5}});
+  ASSERT_NE(intent, nullptr);
+  EXPECT_EQ(intent->merchant.value(), "Cafe");
+  EXPECT_EQ(intent->amount.value(), -0.5);
+}
+
+TEST(ACalledIntent, IsRefusedUnderANameThatNoIntentHas) {
+  EXPECT_EQ(refusal("processSMSIntent", {}),
+            std::pair(std::string(wire::unknownIntent),
+                      std::string("the intents are: AddExpenseIntent, ProcessSMSIntent")));
+}
+
+TEST(ACalledIntent, IsRefusedWithAParameterThatItDoesNotHave) {
+  EXPECT_EQ(refusal("AddExpenseIntent", {{"Secret", "Cafe"}}),
+            std::pair(std::string(wire::unknownParameter),
+                      std::string("the intent's parameters are: amount, merchant")));
+}
+
+TEST(ACalledIntent, IsRefusedWithoutAParameter) {
+  EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", 1.0}}),
+            std::pair(std::string(wire::missingParameter), std::string("merchant is missing")));
+}
+
+TEST(ACalledIntent, IsRefusedWithAValueOfAnotherTypeAndNothingIsConverted) {
+  const std::pair text(std::string(wire::invalidParameter),
+                       std::string("smsText must be a text (s)"));
+  EXPECT_EQ(refusal("ProcessSMSIntent", {{"smsText", 1.5}}), text);
+  EXPECT_EQ(refusal("ProcessSMSIntent", {{"smsText", std::nullopt}}), text);
+  const std::pair number(std::string(wire::invalidParameter),
+                         std::string("amount must be a finite number (d)"));
+  EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", "1.5"}, {"merchant", "Cafe"}}), number);
+  EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", std::nullopt}, {"merchant", "Cafe"}}), number);
+}
+
+TEST(ACalledIntent, IsRefusedWithANumberThatIsNotFinite) {
+  for (const double amount :
+       {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+        std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", amount}, {"merchant", "Cafe"}}).first,
+              wire::invalidParameter);
+  }
+}
+
+TEST(ACalledIntent, IsToldOfWrongParametersBeforeMissingOnes) {
+  EXPECT_EQ(refusal("AddExpenseIntent", {{"x", 1.0}, {"amount", "1"}}).first,
+            wire::unknownParameter);
+  EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", "1"}}).first, wire::invalidParameter);
+}
+
+}  // namespace
+}  // namespace kivo
