@@ -5,8 +5,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "store/store_keys.h"
-
 namespace kivo {
 
 using linux_platform::HttpAnswer;
@@ -97,8 +95,16 @@ std::string DemoPhone::phone(std::vector<std::string> arguments) {
 }
 
 IntentAnswer DemoPhone::processSms(const std::string& message) {
-  std::string output = withoutLastBreak(
-      run("kivo-intents", {"perform", "ProcessSMSIntent", "--smsText", "-"}, message).output);
+  return perform({"ProcessSMSIntent", "--smsText", "-"}, message);
+}
+
+IntentAnswer DemoPhone::addExpense(const std::string& amount, const std::string& merchant) {
+  return perform({"AddExpenseIntent", "--amount", amount, "--merchant", "-"}, merchant);
+}
+
+IntentAnswer DemoPhone::perform(std::vector<std::string> arguments, const std::string& input) {
+  arguments.insert(arguments.begin(), "perform");
+  std::string output = withoutLastBreak(run("kivo-intents", std::move(arguments), input).output);
   const std::size_t lastBreak = output.rfind('\n');
   if (lastBreak == std::string::npos) return {.log = {}, .dialog = std::move(output)};
   return {.log = output.substr(0, lastBreak), .dialog = output.substr(lastBreak + 1)};
@@ -121,8 +127,8 @@ std::string DemoPhone::queue() { return phone({"queue"}); }
 
 std::string DemoPhone::widget() { return phone({"widget"}); }
 
-std::string DemoPhone::queuedTexts() {
-  return phone({"store", "get", std::string(StoreKeys::pendingSmsQueueCount.name)});
+std::string DemoPhone::stored(StoreKey key) {
+  return phone({"store", "get", std::string(key.name)});
 }
 
 }  // namespace kivo

@@ -15,6 +15,7 @@
 #include "platform/linux/process/child_process.h"
 #include "platform/linux/process/private_session_bus.h"
 #include "platform/linux/user_notifications/notification_display.h"
+#include "store/store_keys.h"
 
 namespace kivo {
 
@@ -38,6 +39,8 @@ class DemoPhone {
 
   /// Runs "Process Bank SMS" with `message`, byte for byte.
   IntentAnswer processSms(const std::string& message);
+  /// Runs "Add Expense" with `amount`, in decimal digits, and `merchant`.
+  IntentAnswer addExpense(const std::string& amount, const std::string& merchant);
 
   /// Waits until `count` more notifications have appeared than were told before, 5 s at most, and
   /// tells those that have. Calls `keepsWaiting` several times a second and gives up when it is
@@ -48,8 +51,8 @@ class DemoPhone {
   /// As `kivo-phone` shows them.
   std::string queue();
   std::string widget();
-  /// How many texts wait in the queue, as decimal digits; empty before the first.
-  std::string queuedTexts();
+  /// The text that the shared store holds under `key`; empty when it holds none.
+  std::string stored(StoreKey key);
 
   /// Takes the backend off the network, or brings it back.
   void goOffline() { server_.stopListening(); }
@@ -76,6 +79,7 @@ class DemoPhone {
   linux_platform::ProgramResult run(const char* program, std::vector<std::string> arguments,
                                     std::string input = {});
   std::string phone(std::vector<std::string> arguments);
+  IntentAnswer perform(std::vector<std::string> arguments, const std::string& input);
 
   Folder folder_;
   EmbeddedBackend backend_;

@@ -9,6 +9,7 @@
 #include "phone/demo_phone.h"
 #include "phone/message_recogniser.h"
 #include "platform/foundation/utf8.h"
+#include "store/store_keys.h"
 
 namespace kivo {
 namespace {
@@ -18,10 +19,21 @@ using linux_platform::ShownNotification;
 
 constexpr std::string_view usualCurrency = "EGP";
 
-// Messages that come together, and what is expected to come of them.
+struct BankSms {
+  std::string_view text;
+};
+
+struct AddedExpense {
+  std::string_view amount;
+  std::string_view merchant;
+};
+
+using Event = std::variant<BankSms, AddedExpense>;
+
+// What happens together, and what is expected to come of it.
 struct Step {
   std::string_view heading;
-  std::vector<std::string_view> messages;
+  std::vector<Event> events;
   std::string_view dialogBeginning;
   /// Titles of the notifications, in any order.
   std::vector<std::string_view> notifications = {};
@@ -35,31 +47,35 @@ struct Step {
 const std::vector<Step>& stepsOnline() {
   static const std::vector<Step> steps{
       {"An expense",
-       {"Nilo Bank: Your debit card **4821 was used for EGP 415.75 at Sunny Basket Market on "
-        "12/05/2026 14:32. Avail. Bal. EGP 9,310.20"},
+       {BankSms{"Nilo Bank: Your debit card **4821 was used for EGP 415.75 at Sunny Basket Market "
+                "on 12/05/2026 14:32. Avail. Bal. EGP 9,310.20"}},
        "Tracked ",
        {"💸 Expense Tracked"}},
       {"An income, in Arabic",
-       {"بنك نيلو: تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م من شركة الأفق في حسابك. الرصيد المتاح "
-        "٢٧٬٨١٠٫٢٠ ج.م"},
+       {BankSms{"بنك نيلو: تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م من شركة الأفق في حسابك. الرصيد "
+                "المتاح ٢٧٬٨١٠٫٢٠ ج.م"}},
        "Received ",
        {"💰 Income Received"}},
       {"A declined payment",
-       {"Nilo Bank: Your purchase of EGP 900.00 at Tulip Store was declined due to insufficient "
-        "funds."},
+       {BankSms{"Nilo Bank: Your purchase of EGP 900.00 at Tulip Store was declined due to "
+                "insufficient funds."}},
        "Transaction was declined - not tracked"},
       {"A one-time code, though it names an amount",
-       {"Nilo Bank: 884213 is your OTP for the purchase of EGP 1,250.00 at Palm Electronics. "
-        "Never share it."},
+       {BankSms{"Nilo Bank: 884213 is your OTP for the purchase of EGP 1,250.00 at Palm "
+                "Electronics. Never share it."}},
        "SMS ignored - not a transaction"},
+      {"A payment of which no bank tells",
+       {AddedExpense{"42.5", "Lotus Bakery"}},
+       "Tracked ",
+       {"💸 Expense Tracked"}},
   };
   return steps;
 }
 
 const Step& stepOffline() {
   static const Step step{
-      "Two messages while the backend cannot be reached",
-      {"You paid EGP 64.00 at Corner Coffee.", "EGP 1,500.00 was transferred to Mona Samir"},
+      "A message and a payment while the backend cannot be reached",
+      {BankSms{"You paid EGP 64.00 at Corner Coffee."}, AddedExpense{"18.75", "Papyrus Books"}},
       "Saved offline - will process when connected",
       {"📡 Expense Saved Offline", "📡 Expense Saved Offline"},
       "2"};
@@ -68,7 +84,7 @@ const Step& stepOffline() {
 
 const Step& stepBackOnline() {
   static const Step step{"A further message, and the queue drains",
-                         {"Purchase of EGP 230.00 at Blue Tram Taxi, card **4821."},
+                         {BankSms{"Purchase of EGP 230.00 at Blue Tram Taxi, card **4821."}},
                          "Tracked ",
                          {"💸 Expense Tracked", "💸 Expense Tracked", "💸 Expense Tracked"},
                          "0",
@@ -84,11 +100,18 @@ class Demonstration {
   DemoPhone& phone() { return phone_; }
   [[nodiscard]] bool goesOn() const { return goesOn_(); }
 
+  void showSignIn() {
+    screen_.heading("Sign in");
+    screen_.piece("User", phone_.stored(StoreKeys::userId));
+    screen_.piece("Backend", phone_.stored(StoreKeys::supabaseUrl));
+    screen_.piece("Currency", phone_.stored(StoreKeys::currency));
+  }
+
   void perform(const Step& step) {
     if (!goesOn()) return;
     screen_.heading(step.heading);
-    for (const std::string_view message : step.messages) {
-      expect(processed(message).starts_with(step.dialogBeginning),
+    for (const Event& event : step.events) {
+      expect(performed(event).starts_with(step.dialogBeginning),
              "the dialog begins \"" + std::string(step.dialogBeginning) + "\"");
     }
     const auto shown = notified(step.notifications.size());
@@ -101,7 +124,7 @@ class Demonstration {
     showState();
     if (!step.note.empty()) screen_.piece("", step.note, Tone::quiet);
     if (step.queuedTexts) {
-      expect(phone_.queuedTexts() == *step.queuedTexts,
+      expect(phone_.stored(StoreKeys::pendingSmsQueueCount) == *step.queuedTexts,
              std::string(*step.queuedTexts) + " texts wait");
     }
   }
@@ -109,7 +132,22 @@ class Demonstration {
   // Shows the message and what is said to it at once.
   std::string processed(std::string_view message) {
     screen_.piece("Bank SMS", platform::repairedUtf8(message));
-    const IntentAnswer answer = phone_.processSms(std::string(message));
+    return answered(phone_.processSms(std::string(message)));
+  }
+
+  std::string added(const AddedExpense& expense) {
+    const std::string amount(expense.amount);
+    const std::string merchant(expense.merchant);
+    screen_.piece("Add Expense", "Amount " + amount + ", merchant " + merchant);
+    return answered(phone_.addExpense(amount, merchant));
+  }
+
+  std::string performed(const Event& event) {
+    if (const auto* const sms = std::get_if<BankSms>(&event)) return processed(sms->text);
+    return added(std::get<AddedExpense>(event));
+  }
+
+  std::string answered(const IntentAnswer& answer) {
     if (!answer.log.empty()) screen_.piece("Log", answer.log, Tone::quiet);
     screen_.piece("Dialog", answer.dialog, Tone::good);
     return answer.dialog;
@@ -163,6 +201,7 @@ DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn)
               Tone::quiet);
   Demonstration story(screen, goesOn, usualCurrency);
 
+  story.showSignIn();
   for (const Step& step : stepsOnline()) story.perform(step);
   story.phone().goOffline();
   story.perform(stepOffline());
@@ -170,11 +209,11 @@ DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn)
   story.perform(stepBackOnline());
 
   story.notified(0);  // whatever came late
-  constexpr std::size_t transactions = 5;
+  constexpr std::size_t transactions = 6;
   story.expect(story.phone().transactionsAtBackend() == transactions,
-               "the backend has stored 5 transactions, each once");
+               "the backend has stored 6 transactions, each once");
   if (story.end() == DemoEnd::asTold) {
-    screen.heading("All went as told: 5 transactions stored, each once, and nothing lost.");
+    screen.heading("All went as told: 6 transactions stored, each once, and nothing lost.");
   }
   return story.end();
 }

@@ -9,32 +9,9 @@ namespace {
 
 using linux_platform::ProgramResult;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 
-class ACommandLine : public testkit::ExtensionProgram {
- protected:
-  void expectUsageError(const std::vector<std::string>& arguments, const std::string& error) {
-    SCOPED_TRACE(error);
-    signIn();
-    const ProgramResult result = run(arguments);
-    EXPECT_EQ(result.status, 64);
-    EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.errors, "kivo-intents: " + error + "\n");
-    EXPECT_THAT(backend.requests(), IsEmpty());
-    EXPECT_THAT(queue(), IsEmpty());
-  }
-
-  // Runs the program on a terminal of its own, typing `typed`.
-  [[nodiscard]] static ProgramResult onTerminal(const std::string& arguments,
-                                                const std::string& typed) {
-    const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
-    return linux_platform::runProgram(
-        {.program = "script",
-         .arguments = {"--quiet", "--return", "--command", program + " " + arguments, "/dev/null"},
-         .input = typed});
-  }
-};
+using ACommandLine = testkit::ExtensionProgram;
 
 TEST_F(ACommandLine, WithoutACommandIsAUsageError) {
   expectUsageError({}, "unknown command, or none named (see kivo-intents --help)");
@@ -120,16 +97,6 @@ TEST_F(ACommandLine, HelpsAtEachLevel) {
   EXPECT_THAT(result.output, HasSubstr("--smsText"));
 }
 
-TEST_F(ACommandLine, AsksForAMissingTextByItsTitleOnATerminal) {
-  signIn();
-  const ProgramResult result = onTerminal("perform ProcessSMSIntent", "Paid 150\n");
-  EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.output, HasSubstr("SMS Text (The bank SMS message text): "));
-  EXPECT_THAT(result.output, HasSubstr("SMS ignored - not a transaction"));
-  ASSERT_THAT(backend.requests(), SizeIs(1));
-  EXPECT_THAT(backend.requests()[0].body, HasSubstr(R"("sms_text":"Paid 150")"));
-}
-
 TEST_F(ACommandLine, ShowsControlCharactersOfADialogEscapedOnATerminal) {
   signIn();
   backend.answers(200, R"({"saved":true,"expense":{"id":"1","description":"A\u001b[2J\nB\u009b",)"
@@ -148,10 +115,9 @@ TEST_F(ACommandLine, LeavesADialogAsItIsForAPipe) {
 TEST_F(ACommandLine, OfASpawnerThatClosedTheStandardStreamsKeepsTheStoreClean) {
   signIn();
   backend.goAway();
-  const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
   const ProgramResult result = linux_platform::runProgram(
       {.program = "sh",
-       .arguments = {"-c", program + " perform ProcessSMSIntent --smsText x <&- >&- 2>&-"}});
+       .arguments = {"-c", programFile() + " perform ProcessSMSIntent --smsText x <&- >&- 2>&-"}});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(queue(), SizeIs(1));
   std::ifstream file(folders.storeFile(), std::ios::binary);
@@ -162,12 +128,12 @@ TEST_F(ACommandLine, OfASpawnerThatClosedTheStandardStreamsKeepsTheStoreClean) {
 TEST_F(ACommandLine, WhoseReaderWentAwayIsStillPerformed) {
   signIn();
   backend.goAway();
-  const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
-  EXPECT_EQ(linux_platform::runProgram(
-                {.program = "sh",
-                 .arguments = {"-c", program + " perform ProcessSMSIntent --smsText x | true"}})
-                .status,
-            0);
+  EXPECT_EQ(
+      linux_platform::runProgram(
+          {.program = "sh",
+           .arguments = {"-c", programFile() + " perform ProcessSMSIntent --smsText x | true"}})
+          .status,
+      0);
   EXPECT_THAT(queue(), SizeIs(1));
 }
 

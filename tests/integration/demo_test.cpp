@@ -62,12 +62,23 @@ TEST_F(TheDemonstration, TellsItsStoryAsExpected) {
                                    "Dialog       Tracked EGP\u00A0230.00 at Blue Tram Taxi\n"}) {
     EXPECT_THAT(result.output, HasSubstr(dialog));
   }
+  EXPECT_THAT(result.output, HasSubstr("Add Expense  Amount 42.5, merchant Lotus Bakery\n"
+                                       "  Dialog       Tracked EGP\u00A042.50 at Lotus Bakery\n"));
+  EXPECT_THAT(result.output, HasSubstr("AddExpenseIntent error: URLError cannotConnectToHost"));
   // From the queue, once the backend is back.
   EXPECT_THAT(result.output, HasSubstr("EGP\u00A064.00 at Corner Coffee (Dining)\n"));
-  EXPECT_THAT(result.output, HasSubstr("EGP\u00A01,500.00 at Mona Samir (Transfer)\n"));
+  EXPECT_THAT(result.output, HasSubstr("EGP\u00A018.75 at Papyrus Books ("));
   EXPECT_THAT(result.output, HasSubstr("All went as told"));
   EXPECT_THAT(result.output, Not(HasSubstr("NOT AS TOLD")));
   expectPlainText(result.output);
+}
+
+TEST_F(TheDemonstration, BeginsWithSomebodyWhoSignsIn) {
+  const ProgramResult result = demo({});
+  const std::size_t signIn =
+      result.output.find("\nSign in\n  User         demo-user\n  Backend      http://127.0.0.1:");
+  EXPECT_NE(signIn, std::string::npos) << result.output;
+  EXPECT_LT(signIn, result.output.find("Bank SMS"));
 }
 
 TEST_F(TheDemonstration, LeavesNothingBehindAndShowsNoPrivatePath) {

@@ -53,11 +53,30 @@ std::string savedAnswer(const std::string& type, const std::string& category = "
 
 class ExtensionProgram : public ::testing::Test {
  protected:
-  /// How kivo-intents is called with `arguments`.
+  [[nodiscard]] std::string programFile() const;
+  /// How the program is called with `arguments`.
   [[nodiscard]] linux_platform::ProgramCall call(std::vector<std::string> arguments,
                                                  std::string input = "") const;
   [[nodiscard]] linux_platform::ProgramResult run(std::vector<std::string> arguments,
                                                   std::string input = "") const;
+  /// Runs the program on a terminal of its own, typing `typed`; its output and its errors come
+  /// together, as a person sees them, with what was typed.
+  [[nodiscard]] linux_platform::ProgramResult onTerminal(const std::string& arguments,
+                                                         const std::string& typed) const;
+  /// Signs somebody in, and expects that the program, called so, complains of `error` in one line,
+  /// answers and sends nothing and stores nothing.
+  void expectUsageError(const std::vector<std::string>& arguments, const std::string& error,
+                        const std::string& input = "");
+  /// The same for a program that has ended and may have asked or repeated something before.
+  void expectNothingSentOrStored();
+  /// Expects that `result` is `output` and a line break, with nothing on standard error.
+  static void expectAnswered(const linux_platform::ProgramResult& result,
+                             const std::string& output);
+  /// The text member `key` of each request's body.
+  [[nodiscard]] std::vector<std::string> sent(const std::string& key) const;
+  /// What the store holds under `key`; "-" for none.
+  [[nodiscard]] std::string text(StoreKey key) const;
+
   /// Performs ProcessSMSIntent on `text`, given on standard input.
   [[nodiscard]] linux_platform::ProgramResult processSMS(const std::string& text) const;
 
@@ -66,6 +85,8 @@ class ExtensionProgram : public ::testing::Test {
   [[nodiscard]] SharedStore store() const;
   [[nodiscard]] std::vector<PendingSmsItem> queue() const;
 
+  /// The program, in the folder of the tests.
+  std::string calledProgram = "kivo-intents";
   PrivateFolders folders;
   ToldBackend backend;
 };

@@ -16,23 +16,17 @@ using testing::SizeIs;
 
 class ProcessSMSByProgram : public testkit::ExtensionProgram {
  protected:
-  void expectDialog(const ProgramResult& result, const std::string& dialog) {
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.output, dialog + "\n");
-    EXPECT_EQ(result.errors, "");
+  static void expectSavedOffline(const ProgramResult& result, const std::string& error) {
+    expectAnswered(result, "ProcessSMSIntent error: " + error +
+                               "\nSaved offline - will process when connected");
   }
-  void expectSavedOffline(const ProgramResult& result, const std::string& error) {
-    expectDialog(result, "ProcessSMSIntent error: " + error +
-                             "\nSaved offline - will process when connected");
-  }
-  [[nodiscard]] std::string text(StoreKey key) const { return store().readText(key).value_or("-"); }
 };
 
 TEST_F(ProcessSMSByProgram, ASavedExpenseIsTrackedAndCounted) {
   signIn();
   backend.answers(200, testkit::savedAnswer("expense"));
   const std::string amount = AmountFormatter::format(store(), 150);
-  expectDialog(processSMS("Paid 150"), "Tracked " + amount + " at Carrefour");
+  expectAnswered(processSMS("Paid 150"), "Tracked " + amount + " at Carrefour");
   EXPECT_EQ(text(StoreKeys::todayTotal), "150.0");
   EXPECT_EQ(text(StoreKeys::todayCount), "1");
   EXPECT_EQ(text(StoreKeys::monthlyTotal), "150.0");
@@ -42,7 +36,7 @@ TEST_F(ProcessSMSByProgram, ASavedIncomeIsReceivedAndNotCounted) {
   signIn();
   backend.answers(200, testkit::savedAnswer("income"));
   const std::string amount = AmountFormatter::format(store(), 150);
-  expectDialog(processSMS("Salary 150"), "Received " + amount + " from Carrefour");
+  expectAnswered(processSMS("Salary 150"), "Received " + amount + " from Carrefour");
   EXPECT_EQ(text(StoreKeys::todayTotal), "-");
 }
 
@@ -50,7 +44,7 @@ TEST_F(ProcessSMSByProgram, ASavedTransactionOfAnotherTypeIsTrackedAndNotCounted
   signIn();
   backend.answers(200, testkit::savedAnswer("transfer"));
   const std::string amount = AmountFormatter::format(store(), 150);
-  expectDialog(processSMS("Transfer 150"), "Tracked " + amount + " at Carrefour");
+  expectAnswered(processSMS("Transfer 150"), "Tracked " + amount + " at Carrefour");
   EXPECT_EQ(text(StoreKeys::todayTotal), "-");
 }
 
@@ -58,46 +52,46 @@ TEST_F(ProcessSMSByProgram, AnExcludedCategoryIsTrackedAndNotCounted) {
   signIn();
   backend.answers(200, testkit::savedAnswer("expense", "Credit Card Settlement"));
   const std::string amount = AmountFormatter::format(store(), 150);
-  expectDialog(processSMS("Paid 150"), "Tracked " + amount + " at Carrefour");
+  expectAnswered(processSMS("Paid 150"), "Tracked " + amount + " at Carrefour");
   EXPECT_EQ(text(StoreKeys::todayTotal), "-");
 }
 
 TEST_F(ProcessSMSByProgram, ADeclinedTransactionIsNotTracked) {
   signIn();
   backend.answers(200, R"({"saved":false,"reason":"declined"})");
-  expectDialog(processSMS("Declined"), "Transaction was declined - not tracked");
+  expectAnswered(processSMS("Declined"), "Transaction was declined - not tracked");
   EXPECT_THAT(queue(), IsEmpty());
 }
 
 TEST_F(ProcessSMSByProgram, ATextThatIsNoTransactionIsIgnored) {
   signIn();
   backend.answers(200, R"({"saved":false})");
-  expectDialog(processSMS("Your code is 1234"), "SMS ignored - not a transaction");
+  expectAnswered(processSMS("Your code is 1234"), "SMS ignored - not a transaction");
   EXPECT_THAT(queue(), IsEmpty());
 }
 
 TEST_F(ProcessSMSByProgram, ATextOfBlanksIsNoText) {
   signIn();
-  expectDialog(processSMS(" \t\u00a0\u3000"), "No SMS text provided");
+  expectAnswered(processSMS(" \t\u00a0\u3000"), "No SMS text provided");
   EXPECT_THAT(backend.requests(), IsEmpty());
 }
 
 TEST_F(ProcessSMSByProgram, ATextOfLineBreaksOnlyIsSent) {
   signIn();
-  expectDialog(processSMS("\n\n"), "SMS ignored - not a transaction");
+  expectAnswered(processSMS("\n\n"), "SMS ignored - not a transaction");
   ASSERT_THAT(backend.requests(), SizeIs(1));
 }
 
 TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaid) {
   std::filesystem::create_directories(folders.home());
   std::ofstream(folders.dataHome()) << "a file where the folder should be";
-  expectDialog(processSMS("Paid 150"), "Failed to access app storage");
+  expectAnswered(processSMS("Paid 150"), "Failed to access app storage");
 }
 
 TEST_F(ProcessSMSByProgram, APersonWhoIsNotSignedInIsAskedToSignIn) {
-  expectDialog(processSMS("Paid 150"), "Please open Kivo app and sign in first");
+  expectAnswered(processSMS("Paid 150"), "Please open Kivo app and sign in first");
   signIn("");
-  expectDialog(processSMS("Paid 150"), "Please open Kivo app and sign in first");
+  expectAnswered(processSMS("Paid 150"), "Please open Kivo app and sign in first");
 }
 
 TEST_F(ProcessSMSByProgram, ABackendOutOfReachLeavesTheTextInTheQueue) {
@@ -147,10 +141,7 @@ TEST_F(ProcessSMSByProgram, ALaterSavedRunSendsWhatWaitsUnderItsOwnKey) {
   backend.comeBack();
   backend.answers(200, testkit::savedAnswer("expense"));
   EXPECT_EQ(processSMS("Paid 3").status, 0);
-  std::vector<std::string> keys;
-  for (const auto& request : backend.requests()) {
-    keys.push_back(platform::JSONDecoder::object(request.body).decodeString("idempotency_key"));
-  }
+  const auto keys = sent("idempotency_key");
   ASSERT_THAT(keys, SizeIs(3));
   EXPECT_THAT(std::vector(keys.begin() + 1, keys.end()), ElementsAre(waiting[0].id, waiting[1].id));
   EXPECT_THAT(queue(), IsEmpty());
@@ -168,7 +159,7 @@ TEST_F(ProcessSMSByProgram, ABaseURLThatCannotBeParsedStopsTheProcess) {
 
 TEST_F(ProcessSMSByProgram, BrokenTextIsRepairedAndSent) {
   signIn();
-  expectDialog(processSMS("Paid \xff 150 \xe2\x82"), "SMS ignored - not a transaction");
+  expectAnswered(processSMS("Paid \xff 150 \xe2\x82"), "SMS ignored - not a transaction");
   ASSERT_THAT(backend.requests(), SizeIs(1));
   EXPECT_EQ(platform::JSONDecoder::object(backend.requests()[0].body).decodeString("sms_text"),
             "Paid \ufffd 150 \ufffd");
@@ -178,7 +169,7 @@ TEST_F(ProcessSMSByProgram, ATextOfAMegabyteWithNULsArrivesWhole) {
   signIn();
   std::string text(1 << 20, 'x');
   text[1000] = '\0';
-  expectDialog(processSMS(text), "SMS ignored - not a transaction");
+  expectAnswered(processSMS(text), "SMS ignored - not a transaction");
   ASSERT_THAT(backend.requests(), SizeIs(1));
   EXPECT_EQ(platform::JSONDecoder::object(backend.requests()[0].body).decodeString("sms_text"),
             text);
