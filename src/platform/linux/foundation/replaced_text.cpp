@@ -19,12 +19,13 @@ std::string noteOf(sqlite3* database) {
 // SQLite overwrites what it deletes, but not the copies that it leaves in the free space of a page
 // when it moves a row to another one. Only a database that is written anew has none.
 bool erase(sqlite3* database) {
-  if (execute(database, "VACUUM") != SQLITE_OK) return false;
+  const bool writtenAnew = execute(database, "VACUUM") == SQLITE_OK;
+  // Even without, say on a full disk: most copies lie in the log.
   Statement checkpoint;
   const int code = prepare(database, "PRAGMA wal_checkpoint(TRUNCATE)", checkpoint);
   if (code != SQLITE_OK || sqlite3_step(checkpoint.get()) != SQLITE_ROW) return false;
   const bool prevented = sqlite3_column_int(checkpoint.get(), 0) != 0;
-  return !prevented;
+  return writtenAnew && !prevented;
 }
 
 }  // namespace
