@@ -185,9 +185,11 @@ TEST_F(APhone, ShowsTheQueue) {
 }
 
 TEST_F(APhone, SaysThatAQueueCannotBeRead) {
-  run({"store", "set", "pendingSmsQueue", "[{}]"});
-  expectFailure({"queue"}, 1,
-                "the stored queue cannot be read; the next text that is queued replaces it");
+  for (const char* const broken : {"[{}]", "no JSON"}) {
+    run({"store", "set", "pendingSmsQueue", broken});
+    expectFailure({"queue"}, 1,
+                  "the stored queue cannot be read; the next text that is queued replaces it");
+  }
   run({"store", "set", "pendingSmsQueue", " [ ]"});
   EXPECT_EQ(run({"queue"}).output, "Nothing waits to be sent.\n");
 }

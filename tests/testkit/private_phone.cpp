@@ -34,6 +34,14 @@ bool isCenter(pid_t process) {
   return std::string("kivo-notification-center").starts_with(name) && !name.empty();
 }
 
+// Whether the process is no more, or at least has ended though whoever inherited it has not looked
+// yet: "1234 (name) Z ...".
+bool isOver(pid_t process) {
+  std::string line;
+  std::getline(std::ifstream("/proc/" + std::to_string(process) + "/stat"), line);
+  return line.empty() || line.find(") Z ") != std::string::npos;
+}
+
 }  // namespace
 
 PrivatePhone::PrivatePhone()
@@ -49,7 +57,12 @@ PrivatePhone::PrivatePhone(const std::filesystem::path& services)
 PrivatePhone::~PrivatePhone() {
   // Also one that a test has stopped, and that would outlive its bus.
   if (!center_ && bus_) center_ = processOf(notificationCenter.service);
-  if (center_ && isCenter(*center_)) kill(*center_, SIGKILL);
+  if (!center_ || !isCenter(*center_)) return;
+  kill(*center_, SIGTERM);  // it may still have to write down what it has reached of our code
+  kill(*center_, SIGCONT);
+  if (!eventually([this] { return isOver(*center_); }, std::chrono::seconds(2))) {
+    kill(*center_, SIGKILL);
+  }
 }
 
 ProgramResult PrivatePhone::call(const std::string& service, const std::string& path,
@@ -90,13 +103,7 @@ void PrivatePhone::killCenter() {
 }
 
 bool PrivatePhone::hasEnded(pid_t process) {
-  const std::filesystem::path file = "/proc/" + std::to_string(process) + "/stat";
-  return eventually([&] {
-    std::string line;
-    std::getline(std::ifstream(file), line);
-    // "1234 (name) Z ...": it has ended, though whoever inherited it has not looked yet.
-    return line.empty() || line.find(") Z ") != std::string::npos;
-  });
+  return eventually([process] { return isOver(process); });
 }
 
 std::vector<std::string> PrivatePhone::openedLinks(std::size_t count) {

@@ -22,8 +22,8 @@ class UserDefaults {
   using Value = std::variant<std::monostate, std::int64_t, double, std::string>;
 
   /// Opens the suite, making folder (0700) and file (0600) when there is none yet. None when that
-  /// cannot be done, or when the file is damaged, newer than this program or somebody else's; such
-  /// a file is left as it is.
+  /// cannot be done, when one of them is a symbolic link, or when the file is damaged, newer than
+  /// this program or somebody else's; such a file is left as it is.
   static std::optional<UserDefaults> initWithSuiteName(std::string_view suiteName);
 
   UserDefaults(UserDefaults&& other) noexcept;
@@ -43,7 +43,9 @@ class UserDefaults {
   void setDouble(std::string_view key, double value);
 
   /// Commits what was written through this handle, durably. False when that failed; the writes are
-  /// lost then, and one line on standard error has said so.
+  /// lost then, and one line on standard error has said so. When a text longer than a figure has
+  /// made way for one that does not go on from it, its bytes are then gone from the files too, or
+  /// will be when the suite is next opened without another process in the way.
   bool synchronize();
 
  private:

@@ -7,22 +7,30 @@
 #include <string>
 #include <thread>
 
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/replaced_text.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto patience = 10s;
+constexpr const char* fileName = "defaults.sqlite3";
+constexpr std::chrono::milliseconds patience(patienceInMilliseconds);
 constexpr auto retryPause = 2ms;
 constexpr std::int64_t applicationId = 0x4B69766F;  // "Kivo" in ASCII
 constexpr std::int64_t currentVersion = 1;
 
 constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
+
+// Durable commits; deleted bytes overwritten; no text in a temporary file.
+constexpr const char* settings =
+    "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
 
 // The statements of one transaction that turn an empty database into a suite.
 constexpr const char* creation =
@@ -44,30 +52,61 @@ bool isFolderName(std::string_view name) {
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-// Takes away what others may do with the file or folder. True as well when there is none.
-bool makePrivate(const std::string& path) {
+// A descriptor that is closed at its end.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  [[nodiscard]] int number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+// The folder, made when there is none, for its owner only; -1 when it is no folder of ours.
+int openFolder(const std::filesystem::path& path) {
+  mkdir(path.c_str(), 0700);  // that it opens tells
+  const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (folder < 0) return -1;
   struct stat found {};
-  if (stat(path.c_str(), &found) != 0) return errno == ENOENT;
-  return (found.st_mode & 0077) == 0 || chmod(path.c_str(), found.st_mode & 0700) == 0;
+  const bool ours = fstat(folder, &found) == 0 && found.st_uid == geteuid();
+  const bool forOthers = (found.st_mode & 0077) != 0;
+  if (ours && (!forOthers || fchmod(folder, found.st_mode & 0700) == 0)) return folder;
+  close(folder);
+  return -1;
 }
 
-bool makeFolder(const std::filesystem::path& folder) {
-  if (mkdir(folder.c_str(), 0700) != 0 && errno == ENOENT) {
-    std::error_code ignored;  // the second attempt tells
-    std::filesystem::create_directories(folder.parent_path(), ignored);
-    mkdir(folder.c_str(), 0700);
+// Takes away what others may do with the file. False when it is anything but a plain file; true
+// when there is none.
+bool makePrivate(int folder, const std::string& name) {
+  struct stat found {};
+  if (fstatat(folder, name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT;
+  if (!S_ISREG(found.st_mode)) return false;
+  return (found.st_mode & 0077) == 0 ||
+         fchmodat(folder, name.c_str(), found.st_mode & 0700, AT_SYMLINK_NOFOLLOW) == 0 ||
+         errno == ENOENT;
+}
+
+// So too the files that SQLite keeps beside the database while it is open or being made.
+bool makeAllPrivate(int folder) {
+  for (const char* const suffix : {"", "-wal", "-shm", "-journal", erasureNote}) {
+    if (!makePrivate(folder, std::string(fileName) + suffix)) return false;
   }
-  std::error_code ignored;
-  return std::filesystem::is_directory(folder, ignored) && makePrivate(folder);
+  return true;
 }
 
 // Makes an empty file unless there is one. Does not open it: closing a second descriptor of a
 // database would drop the locks that another handle of this process holds on it. SQLite takes a
 // file of one byte for an empty one and would overwrite the byte, which is not ours.
-bool makeFile(const std::string& file) {
-  if (mknod(file.c_str(), S_IFREG | 0600, 0) != 0 && errno != EEXIST) return false;
+bool makeFile(int folder) {
+  if (mknodat(folder, fileName, S_IFREG | 0600, 0) != 0 && errno != EEXIST) return false;
   struct stat found {};
-  return stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode) && found.st_size != 1;
+  return fstatat(folder, fileName, &found, AT_SYMLINK_NOFOLLOW) == 0 && found.st_size != 1;
 }
 
 enum class Owner { nobody, us, others };
@@ -122,7 +161,7 @@ int establish(sqlite3* database) {
   if (code == SQLITE_OK && owner != Owner::us) code = SQLITE_NOTADB;
   // The switch writes nothing to a file that is in this mode already.
   if (code == SQLITE_OK) code = execute(database, switchToWal);
-  if (code == SQLITE_OK) code = execute(database, "PRAGMA synchronous = FULL");
+  if (code == SQLITE_OK) code = execute(database, settings);
   return code;
 }
 
@@ -157,25 +196,31 @@ int execute(sqlite3* database, const char* sql) {
 Database openSuiteDatabase(std::string_view suiteName) {
   const auto home = dataHome();
   if (!home || !isFolderName(suiteName)) return nullptr;
-  const std::filesystem::path folder = *home / suiteName;
-  const std::string file = folder / "defaults.sqlite3";
-  if (!makeFolder(folder) || !makeFile(file)) return nullptr;
+  std::error_code failure;
+  std::filesystem::create_directories(*home, failure);
+  // A link on the way to the folder is the person's own business; from there on none is followed.
+  const std::filesystem::path realHome = std::filesystem::canonical(*home, failure);
+  if (failure) return nullptr;
+  const std::filesystem::path path = realHome / suiteName;
+  const Descriptor folder(openFolder(path));
+  if (folder.number() < 0 || !makeFile(folder.number())) return nullptr;
+  if (!makeAllPrivate(folder.number())) return nullptr;
 
   sqlite3* opened = nullptr;
   const int code =
-      sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+      sqlite3_open_v2((path / fileName).c_str(), &opened,
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW, nullptr);
   Database database(opened);
   if (code != SQLITE_OK) return nullptr;
-  sqlite3_busy_timeout(opened, static_cast<int>(std::chrono::milliseconds(patience).count()));
+  sqlite3_busy_timeout(opened, patienceInMilliseconds);
   // A handle lives for a run, reads each value about once, and many runs overlap in one process:
   // the cache of pages would be four fifths of a handle's memory. Before a page is read, since the
   // cache is made at once.
   execute(opened, "PRAGMA cache_size = 0");
 
   if (establishPatiently(opened) != SQLITE_OK) return nullptr;
-  for (const char* const suffix : {"", "-wal", "-shm"}) {
-    if (!makePrivate(file + suffix)) return nullptr;
-  }
+  if (!makeAllPrivate(folder.number())) return nullptr;
+  eraseIfOwed(opened);
   return database;
 }
 

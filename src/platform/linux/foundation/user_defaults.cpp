@@ -1,11 +1,13 @@
 #include "platform/foundation/user_defaults.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
 #include <sqlite3.h>
 
 #include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/replaced_text.h"
 #include "platform/linux/foundation/suite_database.h"
 
 namespace kivo::platform {
@@ -57,11 +59,24 @@ UserDefaults::Value columnValue(sqlite3_stmt* statement, int column) {
   }
 }
 
+using Written = std::variant<double, std::string>;
+
+// Longer than any number or day as text: those are replaced by every run, and no message.
+constexpr std::size_t longestFigure = 24;
+
+// Whether `written` in the place of `stored` makes a text disappear. A list in JSON to which
+// something was appended still begins with all of the earlier one but its closing bracket.
+bool takesTextAway(const UserDefaults::Value& stored, const Written& written) {
+  const auto* const before = std::get_if<std::string>(&stored);
+  if (before == nullptr || before->size() <= longestFigure) return false;
+  const auto* const after = std::get_if<std::string>(&written);
+  if (after == nullptr) return true;
+  return !after->starts_with(std::string_view(*before).substr(0, before->size() - 1));
+}
+
 }  // namespace
 
 struct UserDefaults::Suite {
-  using Written = std::variant<double, std::string>;
-
   linux_platform::Database database;
   Statement reading;
   Statement writing;
@@ -71,6 +86,10 @@ struct UserDefaults::Suite {
     if (const auto written = pending.find(key); written != pending.end()) {
       return asRead(written->second);
     }
+    return stored(key);
+  }
+
+  [[nodiscard]] Value stored(std::string_view key) const {
     const Use use(reading.get());
     if (bindText(reading.get(), 1, key) != SQLITE_OK) return {};
     if (sqlite3_step(reading.get()) != SQLITE_ROW) return {};
@@ -96,6 +115,12 @@ struct UserDefaults::Suite {
     return code == SQLITE_DONE ? SQLITE_OK : code;
   }
 
+  [[nodiscard]] bool takesTextAway() const {
+    return std::any_of(pending.begin(), pending.end(), [this](const auto& entry) {
+      return platform::takesTextAway(stored(entry.first), entry.second);
+    });
+  }
+
   int commit() {
     int code = writing != nullptr
                    ? SQLITE_OK
@@ -104,11 +129,14 @@ struct UserDefaults::Suite {
                              "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
                              writing);
     if (code == SQLITE_OK) code = execute(database.get(), "BEGIN IMMEDIATE");
+    const bool textGoes = code == SQLITE_OK && takesTextAway();
+    if (textGoes) linux_platform::oweErasure(database.get());
     for (auto entry = pending.begin(); code == SQLITE_OK && entry != pending.end(); ++entry) {
       code = write(entry->first, entry->second);
     }
     if (code == SQLITE_OK) code = execute(database.get(), "COMMIT");
     if (sqlite3_get_autocommit(database.get()) == 0) execute(database.get(), "ROLLBACK");
+    if (textGoes && code == SQLITE_OK) linux_platform::eraseReplacedText(database.get());
     return code;
   }
 };

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,7 @@ void startProcess() {
   } while (descriptor <= STDERR_FILENO);
   close(descriptor);
 
+  prctl(PR_SET_DUMPABLE, 0);
   umask(0077);
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
