@@ -2,6 +2,7 @@
 // outcome.
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -26,7 +27,12 @@ struct Fault {
   Where where = Where::anywhere;
 };
 
-/// "ENOSPC at the 3rd pwrite64 ..." for messages.
+/// The calls at which programs are killed: all by which a store, a bus or a backend is reached.
+inline constexpr std::array sweptCalls{"openat",    "write",    "pwrite64", "fsync", "fdatasync",
+                                       "ftruncate", "unlink",   "rename",   "fcntl", "sendto",
+                                       "sendmsg",   "recvfrom", "recvmsg",  "close"};
+
+/// The fault in strace's words, for messages.
 std::string wordsFor(const Fault& fault);
 
 /// Whether the long form of these tests is asked for.

@@ -47,9 +47,7 @@ class AKilledRun : public testkit::FaultedProgram {
   void sweep(int fewest, const std::string& dialog, const Check& check) {
     int kills = 0;
     testkit::CallNumbers numbers;
-    for (const char* const call :
-         {"openat", "write", "pwrite64", "fsync", "fdatasync", "ftruncate", "unlink", "rename",
-          "fcntl", "sendto", "sendmsg", "recvfrom", "recvmsg", "close"}) {
+    for (const char* const call : testkit::sweptCalls) {
       kills += sweepCall({.call = call, .effect = killed}, numbers, dialog, check);
     }
     // The loader's many calls hide the few on the store, which another thread makes.
