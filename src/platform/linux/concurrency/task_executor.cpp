@@ -3,6 +3,7 @@
 #include <csignal>
 #include <exception>
 #include <future>
+#include <optional>
 #include <utility>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
@@ -29,9 +30,9 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
 }  // namespace
 
 struct TaskExecutor::Pool {
-  explicit Pool(unsigned workers) : threads(workers), terminations(threads) {}
+  explicit Pool(unsigned workers) : threads(workers) {}
   asio::thread_pool threads;
-  asio::signal_set terminations;  // used by the executor's owner only
+  std::optional<asio::signal_set> terminations;  // used by the executor's owner only
 };
 
 struct RunningTask::State {
@@ -58,7 +59,7 @@ bool RunningTask::waitFor(std::chrono::milliseconds limit) {
 TaskExecutor::TaskExecutor(unsigned workers) : pool_(std::make_unique<Pool>(workers)) {}
 
 TaskExecutor::~TaskExecutor() {
-  pool_->terminations.cancel();
+  if (pool_->terminations) pool_->terminations->cancel();
   pool_->threads.join();
 }
 
@@ -77,10 +78,14 @@ RunningTask TaskExecutor::start(platform::Task<void> task) {
 }
 
 RunningTask TaskExecutor::startUntilTermination(platform::Task<void> task) {
-  pool_->terminations.add(SIGTERM);
-  pool_->terminations.add(SIGINT);
+  try {
+    pool_->terminations.emplace(pool_->threads, SIGTERM, SIGINT);
+  } catch (const boost::system::system_error&) {
+    // No descriptor is left for it; a task that cannot be cancelled still does its work.
+    return start(std::move(task));
+  }
   RunningTask running = start(std::move(task));
-  pool_->terminations.async_wait([running](boost::system::error_code stopped, int) mutable {
+  pool_->terminations->async_wait([running](boost::system::error_code stopped, int) mutable {
     if (!stopped) running.cancel();
   });
   return running;

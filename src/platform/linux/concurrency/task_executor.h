@@ -42,7 +42,7 @@ class TaskExecutor {
   RunningTask start(platform::Task<void> task);
 
   /// As `start`; from before it begins, SIGTERM and SIGINT cancel `task` instead of ending the
-  /// process. For one task of an executor, from the thread that owns the executor.
+  /// process; where no descriptor is left to wait for them with, they end it. For one task of an executor, from the thread that owns the executor.
   RunningTask startUntilTermination(platform::Task<void> task);
 
  private:
