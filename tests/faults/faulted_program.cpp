@@ -31,10 +31,10 @@ bool isLongForm() {
 }
 
 ProgramCall withFault(const Fault& fault, const ProgramCall& call,
-                      const std::filesystem::path& storeFile) {
+                      const std::filesystem::path& storeFile, const std::filesystem::path& trace) {
   ProgramCall traced = call;
   traced.program = "strace";
-  traced.arguments = {"-f", "-qq",           "-o", "/dev/null", "-e", "trace=" + fault.call,
+  traced.arguments = {"-f", "-qq",           "-o", trace.string(), "-e", "trace=" + fault.call,
                       "-e", injection(fault)};
   if (fault.where == Fault::Where::onTheStore) {
     for (const char* const suffix : {"", "-wal", "-shm"}) {
@@ -87,15 +87,21 @@ void FaultedProgram::keepStore(const std::vector<PendingSmsItem>& queued, double
 
 void FaultedProgram::restoreStore() const {
   const std::filesystem::path file = folders.storeFile();
-  std::filesystem::remove_all(file.parent_path());
-  if (kept_.empty()) return;
-  std::filesystem::create_directory(file.parent_path());
+  if (kept_.empty()) {
+    std::filesystem::remove_all(file.parent_path());
+    return;
+  }
+  std::filesystem::create_directories(file.parent_path());  // which may be a disk of its own
+  for (const auto& entry : std::filesystem::directory_iterator(file.parent_path())) {
+    std::filesystem::remove_all(entry);
+  }
   std::filesystem::copy_file(kept_, file);
 }
 
 ProgramResult FaultedProgram::processSMSWith(const Fault& fault, const std::string& text) const {
-  return linux_platform::runProgram(withFault(
-      fault, call({"perform", "ProcessSMSIntent", "--smsText", "-"}, text), folders.storeFile()));
+  return linux_platform::runProgram(
+      withFault(fault, call({"perform", "ProcessSMSIntent", "--smsText", "-"}, text),
+                folders.storeFile(), traceFile()));
 }
 
 StoreContents FaultedProgram::contents() const {
@@ -126,6 +132,7 @@ void FaultedProgram::expectWhole(const StoreContents& found) const {
 std::vector<std::string> FaultedProgram::keysAtBackend(const std::string& text) const {
   std::vector<std::string> keys;
   for (const auto& request : backend.requests()) {
+    if (request.body.find(text) == std::string::npos) continue;
     const auto body = platform::JSONDecoder::object(request.body);
     if (body.decodeString("sms_text") == text) keys.push_back(body.decodeString("idempotency_key"));
   }

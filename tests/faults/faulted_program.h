@@ -38,9 +38,10 @@ std::string wordsFor(const Fault& fault);
 /// Whether the long form of these tests is asked for.
 bool isLongForm();
 
-/// `call` with the fault in it, or in the programs that it starts.
+/// `call` with the fault in it; strace notes in `trace` what it did to the calls of that name.
 linux_platform::ProgramCall withFault(const Fault& fault, const linux_platform::ProgramCall& call,
-                                      const std::filesystem::path& storeFile);
+                                      const std::filesystem::path& storeFile,
+                                      const std::filesystem::path& trace = "/dev/null");
 
 /// Why no fault can be injected here; empty when it can.
 std::string whyNoFaults();
@@ -84,6 +85,9 @@ class FaultedProgram : public ExtensionProgram {
   /// Performs ProcessSMSIntent on `text`, given on standard input, with the fault.
   [[nodiscard]] linux_platform::ProgramResult processSMSWith(const Fault& fault,
                                                              const std::string& text) const;
+
+  /// What strace has noted of the last such run.
+  [[nodiscard]] std::filesystem::path traceFile() const { return folders.home() / "trace"; }
 
   /// Reads the store through another door than the program's own, then by the program's own.
   [[nodiscard]] StoreContents contents() const;
