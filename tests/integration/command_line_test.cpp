@@ -137,5 +137,17 @@ TEST_F(ACommandLine, WhoseReaderWentAwayIsStillPerformed) {
   EXPECT_THAT(queue(), SizeIs(1));
 }
 
+TEST_F(ACommandLine, WhoseStandardInputCannotBeReadToItsEndSendsNothing) {
+  signIn();
+  const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
+  const ProgramResult result = linux_platform::runProgram(
+      {.program = "sh",
+       .arguments = {"-c", "exec \"$0\" perform ProcessSMSIntent --smsText - < /", program}});
+  EXPECT_EQ(result.status, 64);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "kivo-intents: --smsText could not be read to its end\n");
+  EXPECT_THAT(backend.requests(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace kivo
