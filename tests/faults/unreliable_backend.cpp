@@ -140,6 +140,7 @@ void UnreliableBackend::exchange(int socket) {
   const timeval patience{.tv_sec = 10, .tv_usec = 0};
   setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
   const std::string body = readBody(socket);
+  if (body.empty()) return closeAfter(socket, "");  // the peer went before it asked for anything
   Fault fault = Fault::none;
   {
     const std::lock_guard lock(mutex_);

@@ -79,6 +79,12 @@ RunningTask TaskExecutor::start(platform::Task<void> task) {
 RunningTask TaskExecutor::startUntilTermination(platform::Task<void> task) {
   pool_->terminations.add(SIGTERM);
   pool_->terminations.add(SIGINT);
+  // The workers take them. A signal that comes after the last of these has gone stays pending.
+  sigset_t taken;
+  sigemptyset(&taken);
+  sigaddset(&taken, SIGTERM);
+  sigaddset(&taken, SIGINT);
+  pthread_sigmask(SIG_BLOCK, &taken, nullptr);
   RunningTask running = start(std::move(task));
   pool_->terminations.async_wait([running](boost::system::error_code stopped, int) mutable {
     if (!stopped) running.cancel();

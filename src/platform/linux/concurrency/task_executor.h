@@ -42,7 +42,9 @@ class TaskExecutor {
   RunningTask start(platform::Task<void> task);
 
   /// As `start`; from before it begins, SIGTERM and SIGINT cancel `task` instead of ending the
-  /// process. For one task of an executor, from the thread that owns the executor.
+  /// process, and do nothing once it has ended, so that the process can still tell how. For one
+  /// task of an executor, from the thread that owns the executor; other threads than it and the
+  /// workers must have both signals blocked.
   RunningTask startUntilTermination(platform::Task<void> task);
 
  private:
