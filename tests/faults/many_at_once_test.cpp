@@ -59,13 +59,19 @@ std::string textOf(int worker, int turn) {
   return "Paid 1.0 EGP at Shop " + std::to_string(worker) + "." + std::to_string(turn);
 }
 
-class OfflineRuns : public ManyAtOnce, public testing::WithParamInterface<int> {};
+enum class Amount { ofTheCap, beyondTheCap };
+
+void PrintTo(Amount amount, std::ostream* stream) {
+  *stream << (amount == Amount::ofTheCap ? "of the cap" : "beyond the cap");
+}
+
+class OfflineRuns : public ManyAtOnce, public testing::WithParamInterface<Amount> {};
 
 TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseNoMoreThanOverlapsAndTheCap) {
   signIn();
   backend.goAway();
   std::atomic<int> savedOffline = 0;
-  const int turns = GetParam();
+  const int turns = GetParam() == Amount::ofTheCap ? 200 / processes : inAskedForm(50, 200);
   sideBySide(turns, [&](int worker, int turn) {
     const ProgramResult result =
         turn % 2 == 0 ? processSMS(textOf(worker, turn))
@@ -93,8 +99,11 @@ TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseNoMoreThanOverlapsAndTheCap) {
 }
 
 // 200 texts are as many as the queue holds: what is missing of them was lost to overlaps.
-INSTANTIATE_TEST_SUITE_P(ByTurns, OfflineRuns, testing::Values(25, inAskedForm(50, 200)),
-                         [](const auto& turns) { return "Of" + std::to_string(turns.param); });
+INSTANTIATE_TEST_SUITE_P(By, OfflineRuns, testing::Values(Amount::ofTheCap, Amount::beyondTheCap),
+                         [](const auto& amount) {
+                           return amount.param == Amount::ofTheCap ? "TheCapInNumber"
+                                                                   : "MoreThanTheCapInNumber";
+                         });
 
 TEST_F(ManyAtOnce, OnlineAndOfflineAgreeInWhatTheyCountedAndSendNoTextUnderTwoKeys) {
   UnreliableBackend unreliable(7, 0.3);

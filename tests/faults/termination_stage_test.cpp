@@ -23,6 +23,8 @@ struct Termination {
   int signal;
 };
 
+void PrintTo(const Termination& termination, std::ostream* stream) { *stream << termination.name; }
+
 class ARunTerminatedAtAnyCall : public ExtensionProgram,
                                 public testing::WithParamInterface<Termination> {
  protected:
@@ -58,11 +60,11 @@ class ARunTerminatedAtAnyCall : public ExtensionProgram,
   }
 
   /// Calls `attempt`, which performs a run that it has terminated at the call it is given, for
-  /// each call of a run; of many of one name, the short form takes every fourth.
+  /// each call of a run; of many of one name, the short form takes every eighth.
   template <typename Attempt>
   void atEachCall(Attempt attempt) {
     for (const char* const systemCall : systemCalls) {
-      for (int number = 1;; number += inAskedForm(4, 1)) {
+      for (int number = 1;; number += inAskedForm(8, 1)) {
         SCOPED_TRACE(std::string(systemCall) + " " + std::to_string(number));
         attempt(systemCall, number);
         if (!wasSent()) break;
