@@ -99,7 +99,20 @@ class AMisbehavingServer : public testing::Test {
                 std::to_string(server.port())) {}
   };
 
+  /// What this machine needs at this moment to run so many programs at once.
+  static Clock::duration timeToStart(std::size_t count) {
+    const auto before = Clock::now();
+    std::vector<std::unique_ptr<linux_platform::ChildProcess>> programs;
+    for (std::size_t number = 0; number < count; ++number) {
+      programs.push_back(std::make_unique<linux_platform::ChildProcess>(linux_platform::ProgramCall{
+          .program = linux_platform::programFolder() / "kivo-intents", .arguments = {"catalog"}}));
+    }
+    for (const auto& program : programs) program->wait();
+    return Clock::now() - before;
+  }
+
   void meetAtOnce(const std::vector<Misbehaviour>& some, Clock::duration longest) {
+    longest += 2 * timeToStart(some.size());
     std::vector<std::unique_ptr<Meeting>> meetings;
     for (const Misbehaviour& one : some) {
       meetings.push_back(std::make_unique<Meeting>(one, identity_));
