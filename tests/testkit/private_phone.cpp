@@ -36,9 +36,11 @@ bool isCenter(pid_t process) {
 
 }  // namespace
 
-PrivatePhone::PrivatePhone() : path_("PATH", pathWithStandIn(folders_.home())) {
-  const std::filesystem::path services =
-      linux_platform::programFolder().parent_path() / "dbus-services";
+PrivatePhone::PrivatePhone()
+    : PrivatePhone(linux_platform::programFolder().parent_path() / "dbus-services") {}
+
+PrivatePhone::PrivatePhone(const std::filesystem::path& services)
+    : path_("PATH", pathWithStandIn(folders_.home())) {
   bus_ = std::make_unique<linux_platform::PrivateSessionBus>(
       folders_.home(), std::vector<std::filesystem::path>{services});
   addressVariable_.emplace("DBUS_SESSION_BUS_ADDRESS", bus_->address());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,8 +19,11 @@ namespace kivo::testkit {
 
 class PrivatePhone {
  public:
-  /// The folder of a stand-in for xdg-open comes first in PATH; it notes what it is asked to open.
+  /// Has the services of this build tree. The folder of a stand-in for xdg-open comes first in
+  /// PATH; it notes what it is asked to open.
   PrivatePhone();
+  /// Has the services that the files in `services` describe instead.
+  explicit PrivatePhone(const std::filesystem::path& services);
   /// Ends the bus, and the notification center if it is still there.
   ~PrivatePhone();
   PrivatePhone(const PrivatePhone&) = delete;

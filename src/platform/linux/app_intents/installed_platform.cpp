@@ -3,12 +3,25 @@
 #include <string>
 
 namespace kivo::linux_platform {
+namespace {
+
+platform::Task<void> performInto(platform::AppIntent& intent, platform::IntentDialog& dialog) {
+  const platform::IntentResult result = co_await intent.perform();
+  dialog = result.dialog;
+}
+
+}  // namespace
 
 InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier)
     : notificationCenter_(bus_, std::string(bundleIdentifier)), widgetCenter_(bus_) {
   platform::ProcessWide<platform::URLSession>::install(session_);
   platform::ProcessWide<platform::UNUserNotificationCenter>::install(notificationCenter_);
   platform::ProcessWide<platform::WidgetCenter>::install(widgetCenter_);
+}
+
+platform::Task<void> InstalledPlatform::perform(platform::AppIntent& intent,
+                                                platform::IntentDialog& dialog) {
+  return bus_.asOneRun(performInto(intent, dialog));
 }
 
 }  // namespace kivo::linux_platform

@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "platform/app_intents/app_intent.h"
 #include "platform/linux/foundation/http_url_session.h"
 #include "platform/linux/process/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
@@ -17,6 +18,10 @@ class InstalledPlatform {
  public:
   /// Begins to connect to the session bus and returns at once.
   explicit InstalledPlatform(std::string_view bundleIdentifier);
+
+  /// Performs `intent` as a run of its own, and leaves in `dialog` what it answers. Both outlive
+  /// the task.
+  platform::Task<void> perform(platform::AppIntent& intent, platform::IntentDialog& dialog);
 
  private:
   SessionBus bus_;

@@ -9,6 +9,7 @@
 #include "platform/foundation/standard_output.h"
 #include "platform/linux/app_intents/catalog.h"
 #include "platform/linux/app_intents/installed_platform.h"
+#include "platform/linux/app_intents/intents_service.h"
 #include "platform/linux/app_intents/parameter_entry.h"
 #include "platform/linux/app_intents/spoken_phrases.h"
 #include "platform/linux/concurrency/task_executor.h"
@@ -22,7 +23,6 @@ namespace {
 using platform::AppIntent;
 using platform::AppIntentsExtension;
 using platform::IntentDialog;
-using platform::Task;
 using Kind = CommandParameter::Kind;
 
 constexpr const char* programName = "kivo-intents";
@@ -31,16 +31,11 @@ constexpr const char* jsonFlag = "--json";
 // One run needs one worker: its steps come one after the other, and none blocks for long.
 constexpr unsigned workers = 1;
 
-Task<void> performInto(AppIntent& intent, IntentDialog& dialog) {
-  const platform::IntentResult result = co_await intent.perform();
-  dialog = result.dialog;
-}
-
 IntentDialog perform(AppIntent& intent, std::string_view bundleIdentifier) {
-  const InstalledPlatform installed(bundleIdentifier);
+  InstalledPlatform installed(bundleIdentifier);
   TaskExecutor executor(workers);
   IntentDialog dialog;
-  executor.startUntilTermination(performInto(intent, dialog)).wait();
+  executor.startUntilTermination(installed.perform(intent, dialog)).wait();
   return dialog;
 }
 
@@ -134,6 +129,17 @@ Command catalogCommand(const AppIntentsExtension& extension) {
           }};
 }
 
+Command serveCommand(const AppIntentsExtension& extension) {
+  return {.name = "serve",
+          .purpose = "Answer calls on the session bus",
+          .parameters = {},
+          .run = [&extension](const GivenParameters&) {
+            const auto complaint = serveIntents(extension);
+            if (complaint) complain(programName, *complaint);
+            return complaint ? 1 : 0;
+          }};
+}
+
 }  // namespace
 
 int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension) {
@@ -150,6 +156,7 @@ int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension)
   }
   program.commands.push_back(catalogCommand(extension));
   program.commands.push_back(sayCommand(extension));
+  program.commands.push_back(serveCommand(extension));
   return runCommand(program, argc, argv);
 }
 

@@ -30,6 +30,16 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
 
 struct TaskExecutor::Pool {
   explicit Pool(unsigned workers) : threads(workers), terminations(threads) {}
+  // A signal that comes before somebody waits for it is kept.
+  void catchTerminations() {
+    terminations.add(SIGTERM);
+    terminations.add(SIGINT);
+  }
+  void waitForTermination(std::function<void()> action) {
+    terminations.async_wait([action = std::move(action)](boost::system::error_code stopped, int) {
+      if (!stopped) action();
+    });
+  }
   asio::thread_pool threads;
   asio::signal_set terminations;  // used by the executor's owner only
 };
@@ -77,13 +87,15 @@ RunningTask TaskExecutor::start(platform::Task<void> task) {
 }
 
 RunningTask TaskExecutor::startUntilTermination(platform::Task<void> task) {
-  pool_->terminations.add(SIGTERM);
-  pool_->terminations.add(SIGINT);
+  pool_->catchTerminations();
   RunningTask running = start(std::move(task));
-  pool_->terminations.async_wait([running](boost::system::error_code stopped, int) mutable {
-    if (!stopped) running.cancel();
-  });
+  pool_->waitForTermination([running]() mutable { running.cancel(); });
   return running;
+}
+
+void TaskExecutor::onTermination(std::function<void()> action) {
+  pool_->catchTerminations();
+  pool_->waitForTermination(std::move(action));
 }
 
 }  // namespace kivo::linux_platform

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 
 #include "platform/concurrency/task.h"
@@ -44,6 +45,10 @@ class TaskExecutor {
   /// As `start`; from before it begins, SIGTERM and SIGINT cancel `task` instead of ending the
   /// process. For one task of an executor, from the thread that owns the executor.
   RunningTask startUntilTermination(platform::Task<void> task);
+
+  /// From now on the first SIGTERM or SIGINT has `action` called on a worker, and none ends the
+  /// process while the executor lives. Once, and instead of `startUntilTermination`.
+  void onTermination(std::function<void()> action);
 
  private:
   struct Pool;

@@ -167,6 +167,10 @@ Database openSuiteDatabase(std::string_view suiteName) {
   Database database(opened);
   if (code != SQLITE_OK) return nullptr;
   sqlite3_busy_timeout(opened, static_cast<int>(std::chrono::milliseconds(patience).count()));
+  // A handle lives for a run, reads each value about once, and many runs overlap in one process:
+  // the cache of pages would be four fifths of a handle's memory. Before a page is read, since the
+  // cache is made at once.
+  execute(opened, "PRAGMA cache_size = 0");
 
   if (establishPatiently(opened) != SQLITE_OK) return nullptr;
   for (const char* const suffix : {"", "-wal", "-shm"}) {

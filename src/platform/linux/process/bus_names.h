@@ -16,6 +16,10 @@ namespace bus_names {
 inline constexpr BusObject notificationCenter{
     "app.kivo.NotificationCenter", "/app/kivo/NotificationCenter", "app.kivo.NotificationCenter1"};
 
+/// The extension's intents, for the automation and voice layers.
+inline constexpr BusObject intents{"app.kivo.expenses.Intents", "/app/kivo/expenses/Intents",
+                                   "app.kivo.Intents1"};
+
 /// Every program sends its reload signals from this path; there is no service to call.
 inline constexpr BusObject widgetCenter{"", "/app/kivo/WidgetCenter", "app.kivo.WidgetCenter1"};
 inline constexpr const char* reloadAllTimelines = "ReloadAllTimelines";

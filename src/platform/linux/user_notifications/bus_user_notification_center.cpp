@@ -57,16 +57,19 @@ struct Meeting {
 template <typename Answer>
 using Ask = std::function<void(std::function<void(Answer)>)>;
 
-// Asks, and suspends until the answer is there or `budget` is spent; none then. A cancellation of
-// the task ends one wait of the timer, not the waiting.
+// Asks, and suspends until the answer is there or the run's budget is spent; none then. A
+// cancellation of the task ends one wait of the timer, not the waiting.
 template <typename Answer>
-platform::Task<std::optional<Answer>> answerWithin(WaitingBudget* budget, Ask<Answer> ask) {
+platform::Task<std::optional<Answer>> answerInTime(SessionBus* bus, Ask<Answer> ask) {
   using Clock = std::chrono::steady_clock;
-  const std::chrono::nanoseconds patience = budget->left();
+  const asio::any_io_executor executor = co_await asio::this_coro::executor;
+  WaitingBudget whole(bus->patience());
+  WaitingBudget* const own = bus->budgetOf(executor);
+  WaitingBudget& budget = own == nullptr ? whole : *own;
+  const std::chrono::nanoseconds patience = budget.left();
   if (patience == std::chrono::nanoseconds(0)) co_return std::nullopt;
   const Clock::time_point start = Clock::now();
 
-  const asio::any_io_executor executor = co_await asio::this_coro::executor;
   const auto timer = std::make_shared<asio::steady_timer>(executor, start + patience);
   const auto meeting = std::make_shared<Meeting<Answer>>();
   // The task's own strand wakes it, so never before it waits.
@@ -77,7 +80,7 @@ platform::Task<std::optional<Answer>> answerWithin(WaitingBudget* budget, Ask<An
     boost::system::error_code ignored;
     co_await timer->async_wait(asio::redirect_error(asio::use_awaitable, ignored));
   }
-  budget->spend(Clock::now() - start);
+  budget.spend(Clock::now() - start);
   co_return meeting->leave();
 }
 
@@ -91,7 +94,7 @@ platform::Task<platform::UNNotificationSettings> BusUserNotificationCenter::noti
   Ask<Status> ask = [this](std::function<void(Status)> answer) {
     callAuthorizationStatus(bus_.thread(), bundleIdentifier_, std::move(answer));
   };
-  const std::optional<Status> answer = co_await answerWithin(&bus_.budget(), std::move(ask));
+  const std::optional<Status> answer = co_await answerInTime(&bus_, std::move(ask));
   const Status status = answer.value_or(std::nullopt);
   co_return platform::UNNotificationSettings{
       .authorizationStatus = status.value_or(UNAuthorizationStatus::notDetermined)};
@@ -103,7 +106,7 @@ platform::Task<std::optional<NSError>> BusUserNotificationCenter::addNotificatio
   Ask<Failure> ask = [this, &request](std::function<void(Failure)> answer) {
     callAdd(bus_.thread(), bundleIdentifier_, request, std::move(answer));
   };
-  const std::optional<Failure> answer = co_await answerWithin(&bus_.budget(), std::move(ask));
+  const std::optional<Failure> answer = co_await answerInTime(&bus_, std::move(ask));
   co_return answer.value_or(centerNotAnswering());
 }
 

@@ -1,0 +1,68 @@
+#include "platform/linux/app_intents/called_intent.h"
+
+#include <utility>
+
+#include "platform/linux/app_intents/intents_wire.h"
+
+namespace kivo::linux_platform {
+namespace {
+
+using platform::AnyIntentParameter;
+using platform::AppIntent;
+using ValueType = AnyIntentParameter::ValueType;
+
+std::string nameOf(const AnyIntentParameter& parameter) {
+  return std::string(parameter.settings().name);
+}
+
+std::string intentNames(const platform::AppIntentsExtension& extension) {
+  std::string names;
+  for (const auto& make : extension.intents) {
+    names += (names.empty() ? "" : ", ") + std::string(make()->typeName());
+  }
+  return names;
+}
+
+std::string parameterNames(AppIntent& intent) {
+  std::string names;
+  for (const AnyIntentParameter* const parameter : intent.parameters()) {
+    names += (names.empty() ? "" : ", ") + nameOf(*parameter);
+  }
+  return names;
+}
+
+std::optional<CallRefusal> fill(AppIntent& intent, CalledValues values) {
+  for (const auto& [name, value] : values) {
+    if (parameterNamed(intent, name) == nullptr) {
+      return CallRefusal{intents_wire::unknownParameter,
+                         "the intent's parameters are: " + parameterNames(intent)};
+    }
+  }
+  for (auto& [name, value] : values) {
+    AnyIntentParameter& parameter = *parameterNamed(intent, name);
+    if (value && parameter.set(std::move(*value))) continue;
+    const bool text = parameter.valueType() == ValueType::text;
+    return CallRefusal{intents_wire::invalidParameter,
+                       name + (text ? " must be a text (s)" : " must be a finite number (d)")};
+  }
+  for (const AnyIntentParameter* const parameter : intent.parameters()) {
+    if (parameter->hasValue()) continue;
+    return CallRefusal{intents_wire::missingParameter, nameOf(*parameter) + " is missing"};
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::variant<std::unique_ptr<AppIntent>, CallRefusal> calledIntent(
+    const platform::AppIntentsExtension& extension, const std::string& typeName,
+    CalledValues values) {
+  auto intent = extension.makeIntent(typeName);
+  if (!intent) {
+    return CallRefusal{intents_wire::unknownIntent, "the intents are: " + intentNames(extension)};
+  }
+  if (auto refusal = fill(*intent, std::move(values))) return std::move(*refusal);
+  return intent;
+}
+
+}  // namespace kivo::linux_platform

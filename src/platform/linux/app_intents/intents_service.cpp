@@ -1,0 +1,230 @@
+#include "platform/linux/app_intents/intents_service.h"
+
+#include <algorithm>
+#include <atomic>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include "platform/linux/app_intents/called_intent.h"
+#include "platform/linux/app_intents/catalog.h"
+#include "platform/linux/app_intents/installed_platform.h"
+#include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/concurrency/task_executor.h"
+#include "platform/linux/process/bus_loop.h"
+#include "platform/linux/process/bus_names.h"
+#include "platform/linux/user_notifications/center_calls.h"
+
+namespace kivo::linux_platform {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using DialogResult = sdbus::Result<std::string>;
+using WireValues = std::map<std::string, sdbus::Variant>;
+
+// Runs mostly wait. What they do besides are short commits to the store, which wait for each other
+// anyway.
+constexpr unsigned workers = 4;
+
+CalledValues valuesOf(const WireValues& wire) {
+  CalledValues values;
+  for (const auto& [name, variant] : wire) {
+    std::optional<platform::IntentValue>& value = values[name];
+    if (variant.containsValueOfType<std::string>()) value = variant.get<std::string>();
+    if (variant.containsValueOfType<double>()) value = variant.get<double>();
+  }
+  return values;
+}
+
+std::unique_ptr<sdbus::IConnection> connection() {
+  try {
+    return sdbus::createSessionBusConnection();
+  } catch (const sdbus::Error&) {
+    throw std::runtime_error("there is no session bus");
+  }
+}
+
+// All but the runs themselves happens on the thread that calls `serve`.
+class IntentsService {
+ public:
+  IntentsService(const platform::AppIntentsExtension& extension,
+                 std::chrono::milliseconds idleLimit)
+      : extension_(extension), idleLimit_(idleLimit), installed_(extension.bundleIdentifier) {
+    executor_.onTermination([this] { stop(); });
+  }
+
+  // Throws std::runtime_error with one line when it cannot be had.
+  void takeName();
+  void serve();
+
+ private:
+  struct Run {
+    std::unique_ptr<platform::AppIntent> intent;
+    platform::IntentDialog dialog;
+    DialogResult result;
+    std::optional<RunningTask> task;
+  };
+  using Place = std::list<Run>::iterator;
+
+  void stop();
+  void begin(DialogResult result, const std::string& typeName, const WireValues& values);
+  platform::Task<void> performTelling(Place run);
+  std::optional<std::chrono::milliseconds> beforeWaiting();
+  void answerEnded();
+  void giveUpName();
+  void cancelRuns();
+  [[nodiscard]] Clock::duration idleTimeLeft() const;
+
+  const platform::AppIntentsExtension& extension_;
+  const std::chrono::milliseconds idleLimit_;
+  BusLoop loop_{connection()};
+  std::unique_ptr<sdbus::IObject> object_;
+  std::atomic<bool> stopAsked_ = false;
+  bool cancelling_ = false;
+  bool nameGivenUp_ = false;
+  Clock::time_point lastCall_ = Clock::now();
+  std::list<Run> runs_;
+
+  std::mutex mutex_;
+  std::vector<Place> ended_;  // guarded by mutex_
+
+  InstalledPlatform installed_;
+  TaskExecutor executor_{workers};  // ends first: its end waits for the runs
+};
+
+void IntentsService::takeName() {
+  const BusObject& intents = bus_names::intents;
+  object_ = sdbus::createObject(loop_.connection(), intents.path);
+  object_->registerMethod(intents_wire::perform)
+      .onInterface(intents.interface)
+      .withInputParamNames("intent", "parameters")
+      .withOutputParamNames("dialog")
+      .implementedAs(
+          [this](DialogResult&& result, const std::string& typeName, const WireValues& values) {
+            begin(std::move(result), typeName, values);
+          });
+  object_->registerMethod(intents_wire::catalog)
+      .onInterface(intents.interface)
+      .withOutputParamNames("json")
+      .implementedAs([this] {
+        lastCall_ = Clock::now();
+        return catalogJSON(extension_);
+      });
+  object_->finishRegistration();
+  try {
+    loop_.connection().requestName(intents.service);
+  } catch (const sdbus::Error&) {
+    throw std::runtime_error(std::string("another program is ") + intents.service);
+  }
+}
+
+void IntentsService::serve() {
+  if (loop_.run([this] { return beforeWaiting(); }) == BusLoop::End::busGone) cancelRuns();
+  for (Run& run : runs_) run.task->wait();
+}
+
+// On a worker.
+void IntentsService::stop() {
+  stopAsked_ = true;
+  loop_.wake();
+}
+
+void IntentsService::begin(DialogResult result, const std::string& typeName,
+                           const WireValues& values) {
+  lastCall_ = Clock::now();
+  auto called = calledIntent(extension_, typeName, valuesOf(values));
+  if (const auto* const refusal = std::get_if<CallRefusal>(&called)) {
+    throw sdbus::Error(refusal->name, refusal->words);
+  }
+  const Place run = runs_.emplace(runs_.end());
+  run->intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called));
+  run->result = std::move(result);
+  run->task = executor_.start(performTelling(run));
+  if (cancelling_) run->task->cancel();
+}
+
+platform::Task<void> IntentsService::performTelling(Place run) {
+  // Whatever happens: a run that nobody is told of would keep its caller waiting for ever.
+  struct Telling {
+    IntentsService& service;
+    Place run;
+
+    ~Telling() {
+      const std::lock_guard lock(service.mutex_);
+      service.ended_.push_back(run);
+      service.loop_.wake();
+    }
+  };
+  const Telling telling{*this, run};
+  co_await installed_.perform(*run->intent, run->dialog);
+}
+
+std::optional<std::chrono::milliseconds> IntentsService::beforeWaiting() {
+  answerEnded();
+  if (stopAsked_ && !cancelling_) cancelRuns();
+  if (nameGivenUp_) {
+    if (runs_.empty()) loop_.stop();
+    return std::nullopt;
+  }
+  if (cancelling_ || (runs_.empty() && idleTimeLeft() <= Clock::duration::zero())) {
+    giveUpName();
+    return std::chrono::milliseconds(0);
+  }
+  if (!runs_.empty()) return std::nullopt;
+  return std::chrono::ceil<std::chrono::milliseconds>(idleTimeLeft());
+}
+
+Clock::duration IntentsService::idleTimeLeft() const {
+  return lastCall_ + idleLimit_ - Clock::now();
+}
+
+void IntentsService::answerEnded() {
+  std::vector<Place> ended;
+  {
+    const std::lock_guard lock(mutex_);
+    ended.swap(ended_);
+  }
+  for (const Place run : ended) {
+    run->task->wait();  // for the last bit of the task, and to hear of what it threw
+    run->result.returnResults(busText(run->dialog.text));
+    runs_.erase(run);
+    lastCall_ = Clock::now();
+  }
+}
+
+// The bus hands us nothing after its answer to this; what it had handed to us before lies in the
+// connection's own queue by then, and the loop handles that before it asks again what to wait for.
+void IntentsService::giveUpName() {
+  loop_.connection().releaseName(bus_names::intents.service);
+  nameGivenUp_ = true;
+}
+
+void IntentsService::cancelRuns() {
+  cancelling_ = true;
+  for (Run& run : runs_) run.task->cancel();
+}
+
+}  // namespace
+
+std::optional<std::string> serveIntents(const platform::AppIntentsExtension& extension,
+                                        std::chrono::milliseconds idleLimit) {
+  std::optional<IntentsService> service;
+  try {
+    service.emplace(extension, idleLimit);
+    service->takeName();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  service->serve();
+  return std::nullopt;
+}
+
+}  // namespace kivo::linux_platform

@@ -1,0 +1,15 @@
+// The words of the interface by which intents are performed over the bus. Calls nothing.
+#pragma once
+
+namespace kivo::linux_platform::intents_wire {
+
+inline constexpr const char* perform = "Perform";
+inline constexpr const char* catalog = "Catalog";
+
+// The errors of a call that performs nothing.
+inline constexpr const char* unknownIntent = "app.kivo.Intents1.Error.UnknownIntent";
+inline constexpr const char* unknownParameter = "app.kivo.Intents1.Error.UnknownParameter";
+inline constexpr const char* missingParameter = "app.kivo.Intents1.Error.MissingParameter";
+inline constexpr const char* invalidParameter = "app.kivo.Intents1.Error.InvalidParameter";
+
+}  // namespace kivo::linux_platform::intents_wire

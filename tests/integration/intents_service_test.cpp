@@ -1,0 +1,199 @@
+// The intents on the session bus, called by other people's clients.
+#include <csignal>
+
+#include "extension_program.h"
+#include "served_intents.h"
+#include "testkit/scripted_server.h"
+
+namespace kivo {
+namespace {
+
+using namespace std::chrono_literals;
+using linux_platform::ChildProcess;
+using linux_platform::ProgramResult;
+using linux_platform::runProgram;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testkit::eventually;
+using testkit::intentsName;
+using testkit::replyWith;
+
+class AnIntentsService : public testkit::ServedIntents {
+ protected:
+  ProgramResult busctl(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--user", "call", intentsName,
+                                         "/app/kivo/expenses/Intents", "app.kivo.Intents1"});
+    return runProgram({.program = "busctl", .arguments = std::move(arguments)});
+  }
+
+  testkit::ToldBackend backend;
+};
+
+TEST_F(AnIntentsService, IsStartedByTheBusForACallByGdbus) {
+  signIn(backend.url());
+  backend.answers(200, testkit::savedAnswer("expense"));
+  const ProgramResult result = processSMS("Paid 150");
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, testing::StartsWith("('Tracked "));
+  EXPECT_THAT(result.output, testing::EndsWith(" at Carrefour',)\n"));
+  EXPECT_THAT(backend.requests(), SizeIs(1));
+  EXPECT_EQ(store().readText(StoreKeys::todayTotal), "150.0");
+}
+
+TEST_F(AnIntentsService, AnswersPython) {
+  signIn(backend.url());
+  backend.answers(200, testkit::savedAnswer("expense"));
+  const ProgramResult result =
+      runProgram(client("call_intents.py", {"perform", "AddExpenseIntent", "amount", "number",
+                                            "12.5", "merchant", "text", "Café"}));
+  EXPECT_THAT(result.output, testing::StartsWith("Tracked ")) << result.errors;
+  ASSERT_THAT(backend.requests(), SizeIs(1));
+  EXPECT_THAT(backend.requests()[0].body, HasSubstr("Paid 12.5 EGP at Café"));
+}
+
+TEST_F(AnIntentsService, AnswersBusctl) {
+  signIn(backend.url());
+  const ProgramResult result =
+      busctl({"Perform", "sa{sv}", "ProcessSMSIntent", "1", "smsText", "s", "Code 1234"});
+  EXPECT_EQ(result.output, "s \"SMS ignored - not a transaction\"\n") << result.errors;
+}
+
+TEST_F(AnIntentsService, TellsTheCatalogThatTheCommandTells) {
+  const ProgramResult command =
+      runProgram({.program = linux_platform::programFolder() / "kivo-intents",
+                  .arguments = {"catalog", "--json"}});
+  EXPECT_EQ(runProgram(client("call_intents.py", {"catalog"})).output, command.output);
+  EXPECT_THAT(command.output, HasSubstr("ProcessSMSIntent"));
+}
+
+TEST_F(AnIntentsService, DescribesItselfToClients) {
+  const std::string described = phone
+                                    .call(intentsName, "/app/kivo/expenses/Intents",
+                                          "org.freedesktop.DBus.Introspectable.Introspect")
+                                    .output;
+  EXPECT_THAT(described, HasSubstr(R"(<arg type="a{sv}" name="parameters" direction="in"/>)"));
+  EXPECT_THAT(described, HasSubstr(R"(<arg type="s" name="dialog" direction="out"/>)"));
+  EXPECT_THAT(described, HasSubstr(R"(<arg type="s" name="json" direction="out"/>)"));
+}
+
+TEST_F(AnIntentsService, CarriesATextOfAMebibyte) {
+  signIn("http://127.0.0.1:1");
+  const std::string text(1 << 20, 'x');
+  // Past what a command line holds: from a file of python's.
+  const ProgramResult result =
+      runProgram({.program = "/usr/bin/python3",
+                  .arguments = {"-c",
+                                "import dbus, sys; print(dbus.SessionBus().call_blocking("
+                                "'app.kivo.expenses.Intents', '/app/kivo/expenses/Intents', "
+                                "'app.kivo.Intents1', 'Perform', 'sa{sv}', "
+                                "('ProcessSMSIntent', {'smsText': sys.stdin.read()})))"},
+                  .input = text});
+  EXPECT_EQ(result.output, "Saved offline - will process when connected\n") << result.errors;
+  ASSERT_THAT(queue(), SizeIs(1));
+  EXPECT_EQ(queue()[0].smsText, text);
+}
+
+TEST_F(AnIntentsService, AnswersWithWhatTheBusCannotCarryReplaced) {
+  signIn(backend.url());
+  backend.answers(200, R"({"saved":true,"transaction_type":"expense","expense":{"id":"1",)"
+                       R"("description":"a\u0000b\ufffez","amount":1.0,"category":"C",)"
+                       R"("expense_date":""}})");
+  EXPECT_THAT(runProgram(client("call_intents.py",
+                                {"perform", "ProcessSMSIntent", "smsText", "text", "Paid 1"}))
+                  .output,
+              testing::EndsWith(" at a\uFFFDb\uFFFDz\n"));
+}
+
+TEST_F(AnIntentsService, AnswersALaterCallWhileAnEarlierOneWaits) {
+  const testkit::ScriptedServer server([](testkit::ServerConnection& connection) {
+    if (connection.readRequest().find("slow") != std::string::npos) connection.idle(10s);
+    connection.write(testkit::httpAnswer(200, R"({"saved":false})"));
+  });
+  signIn(server.url());
+  ChildProcess slow(
+      client("call_intents.py", {"perform", "ProcessSMSIntent", "smsText", "text", "slow"}));
+  ASSERT_TRUE(server.waitForRequests(1));
+  EXPECT_EQ(processSMS("quick").output, replyWith("SMS ignored - not a transaction"));
+  EXPECT_EQ(slow.outputSoFar(), "");
+}
+
+TEST_F(AnIntentsService, FinishesTheRunOfACallerThatDisappears) {
+  const testkit::ScriptedServer server([](testkit::ServerConnection& connection) {
+    connection.readRequest();
+    connection.idle(300ms);
+    connection.write(testkit::httpAnswer(200, testkit::savedAnswer("expense")));
+  });
+  signIn(server.url());
+  ChildProcess caller(
+      client("call_intents.py", {"perform", "ProcessSMSIntent", "smsText", "text", "Paid 150"}));
+  ASSERT_TRUE(server.waitForRequests(1));
+  caller.signal(SIGKILL);
+  EXPECT_TRUE(eventually([] { return store().readText(StoreKeys::todayTotal) == "150.0"; }));
+  const pid_t process = service();
+  EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
+  EXPECT_EQ(service(), process);
+}
+
+TEST_F(AnIntentsService, PerformsACallThatWantsNoReply) {
+  signIn("http://127.0.0.1:1");
+  // The bus starts nothing for a caller that has gone meanwhile.
+  EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
+  const ProgramResult sent = runProgram(
+      {.program = "/usr/bin/python3",
+       .arguments = {"-c",
+                     "import dbus, dbus.lowlevel\n"
+                     "m = dbus.lowlevel.MethodCallMessage('app.kivo.expenses.Intents', "
+                     "'/app/kivo/expenses/Intents', 'app.kivo.Intents1', 'Perform')\n"
+                     "m.set_no_reply(True)\n"
+                     "m.append('ProcessSMSIntent', {'smsText': 'Paid 1'}, signature='sa{sv}')\n"
+                     "b = dbus.SessionBus()\nb.send_message(m)\nb.flush()\n"}});
+  EXPECT_EQ(sent.status, 0) << sent.errors;
+  EXPECT_TRUE(eventually([] { return queue().size() == 1; }));
+  EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
+}
+
+TEST_F(AnIntentsService, IsOneAtATime) {
+  EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
+  const pid_t first = service();
+  const ProgramResult second = runProgram(serving());
+  EXPECT_EQ(second.status, 1);
+  EXPECT_EQ(second.output, "");
+  EXPECT_EQ(second.errors, "kivo-intents: another program is app.kivo.expenses.Intents\n");
+  EXPECT_EQ(service(), first);
+}
+
+TEST_F(AnIntentsService, EndsWhenTheBusGoes) {
+  ChildProcess program(serving());
+  ASSERT_TRUE(isServed());
+  phone.endBus();
+  EXPECT_EQ(program.wait(10s).status, 0);
+}
+
+TEST_F(AnIntentsService, KeepsTheTextsOfItsRunsWhenTheBusGoes) {
+  const testkit::ScriptedServer server([](testkit::ServerConnection& connection) {
+    connection.readRequest();
+    connection.idle();
+  });
+  signIn(server.url());
+  ChildProcess program(serving());
+  ASSERT_TRUE(isServed());
+  ChildProcess caller(
+      client("call_intents.py", {"perform", "ProcessSMSIntent", "smsText", "text", "Paid 150"}));
+  ASSERT_TRUE(server.waitForRequests(1));
+  phone.daemon().signal(SIGKILL);
+  EXPECT_EQ(program.wait(10s).status, 0);
+  ASSERT_THAT(queue(), SizeIs(1));
+  EXPECT_EQ(queue()[0].smsText, "Paid 150");
+}
+
+TEST(WithoutASessionBus, ServingEndsWithOneLine) {
+  const testkit::PrivateFolders folders;
+  const ProgramResult result = runProgram(
+      {.program = linux_platform::programFolder() / "kivo-intents", .arguments = {"serve"}});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "kivo-intents: there is no session bus\n");
+}
+
+}  // namespace
+}  // namespace kivo

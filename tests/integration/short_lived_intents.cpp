@@ -1,0 +1,14 @@
+// The service of the intents with an idle limit for tests, in milliseconds, as its only argument.
+#include <chrono>
+#include <string>
+
+#include "intents/expense_intents_extension.h"
+#include "platform/linux/app_intents/intents_service.h"
+#include "platform/linux/process/process_start.h"
+
+int main(int, char** argv) {
+  kivo::linux_platform::startProcess();
+  const std::chrono::milliseconds idleLimit(std::stoi(argv[1]));
+  const auto extension = kivo::ExpenseIntentsExtension::make();
+  return kivo::linux_platform::serveIntents(extension, idleLimit) ? 1 : 0;
+}
