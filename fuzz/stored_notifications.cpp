@@ -46,7 +46,7 @@ void requirePossibleOrRefused(std::string_view text) {
 std::vector<PendingNotification> made(FuzzedDataProvider input) {
   const auto text = [&] { return platform::repairedUtf8(input.ConsumeRandomLengthString(60)); };
   std::vector<PendingNotification> notifications;
-  const int count = input.ConsumeIntegralInRange(0, 4);
+  const int count = input.ConsumeIntegralInRange(0, 2);
   for (int i = 0; i < count; ++i) {
     PendingNotification& notification = notifications.emplace_back();
     notification.bundle = text();
