@@ -9,6 +9,7 @@ namespace {
 
 using linux_platform::ProgramResult;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 using ACommandLine = testkit::ExtensionProgram;
