@@ -45,10 +45,10 @@ class UserDefaults {
   void setDouble(std::string_view key, double value);
 
   /// Commits what was written through this handle, durably. False when that failed, and when a read
-  /// since the last call of this has: a value that could not be read is not replaced. The writes are
-  /// lost then, and one line on standard error has said so. When a text longer than a figure has
-  /// made way for one that does not go on from it, its bytes are then gone from the files too, or
-  /// will be when the suite is next opened without another process in the way.
+  /// since the last call of this has: a value that could not be read is not replaced. The writes
+  /// are lost then, and one line on standard error has said so. When a text longer than a figure
+  /// has made way for one that does not go on from it, its bytes are then gone from the files too,
+  /// or will be when the suite is next opened without another process in the way.
   bool synchronize();
 
  private:
