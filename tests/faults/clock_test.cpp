@@ -107,6 +107,10 @@ struct LocalDay {
   const char* zone;
   const char* time;
   const char* day;
+
+  friend void PrintTo(const LocalDay& local, std::ostream* out) {
+    *out << local.time << " in " << local.zone;
+  }
 };
 
 class ALocalDay : public AClock, public testing::WithParamInterface<LocalDay> {};
