@@ -25,6 +25,7 @@ class AnInstallation(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
+        self.addCleanup(os.umask, os.umask(0o022))
         subprocess.run(["cmake", "-DCMAKE_INSTALL_PREFIX=/usr", "-P", os.environ["KIVO_INSTALL_SCRIPT"]],
                        check=True, capture_output=True, timeout=60, env={**os.environ, "DESTDIR": folder.name})
         self.share = pathlib.Path(folder.name) / "usr/share"
@@ -52,8 +53,7 @@ class AnInstallation(unittest.TestCase):
 
     def test_can_be_read_by_everybody(self):
         for file in self.share.rglob("*"):
-            if file.is_file():
-                self.assertEqual(file.stat().st_mode & 0o777, 0o644, file)
+            self.assertEqual(file.stat().st_mode & 0o777, 0o644 if file.is_file() else 0o755, file)
 
 
 if __name__ == "__main__":
