@@ -207,6 +207,18 @@ TEST_F(AQueueOfTexts, LosesNoneWhileADrainHasIt) {
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
+TEST_F(AQueueOfTexts, LosesNoneWhenTheStoreCannotBeWritten) {
+  const SharedStore holder = open();  // keeps the files that a first handle would have to make
+  const ProgramResult result = runProgram(
+      {.program = "sh",
+       .arguments = {"-c", "ulimit -f 0; exec \"$0\" queue drop 1 --yes", phoneProgram()}});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, StartsWith("the shared store could not be written: "));
+  EXPECT_THAT(result.errors, EndsWith("\nkivo-phone: nothing was dropped\n"));
+  EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
+}
+
 TEST_F(AQueueOfTexts, ThatCannotBeReadIsLeftAsItIs) {
   for (const char* const broken : {"[{}]", "no JSON", R"([{"id":"A"}])"}) {
     {

@@ -74,7 +74,9 @@ TEST_F(ASearchWindow, ShowsTheCatalogToWhoAsksForMore) {
 }
 
 TEST_F(ASearchWindow, StandsOnItsOwn) {
-  haveTerminal(noting("printf '%s\\n' $$ $(ps -o sid= -p $$)") + "sleep 60\n");
+  haveTerminal(noting("read -r one two three four five session rest < /proc/$$/stat\nprintf "
+                      "'%s\\n' $$ $session") +
+               "sleep 60\n");
   search({"activate", "AddExpenseIntent", "add"});
   const auto ids = called();
   ASSERT_THAT(ids, testing::SizeIs(2));
