@@ -51,8 +51,16 @@ std::vector<Meta> metasOf(const platform::AppIntentsExtension& extension, const 
 
 SearchProvider::SearchProvider(sdbus::IConnection& connection,
                                const platform::AppIntentsExtension& extension,
-                               std::function<void()> onCall)
+                               const std::function<void()>& onCall)
     : extension_(extension), object_(sdbus::createObject(connection, bus_names::search.path)) {
+  answerQuestions(onCall);
+  followChoices(onCall);
+  object_->finishRegistration();
+}
+
+SearchProvider::~SearchProvider() = default;
+
+void SearchProvider::answerQuestions(const std::function<void()>& onCall) {
   const char* const interface = bus_names::search.interface;
   object_->registerMethod(search_wire::getInitialResultSet)
       .onInterface(interface)
@@ -78,6 +86,10 @@ SearchProvider::SearchProvider(sdbus::IConnection& connection,
         onCall();
         return metasOf(extension_, intents);
       });
+}
+
+void SearchProvider::followChoices(const std::function<void()>& onCall) {
+  const char* const interface = bus_names::search.interface;
   object_->registerMethod(search_wire::activateResult)
       .onInterface(interface)
       .withInputParamNames("identifier", "terms", "timestamp")
@@ -92,10 +104,7 @@ SearchProvider::SearchProvider(sdbus::IConnection& connection,
         onCall();
         open({"catalog"});
       });
-  object_->finishRegistration();
 }
-
-SearchProvider::~SearchProvider() = default;
 
 void SearchProvider::activate(const std::string& intent) {
   if (!shownShortcut(extension_, intent)) {

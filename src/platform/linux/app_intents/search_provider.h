@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/app_intents/app_intents_extension.h"
 #include "platform/linux/process/terminal_window.h"
@@ -21,7 +22,7 @@ class SearchProvider {
  public:
   /// Calls `onCall` at the beginning of each call. `extension` and `connection` outlive this.
   SearchProvider(sdbus::IConnection& connection, const platform::AppIntentsExtension& extension,
-                 std::function<void()> onCall);
+                 const std::function<void()>& onCall);
   ~SearchProvider();
   SearchProvider(const SearchProvider&) = delete;
   SearchProvider& operator=(const SearchProvider&) = delete;
@@ -30,6 +31,8 @@ class SearchProvider {
   bool reapEnded() { return windows_.reapEnded(); }
 
  private:
+  void answerQuestions(const std::function<void()>& onCall);
+  void followChoices(const std::function<void()>& onCall);
   void activate(const std::string& intent);
   void open(std::vector<std::string> arguments);
 
