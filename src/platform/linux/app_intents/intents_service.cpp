@@ -20,6 +20,7 @@
 #include "platform/linux/app_intents/catalog.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/app_intents/search_provider.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/process/bus_loop.h"
 #include "platform/linux/process/bus_names.h"
@@ -106,6 +107,7 @@ class IntentsService {
   const std::chrono::milliseconds idleLimit_;
   BusLoop loop_{connection()};
   std::unique_ptr<sdbus::IObject> object_;
+  std::optional<SearchProvider> search_;
   std::atomic<bool> stopAsked_ = false;
   bool cancelling_ = false;
   bool nameGivenUp_ = false;
@@ -141,6 +143,7 @@ void IntentsService::takeName() {
         return catalogJSON(extension_);
       });
   object_->finishRegistration();
+  search_.emplace(loop_.connection(), extension_, [this] { lastCall_ = Clock::now(); });
   try {
     loop_.connection().requestName(intents.service);
   } catch (const sdbus::Error&) {
@@ -204,6 +207,7 @@ platform::Task<void> IntentsService::performTelling(Place run) {
 
 std::optional<std::chrono::milliseconds> IntentsService::beforeWaiting() {
   answerEnded();
+  const bool windowsOpen = search_->reapEnded();
   if (stopAsked_ && !cancelling_) cancelRuns();
   if (nameGivenUp_) {
     if (runs_.empty()) loop_.stop();
@@ -213,8 +217,11 @@ std::optional<std::chrono::milliseconds> IntentsService::beforeWaiting() {
     giveUpName();
     return std::chrono::milliseconds(0);
   }
-  if (!runs_.empty()) return std::nullopt;
-  return std::chrono::ceil<std::chrono::milliseconds>(idleTimeLeft());
+  constexpr std::chrono::milliseconds nextReaping = std::chrono::seconds(1);
+  const std::optional limit = windowsOpen ? std::optional(nextReaping) : std::nullopt;
+  if (!runs_.empty()) return limit;
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(idleTimeLeft());
+  return std::min(left, limit.value_or(left));
 }
 
 Clock::duration IntentsService::idleTimeLeft() const {
