@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "phone/queue_listing.h"
+#include "phone/sms_watcher/watch_command.h"
 #include "phone/value_listing.h"
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
@@ -226,6 +227,23 @@ linux_platform::CommandProgram phone() {
                 {"VALUE", "The value"},
                 {"--float", "Store a number", Kind::flag}},
                setInStore},
+              {"watch", "Say whose messages kivo-sms-watcher hands to Kivo", {}, {}},
+              {"watch add",
+               "Have the messages of a sender handed on",
+               {{"SENDER", "The sender as the phone shows it; * stands for any characters"}},
+               [](const GivenParameters& given) {
+                 return WatchCommand::add(textOf(given, "SENDER"));
+               }},
+              {"watch remove",
+               "Have the messages of a sender no longer handed on",
+               {{"SENDER", "The sender, as it was added"}},
+               [](const GivenParameters& given) {
+                 return WatchCommand::remove(textOf(given, "SENDER"));
+               }},
+              {"watch list",
+               "Show whose messages are handed on",
+               {},
+               [](const GivenParameters&) { return WatchCommand::list(); }},
               {"queue", "Show the texts that wait to be sent", {}, showQueue},
               {"widget",
                "Show the figures of the home-screen widget",
