@@ -28,9 +28,8 @@ TEST_F(AnSmsWatcher, HandsOnAMessageOfANamedSender) {
 }
 
 TEST_F(AnSmsWatcher, HandsOnATextLetterForLetter) {
-  startModemManager();
+  startModemManager({message("1", R"( بنك نيلو: تم خصم ١٥٠٫٠٠ ج.م\t💸 \u2028é )")});
   startWatcher();
-  receive(message("1", R"( بنك نيلو: تم خصم ١٥٠٫٠٠ ج.م\t💸 \u2028é )"));
   EXPECT_THAT(waitForHandedOn(1), ElementsAre(" بنك نيلو: تم خصم ١٥٠٫٠٠ ج.م\\t💸 \u2028é "));
 }
 
@@ -181,8 +180,9 @@ TEST_F(AnSmsWatcher, LeavesAloneWhatItCannotUnderstand) {
   });
   startWatcher();
   modem(R"("do":"announce","path":"77")");
-  EXPECT_THAT(handedOnBeforeOneMore(),
-              testing::UnorderedElementsAre("Time", "No time", "Odd time"));
+  receive(message("10", "Sound"));
+  EXPECT_THAT(waitForHandedOn(4),
+              testing::UnorderedElementsAre("Time", "No time", "Odd time", "Sound"));
 }
 
 TEST_F(AnSmsWatcher, LeavesMessagesThatAreOlderThanTheNamingOfTheirSender) {

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <unistd.h>
+
 #include "phone/sms_watcher/watch_settings.h"
 #include "platform/linux/app_intents/intents_client.h"
 #include "platform/linux/telephony/modem_messages.h"
@@ -132,16 +134,18 @@ bool WatchProgram::mayHandOn() {
 std::atomic<WatchProgram*> running = nullptr;
 
 void stopRunning(int) {
-  if (WatchProgram* const program = running) program->stop();
+  WatchProgram* const program = running;
+  if (program == nullptr) _exit(0);  // nothing was begun
+  program->stop();
 }
 
 }  // namespace
 
 int runSmsWatcher(const WatchLimits& limits) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopRunning);
   try {
     WatchProgram program(limits);
     running = &program;
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopRunning);
     const int status = program.run();
     running = nullptr;
     return status;

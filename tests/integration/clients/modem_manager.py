@@ -148,7 +148,7 @@ class Test(dbus.service.Object):
         messages[path].PropertiesChanged(SMS, dbus.Dictionary(changed, "sv"), dbus.Array([], "s"))
 
     def announce(self, path):
-        """Tells of a message that is not there."""
+        """Tells of a message, whether it is there or not."""
         modems["0"].Added(dbus.ObjectPath(f"{ROOT}/SMS/{path}"), True)
 
     def add_modem(self, modem, its_messages):
