@@ -6,6 +6,7 @@
 
 #include <sys/stat.h>
 
+#include "testkit/raw_store.h"
 #include "watched_phone.h"
 
 namespace kivo {
@@ -185,6 +186,25 @@ TEST_F(AMessageThatIsNotAnswered, IsHandedOnByTheNextWatcher) {
   intentsDo("answer");
   startWatcher();
   EXPECT_EQ(waitForHandedOn(2).size(), 2U);
+}
+
+TEST_F(AMessageThatIsNotAnswered, IsHandedOnTwiceRatherThanNotWhenItsAnswerWasNotRecorded) {
+  startIntents();
+  startWatcher();
+  handedOnBeforeOneMore();
+  {
+    testkit::RawStore inTheWay(phone.folders().dataHome() / "app.kivo.SmsWatcher" /
+                               "defaults.sqlite3");
+    inTheWay.run("BEGIN IMMEDIATE");
+    receive(message("2", "Paid 151"));
+    ASSERT_TRUE(
+        eventually([&] { return handedOn().back() == "Paid 151" && lastIsAnswered(); }, 60s));
+    killWatcher();  // it waits for the lock to record the answer
+  }
+  startWatcher();
+  EXPECT_TRUE(eventually([&] { return handedOn().back() == "Paid 151"; }, 60s));
+  const auto texts = handedOn();
+  EXPECT_EQ(std::count(texts.begin(), texts.end(), "Paid 151"), 2);
 }
 
 TEST_F(AMessageThatIsNotAnswered, OutlivesItsDeletionFromTheModemWhileTheWatcherRuns) {

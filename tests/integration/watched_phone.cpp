@@ -76,15 +76,23 @@ ProgramResult WatchedPhone::onSystemBus(const std::string& service, const std::s
 void WatchedPhone::startModemManager(const std::vector<std::string>& messages) {
   modemManager = std::make_unique<ChildProcess>(
       client("modem_manager.py", {R"({"0":[)" + withCommas(messages) + "]}"}));
-  const auto isThere = [this] {
-    return onSystemBus("org.freedesktop.DBus", "/", "org.freedesktop.DBus.GetNameOwner",
-                       modemManagerName)
-               .status == 0;
-  };
-  if (!eventually(isThere)) throw std::runtime_error("no ModemManager");
+  if (!eventually([this] { return hasModemManager(); }, std::chrono::seconds(60))) {
+    throw std::runtime_error("no ModemManager");
+  }
 }
 
-void WatchedPhone::endModemManager() { modemManager.reset(); }
+bool WatchedPhone::hasModemManager() {
+  return onSystemBus("org.freedesktop.DBus", "/", "org.freedesktop.DBus.GetNameOwner",
+                     modemManagerName)
+             .status == 0;
+}
+
+void WatchedPhone::endModemManager() {
+  modemManager.reset();
+  if (!eventually([this] { return !hasModemManager(); }, std::chrono::seconds(60))) {
+    throw std::runtime_error("ModemManager does not end");
+  }
+}
 
 std::string WatchedPhone::modem(const std::string& command) {
   const ProgramResult result =
@@ -94,9 +102,11 @@ std::string WatchedPhone::modem(const std::string& command) {
 }
 
 void WatchedPhone::startIntents() {
+  intents.reset();
   intents = std::make_unique<ChildProcess>(
       client("intents_recorder.py", {notes().string(), behaviour().string()}));
-  if (!eventually([this] { return phone.processOf(intentsName).has_value(); })) {
+  const auto isThere = [this] { return phone.processOf(intentsName) == intents->id(); };
+  if (!eventually(isThere, std::chrono::seconds(60))) {
     throw std::runtime_error("no service of the intents");
   }
 }
@@ -113,7 +123,8 @@ void WatchedPhone::startWatcher(std::chrono::milliseconds performPatience,
       ProgramCall{.program = linux_platform::programFolder() / "kivo-impatient-sms-watcher",
                   .arguments = {std::to_string(performPatience.count()),
                                 std::to_string(modemPatience.count())}});
-  if (!eventually([this] { return phone.processOf(watcherName).has_value(); })) {
+  const auto isThere = [this] { return phone.processOf(watcherName) == watcher->id(); };
+  if (!eventually(isThere, std::chrono::seconds(60))) {
     throw std::runtime_error("no watcher: " + watcher->wait(std::chrono::seconds(1)).errors);
   }
 }
@@ -172,6 +183,13 @@ std::vector<std::string> WatchedPhone::handedOn() {
     underWay = true;
   }
   return texts;
+}
+
+bool WatchedPhone::lastIsAnswered() {
+  std::ifstream in(notes());
+  std::string last;
+  for (std::string line; std::getline(in, line);) last = line;
+  return last == "end";
 }
 
 std::vector<std::string> WatchedPhone::waitForHandedOn(std::size_t count) {

@@ -74,6 +74,8 @@ class WatchedPhone : public ::testing::Test {
   [[nodiscard]] std::vector<std::string> handedOn();
   /// Waits until there are `count` of them; all that there are.
   std::vector<std::string> waitForHandedOn(std::size_t count);
+  /// Whether the last of them has ended.
+  bool lastIsAnswered();
   /// Has the watcher hand on one message more, and waits for it: what came before it is then
   /// decided. All that were handed on before.
   std::vector<std::string> handedOnBeforeOneMore();
@@ -88,6 +90,7 @@ class WatchedPhone : public ::testing::Test {
  private:
   std::filesystem::path notes() { return phone.folders().home() / "notes"; }
   std::filesystem::path behaviour() { return phone.folders().home() / "behaviour"; }
+  bool hasModemManager();
   linux_platform::ProgramResult onSystemBus(const std::string& service, const std::string& path,
                                             const std::string& method, const std::string& argument);
 };

@@ -55,7 +55,7 @@ def main():
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     bus = dbus.bus.BusConnection(os.environ["DBUS_SESSION_BUS_ADDRESS"])
     service = Intents(bus, PATH)
-    bus.request_name(NAME, dbus.bus.NAME_FLAG_DO_NOT_QUEUE)
+    bus.request_name(NAME)
     GLib.MainLoop().run()
     return service
 

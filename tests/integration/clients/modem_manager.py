@@ -176,7 +176,7 @@ def main():
     for modem, its_messages in json.loads(sys.argv[1]).items():
         manager.add_modem(modem, its_messages)
     test = Test(bus, manager)
-    bus.request_name(NAME, dbus.bus.NAME_FLAG_DO_NOT_QUEUE)
+    bus.request_name(NAME)
     GLib.MainLoop().run()
     return test
 
