@@ -64,7 +64,7 @@ std::optional<Value> valueOf(const Properties& properties, const char* key) {
 
 std::optional<ModemMessage> receivedText(const Properties& properties, Arrival arrival) {
   using namespace modem_wire;
-  const auto type = valueOf<std::uint32_t>(properties, pduType);
+  const std::uint32_t type = valueOf<std::uint32_t>(properties, pduType).value_or(0);
   if (valueOf<std::uint32_t>(properties, state) != stateReceived) return std::nullopt;
   if (type != pduDeliver && type != pduCdmaDeliver) return std::nullopt;
   auto content = valueOf<std::string>(properties, text);
@@ -83,6 +83,7 @@ struct ModemMessages::Bus {
       : patience(patienceOfCalls), pause(firstPause) {}
 
   void listen();
+  void findOwner();
   void setOwner(const std::string& name);
   void heardOfAdded(sdbus::Message& signal);
   void heardOfChange(sdbus::Message& signal);
@@ -138,10 +139,13 @@ void ModemMessages::Bus::listen() {
      [this](auto& signal) { heardOfChange(signal); });
   on(signalRule(service, objectManager, interfacesAdded),
      [this](auto& signal) { heardOfInterfaces(signal); });
+}
 
-  const auto proxy = sdbus::createProxy(bus, bus_names::bus.service, bus_names::bus.path);
+void ModemMessages::Bus::findOwner() {
+  const auto proxy =
+      sdbus::createProxy(loop.connection(), bus_names::bus.service, bus_names::bus.path);
   auto question = proxy->createMethodCall(bus_names::bus.interface, "GetNameOwner");
-  question << service;
+  question << modem_wire::service;
   try {
     std::string name;
     sdbus::MethodReply answer = proxy->callMethod(question, patience);
@@ -229,6 +233,7 @@ ModemMessages::ModemMessages(std::chrono::milliseconds patience, std::chrono::mi
     : bus_(std::make_unique<Bus>(patience, pause)) {
   try {
     bus_->listen();
+    bus_->findOwner();
   } catch (const sdbus::Error&) {
     throw std::runtime_error("the system bus cannot be listened to");
   }
