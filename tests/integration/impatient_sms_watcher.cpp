@@ -13,5 +13,5 @@ int main(int, char** argv) {
                               .modemCall = std::chrono::milliseconds(std::stoi(argv[2])),
                               .perform = std::chrono::milliseconds(std::stoi(argv[1])),
                               .end = 3s,
-                              .pauses = {.first = 20ms, .longest = 200ms}});
+                              .pauses = {.settle = 20ms, .first = 20ms, .longest = 200ms}});
 }

@@ -191,9 +191,23 @@ TEST_F(AnSmsWatcher, LeavesMessagesThatAreOlderThanTheNamingOfTheirSender) {
                      message("3", "This morning", "MyBank", sent(6h))});
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("This morning"));
-  // A message that comes now is news, whatever the network's clock says.
-  receive(message("4", "From a wrong clock", "MyBank", R"("Timestamp":"1980-01-06T00:00:00+00")"));
-  EXPECT_THAT(waitForHandedOn(3), ElementsAre("This morning", "One more", "From a wrong clock"));
+  // Those that a modem tells of when it is switched on are no newer.
+  receive(message("4", "Three days ago", "MyBank", sent(72h)));
+  receive(message("5", "Now"));
+  EXPECT_THAT(waitForHandedOn(3), ElementsAre("This morning", "One more", "Now"));
+  EXPECT_EQ(endWatcher().errors,
+            "kivo-sms-watcher: handing on the messages of 1 sender\n"
+            "kivo-sms-watcher: messages that were sent more than a day before their sender was "
+            "named stay where they are\n");
+}
+
+TEST_F(AnSmsWatcher, HandsOnWhatAModemTellsOfThatDoesNotListItsMessagesYet) {
+  startModemManager();
+  modem(
+      R"("do":"fault","method":"List","fault":"org.freedesktop.ModemManager1.Error.Core.WrongState")");
+  startWatcher();
+  receive(message("1", "Paid 150"));
+  EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
 TEST_F(AnSmsWatcher, ReachesBackNoFurtherForASenderThatIsNamedLater) {

@@ -17,19 +17,15 @@ SmsWatcher::SmsWatcher(linux_platform::WatcherRecord record, Pauses pauses)
 
 void SmsWatcher::setSenders(const std::vector<std::string>& senders, Moment changed) {
   namedSince_ = record_.namedSince(senders, std::min(changed, Date::now()));
-  waiting_.keep([this](const WaitingMessage& one) {
-    return std::any_of(namedSince_.begin(), namedSince_.end(), [&one](const auto& named) {
-      return SenderPattern::means(named.first, one.number);
-    });
-  });
+  waiting_.keep([this](const WaitingMessage& one) { return isNamed(one.number); });
 }
 
-bool SmsWatcher::isMeant(const ModemMessage& message, std::optional<Moment> sent) const {
+bool SmsWatcher::isNamed(const std::string& number) const { return isNews(number, Moment::max()); }
+
+bool SmsWatcher::isNews(const std::string& number, Moment sent) const {
   return std::any_of(namedSince_.begin(), namedSince_.end(), [&](const auto& named) {
     const auto& [sender, since] = named;
-    const bool isNews =
-        message.arrival == ModemMessage::Arrival::heard || !sent || *sent > since - reachBack;
-    return isNews && SenderPattern::means(sender, message.number);
+    return sent > since - reachBack && SenderPattern::means(sender, number);
   });
 }
 
@@ -38,8 +34,10 @@ bool SmsWatcher::isKnown(const std::string& mark) const {
          unrecorded_.contains(mark) || record_.isHandled(mark);
 }
 
-void SmsWatcher::take(const std::vector<ModemMessage>& messages, Extent extent) {
+std::size_t SmsWatcher::take(const std::vector<ModemMessage>& messages, Extent extent,
+                             Clock::time_point now) {
   std::set<std::string> marks;
+  std::size_t tooOld = 0;
   for (const ModemMessage& message : messages) {
     const auto sent = momentSent(message.timestamp);
     // The same moment may be written otherwise by another version of what reads the modem.
@@ -47,11 +45,16 @@ void SmsWatcher::take(const std::vector<ModemMessage>& messages, Extent extent) 
         sent ? std::to_string(sent->time_since_epoch().count()) : message.timestamp;
     const std::string mark = record_.markOf(message.number, time, message.text);
     marks.insert(mark);
-    if (!isMeant(message, sent) || isKnown(mark)) continue;
+    if (!isNamed(message.number) || isKnown(mark)) continue;
+    if (!isNews(message.number, sent.value_or(Moment::max()))) {
+      ++tooOld;
+      continue;
+    }
     waiting_.add({.mark = mark, .number = message.number, .text = message.text, .sent = sent});
-    notBefore_ = {};  // a new message does not wait for another's sake
+    notBefore_ = now + pauses_.settle;  // and not for the sake of one that failed
   }
   if (extent == Extent::everything) record_.heldByModems(marks, Date::now());
+  return tooOld;
 }
 
 std::optional<std::chrono::milliseconds> SmsWatcher::untilNext(Clock::time_point now) const {

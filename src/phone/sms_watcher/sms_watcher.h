@@ -20,17 +20,19 @@ namespace kivo {
 class SmsWatcher {
  public:
   using Clock = std::chrono::steady_clock;
-  /// How long it waits after a message that could not be handed on: `first`, then twice as long
-  /// each time, `longest` at most.
+  /// How long it waits: `settle` after a message has come, since several come in any order when a
+  /// modem is switched on; after one that could not be handed on `first`, then twice as long each
+  /// time, `longest` at most.
   struct Pauses {
+    std::chrono::milliseconds settle = std::chrono::seconds(1);
     std::chrono::milliseconds first = std::chrono::seconds(2);
     std::chrono::milliseconds longest = std::chrono::minutes(5);
   };
   /// Whether the messages given are all that the modems hold.
   enum class Extent { everything, some };
 
-  /// A message that a modem held when it was looked at is handed on unless it was sent longer than
-  /// this before its sender was named: what a person has had for years is no news. Long enough for
+  /// A message is left where it is when it was sent longer than this before its sender was named:
+  /// what a person has had for years is no news, and would count as paid today. Long enough for
   /// clocks and time zones that are wrong.
   static constexpr std::chrono::hours reachBack{24};
 
@@ -40,8 +42,10 @@ class SmsWatcher {
   /// settings that name them were. Forgets waiting messages of others.
   void setSenders(const std::vector<std::string>& senders, platform::Moment changed);
 
-  /// Takes those of `messages` that are to be handed on and were not yet.
-  void take(const std::vector<linux_platform::ModemMessage>& messages, Extent extent);
+  /// Takes those of `messages` that are to be handed on and were not yet; yields how many of named
+  /// senders it left because they are too old.
+  std::size_t take(const std::vector<linux_platform::ModemMessage>& messages, Extent extent,
+                   Clock::time_point now);
 
   /// How long until a message is to be handed on; none while one is under way or none waits.
   [[nodiscard]] std::optional<std::chrono::milliseconds> untilNext(Clock::time_point now) const;
@@ -56,8 +60,8 @@ class SmsWatcher {
   void failed(Clock::time_point now);
 
  private:
-  [[nodiscard]] bool isMeant(const linux_platform::ModemMessage& message,
-                             std::optional<platform::Moment> sent) const;
+  [[nodiscard]] bool isNamed(const std::string& number) const;
+  [[nodiscard]] bool isNews(const std::string& number, platform::Moment sent) const;
   [[nodiscard]] bool isKnown(const std::string& mark) const;
   bool record(const std::string& mark);
 

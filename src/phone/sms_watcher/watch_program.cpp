@@ -50,6 +50,7 @@ class WatchProgram {
   std::optional<milliseconds> turn();
   milliseconds handOnWhatIsDue();
   void applySettings();
+  void readModems();
   void takeOutcome(milliseconds patience);
   bool mayHandOn();
 
@@ -61,6 +62,7 @@ class WatchProgram {
   WatchSettings settings_;
   // What was said last, so that nothing is said over and over.
   bool saidThatNobodyIsSignedIn_ = false;
+  bool saidThatSomeAreTooOld_ = false;
   std::optional<std::string> saidError_;
 };
 
@@ -85,13 +87,18 @@ std::optional<milliseconds> WatchProgram::turn() {
   takeOutcome(milliseconds(0));
   if (settings_.senders().empty()) return limits_.look;
 
-  if (modems_.untilReading() == milliseconds(0)) {
-    const ModemMessages::Reading reading = modems_.read();
-    watcher_.take(reading.messages,
-                  reading.everything ? SmsWatcher::Extent::everything : SmsWatcher::Extent::some);
-  }
+  if (modems_.untilReading() == milliseconds(0)) readModems();
   const milliseconds untilReading = modems_.untilReading().value_or(limits_.look);
   return std::min({limits_.look, untilReading, handOnWhatIsDue()});
+}
+
+void WatchProgram::readModems() {
+  const ModemMessages::Reading reading = modems_.read();
+  const auto extent =
+      reading.everything ? SmsWatcher::Extent::everything : SmsWatcher::Extent::some;
+  const auto tooOld = watcher_.take(reading.messages, extent, SmsWatcher::Clock::now());
+  if (tooOld == 0 || std::exchange(saidThatSomeAreTooOld_, true)) return;
+  tell("messages that were sent more than a day before their sender was named stay where they are");
 }
 
 // Begins to hand on the next message when it is time; yields how long until there is one.
@@ -106,6 +113,7 @@ milliseconds WatchProgram::handOnWhatIsDue() {
 void WatchProgram::applySettings() {
   if (!settings_.refresh() || settings_.broken()) return;
   watcher_.setSenders(settings_.senders(), settings_.changed());
+  saidThatSomeAreTooOld_ = false;
   modems_.lookAtAll();  // the messages of who was named only now
 }
 

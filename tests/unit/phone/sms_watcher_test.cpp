@@ -24,7 +24,7 @@ class AWatcherOfMessages : public testing::Test {
   AWatcherOfMessages() { watcher.setSenders({"MyBank"}, start); }
 
   SmsWatcher freshWatcher() {
-    return {WatcherRecord::open().value(), {.first = 2s, .longest = 10s}};
+    return {WatcherRecord::open().value(), {.settle = 0s, .first = 2s, .longest = 10s}};
   }
   static ModemMessage message(const std::string& text, std::chrono::seconds age = 1s,
                               const std::string& number = "MyBank") {
@@ -32,7 +32,9 @@ class AWatcherOfMessages : public testing::Test {
             .text = text,
             .timestamp = platform::ISO8601DateFormatter::string(start - age)};
   }
-  void take(const std::vector<ModemMessage>& messages) { watcher.take(messages, Extent::some); }
+  std::size_t take(const std::vector<ModemMessage>& messages) {
+    return watcher.take(messages, Extent::some, now);
+  }
   // What is handed on at this moment, when each is answered.
   std::vector<std::string> handedOn() {
     std::vector<std::string> texts;
@@ -173,11 +175,23 @@ TEST_F(AWatcherOfMessages, BelievesNoNamingInTheFuture) {
   EXPECT_THAT(handedOn(), ElementsAre("Bank"));
 }
 
-TEST_F(AWatcherOfMessages, TakesWhatIsHeardNowHoweverOldItSaysToBe) {
-  ModemMessage heard = message("Heard", 24h * 365);
-  heard.arrival = ModemMessage::Arrival::heard;
-  take({heard});
-  EXPECT_THAT(handedOn(), ElementsAre("Heard"));
+TEST_F(AWatcherOfMessages, CountsThoseThatItLeavesForTheirAge) {
+  EXPECT_EQ(take({message("Old", 48h), message("Older", 72h), message("Young"),
+                  message("Old, of others", 48h, "Other")}),
+            2U);
+  EXPECT_EQ(take({message("Young")}), 0U);
+}
+
+TEST_F(AWatcherOfMessages, LetsMessagesThatComeTogetherGetIntoTheirOrder) {
+  watcher = SmsWatcher(WatcherRecord::open().value(), {.settle = 1s, .first = 2s, .longest = 10s});
+  watcher.setSenders({"MyBank"}, start);
+  take({message("Two", 2s)});
+  EXPECT_EQ(watcher.untilNext(now), 1s);
+  now += 500ms;
+  take({message("One", 3s)});
+  EXPECT_EQ(watcher.untilNext(now), 1s);
+  now += 1s;
+  EXPECT_THAT(handedOn(), ElementsAre("One", "Two"));
 }
 
 TEST_F(AWatcherOfMessages, DoesNotRepeatWhatItCouldNotRecord) {

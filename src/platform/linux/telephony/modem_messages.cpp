@@ -22,7 +22,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Properties = std::map<std::string, sdbus::Variant>;
 using Interfaces = std::map<std::string, Properties>;
-using Arrival = ModemMessage::Arrival;
 
 constexpr std::chrono::milliseconds longestPause = std::chrono::minutes(5);
 
@@ -62,7 +61,7 @@ std::optional<Value> valueOf(const Properties& properties, const char* key) {
   return found->second.get<Value>();
 }
 
-std::optional<ModemMessage> receivedText(const Properties& properties, Arrival arrival) {
+std::optional<ModemMessage> receivedText(const Properties& properties) {
   using namespace modem_wire;
   const std::uint32_t type = valueOf<std::uint32_t>(properties, pduType).value_or(0);
   if (valueOf<std::uint32_t>(properties, state) != stateReceived) return std::nullopt;
@@ -72,8 +71,7 @@ std::optional<ModemMessage> receivedText(const Properties& properties, Arrival a
   if (!content || content->empty() || !sender) return std::nullopt;  // say, binary data only
   return ModemMessage{.number = std::move(*sender),
                       .text = std::move(*content),
-                      .timestamp = valueOf<std::string>(properties, timestamp).value_or(""),
-                      .arrival = arrival};
+                      .timestamp = valueOf<std::string>(properties, timestamp).value_or("")};
 }
 
 }  // namespace
@@ -104,8 +102,7 @@ struct ModemMessages::Bus {
   // name, by which the bus starts none, and no answer of one comes from another.
   std::string owner;
   bool all = false;
-  std::set<std::string> news;         // paths of messages to be read
-  std::set<std::string> fromNetwork;  // paths that came from the network, until they are read
+  std::set<std::string> news;  // paths of messages to be read
   Clock::time_point notBefore{};
   std::chrono::milliseconds nextPause = pause;
 };
@@ -161,17 +158,14 @@ void ModemMessages::Bus::setOwner(const std::string& name) {
   owner = name;
   all = !name.empty();
   news.clear();
-  fromNetwork.clear();
   notBefore = {};
   nextPause = pause;
 }
 
 void ModemMessages::Bus::heardOfAdded(sdbus::Message& signal) {
   sdbus::ObjectPath path;
-  bool received = false;
-  signal >> path >> received;
+  signal >> path;  // whether it comes from the network is said of stored ones too
   news.insert(path);
-  if (received) fromNetwork.insert(path);
 }
 
 void ModemMessages::Bus::heardOfChange(sdbus::Message& signal) { news.insert(signal.getPath()); }
@@ -217,10 +211,7 @@ std::set<std::string> ModemMessages::Bus::messagesOfAllModems(bool& whole) {
 std::optional<ModemMessage> ModemMessages::Bus::message(const std::string& path) {
   const auto properties =
       call<Properties>(path, modem_wire::properties, modem_wire::getAll, modem_wire::sms);
-  const Arrival arrival = fromNetwork.contains(path) ? Arrival::heard : Arrival::found;
-  auto text = receivedText(properties, arrival);
-  if (text) fromNetwork.erase(path);
-  return text;
+  return receivedText(properties);
 }
 
 void ModemMessages::Bus::lookAgainLater() {
@@ -286,7 +277,6 @@ void ModemMessages::lookAtAll() {
   bus_->all = true;
   bus_->notBefore = {};
   bus_->news.clear();
-  bus_->fromNetwork.clear();
 }
 
 void ModemMessages::wake() noexcept { bus_->loop.wake(); }

@@ -45,7 +45,7 @@ class ModemMessages {
   /// and for `patience` at most when it does not answer.
   Reading read();
 
-  /// Has the next reading read everything; what came just now and was not read counts as found.
+  /// Has the next reading read everything.
   void lookAtAll();
 
   /// Ends a wait of `serve`. From any thread.
