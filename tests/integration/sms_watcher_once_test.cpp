@@ -195,7 +195,15 @@ TEST_F(AMessageThatIsNotAnswered, IsHandedOnTwiceRatherThanNotWhenItsAnswerWasNo
   {
     testkit::RawStore inTheWay(phone.folders().dataHome() / "app.kivo.SmsWatcher" /
                                "defaults.sqlite3");
-    inTheWay.run("BEGIN IMMEDIATE");
+    const auto locked = [&] {
+      try {
+        inTheWay.run("BEGIN IMMEDIATE");
+        return true;
+      } catch (const std::runtime_error&) {
+        return false;  // the watcher is writing
+      }
+    };
+    ASSERT_TRUE(eventually(locked));
     receive(message("2", "Paid 151"));
     ASSERT_TRUE(
         eventually([&] { return handedOn().back() == "Paid 151" && lastIsAnswered(); }, 60s));

@@ -258,7 +258,7 @@ TEST_F(AnSmsWatcher, HoldsMessagesUntilSomebodyIsSignedIn) {
   SharedStore store = SharedStore::open(appGroup).value();
   store.writeText(StoreKeys::userId, "");
   ASSERT_TRUE(store.synchronize());
-  startModemManager({message("1", "Paid 150")});
+  startModemManager({message("1", "Paid 150", "MyBank", sent(5s))});
   startWatcher();
   receive(message("2", "Paid 151"));
   std::this_thread::sleep_for(500ms);

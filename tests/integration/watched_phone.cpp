@@ -198,7 +198,7 @@ std::vector<std::string> WatchedPhone::waitForHandedOn(std::size_t count) {
 }
 
 std::vector<std::string> WatchedPhone::handedOnBeforeOneMore() {
-  receive(message("9999", "One more"));
+  receive(message("9999", "One more", "MyBank", sent(std::chrono::seconds(-60))));
   eventually(
       [&] {
         const auto texts = handedOn();

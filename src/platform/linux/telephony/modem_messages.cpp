@@ -91,6 +91,7 @@ struct ModemMessages::Bus {
               const char* argument = nullptr);
   std::set<std::string> messagesOfAllModems(bool& whole);
   std::optional<ModemMessage> message(const std::string& path);
+  void readUnread(std::vector<ModemMessage>& messages, bool& whole);
   void lookAgainLater();
 
   const std::chrono::milliseconds patience;
@@ -102,7 +103,8 @@ struct ModemMessages::Bus {
   // name, by which the bus starts none, and no answer of one comes from another.
   std::string owner;
   bool all = false;
-  std::set<std::string> news;  // paths of messages to be read
+  std::set<std::string> news;    // paths of messages that were heard of
+  std::set<std::string> unread;  // paths of messages to be read
   Clock::time_point notBefore{};
   std::chrono::milliseconds nextPause = pause;
 };
@@ -158,6 +160,7 @@ void ModemMessages::Bus::setOwner(const std::string& name) {
   owner = name;
   all = !name.empty();
   news.clear();
+  unread.clear();
   notBefore = {};
   nextPause = pause;
 }
@@ -214,6 +217,21 @@ std::optional<ModemMessage> ModemMessages::Bus::message(const std::string& path)
   return receivedText(properties);
 }
 
+void ModemMessages::Bus::readUnread(std::vector<ModemMessage>& messages, bool& whole) {
+  for (const std::string& path : std::set<std::string>(unread)) {
+    whole = whole && !stopping;
+    if (stopping) return;
+    try {
+      if (auto text = message(path)) messages.push_back(std::move(*text));
+      unread.erase(path);
+    } catch (const sdbus::Error& error) {
+      if (isUnanswered(error)) throw;
+      if (isNotThere(error)) unread.erase(path);
+      whole = whole && isNotThere(error);
+    }
+  }
+}
+
 void ModemMessages::Bus::lookAgainLater() {
   all = true;
   notBefore = Clock::now() + nextPause;
@@ -239,7 +257,6 @@ bool ModemMessages::serve(
 
 std::optional<std::chrono::milliseconds> ModemMessages::untilReading() const {
   if (bus_->owner.empty() || (!bus_->all && bus_->news.empty())) return std::nullopt;
-  // What is heard of is read at once: another program may delete it as soon as it has read it.
   if (!bus_->news.empty()) return std::chrono::milliseconds(0);
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(bus_->notBefore - Clock::now());
   return std::max(left, std::chrono::milliseconds(0));
@@ -247,22 +264,16 @@ std::optional<std::chrono::milliseconds> ModemMessages::untilReading() const {
 
 ModemMessages::Reading ModemMessages::read() {
   Reading reading;
-  std::set<std::string> paths = std::exchange(bus_->news, {});
   bool whole = true;
   const bool all = bus_->all && Clock::now() >= bus_->notBefore;
   try {
+    // First, since another program may delete a message as soon as it has read it.
+    bus_->unread.merge(std::exchange(bus_->news, {}));
+    bus_->readUnread(reading.messages, whole);
     if (all) {
       bus_->all = false;
-      paths.merge(bus_->messagesOfAllModems(whole));
-    }
-    for (const std::string& path : paths) {
-      if (bus_->stopping) return reading;
-      try {
-        if (auto message = bus_->message(path)) reading.messages.push_back(std::move(*message));
-      } catch (const sdbus::Error& error) {
-        if (isUnanswered(error)) throw;
-        whole = whole && isNotThere(error);
-      }
+      bus_->unread.merge(bus_->messagesOfAllModems(whole));
+      bus_->readUnread(reading.messages, whole);
     }
   } catch (const sdbus::Error&) {
     whole = false;
@@ -276,7 +287,6 @@ ModemMessages::Reading ModemMessages::read() {
 void ModemMessages::lookAtAll() {
   bus_->all = true;
   bus_->notBefore = {};
-  bus_->news.clear();
 }
 
 void ModemMessages::wake() noexcept { bus_->loop.wake(); }
