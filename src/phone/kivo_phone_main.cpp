@@ -6,6 +6,7 @@
 
 #include "phone/phone_terminal.h"
 #include "phone/queue_commands.h"
+#include "phone/sms_watcher/watch_commands.h"
 #include "phone/value_listing.h"
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
@@ -180,6 +181,7 @@ linux_platform::CommandProgram phone() {
           },
   };
   for (Command& command : queueCommands()) program.commands.push_back(std::move(command));
+  for (Command& command : watchCommands()) program.commands.push_back(std::move(command));
   return program;
 }
 

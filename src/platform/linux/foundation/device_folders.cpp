@@ -14,13 +14,23 @@ std::optional<std::filesystem::path> folderFrom(const char* variable) {
   return folder;
 }
 
+// The folder that the variable names, else `inHome` below the home.
+std::optional<std::filesystem::path> folderFromOrInHome(const char* variable,
+                                                        const std::filesystem::path& inHome) {
+  if (auto folder = folderFrom(variable)) return folder;
+  const auto home = folderFrom("HOME");
+  if (!home) return std::nullopt;
+  return *home / inHome;
+}
+
 }  // namespace
 
 std::optional<std::filesystem::path> dataHome() {
-  if (auto folder = folderFrom("XDG_DATA_HOME")) return folder;
-  const auto home = folderFrom("HOME");
-  if (!home) return std::nullopt;
-  return *home / ".local" / "share";
+  return folderFromOrInHome("XDG_DATA_HOME", ".local/share");
+}
+
+std::optional<std::filesystem::path> configHome() {
+  return folderFromOrInHome("XDG_CONFIG_HOME", ".config");
 }
 
 }  // namespace kivo::linux_platform

@@ -1,4 +1,4 @@
-// Where this person's data lies on the disk. Makes no folder.
+// Where this person's data and settings lie on the disk. Makes no folder.
 #pragma once
 
 #include <filesystem>
@@ -8,5 +8,8 @@ namespace kivo::linux_platform {
 
 /// $XDG_DATA_HOME, or ~/.local/share when that is unset, empty or relative; none without a home.
 std::optional<std::filesystem::path> dataHome();
+
+/// $XDG_CONFIG_HOME, or ~/.config when that is unset, empty or relative; none without a home.
+std::optional<std::filesystem::path> configHome();
 
 }  // namespace kivo::linux_platform

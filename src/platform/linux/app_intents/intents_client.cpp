@@ -1,0 +1,131 @@
+#include "platform/linux/app_intents/intents_client.h"
+
+#include <condition_variable>
+#include <future>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <utility>
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/process/bus_thread.h"
+#include "platform/linux/user_notifications/center_calls.h"
+
+namespace kivo::linux_platform {
+namespace {
+
+constexpr const char* nobody = "org.freedesktop.DBus.Error.Disconnected";
+
+// Takes `name` on the bus's thread; an error's words, or none.
+std::optional<std::string> takeName(BusThread& bus, const std::string& name) {
+  const auto taking = std::make_shared<std::promise<std::optional<std::string>>>();
+  auto taken = taking->get_future();
+  bus.post([taking, name](StandingConnection* standing) {
+    if (standing == nullptr) return taking->set_value("there is no session bus");
+    try {
+      standing->connection().requestName(name);
+      taking->set_value(std::nullopt);
+    } catch (const sdbus::Error&) {
+      taking->set_value("another program is " + name);
+    }
+  });
+  constexpr std::chrono::seconds patience(30);
+  if (taken.wait_for(patience) != std::future_status::ready) {
+    return "the session bus does not answer";
+  }
+  return taken.get();
+}
+
+}  // namespace
+
+struct IntentsClient::State {
+  std::chrono::milliseconds patience;
+  mutable std::mutex mutex;
+  std::condition_variable changed;
+  // All guarded by the mutex.
+  std::function<void()> onChange;
+  bool underWay = false;
+  bool lost = false;
+  std::optional<Outcome> outcome;
+
+  void end(std::optional<std::string> error) {
+    const std::lock_guard lock(mutex);
+    if (!std::exchange(underWay, false)) return;
+    outcome = Outcome{std::move(error)};
+    tell();
+  }
+  void lose() {
+    end(nobody);
+    const std::lock_guard lock(mutex);
+    lost = true;
+    tell();
+  }
+  void tell() {
+    changed.notify_all();
+    if (onChange) onChange();
+  }
+};
+
+IntentsClient::IntentsClient(const std::string& ownName, std::chrono::milliseconds patience,
+                             std::function<void()> onChange)
+    : state_(std::make_shared<State>()) {
+  state_->patience = patience;
+  state_->onChange = std::move(onChange);
+  bus_ = std::make_unique<BusThread>([] { return sdbus::createSessionBusConnection(); },
+                                     [state = state_] { state->lose(); });
+  if (const auto error = takeName(*bus_, ownName)) throw std::runtime_error(*error);
+}
+
+IntentsClient::~IntentsClient() {
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->onChange = nullptr;
+  }
+  bus_->finish(std::chrono::seconds(1));
+}
+
+void IntentsClient::perform(const std::string& intent, const std::string& parameter,
+                            const std::string& text) {
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->underWay = true;
+  }
+  bus_->post([state = state_, intent, parameter, text](StandingConnection* standing) {
+    if (standing == nullptr) return state->end(nobody);
+    try {
+      const BusObject& intents = bus_names::intents;
+      sdbus::IProxy& proxy = standing->proxy(intents);
+      auto call = proxy.createMethodCall(intents.interface, intents_wire::perform);
+      call << busText(intent)
+           << std::map<std::string, sdbus::Variant>{{busText(parameter), busText(text)}};
+      proxy.callMethod(
+          call,
+          [state](sdbus::MethodReply&, const sdbus::Error* error) {
+            state->end(error == nullptr ? std::nullopt : std::optional(error->getName()));
+          },
+          state->patience);
+    } catch (const sdbus::Error& error) {
+      state->end(error.getName());
+    }
+  });
+}
+
+bool IntentsClient::busy() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->underWay || state_->outcome;
+}
+
+std::optional<IntentsClient::Outcome> IntentsClient::takeOutcome(std::chrono::milliseconds limit) {
+  std::unique_lock lock(state_->mutex);
+  state_->changed.wait_for(lock, limit, [this] { return !state_->underWay; });
+  return std::exchange(state_->outcome, std::nullopt);
+}
+
+bool IntentsClient::lost() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->lost;
+}
+
+}  // namespace kivo::linux_platform

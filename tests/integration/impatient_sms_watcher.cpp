@@ -1,0 +1,17 @@
+// The watcher of messages with limits for tests. Arguments: how long it waits for an intent, and
+// for ModemManager, in milliseconds.
+#include <chrono>
+#include <string>
+
+#include "phone/sms_watcher/watch_program.h"
+#include "platform/linux/process/process_start.h"
+
+int main(int, char** argv) {
+  using namespace std::chrono_literals;
+  kivo::linux_platform::startProcess();
+  return kivo::runSmsWatcher({.look = 100ms,
+                              .modemCall = std::chrono::milliseconds(std::stoi(argv[2])),
+                              .perform = std::chrono::milliseconds(std::stoi(argv[1])),
+                              .end = 3s,
+                              .pauses = {.settle = 20ms, .first = 20ms, .longest = 200ms}});
+}
