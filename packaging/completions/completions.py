@@ -99,7 +99,7 @@ def zsh(catalog):
         "        return",
         "    fi",
         "    case $words[2]:$words[3] in",
-        "    catalog:*) _arguments " + flag + " ;;",
+        "    catalog:*) shift words; (( CURRENT-- )); _arguments " + flag + " ;;",
         "    say:*)",
         "        if (( CURRENT == 3 )); then compadd -X phrase -a phrases; return; fi",
         "        shift 2 words; (( CURRENT -= 2 ))",
