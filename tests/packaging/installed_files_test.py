@@ -95,7 +95,7 @@ class InstalledFiles(unittest.TestCase):
             with self.subTest(unit.name):
                 self.assertEqual(judge("systemd-analyze", "verify", "--user", unit, env=environment), ("", 0))
         spoiled = self.kivo.folder / "spoiled.service"
-        spoiled.write_text(units[0].read_text().replace("[Service]", "[Service]\nUnheardOf=yes"))
+        spoiled.write_text((self.units / "kivo-intents.service").read_text().replace("[Service]", "[Service]\nUnheardOf=yes"))
         self.assertIn("UnheardOf", judge("systemd-analyze", "verify", "--user", spoiled, env=environment)[0])
 
     def test_bus_and_service_manager_start_the_same(self):
