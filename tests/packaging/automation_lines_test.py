@@ -62,6 +62,22 @@ class AutomationLines(unittest.TestCase):
         self.run_lines("Termux, on an Android phone")
         self.assertEqual([one["sms_text"] for one in self.kivo.backend.requests], texts)
 
+    def test_kde_connect_hands_each_message_of_the_bank_over_once(self):
+        texts = ["first\nline بمبلغ 💳 \\n $(id)", "second\n\n"]
+        told = [(texts[0], "MyBank", 1, 12), ("Call me", "Mother", 1, 13), ("what I sent", "MyBank", 2, 14),
+                (texts[0], "MyBank", 1, 12), (texts[1], "MyBank", 1, 15)]
+        # As the bus of kdeconnectd 22.12 has it.
+        signals = [{"type": "signal", "member": "conversationUpdated", "payload": {"type": "v", "data": [{
+            "type": "(isa(s)xiixixa(xsss))",
+            "data": [1, text, [[sender]], 1795000000000 + number, kind, 0, 4, number, 1, []]}]}}
+            for text, sender, kind, number in told]
+        signals.insert(1, {"type": "signal", "member": "conversationLoaded", "payload": {"type": "xt", "data": [4, 1]}})
+        (self.home / "signals").write_text("".join(json.dumps(one) + "\n" for one in signals))
+        self.stand_in("busctl", "cat ~/signals")
+        for _ in range(2):
+            self.run_lines("KDE Connect, from an Android phone")
+        self.assertEqual([one["sms_text"] for one in self.kivo.backend.requests], texts)
+
 
 if __name__ == "__main__":
     unittest.main()
