@@ -72,7 +72,7 @@ def phrases(catalog):
 
 
 def zsh_word(text):
-    """`text` as the description inside an _arguments or _describe specification."""
+    """`text` as the description as _arguments and _describe take it."""
     return text.replace("\\", "\\\\").replace(":", "\\:").replace("[", "\\[").replace("]", "\\]")
 
 
