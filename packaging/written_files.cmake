@@ -1,0 +1,26 @@
+# What is done before the first file is installed; see CMakeLists.txt.
+
+# Makes `folder`, and those that lead to it, for everyone to enter. What CMake makes by itself is as the
+# umask has it, so that root may install what nobody finds.
+function(kivo_make_folder folder)
+  if(EXISTS "${folder}")
+    return()
+  endif()
+  get_filename_component(parent "${folder}" DIRECTORY)
+  kivo_make_folder("${parent}")
+  file(MAKE_DIRECTORY "${folder}")
+  file(CHMOD "${folder}" PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+endfunction()
+foreach(folder ${KIVO_FOLDERS})
+  kivo_make_folder("$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/${folder}")
+endforeach()
+
+# The date of what is packaged: SOURCE_DATE_EPOCH where it is set, as by scripts/package.
+string(TIMESTAMP KIVO_RELEASE_DATE "%Y-%m-%d" UTC)
+string(TIMESTAMP KIVO_RELEASE_TIME "%a, %d %b %Y %H:%M:%S +0000" UTC)
+
+file(READ ${KIVO_PACKAGING}/systemd/confinement.conf KIVO_CONFINEMENT)
+string(STRIP "${KIVO_CONFINEMENT}" KIVO_CONFINEMENT)
+file(REMOVE_RECURSE ${KIVO_WRITTEN})
+file(MAKE_DIRECTORY ${KIVO_WRITTEN})

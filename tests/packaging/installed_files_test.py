@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+"""Has each installed file judged by the tool that knows its kind."""
+import configparser
+import os
+import pathlib
+import re
+import stat
+import subprocess
+import unittest
+
+from installed_kivo import PREFIX, InstalledKivo
+
+SOURCE = pathlib.Path(os.environ["KIVO_SOURCE"])
+PROGRAMS = {"kivo-intents", "kivo-notification-center", "kivo-phone", "kivo-sms-watcher"}
+
+
+def judge(*command, **options):
+    """What the tool says, and its exit status."""
+    result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=60, **options)
+    return result.stdout, result.returncode
+
+
+def unit_file(path):
+    """The sections of a file of units, services or desktops; of a doubled key, the last value."""
+    parsed = configparser.ConfigParser(interpolation=None, strict=False)
+    parsed.optionxform = str
+    parsed.read_string(path.read_text())
+    return parsed
+
+
+class InstalledFiles(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.kivo = InstalledKivo()
+        cls.addClassCleanup(cls.kivo.close)
+        cls.share = PREFIX / "share"
+        cls.programs = sorted((PREFIX / "bin").iterdir())
+        cls.services = sorted((cls.share / "dbus-1/services").iterdir())
+        cls.units = PREFIX / "lib/systemd/user"
+
+    def test_the_programs_are_there_and_look_for_no_library_beside_the_systems(self):
+        names = {program.name for program in self.programs}
+        self.assertIn(names, [PROGRAMS, PROGRAMS - {"kivo-sms-watcher"}])
+        for program in self.programs:
+            dynamic, _ = judge("readelf", "--dynamic", program)
+            self.assertIn("NEEDED", dynamic)
+            self.assertNotRegex(dynamic, "RPATH|RUNPATH")
+
+    def test_the_desktop_knows_the_application(self):
+        desktop = self.share / "applications/app.kivo.expenses.desktop"
+        self.assertEqual(judge("desktop-file-validate", "--warn-kde", desktop), ("", 0))
+        entry = unit_file(desktop)["Desktop Entry"]
+        self.assertEqual(entry["X-GNOME-UsesNotifications"], "true")
+        self.assertIn(PREFIX / "bin" / entry["Exec"].split()[0], self.programs)
+        self.assertTrue((self.share / f"icons/hicolor/scalable/apps/{entry['Icon']}.svg").exists())
+
+    def test_the_icon_can_be_drawn(self):
+        icon = self.share / "icons/hicolor/scalable/apps/app.kivo.expenses.svg"
+        drawn = pathlib.Path(self.kivo.folder) / "icon.png"
+        self.assertEqual(judge("rsvg-convert", "--width", "64", icon, "--output", drawn), ("", 0))
+        self.assertGreater(drawn.stat().st_size, 500)
+
+    def test_software_centers_know_the_application(self):
+        said, status = judge("appstreamcli", "validate", "--no-net", "--pedantic",
+                             self.share / "metainfo/app.kivo.expenses.metainfo.xml")
+        self.assertEqual(status, 0, said)
+        self.assertNotRegex(said, r"(?m)^[EW]:")
+
+    def test_each_program_has_a_manual_page_that_tells_of_every_command_and_option(self):
+        for program in self.programs:
+            page = self.share / f"man/man1/{program.name}.1.gz"
+            source = subprocess.run(["gzip", "--decompress", "--stdout", page], check=True, capture_output=True).stdout
+            self.assertEqual(judge("mandoc", "-Tlint", "-Wwarning", input=source.decode()), ("", 0))
+            shown, status = judge("man", "--local-file", "--warnings", page, env=os.environ | {"MANWIDTH": "200"})
+            self.assertEqual(status, 0)
+            self.assertNotIn("warning", shown)
+            for word in self.offered(program):
+                with self.subTest(program=program.name, word=word):
+                    self.assertRegex(shown, rf"(?<![\w-]){re.escape(word)}(?![\w-])")
+
+    def offered(self, program, command=()):
+        """The commands and options that --help lists, and those of each command."""
+        printed = self.kivo.run(program, *command, "--help")
+        found = set(re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", printed))
+        for name in re.findall(r"(?m)^  (\w[\w-]*)  ", printed.partition("Subcommands:")[2]):
+            found |= {name} | self.offered(program, (*command, name))
+        return found
+
+    def test_the_service_manager_takes_the_units(self):
+        units = [unit for unit in self.units.iterdir() if unit.is_file()]
+        self.assertGreaterEqual(len(units), 2)
+        environment = {"PATH": os.environ["PATH"], "HOME": str(self.kivo.folder), "XDG_RUNTIME_DIR": str(self.kivo.folder),
+                       "MANPATH": str(self.share / "man"), "SYSTEMD_UNIT_PATH": f"{self.units}:/usr/lib/systemd/user"}
+        for unit in units:
+            with self.subTest(unit.name):
+                self.assertEqual(judge("systemd-analyze", "verify", "--user", unit, env=environment), ("", 0))
+        spoiled = self.kivo.folder / "spoiled.service"
+        spoiled.write_text((self.units / "kivo-intents.service").read_text().replace("[Service]", "[Service]\nUnheardOf=yes"))
+        self.assertIn("UnheardOf", judge("systemd-analyze", "verify", "--user", spoiled, env=environment)[0])
+
+    def test_bus_and_service_manager_start_the_same(self):
+        self.assertEqual(len(self.services), 2)
+        for file in self.services:
+            service = unit_file(file)["D-BUS Service"]
+            unit = unit_file(self.units / service["SystemdService"])["Service"]
+            self.assertEqual(file.name, service["Name"] + ".service")
+            self.assertEqual((unit["Type"], unit["BusName"]), ("dbus", service["Name"]))
+            self.assertEqual(service["Exec"].replace('"', ""), unit["ExecStart"])
+            self.assertIn(pathlib.Path(unit["ExecStart"].split()[0]), self.programs)
+
+    def test_what_opens_links_is_not_confined(self):
+        # A browser that it starts would inherit that, and would end with it.
+        unit = unit_file(self.units / "kivo-notification-center.service")["Service"]
+        self.assertEqual(set(unit), {"Type", "BusName", "ExecStart", "KillMode", "UMask"})
+        self.assertEqual(unit["KillMode"], "process")
+
+    def test_the_watcher_runs_for_whoever_names_senders(self):
+        if not (PREFIX / "bin/kivo-sms-watcher").exists():
+            self.skipTest("this build has no watcher")
+        for name in ("kivo-sms-watcher.service", "kivo-sms-watcher.path"):
+            self.assertTrue((self.units / "default.target.wants" / name).samefile(self.units / name))
+
+    def test_permissions_are_not_what_the_umask_said(self):
+        found = sorted(PREFIX.rglob("*"))  # installed under 077
+        self.assertGreater(len(found), 40)
+        for path in found:
+            executable = path.is_dir() or path.parent.name in ("bin", "kivo")
+            self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o755 if executable else 0o644, path)
+
+
+if __name__ == "__main__":
+    unittest.main()
