@@ -130,10 +130,34 @@ std::unique_ptr<sdbus::IConnection> connectionWithName() {
   return connection;
 }
 
+class EventsOfConnection : public BusEvents {
+ public:
+  explicit EventsOfConnection(sdbus::IConnection& connection) : connection_(connection) {}
+
+  Handled handleOne() override {
+    try {
+      return connection_.processPendingRequest() ? Handled::something : Handled::nothing;
+    } catch (const sdbus::Error&) {
+      return Handled::busGone;
+    }
+  }
+
+  Wait wait() override {
+    const auto polled = connection_.getEventLoopPollData();
+    return {.descriptor = polled.fd,
+            .events = polled.events,
+            .limitInMilliseconds = polled.getPollTimeout()};
+  }
+
+ private:
+  sdbus::IConnection& connection_;
+};
+
 }  // namespace
 
 struct NotificationCenterService::Bus {
-  BusLoop loop{connectionWithName()};
+  std::unique_ptr<sdbus::IConnection> connection = connectionWithName();
+  BusLoop loop{std::make_unique<EventsOfConnection>(*connection)};
   std::unique_ptr<DesktopNotifications> desktop;
 };
 
@@ -150,7 +174,7 @@ void NotificationCenterService::serve(
     NotificationCenterCalls& calls,
     const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting) {
   try {
-    sdbus::IConnection& connection = bus_->loop.connection();
+    sdbus::IConnection& connection = *bus_->connection;
     bus_->desktop =
         std::make_unique<DesktopNotifications>(connection, [&calls] { calls.serverAppeared(); });
     const std::unique_ptr<sdbus::IObject> object = makeObject(connection, &calls);
