@@ -28,9 +28,11 @@ constexpr std::int64_t currentVersion = 1;
 
 constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
 
-// Durable commits; deleted bytes overwritten; no text in a temporary file.
+// Durable commits; deleted bytes overwritten; no text in a temporary file; and a log that is moved
+// into the database before whoever opens it next has long to read, 256 KiB.
 constexpr const char* settings =
-    "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
+    "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY;"
+    "PRAGMA wal_autocheckpoint = 64";
 
 // The statements of one transaction that turn an empty database into a suite.
 constexpr const char* creation =
@@ -67,6 +69,27 @@ class Descriptor {
  private:
   int number_;
 };
+
+// The usual access to files but for one thing: a log that is there and holds something is opened
+// without the permission to make it. SQLite takes one opened with it for new, and syncs its folder
+// with its first write, one sync for each run.
+sqlite3_vfs* logKeepingAccess() {
+  static sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
+  static sqlite3_vfs access = [] {
+    sqlite3_vfs copy = *usual;
+    copy.zName = "kivo";
+    copy.xOpen = [](sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* got) {
+      struct stat found {};
+      const bool isLog = (flags & SQLITE_OPEN_WAL) != 0;
+      const bool holdsFrames = isLog && stat(name, &found) == 0 && found.st_size > 0;
+      return usual->xOpen(usual, name, file, holdsFrames ? flags & ~SQLITE_OPEN_CREATE : flags,
+                          got);
+    };
+    return copy;
+  }();
+  static const int registered = sqlite3_vfs_register(&access, 0);
+  return registered == SQLITE_OK ? &access : usual;
+}
 
 // The folder, made when there is none, for its owner only; -1 when it is no folder of ours.
 int openFolder(const std::filesystem::path& path) {
@@ -209,7 +232,8 @@ Database openSuiteDatabase(std::string_view suiteName) {
   sqlite3* opened = nullptr;
   const int code =
       sqlite3_open_v2((path / fileName).c_str(), &opened,
-                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW, nullptr);
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
+                      logKeepingAccess()->zName);
   Database database(opened);
   if (code != SQLITE_OK) return nullptr;
   sqlite3_busy_timeout(opened, patienceInMilliseconds);
@@ -217,6 +241,9 @@ Database openSuiteDatabase(std::string_view suiteName) {
   // the cache of pages would be four fifths of a handle's memory. Before a page is read, since the
   // cache is made at once.
   execute(opened, "PRAGMA cache_size = 0");
+  // The last to close the database would move the log into it and take away its files, only for the
+  // next run to make them anew: more syncs than the run itself has commits.
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 
   if (establishPatiently(opened) != SQLITE_OK) return nullptr;
   if (!makeAllPrivate(folder.number())) return nullptr;
