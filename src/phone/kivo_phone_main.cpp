@@ -1,21 +1,14 @@
 // The program kivo-phone: what the rest of the phone does for the extension, by hand.
 #include <cmath>
-#include <iostream>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
-#include "phone/queue_listing.h"
+#include "phone/phone_terminal.h"
+#include "phone/queue_commands.h"
 #include "phone/value_listing.h"
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
-#include "platform/foundation/date.h"
-#include "platform/foundation/errors.h"
-#include "platform/foundation/json_decoder.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/url.h"
 #include "platform/foundation/user_defaults.h"
@@ -24,7 +17,6 @@
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/process/terminal_text.h"
 #include "platform/linux/user_notifications/notification_permission.h"
-#include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
 
 namespace kivo {
@@ -36,30 +28,6 @@ using linux_platform::GivenParameters;
 using platform::UNAuthorizationStatus;
 using platform::UserDefaults;
 using Kind = linux_platform::CommandParameter::Kind;
-
-constexpr const char* programName = "kivo-phone";
-constexpr int exitFailure = 1;
-
-int fail(const std::string& what, int status = exitFailure) {
-  linux_platform::complain(programName, what);
-  return status;
-}
-
-int failWithoutStore() { return fail("the shared store cannot be opened"); }
-
-int print(const std::string& text) {
-  std::cout << text << std::flush;
-  return std::cout ? 0 : fail("standard output cannot be written");
-}
-
-bool onTerminal() { return isatty(STDOUT_FILENO) == 1; }
-
-std::size_t screenWidth() {
-  constexpr std::size_t usualWidth = 80;
-  if (!onTerminal()) return std::numeric_limits<std::size_t>::max();
-  winsize size{};
-  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
-}
 
 // A value as it is stored: as it was given, made valid UTF-8.
 std::string textOf(const GivenParameters& given, const char* name) {
@@ -153,27 +121,6 @@ int setInStore(const GivenParameters& given) {
   return defaults->synchronize() ? 0 : exitFailure;
 }
 
-// True when a queue is stored that the extension cannot read either.
-bool queueIsBroken(const SharedStore& store) {
-  const auto text = store.readText(StoreKeys::pendingSmsQueue);
-  if (!text) return false;
-  try {
-    return !platform::JSONDecoder::arrayOfObjects(*text).empty();
-  } catch (const platform::DecodingError&) {
-    return true;
-  }
-}
-
-int showQueue(const GivenParameters&) {
-  const auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  const auto items = PendingSmsQueue::load(*store);
-  if (items.empty() && queueIsBroken(*store)) {
-    return fail("the stored queue cannot be read; the next text that is queued replaces it");
-  }
-  return print(QueueListing::text(items, platform::Date::now(), screenWidth()));
-}
-
 int showWidget(const GivenParameters&) {
   const auto store = SharedStore::open(appGroup);
   if (!store) return failWithoutStore();
@@ -200,8 +147,8 @@ linux_platform::CommandProgram phone() {
   const auto widget = [](const GivenParameters& given) {
     return given.contains("--watch") ? watchWidget() : showWidget(given);
   };
-  return {
-      .name = programName,
+  linux_platform::CommandProgram program{
+      .name = phoneProgramName,
       .purpose = "The rest of the phone, for trying and inspecting Kivo's intents.",
       .version = KIVO_VERSION,
       .commands =
@@ -226,13 +173,14 @@ linux_platform::CommandProgram phone() {
                 {"VALUE", "The value"},
                 {"--float", "Store a number", Kind::flag}},
                setInStore},
-              {"queue", "Show the texts that wait to be sent", {}, showQueue},
               {"widget",
                "Show the figures of the home-screen widget",
                {{"--watch", "Go on showing them as they change", Kind::flag}},
                widget},
           },
   };
+  for (Command& command : queueCommands()) program.commands.push_back(std::move(command));
+  return program;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 
+#include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
 
@@ -34,6 +35,14 @@ std::map<std::string, std::string> entries(std::string_view text) {
   return result;
 }
 
+platform::UNTimeIntervalNotificationTrigger triggerOf(const JSONObject& object) {
+  const std::chrono::duration<double> interval(object.decodeDouble("interval"));
+  if (!platform::UNTimeIntervalNotificationTrigger::isPossible(interval)) {
+    throw platform::DecodingError(platform::DecodingError::Kind::dataCorrupted, "interval");
+  }
+  return {.timeInterval = interval};
+}
+
 platform::Moment momentOf(std::int64_t microseconds) {
   return platform::Moment(platform::Moment::duration(microseconds));
 }
@@ -59,15 +68,15 @@ std::string textOf(const std::vector<PendingNotification>& notifications) {
 std::vector<PendingNotification> pendingNotifications(std::string_view text) {
   std::vector<PendingNotification> result;
   for (const JSONObject& object : JSONDecoder::arrayOfObjects(text)) {
-    const platform::UNTimeIntervalNotificationTrigger trigger{
-        .timeInterval = std::chrono::duration<double>(object.decodeDouble("interval"))};
-    result.push_back({.bundle = object.decodeString("bundle"),
-                      .request = {.identifier = object.decodeString("identifier"),
-                                  .content = {.title = object.decodeString("title"),
-                                              .body = object.decodeString("body"),
-                                              .userInfo = entries(object.decodeString("userInfo"))},
-                                  .trigger = trigger},
-                      .due = momentOf(object.decodeInteger("dueMicroseconds"))});
+    // Member by member: g++ 12 destroys parts twice when one within nested braces throws.
+    PendingNotification& notification = result.emplace_back();
+    notification.bundle = object.decodeString("bundle");
+    notification.request.identifier = object.decodeString("identifier");
+    notification.request.content.title = object.decodeString("title");
+    notification.request.content.body = object.decodeString("body");
+    notification.request.content.userInfo = entries(object.decodeString("userInfo"));
+    notification.request.trigger = triggerOf(object);
+    notification.due = momentOf(object.decodeInteger("dueMicroseconds"));
   }
   return result;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/foundation/iso8601_date_formatter.h"
+#include "platform/foundation/number_text.h"
 #include "platform/linux/process/terminal_text.h"
 #include "platform/linux/process/text_columns.h"
 
@@ -51,24 +52,47 @@ std::string QueueListing::ageText(std::chrono::seconds age) {
 std::string QueueListing::text(const std::vector<PendingSmsItem>& items, platform::Moment now,
                                std::size_t width) {
   if (items.empty()) return "Nothing waits to be sent.\n";
+  std::vector<std::string> numbers{"#"};
   std::vector<std::string> ages{"WAITING"};
   std::vector<std::string> tries{"TRIED AGAIN"};
   std::vector<std::string> texts{"TEXT"};
   for (const PendingSmsItem& item : items) {
+    numbers.push_back(std::to_string(numbers.size()));
     ages.push_back(ageAt(now, item));
     tries.push_back(triedText(item.retryCount));
     texts.push_back(linux_platform::escapedControls(item.smsText));
   }
-  const std::size_t before = widest(ages) + widest(tries) + 2 * gap.size();
+  const std::size_t before = widest(numbers) + widest(ages) + widest(tries) + 3 * gap.size();
   const std::size_t left = width > before ? std::max(width - before, shortestText) : shortestText;
 
   std::string listing = heading(items.size());
   for (std::size_t row = 0; row < ages.size(); ++row) {
+    listing += paddedTo(widest(numbers), numbers[row]).append(gap);
     listing += paddedTo(widest(ages), ages[row]).append(gap);
     listing += paddedTo(widest(tries), tries[row]).append(gap);
     listing += linux_platform::cutTo(left, texts[row]) + "\n";
   }
   return listing;
+}
+
+std::string QueueListing::details(const PendingSmsItem& item, platform::Moment now,
+                                  Controls controls) {
+  const auto shown = [controls](const std::string& text) {
+    return controls == Controls::escaped ? linux_platform::escapedControls(text) : text;
+  };
+  std::string lines;
+  const auto add = [&lines](std::string_view name, const std::string& value) {
+    constexpr std::size_t nameWidth = 13;
+    lines += paddedTo(nameWidth, name) + value + "\n";
+  };
+  add("Waiting", ageAt(now, item) + ", since " + shown(item.queuedAt));
+  add("Tried again", triedText(item.retryCount));
+  add("Day", shown(item.expenseDate));
+  add("Source", shown(item.source));
+  if (item.amount) add("Amount", platform::doubleText(*item.amount));
+  if (item.merchant) add("Merchant", shown(*item.merchant));
+  add("Identifier", shown(item.id));
+  return lines + "\n" + shown(item.smsText) + "\n";
 }
 
 }  // namespace kivo

@@ -9,6 +9,7 @@ namespace {
 
 using linux_platform::ProgramResult;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 using ACommandLine = testkit::ExtensionProgram;
@@ -135,6 +136,18 @@ TEST_F(ACommandLine, WhoseReaderWentAwayIsStillPerformed) {
           .status,
       0);
   EXPECT_THAT(queue(), SizeIs(1));
+}
+
+TEST_F(ACommandLine, WhoseStandardInputCannotBeReadToItsEndSendsNothing) {
+  signIn();
+  const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
+  const ProgramResult result = linux_platform::runProgram(
+      {.program = "sh",
+       .arguments = {"-c", "exec \"$0\" perform ProcessSMSIntent --smsText - < /", program}});
+  EXPECT_EQ(result.status, 64);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "kivo-intents: --smsText could not be read to its end\n");
+  EXPECT_THAT(backend.requests(), IsEmpty());
 }
 
 }  // namespace

@@ -221,7 +221,7 @@ TEST_F(APhone, CutsTheTextsOfTheQueueToTheTerminal) {
                           .source = "sms"}},
                         store);
   EXPECT_THAT(linux_platform::runProgram(onTerminal("queue")).output,
-              testing::EndsWith("unknown  not yet      " + std::string(37, 'x') + "…\r\n"));
+              testing::EndsWith("1  unknown  not yet      " + std::string(34, 'x') + "…\r\n"));
 }
 
 TEST_F(APhone, CannotDecideOnNotificationsWithoutACenter) {

@@ -37,6 +37,9 @@ class ServerConnection {
   virtual void reset() = 0;
   /// Ends the connection without the good-bye that TLS wants. As usual where there is no TLS.
   virtual void closeRudely() = 0;
+  /// Sends an alert that ends TLS at once, encrypted as it has to be by now; afterwards nothing can
+  /// be read or written. Does nothing where there is no TLS.
+  virtual void sendFatalAlert() = 0;
 };
 
 using Script = std::function<void(ServerConnection&)>;

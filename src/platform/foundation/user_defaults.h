@@ -30,10 +30,12 @@ class UserDefaults {
   UserDefaults& operator=(UserDefaults&& other) noexcept;
   ~UserDefaults();
 
-  /// The text under `key`, as valid UTF-8; none when it is absent or holds no text.
+  /// The text under `key`, as valid UTF-8; none when it is absent, holds no text or cannot
+  /// be read, which a line on standard error says.
   [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const;
 
-  /// The number under `key`: an integer as its value, 0 for a text or when absent.
+  /// The number under `key`: an integer as its value, 0 for a text, when absent, and when it
+  /// cannot be read, as above.
   [[nodiscard]] double doubleForKey(std::string_view key) const;
 
   /// All keys with what is stored under them.
@@ -42,10 +44,11 @@ class UserDefaults {
   void setObject(std::string_view key, std::string_view text);
   void setDouble(std::string_view key, double value);
 
-  /// Commits what was written through this handle, durably. False when that failed; the writes are
-  /// lost then, and one line on standard error has said so. When a text longer than a figure has
-  /// made way for one that does not go on from it, its bytes are then gone from the files too, or
-  /// will be when the suite is next opened without another process in the way.
+  /// Commits what was written through this handle, durably. False when that failed, and when a read
+  /// since the last call of this has: a value that could not be read is not replaced. The writes
+  /// are lost then, and one line on standard error has said so. When a text longer than a figure
+  /// has made way for one that does not go on from it, its bytes are then gone from the files too,
+  /// or will be when the suite is next opened without another process in the way.
   bool synchronize();
 
  private:

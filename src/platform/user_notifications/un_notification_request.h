@@ -31,6 +31,11 @@ struct UNMutableNotificationContent {
 struct UNTimeIntervalNotificationTrigger {
   enum class Repeats { no, yes };
 
+  /// Whether a request may wait for `interval`: for no negative time, and less than a century.
+  static constexpr bool isPossible(std::chrono::duration<double> interval) {
+    return interval >= interval.zero() && interval < std::chrono::years(100);
+  }
+
   /// From the moment the center has the request.
   std::chrono::duration<double> timeInterval;
   Repeats repeats = Repeats::no;

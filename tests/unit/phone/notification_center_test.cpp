@@ -248,5 +248,23 @@ TEST_F(TheNotificationCenter, CountsADamagedRecordAsNone) {
   EXPECT_EQ(add("one"), AddOutcome::kept);
 }
 
+TEST_F(TheNotificationCenter, CountsARecordWithAnImpossibleIntervalAsDamaged) {
+  add("one");
+  {
+    auto suite = platform::UserDefaults::initWithSuiteName("app.kivo.NotificationCenter").value();
+    std::string text = suite.stringForKey("pendingNotifications").value();
+    const std::string interval = "\"interval\":";
+    const std::size_t begin = text.find(interval) + interval.size();
+    text.replace(begin, text.find(',', begin) - begin, "1e300");
+    suite.setObject("pendingNotifications", text);
+    ASSERT_TRUE(suite.synchronize());
+  }
+  testing::internal::CaptureStderr();
+  restart();
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              testing::HasSubstr("pendingNotifications cannot be read"));
+  EXPECT_EQ(center->showDue(), std::nullopt);
+}
+
 }  // namespace
 }  // namespace kivo

@@ -1,5 +1,6 @@
 #include "phone/queue_listing.h"
 
+#include <algorithm>
 #include <limits>
 
 #include <gtest/gtest.h>
@@ -47,26 +48,26 @@ TEST(AQueueListing, ShowsWhatWaitsHowLongAndHowOftenItWasTried) {
                                now, anyWidth),
             "3 texts wait to be sent, the next one first.\n"
             "\n"
-            "WAITING  TRIED AGAIN  TEXT\n"
-            "45 min   not yet      Paid EGP 12 at Cafe\n"
-            "2 days   once         Paid EGP 7\n"
-            "2 h      9 times      Paid EGP 9\n");
+            "#  WAITING  TRIED AGAIN  TEXT\n"
+            "1  45 min   not yet      Paid EGP 12 at Cafe\n"
+            "2  2 days   once         Paid EGP 7\n"
+            "3  2 h      9 times      Paid EGP 9\n");
 }
 
 TEST(AQueueListing, OfOneTextSpeaksOfOne) {
   EXPECT_EQ(QueueListing::text({waiting("x", "2026-01-31T09:00:00Z")}, now, anyWidth),
             "1 text waits to be sent.\n"
             "\n"
-            "WAITING   TRIED AGAIN  TEXT\n"
-            "just now  not yet      x\n");
+            "#  WAITING   TRIED AGAIN  TEXT\n"
+            "1  just now  not yet      x\n");
 }
 
 TEST(AQueueListing, DoesNotKnowTheAgeOfATimeThatCannotBeRead) {
   EXPECT_EQ(QueueListing::text({waiting("x", "yesterday")}, now, anyWidth),
             "1 text waits to be sent.\n"
             "\n"
-            "WAITING  TRIED AGAIN  TEXT\n"
-            "unknown  not yet      x\n");
+            "#  WAITING  TRIED AGAIN  TEXT\n"
+            "1  unknown  not yet      x\n");
 }
 
 TEST(AQueueListing, KeepsEachTextOnItsLine) {
@@ -77,7 +78,7 @@ TEST(AQueueListing, KeepsEachTextOnItsLine) {
 
 TEST(AQueueListing, CutsTextsToTheWidthOfTheScreen) {
   const std::string listing = QueueListing::text(
-      {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 45);
+      {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 48);
   EXPECT_TRUE(listing.ends_with("just now  not yet      123456789 123456789 1…\n")) << listing;
 }
 
@@ -85,6 +86,49 @@ TEST(AQueueListing, LeavesSomeOfTheTextOnTheNarrowestScreen) {
   const std::string listing = QueueListing::text(
       {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 5);
   EXPECT_TRUE(listing.ends_with("123456789 123456789…\n")) << listing;
+}
+
+TEST(AQueueListing, PadsItsNumbers) {
+  const std::vector<PendingSmsItem> items(10, waiting("x", "2026-01-31T09:00:00Z"));
+  const std::string listing = QueueListing::text(items, now, anyWidth);
+  EXPECT_NE(listing.find("\n1   just now  not yet      x\n"), std::string::npos) << listing;
+  EXPECT_TRUE(listing.ends_with("\n10  just now  not yet      x\n")) << listing;
+}
+
+TEST(TheDetailsOfAText, AreALineForEachValueAndTheWholeText) {
+  EXPECT_EQ(QueueListing::details(waiting("Paid EGP 12\nat Cafe", "2026-01-31T08:15:00Z", 1), now,
+                                  QueueListing::Controls::asTheyAre),
+            "Waiting      45 min, since 2026-01-31T08:15:00Z\n"
+            "Tried again  once\n"
+            "Day          2026-01-31\n"
+            "Source       sms\n"
+            "Identifier   9B2E8C53-4D7A-4F6B-A1C0-5E3D2F1A0B9C\n"
+            "\n"
+            "Paid EGP 12\nat Cafe\n");
+}
+
+TEST(TheDetailsOfAText, TellAmountAndMerchantOfAPaymentByHand) {
+  PendingSmsItem item = waiting("Paid 12.5 EGP at Cafe", "2026-01-31T08:15:00Z");
+  item.source = "apple_pay";
+  item.amount = 12.5;
+  item.merchant = "Cafe";
+  EXPECT_NE(QueueListing::details(item, now, QueueListing::Controls::asTheyAre)
+                .find("Source       apple_pay\nAmount       12.5\nMerchant     Cafe\n"),
+            std::string::npos);
+}
+
+TEST(TheDetailsOfAText, EscapeControlCharactersOfEveryValue) {
+  const std::string bad = "a\n\x1b[2J";
+  const PendingSmsItem item{.id = bad,
+                            .smsText = bad,
+                            .expenseDate = bad,
+                            .queuedAt = bad,
+                            .retryCount = 0,
+                            .source = bad,
+                            .merchant = bad};
+  const std::string details = QueueListing::details(item, now, QueueListing::Controls::escaped);
+  EXPECT_EQ(details.find('\x1b'), std::string::npos);
+  EXPECT_EQ(std::count(details.begin(), details.end(), '\n'), 8);
 }
 
 }  // namespace

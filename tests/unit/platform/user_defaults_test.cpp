@@ -1,10 +1,13 @@
 #include "platform/foundation/user_defaults.h"
 
 #include <cmath>
+#include <fstream>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
 #include "suite_test.h"
+#include "testkit/written_output.h"
 
 namespace kivo::platform {
 namespace {
@@ -219,6 +222,40 @@ TEST_F(ASuite, GoesOnAfterAFailedWriteWithoutTheLostValues) {
   suite.setObject("kept", "y");
   EXPECT_TRUE(suite.synchronize());
   EXPECT_EQ(open().dictionaryRepresentation().size(), 1U);
+}
+
+// Points the first page that holds nothing but the long text of x's at a page that there is not.
+void damageLongText(const std::filesystem::path& file) {
+  constexpr std::size_t pageSize = 4096;
+  std::fstream bytes(file, std::ios::binary | std::ios::in | std::ios::out);
+  const std::string all{std::istreambuf_iterator<char>(bytes), {}};
+  std::size_t page = 0;
+  while (page < all.size() && all.compare(page + 4, 100, std::string(100, 'x')) != 0) {
+    page += pageSize;
+  }
+  bytes.clear();
+  bytes.seekp(static_cast<std::streamoff>(page));
+  bytes.write("\x7f\xff\xff\xff", 4);
+}
+
+TEST_F(ASuite, ReplacesNothingAfterAValueThatCouldNotBeRead) {
+  leaveBehind("('pendingSmsQueue', '" + std::string(20'000, 'x') + "'), ('currency', 'EGP')");
+  damageLongText(file());
+  UserDefaults suite = open();
+  bool committed = true;
+  const auto written = testkit::writtenBy([&] {
+    if (suite.stringForKey("pendingSmsQueue")) return;
+    suite.setObject("pendingSmsQueue", "[]");
+    suite.setObject("currency", "USD");
+    committed = suite.synchronize();
+  });
+  EXPECT_FALSE(committed);
+  EXPECT_EQ(written.err,
+            "the shared store could not be read: database disk image is malformed\n"
+            "the shared store could not be written: database disk image is malformed\n");
+  EXPECT_EQ(suite.stringForKey("currency"), "EGP");
+  suite.setObject("currency", "USD");
+  EXPECT_TRUE(suite.synchronize());
 }
 
 TEST_F(ASuite, TouchesNoFileWhenThereIsNothingToSynchronize) {

@@ -20,6 +20,7 @@
 #include "platform/linux/app_intents/catalog.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/app_intents/search_provider.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/process/bus_connection.h"
 #include "platform/linux/process/bus_loop.h"
@@ -129,6 +130,7 @@ class IntentsService {
   const std::chrono::milliseconds idleLimit_;
   const BusConnection bus_ = connection();
   BusLoop loop_{eventsOf(bus_.get())};
+  std::optional<SearchProvider> search_;
   std::atomic<bool> stopAsked_ = false;
   bool cancelling_ = false;
   bool nameGivenUp_ = false;
@@ -159,6 +161,7 @@ void IntentsService::takeName() {
                                this) < 0) {
     throw std::runtime_error("the session bus cannot be used");
   }
+  search_.emplace(bus_.get(), extension_, [this] { lastCall_ = Clock::now(); });
   if (sd_bus_request_name(bus_.get(), intents.service, 0) < 0) {
     throw std::runtime_error(std::string("another program is ") + intents.service);
   }
@@ -239,6 +242,7 @@ platform::Task<void> IntentsService::performTelling(Place run) {
 
 std::optional<std::chrono::milliseconds> IntentsService::beforeWaiting() {
   answerEnded();
+  const bool windowsOpen = search_->reapEnded();
   if (stopAsked_ && !cancelling_) cancelRuns();
   if (nameGivenUp_) {
     if (runs_.empty()) loop_.stop();
@@ -248,8 +252,11 @@ std::optional<std::chrono::milliseconds> IntentsService::beforeWaiting() {
     giveUpName();
     return std::chrono::milliseconds(0);
   }
-  if (!runs_.empty()) return std::nullopt;
-  return std::chrono::ceil<std::chrono::milliseconds>(idleTimeLeft());
+  constexpr std::chrono::milliseconds nextReaping = std::chrono::seconds(1);
+  const std::optional limit = windowsOpen ? std::optional(nextReaping) : std::nullopt;
+  if (!runs_.empty()) return limit;
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(idleTimeLeft());
+  return std::min(left, limit.value_or(left));
 }
 
 Clock::duration IntentsService::idleTimeLeft() const {

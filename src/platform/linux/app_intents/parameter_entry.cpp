@@ -1,5 +1,6 @@
 #include "platform/linux/app_intents/parameter_entry.h"
 
+#include <cstdio>
 #include <iostream>
 #include <iterator>
 
@@ -54,6 +55,8 @@ std::optional<std::string> take(AnyIntentParameter& parameter, std::string text)
       return optionOf(parameter) + " cannot be read from standard input";
     }
     text = {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+    // Half a message could tell of another payment than the whole one.
+    if (std::ferror(stdin) != 0) return optionOf(parameter) + " could not be read to its end";
   }
   if (parameter.setFromText(std::move(text))) return std::nullopt;
   return optionOf(parameter) + " needs " + whatFits(parameter);

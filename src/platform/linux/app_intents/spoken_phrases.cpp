@@ -10,7 +10,8 @@ char lowered(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-// A sentence without what makes no difference. Phrases and names are ASCII; other letters stay.
+}  // namespace
+
 std::string plainWords(std::string_view sentence) {
   constexpr std::string_view punctuation = ".,;:!? \t\r\n";
   const std::size_t end = sentence.find_last_not_of(punctuation);
@@ -25,8 +26,6 @@ std::string plainWords(std::string_view sentence) {
   }
   return plain;
 }
-
-}  // namespace
 
 std::unique_ptr<platform::AppIntent> intentSpokenOf(const platform::AppIntentsExtension& extension,
                                                     std::string_view sentence) {

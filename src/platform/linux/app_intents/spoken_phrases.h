@@ -10,8 +10,12 @@
 
 namespace kivo::linux_platform {
 
-/// The intent whose shortcut has `sentence` (UTF-8) for a phrase; null when none has. Letter case,
-/// blanks around words and punctuation at the end make no difference.
+/// `sentence` (UTF-8) without what makes no difference: in lower case, with single blanks between
+/// its words, without punctuation at its end. Letters other than ASCII's stay.
+std::string plainWords(std::string_view sentence);
+
+/// The intent whose shortcut has `sentence` (UTF-8) for a phrase; null when none has. They are
+/// compared as `plainWords`.
 std::unique_ptr<platform::AppIntent> intentSpokenOf(const platform::AppIntentsExtension& extension,
                                                     std::string_view sentence);
 

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <exception>
 #include <future>
+#include <optional>
 #include <utility>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
@@ -29,19 +30,24 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
 }  // namespace
 
 struct TaskExecutor::Pool {
-  explicit Pool(unsigned workers) : threads(workers), terminations(threads) {}
-  // A signal that comes before somebody waits for it is kept.
-  void catchTerminations() {
-    terminations.add(SIGTERM);
-    terminations.add(SIGINT);
+  explicit Pool(unsigned workers) : threads(workers) {}
+  // From here on a signal that comes before somebody waits for it is kept. False where no
+  // descriptor is left for that.
+  bool catchTerminations() {
+    try {
+      terminations.emplace(threads, SIGTERM, SIGINT);
+      return true;
+    } catch (const boost::system::system_error&) {
+      return false;
+    }
   }
   void waitForTermination(std::function<void()> action) {
-    terminations.async_wait([action = std::move(action)](boost::system::error_code stopped, int) {
+    terminations->async_wait([action = std::move(action)](boost::system::error_code stopped, int) {
       if (!stopped) action();
     });
   }
   asio::thread_pool threads;
-  asio::signal_set terminations;  // used by the executor's owner only
+  std::optional<asio::signal_set> terminations;  // used by the executor's owner only
 };
 
 struct RunningTask::State {
@@ -68,7 +74,7 @@ bool RunningTask::waitFor(std::chrono::milliseconds limit) {
 TaskExecutor::TaskExecutor(unsigned workers) : pool_(std::make_unique<Pool>(workers)) {}
 
 TaskExecutor::~TaskExecutor() {
-  pool_->terminations.cancel();
+  if (pool_->terminations) pool_->terminations->cancel();
   pool_->threads.join();
 }
 
@@ -87,15 +93,21 @@ RunningTask TaskExecutor::start(platform::Task<void> task) {
 }
 
 RunningTask TaskExecutor::startUntilTermination(platform::Task<void> task) {
-  pool_->catchTerminations();
+  // A task that cannot be cancelled still does its work.
+  if (!pool_->catchTerminations()) return start(std::move(task));
+  // The workers take them. A signal that comes after the last of these has gone stays pending.
+  sigset_t taken;
+  sigemptyset(&taken);
+  sigaddset(&taken, SIGTERM);
+  sigaddset(&taken, SIGINT);
+  pthread_sigmask(SIG_BLOCK, &taken, nullptr);
   RunningTask running = start(std::move(task));
   pool_->waitForTermination([running]() mutable { running.cancel(); });
   return running;
 }
 
 void TaskExecutor::onTermination(std::function<void()> action) {
-  pool_->catchTerminations();
-  pool_->waitForTermination(std::move(action));
+  if (pool_->catchTerminations()) pool_->waitForTermination(std::move(action));
 }
 
 }  // namespace kivo::linux_platform

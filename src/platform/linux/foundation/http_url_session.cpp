@@ -284,8 +284,13 @@ Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
   HTTPEndpoint endpoint = HTTPEndpoint::of(request.url);
   asio::ssl::context* const trust = endpoint.secure ? tls_->trust() : nullptr;
   const auto executor = co_await asio::this_coro::executor;
-  const auto exchange =
-      std::make_shared<Exchange>(executor, end, std::move(request), std::move(endpoint), trust);
+  std::shared_ptr<Exchange> exchange;
+  try {
+    exchange =
+        std::make_shared<Exchange>(executor, end, std::move(request), std::move(endpoint), trust);
+  } catch (const boost::system::system_error&) {  // no descriptor is left for its timers
+    throw URLError(Code::cannotConnectToHost);
+  }
   asio::co_spawn(executor, Exchange::run(exchange), asio::detached);
 
   error_code cancelledOrOver;

@@ -81,6 +81,9 @@ struct UserDefaults::Suite {
   Statement reading;
   Statement writing;
   std::map<std::string, Written, std::less<>> pending;
+  // Why a read failed since the last synchronize. What is written after it may rest on a value
+  // taken for absent, the whole queue for example, and must not replace the one that is there.
+  mutable int readFailure = SQLITE_OK;
 
   [[nodiscard]] Value value(std::string_view key) const {
     if (const auto written = pending.find(key); written != pending.end()) {
@@ -91,9 +94,22 @@ struct UserDefaults::Suite {
 
   [[nodiscard]] Value stored(std::string_view key) const {
     const Use use(reading.get());
-    if (bindText(reading.get(), 1, key) != SQLITE_OK) return {};
-    if (sqlite3_step(reading.get()) != SQLITE_ROW) return {};
-    return columnValue(reading.get(), 0);
+    int code = bindText(reading.get(), 1, key);
+    if (code == SQLITE_OK) code = sqlite3_step(reading.get());
+    if (code == SQLITE_ROW) return columnValue(reading.get(), 0);
+    if (code != SQLITE_DONE) noteReadFailure(code);
+    return {};
+  }
+
+  void noteReadFailure(int code) const {
+    if (readFailure == SQLITE_OK) report("read", code);
+    readFailure = code;
+  }
+
+  static void report(const char* what, int code) {
+    const std::string line =
+        std::string("the shared store could not be ") + what + ": " + sqlite3_errstr(code) + "\n";
+    std::fputs(line.c_str(), stderr);
   }
 
   static Value asRead(const Written& written) {
@@ -194,13 +210,12 @@ void UserDefaults::setDouble(std::string_view key, double value) {
 }
 
 bool UserDefaults::synchronize() {
+  const int readFailure = std::exchange(suite_->readFailure, SQLITE_OK);
   if (suite_->pending.empty()) return true;
-  const int code = suite_->commit();
+  const int code = readFailure == SQLITE_OK ? suite_->commit() : readFailure;
   suite_->pending.clear();
   if (code == SQLITE_OK) return true;
-  const std::string line =
-      "the shared store could not be written: " + std::string(sqlite3_errstr(code)) + "\n";
-  std::fputs(line.c_str(), stderr);
+  Suite::report("written", code);
   return false;
 }
 

@@ -20,6 +20,10 @@ inline constexpr BusObject notificationCenter{
 inline constexpr BusObject intents{"app.kivo.expenses.Intents", "/app/kivo/expenses/Intents",
                                    "app.kivo.Intents1"};
 
+/// The intents' shortcuts, for the search of the desktop's shell.
+inline constexpr BusObject search{intents.service, "/app/kivo/expenses/SearchProvider",
+                                  "org.gnome.Shell.SearchProvider2"};
+
 /// Every program sends its reload signals from this path; there is no service to call.
 inline constexpr BusObject widgetCenter{"", "/app/kivo/WidgetCenter", "app.kivo.WidgetCenter1"};
 inline constexpr const char* reloadAllTimelines = "ReloadAllTimelines";

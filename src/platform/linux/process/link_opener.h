@@ -2,9 +2,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include <sys/types.h>
+#include "platform/linux/process/detached_programs.h"
 
 namespace kivo::linux_platform {
 
@@ -17,9 +16,7 @@ class LinkOpener {
   void open(const std::string& link);
 
  private:
-  void reapEnded();
-
-  std::vector<pid_t> openers_;
+  DetachedPrograms openers_;
 };
 
 }  // namespace kivo::linux_platform

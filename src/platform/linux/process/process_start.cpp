@@ -1,5 +1,6 @@
 #include "platform/linux/process/process_start.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 
@@ -11,12 +12,10 @@
 namespace kivo::linux_platform {
 
 void startProcess() {
-  int descriptor = 0;
-  do {
-    descriptor = open("/dev/null", O_RDWR);
-    if (descriptor < 0) std::abort();
-  } while (descriptor <= STDERR_FILENO);
-  close(descriptor);
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
+    if (open("/dev/null", O_RDWR) != descriptor) std::abort();  // the lowest one that is free
+  }
 
   prctl(PR_SET_DUMPABLE, 0);
   umask(0077);

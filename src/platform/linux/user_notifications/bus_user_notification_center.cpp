@@ -57,8 +57,18 @@ struct Meeting {
 template <typename Answer>
 using Ask = std::function<void(std::function<void(Answer)>)>;
 
-// Asks, and suspends until the answer is there or the run's budget is spent; none then. A
-// cancellation of the task ends one wait of the timer, not the waiting.
+// Null where no descriptor is left for it.
+std::shared_ptr<asio::steady_timer> makeTimer(const asio::any_io_executor& executor,
+                                              std::chrono::steady_clock::time_point end) {
+  try {
+    return std::make_shared<asio::steady_timer>(executor, end);
+  } catch (const boost::system::system_error&) {
+    return nullptr;
+  }
+}
+
+// Asks, and suspends until the answer is there or the run's budget is spent; none then, and at once
+// where it cannot wait. A cancellation of the task ends one wait of the timer, not the waiting.
 template <typename Answer>
 platform::Task<std::optional<Answer>> answerInTime(SessionBus* bus, Ask<Answer> ask) {
   using Clock = std::chrono::steady_clock;
@@ -70,7 +80,8 @@ platform::Task<std::optional<Answer>> answerInTime(SessionBus* bus, Ask<Answer> 
   if (patience == std::chrono::nanoseconds(0)) co_return std::nullopt;
   const Clock::time_point start = Clock::now();
 
-  const auto timer = std::make_shared<asio::steady_timer>(executor, start + patience);
+  const std::shared_ptr<asio::steady_timer> timer = makeTimer(executor, start + patience);
+  if (!timer) co_return std::nullopt;
   const auto meeting = std::make_shared<Meeting<Answer>>();
   // The task's own strand wakes it, so never before it waits.
   meeting->expectWith([executor, timer] { asio::post(executor, [timer] { timer->cancel(); }); });

@@ -9,6 +9,7 @@
 #include <sdbus-c++/sdbus-c++.h>
 
 #include "platform/linux/process/bus_names.h"
+#include "platform/linux/process/desktop_entry.h"
 #include "platform/linux/process/markup_text.h"
 #include "platform/linux/user_notifications/desktop_wire.h"
 
@@ -103,7 +104,7 @@ void DesktopNotifications::notify(const UNMutableNotificationContent& content,
   const auto has = [&](const char* capability) {
     return std::find(capabilities.begin(), capabilities.end(), capability) != capabilities.end();
   };
-  std::map<std::string, sdbus::Variant> hints{{"desktop-entry", std::string("app.kivo.expenses")}};
+  std::map<std::string, sdbus::Variant> hints{{"desktop-entry", std::string(desktopEntry)}};
   if (has(desktop_wire::sound)) hints["sound-name"] = std::string("message-new-instant");
   std::vector<std::string> actions;
   if (!deepLink(content).empty()) actions = {desktop_wire::defaultAction, "Open"};

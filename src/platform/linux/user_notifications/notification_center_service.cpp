@@ -51,12 +51,12 @@ platform::UNMutableNotificationContent contentOf(const WireContent& wire) {
 }
 
 platform::UNTimeIntervalNotificationTrigger triggerOf(double interval, bool repeats) {
-  constexpr std::chrono::duration<double> century = std::chrono::years(100);
-  if (!(interval >= 0 && interval < century.count())) {
+  const std::chrono::duration<double> timeInterval(interval);
+  if (!platform::UNTimeIntervalNotificationTrigger::isPossible(timeInterval)) {
     throw invalid("the interval is no time from now to a century");
   }
   if (repeats) throw invalid("no notification repeats");
-  return {.timeInterval = std::chrono::duration<double>(interval)};
+  return {.timeInterval = timeInterval};
 }
 
 void add(NotificationCenterCalls& calls, const std::string& bundle, const std::string& identifier,

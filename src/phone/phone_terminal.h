@@ -1,0 +1,30 @@
+// How the commands of kivo-phone speak to the person. Asks nothing.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace kivo {
+
+/// What the program is called.
+inline constexpr const char* phoneProgramName = "kivo-phone";
+
+/// The exit status of a command that could not do what it was told.
+inline constexpr int exitFailure = 1;
+
+/// Writes `what` as one line on standard error, after the program's name; yields `status`.
+int fail(const std::string& what, int status = exitFailure);
+
+/// `fail`, for a shared store that cannot be opened.
+int failWithoutStore();
+
+/// Writes `text` on standard output as it is; yields 0, or `fail` when that cannot be done.
+int print(const std::string& text);
+
+/// Whether standard output is a terminal.
+bool onTerminal();
+
+/// How many columns standard output shows in a line; without end where it is no terminal.
+std::size_t screenWidth();
+
+}  // namespace kivo

@@ -1,0 +1,154 @@
+#include "phone/queue_commands.h"
+
+#include <charconv>
+#include <cstddef>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include <unistd.h>
+
+#include "phone/phone_terminal.h"
+#include "phone/queue_listing.h"
+#include "phone/queue_removal.h"
+#include "platform/foundation/date.h"
+#include "platform/foundation/errors.h"
+#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/json_encoder.h"
+#include "platform/linux/process/terminal_text.h"
+#include "queue/pending_sms_queue.h"
+#include "store/shared_store.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::exitBadUsage;
+using linux_platform::GivenParameters;
+using Controls = QueueListing::Controls;
+using Items = std::vector<PendingSmsItem>;
+using Kind = linux_platform::CommandParameter::Kind;
+
+// True when a queue is stored that the extension cannot read either.
+bool queueIsBroken(const SharedStore& store) {
+  const auto text = store.readText(StoreKeys::pendingSmsQueue);
+  if (!text) return false;
+  try {
+    return !platform::JSONDecoder::arrayOfObjects(*text).empty();
+  } catch (const platform::DecodingError&) {
+    return true;
+  }
+}
+
+// The queue; none when it cannot be read, which has then been said.
+std::optional<Items> readQueue() {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) {
+    failWithoutStore();
+    return std::nullopt;
+  }
+  Items items = PendingSmsQueue::load(*store);
+  if (items.empty() && queueIsBroken(*store)) {
+    fail("the stored queue cannot be read; the next text that is queued replaces it");
+    return std::nullopt;
+  }
+  return items;
+}
+
+// The index that the number `text` of a text means; none when it is no such number.
+std::optional<std::size_t> indexFrom(const std::string& text) {
+  std::size_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || stop != end || number == 0) return std::nullopt;
+  return number - 1;
+}
+
+int failWithoutNumber() {
+  return fail("N is the number of a text, as the queue counts them", exitBadUsage);
+}
+
+int failWithoutText(std::size_t count) {
+  if (count == 0) return fail("nothing waits to be sent");
+  return fail("no text has this number; the last one has " + std::to_string(count));
+}
+
+int showQueue(const GivenParameters&) {
+  const auto items = readQueue();
+  if (!items) return exitFailure;
+  return print(QueueListing::text(*items, platform::Date::now(), screenWidth()));
+}
+
+int showText(const GivenParameters& given) {
+  const auto index = indexFrom(given.at("N"));
+  if (!index) return failWithoutNumber();
+  const auto items = readQueue();
+  if (!items) return exitFailure;
+  if (*index >= items->size()) return failWithoutText(items->size());
+  return print(QueueListing::details((*items)[*index], platform::Date::now(),
+                                     onTerminal() ? Controls::escaped : Controls::asTheyAre));
+}
+
+int exportQueue(const GivenParameters&) {
+  const auto items = readQueue();
+  if (!items) return exitFailure;
+  std::vector<platform::JSONEncoder> objects;
+  for (const PendingSmsItem& item : *items) objects.push_back(item.encode());
+  const std::string text = platform::JSONEncoder::arrayText(objects);
+  return print(linux_platform::forStandardOutput(text) + "\n");
+}
+
+bool isConfirmed(const PendingSmsItem& item) {
+  std::cerr << QueueListing::details(item, platform::Date::now(), Controls::escaped)
+            << "\nDrop this text, so that it is never sent? [y/N] " << std::flush;
+  std::string answer;
+  if (!std::getline(std::cin, answer)) std::cerr << '\n';
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+int removeText(const PendingSmsItem& item, std::size_t index) {
+  auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  switch (QueueRemoval::remove(item, index, *store)) {
+    case QueueRemoval::Outcome::removed:
+      return print("Dropped.\n");
+    case QueueRemoval::Outcome::busy:
+      return fail("texts are being sent just now; nothing was dropped, try again in half a minute");
+    case QueueRemoval::Outcome::gone:
+      return fail("the text has left the queue meanwhile; nothing was dropped");
+    case QueueRemoval::Outcome::notWritten:
+      return fail("nothing was dropped");
+  }
+  return exitFailure;
+}
+
+int dropText(const GivenParameters& given) {
+  const auto index = indexFrom(given.at("N"));
+  if (!index) return failWithoutNumber();
+  const bool asks = !given.contains("--yes");
+  if (asks && isatty(STDIN_FILENO) != 1) {
+    return fail("there is no terminal to ask at; --yes drops without asking", exitBadUsage);
+  }
+  const auto items = readQueue();
+  if (!items) return exitFailure;
+  if (*index >= items->size()) return failWithoutText(items->size());
+  const PendingSmsItem& item = (*items)[*index];
+  if (asks && !isConfirmed(item)) return fail("nothing was dropped");
+  return removeText(item, *index);
+}
+
+}  // namespace
+
+std::vector<linux_platform::Command> queueCommands() {
+  const linux_platform::CommandParameter number{"N", "The number of a text, as the queue counts"};
+  return {
+      {"queue", "Show the texts that wait to be sent", {}, showQueue},
+      {"queue show", "Show all of one text that waits", {number}, showText},
+      {"queue export", "Print the texts that wait as one JSON array", {}, exportQueue},
+      {"queue drop",
+       "Drop a text, after asking",
+       {number, {"--yes", "Drop it without asking", Kind::flag}},
+       dropText},
+  };
+}
+
+}  // namespace kivo

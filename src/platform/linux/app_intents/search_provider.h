@@ -1,0 +1,46 @@
+// The intents' shortcuts in the search of the desktop's shell. Performs none: it opens a terminal
+// that does. Included by the .cpp files that speak on the bus, nowhere else.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/app_intents/app_intents_extension.h"
+#include "platform/linux/process/terminal_window.h"
+
+struct sd_bus;
+
+namespace kivo::linux_platform {
+
+/// Answers on `bus`, on the thread that serves it, from its making to the end of the bus.
+class SearchProvider {
+ public:
+  /// Calls `onCall` at the beginning of each call. `extension` outlives this, and this the serving
+  /// of `bus`. Throws std::runtime_error with one line when the bus cannot be used.
+  SearchProvider(sd_bus* bus, const platform::AppIntentsExtension& extension,
+                 std::function<void()> onCall);
+  SearchProvider(const SearchProvider&) = delete;
+  SearchProvider& operator=(const SearchProvider&) = delete;
+
+  /// As `DetachedPrograms::reapEnded`, for the terminals that it has opened.
+  bool reapEnded() { return windows_.reapEnded(); }
+
+ private:
+  /// What a call that cannot be served is answered with; its texts are fixed ones.
+  struct Failure {
+    const char* name;
+    const char* words;
+  };
+  struct Members;
+
+  std::optional<Failure> activate(const std::string& intent);
+  std::optional<Failure> open(std::vector<std::string> arguments);
+
+  const platform::AppIntentsExtension& extension_;
+  std::function<void()> onCall_;
+  TerminalWindows windows_;
+};
+
+}  // namespace kivo::linux_platform

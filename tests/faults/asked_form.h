@@ -1,0 +1,13 @@
+// Whether the long form of a test is asked for. Measures nothing.
+#pragma once
+
+#include <cstdlib>
+
+namespace kivo::testkit {
+
+/// `longForm` when KIVO_LONG is set, else `shortForm`.
+inline int inAskedForm(int shortForm, int longForm) {
+  return std::getenv("KIVO_LONG") == nullptr ? shortForm : longForm;
+}
+
+}  // namespace kivo::testkit

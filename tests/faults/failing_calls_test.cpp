@@ -1,0 +1,124 @@
+// Runs some of whose system calls fail: the text, the earlier queue and the dialog.
+#include <array>
+#include <fstream>
+#include <iterator>
+
+#include "surviving_run.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::ProgramResult;
+using testkit::Fault;
+
+constexpr std::array errorNames{"EACCES", "ENOSPC", "EIO", "EDQUOT", "EMFILE"};
+
+// Whatever the error, a lock that fails counts as another process's and is waited for, up to 10 s:
+// one error will do for it.
+constexpr const char* locking = "fcntl";
+
+// Beside those at which programs are killed: by which descriptors, folders and files are made, and
+// the store is read.
+constexpr std::array furtherCalls{
+    "pread64",    "read",   "mkdir",         "mknodat",  "socket",         "connect", "pipe2",
+    "newfstatat", "fchown", "epoll_create1", "eventfd2", "timerfd_create", "lseek"};
+
+// The sanitizers' own runtime looks at memory through pipes, and reports what is none when it gets
+// no pipe or cannot read from it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
+class ARunWithFailingCalls : public testkit::SurvivingRuns {
+ protected:
+  void sweep() {
+    std::vector<std::string> calls(testkit::sweptCalls.begin(), testkit::sweptCalls.end());
+    calls.insert(calls.end(), furtherCalls.begin(), furtherCalls.end());
+    // What a run writes by write is standard output, and wakes its own threads with, which cannot
+    // fail in earnest.
+    std::erase(calls, "write");
+    if (sanitized) std::erase(calls, "pipe2");
+    if (sanitized) std::erase(calls, "read");
+    for (const std::string& call : calls) sweepCall({.call = call, .effect = ""});
+    for (const char* const call : {"openat", "close", "pread64", "newfstatat", "read"}) {
+      sweepCall({.call = call, .effect = "", .where = Fault::Where::onTheStore});
+    }
+    std::cout << "failed calls in " << injected_ << " runs\n";
+    EXPECT_GE(injected_, testkit::isLongForm() ? 1000 : 10);
+  }
+
+ private:
+  /// With every error in the long form, and in the short one with one error, another for each call.
+  void sweepCall(Fault fault) {
+    for (std::size_t index = 0; index < errorNames.size(); ++index) {
+      const bool chosen = fault.call == locking ? index == 0 : index == turn_ % errorNames.size();
+      if (!chosen && (fault.call == locking || !testkit::isLongForm())) continue;
+      fault.effect = std::string("error=") + errorNames[index];
+      for (const auto repeat : {Fault::Repeat::once, Fault::Repeat::fromThenOn}) {
+        fault.repeat = repeat;
+        sweepNumbers(fault);
+        if (HasFailure()) return;
+      }
+    }
+    ++turn_;
+  }
+
+  void sweepNumbers(Fault fault) {
+    int step = numbers_.step();
+    if (fault.call == locking && fault.repeat == Fault::Repeat::fromThenOn) step = 25;
+    if (fault.call == locking && !testkit::isLongForm()) step = 80;
+    for (fault.number = numbers_.first(); fault.number < 1000; fault.number += step) {
+      SCOPED_TRACE(testkit::wordsFor(fault));
+      look([&](const std::string& text) { return processSMSWith(fault, text); });
+      if (HasFailure() || !wasInjected()) return;
+      ++injected_;
+    }
+    ADD_FAILURE() << "no run was left alone";
+  }
+
+  [[nodiscard]] bool wasInjected() const {
+    std::ifstream in(traceFile());
+    const std::string trace{std::istreambuf_iterator<char>(in), {}};
+    return trace.find("(INJECTED)") != std::string::npos;
+  }
+
+  testkit::CallNumbers numbers_;
+  std::size_t turn_ = 0;
+  int injected_ = 0;
+};
+
+TEST_F(ARunWithFailingCalls, ThatWouldBeOfflineKeepsItsTextAndTheQueueOrSaysThatTheStoreFailed) {
+  prepare(Backend::fails);
+  sweep();
+  printCounts("offline");
+}
+
+TEST_F(ARunWithFailingCalls, ThatWouldBeSavedHasItsTextAtTheBackendOrInTheQueue) {
+  prepare(Backend::saves);
+  sweep();
+  printCounts("saved and draining");
+}
+
+TEST_F(ARunWithFailingCalls, ThatMayOpenFewFilesKeepsItsText) {
+  if (sanitized) GTEST_SKIP() << "a sanitizer needs descriptors of its own";
+  prepare(Backend::fails);
+  for (int limit = 3; limit <= 40; ++limit) {
+    SCOPED_TRACE("descriptors: " + std::to_string(limit));
+    look([&](const std::string& text) {
+      return linux_platform::runProgram(
+          {.program = "prlimit",
+           .arguments = {"--nofile=" + std::to_string(limit),
+                         (linux_platform::programFolder() / "kivo-intents").string(), "perform",
+                         "ProcessSMSIntent", "--smsText", "-"},
+           .input = text});
+    });
+    if (HasFailure()) break;
+  }
+  printCounts("few descriptors");
+  EXPECT_GT(queued, 0);
+}
+
+}  // namespace
+}  // namespace kivo

@@ -1,0 +1,18 @@
+// kivo-intents inside a process that has made the environment's locale its own, in C and in C++, as
+// a host may have. Ends with status 70 when there is no such locale.
+#include <clocale>
+#include <locale>
+#include <stdexcept>
+
+#include "intents/expense_intents_extension.h"
+#include "platform/linux/app_intents/ns_extension_main.h"
+
+int main(int argc, char** argv) {
+  if (std::setlocale(LC_ALL, "") == nullptr) return 70;
+  try {
+    std::locale::global(std::locale(""));
+  } catch (const std::runtime_error&) {
+    return 70;
+  }
+  return kivo::linux_platform::NSExtensionMain(argc, argv, kivo::ExpenseIntentsExtension::make());
+}

@@ -1,0 +1,31 @@
+// Whether a store's file is whole and what belongs together in it agrees. Judges no single value.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "testkit/raw_store.h"
+
+namespace kivo::testkit {
+
+/// Empty when the file is whole, the queue's count is the queue's length and the four totals are
+/// there together or not at all; else what is not so.
+inline std::string storeDisagreement(const std::filesystem::path& file) {
+  RawStore store(file);
+  std::string disagreement;
+  const std::string integrity = store.run("PRAGMA integrity_check");
+  if (integrity != "ok\n") disagreement += "integrity: " + integrity;
+  const std::string queue = "(SELECT value FROM defaults WHERE key = 'pendingSmsQueue')";
+  const std::string count = "(SELECT value FROM defaults WHERE key = 'pendingSmsQueueCount')";
+  if (store.run("SELECT CAST(coalesce(json_array_length(" + queue + "), '') AS TEXT) = coalesce(" +
+                count + ", '')") != "1\n") {
+    disagreement += "queue and count differ\n";
+  }
+  const std::string totals = store.run(
+      "SELECT count(*) FROM defaults WHERE key IN ('todayDateKey', 'todayTotal', 'todayCount', "
+      "'monthlyTotal')");
+  if (totals != "0\n" && totals != "4\n") disagreement += "some totals are missing\n";
+  return disagreement;
+}
+
+}  // namespace kivo::testkit

@@ -1,0 +1,145 @@
+#include "platform/linux/process/terminal_window.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "testkit/private_folders.h"
+#include "testkit/private_phone.h"
+
+namespace kivo::linux_platform {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testkit::eventually;
+using testkit::ScopedVariable;
+using Call = std::vector<std::string>;
+
+std::vector<std::string> beginnings(const std::vector<Call>& calls) {
+  std::vector<std::string> texts;
+  for (const Call& call : calls) {
+    std::string text = call.front();
+    if (call.at(1) != "/bin/sh") text += " " + call.at(1);
+    texts.push_back(text);
+  }
+  return texts;
+}
+
+TEST(TheTerminals, AreTriedInThisOrderEachInItsOwnManner) {
+  const ScopedVariable none("TERMINAL", std::nullopt);
+  EXPECT_THAT(
+      beginnings(terminalCalls({"program"})),
+      ElementsAre("xdg-terminal-exec", "x-terminal-emulator -e", "kgx --", "gnome-terminal --",
+                  "konsole -e", "xfce4-terminal -x", "mate-terminal -x", "foot", "xterm -e"));
+}
+
+TEST(TheTerminals, BeginWithTheOneThatThePersonNamesUnlessTheDesktopKnows) {
+  for (const auto& [named, call] : std::map<std::string, std::string>{
+           {"urxvt", "urxvt -e"},
+           {"/opt/my terminal/bin/kgx", "/opt/my terminal/bin/kgx --"},
+           {"foot", "foot"}}) {
+    const ScopedVariable variable("TERMINAL", named);
+    const auto calls = beginnings(terminalCalls({"program"}));
+    EXPECT_EQ(calls.at(0), "xdg-terminal-exec");
+    EXPECT_EQ(calls.at(1), call);
+    EXPECT_EQ(calls.at(2), "x-terminal-emulator -e");
+  }
+  const ScopedVariable empty("TERMINAL", "");
+  EXPECT_EQ(beginnings(terminalCalls({"program"})).at(1), "x-terminal-emulator -e");
+}
+
+TEST(TheTerminals, AreHandedTheCommandWordByWord) {
+  for (const Call& call : terminalCalls({"/a b/program", "perform", "$(rm) \"'"})) {
+    const Call last(call.end() - 3, call.end());
+    EXPECT_THAT(last, ElementsAre("/a b/program", "perform", "$(rm) \"'"));
+  }
+}
+
+// A folder that is all of PATH, in which stand-ins note how they are called.
+class AWindow : public testing::Test {
+ protected:
+  void standIn(const std::string& name, const std::string& more = "") {
+    std::ofstream(folder_.path() / name)
+        << "#!/bin/sh\nfor word in \"${0##*/}\" \"$@\"; do printf '%s\\n' \"$word\"; done > '"
+        << (folder_.path() / "called").string() << ".new'\n"
+        << "/bin/mv '" << (folder_.path() / "called").string() << ".new' '"
+        << (folder_.path() / "called").string() << "'\n"
+        << more << '\n';
+    std::filesystem::permissions(folder_.path() / name, std::filesystem::perms::owner_all);
+  }
+  Call called() const {
+    Call words;
+    const auto file = folder_.path() / "called";
+    eventually([&] { return std::filesystem::exists(file); });
+    std::ifstream in(file);
+    for (std::string word; std::getline(in, word);) words.push_back(word);
+    return words;
+  }
+
+  testkit::TemporaryFolder folder_;
+  ScopedVariable path_{"PATH", folder_.path().string()};
+  ScopedVariable terminal_{"TERMINAL", std::nullopt};
+  TerminalWindows windows_;
+};
+
+TEST_F(AWindow, IsNotOpenedWithoutATerminal) {
+  EXPECT_FALSE(windows_.open({"program"}));
+  std::ofstream(folder_.path() / "xterm") << "not to be executed";
+  std::filesystem::create_directory(folder_.path() / "foot");
+  EXPECT_FALSE(windows_.open({"program"}));
+}
+
+TEST_F(AWindow, IsOpenedByTheFirstTerminalThatThereIs) {
+  standIn("xterm");
+  standIn("konsole");
+  ASSERT_TRUE(windows_.open({"program", "an argument"}));
+  const Call call = called();
+  EXPECT_THAT(call, ElementsAreArray(terminalCalls({"program", "an argument"}).at(4)));
+}
+
+TEST_F(AWindow, IsOpenedByTheNextTerminalWhereOneCannotBeStarted) {
+  std::ofstream(folder_.path() / "konsole") << "#!/no/such/interpreter\n";
+  std::filesystem::permissions(folder_.path() / "konsole", std::filesystem::perms::owner_all);
+  standIn("xterm");
+  ASSERT_TRUE(windows_.open({"program"}));
+  EXPECT_EQ(called().front(), "xterm");
+}
+
+TEST_F(AWindow, OfAServiceIsAUnitOfItsOwn) {
+  standIn("xterm");
+  standIn("systemd-run");
+  const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getpid()));
+  ASSERT_TRUE(windows_.open({"program"}));
+  const Call call = called();
+  const Call unit(call.begin(), call.begin() + 7);
+  EXPECT_THAT(unit,
+              ElementsAre("systemd-run", "--user", "--collect", "--quiet", "--", "xterm", "-e"));
+  EXPECT_EQ(call.back(), "program");
+}
+
+TEST_F(AWindow, OfAProgramThatSomeServiceHasStartedIsNone) {
+  standIn("xterm");
+  standIn("systemd-run");
+  const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getppid()));
+  ASSERT_TRUE(windows_.open({"program"}));
+  EXPECT_EQ(called().front(), "xterm");
+}
+
+TEST_F(AWindow, LeavesNothingOfItselfWhenItIsClosed) {
+  EXPECT_FALSE(windows_.reapEnded());
+  standIn("xterm", "read -r line < '" + (folder_.path() / "close").string() + "'");
+  ASSERT_EQ(mkfifo((folder_.path() / "close").c_str(), 0600), 0);
+  ASSERT_TRUE(windows_.open({"program"}));
+  called();
+  EXPECT_TRUE(windows_.reapEnded());
+  std::ofstream(folder_.path() / "close") << "now\n";
+  EXPECT_TRUE(eventually([this] { return !windows_.reapEnded(); }));
+}
+
+}  // namespace
+}  // namespace kivo::linux_platform
