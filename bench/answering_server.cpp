@@ -31,12 +31,13 @@ namespace {
 
 constexpr int mostWaitingConnections = 4096;
 
-// An answer with another amount and merchant than the one before.
-std::string nextAnswer(std::uint64_t& number) {
-  ++number;
+std::string bodyOf(Answers answers, std::uint64_t number) {
+  if (answers == Answers::notSaved) return testkit::notSavedBody;
   const double amount = 1 + static_cast<double>(number * 7919 % 999'983) / 100;
-  const std::string body =
-      testkit::savedBody({.amount = amount, .description = "Cafe " + std::to_string(number)});
+  return testkit::savedBody({.amount = amount, .description = "Cafe " + std::to_string(number)});
+}
+
+std::string answerOf(const std::string& body) {
   return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nConnection: close\r\n"
          "Content-Length: " +
          std::to_string(body.size()) + "\r\n\r\n" + body;
@@ -52,8 +53,9 @@ std::size_t contentLength(std::string_view head) {
 
 class Backend {
  public:
-  Backend(tcp::acceptor acceptor, std::chrono::milliseconds delay, asio::ssl::context* tls)
-      : acceptor_(std::move(acceptor)), delay_(delay), tls_(tls) {}
+  Backend(tcp::acceptor acceptor, Answers answers, std::chrono::milliseconds delay,
+          asio::ssl::context* tls)
+      : acceptor_(std::move(acceptor)), answers_(answers), delay_(delay), tls_(tls) {}
 
   asio::awaitable<void> accept() {
     while (true) {
@@ -94,11 +96,12 @@ class Backend {
       asio::steady_timer timer(acceptor_.get_executor(), delay_);
       co_await timer.async_wait(asio::use_awaitable);
     }
-    const std::string bytes = nextAnswer(number_);
+    const std::string bytes = answerOf(bodyOf(answers_, ++number_));
     co_await asio::async_write(stream, asio::buffer(bytes), asio::use_awaitable);
   }
 
   tcp::acceptor acceptor_;
+  Answers answers_;
   std::chrono::milliseconds delay_;
   asio::ssl::context* tls_;
   std::uint64_t number_ = 0;
@@ -120,7 +123,7 @@ struct AnsweringServer::Process {
   std::optional<testkit::OtherProcess> other;
 };
 
-AnsweringServer::AnsweringServer(std::chrono::milliseconds delay,
+AnsweringServer::AnsweringServer(Answers answers, std::chrono::milliseconds delay,
                                  std::optional<testkit::ServerIdentity> identity)
     : process_(std::make_unique<Process>()) {
   const tcp::endpoint anyPort(asio::ip::address_v4::loopback(), 0);
@@ -136,7 +139,7 @@ AnsweringServer::AnsweringServer(std::chrono::milliseconds delay,
     process_->context.notify_fork(asio::io_context::fork_child);
     std::optional<asio::ssl::context> tls;
     if (identity) tls.emplace(serverTls(*identity));
-    Backend backend(std::move(acceptor), delay, tls ? &*tls : nullptr);
+    Backend backend(std::move(acceptor), answers, delay, tls ? &*tls : nullptr);
     asio::co_spawn(process_->context, backend.accept(), asio::detached);
     process_->context.run();
     return true;

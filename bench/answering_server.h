@@ -1,5 +1,4 @@
-// A backend for measurements, in a process of its own: each request is told of as a saved expense.
-// Checks nothing that it is sent.
+// A backend for measurements, in a process of its own. Checks nothing that it is sent.
 #pragma once
 
 #include <chrono>
@@ -11,12 +10,20 @@
 
 namespace kivo::bench {
 
+/// What the requests are told of as.
+enum class Answers {
+  /// A saved expense, with another amount and description each time.
+  saved,
+  /// No transaction.
+  notSaved,
+};
+
 /// Ends with its life. To be made while this process has no other thread and no store open.
 class AnsweringServer {
  public:
-  /// Answers each request `delay` after it has come; the amount and the description of the expense
-  /// are other ones each time. Speaks TLS with an `identity`.
-  explicit AnsweringServer(std::chrono::milliseconds delay = std::chrono::milliseconds(0),
+  /// Answers each request `delay` after it has come. Speaks TLS with an `identity`.
+  explicit AnsweringServer(Answers answers,
+                           std::chrono::milliseconds delay = std::chrono::milliseconds(0),
                            std::optional<testkit::ServerIdentity> identity = std::nullopt);
   ~AnsweringServer();
   AnsweringServer(const AnsweringServer&) = delete;

@@ -37,8 +37,8 @@ class Field {
   void fillQueue(const std::filesystem::path& dataHome);
 
   testkit::TestAuthority authority_;
-  AnsweringServer http_;
-  AnsweringServer https_{std::chrono::milliseconds(0), authority_.certify()};
+  AnsweringServer http_{Answers::saved};
+  AnsweringServer https_{Answers::saved, std::chrono::milliseconds(0), authority_.certify()};
   testkit::PrivatePhone phone_;
   testkit::RefusedPort nobody_;
   std::filesystem::path folder_ = phone_.folders().home() / "bench";

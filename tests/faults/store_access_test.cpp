@@ -73,7 +73,7 @@ TEST_F(TheStoreOfARun, IsForItsOwnerOnlyWhateverTheUmask) {
                          .input = "Paid 150"};
     };
     EXPECT_THAT(linux_platform::runProgram(perform()).output, HasSubstr("sign in first"));
-    expectPrivate(folder(), 1);
+    expectPrivate(folder(), 3);
     signIn(silent.url());
     // Another program, which is the last to close it, empties the log and takes it away.
     testkit::RawStore(folders.storeFile()).run("SELECT count(*) FROM defaults");
