@@ -28,11 +28,13 @@ constexpr std::int64_t currentVersion = 1;
 
 constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
 
-// Durable commits; deleted bytes overwritten; no text in a temporary file; and a log that is moved
-// into the database before whoever opens it next has long to read, 256 KiB.
+// Durable commits; deleted bytes overwritten; no text in a temporary file.
 constexpr const char* settings =
-    "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY;"
-    "PRAGMA wal_autocheckpoint = 64";
+    "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
+
+// In pages of 4 KiB. Whoever opens the database alone reads the log once, a quarter of a
+// millisecond for this much.
+constexpr int longestLog = 128;
 
 // The statements of one transaction that turn an empty database into a suite.
 constexpr const char* creation =
@@ -89,6 +91,17 @@ sqlite3_vfs* logKeepingAccess() {
   }();
   static const int registered = sqlite3_vfs_register(&access, 0);
   return registered == SQLITE_OK ? &access : usual;
+}
+
+// Called after each commit. Moves a long log into the database and empties it, or leaves that to a
+// later commit where another process is reading or writing. SQLite's own way would leave the log to
+// be written over from its start, but that it may be is known only until the last one closes it.
+int shortenLog(void*, sqlite3* database, const char*, int pages) {
+  if (pages < longestLog) return SQLITE_OK;
+  sqlite3_busy_timeout(database, 0);
+  sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+  sqlite3_busy_timeout(database, patienceInMilliseconds);
+  return SQLITE_OK;
 }
 
 // The folder, made when there is none, for its owner only; -1 when it is no folder of ours.
@@ -244,6 +257,7 @@ Database openSuiteDatabase(std::string_view suiteName) {
   // The last to close the database would move the log into it and take away its files, only for the
   // next run to make them anew: more syncs than the run itself has commits.
   sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  sqlite3_wal_hook(opened, shortenLog, nullptr);
 
   if (establishPatiently(opened) != SQLITE_OK) return nullptr;
   if (!makeAllPrivate(folder.number())) return nullptr;
