@@ -209,9 +209,10 @@ TEST_F(AQueueOfTexts, LosesNoneWhileADrainHasIt) {
 
 TEST_F(AQueueOfTexts, LosesNoneWhenTheStoreCannotBeWritten) {
   const SharedStore holder = open();  // keeps the files that a first handle would have to make
-  const ProgramResult result = runProgram(
-      {.program = "sh",
-       .arguments = {"-c", "ulimit -f 0; exec \"$0\" queue drop 1 --yes", phoneProgram()}});
+  const ProgramResult result =
+      runProgram({.program = "sh",
+                  .arguments = {"-c", "trap '' XFSZ; ulimit -f 0; exec \"$0\" queue drop 1 --yes",
+                                phoneProgram()}});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, "");
   EXPECT_THAT(result.errors, StartsWith("the shared store could not be written: "));
