@@ -80,8 +80,10 @@ void FaultedProgram::keepStore(const std::vector<PendingSmsItem>& queued, double
     opened.writeText(StoreKeys::monthlyTotal, "300.0");
     opened.writeFloat(StoreKeys::smsQueueDrainLock, lock);
     PendingSmsQueue::save(queued, opened);
-  }  // the end of the last handle leaves all of it in one file
+  }
   kept_ = folders.home() / "kept.sqlite3";
+  // Another program, which is the last to close it, moves the log into the file.
+  RawStore(folders.storeFile()).run("SELECT count(*) FROM defaults");
   std::filesystem::copy_file(folders.storeFile(), kept_);
 }
 

@@ -10,7 +10,8 @@ namespace kivo::platform {
 
 /// Formats moments in the device's present time zone, which is looked up anew for each text.
 struct DateFormatter {
-  /// The pattern, in Unicode's date field symbols, for example "yyyy-MM-dd".
+  /// The pattern, in Unicode's date field symbols, for example "yyyy-MM-dd": those for year, month,
+  /// day, hour of 24, minute and second, as numbers. Another letter stops the process.
   std::string dateFormat;
   /// An identifier such as "en_US_POSIX", which decides calendar and digits; none for the device's
   /// current locale (LC_ALL, LC_TIME, LANG).

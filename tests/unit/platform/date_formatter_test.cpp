@@ -1,6 +1,9 @@
 #include "platform/foundation/date_formatter.h"
 
+#include <memory>
+
 #include <gtest/gtest.h>
+#include <unicode/smpdtfmt.h>
 
 #include "testkit/private_folders.h"
 
@@ -131,6 +134,33 @@ TEST_F(ADateFormatter, TurnsTheClockAtTheMomentItIsTurned) {
 
 TEST_F(ADateFormatter, RoundsDownToTheSecondBefore1970Too) {
   EXPECT_EQ(timeIn("UTC", Moment(-1us)), "1969-12-31 23:59:59");
+}
+
+// The library's formatter, which knows every pattern there is, and is slow to make for that.
+std::string byLibrary(const icu::Locale& locale, const std::string& pattern, Moment moment) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::SimpleDateFormat formatter(icu::UnicodeString::fromUTF8(pattern), locale, status);
+  formatter.setTimeZone(*icu::TimeZone::getGMT());
+  icu::UnicodeString text;
+  formatter.format(secondsSince1970(moment) * 1000, text);
+  std::string result;
+  return U_SUCCESS(status) ? text.toUTF8String(result) : "";
+}
+
+TEST_F(ADateFormatter, WritesAsTheLibrarysOwnInEveryLocale) {
+  const ScopedVariable zone("TZ", "UTC");
+  const std::string pattern = "yyyy-MM-dd HH:mm:ss";
+  std::int32_t count = 0;
+  const icu::Locale* const locales = icu::Locale::getAvailableLocales(count);
+  ASSERT_GT(count, 100);
+  for (std::int32_t each = 0; each < count; ++each) {
+    for (const Moment moment :
+         {lateInJanuary, lateInJuly, Moment(sys_days{2028y / February / 29})}) {
+      const DateFormatter formatter{.dateFormat = pattern, .locale = locales[each].getName()};
+      EXPECT_EQ(formatter.string(moment), byLibrary(locales[each], pattern, moment))
+          << locales[each].getName();
+    }
+  }
 }
 
 }  // namespace

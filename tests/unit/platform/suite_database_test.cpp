@@ -1,5 +1,6 @@
 #include "platform/linux/foundation/suite_database.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -51,6 +52,37 @@ class ASuiteFile : public SuiteTest {
 };
 
 using ADataHome = SuiteTest;
+
+TEST_F(ASuiteFile, KeepsItsLogShortThoughEachHandleWritesOnceOnly) {
+  std::uintmax_t longest = 0;
+  for (int number = 0; number < 400; ++number) {
+    UserDefaults suite = open();
+    suite.setObject("number", std::to_string(number));
+    ASSERT_TRUE(suite.synchronize());
+    longest = std::max(longest, fs::file_size(file().string() + "-wal"));
+  }
+  EXPECT_GT(longest, 200U << 10U);  // it is not moved after each commit
+  EXPECT_LT(longest, 1U << 20U);
+  EXPECT_EQ(RawStore(file()).run("SELECT value FROM defaults"), "399\n");
+}
+
+TEST_F(ASuiteFile, WritesOnThoughAReaderKeepsItsLogFromBeingEmptied) {
+  UserDefaults suite = open();
+  suite.setObject("number", "none");
+  suite.synchronize();
+  RawStore reader(file());
+  reader.run("BEGIN; SELECT value FROM defaults");
+  for (int number = 0; number < 300; ++number) {
+    suite.setObject("number", std::to_string(number));
+    ASSERT_TRUE(suite.synchronize());
+  }
+  EXPECT_EQ(reader.run("SELECT value FROM defaults"), "none\n");
+  reader.run("COMMIT");
+  suite.setObject("number", "300");
+  suite.synchronize();
+  EXPECT_LT(fs::file_size(file().string() + "-wal"), 64U << 10U);
+  EXPECT_EQ(reader.run("SELECT value FROM defaults"), "300\n");
+}
 
 TEST_F(ASuiteFile, IsMadeInTheDocumentedForm) {
   { open(); }

@@ -2,16 +2,16 @@
 
 #include <condition_variable>
 #include <future>
-#include <map>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
+#include <systemd/sd-bus.h>
 
 #include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/process/bus_call.h"
+#include "platform/linux/process/bus_text.h"
 #include "platform/linux/process/bus_thread.h"
-#include "platform/linux/user_notifications/center_calls.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -24,12 +24,10 @@ std::optional<std::string> takeName(BusThread& bus, const std::string& name) {
   auto taken = taking->get_future();
   bus.post([taking, name](StandingConnection* standing) {
     if (standing == nullptr) return taking->set_value("there is no session bus");
-    try {
-      standing->connection().requestName(name);
-      taking->set_value(std::nullopt);
-    } catch (const sdbus::Error&) {
-      taking->set_value("another program is " + name);
+    if (sd_bus_request_name(standing->bus(), name.c_str(), 0) < 0) {
+      return taking->set_value("another program is " + name);
     }
+    taking->set_value(std::nullopt);
   });
   constexpr std::chrono::seconds patience(30);
   if (taken.wait_for(patience) != std::future_status::ready) {
@@ -73,8 +71,7 @@ IntentsClient::IntentsClient(const std::string& ownName, std::chrono::millisecon
     : state_(std::make_shared<State>()) {
   state_->patience = patience;
   state_->onChange = std::move(onChange);
-  bus_ = std::make_unique<BusThread>([] { return sdbus::createSessionBusConnection(); },
-                                     [state = state_] { state->lose(); });
+  bus_ = std::make_unique<BusThread>([state = state_] { state->lose(); });
   if (const auto error = takeName(*bus_, ownName)) throw std::runtime_error(*error);
 }
 
@@ -92,24 +89,21 @@ void IntentsClient::perform(const std::string& intent, const std::string& parame
     const std::lock_guard lock(state_->mutex);
     state_->underWay = true;
   }
-  bus_->post([state = state_, intent, parameter, text](StandingConnection* standing) {
-    if (standing == nullptr) return state->end(nobody);
-    try {
-      const BusObject& intents = bus_names::intents;
-      sdbus::IProxy& proxy = standing->proxy(intents);
-      auto call = proxy.createMethodCall(intents.interface, intents_wire::perform);
-      call << busText(intent)
-           << std::map<std::string, sdbus::Variant>{{busText(parameter), busText(text)}};
-      proxy.callMethod(
-          call,
-          [state](sdbus::MethodReply&, const sdbus::Error* error) {
-            state->end(error == nullptr ? std::nullopt : std::optional(error->getName()));
-          },
-          state->patience);
-    } catch (const sdbus::Error& error) {
-      state->end(error.getName());
-    }
-  });
+  callOnBus(*bus_,
+            {.object = bus_names::intents,
+             .method = intents_wire::perform,
+             .write =
+                 [intent = busText(intent), parameter = busText(parameter),
+                  text = busText(text)](sd_bus_message* message) {
+                   return sd_bus_message_append(message, "sa{sv}", intent.c_str(), 1,
+                                                parameter.c_str(), "s", text.c_str());
+                 },
+             .patience = state_->patience},
+            [state = state_](sd_bus_message* reply) {
+              if (reply == nullptr) return state->end(nobody);
+              if (!isError(reply)) return state->end(std::nullopt);
+              state->end(sd_bus_message_get_error(reply)->name);
+            });
 }
 
 bool IntentsClient::busy() const {

@@ -4,17 +4,17 @@
 #include <atomic>
 #include <deque>
 #include <list>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include <sdbus-c++/sdbus-c++.h>
 #include <sys/resource.h>
+#include <systemd/sd-bus.h>
 
 #include "platform/linux/app_intents/called_intent.h"
 #include "platform/linux/app_intents/catalog.h"
@@ -22,16 +22,16 @@
 #include "platform/linux/app_intents/intents_wire.h"
 #include "platform/linux/app_intents/search_provider.h"
 #include "platform/linux/concurrency/task_executor.h"
+#include "platform/linux/process/bus_connection.h"
 #include "platform/linux/process/bus_loop.h"
 #include "platform/linux/process/bus_names.h"
-#include "platform/linux/user_notifications/center_calls.h"
+#include "platform/linux/process/bus_text.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using DialogResult = sdbus::Result<std::string>;
-using WireValues = std::map<std::string, sdbus::Variant>;
+using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
 // Runs mostly wait. What they do besides are short commits to the store, which wait for each other
 // anyway.
@@ -53,22 +53,42 @@ std::size_t mostRunsAtATime() {
   return std::clamp<rlim_t>(spare / filesOfARun, 1, most);
 }
 
-CalledValues valuesOf(const WireValues& wire) {
-  CalledValues values;
-  for (const auto& [name, variant] : wire) {
-    std::optional<platform::IntentValue>& value = values[name];
-    if (variant.containsValueOfType<std::string>()) value = variant.get<std::string>();
-    if (variant.containsValueOfType<double>()) value = variant.get<double>();
+// Reads the value of one parameter, none for one of another type; a negative code of the bus
+// library when it cannot be read.
+int readValue(sd_bus_message* call, std::optional<platform::IntentValue>& value) {
+  const char* type = nullptr;
+  int code = sd_bus_message_peek_type(call, nullptr, &type);
+  if (code < 0) return code;
+  if (std::string_view(type) == "s") {
+    const char* text = nullptr;
+    code = sd_bus_message_read(call, "v", "s", &text);
+    if (code >= 0) value = std::string(text);
+  } else if (std::string_view(type) == "d") {
+    double number = 0;
+    code = sd_bus_message_read(call, "v", "d", &number);
+    if (code >= 0) value = number;
+  } else {
+    code = sd_bus_message_skip(call, "v");
   }
-  return values;
+  return code;
 }
 
-std::unique_ptr<sdbus::IConnection> connection() {
-  try {
-    return sdbus::createSessionBusConnection();
-  } catch (const sdbus::Error&) {
-    throw std::runtime_error("there is no session bus");
+int readValues(sd_bus_message* call, CalledValues& values) {
+  int code = sd_bus_message_enter_container(call, SD_BUS_TYPE_ARRAY, "{sv}");
+  while (code >= 0 &&
+         (code = sd_bus_message_enter_container(call, SD_BUS_TYPE_DICT_ENTRY, "sv")) > 0) {
+    const char* name = nullptr;
+    code = sd_bus_message_read(call, "s", &name);
+    if (code >= 0) code = readValue(call, values[name]);
+    if (code >= 0) code = sd_bus_message_exit_container(call);
   }
+  return code;
+}
+
+BusConnection connection() {
+  BusConnection bus = connectToSessionBus();
+  if (!bus) throw std::runtime_error("there is no session bus");
+  return bus;
 }
 
 // All but the runs themselves happens on the thread that calls `serve`.
@@ -88,13 +108,16 @@ class IntentsService {
   struct Run {
     std::unique_ptr<platform::AppIntent> intent;
     platform::IntentDialog dialog;
-    DialogResult result;
+    Message call;
     std::optional<RunningTask> task;  // none while it waits for its turn
   };
   using Place = std::list<Run>::iterator;
 
   void stop();
-  void begin(DialogResult result, const std::string& typeName, const WireValues& values);
+  static int onPerform(sd_bus_message* call, void* service, sd_bus_error* error);
+  static int onCatalog(sd_bus_message* call, void* service, sd_bus_error* error);
+  std::optional<CallRefusal> begin(sd_bus_message* call, const std::string& typeName,
+                                   CalledValues values);
   void start(Place run);
   platform::Task<void> performTelling(Place run);
   std::optional<std::chrono::milliseconds> beforeWaiting();
@@ -105,8 +128,8 @@ class IntentsService {
 
   const platform::AppIntentsExtension& extension_;
   const std::chrono::milliseconds idleLimit_;
-  BusLoop loop_{connection()};
-  std::unique_ptr<sdbus::IObject> object_;
+  const BusConnection bus_ = connection();
+  BusLoop loop_{eventsOf(bus_.get())};
   std::optional<SearchProvider> search_;
   std::atomic<bool> stopAsked_ = false;
   bool cancelling_ = false;
@@ -125,30 +148,40 @@ class IntentsService {
 };
 
 void IntentsService::takeName() {
+  static const sd_bus_vtable members[] = {
+      SD_BUS_VTABLE_START(0),
+      SD_BUS_METHOD_WITH_NAMES(intents_wire::perform, "sa{sv}",
+                               SD_BUS_PARAM(intent) SD_BUS_PARAM(parameters), "s",
+                               SD_BUS_PARAM(dialog), onPerform, SD_BUS_VTABLE_UNPRIVILEGED),
+      SD_BUS_METHOD_WITH_NAMES(intents_wire::catalog, "", , "s", SD_BUS_PARAM(json), onCatalog,
+                               SD_BUS_VTABLE_UNPRIVILEGED),
+      SD_BUS_VTABLE_END};
   const BusObject& intents = bus_names::intents;
-  object_ = sdbus::createObject(loop_.connection(), intents.path);
-  object_->registerMethod(intents_wire::perform)
-      .onInterface(intents.interface)
-      .withInputParamNames("intent", "parameters")
-      .withOutputParamNames("dialog")
-      .implementedAs(
-          [this](DialogResult&& result, const std::string& typeName, const WireValues& values) {
-            begin(std::move(result), typeName, values);
-          });
-  object_->registerMethod(intents_wire::catalog)
-      .onInterface(intents.interface)
-      .withOutputParamNames("json")
-      .implementedAs([this] {
-        lastCall_ = Clock::now();
-        return catalogJSON(extension_);
-      });
-  object_->finishRegistration();
-  search_.emplace(loop_.connection(), extension_, [this] { lastCall_ = Clock::now(); });
-  try {
-    loop_.connection().requestName(intents.service);
-  } catch (const sdbus::Error&) {
+  if (sd_bus_add_object_vtable(bus_.get(), nullptr, intents.path, intents.interface, members,
+                               this) < 0) {
+    throw std::runtime_error("the session bus cannot be used");
+  }
+  search_.emplace(bus_.get(), extension_, [this] { lastCall_ = Clock::now(); });
+  if (sd_bus_request_name(bus_.get(), intents.service, 0) < 0) {
     throw std::runtime_error(std::string("another program is ") + intents.service);
   }
+}
+
+int IntentsService::onPerform(sd_bus_message* call, void* service, sd_bus_error* error) {
+  const char* typeName = nullptr;
+  CalledValues values;
+  int code = sd_bus_message_read(call, "s", &typeName);
+  if (code >= 0) code = readValues(call, values);
+  if (code < 0) return code;
+  const auto refusal =
+      static_cast<IntentsService*>(service)->begin(call, typeName, std::move(values));
+  return refusal ? sd_bus_error_set(error, refusal->name, refusal->words.c_str()) : 1;
+}
+
+int IntentsService::onCatalog(sd_bus_message* call, void* service, sd_bus_error*) {
+  auto& self = *static_cast<IntentsService*>(service);
+  self.lastCall_ = Clock::now();
+  return sd_bus_reply_method_return(call, "s", catalogJSON(self.extension_).c_str());
 }
 
 void IntentsService::serve() {
@@ -166,21 +199,23 @@ void IntentsService::stop() {
   loop_.wake();
 }
 
-void IntentsService::begin(DialogResult result, const std::string& typeName,
-                           const WireValues& values) {
+// Yields why the call is refused, if it is.
+std::optional<CallRefusal> IntentsService::begin(sd_bus_message* call, const std::string& typeName,
+                                                 CalledValues values) {
   lastCall_ = Clock::now();
-  auto called = calledIntent(extension_, typeName, valuesOf(values));
-  if (const auto* const refusal = std::get_if<CallRefusal>(&called)) {
-    throw sdbus::Error(refusal->name, refusal->words);
-  }
-  const Place run = runs_.emplace(runs_.end());
-  run->intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called));
-  run->result = std::move(result);
+  auto called = calledIntent(extension_, typeName, std::move(values));
+  if (auto* const refusal = std::get_if<CallRefusal>(&called)) return std::move(*refusal);
+  const Place run = runs_.insert(
+      runs_.end(), {.intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called)),
+                    .dialog = {},
+                    .call = Message(sd_bus_message_ref(call), sd_bus_message_unref),
+                    .task = std::nullopt});
   if (underWay_ < mostAtATime_) {
     start(run);
   } else {
     waiting_.push_back(run);
   }
+  return std::nullopt;
 }
 
 void IntentsService::start(Place run) {
@@ -236,7 +271,8 @@ void IntentsService::answerEnded() {
   }
   for (const Place run : ended) {
     run->task->wait();  // for the last bit of the task, and to hear of what it threw
-    run->result.returnResults(busText(run->dialog.text));
+    // A caller that has gone gets none.
+    sd_bus_reply_method_return(run->call.get(), "s", busText(run->dialog.text).c_str());
     runs_.erase(run);
     lastCall_ = Clock::now();
     --underWay_;
@@ -249,7 +285,7 @@ void IntentsService::answerEnded() {
 // The bus hands us nothing after its answer to this; what it had handed to us before lies in the
 // connection's own queue by then, and the loop handles that before it asks again what to wait for.
 void IntentsService::giveUpName() {
-  loop_.connection().releaseName(bus_names::intents.service);
+  sd_bus_release_name(bus_.get(), bus_names::intents.service);
   nameGivenUp_ = true;
 }
 

@@ -1,13 +1,13 @@
 #include "platform/linux/app_intents/search_provider.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
-#include <map>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
-#include <sdbus-c++/sdbus-c++.h>
+#include <systemd/sd-bus.h>
 
 #include "platform/linux/app_intents/search_wire.h"
 #include "platform/linux/app_intents/shortcut_search.h"
@@ -18,7 +18,6 @@ namespace kivo::linux_platform {
 namespace {
 
 using Texts = std::vector<std::string>;
-using Meta = std::map<std::string, sdbus::Variant>;
 
 // Those of `before` that `terms` still find.
 Texts stillFound(const platform::AppIntentsExtension& extension, Texts before, const Texts& terms) {
@@ -29,97 +28,166 @@ Texts stillFound(const platform::AppIntentsExtension& extension, Texts before, c
   return before;
 }
 
-Meta metaOf(const std::string& intent, const ShownShortcut& shown) {
-  return {{search_wire::identifier, intent},
-          {search_wire::name, shown.title},
-          {search_wire::description, shown.description},
-          {search_wire::icon,
-           sdbus::make_struct(std::string(search_wire::themedIcon), sdbus::Variant(shown.icons))}};
+int readTexts(sd_bus_message* call, Texts& texts) {
+  char** read = nullptr;
+  const int code = sd_bus_message_read_strv(call, &read);
+  for (char** text = read; text != nullptr && *text != nullptr; ++text) {
+    texts.emplace_back(*text);
+    std::free(*text);
+  }
+  std::free(read);
+  return code;
 }
 
-std::vector<Meta> metasOf(const platform::AppIntentsExtension& extension, const Texts& intents) {
-  std::vector<Meta> metas;
-  for (const std::string& intent : intents) {
-    if (const auto shown = shownShortcut(extension, intent)) {
-      metas.push_back(metaOf(intent, *shown));
-    }
+int appendTexts(sd_bus_message* reply, const Texts& texts) {
+  int code = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "s");
+  for (const std::string& text : texts) {
+    if (code >= 0) code = sd_bus_message_append(reply, "s", text.c_str());
   }
-  return metas;
+  return code >= 0 ? sd_bus_message_close_container(reply) : code;
+}
+
+int appendIcons(sd_bus_message* reply, const Texts& icons) {
+  int code = sd_bus_message_open_container(reply, SD_BUS_TYPE_DICT_ENTRY, "sv");
+  if (code >= 0) code = sd_bus_message_append(reply, "s", search_wire::icon);
+  if (code >= 0) code = sd_bus_message_open_container(reply, SD_BUS_TYPE_VARIANT, "(sv)");
+  if (code >= 0) code = sd_bus_message_open_container(reply, SD_BUS_TYPE_STRUCT, "sv");
+  if (code >= 0) code = sd_bus_message_append(reply, "s", search_wire::themedIcon);
+  if (code >= 0) code = sd_bus_message_open_container(reply, SD_BUS_TYPE_VARIANT, "as");
+  if (code >= 0) code = appendTexts(reply, icons);
+  for (int open = 0; code >= 0 && open < 4; ++open) code = sd_bus_message_close_container(reply);
+  return code;
+}
+
+int appendMeta(sd_bus_message* reply, const std::string& intent, const ShownShortcut& shown) {
+  int code = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "{sv}");
+  if (code >= 0) {
+    code = sd_bus_message_append(reply, "{sv}{sv}{sv}", search_wire::identifier, "s",
+                                 intent.c_str(), search_wire::name, "s", shown.title.c_str(),
+                                 search_wire::description, "s", shown.description.c_str());
+  }
+  if (code >= 0) code = appendIcons(reply, shown.icons);
+  return code >= 0 ? sd_bus_message_close_container(reply) : code;
+}
+
+int appendMetas(sd_bus_message* reply, const platform::AppIntentsExtension& extension,
+                const Texts& intents) {
+  int code = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "a{sv}");
+  for (const std::string& intent : intents) {
+    const auto shown = shownShortcut(extension, intent);
+    if (code >= 0 && shown) code = appendMeta(reply, intent, *shown);
+  }
+  return code >= 0 ? sd_bus_message_close_container(reply) : code;
+}
+
+// Answers `call` with what `append` writes.
+template <typename Append>
+int answer(sd_bus_message* call, const Append& append) {
+  sd_bus_message* reply = nullptr;
+  int code = sd_bus_message_new_method_return(call, &reply);
+  if (code >= 0) code = append(reply);
+  if (code >= 0) code = sd_bus_send(nullptr, reply, nullptr);
+  sd_bus_message_unref(reply);
+  return code;
 }
 
 }  // namespace
 
-SearchProvider::SearchProvider(sdbus::IConnection& connection,
-                               const platform::AppIntentsExtension& extension,
-                               const std::function<void()>& onCall)
-    : extension_(extension), object_(sdbus::createObject(connection, bus_names::search.path)) {
-  answerQuestions(onCall);
-  followChoices(onCall);
-  object_->finishRegistration();
-}
-
-SearchProvider::~SearchProvider() = default;
-
-void SearchProvider::answerQuestions(const std::function<void()>& onCall) {
-  const char* const interface = bus_names::search.interface;
-  object_->registerMethod(search_wire::getInitialResultSet)
-      .onInterface(interface)
-      .withInputParamNames("terms")
-      .withOutputParamNames("results")
-      .implementedAs([this, onCall](const Texts& terms) {
-        onCall();
-        return intentsFound(extension_, terms);
-      });
-  object_->registerMethod(search_wire::getSubsearchResultSet)
-      .onInterface(interface)
-      .withInputParamNames("previous_results", "terms")
-      .withOutputParamNames("results")
-      .implementedAs([this, onCall](const Texts& before, const Texts& terms) {
-        onCall();
-        return stillFound(extension_, before, terms);
-      });
-  object_->registerMethod(search_wire::getResultMetas)
-      .onInterface(interface)
-      .withInputParamNames("identifiers")
-      .withOutputParamNames("metas")
-      .implementedAs([this, onCall](const Texts& intents) {
-        onCall();
-        return metasOf(extension_, intents);
-      });
-}
-
-void SearchProvider::followChoices(const std::function<void()>& onCall) {
-  const char* const interface = bus_names::search.interface;
-  object_->registerMethod(search_wire::activateResult)
-      .onInterface(interface)
-      .withInputParamNames("identifier", "terms", "timestamp")
-      .implementedAs([this, onCall](const std::string& intent, const Texts&, std::uint32_t) {
-        onCall();
-        activate(intent);
-      });
-  object_->registerMethod(search_wire::launchSearch)
-      .onInterface(interface)
-      .withInputParamNames("terms", "timestamp")
-      .implementedAs([this, onCall](const Texts&, std::uint32_t) {
-        onCall();
-        open({"catalog"});
-      });
-}
-
-void SearchProvider::activate(const std::string& intent) {
-  if (!shownShortcut(extension_, intent)) {
-    throw sdbus::Error(search_wire::invalidArguments, "there is no such result");
+// As the bus library calls them: a negative code, its own or that of `error`, refuses the call.
+struct SearchProvider::Members {
+  static SearchProvider& called(void* provider) {
+    auto& self = *static_cast<SearchProvider*>(provider);
+    self.onCall_();
+    return self;
   }
-  open({"perform", intent});
+
+  static int end(sd_bus_message* call, const std::optional<Failure>& failure, sd_bus_error* error) {
+    return failure ? sd_bus_error_set(error, failure->name, failure->words)
+                   : sd_bus_reply_method_return(call, nullptr);
+  }
+
+  static int initial(sd_bus_message* call, void* provider, sd_bus_error*) {
+    const SearchProvider& self = called(provider);
+    Texts terms;
+    if (const int code = readTexts(call, terms); code < 0) return code;
+    const Texts found = intentsFound(self.extension_, terms);
+    return answer(call, [&](sd_bus_message* reply) { return appendTexts(reply, found); });
+  }
+
+  static int subsearch(sd_bus_message* call, void* provider, sd_bus_error*) {
+    const SearchProvider& self = called(provider);
+    Texts before;
+    Texts terms;
+    int code = readTexts(call, before);
+    if (code >= 0) code = readTexts(call, terms);
+    if (code < 0) return code;
+    const Texts found = stillFound(self.extension_, std::move(before), terms);
+    return answer(call, [&](sd_bus_message* reply) { return appendTexts(reply, found); });
+  }
+
+  static int metas(sd_bus_message* call, void* provider, sd_bus_error*) {
+    const SearchProvider& self = called(provider);
+    Texts intents;
+    if (const int code = readTexts(call, intents); code < 0) return code;
+    return answer(
+        call, [&](sd_bus_message* reply) { return appendMetas(reply, self.extension_, intents); });
+  }
+
+  static int activate(sd_bus_message* call, void* provider, sd_bus_error* error) {
+    SearchProvider& self = called(provider);
+    const char* intent = nullptr;
+    if (const int code = sd_bus_message_read(call, "s", &intent); code < 0) return code;
+    return end(call, self.activate(intent), error);
+  }
+
+  static int launch(sd_bus_message* call, void* provider, sd_bus_error* error) {
+    return end(call, called(provider).open({"catalog"}), error);
+  }
+
+  static const sd_bus_vtable table[];
+};
+
+const sd_bus_vtable SearchProvider::Members::table[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD_WITH_NAMES(search_wire::getInitialResultSet, "as", SD_BUS_PARAM(terms), "as",
+                             SD_BUS_PARAM(results), initial, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_NAMES(search_wire::getSubsearchResultSet, "asas",
+                             SD_BUS_PARAM(previous_results) SD_BUS_PARAM(terms), "as",
+                             SD_BUS_PARAM(results), subsearch, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_NAMES(search_wire::getResultMetas, "as", SD_BUS_PARAM(identifiers), "aa{sv}",
+                             SD_BUS_PARAM(metas), metas, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_NAMES(search_wire::activateResult, "sasu",
+                             SD_BUS_PARAM(identifier) SD_BUS_PARAM(terms) SD_BUS_PARAM(timestamp),
+                             "", , activate, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_NAMES(search_wire::launchSearch, "asu",
+                             SD_BUS_PARAM(terms) SD_BUS_PARAM(timestamp), "", , launch,
+                             SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END};
+
+SearchProvider::SearchProvider(sd_bus* bus, const platform::AppIntentsExtension& extension,
+                               std::function<void()> onCall)
+    : extension_(extension), onCall_(std::move(onCall)) {
+  const BusObject& search = bus_names::search;
+  if (sd_bus_add_object_vtable(bus, nullptr, search.path, search.interface, Members::table, this) <
+      0) {
+    throw std::runtime_error("the session bus cannot be used");
+  }
+}
+
+std::optional<SearchProvider::Failure> SearchProvider::activate(const std::string& intent) {
+  if (!shownShortcut(extension_, intent)) {
+    return Failure{search_wire::invalidArguments, "there is no such result"};
+  }
+  return open({"perform", intent});
 }
 
 // The values are asked for there: nothing of a message is ever an argument.
-void SearchProvider::open(Texts arguments) {
+std::optional<SearchProvider::Failure> SearchProvider::open(Texts arguments) {
   arguments.insert(arguments.begin(), std::filesystem::read_symlink("/proc/self/exe").string());
-  if (windows_.open(arguments)) return;
+  if (windows_.open(arguments)) return std::nullopt;
   const char* const complaint = "no terminal can be opened; the variable TERMINAL can name one";
   complain("kivo-intents", complaint);
-  throw sdbus::Error(search_wire::failed, complaint);
+  return Failure{search_wire::failed, complaint};
 }
 
 }  // namespace kivo::linux_platform

@@ -3,27 +3,24 @@
 #pragma once
 
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/app_intents/app_intents_extension.h"
 #include "platform/linux/process/terminal_window.h"
 
-namespace sdbus {
-class IConnection;
-class IObject;
-}  // namespace sdbus
+struct sd_bus;
 
 namespace kivo::linux_platform {
 
-/// Answers on `connection`, on the thread that serves it, from its making to its end.
+/// Answers on `bus`, on the thread that serves it, from its making to the end of the bus.
 class SearchProvider {
  public:
-  /// Calls `onCall` at the beginning of each call. `extension` and `connection` outlive this.
-  SearchProvider(sdbus::IConnection& connection, const platform::AppIntentsExtension& extension,
-                 const std::function<void()>& onCall);
-  ~SearchProvider();
+  /// Calls `onCall` at the beginning of each call. `extension` outlives this, and this the serving
+  /// of `bus`. Throws std::runtime_error with one line when the bus cannot be used.
+  SearchProvider(sd_bus* bus, const platform::AppIntentsExtension& extension,
+                 std::function<void()> onCall);
   SearchProvider(const SearchProvider&) = delete;
   SearchProvider& operator=(const SearchProvider&) = delete;
 
@@ -31,14 +28,19 @@ class SearchProvider {
   bool reapEnded() { return windows_.reapEnded(); }
 
  private:
-  void answerQuestions(const std::function<void()>& onCall);
-  void followChoices(const std::function<void()>& onCall);
-  void activate(const std::string& intent);
-  void open(std::vector<std::string> arguments);
+  /// What a call that cannot be served is answered with; its texts are fixed ones.
+  struct Failure {
+    const char* name;
+    const char* words;
+  };
+  struct Members;
+
+  std::optional<Failure> activate(const std::string& intent);
+  std::optional<Failure> open(std::vector<std::string> arguments);
 
   const platform::AppIntentsExtension& extension_;
+  std::function<void()> onCall_;
   TerminalWindows windows_;
-  std::unique_ptr<sdbus::IObject> object_;
 };
 
 }  // namespace kivo::linux_platform

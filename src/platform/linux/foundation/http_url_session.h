@@ -8,8 +8,8 @@
 namespace kivo::linux_platform {
 
 /// One connection for each exchange, HTTP/1.1. TLS is set up at the first https request; trusted
-/// are the certificates of the system's hashed directory (SSL_CERT_DIR). No cookies, no proxy. A
-/// task that uses it runs on a TaskExecutor.
+/// are the certificates of the system's hashed directory (SSL_CERT_DIR), and of a file that
+/// SSL_CERT_FILE names. No cookies, no proxy. A task that uses it runs on a TaskExecutor.
 class HTTPURLSession : public platform::URLSession {
  public:
   HTTPURLSession();

@@ -1,5 +1,6 @@
 #include "platform/linux/foundation/replaced_text.h"
 
+#include <filesystem>
 #include <string>
 
 #include <fcntl.h>
@@ -33,7 +34,14 @@ bool erase(sqlite3* database) {
 void oweErasure(sqlite3* database) {
   const int note =
       open(noteOf(database).c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
-  if (note >= 0) close(note);
+  if (note < 0) return;
+  close(note);
+  // So that it outlives a power failure as the commit does.
+  const std::filesystem::path folder = std::filesystem::path(noteOf(database)).parent_path();
+  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  fsync(descriptor);
+  close(descriptor);
 }
 
 void eraseReplacedText(sqlite3* database) {

@@ -32,6 +32,10 @@ constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
 constexpr const char* settings =
     "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
 
+// In pages of 4 KiB. Whoever opens the database alone reads the log once, a quarter of a
+// millisecond for this much.
+constexpr int longestLog = 128;
+
 // The statements of one transaction that turn an empty database into a suite.
 constexpr const char* creation =
     "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT;"
@@ -67,6 +71,38 @@ class Descriptor {
  private:
   int number_;
 };
+
+// The usual access to files but for one thing: a log that is there and holds something is opened
+// without the permission to make it. SQLite takes one opened with it for new, and syncs its folder
+// with its first write, one sync for each run.
+sqlite3_vfs* logKeepingAccess() {
+  static sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
+  static sqlite3_vfs access = [] {
+    sqlite3_vfs copy = *usual;
+    copy.zName = "kivo";
+    copy.xOpen = [](sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* got) {
+      struct stat found {};
+      const bool isLog = (flags & SQLITE_OPEN_WAL) != 0;
+      const bool holdsFrames = isLog && stat(name, &found) == 0 && found.st_size > 0;
+      return usual->xOpen(usual, name, file, holdsFrames ? flags & ~SQLITE_OPEN_CREATE : flags,
+                          got);
+    };
+    return copy;
+  }();
+  static const int registered = sqlite3_vfs_register(&access, 0);
+  return registered == SQLITE_OK ? &access : usual;
+}
+
+// Called after each commit. Moves a long log into the database and empties it, or leaves that to a
+// later commit where another process is reading or writing. SQLite's own way would leave the log to
+// be written over from its start, but that it may be is known only until the last one closes it.
+int shortenLog(void*, sqlite3* database, const char*, int pages) {
+  if (pages < longestLog) return SQLITE_OK;
+  sqlite3_busy_timeout(database, 0);
+  sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+  sqlite3_busy_timeout(database, patienceInMilliseconds);
+  return SQLITE_OK;
+}
 
 // The folder, made when there is none, for its owner only; -1 when it is no folder of ours.
 int openFolder(const std::filesystem::path& path) {
@@ -209,7 +245,8 @@ Database openSuiteDatabase(std::string_view suiteName) {
   sqlite3* opened = nullptr;
   const int code =
       sqlite3_open_v2((path / fileName).c_str(), &opened,
-                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW, nullptr);
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
+                      logKeepingAccess()->zName);
   Database database(opened);
   if (code != SQLITE_OK) return nullptr;
   sqlite3_busy_timeout(opened, patienceInMilliseconds);
@@ -217,6 +254,10 @@ Database openSuiteDatabase(std::string_view suiteName) {
   // the cache of pages would be four fifths of a handle's memory. Before a page is read, since the
   // cache is made at once.
   execute(opened, "PRAGMA cache_size = 0");
+  // The last to close the database would move the log into it and take away its files, only for the
+  // next run to make them anew: more syncs than the run itself has commits.
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  sqlite3_wal_hook(opened, shortenLog, nullptr);
 
   if (establishPatiently(opened) != SQLITE_OK) return nullptr;
   if (!makeAllPrivate(folder.number())) return nullptr;

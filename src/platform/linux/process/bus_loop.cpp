@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include <poll.h>
-#include <sdbus-c++/sdbus-c++.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -24,34 +23,28 @@ int pollLimit(std::optional<std::chrono::milliseconds> limit, int busLimit) {
 
 }  // namespace
 
-BusLoop::BusLoop(std::unique_ptr<sdbus::IConnection> connection)
-    : connection_(std::move(connection)), wakeDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+BusLoop::BusLoop(std::unique_ptr<BusEvents> events)
+    : events_(std::move(events)), wakeDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (wakeDescriptor_ < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
 }
 
-BusLoop::~BusLoop() {
-  connection_.reset();
-  close(wakeDescriptor_);
-}
+BusLoop::~BusLoop() { close(wakeDescriptor_); }
 
 BusLoop::End BusLoop::run(const BeforeWaiting& beforeWaiting) {
-  try {
-    while (!stopping_) {
-      while (connection_->processPendingRequest()) {
-      }
-      waitForEvents(beforeWaiting());
-    }
-    return End::stopped;
-  } catch (const sdbus::Error&) {
-    return End::busGone;
+  while (!stopping_) {
+    auto handled = BusEvents::Handled::something;
+    while (handled == BusEvents::Handled::something) handled = events_->handleOne();
+    if (handled == BusEvents::Handled::busGone) return End::busGone;
+    waitForEvents(beforeWaiting());
   }
+  return End::stopped;
 }
 
 void BusLoop::waitForEvents(std::optional<std::chrono::milliseconds> limit) {
   if (stopping_) return;
-  const sdbus::IConnection::PollData bus = connection_->getEventLoopPollData();
-  std::array<pollfd, 2> polled{{{bus.fd, bus.events, 0}, {wakeDescriptor_, POLLIN, 0}}};
-  poll(polled.data(), polled.size(), pollLimit(limit, bus.getPollTimeout()));
+  const BusEvents::Wait bus = events_->wait();
+  std::array<pollfd, 2> polled{{{bus.descriptor, bus.events, 0}, {wakeDescriptor_, POLLIN, 0}}};
+  poll(polled.data(), polled.size(), pollLimit(limit, bus.limitInMilliseconds));
   std::uint64_t count = 0;
   [[maybe_unused]] const ssize_t drained = read(wakeDescriptor_, &count, sizeof count);
 }

@@ -8,11 +8,24 @@
 #include <memory>
 #include <optional>
 
-namespace sdbus {
-class IConnection;
-}
-
 namespace kivo::linux_platform {
+
+/// What comes on a bus connection, whichever library has it.
+class BusEvents {
+ public:
+  enum class Handled { something, nothing, busGone };
+  /// What to wait for: the connection's descriptor to be ready, for so long at most, -1 for ever.
+  struct Wait {
+    int descriptor;
+    short events;
+    int limitInMilliseconds;
+  };
+
+  virtual ~BusEvents() = default;
+  /// Handles one thing that has come or has still to be sent. Never throws.
+  virtual Handled handleOne() = 0;
+  virtual Wait wait() = 0;
+};
 
 class BusLoop {
  public:
@@ -21,13 +34,10 @@ class BusLoop {
   /// none for ever.
   using BeforeWaiting = std::function<std::optional<std::chrono::milliseconds>()>;
 
-  explicit BusLoop(std::unique_ptr<sdbus::IConnection> connection);
+  explicit BusLoop(std::unique_ptr<BusEvents> events);
   ~BusLoop();
   BusLoop(const BusLoop&) = delete;
   BusLoop& operator=(const BusLoop&) = delete;
-
-  /// To be used on the thread that runs the loop, or before it runs.
-  [[nodiscard]] sdbus::IConnection& connection() { return *connection_; }
 
   /// Handles what comes from the bus until `stop` is called or the bus is gone. Never throws.
   End run(const BeforeWaiting& beforeWaiting);
@@ -41,7 +51,7 @@ class BusLoop {
  private:
   void waitForEvents(std::optional<std::chrono::milliseconds> limit);
 
-  std::unique_ptr<sdbus::IConnection> connection_;
+  std::unique_ptr<BusEvents> events_;
   int wakeDescriptor_;
   std::atomic<bool> stopping_ = false;
 };

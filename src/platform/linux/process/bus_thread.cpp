@@ -8,22 +8,9 @@
 #include <thread>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
-
-#include "platform/linux/process/bus_loop.h"
-
 namespace kivo::linux_platform {
 
-StandingConnection::~StandingConnection() = default;
-
-sdbus::IProxy& StandingConnection::proxy(const BusObject& object) {
-  std::unique_ptr<sdbus::IProxy>& proxy = proxies_[std::string(object.service) + object.path];
-  if (!proxy) proxy = sdbus::createProxy(connection_, object.service, object.path);
-  return *proxy;
-}
-
 struct BusThread::State {
-  Connect connect;
   std::mutex mutex;
   std::condition_variable ended;
   // All guarded by the mutex.
@@ -62,28 +49,12 @@ struct BusThread::State {
 namespace {
 
 void call(const std::deque<BusThread::Step>& steps, StandingConnection* connection) {
-  for (const BusThread::Step& step : steps) {
-    try {
-      step(connection);
-    } catch (const sdbus::Error&) {
-      // Whoever must know has handled it in the step; a signal that could not be sent is lost.
-    }
-  }
-}
-
-std::unique_ptr<sdbus::IConnection> connected(const BusThread::Connect& connect) {
-  try {
-    return connect();
-  } catch (const sdbus::Error&) {
-    return nullptr;
-  }
+  for (const BusThread::Step& step : steps) step(connection);
 }
 
 }  // namespace
 
-BusThread::BusThread(Connect connect, std::function<void()> onGone)
-    : state_(std::make_shared<State>()) {
-  state_->connect = std::move(connect);
+BusThread::BusThread(std::function<void()> onGone) : state_(std::make_shared<State>()) {
   state_->onGone = std::move(onGone);
   state_->thread = std::thread([state = state_] {
     sigset_t all;
@@ -96,9 +67,9 @@ BusThread::BusThread(Connect connect, std::function<void()> onGone)
 BusThread::~BusThread() { finish(std::chrono::nanoseconds(0)); }
 
 void BusThread::serve(const std::shared_ptr<State>& state) {
-  if (std::unique_ptr<sdbus::IConnection> connection = connected(state->connect)) {
-    BusLoop loop(std::move(connection));
-    StandingConnection standing(loop.connection());
+  if (const BusConnection bus = connectToSessionBus()) {
+    BusLoop loop(eventsOf(bus.get()));
+    StandingConnection standing(bus.get());
     if (state->setLoop(&loop)) {
       loop.run([&]() -> std::optional<std::chrono::milliseconds> {
         const bool last = state->isFinishing();  // asked first: what was posted before is done

@@ -4,37 +4,27 @@
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
+#include "platform/linux/process/bus_connection.h"
 #include "platform/linux/process/bus_names.h"
-
-namespace sdbus {
-class IConnection;
-class IProxy;
-}  // namespace sdbus
 
 namespace kivo::linux_platform {
 
 /// A connection that stands, and what goes with it. Used on the bus's thread only.
 class StandingConnection {
  public:
-  explicit StandingConnection(sdbus::IConnection& connection) : connection_(connection) {}
-  ~StandingConnection();
+  explicit StandingConnection(sd_bus* bus) : bus_(bus) {}
   StandingConnection(const StandingConnection&) = delete;
   StandingConnection& operator=(const StandingConnection&) = delete;
 
-  [[nodiscard]] sdbus::IConnection& connection() { return connection_; }
-  /// The means to call methods of `object`, made at its first use.
-  sdbus::IProxy& proxy(const BusObject& object);
-  /// Keeps `thing` until just before the connection ends.
+  [[nodiscard]] sd_bus* bus() { return bus_; }
+  /// Keeps `thing` until just before the connection ends, when nothing comes from it any more.
   void keep(std::shared_ptr<void> thing) { kept_.push_back(std::move(thing)); }
 
  private:
-  sdbus::IConnection& connection_;
-  std::map<std::string, std::unique_ptr<sdbus::IProxy>> proxies_;
+  sd_bus* bus_;
   std::vector<std::shared_ptr<void>> kept_;
 };
 
@@ -42,13 +32,12 @@ class StandingConnection {
 /// hold its caller for 90 s.
 class BusThread {
  public:
-  using Connect = std::function<std::unique_ptr<sdbus::IConnection>()>;
-  /// Is handed null when there is no bus (any more). An sdbus::Error that it throws is dropped.
+  /// Is handed null when there is no bus (any more). Must not throw.
   using Step = std::function<void(StandingConnection*)>;
 
-  /// Starts the thread. `connect` is called on it and throws sdbus::Error when there is no bus;
-  /// `onGone`, if any, is called on it once there is none, but not after `finish`.
-  explicit BusThread(Connect connect, std::function<void()> onGone = nullptr);
+  /// Starts the thread, which connects to the session bus. `onGone`, if any, is called on it once
+  /// there is no bus, but not after `finish`.
+  explicit BusThread(std::function<void()> onGone = nullptr);
   /// As `finish` without waiting for steps.
   ~BusThread();
   BusThread(const BusThread&) = delete;

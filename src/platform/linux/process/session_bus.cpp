@@ -8,7 +8,6 @@
 
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/this_coro.hpp>
-#include <sdbus-c++/sdbus-c++.h>
 
 #include "platform/linux/process/bus_thread.h"
 
@@ -37,7 +36,7 @@ struct SessionBus::Runs {
 SessionBus::SessionBus(std::chrono::nanoseconds patience)
     : patience_(patience),
       runs_(std::make_unique<Runs>(patience)),
-      thread_(std::make_unique<BusThread>([] { return sdbus::createSessionBusConnection(); })) {}
+      thread_(std::make_unique<BusThread>()) {}
 
 SessionBus::~SessionBus() { finish(); }
 

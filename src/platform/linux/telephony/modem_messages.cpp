@@ -14,6 +14,7 @@
 
 #include "platform/linux/process/bus_loop.h"
 #include "platform/linux/process/bus_names.h"
+#include "platform/linux/process/sdbus_events.h"
 #include "platform/linux/telephony/modem_wire.h"
 
 namespace kivo::linux_platform {
@@ -96,7 +97,8 @@ struct ModemMessages::Bus {
 
   const std::chrono::milliseconds patience;
   const std::chrono::milliseconds pause;
-  BusLoop loop{connection()};
+  const std::unique_ptr<sdbus::IConnection> system = connection();
+  BusLoop loop{eventsOf(*system)};
   std::atomic<bool> stopping = false;
 
   // The connection of the ModemManager that is there, empty when none is. It is called by this
@@ -111,7 +113,7 @@ struct ModemMessages::Bus {
 
 void ModemMessages::Bus::listen() {
   using namespace modem_wire;
-  sdbus::IConnection& bus = loop.connection();
+  sdbus::IConnection& bus = *system;
   const auto on = [&bus](const std::string& rule, auto handle) {
     bus.addMatch(
         rule,
@@ -141,8 +143,7 @@ void ModemMessages::Bus::listen() {
 }
 
 void ModemMessages::Bus::findOwner() {
-  const auto proxy =
-      sdbus::createProxy(loop.connection(), bus_names::bus.service, bus_names::bus.path);
+  const auto proxy = sdbus::createProxy(*system, bus_names::bus.service, bus_names::bus.path);
   auto question = proxy->createMethodCall(bus_names::bus.interface, "GetNameOwner");
   question << modem_wire::service;
   try {
@@ -183,7 +184,7 @@ void ModemMessages::Bus::heardOfInterfaces(sdbus::Message& signal) {
 template <typename Answer>
 Answer ModemMessages::Bus::call(const std::string& path, const char* interface, const char* method,
                                 const char* argument) {
-  const auto proxy = sdbus::createProxy(loop.connection(), owner, path);
+  const auto proxy = sdbus::createProxy(*system, owner, path);
   auto message = proxy->createMethodCall(interface, method);
   if (argument != nullptr) message << argument;
   sdbus::MethodReply reply = proxy->callMethod(message, patience);

@@ -34,7 +34,4 @@ void callAdd(BusThread& bus, const std::string& bundle,
 /// What an unanswered `callAdd` amounts to.
 platform::NSError centerNotAnswering();
 
-/// `text` as the bus can carry it.
-std::string busText(std::string_view text);
-
 }  // namespace kivo::linux_platform

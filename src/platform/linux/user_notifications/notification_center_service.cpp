@@ -10,6 +10,7 @@
 
 #include "platform/linux/process/bus_loop.h"
 #include "platform/linux/process/bus_names.h"
+#include "platform/linux/process/sdbus_events.h"
 #include "platform/linux/user_notifications/center_wire.h"
 
 namespace kivo::linux_platform {
@@ -133,7 +134,8 @@ std::unique_ptr<sdbus::IConnection> connectionWithName() {
 }  // namespace
 
 struct NotificationCenterService::Bus {
-  BusLoop loop{connectionWithName()};
+  std::unique_ptr<sdbus::IConnection> connection = connectionWithName();
+  BusLoop loop{eventsOf(*connection)};
   std::unique_ptr<DesktopNotifications> desktop;
 };
 
@@ -150,7 +152,7 @@ void NotificationCenterService::serve(
     NotificationCenterCalls& calls,
     const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting) {
   try {
-    sdbus::IConnection& connection = bus_->loop.connection();
+    sdbus::IConnection& connection = *bus_->connection;
     bus_->desktop =
         std::make_unique<DesktopNotifications>(connection, [&calls] { calls.serverAppeared(); });
     const std::unique_ptr<sdbus::IObject> object = makeObject(connection, &calls);

@@ -1,14 +1,13 @@
 #include "platform/linux/user_notifications/notification_display.h"
 
 #include <condition_variable>
-#include <future>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
 
 #include <sdbus-c++/sdbus-c++.h>
 
-#include "platform/linux/process/bus_thread.h"
+#include "platform/linux/process/bus_names.h"
 #include "platform/linux/user_notifications/desktop_wire.h"
 
 namespace kivo::linux_platform {
@@ -17,8 +16,9 @@ struct NotificationDisplay::State {
   std::vector<std::string> capabilities;
   mutable std::mutex mutex;
   std::condition_variable added;
-  std::vector<ShownNotification> shown;    // guarded by mutex
-  std::shared_ptr<sdbus::IObject> server;  // used on the bus's thread only
+  std::vector<ShownNotification> shown;  // guarded by mutex
+  std::unique_ptr<sdbus::IConnection> connection;
+  std::unique_ptr<sdbus::IObject> server;
 
   std::uint32_t add(ShownNotification notification) {
     const std::lock_guard lock(mutex);
@@ -42,10 +42,11 @@ std::map<std::string, std::string> texts(const Hints& hints) {
   return result;
 }
 
+// For as long as its connection.
 template <typename State>
-std::shared_ptr<sdbus::IObject> makeServer(sdbus::IConnection& connection, State* state) {
+std::unique_ptr<sdbus::IObject> makeServer(sdbus::IConnection& connection, State* state) {
   const BusObject& desktop = bus_names::desktopNotifications;
-  std::shared_ptr<sdbus::IObject> server = sdbus::createObject(connection, desktop.path);
+  std::unique_ptr<sdbus::IObject> server = sdbus::createObject(connection, desktop.path);
   server->registerMethod(desktop_wire::getCapabilities)
       .onInterface(desktop.interface)
       .implementedAs([state] { return state->capabilities; });
@@ -80,31 +81,18 @@ std::shared_ptr<sdbus::IObject> makeServer(sdbus::IConnection& connection, State
 
 NotificationDisplay::NotificationDisplay(const std::string& address,
                                          std::vector<std::string> capabilities)
-    : state_(std::make_shared<State>()) {
+    : state_(std::make_unique<State>()) {
   state_->capabilities = std::move(capabilities);
-  bus_ = std::make_unique<BusThread>(
-      [address] { return sdbus::createSessionBusConnectionWithAddress(address); });
-
-  const auto taken = std::make_shared<std::promise<bool>>();
-  std::future<bool> answer = taken->get_future();
-  bus_->post([state = state_, taken](StandingConnection* standing) {
-    try {
-      if (standing == nullptr) return taken->set_value(false);
-      state->server = makeServer(standing->connection(), state.get());
-      // The object must go before its connection, and what it writes to must stay as long.
-      standing->keep(std::shared_ptr<void>(nullptr, [state](void*) { state->server.reset(); }));
-      taken->set_value(true);
-    } catch (const sdbus::Error&) {
-      taken->set_value(false);
-    }
-  });
-  constexpr std::chrono::seconds patience(5);
-  if (answer.wait_for(patience) != std::future_status::ready || !answer.get()) {
+  try {
+    state_->connection = sdbus::createSessionBusConnectionWithAddress(address);
+    state_->server = makeServer(*state_->connection, state_.get());
+    state_->connection->enterEventLoopAsync();
+  } catch (const sdbus::Error&) {
     throw std::runtime_error("cannot show notifications on the bus at " + address);
   }
 }
 
-NotificationDisplay::~NotificationDisplay() { bus_->finish(std::chrono::seconds(1)); }
+NotificationDisplay::~NotificationDisplay() { state_->connection->leaveEventLoop(); }
 
 std::vector<ShownNotification> NotificationDisplay::shown() const {
   const std::lock_guard lock(state_->mutex);
@@ -119,16 +107,13 @@ std::vector<ShownNotification> NotificationDisplay::waitForShown(std::size_t cou
 }
 
 void NotificationDisplay::invokeDefaultAction(std::uint32_t id) {
-  bus_->post([state = state_, id](StandingConnection* standing) {
-    if (standing == nullptr || !state->server) return;
-    const char* const interface = bus_names::desktopNotifications.interface;
-    state->server->emitSignal(desktop_wire::actionInvoked)
-        .onInterface(interface)
-        .withArguments(id, std::string(desktop_wire::defaultAction));
-    state->server->emitSignal(desktop_wire::notificationClosed)
-        .onInterface(interface)
-        .withArguments(id, desktop_wire::closedByPerson);
-  });
+  const char* const interface = bus_names::desktopNotifications.interface;
+  state_->server->emitSignal(desktop_wire::actionInvoked)
+      .onInterface(interface)
+      .withArguments(id, std::string(desktop_wire::defaultAction));
+  state_->server->emitSignal(desktop_wire::notificationClosed)
+      .onInterface(interface)
+      .withArguments(id, desktop_wire::closedByPerson);
 }
 
 }  // namespace kivo::linux_platform

@@ -11,8 +11,6 @@
 
 namespace kivo::linux_platform {
 
-class BusThread;
-
 /// One notification as it came over the bus.
 struct ShownNotification {
   std::uint32_t id = 0;
@@ -33,7 +31,7 @@ struct ShownNotification {
 class NotificationDisplay {
  public:
   /// Takes the desktop's name for notifications on the bus at `address`, and says that it has
-  /// `capabilities`. Throws std::runtime_error with one line when that cannot be done within 5 s.
+  /// `capabilities`. Throws std::runtime_error with one line when that cannot be done.
   explicit NotificationDisplay(const std::string& address,
                                std::vector<std::string> capabilities = {"body", "actions"});
   /// Gives up the name.
@@ -53,8 +51,7 @@ class NotificationDisplay {
 
  private:
   struct State;
-  std::shared_ptr<State> state_;
-  std::unique_ptr<BusThread> bus_;
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace kivo::linux_platform

@@ -1,8 +1,6 @@
 #include "platform/linux/widget_kit/bus_widget_center.h"
 
-#include <memory>
-
-#include <sdbus-c++/sdbus-c++.h>
+#include <systemd/sd-bus.h>
 
 #include "platform/linux/process/bus_thread.h"
 #include "platform/linux/process/session_bus.h"
@@ -13,8 +11,9 @@ void BusWidgetCenter::reloadAllTimelines() {
   bus_.thread().post([](StandingConnection* standing) {
     if (standing == nullptr) return;
     const BusObject& center = bus_names::widgetCenter;
-    const auto sender = sdbus::createObject(standing->connection(), center.path);
-    sender->emitSignal(sender->createSignal(center.interface, bus_names::reloadAllTimelines));
+    // One that cannot be sent is lost, as one that nobody hears.
+    sd_bus_emit_signal(standing->bus(), center.path, center.interface,
+                       bus_names::reloadAllTimelines, nullptr);
   });
 }
 

@@ -1,13 +1,14 @@
 #include "platform/linux/widget_kit/widget_reload_listener.h"
 
 #include <condition_variable>
+#include <functional>
 #include <future>
 #include <mutex>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
+#include <systemd/sd-bus.h>
 
 #include "platform/linux/process/bus_thread.h"
 
@@ -18,6 +19,14 @@ std::string reloadSignals() {
   const BusObject& center = bus_names::widgetCenter;
   return std::string("type='signal',path='") + center.path + "',interface='" + center.interface +
          "',member='" + bus_names::reloadAllTimelines + "'";
+}
+
+using Heard = std::function<void()>;
+
+// As the bus library calls who waits for a signal.
+int hearReload(sd_bus_message*, void* heard, sd_bus_error*) {
+  (*static_cast<Heard*>(heard))();
+  return 0;
 }
 
 }  // namespace
@@ -41,23 +50,16 @@ WidgetReloadListener::WidgetReloadListener() : state_(std::make_shared<State>())
   const auto tell = [weak](bool State::*what) {
     if (const auto state = weak.lock()) state->set(what);
   };
-  bus_ = std::make_unique<BusThread>([] { return sdbus::createSessionBusConnection(); },
-                                     [tell] { tell(&State::lost); });
+  bus_ = std::make_unique<BusThread>([tell] { tell(&State::lost); });
 
   const auto listening = std::make_shared<std::promise<bool>>();
   std::future<bool> answer = listening->get_future();
   bus_->post([tell, listening](StandingConnection* standing) {
-    bool heard = false;
-    try {
-      if (standing != nullptr) {
-        standing->connection().addMatch(
-            reloadSignals(), [tell](sdbus::Message&) { tell(&State::reloadAsked); },
-            sdbus::floating_slot);
-        heard = true;
-      }
-    } catch (const sdbus::Error&) {
-    }
-    listening->set_value(heard);
+    if (standing == nullptr) return listening->set_value(false);
+    const auto heard = std::make_shared<Heard>([tell] { tell(&State::reloadAsked); });
+    standing->keep(heard);
+    listening->set_value(sd_bus_add_match(standing->bus(), nullptr, reloadSignals().c_str(),
+                                          hearReload, heard.get()) >= 0);
   });
   constexpr std::chrono::seconds patience(5);
   if (answer.wait_for(patience) != std::future_status::ready || !answer.get()) {

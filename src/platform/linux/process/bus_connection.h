@@ -1,0 +1,26 @@
+// A connection to the session bus, as the bus library has it. Knows no service; included by the
+// .cpp files that speak on the bus, nowhere else.
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/process/bus_loop.h"
+
+struct sd_bus;
+
+namespace kivo::linux_platform {
+
+struct CloseBus {
+  void operator()(sd_bus* bus) const;
+};
+/// Sends at its end what has still to be sent. For one thread at a time.
+using BusConnection = std::unique_ptr<sd_bus, CloseBus>;
+
+/// Connects to the session bus and returns once the connection stands; null when there is no bus. A
+/// socket that says nothing holds it for 90 s.
+BusConnection connectToSessionBus();
+
+/// What comes on `bus`, for a loop to serve; `bus` outlives it.
+std::unique_ptr<BusEvents> eventsOf(sd_bus* bus);
+
+}  // namespace kivo::linux_platform
