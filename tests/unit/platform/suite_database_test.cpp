@@ -67,19 +67,20 @@ TEST_F(ASuiteFile, KeepsItsLogShortThoughEachHandleWritesOnceOnly) {
 }
 
 TEST_F(ASuiteFile, WritesOnThoughAReaderKeepsItsLogFromBeingEmptied) {
-  UserDefaults suite = open();
-  suite.setObject("number", "none");
-  suite.synchronize();
+  std::optional<UserDefaults> suite = open();
+  suite->setObject("number", "none");
+  suite->synchronize();
   RawStore reader(file());
   reader.run("BEGIN; SELECT value FROM defaults");
   for (int number = 0; number < 300; ++number) {
-    suite.setObject("number", std::to_string(number));
-    ASSERT_TRUE(suite.synchronize());
+    suite->setObject("number", std::to_string(number));
+    ASSERT_TRUE(suite->synchronize());
   }
   EXPECT_EQ(reader.run("SELECT value FROM defaults"), "none\n");
   reader.run("COMMIT");
-  suite.setObject("number", "300");
-  suite.synchronize();
+  suite->setObject("number", "300");
+  suite->synchronize();
+  suite.reset();
   EXPECT_LT(fs::file_size(file().string() + "-wal"), 64U << 10U);
   EXPECT_EQ(reader.run("SELECT value FROM defaults"), "300\n");
 }

@@ -93,14 +93,12 @@ sqlite3_vfs* logKeepingAccess() {
   return registered == SQLITE_OK ? &access : usual;
 }
 
-// Called after each commit. Moves a long log into the database and empties it, or leaves that to a
-// later commit where another process is reading or writing. SQLite's own way would leave the log to
-// be written over from its start, but that it may be is known only until the last one closes it.
-int shortenLog(void*, sqlite3* database, const char*, int pages) {
+// Called after each commit. Moves a long log into the database as far as nobody reads from it, and
+// waits for nobody.
+int shortenLog(void* length, sqlite3* database, const char*, int pages) {
+  *static_cast<int*>(length) = pages;
   if (pages < longestLog) return SQLITE_OK;
-  sqlite3_busy_timeout(database, 0);
-  sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
-  sqlite3_busy_timeout(database, patienceInMilliseconds);
+  sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
   return SQLITE_OK;
 }
 
@@ -213,7 +211,15 @@ int establishPatiently(sqlite3* database) {
 
 }  // namespace
 
-void CloseDatabase::operator()(sqlite3* database) const { sqlite3_close(database); }
+// That a log has been moved, and may be written over from its start, is known only until the last
+// one closes it: the next run would find it as long as it was, and move it again.
+void CloseDatabase::operator()(sqlite3* database) const {
+  if (logLength != nullptr && *logLength >= longestLog) {
+    sqlite3_busy_timeout(database, 0);
+    sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+  }
+  sqlite3_close(database);
+}
 
 void FinalizeStatement::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
@@ -249,6 +255,7 @@ Database openSuiteDatabase(std::string_view suiteName) {
                       logKeepingAccess()->zName);
   Database database(opened);
   if (code != SQLITE_OK) return nullptr;
+  database.get_deleter().logLength = std::make_unique<int>(0);
   sqlite3_busy_timeout(opened, patienceInMilliseconds);
   // A handle lives for a run, reads each value about once, and many runs overlap in one process:
   // the cache of pages would be four fifths of a handle's memory. Before a page is read, since the
@@ -257,7 +264,7 @@ Database openSuiteDatabase(std::string_view suiteName) {
   // The last to close the database would move the log into it and take away its files, only for the
   // next run to make them anew: more syncs than the run itself has commits.
   sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  sqlite3_wal_hook(opened, shortenLog, nullptr);
+  sqlite3_wal_hook(opened, shortenLog, database.get_deleter().logLength.get());
 
   if (establishPatiently(opened) != SQLITE_OK) return nullptr;
   if (!makeAllPrivate(folder.number())) return nullptr;
