@@ -1,22 +1,16 @@
 // The program kivo-notification-center. Started by the session bus, at the first call.
 #include <atomic>
 #include <csignal>
-#include <iostream>
 #include <stdexcept>
-#include <string_view>
 
 #include "phone/notification_center.h"
 #include "platform/linux/process/process_start.h"
+#include "platform/linux/process/service_program.h"
 #include "platform/linux/user_notifications/notification_center_service.h"
 
 namespace {
 
 using kivo::linux_platform::NotificationCenterService;
-
-constexpr std::string_view usage =
-    "Usage: kivo-notification-center [--help | --version]\n"
-    "The phone's notification center: keeps on the session bus who may notify and what waits to\n"
-    "be shown, and has the desktop show it when it is due. Ends with the bus.\n";
 
 std::atomic<NotificationCenterService*> serving = nullptr;
 
@@ -44,23 +38,11 @@ int serve() {
 
 int main(int argc, char** argv) {
   kivo::linux_platform::startProcess();
-  const std::string_view option = argc > 1 ? argv[1] : "";
-  if (argc == 2 && option == "--help") {
-    std::cout << usage;
-    return 0;
-  }
-  if (argc == 2 && option == "--version") {
-    std::cout << "kivo-notification-center " KIVO_VERSION "\n";
-    return 0;
-  }
-  if (argc > 1) {
-    std::cerr << usage;
-    return 64;
-  }
-  try {
-    return serve();
-  } catch (const std::runtime_error& error) {
-    std::cerr << "kivo-notification-center: " << error.what() << '\n';
-    return 1;
-  }
+  return kivo::linux_platform::runService(
+      {.name = "kivo-notification-center",
+       .purpose = "The phone's notification center: keeps on the session bus who may notify and "
+                  "what waits to\nbe shown, and has the desktop show it when it is due. Ends with "
+                  "the bus.\n",
+       .serve = serve},
+      argc, argv);
 }

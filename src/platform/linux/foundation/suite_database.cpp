@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/process/descriptor.h"
 #include "platform/linux/foundation/replaced_text.h"
 
 namespace kivo::linux_platform {
@@ -55,22 +56,6 @@ bool isFolderName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
-
-// A descriptor that is closed at its end.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int number() const { return number_; }
-
- private:
-  int number_;
-};
 
 // The usual access to files but for one thing: a log that is there and holds something is opened
 // without the permission to make it. SQLite takes one opened with it for new, and syncs its folder

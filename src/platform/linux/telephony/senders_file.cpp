@@ -15,6 +15,7 @@
 #include <toml++/toml.h>
 
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform::SendersFile {
 namespace {
@@ -24,20 +25,6 @@ constexpr std::size_t longest = 1 << 20;  // bytes; nobody has that many banks
 constexpr const char* introduction =
     "# The senders whose messages are handed to Kivo: exact, or with * for any characters.\n"
     "# `kivo-phone watch add` and `remove` write this file anew, without other comments.\n";
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  [[nodiscard]] int number() const { return number_; }
-
- private:
-  int number_;
-};
 
 // All of the file; none when it is longer than anybody's or cannot be read.
 std::optional<std::string> bytesOf(int file) {

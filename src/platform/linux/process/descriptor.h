@@ -1,0 +1,24 @@
+// An open file, by its number. Opens none.
+#pragma once
+
+#include <unistd.h>
+
+namespace kivo::linux_platform {
+
+/// Closes the file at its end; a negative number is none.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  [[nodiscard]] int number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+}  // namespace kivo::linux_platform

@@ -1,0 +1,34 @@
+#include "platform/linux/process/service_program.h"
+
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+#include "platform/linux/process/command_line.h"
+
+namespace kivo::linux_platform {
+
+int runService(const ServiceProgram& program, int argc, char** argv) {
+  const std::string usage = "Usage: " + program.name + " [--help | --version]\n" + program.purpose;
+  const std::string_view option = argc > 1 ? argv[1] : "";
+  if (argc == 2 && option == "--help") {
+    std::cout << usage;
+    return 0;
+  }
+  if (argc == 2 && option == "--version") {
+    std::cout << program.name << " " KIVO_VERSION "\n";
+    return 0;
+  }
+  if (argc > 1) {
+    std::cerr << usage;
+    return exitBadUsage;
+  }
+  try {
+    return program.serve();
+  } catch (const std::runtime_error& error) {
+    complain(program.name, error.what());
+    return 1;
+  }
+}
+
+}  // namespace kivo::linux_platform
