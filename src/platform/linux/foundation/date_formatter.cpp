@@ -1,7 +1,6 @@
 #include "platform/foundation/date_formatter.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <ctime>
 #include <memory>
@@ -25,6 +24,9 @@ icu::SimpleTimeZone deviceTimeZone(Moment moment) {
   localtime_r(&time, &local);
   return {static_cast<std::int32_t>(local.tm_gmtoff * 1000), icu::UnicodeString()};
 }
+
+// In any locale of the C library.
+bool isAsciiLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 // What a symbol of a pattern stands for, all of them numbers.
 UCalendarDateFields fieldOf(char symbol) {
@@ -74,7 +76,7 @@ std::string DateFormatter::string(Moment moment) const {
   std::string text;
   for (std::size_t at = 0; at < dateFormat.size();) {
     const char symbol = dateFormat[at];
-    if (std::isalpha(static_cast<unsigned char>(symbol)) == 0) {
+    if (!isAsciiLetter(symbol)) {
       text += symbol;
       ++at;
       continue;
