@@ -7,6 +7,7 @@ The system is a minimal one from the mirror that this machine uses, in a tempora
 is kept in build/clean-root/ for the next time, for a week. A backend on loopback stands in for the
 real one. Needs root, and says so where it is not.
 """
+import datetime
 import json
 import os
 import pathlib
@@ -17,12 +18,19 @@ import tempfile
 import time
 
 from loopback_backend import Backend
+from modem_manager_in_root import ModemManager
 from session_in_root import Session
 
 KEPT = pathlib.Path(__file__).resolve().parents[2] / "build/clean-root/debian-12.tar"
 KEPT_SECONDS = 7 * 24 * 3600
 MESSAGE = "Your card was charged EGP 150.00 at Cafe"
 DIALOG = "Tracked EGP\u00a0150.00 at Cafe"
+RECEIVED = "Your card was charged EGP 150.00 at Bakery"
+NOW = datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds")
+MODEMS = {"0": [
+    {"path": "1", "State": 3, "PduType": 1, "Number": "Friend", "Text": "See you at the bakery", "Timestamp": NOW},
+    {"path": "2", "State": 3, "PduType": 1, "Number": "MyBank", "Text": RECEIVED, "Timestamp": NOW},
+]}
 
 
 def output(*command, **options):
@@ -94,6 +102,8 @@ def try_out(session, backend):
 
     if session.begin():
         use_services(session)
+        with ModemManager(root / "tmp/system-bus", MODEMS):
+            receive_messages(session, backend)
     else:
         print("clean Debian 12: services not tried: no control groups can be mounted here")
 
@@ -121,6 +131,16 @@ def use_services(session):
           "both keep their data in alice's folder")
     failed = session.alice("systemctl --user list-units --state=failed --no-legend --plain 'kivo*'")
     check(failed == "", "no unit of Kivo has failed")
+
+
+def receive_messages(session, backend):
+    """The watcher is started by the first sender that is named, and knows its messages from others."""
+    session.root("mkdir -p /run/dbus && ln -s /tmp/system-bus /run/dbus/system_bus_socket")
+    session.alice("kivo-phone watch add MyBank")
+    check(backend.texts(3) == sorted([MESSAGE, MESSAGE, RECEIVED]),
+          "a message on the modem is tracked when its sender has been named, and no other")
+    status = session.status_of("kivo-sms-watcher.service")
+    check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the watcher is confined")
 
 
 def main(package):
