@@ -13,8 +13,8 @@
 #include <unistd.h>
 
 #include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/process/descriptor.h"
 #include "platform/linux/foundation/replaced_text.h"
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform {
 namespace {
