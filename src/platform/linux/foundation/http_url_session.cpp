@@ -3,10 +3,8 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,7 +18,6 @@
 #include <boost/asio/posix/stream_descriptor.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/redirect_error.hpp>
-#include <boost/asio/ssl/context.hpp>
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
@@ -37,6 +34,7 @@
 #include "platform/foundation/errors.h"
 #include "platform/linux/foundation/host_lookup.h"
 #include "platform/linux/foundation/http_endpoint.h"
+#include "platform/linux/foundation/server_trust.h"
 
 namespace kivo::linux_platform {
 namespace asio = boost::asio;
@@ -77,16 +75,15 @@ class Exchange {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
-  /// `trust` is null without TLS, and otherwise needed only until this returns.
+  /// `trust`, needed for https only, outlives every task.
   Exchange(const asio::any_io_executor& executor, Time end, URLRequest request,
-           HTTPEndpoint endpoint, asio::ssl::context* trust)
+           HTTPEndpoint endpoint, ServerTrust& trust)
       : limit(executor, end),
         request_(std::move(request)),
         endpoint_(std::move(endpoint)),
+        trust_(trust),
         lookup_(executor),
-        connection_(executor) {
-    if (trust != nullptr) secured_.emplace(connection_, *trust);
-  }
+        connection_(executor) {}
 
   /// Runs to the end of the exchange, whatever it is; never throws. `self` keeps the object.
   static Task<void> run(std::shared_ptr<Exchange> self) {
@@ -121,6 +118,9 @@ class Exchange {
 
  private:
   Task<void> steps() {
+    startLookup();
+    // Takes as long as a quick lookup, and other threads do that meanwhile.
+    if (endpoint_.secure) secured_.emplace(connection_, trust_.context());
     co_await connect();
     if (secured_) {
       co_await handshake();
@@ -130,15 +130,23 @@ class Exchange {
     }
   }
 
+  void startLookup() {
+    error_code isName;
+    const auto numeric = asio::ip::make_address(request_.url.host, isName);
+    if (isName) {
+      lookup_.assign(startHostLookup(request_.url.host));
+    } else {
+      numeric_ = numeric;
+    }
+  }
+
   Task<std::vector<asio::ip::address>> addresses() {
     std::vector<asio::ip::address> found;
-    error_code error;
-    const auto numeric = asio::ip::make_address(request_.url.host, error);
-    if (!error) {
-      found.push_back(numeric);
+    if (numeric_) {
+      found.push_back(*numeric_);
       co_return found;
     }
-    lookup_.assign(startHostLookup(request_.url.host));
+    error_code error;
     std::string lines;
     auto into = asio::dynamic_buffer(lines);
     co_await asio::async_read(lookup_, into, asio::redirect_error(asio::use_awaitable, error));
@@ -236,6 +244,8 @@ class Exchange {
 
   URLRequest request_;
   HTTPEndpoint endpoint_;
+  ServerTrust& trust_;
+  std::optional<asio::ip::address> numeric_;
   asio::posix::stream_descriptor lookup_;
   beast::tcp_stream connection_;
   std::optional<asio::ssl::stream<beast::tcp_stream&>> secured_;
@@ -246,33 +256,7 @@ class Exchange {
 
 }  // namespace
 
-/// What servers are trusted. Made once, when first needed: reading it is what https costs.
-struct HTTPURLSession::Tls {
-  std::once_flag made;
-  std::optional<asio::ssl::context> context;
-
-  asio::ssl::context* trust() {
-    try {
-      std::call_once(made, [this] {
-        asio::ssl::context fresh(asio::ssl::context::tls_client);
-        SSL_CTX_set_min_proto_version(fresh.native_handle(), TLS1_2_VERSION);
-        // Not the file of all certificates, of which reading takes ten times as long as the run.
-        SSL_CTX_set_default_verify_dir(fresh.native_handle());
-        // Unless somebody has named one.
-        if (std::getenv(X509_get_default_cert_file_env()) != nullptr) {
-          SSL_CTX_set_default_verify_file(fresh.native_handle());
-        }
-        fresh.set_verify_mode(asio::ssl::verify_peer);
-        context = std::move(fresh);
-      });
-    } catch (const boost::system::system_error&) {
-      throw URLError(Code::secureConnectionFailed);
-    }
-    return &*context;
-  }
-};
-
-HTTPURLSession::HTTPURLSession() : tls_(std::make_unique<Tls>()) {}
+HTTPURLSession::HTTPURLSession() : trust_(std::make_unique<ServerTrust>()) {}
 
 HTTPURLSession::~HTTPURLSession() = default;
 
@@ -282,12 +266,11 @@ Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
 
   const auto end = std::chrono::steady_clock::now() + request.timeoutInterval;
   HTTPEndpoint endpoint = HTTPEndpoint::of(request.url);
-  asio::ssl::context* const trust = endpoint.secure ? tls_->trust() : nullptr;
   const auto executor = co_await asio::this_coro::executor;
   std::shared_ptr<Exchange> exchange;
   try {
     exchange =
-        std::make_shared<Exchange>(executor, end, std::move(request), std::move(endpoint), trust);
+        std::make_shared<Exchange>(executor, end, std::move(request), std::move(endpoint), *trust_);
   } catch (const boost::system::system_error&) {  // no descriptor is left for its timers
     throw URLError(Code::cannotConnectToHost);
   }

@@ -7,9 +7,10 @@
 
 namespace kivo::linux_platform {
 
-/// One connection for each exchange, HTTP/1.1. TLS is set up at the first https request; trusted
-/// are the certificates of the system's hashed directory (SSL_CERT_DIR), and of a file that
-/// SSL_CERT_FILE names. No cookies, no proxy. A task that uses it runs on a TaskExecutor.
+class ServerTrust;
+
+/// One connection for each exchange, HTTP/1.1. TLS is set up at the first https request. No
+/// cookies, no proxy. A task that uses it runs on a TaskExecutor that ends before it.
 class HTTPURLSession : public platform::URLSession {
  public:
   HTTPURLSession();
@@ -18,8 +19,7 @@ class HTTPURLSession : public platform::URLSession {
   platform::Task<platform::URLAnswer> data(platform::URLRequest request) override;
 
  private:
-  struct Tls;
-  std::unique_ptr<Tls> tls_;
+  std::unique_ptr<ServerTrust> trust_;
 };
 
 }  // namespace kivo::linux_platform

@@ -1,0 +1,31 @@
+// Which servers are trusted over https. Connects to none; included by the .cpp file that does.
+#pragma once
+
+#include <memory>
+
+namespace boost::asio::ssl {
+class context;
+}
+
+namespace kivo::linux_platform {
+
+/// TLS 1.2 or newer, and the certificates of the system's hashed directory (SSL_CERT_DIR) and of a
+/// file that SSL_CERT_FILE names.
+class ServerTrust {
+ public:
+  ServerTrust();
+  ~ServerTrust();
+  ServerTrust(const ServerTrust&) = delete;
+  ServerTrust& operator=(const ServerTrust&) = delete;
+
+  /// Yields what secured connections are made with, which lives as long as this. Made by the first
+  /// call, in 2 ms and by reading OpenSSL's configuration; every certificate is read when a server
+  /// first refers to it. From any thread. Throws URLError secureConnectionFailed.
+  boost::asio::ssl::context& context();
+
+ private:
+  struct Made;
+  std::unique_ptr<Made> made_;
+};
+
+}  // namespace kivo::linux_platform
