@@ -20,7 +20,10 @@ std::string noteOf(sqlite3* database) {
 // SQLite overwrites what it deletes, but not the copies that it leaves in the free space of a page
 // when it moves a row to another one. Only a database that is written anew has none.
 bool erase(sqlite3* database) {
+  // Made durable by the checkpoint, at once.
+  execute(database, "PRAGMA synchronous = NORMAL");
   const bool writtenAnew = execute(database, "VACUUM") == SQLITE_OK;
+  execute(database, "PRAGMA synchronous = FULL");
   // Even without, say on a full disk: most copies lie in the log.
   Statement checkpoint;
   const int code = prepare(database, "PRAGMA wal_checkpoint(TRUNCATE)", checkpoint);

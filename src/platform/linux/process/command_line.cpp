@@ -45,10 +45,20 @@ CLI::App& levelOf(CLI::App& root, const std::string& name) {
   return blank == std::string::npos ? *level : levelOf(*level, name.substr(blank + 1));
 }
 
-std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
+// Whether the last word of the command's name is among the arguments.
+bool isNamed(const Command& command, const std::vector<std::string>& arguments) {
+  const std::string word = command.name.substr(command.name.rfind(' ') + 1);
+  return std::find(arguments.begin(), arguments.end(), word) != arguments.end();
+}
+
+// Making the parameters known takes longer than reading the call, so only those of the command that
+// is named are.
+std::unique_ptr<Offered> offer(const Command& command, CLI::App& root,
+                               const std::vector<std::string>& arguments) {
   auto offered = std::make_unique<Offered>();
   offered->command = &command;
   offered->app = levelOf(root, command.name).description(command.purpose);
+  if (!isNamed(command, arguments)) return offered;
   for (const CommandParameter& parameter : command.parameters) {
     const std::string& name = parameter.name;
     if (parameter.kind == Kind::flag) {
@@ -127,8 +137,9 @@ int runCommand(const CommandProgram& program, int argc, char** argv) {
   CLI::App app(program.purpose, program.name);
   app.set_version_flag("--version", program.name + " " + program.version);
   app.allow_extras()->require_subcommand(0, 1);
+  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   std::vector<std::unique_ptr<Offered>> all;
-  for (const Command& command : program.commands) all.push_back(offer(command, app));
+  for (const Command& command : program.commands) all.push_back(offer(command, app, arguments));
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
