@@ -96,7 +96,8 @@ DBusHandlerResult ServedObject::handle(DBusConnection* bus, DBusMessage* call, v
   if (dbus_message_has_signature(call, signature.c_str())) {
     method->perform(BusReader(call), std::move(answer));
   } else {
-    answer.refuse(DBUS_ERROR_INVALID_ARGS, "the arguments must be of the types " + signature);
+    answer.refuse(DBUS_ERROR_INVALID_ARGS,
+                  "the arguments must have the signature '" + signature + "'");
   }
   return DBUS_HANDLER_RESULT_HANDLED;
 }
