@@ -52,54 +52,45 @@ SearchProvider::SearchProvider(DBusConnection* bus, const platform::AppIntentsEx
       object_(bus, bus_names::search, methods()) {}
 
 std::vector<BusMethod> SearchProvider::methods() {
-  const auto end = [](BusAnswer& answer, const std::optional<Failure>& failure) {
-    if (failure) return answer.refuse(failure->name, failure->words);
-    answer.give([](BusWriter&) {});
+  const auto with = [this](void (SearchProvider::*answer)(BusReader&, BusAnswer&)) {
+    return [this, answer](BusReader arguments, BusAnswer way) {
+      onCall_();
+      (this->*answer)(arguments, way);
+    };
   };
-  const std::vector<BusArgument> results{{"results", "as"}};
   return {{.name = search_wire::getInitialResultSet,
            .takes = {{"terms", "as"}},
-           .gives = results,
-           .perform =
-               [this](BusReader arguments, BusAnswer answer) {
-                 onCall_();
-                 answerTexts(answer, intentsFound(extension_, arguments.texts()));
-               }},
+           .gives = {{"results", "as"}},
+           .perform = with(&SearchProvider::answerInitial)},
           {.name = search_wire::getSubsearchResultSet,
            .takes = {{"previous_results", "as"}, {"terms", "as"}},
-           .gives = results,
-           .perform =
-               [this](BusReader arguments, BusAnswer answer) {
-                 onCall_();
-                 Texts before = arguments.texts();
-                 answerTexts(answer, stillFound(extension_, std::move(before), arguments.texts()));
-               }},
+           .gives = {{"results", "as"}},
+           .perform = with(&SearchProvider::answerSubsearch)},
           {.name = search_wire::getResultMetas,
            .takes = {{"identifiers", "as"}},
            .gives = {{"metas", "aa{sv}"}},
-           .perform =
-               [this](BusReader arguments, BusAnswer answer) {
-                 onCall_();
-                 answerMetas(arguments.texts(), answer);
-               }},
+           .perform = with(&SearchProvider::answerMetas)},
           {.name = search_wire::activateResult,
            .takes = {{"identifier", "s"}, {"terms", "as"}, {"timestamp", "u"}},
            .gives = {},
-           .perform =
-               [this, end](BusReader arguments, BusAnswer answer) {
-                 onCall_();
-                 end(answer, activate(*arguments.text()));
-               }},
+           .perform = with(&SearchProvider::answerActivate)},
           {.name = search_wire::launchSearch,
            .takes = {{"terms", "as"}, {"timestamp", "u"}},
            .gives = {},
-           .perform = [this, end](BusReader, BusAnswer answer) {
-             onCall_();
-             end(answer, open({"catalog"}));
-           }}};
+           .perform = with(&SearchProvider::answerLaunch)}};
 }
 
-void SearchProvider::answerMetas(const Texts& intents, BusAnswer& answer) {
+void SearchProvider::answerInitial(BusReader& arguments, BusAnswer& answer) {
+  answerTexts(answer, intentsFound(extension_, arguments.texts()));
+}
+
+void SearchProvider::answerSubsearch(BusReader& arguments, BusAnswer& answer) {
+  Texts before = arguments.texts();
+  answerTexts(answer, stillFound(extension_, std::move(before), arguments.texts()));
+}
+
+void SearchProvider::answerMetas(BusReader& arguments, BusAnswer& answer) {
+  const Texts intents = arguments.texts();
   answer.give([&](BusWriter& reply) {
     reply.array("a{sv}", [&](BusWriter& metas) {
       for (const std::string& intent : intents) {
@@ -109,6 +100,19 @@ void SearchProvider::answerMetas(const Texts& intents, BusAnswer& answer) {
       }
     });
   });
+}
+
+void SearchProvider::answerActivate(BusReader& arguments, BusAnswer& answer) {
+  answerEnd(answer, activate(*arguments.text()));
+}
+
+void SearchProvider::answerLaunch(BusReader&, BusAnswer& answer) {
+  answerEnd(answer, open({"catalog"}));
+}
+
+void SearchProvider::answerEnd(BusAnswer& answer, const std::optional<Failure>& failure) {
+  if (failure) return answer.refuse(failure->name, failure->words);
+  answer.give([](BusWriter&) {});
 }
 
 std::optional<SearchProvider::Failure> SearchProvider::activate(const std::string& intent) {

@@ -34,7 +34,12 @@ class SearchProvider {
   };
 
   std::vector<BusMethod> methods();
-  void answerMetas(const std::vector<std::string>& intents, BusAnswer& answer);
+  void answerInitial(BusReader& arguments, BusAnswer& answer);
+  void answerSubsearch(BusReader& arguments, BusAnswer& answer);
+  void answerMetas(BusReader& arguments, BusAnswer& answer);
+  void answerActivate(BusReader& arguments, BusAnswer& answer);
+  void answerLaunch(BusReader& arguments, BusAnswer& answer);
+  static void answerEnd(BusAnswer& answer, const std::optional<Failure>& failure);
   std::optional<Failure> activate(const std::string& intent);
   std::optional<Failure> open(std::vector<std::string> arguments);
 
