@@ -3,6 +3,7 @@
 #include <array>
 #include <csignal>
 #include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "integration/extension_program.h"
@@ -96,6 +97,24 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasNoBusToReach) {
   answersTheSame("no bus in the environment");
   const ScopedVariable noFolder("XDG_RUNTIME_DIR", std::nullopt);
   answersTheSame("no runtime folder either");
+}
+
+TEST_F(ARunWithoutTheRestOfThePhone, StartsNoBusOfItsOwn) {
+  const auto trace = folders.home() / "trace";
+  const ScopedVariable display("DISPLAY", ":0");
+  for (const char* const address : {"autolaunch:", "unix:path=/nonexistent/bus;autolaunch:"}) {
+    const ScopedVariable variable("DBUS_SESSION_BUS_ADDRESS", address);
+    const ProgramResult result = linux_platform::runProgram(
+        {.program = "strace",
+         .arguments = {"-f", "-e", "trace=execve", "-o", trace,
+                       linux_platform::programFolder() / "kivo-intents", "perform",
+                       "ProcessSMSIntent", "--smsText", "Paid 1"}});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    std::ifstream in(trace);
+    const std::string started{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_THAT(started, testing::HasSubstr("ProcessSMSIntent")) << address;
+    EXPECT_THAT(started, testing::Not(testing::HasSubstr("dbus-launch"))) << address;
+  }
 }
 
 TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatHangs) {

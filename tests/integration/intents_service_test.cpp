@@ -1,5 +1,9 @@
 // The intents on the session bus, called by other people's clients.
 #include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <thread>
 
 #include "extension_program.h"
 #include "served_intents.h"
@@ -29,6 +33,19 @@ class AnIntentsService : public testkit::ServedIntents {
 
   testkit::ToldBackend backend;
 };
+
+// What all threads of the process have used.
+std::chrono::nanoseconds processorTime(pid_t process) {
+  std::int64_t sum = 0;
+  for (const auto& thread :
+       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    std::int64_t used = -1;
+    std::ifstream(thread.path() / "schedstat") >> used;
+    EXPECT_GE(used, 0) << thread.path();
+    sum += used;
+  }
+  return std::chrono::nanoseconds(sum);
+}
 
 TEST_F(AnIntentsService, IsStartedByTheBusForACallByGdbus) {
   signIn(backend.url());
@@ -75,6 +92,29 @@ TEST_F(AnIntentsService, DescribesItselfToClients) {
   EXPECT_THAT(described, HasSubstr(R"(<arg type="a{sv}" name="parameters" direction="in"/>)"));
   EXPECT_THAT(described, HasSubstr(R"(<arg type="s" name="dialog" direction="out"/>)"));
   EXPECT_THAT(described, HasSubstr(R"(<arg type="s" name="json" direction="out"/>)"));
+}
+
+TEST_F(AnIntentsService, AnswersACallThatNamesNoInterface) {
+  const ProgramResult called = runProgram(
+      {.program = "/usr/bin/python3",
+       .arguments = {"-c",
+                     "import dbus, dbus.lowlevel\n"
+                     "b = dbus.SessionBus()\n"
+                     "for member in 'Catalog', 'Introspect':\n"
+                     " m = dbus.lowlevel.MethodCallMessage('app.kivo.expenses.Intents', "
+                     "'/app/kivo/expenses/Intents', None, member)\n"
+                     " print(b.send_message_with_reply_and_block(m).get_args_list()[0])\n"}});
+  EXPECT_EQ(called.status, 0) << called.errors;
+  EXPECT_THAT(called.output, HasSubstr("ProcessSMSIntent"));
+  EXPECT_THAT(called.output, HasSubstr(R"(<interface name="app.kivo.Intents1">)"));
+}
+
+TEST_F(AnIntentsService, SpendsNoProcessorTimeWhileNothingHappens) {
+  signIn("http://127.0.0.1:1");  // so that both of its connections were in use
+  EXPECT_EQ(processSMS("Paid").output, replyWith("Saved offline - will process when connected"));
+  const auto before = processorTime(service());
+  std::this_thread::sleep_for(1s);
+  EXPECT_LT(processorTime(service()) - before, 100ms);
 }
 
 TEST_F(AnIntentsService, CarriesATextOfAMebibyte) {

@@ -6,25 +6,25 @@
 #include <stdexcept>
 #include <utility>
 
-#include <systemd/sd-bus.h>
+#include <dbus/dbus.h>
 
 #include "platform/linux/app_intents/intents_wire.h"
 #include "platform/linux/process/bus_call.h"
-#include "platform/linux/process/bus_text.h"
 #include "platform/linux/process/bus_thread.h"
 
 namespace kivo::linux_platform {
 namespace {
 
-constexpr const char* nobody = "org.freedesktop.DBus.Error.Disconnected";
+constexpr const char* nobody = DBUS_ERROR_DISCONNECTED;
 
 // Takes `name` on the bus's thread; an error's words, or none.
 std::optional<std::string> takeName(BusThread& bus, const std::string& name) {
   const auto taking = std::make_shared<std::promise<std::optional<std::string>>>();
   auto taken = taking->get_future();
-  bus.post([taking, name](StandingConnection* standing) {
-    if (standing == nullptr) return taking->set_value("there is no session bus");
-    if (sd_bus_request_name(standing->bus(), name.c_str(), 0) < 0) {
+  bus.post([taking, name](DBusConnection* connection) {
+    if (connection == nullptr) return taking->set_value("there is no session bus");
+    if (dbus_bus_request_name(connection, name.c_str(), DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
+        DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
       return taking->set_value("another program is " + name);
     }
     taking->set_value(std::nullopt);
@@ -93,16 +93,15 @@ void IntentsClient::perform(const std::string& intent, const std::string& parame
             {.object = bus_names::intents,
              .method = intents_wire::perform,
              .write =
-                 [intent = busText(intent), parameter = busText(parameter),
-                  text = busText(text)](sd_bus_message* message) {
-                   return sd_bus_message_append(message, "sa{sv}", intent.c_str(), 1,
-                                                parameter.c_str(), "s", text.c_str());
+                 [intent, parameter, text](BusWriter& arguments) {
+                   arguments.text(intent);
+                   arguments.array("{sv}", [&](BusWriter& parameters) {
+                     parameters.textEntry(parameter, text);
+                   });
                  },
              .patience = state_->patience},
-            [state = state_](sd_bus_message* reply) {
-              if (reply == nullptr) return state->end(nobody);
-              if (!isError(reply)) return state->end(std::nullopt);
-              state->end(sd_bus_message_get_error(reply)->name);
+            [state = state_](DBusMessage* reply) {
+              state->end(reply == nullptr ? nobody : failureOf(reply));
             });
 }
 

@@ -9,12 +9,11 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
+#include <dbus/dbus.h>
 #include <sys/resource.h>
-#include <systemd/sd-bus.h>
 
 #include "platform/linux/app_intents/called_intent.h"
 #include "platform/linux/app_intents/catalog.h"
@@ -25,13 +24,12 @@
 #include "platform/linux/process/bus_connection.h"
 #include "platform/linux/process/bus_loop.h"
 #include "platform/linux/process/bus_names.h"
-#include "platform/linux/process/bus_text.h"
+#include "platform/linux/process/served_object.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
 // Runs mostly wait. What they do besides are short commits to the store, which wait for each other
 // anyway.
@@ -53,36 +51,20 @@ std::size_t mostRunsAtATime() {
   return std::clamp<rlim_t>(spare / filesOfARun, 1, most);
 }
 
-// Reads the value of one parameter, none for one of another type; a negative code of the bus
-// library when it cannot be read.
-int readValue(sd_bus_message* call, std::optional<platform::IntentValue>& value) {
-  const char* type = nullptr;
-  int code = sd_bus_message_peek_type(call, nullptr, &type);
-  if (code < 0) return code;
-  if (std::string_view(type) == "s") {
-    const char* text = nullptr;
-    code = sd_bus_message_read(call, "v", "s", &text);
-    if (code >= 0) value = std::string(text);
-  } else if (std::string_view(type) == "d") {
-    double number = 0;
-    code = sd_bus_message_read(call, "v", "d", &number);
-    if (code >= 0) value = number;
-  } else {
-    code = sd_bus_message_skip(call, "v");
+// The parameters of a call, {sv} each; a value that is neither a text nor a number is none.
+CalledValues readValues(BusReader entries) {
+  CalledValues values;
+  for (; !entries.atEnd(); entries.skip()) {
+    BusReader entry = entries.inside();
+    std::optional<platform::IntentValue>& value = values[*entry.text()];
+    BusReader variant = entry.inside();
+    if (auto text = variant.text()) {
+      value = *std::move(text);
+    } else if (const auto number = variant.number()) {
+      value = *number;
+    }
   }
-  return code;
-}
-
-int readValues(sd_bus_message* call, CalledValues& values) {
-  int code = sd_bus_message_enter_container(call, SD_BUS_TYPE_ARRAY, "{sv}");
-  while (code >= 0 &&
-         (code = sd_bus_message_enter_container(call, SD_BUS_TYPE_DICT_ENTRY, "sv")) > 0) {
-    const char* name = nullptr;
-    code = sd_bus_message_read(call, "s", &name);
-    if (code >= 0) code = readValue(call, values[name]);
-    if (code >= 0) code = sd_bus_message_exit_container(call);
-  }
-  return code;
+  return values;
 }
 
 BusConnection connection() {
@@ -108,16 +90,14 @@ class IntentsService {
   struct Run {
     std::unique_ptr<platform::AppIntent> intent;
     platform::IntentDialog dialog;
-    Message call;
+    BusAnswer answer;
     std::optional<RunningTask> task;  // none while it waits for its turn
   };
   using Place = std::list<Run>::iterator;
 
   void stop();
-  static int onPerform(sd_bus_message* call, void* service, sd_bus_error* error);
-  static int onCatalog(sd_bus_message* call, void* service, sd_bus_error* error);
-  std::optional<CallRefusal> begin(sd_bus_message* call, const std::string& typeName,
-                                   CalledValues values);
+  std::vector<BusMethod> methods();
+  void begin(const std::string& typeName, CalledValues values, BusAnswer answer);
   void start(Place run);
   platform::Task<void> performTelling(Place run);
   std::optional<std::chrono::milliseconds> beforeWaiting();
@@ -130,6 +110,7 @@ class IntentsService {
   const std::chrono::milliseconds idleLimit_;
   const BusConnection bus_ = connection();
   BusLoop loop_{eventsOf(bus_.get())};
+  std::optional<ServedObject> intents_;
   std::optional<SearchProvider> search_;
   std::atomic<bool> stopAsked_ = false;
   bool cancelling_ = false;
@@ -148,40 +129,31 @@ class IntentsService {
 };
 
 void IntentsService::takeName() {
-  static const sd_bus_vtable members[] = {
-      SD_BUS_VTABLE_START(0),
-      SD_BUS_METHOD_WITH_NAMES(intents_wire::perform, "sa{sv}",
-                               SD_BUS_PARAM(intent) SD_BUS_PARAM(parameters), "s",
-                               SD_BUS_PARAM(dialog), onPerform, SD_BUS_VTABLE_UNPRIVILEGED),
-      SD_BUS_METHOD_WITH_NAMES(intents_wire::catalog, "", , "s", SD_BUS_PARAM(json), onCatalog,
-                               SD_BUS_VTABLE_UNPRIVILEGED),
-      SD_BUS_VTABLE_END};
   const BusObject& intents = bus_names::intents;
-  if (sd_bus_add_object_vtable(bus_.get(), nullptr, intents.path, intents.interface, members,
-                               this) < 0) {
-    throw std::runtime_error("the session bus cannot be used");
-  }
+  intents_.emplace(bus_.get(), intents, methods());
   search_.emplace(bus_.get(), extension_, [this] { lastCall_ = Clock::now(); });
-  if (sd_bus_request_name(bus_.get(), intents.service, 0) < 0) {
+  if (dbus_bus_request_name(bus_.get(), intents.service, DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
+      DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
     throw std::runtime_error(std::string("another program is ") + intents.service);
   }
 }
 
-int IntentsService::onPerform(sd_bus_message* call, void* service, sd_bus_error* error) {
-  const char* typeName = nullptr;
-  CalledValues values;
-  int code = sd_bus_message_read(call, "s", &typeName);
-  if (code >= 0) code = readValues(call, values);
-  if (code < 0) return code;
-  const auto refusal =
-      static_cast<IntentsService*>(service)->begin(call, typeName, std::move(values));
-  return refusal ? sd_bus_error_set(error, refusal->name, refusal->words.c_str()) : 1;
-}
-
-int IntentsService::onCatalog(sd_bus_message* call, void* service, sd_bus_error*) {
-  auto& self = *static_cast<IntentsService*>(service);
-  self.lastCall_ = Clock::now();
-  return sd_bus_reply_method_return(call, "s", catalogJSON(self.extension_).c_str());
+std::vector<BusMethod> IntentsService::methods() {
+  return {{.name = intents_wire::perform,
+           .takes = {{"intent", "s"}, {"parameters", "a{sv}"}},
+           .gives = {{"dialog", "s"}},
+           .perform =
+               [this](BusReader arguments, BusAnswer answer) {
+                 const std::string typeName = *arguments.text();
+                 begin(typeName, readValues(arguments.inside()), std::move(answer));
+               }},
+          {.name = intents_wire::catalog,
+           .takes = {},
+           .gives = {{"json", "s"}},
+           .perform = [this](BusReader, BusAnswer answer) {
+             lastCall_ = Clock::now();
+             answer.give([this](BusWriter& reply) { reply.text(catalogJSON(extension_)); });
+           }}};
 }
 
 void IntentsService::serve() {
@@ -199,23 +171,22 @@ void IntentsService::stop() {
   loop_.wake();
 }
 
-// Yields why the call is refused, if it is.
-std::optional<CallRefusal> IntentsService::begin(sd_bus_message* call, const std::string& typeName,
-                                                 CalledValues values) {
+void IntentsService::begin(const std::string& typeName, CalledValues values, BusAnswer answer) {
   lastCall_ = Clock::now();
   auto called = calledIntent(extension_, typeName, std::move(values));
-  if (auto* const refusal = std::get_if<CallRefusal>(&called)) return std::move(*refusal);
+  if (const auto* const refusal = std::get_if<CallRefusal>(&called)) {
+    return answer.refuse(refusal->name, refusal->words);
+  }
   const Place run = runs_.insert(
       runs_.end(), {.intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called)),
                     .dialog = {},
-                    .call = Message(sd_bus_message_ref(call), sd_bus_message_unref),
+                    .answer = std::move(answer),
                     .task = std::nullopt});
   if (underWay_ < mostAtATime_) {
     start(run);
   } else {
     waiting_.push_back(run);
   }
-  return std::nullopt;
 }
 
 void IntentsService::start(Place run) {
@@ -271,8 +242,7 @@ void IntentsService::answerEnded() {
   }
   for (const Place run : ended) {
     run->task->wait();  // for the last bit of the task, and to hear of what it threw
-    // A caller that has gone gets none.
-    sd_bus_reply_method_return(run->call.get(), "s", busText(run->dialog.text).c_str());
+    run->answer.give([run](BusWriter& reply) { reply.text(run->dialog.text); });
     runs_.erase(run);
     lastCall_ = Clock::now();
     --underWay_;
@@ -285,7 +255,7 @@ void IntentsService::answerEnded() {
 // The bus hands us nothing after its answer to this; what it had handed to us before lies in the
 // connection's own queue by then, and the loop handles that before it asks again what to wait for.
 void IntentsService::giveUpName() {
-  sd_bus_release_name(bus_.get(), bus_names::intents.service);
+  dbus_bus_release_name(bus_.get(), bus_names::intents.service, nullptr);
   nameGivenUp_ = true;
 }
 

@@ -8,18 +8,17 @@
 #include <vector>
 
 #include "platform/app_intents/app_intents_extension.h"
+#include "platform/linux/process/served_object.h"
 #include "platform/linux/process/terminal_window.h"
-
-struct sd_bus;
 
 namespace kivo::linux_platform {
 
-/// Answers on `bus`, on the thread that serves it, from its making to the end of the bus.
+/// Answers on `bus`, on the thread that serves it.
 class SearchProvider {
  public:
-  /// Calls `onCall` at the beginning of each call. `extension` outlives this, and this the serving
-  /// of `bus`. Throws std::runtime_error with one line when the bus cannot be used.
-  SearchProvider(sd_bus* bus, const platform::AppIntentsExtension& extension,
+  /// Calls `onCall` at the beginning of each call. `extension` and `bus` outlive this. Throws
+  /// std::runtime_error with one line when the bus cannot be used.
+  SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                  std::function<void()> onCall);
   SearchProvider(const SearchProvider&) = delete;
   SearchProvider& operator=(const SearchProvider&) = delete;
@@ -33,14 +32,21 @@ class SearchProvider {
     const char* name;
     const char* words;
   };
-  struct Members;
 
+  std::vector<BusMethod> methods();
+  void answerInitial(BusReader& arguments, BusAnswer& answer);
+  void answerSubsearch(BusReader& arguments, BusAnswer& answer);
+  void answerMetas(BusReader& arguments, BusAnswer& answer);
+  void answerActivate(BusReader& arguments, BusAnswer& answer);
+  void answerLaunch(BusReader& arguments, BusAnswer& answer);
+  static void answerEnd(BusAnswer& answer, const std::optional<Failure>& failure);
   std::optional<Failure> activate(const std::string& intent);
   std::optional<Failure> open(std::vector<std::string> arguments);
 
   const platform::AppIntentsExtension& extension_;
   std::function<void()> onCall_;
   TerminalWindows windows_;
+  ServedObject object_;
 };
 
 }  // namespace kivo::linux_platform

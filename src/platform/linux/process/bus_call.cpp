@@ -1,17 +1,14 @@
 #include "platform/linux/process/bus_call.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <utility>
-
-#include <systemd/sd-bus.h>
 
 #include "platform/linux/process/bus_thread.h"
 
 namespace kivo::linux_platform {
 namespace {
-
-using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
 // Sees to it that an answer is given exactly once, by the time nobody can give it any more.
 class Answering {
@@ -21,7 +18,7 @@ class Answering {
   Answering(const Answering&) = delete;
   Answering& operator=(const Answering&) = delete;
 
-  void give(sd_bus_message* reply) {
+  void give(DBusMessage* reply) {
     if (const ReadReply read = std::exchange(read_, nullptr)) read(reply);
   }
 
@@ -30,29 +27,32 @@ class Answering {
 };
 
 // As the bus library calls who waits for a reply, and who must know that it waits no more.
-int giveReply(sd_bus_message* reply, void* answering, sd_bus_error*) {
-  static_cast<Answering*>(answering)->give(reply);
-  return 0;
+void giveReply(DBusPendingCall* waiting, void* answering) {
+  const BusMessage reply(dbus_pending_call_steal_reply(waiting));
+  static_cast<Answering*>(answering)->give(reply.get());
 }
 void endWaiting(void* answering) { delete static_cast<Answering*>(answering); }
 
-void send(sd_bus* bus, const BusCall& call, std::unique_ptr<Answering> answering) {
-  sd_bus_message* made = nullptr;
-  if (sd_bus_message_new_method_call(bus, &made, call.object.service, call.object.path,
-                                     call.object.interface, call.method) < 0) {
+int limitOf(const BusCall& call) {
+  if (call.patience == call.patience.zero()) return DBUS_TIMEOUT_USE_DEFAULT;
+  return static_cast<int>(std::min<std::int64_t>(call.patience.count(), DBUS_TIMEOUT_INFINITE));
+}
+
+void send(DBusConnection* bus, const BusCall& call, std::unique_ptr<Answering> answering) {
+  const BusMessage message(dbus_message_new_method_call(call.object.service, call.object.path,
+                                                        call.object.interface, call.method));
+  if (!message) return;
+  BusWriter arguments(message.get());
+  call.write(arguments);
+  DBusPendingCall* waiting = nullptr;  // stays null when the bus has gone
+  if (!dbus_connection_send_with_reply(bus, message.get(), &waiting, limitOf(call)) ||
+      waiting == nullptr) {
     return;
   }
-  const Message message(made, sd_bus_message_unref);
-  sd_bus_slot* waiting = nullptr;
-  const auto patience = static_cast<std::uint64_t>(call.patience.count());
-  if (call.write(made) < 0 ||
-      sd_bus_call_async(bus, &waiting, made, giveReply, answering.get(), patience) < 0) {
-    return;
+  if (dbus_pending_call_set_notify(waiting, giveReply, answering.get(), endWaiting)) {
+    static_cast<void>(answering.release());  // the connection's from now on
   }
-  sd_bus_slot_set_destroy_callback(waiting, endWaiting);
-  static_cast<void>(answering.release());  // the connection's from now on
-  sd_bus_slot_set_floating(waiting, 1);
-  sd_bus_slot_unref(waiting);
+  dbus_pending_call_unref(waiting);
 }
 
 }  // namespace
@@ -60,12 +60,14 @@ void send(sd_bus* bus, const BusCall& call, std::unique_ptr<Answering> answering
 void callOnBus(BusThread& bus, BusCall call, ReadReply read) {
   auto answering =
       std::make_shared<std::unique_ptr<Answering>>(std::make_unique<Answering>(std::move(read)));
-  bus.post(
-      [call = std::move(call), answering = std::move(answering)](StandingConnection* standing) {
-        if (standing != nullptr) send(standing->bus(), call, std::move(*answering));
-      });
+  bus.post([call = std::move(call), answering = std::move(answering)](DBusConnection* connection) {
+    if (connection != nullptr) send(connection, call, std::move(*answering));
+  });
 }
 
-bool isError(sd_bus_message* reply) { return sd_bus_message_is_method_error(reply, nullptr) > 0; }
+std::optional<std::string> failureOf(DBusMessage* reply) {
+  if (dbus_message_get_type(reply) != DBUS_MESSAGE_TYPE_ERROR) return std::nullopt;
+  return dbus_message_get_error_name(reply);
+}
 
 }  // namespace kivo::linux_platform

@@ -4,10 +4,11 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
+#include <string>
 
+#include "platform/linux/process/bus_message.h"
 #include "platform/linux/process/bus_names.h"
-
-struct sd_bus_message;
 
 namespace kivo::linux_platform {
 
@@ -16,20 +17,21 @@ class BusThread;
 struct BusCall {
   BusObject object;
   const char* method;
-  /// Writes the arguments; a negative code of the bus library when that cannot be done.
-  std::function<int(sd_bus_message*)> write;
+  /// Writes the arguments.
+  BusWriter::Write write;
   /// How long the reply may take; zero for the 25 s that are usual on the bus.
-  std::chrono::microseconds patience{0};
+  std::chrono::milliseconds patience{0};
 };
 
 /// Is handed null when no reply will come. Must not throw.
-using ReadReply = std::function<void(sd_bus_message*)>;
+using ReadReply = std::function<void(DBusMessage*)>;
 
 /// Returns at once and has `read` called exactly once: on the bus's thread, or, when there is no
 /// bus, possibly at once on the calling thread.
 void callOnBus(BusThread& bus, BusCall call, ReadReply read);
 
-/// Whether `reply`, not null, says that the call has failed.
-bool isError(sd_bus_message* reply);
+/// The name of the error by which `reply`, not null, says that the call has failed; none when it
+/// has not.
+std::optional<std::string> failureOf(DBusMessage* reply);
 
 }  // namespace kivo::linux_platform

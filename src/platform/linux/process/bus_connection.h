@@ -6,21 +6,21 @@
 
 #include "platform/linux/process/bus_loop.h"
 
-struct sd_bus;
+struct DBusConnection;
 
 namespace kivo::linux_platform {
 
 struct CloseBus {
-  void operator()(sd_bus* bus) const;
+  void operator()(DBusConnection* bus) const;
 };
 /// Sends at its end what has still to be sent. For one thread at a time.
-using BusConnection = std::unique_ptr<sd_bus, CloseBus>;
+using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
 
 /// Connects to the session bus and returns once the connection stands; null when there is no bus. A
-/// socket that says nothing holds it for 90 s.
+/// socket that says nothing holds it for 25 s. Never starts a bus.
 BusConnection connectToSessionBus();
 
-/// What comes on `bus`, for a loop to serve; `bus` outlives it.
-std::unique_ptr<BusEvents> eventsOf(sd_bus* bus);
+/// What comes on `bus`, for a loop to serve; `bus` outlives it. One at a time for a connection.
+std::unique_ptr<BusEvents> eventsOf(DBusConnection* bus);
 
 }  // namespace kivo::linux_platform

@@ -48,7 +48,7 @@ struct BusThread::State {
 
 namespace {
 
-void call(const std::deque<BusThread::Step>& steps, StandingConnection* connection) {
+void call(const std::deque<BusThread::Step>& steps, DBusConnection* connection) {
   for (const BusThread::Step& step : steps) step(connection);
 }
 
@@ -69,11 +69,10 @@ BusThread::~BusThread() { finish(std::chrono::nanoseconds(0)); }
 void BusThread::serve(const std::shared_ptr<State>& state) {
   if (const BusConnection bus = connectToSessionBus()) {
     BusLoop loop(eventsOf(bus.get()));
-    StandingConnection standing(bus.get());
     if (state->setLoop(&loop)) {
       loop.run([&]() -> std::optional<std::chrono::milliseconds> {
         const bool last = state->isFinishing();  // asked first: what was posted before is done
-        call(state->takeSteps(), &standing);
+        call(state->takeSteps(), bus.get());
         if (last) loop.stop();
         return std::nullopt;
       });

@@ -5,35 +5,18 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "platform/linux/process/bus_connection.h"
 #include "platform/linux/process/bus_names.h"
 
 namespace kivo::linux_platform {
 
-/// A connection that stands, and what goes with it. Used on the bus's thread only.
-class StandingConnection {
- public:
-  explicit StandingConnection(sd_bus* bus) : bus_(bus) {}
-  StandingConnection(const StandingConnection&) = delete;
-  StandingConnection& operator=(const StandingConnection&) = delete;
-
-  [[nodiscard]] sd_bus* bus() { return bus_; }
-  /// Keeps `thing` until just before the connection ends, when nothing comes from it any more.
-  void keep(std::shared_ptr<void> thing) { kept_.push_back(std::move(thing)); }
-
- private:
-  sd_bus* bus_;
-  std::vector<std::shared_ptr<void>> kept_;
-};
-
 /// Connecting begins with the object and is waited for by nobody: a socket that says nothing would
-/// hold its caller for 90 s.
+/// hold its caller for 25 s.
 class BusThread {
  public:
-  /// Is handed null when there is no bus (any more). Must not throw.
-  using Step = std::function<void(StandingConnection*)>;
+  /// Is handed the connection, or null when there is no bus (any more). Must not throw.
+  using Step = std::function<void(DBusConnection*)>;
 
   /// Starts the thread, which connects to the session bus. `onGone`, if any, is called on it once
   /// there is no bus, but not after `finish`.

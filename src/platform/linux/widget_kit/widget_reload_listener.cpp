@@ -8,8 +8,9 @@
 #include <string>
 #include <utility>
 
-#include <systemd/sd-bus.h>
+#include <dbus/dbus.h>
 
+#include "platform/linux/process/bus_names.h"
 #include "platform/linux/process/bus_thread.h"
 
 namespace kivo::linux_platform {
@@ -23,10 +24,27 @@ std::string reloadSignals() {
 
 using Heard = std::function<void()>;
 
-// As the bus library calls who waits for a signal.
-int hearReload(sd_bus_message*, void* heard, sd_bus_error*) {
-  (*static_cast<Heard*>(heard))();
-  return 0;
+// As the bus library calls who looks at all that comes, and who need not any more.
+DBusHandlerResult hearReload(DBusConnection*, DBusMessage* message, void* heard) {
+  const BusObject& center = bus_names::widgetCenter;
+  if (dbus_message_is_signal(message, center.interface, bus_names::reloadAllTimelines) &&
+      dbus_message_has_path(message, center.path)) {
+    (*static_cast<Heard*>(heard))();
+  }
+  return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+}
+void endHearing(void* heard) { delete static_cast<Heard*>(heard); }
+
+// Yields whether reload signals come from now on.
+bool listen(DBusConnection* bus, Heard onReload) {
+  auto heard = std::make_unique<Heard>(std::move(onReload));
+  if (!dbus_connection_add_filter(bus, hearReload, heard.get(), endHearing)) return false;
+  static_cast<void>(heard.release());  // the connection's from now on
+  DBusError error = DBUS_ERROR_INIT;   // with which the bus's answer is waited for
+  dbus_bus_add_match(bus, reloadSignals().c_str(), &error);
+  const bool added = !dbus_error_is_set(&error);
+  dbus_error_free(&error);
+  return added;
 }
 
 }  // namespace
@@ -54,12 +72,9 @@ WidgetReloadListener::WidgetReloadListener() : state_(std::make_shared<State>())
 
   const auto listening = std::make_shared<std::promise<bool>>();
   std::future<bool> answer = listening->get_future();
-  bus_->post([tell, listening](StandingConnection* standing) {
-    if (standing == nullptr) return listening->set_value(false);
-    const auto heard = std::make_shared<Heard>([tell] { tell(&State::reloadAsked); });
-    standing->keep(heard);
-    listening->set_value(sd_bus_add_match(standing->bus(), nullptr, reloadSignals().c_str(),
-                                          hearReload, heard.get()) >= 0);
+  bus_->post([tell, listening](DBusConnection* connection) {
+    listening->set_value(connection != nullptr &&
+                         listen(connection, [tell] { tell(&State::reloadAsked); }));
   });
   constexpr std::chrono::seconds patience(5);
   if (answer.wait_for(patience) != std::future_status::ready || !answer.get()) {
