@@ -45,20 +45,10 @@ CLI::App& levelOf(CLI::App& root, const std::string& name) {
   return blank == std::string::npos ? *level : levelOf(*level, name.substr(blank + 1));
 }
 
-// Whether the last word of the command's name is among the arguments.
-bool isNamed(const Command& command, const std::vector<std::string>& arguments) {
-  const std::string word = command.name.substr(command.name.rfind(' ') + 1);
-  return std::find(arguments.begin(), arguments.end(), word) != arguments.end();
-}
-
-// Making the parameters known takes longer than reading the call, so only those of the command that
-// is named are.
-std::unique_ptr<Offered> offer(const Command& command, CLI::App& root,
-                               const std::vector<std::string>& arguments) {
+std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
   auto offered = std::make_unique<Offered>();
   offered->command = &command;
   offered->app = levelOf(root, command.name).description(command.purpose);
-  if (!isNamed(command, arguments)) return offered;
   for (const CommandParameter& parameter : command.parameters) {
     const std::string& name = parameter.name;
     if (parameter.kind == Kind::flag) {
@@ -108,6 +98,15 @@ std::optional<std::string> complaintAbout(const Offered& offered, const CLI::App
   return std::nullopt;
 }
 
+// Whether a call with `arguments` can be told from others without `command`. To make all commands
+// known takes longer than to read the call.
+bool mayBeLeftOut(const Command& command, const std::vector<std::string>& arguments) {
+  const std::string word = command.name.substr(command.name.rfind(' ') + 1);
+  return std::none_of(arguments.begin(), arguments.end(), [&word](const std::string& argument) {
+    return argument == word || argument.starts_with("-h") || argument.starts_with("--help");
+  });
+}
+
 int badUsage(const CommandProgram& program, const std::string& command, const std::string& what) {
   const std::string help = program.name + (command.empty() ? "" : " ") + command + " --help";
   complain(program.name, what + " (see " + help + ")");
@@ -139,7 +138,9 @@ int runCommand(const CommandProgram& program, int argc, char** argv) {
   app.allow_extras()->require_subcommand(0, 1);
   const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   std::vector<std::unique_ptr<Offered>> all;
-  for (const Command& command : program.commands) all.push_back(offer(command, app, arguments));
+  for (const Command& command : program.commands) {
+    if (!mayBeLeftOut(command, arguments)) all.push_back(offer(command, app));
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
