@@ -57,10 +57,19 @@ bool isFolderName(std::string_view name) {
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
+// Before anything else is asked of SQLite: no memory for 20 pages as soon as one is read, and no
+// count of all memory.
+void configureOnce() {
+  [[maybe_unused]] static const bool done =
+      sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0) == SQLITE_OK &&
+      sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
+}
+
 // The usual access to files but for one thing: a log that is there and holds something is opened
 // without the permission to make it. SQLite takes one opened with it for new, and syncs its folder
 // with its first write, one sync for each run.
 sqlite3_vfs* logKeepingAccess() {
+  configureOnce();
   static sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
   static sqlite3_vfs access = [] {
     sqlite3_vfs copy = *usual;
