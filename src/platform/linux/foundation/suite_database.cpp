@@ -34,7 +34,7 @@ constexpr const char* settings =
     "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
 
 // In pages of 4 KiB. Whoever opens the database alone reads the log once, an eighth of a
-// millisecond for this much; moving it into the database takes two syncs.
+// millisecond for this much; moving it into the database takes three syncs.
 constexpr int longestLog = 64;
 
 // The statements of one transaction that turn an empty database into a suite.
