@@ -126,6 +126,12 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatHangs) {
   bus.daemon().signal(SIGCONT);
 }
 
+TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatTakesNobodyIn) {
+  SilentSocket full(folders.home() / "full");
+  full.takeNobodyIn();
+  answersTheSameOnBus(full.busAddress());
+}
+
 TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatSpeaksNonsense) {
   for (const std::string& words :
        {std::string(), std::string("OK\r\n"), std::string("HTTP/1.1\r\n"),

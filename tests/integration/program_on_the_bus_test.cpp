@@ -2,6 +2,7 @@
 // from a widget.
 #include <chrono>
 #include <csignal>
+#include <thread>
 
 #include "extension_program.h"
 #include "feedback/amount_formatter.h"
@@ -105,6 +106,20 @@ TEST_F(ARunOnTheBus, WhoseBusIsFrozenWaitsASecondAtMost) {
   EXPECT_THAT(result.output, testing::StartsWith("Tracked "));
   EXPECT_EQ(result.errors, "");
   EXPECT_LT(duration, 4s);  // one second, and what a slow machine needs
+}
+
+TEST_F(ARunOnTheBus, WhoseBusThawsWithinTheSecondShowsItAndReloadsTheWidget) {
+  backend.answers(200, testkit::savedAnswer("expense"));
+  linux_platform::WidgetReloadListener widget;
+  bus.daemon().signal(SIGSTOP);
+  std::thread thawing([this] {
+    std::this_thread::sleep_for(300ms);
+    bus.daemon().signal(SIGCONT);
+  });
+  EXPECT_THAT(processSMS("Paid 150").output, testing::StartsWith("Tracked "));
+  thawing.join();
+  EXPECT_TRUE(widget.waitForReload(5s));
+  EXPECT_THAT(display.waitForShown(1, 10s), SizeIs(1));
 }
 
 }  // namespace

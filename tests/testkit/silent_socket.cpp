@@ -9,18 +9,35 @@
 
 namespace kivo::testkit {
 
-SilentSocket::SilentSocket(const std::filesystem::path& path)
-    : path_(path), descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+namespace {
+
+sockaddr_un addressOf(const std::filesystem::path& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   const std::string name = path.string();
   if (name.size() >= sizeof address.sun_path) throw std::runtime_error("the path is too long");
   std::memcpy(address.sun_path, name.data(), name.size());
+  return address;
+}
+
+}  // namespace
+
+SilentSocket::SilentSocket(const std::filesystem::path& path)
+    : path_(path), descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  const sockaddr_un address = addressOf(path);
   const auto* const general = reinterpret_cast<const sockaddr*>(&address);
   // Those who connect wait in the queue for ever: nobody accepts them.
   if (bind(descriptor_, general, sizeof address) != 0 || listen(descriptor_, 16) != 0) {
-    throw std::runtime_error("cannot listen at " + name);
+    throw std::runtime_error("cannot listen at " + path.string());
   }
+}
+
+void SilentSocket::takeNobodyIn() {
+  const sockaddr_un address = addressOf(path_);
+  const auto* const general = reinterpret_cast<const sockaddr*>(&address);
+  do {
+    queue_.emplace_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+  } while (connect(queue_.back().number(), general, sizeof address) == 0);
 }
 
 SilentSocket::~SilentSocket() { close(descriptor_); }

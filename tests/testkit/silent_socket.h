@@ -2,7 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <list>
 #include <string>
+
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo::testkit {
 
@@ -14,12 +17,16 @@ class SilentSocket {
   SilentSocket(const SilentSocket&) = delete;
   SilentSocket& operator=(const SilentSocket&) = delete;
 
+  /// From now on whoever connects has to wait for it.
+  void takeNobodyIn();
+
   /// For DBUS_SESSION_BUS_ADDRESS.
   [[nodiscard]] std::string busAddress() const { return "unix:path=" + path_.string(); }
 
  private:
   std::filesystem::path path_;
   int descriptor_;
+  std::list<linux_platform::Descriptor> queue_;
 };
 
 }  // namespace kivo::testkit

@@ -19,11 +19,22 @@ class InstalledPlatform {
   /// Begins to connect to the session bus and returns at once.
   explicit InstalledPlatform(std::string_view bundleIdentifier);
 
+  /// Begins nothing: `serveBus` connects to the session bus.
+  InstalledPlatform(std::string_view bundleIdentifier, SessionBus::Lent);
+
   /// Performs `intent` as a run of its own, and leaves in `dialog` what it answers. Both outlive
   /// the task.
   platform::Task<void> perform(platform::AppIntent& intent, platform::IntentDialog& dialog);
 
+  /// As `perform`, for the only run: its end ends `serveBus`.
+  platform::Task<void> performOnly(platform::AppIntent& intent, platform::IntentDialog& dialog);
+  /// Speaks on the session bus for the run of `performOnly` until that has ended, and sends what
+  /// has still to be sent. As `SessionBus::serve`.
+  void serveBus() { bus_.serve(); }
+
  private:
+  void install();
+
   SessionBus bus_;
   HTTPURLSession session_;
   BusUserNotificationCenter notificationCenter_;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/foundation/json_encoder.h"
+#include "platform/foundation/number_formatter.h"
 #include "platform/foundation/standard_output.h"
 #include "platform/linux/app_intents/catalog.h"
 #include "platform/linux/app_intents/installed_platform.h"
@@ -32,11 +33,21 @@ constexpr const char* jsonFlag = "--json";
 // One run needs one worker: its steps come one after the other, and none blocks for long.
 constexpr unsigned workers = 1;
 
+// The first amount of a process has the locale's tables read, which takes ten times as long as
+// writing it. Any will do.
+void readTablesForAmounts() {
+  static_cast<void>(platform::NumberFormatter{.currencyCode = ""}.string(0));
+}
+
+// This thread has nothing else to do than what the run needs besides its own steps.
 IntentDialog perform(AppIntent& intent, std::string_view bundleIdentifier) {
-  InstalledPlatform installed(bundleIdentifier);
+  InstalledPlatform installed(bundleIdentifier, SessionBus::Lent());
   TaskExecutor executor(workers);
   IntentDialog dialog;
-  executor.startUntilTermination(installed.perform(intent, dialog)).wait();
+  RunningTask running = executor.startUntilTermination(installed.performOnly(intent, dialog));
+  readTablesForAmounts();
+  installed.serveBus();
+  running.wait();
   return dialog;
 }
 

@@ -1,5 +1,6 @@
-// A bus connection with the one thread that makes, serves and ends it. Knows no service; included
-// by the .cpp files that speak on the bus, nowhere else.
+// A bus connection with the one thread that makes, serves and ends it: one of its own, or one that
+// has nothing else to do. Knows no service; included by the .cpp files that speak on the bus,
+// nowhere else.
 #pragma once
 
 #include <chrono>
@@ -23,6 +24,15 @@ class BusThread {
   explicit BusThread(std::function<void()> onGone = nullptr);
   /// As `finish` without waiting for steps.
   ~BusThread();
+
+  /// Starts none: the connection is made and served by the thread that calls `serve`.
+  struct Lent {};
+  explicit BusThread(Lent);
+  /// Connects, and serves the connection until `finish` has been called and what was sent has gone
+  /// out, but no longer than that was given. Once, on a thread that gets SIGALRM, which does not
+  /// end the process from then on.
+  void serve();
+
   BusThread(const BusThread&) = delete;
   BusThread& operator=(const BusThread&) = delete;
 
@@ -32,12 +42,14 @@ class BusThread {
 
   /// Ends the connection after the steps posted so far. Waits for it at most `limit`, and not at
   /// all when it is still being made and no step was posted; a thread that still connects by then
-  /// is left to itself, and its steps are called with null. Further steps are called with null.
+  /// is left to itself, and its steps are called with null. Further steps are called with null. A
+  /// lent thread is not waited for.
   void finish(std::chrono::nanoseconds limit);
 
  private:
   struct State;
-  static void serve(const std::shared_ptr<State>& state);
+  static void serve(State& state, const BusConnection& bus);
+  static void serveConnection(State& state, DBusConnection* bus);
 
   std::shared_ptr<State> state_;
 };

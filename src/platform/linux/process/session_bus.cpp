@@ -38,7 +38,14 @@ SessionBus::SessionBus(std::chrono::nanoseconds patience)
       runs_(std::make_unique<Runs>(patience)),
       thread_(std::make_unique<BusThread>()) {}
 
+SessionBus::SessionBus(Lent)
+    : patience_(usualPatience),
+      runs_(std::make_unique<Runs>(patience_)),
+      thread_(std::make_unique<BusThread>(BusThread::Lent())) {}
+
 SessionBus::~SessionBus() { finish(); }
+
+void SessionBus::serve() { thread_->serve(); }
 
 void SessionBus::finish() { thread_->finish(std::chrono::nanoseconds(runs_->leftByTheLast)); }
 

@@ -27,11 +27,21 @@ class WaitingBudget {
 /// The connection of this process. Usable from any thread; outlives every task that uses it.
 class SessionBus {
  public:
+  static constexpr std::chrono::nanoseconds usualPatience = std::chrono::seconds(1);
+
   /// Begins to connect, on a thread of its own, and returns at once. Without a bus everything asked
   /// of it goes unanswered. A run waits `patience` at most for all of the bus together.
-  explicit SessionBus(std::chrono::nanoseconds patience = std::chrono::seconds(1));
+  explicit SessionBus(std::chrono::nanoseconds patience = usualPatience);
+  /// Begins nothing: the connection is made and served by the thread that calls `serve`.
+  struct Lent {};
+  explicit SessionBus(Lent);
   /// As `finish`.
   ~SessionBus();
+
+  /// Connects and serves the connection until `finish` has been called, which waits for nothing
+  /// then, and until what has still to be sent has gone out. Once, on a thread that gets SIGALRM,
+  /// which does not end the process from then on.
+  void serve();
 
   /// Sends what has still to be sent, waiting for that within the patience that the run that ended
   /// last has left, and ends the connection. A connection that is still being made holds nobody up.
