@@ -91,6 +91,20 @@ TEST_F(ARunWithFailingCalls, ThatWouldBeSavedHasItsTextAtTheBackendOrInTheQueue)
   printCounts("saved and draining");
 }
 
+TEST_F(ARunWithFailingCalls, ThatGetsNoThreadSaysSoAndTouchesNothing) {
+  prepare(Backend::saves);
+  const auto before = contents();
+  const ProgramResult result = processSMSWith(
+      {.call = "clone3", .effect = "error=EAGAIN", .repeat = Fault::Repeat::fromThenOn}, "Paid 1");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors,
+            "kivo-intents: the intent cannot be performed: thread: Resource temporarily "
+            "unavailable [system:11]\n");
+  EXPECT_EQ(contents().queue.size(), before.queue.size());
+  EXPECT_EQ(contents().totals, before.totals);
+}
+
 TEST_F(ARunWithFailingCalls, ThatMayOpenFewFilesKeepsItsText) {
   prepare(Backend::fails);
   for (int limit = 3; limit <= 40; ++limit) {

@@ -1,6 +1,7 @@
 #include "platform/linux/app_intents/ns_extension_main.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <string>
 #include <utility>
@@ -76,8 +77,13 @@ int fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
     complain(programName, *complaint);
     return exitBadUsage;
   }
-  print(perform(intent, extension.bundleIdentifier), given.contains(jsonFlag));
-  return 0;
+  try {
+    print(perform(intent, extension.bundleIdentifier), given.contains(jsonFlag));
+    return 0;
+  } catch (const std::exception& error) {  // no thread or no memory is left for a run
+    complain(programName, std::string("the intent cannot be performed: ") + error.what());
+    return 1;
+  }
 }
 
 int say(const AppIntentsExtension& extension, const GivenParameters& given) {
