@@ -1,5 +1,6 @@
 #include "platform/linux/foundation/suite_database.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -65,9 +66,33 @@ void configureOnce() {
       sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
 }
 
-// The usual access to files but for one thing: a log that is there and holds something is opened
-// without the permission to make it. SQLite takes one opened with it for new, and syncs its folder
-// with its first write, one sync for each run.
+// The access to a log once it is open: the usual one, but for two syncs too many. One is that of a
+// log which holds its own heading alone: nothing rests on that before the first commit, which is
+// synced. The other is that of the folder, see below: a log that was emptied keeps a byte, which
+// SQLite takes for nothing, and from which a later run knows that the folder has it.
+struct LogMethods : sqlite3_io_methods {
+  static constexpr sqlite3_int64 headingSize = 32;
+
+  explicit LogMethods(const sqlite3_io_methods& usual) : sqlite3_io_methods(usual) {
+    usualSync = usual.xSync;
+    usualTruncate = usual.xTruncate;
+    xSync = [](sqlite3_file* log, int flags) {
+      sqlite3_int64 size = 0;
+      const int code = log->pMethods->xFileSize(log, &size);
+      return code == SQLITE_OK && size <= headingSize ? SQLITE_OK : usualSync(log, flags);
+    };
+    xTruncate = [](sqlite3_file* log, sqlite3_int64 size) {
+      return usualTruncate(log, std::max<sqlite3_int64>(size, 1));
+    };
+  }
+
+  inline static int (*usualSync)(sqlite3_file*, int) = nullptr;
+  inline static int (*usualTruncate)(sqlite3_file*, sqlite3_int64) = nullptr;
+};
+
+// The usual access to files but for logs. One that is there and holds something is opened without
+// the permission to make it: SQLite takes one opened with it for new, and syncs its folder with its
+// first write, one sync for each run.
 sqlite3_vfs* logKeepingAccess() {
   configureOnce();
   static sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
@@ -75,11 +100,15 @@ sqlite3_vfs* logKeepingAccess() {
     sqlite3_vfs copy = *usual;
     copy.zName = "kivo";
     copy.xOpen = [](sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* got) {
+      if ((flags & SQLITE_OPEN_WAL) == 0) return usual->xOpen(usual, name, file, flags, got);
       struct stat found {};
-      const bool isLog = (flags & SQLITE_OPEN_WAL) != 0;
-      const bool holdsFrames = isLog && stat(name, &found) == 0 && found.st_size > 0;
-      return usual->xOpen(usual, name, file, holdsFrames ? flags & ~SQLITE_OPEN_CREATE : flags,
-                          got);
+      const bool holdsSomething = stat(name, &found) == 0 && found.st_size > 0;
+      const int opening = holdsSomething ? flags & ~SQLITE_OPEN_CREATE : flags;
+      const int code = usual->xOpen(usual, name, file, opening, got);
+      if (code != SQLITE_OK) return code;
+      static const LogMethods methods(*file->pMethods);
+      file->pMethods = &methods;
+      return SQLITE_OK;
     };
     return copy;
   }();
