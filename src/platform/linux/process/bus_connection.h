@@ -21,7 +21,8 @@ using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
 BusConnection connectToSessionBus();
 
 /// As `connectToSessionBus`, but returns while the bus has still to let us in: what is sent goes
-/// out once it has, when a loop serves the connection. That a bus takes nobody in is waited for.
+/// out once it has, when a loop serves the connection. Blocks only while the queue of a socket is
+/// full, until it is not or a signal comes.
 BusConnection openSessionBus();
 
 /// Whether something waits to be sent, which it does not without end on a bus that has gone.
