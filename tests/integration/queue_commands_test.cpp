@@ -216,7 +216,8 @@ TEST_F(AQueueOfTexts, LosesNoneWhenTheStoreCannotBeWritten) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, "");
   EXPECT_THAT(result.errors, StartsWith("the shared store could not be written: "));
-  EXPECT_THAT(result.errors, EndsWith("\nkivo-phone: nothing was dropped\n"));
+  // Built to count coverage, the program says after it that it cannot write the counts.
+  EXPECT_THAT(result.errors, HasSubstr("\nkivo-phone: nothing was dropped\n"));
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
