@@ -12,8 +12,8 @@
 
 namespace kivo::linux_platform {
 
-/// Connecting begins with the object and is waited for by nobody: a socket that says nothing would
-/// hold its caller for 25 s.
+/// Nobody but the thread waits for connecting: a socket that says nothing would hold its caller for
+/// 25 s.
 class BusThread {
  public:
   /// Is handed the connection, or null when there is no bus (any more). Must not throw.
@@ -25,12 +25,13 @@ class BusThread {
   /// As `finish` without waiting for steps.
   ~BusThread();
 
-  /// Starts none: the connection is made and served by the thread that calls `serve`.
+  /// Starts none: the connection is made and served by the thread that calls `serve`. Steps are
+  /// handed it while the bus has still to let us in; what they send goes out once it has.
   struct Lent {};
   explicit BusThread(Lent);
   /// Connects, and serves the connection until `finish` has been called and what was sent has gone
-  /// out, but no longer than that was given. Once, on a thread that gets SIGALRM, which does not
-  /// end the process from then on.
+  /// out, but no longer than `finish` was given. Once, on a thread that gets SIGALRM; takes over the
+  /// process's real-time timer for it, and SIGALRM does not end the process from then on.
   void serve();
 
   BusThread(const BusThread&) = delete;
