@@ -30,8 +30,8 @@ class BusThread {
   struct Lent {};
   explicit BusThread(Lent);
   /// Connects, and serves the connection until `finish` has been called and what was sent has gone
-  /// out, but no longer than `finish` was given. Once, on a thread that gets SIGALRM; takes over the
-  /// process's real-time timer for it, and SIGALRM does not end the process from then on.
+  /// out, but no longer than `finish` was given. Once, on a thread that gets SIGALRM; takes over
+  /// the process's real-time timer for it, and SIGALRM does not end the process from then on.
   void serve();
 
   BusThread(const BusThread&) = delete;
