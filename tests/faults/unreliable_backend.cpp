@@ -1,6 +1,7 @@
 #include "unreliable_backend.h"
 
 #include <array>
+#include <cerrno>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -15,6 +16,16 @@ namespace {
 constexpr std::array faults{Fault::refused, Fault::resetAfterCommit, Fault::status500,
                             Fault::garbage, Fault::closedWithoutAnswer};
 
+// As recv. A child that ends while another is started may interrupt it: a socket with a limit of
+// time does not go on by itself then.
+ssize_t receive(int socket, std::array<char, 16384>& into) {
+  ssize_t count = -1;
+  do {
+    count = recv(socket, into.data(), into.size(), 0);
+  } while (count < 0 && errno == EINTR);
+  return count;
+}
+
 // The body of the one request that comes; what there is of it when the peer ends first.
 std::string readBody(int socket) {
   const std::string field = "Content-Length: ";
@@ -23,7 +34,7 @@ std::string readBody(int socket) {
   std::size_t body = std::string::npos;
   std::size_t length = 0;
   while (body == std::string::npos || bytes.size() < body + length) {
-    const ssize_t count = recv(socket, more.data(), more.size(), 0);
+    const ssize_t count = receive(socket, more);
     if (count <= 0) break;
     bytes.append(more.data(), static_cast<std::size_t>(count));
     const auto blank = bytes.find("\r\n\r\n");
@@ -38,8 +49,8 @@ void closeAfter(int socket, const std::string& answer) {
   send(socket, answer.data(), answer.size(), MSG_NOSIGNAL);
   // Closing with something unread would reset the connection, and take the answer along.
   shutdown(socket, SHUT_WR);
-  std::array<char, 4096> rest{};
-  while (recv(socket, rest.data(), rest.size(), 0) > 0) continue;
+  std::array<char, 16384> rest{};
+  while (receive(socket, rest) > 0) continue;
   close(socket);
 }
 
