@@ -4,10 +4,13 @@
 // the notification center and with the stores on disk.
 //   kivo_whole_run [RUNS]     runs each of them so often (200)
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -24,11 +27,14 @@ using Figure = double Measured::*;
 // The measured runs of each contender, in the order of the contenders.
 using Measurements = std::vector<std::vector<Measured>>;
 
-// One run of each; who is the first changes from round to round.
+// One run of each, in an order of its own: what ran before leaves the processor's caches as it
+// likes, and nobody is to come after the same one each time.
 void round(Field& field, int number, Measurements& measured) {
   const auto& contenders = field.contenders();
-  for (std::size_t turn = 0; turn < contenders.size(); ++turn) {
-    const std::size_t place = (turn + static_cast<std::size_t>(number)) % contenders.size();
+  std::vector<std::size_t> places(contenders.size());
+  std::iota(places.begin(), places.end(), std::size_t{0});
+  std::shuffle(places.begin(), places.end(), std::mt19937(static_cast<unsigned>(number)));
+  for (const std::size_t place : places) {
     const Measured taken = run(contenders[place], number, field.folder());
     if (number >= warmUps) measured[place].push_back(taken);
   }
@@ -38,7 +44,8 @@ void round(Field& field, int number, Measurements& measured) {
 // The value below which `part` of the values are.
 double quantile(std::vector<double> values, double part) {
   std::sort(values.begin(), values.end());
-  return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
+  const double place = part * static_cast<double>(values.size() - 1);
+  return values[static_cast<std::size_t>(std::lround(place))];
 }
 
 std::vector<double> figures(const std::vector<Measured>& runs, Figure figure) {
