@@ -54,6 +54,9 @@ if(KIVO_COVERAGE)
   target_compile_options(kivo_sanitizers INTERFACE --coverage)
   target_link_options(kivo_sanitizers INTERFACE --coverage)
 endif()
+if(KIVO_SANITIZERS OR KIVO_COVERAGE)
+  target_compile_definitions(kivo_sanitizers INTERFACE KIVO_LOOKS_AT_THE_END)
+endif()
 
 # kivo_room(<target> <source>...): the library of one folder of src/. What it may link to is said
 # beside it, and is the same as what it may include.

@@ -1,6 +1,7 @@
 #include "platform/linux/app_intents/installed_platform.h"
 
 #include <string>
+#include <utility>
 
 namespace kivo::linux_platform {
 namespace {
@@ -12,17 +13,11 @@ platform::Task<void> performInto(platform::AppIntent& intent, platform::IntentDi
 
 }  // namespace
 
-InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier)
-    : notificationCenter_(bus_, std::string(bundleIdentifier)), widgetCenter_(bus_) {
-  install();
-}
-
-InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier, SessionBus::Lent lent)
-    : bus_(lent), notificationCenter_(bus_, std::string(bundleIdentifier)), widgetCenter_(bus_) {
-  install();
-}
-
-void InstalledPlatform::install() {
+InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier,
+                                     std::function<void()> beforehand)
+    : bus_(SessionBus::usualPatience, std::move(beforehand)),
+      notificationCenter_(bus_, std::string(bundleIdentifier)),
+      widgetCenter_(bus_) {
   platform::ProcessWide<platform::URLSession>::install(session_);
   platform::ProcessWide<platform::UNUserNotificationCenter>::install(notificationCenter_);
   platform::ProcessWide<platform::WidgetCenter>::install(widgetCenter_);
@@ -31,16 +26,6 @@ void InstalledPlatform::install() {
 platform::Task<void> InstalledPlatform::perform(platform::AppIntent& intent,
                                                 platform::IntentDialog& dialog) {
   return bus_.asOneRun(performInto(intent, dialog));
-}
-
-platform::Task<void> InstalledPlatform::performOnly(platform::AppIntent& intent,
-                                                    platform::IntentDialog& dialog) {
-  struct End {
-    SessionBus& bus;
-    ~End() { bus.finish(); }
-  };
-  const End end{bus_};
-  co_await perform(intent, dialog);
 }
 
 }  // namespace kivo::linux_platform

@@ -2,6 +2,7 @@
 // none.
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "platform/app_intents/app_intent.h"
@@ -16,25 +17,19 @@ namespace kivo::linux_platform {
 /// has still to be sent on the bus.
 class InstalledPlatform {
  public:
-  /// Begins to connect to the session bus and returns at once.
-  explicit InstalledPlatform(std::string_view bundleIdentifier);
-
-  /// Begins nothing: `serveBus` connects to the session bus.
-  InstalledPlatform(std::string_view bundleIdentifier, SessionBus::Lent);
+  /// Begins to connect to the session bus, on a thread that calls `beforehand` first, if any, and
+  /// returns at once.
+  explicit InstalledPlatform(std::string_view bundleIdentifier,
+                             std::function<void()> beforehand = nullptr);
 
   /// Performs `intent` as a run of its own, and leaves in `dialog` what it answers. Both outlive
   /// the task.
   platform::Task<void> perform(platform::AppIntent& intent, platform::IntentDialog& dialog);
 
-  /// As `perform`, for the only run: its end ends `serveBus`.
-  platform::Task<void> performOnly(platform::AppIntent& intent, platform::IntentDialog& dialog);
-  /// Speaks on the session bus for the run of `performOnly` until that has ended, and sends what
-  /// has still to be sent. As `SessionBus::serve`.
-  void serveBus() { bus_.serve(); }
+  /// Waits until what has still to be sent on the bus has gone out, as `SessionBus::flush`.
+  void flush() { bus_.flush(); }
 
  private:
-  void install();
-
   SessionBus bus_;
   HTTPURLSession session_;
   BusUserNotificationCenter notificationCenter_;

@@ -1,7 +1,6 @@
 #include "platform/linux/app_intents/ns_extension_main.h"
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,6 +16,7 @@
 #include "platform/linux/app_intents/spoken_phrases.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/process/command_line.h"
+#include "platform/linux/process/process_end.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/process/terminal_text.h"
 
@@ -31,25 +31,10 @@ using Kind = CommandParameter::Kind;
 constexpr const char* programName = "kivo-intents";
 constexpr const char* jsonFlag = "--json";
 
-// One run needs one worker: its steps come one after the other, and none blocks for long.
-constexpr unsigned workers = 1;
-
 // The first amount of a process has the locale's tables read, which takes ten times as long as
 // writing it. Any will do.
 void readTablesForAmounts() {
   static_cast<void>(platform::NumberFormatter{.currencyCode = ""}.string(0));
-}
-
-// This thread has nothing else to do than what the run needs besides its own steps.
-IntentDialog perform(AppIntent& intent, std::string_view bundleIdentifier) {
-  InstalledPlatform installed(bundleIdentifier, SessionBus::Lent());
-  TaskExecutor executor(workers);
-  IntentDialog dialog;
-  RunningTask running = executor.startUntilTermination(installed.performOnly(intent, dialog));
-  readTablesForAmounts();
-  installed.serveBus();
-  running.wait();
-  return dialog;
 }
 
 void print(const IntentDialog& dialog, bool asJSON) {
@@ -60,6 +45,15 @@ void print(const IntentDialog& dialog, bool asJSON) {
   } else {
     platform::printLine(forStandardOutput(dialog.text));
   }
+}
+
+// The process ends within its task, for as long as terminations cancel that and nothing else.
+platform::Task<void> performAndEnd(InstalledPlatform* installed, AppIntent* intent, bool asJSON) {
+  IntentDialog dialog;
+  co_await installed->perform(*intent, dialog);
+  print(dialog, asJSON);
+  installed->flush();
+  endProcess(0);
 }
 
 // The texts for parameters among what was given: the options but for our own.
@@ -77,13 +71,10 @@ int fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
     complain(programName, *complaint);
     return exitBadUsage;
   }
-  try {
-    print(perform(intent, extension.bundleIdentifier), given.contains(jsonFlag));
-    return 0;
-  } catch (const std::exception& error) {  // no thread or no memory is left for a run
-    complain(programName, std::string("the intent cannot be performed: ") + error.what());
-    return 1;
-  }
+  // The thread for the bus has time to spare until the run speaks on it.
+  InstalledPlatform installed(extension.bundleIdentifier, readTablesForAmounts);
+  TaskExecutor::performHere(performAndEnd(&installed, &intent, given.contains(jsonFlag)));
+  return 0;
 }
 
 int say(const AppIntentsExtension& extension, const GivenParameters& given) {

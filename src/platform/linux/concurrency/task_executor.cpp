@@ -27,6 +27,15 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
   co_await std::move(task);
 }
 
+platform::Task<void> thenStop(platform::Task<void> task, asio::thread_pool* threads) {
+  struct Stop {
+    asio::thread_pool* threads;
+    ~Stop() { threads->stop(); }
+  };
+  const Stop stop{threads};
+  co_await std::move(task);
+}
+
 }  // namespace
 
 struct TaskExecutor::Pool {
@@ -92,22 +101,18 @@ RunningTask TaskExecutor::start(platform::Task<void> task) {
   return RunningTask(std::move(state));
 }
 
-RunningTask TaskExecutor::startUntilTermination(platform::Task<void> task) {
-  // A task that cannot be cancelled still does its work.
-  if (!pool_->catchTerminations()) return start(std::move(task));
-  // The workers take them. A signal that comes after the last of these has gone stays pending.
-  sigset_t taken;
-  sigemptyset(&taken);
-  sigaddset(&taken, SIGTERM);
-  sigaddset(&taken, SIGINT);
-  pthread_sigmask(SIG_BLOCK, &taken, nullptr);
-  RunningTask running = start(std::move(task));
-  pool_->waitForTermination([running]() mutable { running.cancel(); });
-  return running;
-}
-
 void TaskExecutor::onTermination(std::function<void()> action) {
   if (pool_->catchTerminations()) pool_->waitForTermination(std::move(action));
+}
+
+void TaskExecutor::performHere(platform::Task<void> task) {
+  TaskExecutor here(0);
+  asio::thread_pool& thread = here.pool_->threads;
+  const bool cancellable = here.pool_->catchTerminations();
+  RunningTask running = here.start(thenStop(std::move(task), &thread));
+  if (cancellable) here.pool_->waitForTermination([running]() mutable { running.cancel(); });
+  thread.attach();
+  running.wait();
 }
 
 }  // namespace kivo::linux_platform

@@ -42,17 +42,15 @@ class TaskExecutor {
   /// Begins `task` on a worker and returns at once.
   RunningTask start(platform::Task<void> task);
 
-  /// As `start`; from before it begins, SIGTERM and SIGINT cancel `task` instead of ending the
-  /// process, and do nothing once it has ended, so that the process can still tell how. Where no
-  /// descriptor is left to wait for them with, they end it. For one task of an executor, from the
-  /// thread that owns the executor; other threads than it and the workers must have both signals
-  /// blocked.
-  RunningTask startUntilTermination(platform::Task<void> task);
-
   /// From now on the first SIGTERM or SIGINT has `action` called on a worker, and none ends the
   /// process while the executor lives; they do where no descriptor is left to wait for them with.
-  /// Once, and instead of `startUntilTermination`.
+  /// Once.
   void onTermination(std::function<void()> action);
+
+  /// Performs `task` on the calling thread, without workers, and returns when it has ended; throws
+  /// what it threw. From before it begins until it has ended, SIGTERM and SIGINT cancel `task`
+  /// instead of ending the process; where no descriptor is left to wait for them with, they end it.
+  static void performHere(platform::Task<void> task);
 
  private:
   struct Pool;

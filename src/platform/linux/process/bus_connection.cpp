@@ -5,14 +5,11 @@
 #include <map>
 #include <new>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 
 #include <dbus/dbus.h>
 #include <poll.h>
-
-#include "platform/linux/process/bus_message.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -37,16 +34,17 @@ std::optional<std::string> sessionBusAddress() {
 // The moments by which calls must have been answered, as the bus library hands them out.
 class Deadlines {
  public:
-  explicit Deadlines(DBusConnection* bus) : bus_(bus) {
-    if (!dbus_connection_set_timeout_functions(bus, begin, end, beginAnew, &due_, nullptr)) {
-      throw std::bad_alloc();
-    }
-  }
-  ~Deadlines() {
-    dbus_connection_set_timeout_functions(bus_, nullptr, nullptr, nullptr, nullptr, nullptr);
-  }
+  Deadlines() = default;
   Deadlines(const Deadlines&) = delete;
   Deadlines& operator=(const Deadlines&) = delete;
+
+  // Whether the library keeps them here from now on.
+  bool keepFor(DBusConnection* bus) {
+    return dbus_connection_set_timeout_functions(bus, begin, end, beginAnew, &due_, nullptr) != 0;
+  }
+  static void forget(DBusConnection* bus) {
+    dbus_connection_set_timeout_functions(bus, nullptr, nullptr, nullptr, nullptr, nullptr);
+  }
 
   // Whether one had passed.
   bool handlePassed() {
@@ -86,51 +84,17 @@ class Deadlines {
   static void beginAnew(DBusTimeout* timeout, void* due) { begin(timeout, due); }
   static void end(DBusTimeout* timeout, void* due) { static_cast<Due*>(due)->erase(timeout); }
 
-  DBusConnection* bus_;
   Due due_;
-};
-
-// What the bus library waits for at its socket: also to write, while the bus lets us in.
-class Watches {
- public:
-  explicit Watches(DBusConnection* bus) : bus_(bus) {
-    if (!dbus_connection_set_watch_functions(bus, begin, end, nullptr, &all_, nullptr)) {
-      throw std::bad_alloc();
-    }
-  }
-  ~Watches() {
-    dbus_connection_set_watch_functions(bus_, nullptr, nullptr, nullptr, nullptr, nullptr);
-  }
-  Watches(const Watches&) = delete;
-  Watches& operator=(const Watches&) = delete;
-
-  // For poll.
-  [[nodiscard]] short events() const {
-    unsigned wanted = 0;
-    for (DBusWatch* const watch : all_) {
-      if (dbus_watch_get_enabled(watch)) wanted |= dbus_watch_get_flags(watch);
-    }
-    return static_cast<short>((wanted & DBUS_WATCH_READABLE ? POLLIN : 0) |
-                              (wanted & DBUS_WATCH_WRITABLE ? POLLOUT : 0));
-  }
-
- private:
-  using All = std::set<DBusWatch*>;
-
-  // As the bus library calls who waits for it.
-  static dbus_bool_t begin(DBusWatch* watch, void* all) {
-    static_cast<All*>(all)->insert(watch);
-    return 1;
-  }
-  static void end(DBusWatch* watch, void* all) { static_cast<All*>(all)->erase(watch); }
-
-  DBusConnection* bus_;
-  All all_;
 };
 
 class EventsOfConnection : public BusEvents {
  public:
-  explicit EventsOfConnection(DBusConnection* bus) : bus_(bus), deadlines_(bus), watches_(bus) {}
+  explicit EventsOfConnection(DBusConnection* bus) : bus_(bus) {
+    if (!deadlines_.keepFor(bus)) throw std::bad_alloc();
+  }
+  ~EventsOfConnection() override { Deadlines::forget(bus_); }
+  EventsOfConnection(const EventsOfConnection&) = delete;
+  EventsOfConnection& operator=(const EventsOfConnection&) = delete;
 
   Handled handleOne() override {
     if (hasMessages()) {
@@ -153,7 +117,7 @@ class EventsOfConnection : public BusEvents {
     const bool standing = dbus_connection_get_unix_fd(bus_, &descriptor) != 0;
     return {
         .descriptor = descriptor,
-        .events = watches_.events(),
+        .events = static_cast<short>(hasUnsent(bus_) ? POLLIN | POLLOUT : POLLIN),
         .limitInMilliseconds = !standing || hasMessages() ? 0 : deadlines_.millisecondsToFirst()};
   }
 
@@ -164,17 +128,8 @@ class EventsOfConnection : public BusEvents {
 
   DBusConnection* bus_;
   Deadlines deadlines_;
-  Watches watches_;
   bool waited_ = false;
 };
-
-BusConnection connectedSocket() {
-  const auto address = sessionBusAddress();
-  if (!address) return nullptr;
-  BusConnection bus(dbus_connection_open_private(address->c_str(), nullptr));
-  if (bus) dbus_connection_set_exit_on_disconnect(bus.get(), 0);
-  return bus;
-}
 
 }  // namespace
 
@@ -186,25 +141,15 @@ void CloseBus::operator()(DBusConnection* bus) const {
 }
 
 BusConnection connectToSessionBus() {
-  BusConnection bus = connectedSocket();
-  return bus && dbus_bus_register(bus.get(), nullptr) ? std::move(bus) : nullptr;
-}
-
-BusConnection openSessionBus() {
-  BusConnection bus = connectedSocket();
+  const auto address = sessionBusAddress();
+  if (!address) return nullptr;
+  BusConnection bus(dbus_connection_open_private(address->c_str(), nullptr));
   if (!bus) return nullptr;
-  // Nobody waits for the answer: it is a name of ours, or the bus ends the connection.
-  const BusMessage hello(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
-                                                      DBUS_INTERFACE_DBUS, "Hello"));
-  const bool asked = hello && dbus_connection_send(bus.get(), hello.get(), nullptr);
-  return asked ? std::move(bus) : nullptr;
+  dbus_connection_set_exit_on_disconnect(bus.get(), 0);
+  return dbus_bus_register(bus.get(), nullptr) ? std::move(bus) : nullptr;
 }
 
-bool hasUnsent(DBusConnection* bus) {
-  return dbus_connection_get_is_connected(bus) && dbus_connection_has_messages_to_send(bus);
-}
-
-void dropUnsent(DBusConnection* bus) { dbus_connection_close(bus); }
+bool hasUnsent(DBusConnection* bus) { return dbus_connection_has_messages_to_send(bus) != 0; }
 
 std::unique_ptr<BusEvents> eventsOf(DBusConnection* bus) {
   return std::make_unique<EventsOfConnection>(bus);

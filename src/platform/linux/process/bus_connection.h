@@ -20,16 +20,8 @@ using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
 /// socket that says nothing holds it for 25 s. Never starts a bus.
 BusConnection connectToSessionBus();
 
-/// As `connectToSessionBus`, but returns while the bus has still to let us in: what is sent goes
-/// out once it has, when a loop serves the connection. Blocks only while the queue of a socket is
-/// full, until it is not or a signal comes.
-BusConnection openSessionBus();
-
-/// Whether something waits to be sent, which it does not without end on a bus that has gone.
+/// Whether something waits to be sent.
 bool hasUnsent(DBusConnection* bus);
-
-/// Closes `bus` at once, without what has still to be sent.
-void dropUnsent(DBusConnection* bus);
 
 /// What comes on `bus`, for a loop to serve; `bus` outlives it. One at a time for a connection.
 std::unique_ptr<BusEvents> eventsOf(DBusConnection* bus);

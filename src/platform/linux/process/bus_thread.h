@@ -1,6 +1,5 @@
-// A bus connection with the one thread that makes, serves and ends it: one of its own, or one that
-// has nothing else to do. Knows no service; included by the .cpp files that speak on the bus,
-// nowhere else.
+// A bus connection with the one thread that makes, serves and ends it. Knows no service; included
+// by the .cpp files that speak on the bus, nowhere else.
 #pragma once
 
 #include <chrono>
@@ -12,28 +11,20 @@
 
 namespace kivo::linux_platform {
 
-/// Nobody but the thread waits for connecting: a socket that says nothing would hold its caller for
-/// 25 s.
+/// Connecting begins with the object and is waited for by nobody: a socket that says nothing would
+/// hold its caller for 25 s.
 class BusThread {
  public:
   /// Is handed the connection, or null when there is no bus (any more). Must not throw.
   using Step = std::function<void(DBusConnection*)>;
 
-  /// Starts the thread, which connects to the session bus. `onGone`, if any, is called on it once
-  /// there is no bus, but not after `finish`.
-  explicit BusThread(std::function<void()> onGone = nullptr);
+  /// Starts the thread, which calls `beforehand`, if any, and connects to the session bus.
+  /// `onGone`, if any, is called on it once there is no bus, but not after `finish`. Where no
+  /// thread can be started there is no bus, and neither is called.
+  explicit BusThread(std::function<void()> onGone = nullptr,
+                     std::function<void()> beforehand = nullptr);
   /// As `finish` without waiting for steps.
   ~BusThread();
-
-  /// Starts none: the connection is made and served by the thread that calls `serve`. Steps are
-  /// handed it while the bus has still to let us in; what they send goes out once it has.
-  struct Lent {};
-  explicit BusThread(Lent);
-  /// Connects, and serves the connection until `finish` has been called and what was sent has gone
-  /// out, but no longer than `finish` was given. Once, on a thread that gets SIGALRM; takes over
-  /// the process's real-time timer for it, and SIGALRM does not end the process from then on.
-  void serve();
-
   BusThread(const BusThread&) = delete;
   BusThread& operator=(const BusThread&) = delete;
 
@@ -41,15 +32,18 @@ class BusThread {
   /// order of the calls, or with null, possibly at once on the calling thread. From any thread.
   void post(Step step);
 
+  /// Waits, `limit` at most, until what the steps posted so far had to send has gone out or never
+  /// will.
+  void flush(std::chrono::nanoseconds limit);
+
   /// Ends the connection after the steps posted so far. Waits for it at most `limit`, and not at
   /// all when it is still being made and no step was posted; a thread that still connects by then
-  /// is left to itself, and its steps are called with null. Further steps are called with null. A
-  /// lent thread is not waited for.
+  /// is left to itself, and its steps are called with null. Further steps are called with null.
   void finish(std::chrono::nanoseconds limit);
 
  private:
   struct State;
-  static void serve(State& state, const BusConnection& bus);
+  static void serve(State& state);
   static void serveConnection(State& state, DBusConnection* bus);
 
   std::shared_ptr<State> state_;

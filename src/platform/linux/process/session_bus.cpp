@@ -33,19 +33,14 @@ struct SessionBus::Runs {
   std::atomic<std::chrono::nanoseconds::rep> leftByTheLast;
 };
 
-SessionBus::SessionBus(std::chrono::nanoseconds patience)
+SessionBus::SessionBus(std::chrono::nanoseconds patience, std::function<void()> beforehand)
     : patience_(patience),
       runs_(std::make_unique<Runs>(patience)),
-      thread_(std::make_unique<BusThread>()) {}
-
-SessionBus::SessionBus(Lent)
-    : patience_(usualPatience),
-      runs_(std::make_unique<Runs>(patience_)),
-      thread_(std::make_unique<BusThread>(BusThread::Lent())) {}
+      thread_(std::make_unique<BusThread>(nullptr, std::move(beforehand))) {}
 
 SessionBus::~SessionBus() { finish(); }
 
-void SessionBus::serve() { thread_->serve(); }
+void SessionBus::flush() { thread_->flush(std::chrono::nanoseconds(runs_->leftByTheLast)); }
 
 void SessionBus::finish() { thread_->finish(std::chrono::nanoseconds(runs_->leftByTheLast)); }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 
 #include "platform/concurrency/task.h"
@@ -31,20 +32,17 @@ class SessionBus {
 
   /// Begins to connect, on a thread of its own, and returns at once. Without a bus everything asked
   /// of it goes unanswered. A run waits `patience` at most for all of the bus together.
-  explicit SessionBus(std::chrono::nanoseconds patience = usualPatience);
-  /// Begins nothing: the connection is made and served by the thread that calls `serve`.
-  struct Lent {};
-  explicit SessionBus(Lent);
+  /// `beforehand`, if any, is called on that thread first.
+  explicit SessionBus(std::chrono::nanoseconds patience = usualPatience,
+                      std::function<void()> beforehand = nullptr);
   /// As `finish`.
   ~SessionBus();
 
-  /// Connects and serves the connection until `finish` has been called, which waits for nothing
-  /// then, and until what has still to be sent has gone out. Once, on a thread that gets SIGALRM,
-  /// which does not end the process from then on.
-  void serve();
+  /// Waits until what has still to be sent has gone out, within the patience that the run that
+  /// ended last has left.
+  void flush();
 
-  /// Sends what has still to be sent, waiting for that within the patience that the run that ended
-  /// last has left, and ends the connection. A connection that is still being made holds nobody up.
+  /// As `flush`, and ends the connection. A connection that is still being made holds nobody up.
   void finish();
 
   /// Performs `run`, which keeps its executor throughout, as one run: all that it waits for on the
