@@ -27,15 +27,6 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
   co_await std::move(task);
 }
 
-platform::Task<void> thenStop(platform::Task<void> task, asio::thread_pool* threads) {
-  struct Stop {
-    asio::thread_pool* threads;
-    ~Stop() { threads->stop(); }
-  };
-  const Stop stop{threads};
-  co_await std::move(task);
-}
-
 }  // namespace
 
 struct TaskExecutor::Pool {
@@ -88,13 +79,18 @@ TaskExecutor::~TaskExecutor() {
 }
 
 RunningTask TaskExecutor::start(platform::Task<void> task) {
+  return start(std::move(task), [] {});
+}
+
+RunningTask TaskExecutor::start(platform::Task<void> task, std::function<void()> afterwards) {
   auto state = std::make_shared<RunningTask::State>(asio::make_strand(pool_->threads));
-  auto onEnd = [state](std::exception_ptr thrown) {
+  auto onEnd = [state, afterwards = std::move(afterwards)](std::exception_ptr thrown) {
     if (thrown) {
       state->promise.set_exception(thrown);
     } else {
       state->promise.set_value();
     }
+    afterwards();
   };
   asio::co_spawn(state->strand, uninterrupted(std::move(task)),
                  asio::bind_cancellation_slot(state->cancellation.slot(), std::move(onEnd)));
@@ -109,7 +105,7 @@ void TaskExecutor::performHere(platform::Task<void> task) {
   TaskExecutor here(0);
   asio::thread_pool& thread = here.pool_->threads;
   const bool cancellable = here.pool_->catchTerminations();
-  RunningTask running = here.start(thenStop(std::move(task), &thread));
+  RunningTask running = here.start(std::move(task), [&thread] { thread.stop(); });
   if (cancellable) here.pool_->waitForTermination([running]() mutable { running.cancel(); });
   thread.attach();
   running.wait();

@@ -1,4 +1,4 @@
-// Runs tasks on worker threads. Decides nothing about what they do.
+// Runs tasks, on worker threads or on the calling one. Decides nothing about what they do.
 #pragma once
 
 #include <chrono>
@@ -54,6 +54,8 @@ class TaskExecutor {
 
  private:
   struct Pool;
+  RunningTask start(platform::Task<void> task, std::function<void()> afterwards);
+
   std::unique_ptr<Pool> pool_;
 };
 
