@@ -1,4 +1,5 @@
 // kivo-demo: the extension's main job on an embedded backend, as a story or on a text given.
+#include <atomic>
 #include <csignal>
 #include <iostream>
 #include <iterator>
@@ -31,14 +32,16 @@ LANG decides how amounts are written; NO_COLOR turns colours off.
 Exit status: 0 when all went as told, 1 otherwise, 64 for bad usage.
 )";
 
-volatile std::sig_atomic_t interrupted = 0;
+// Set on whatever thread a signal comes to.
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
-bool goesOn() { return interrupted == 0; }
+bool goesOn() { return !interrupted; }
 
 // A demonstration that is interrupted still stops its bus and removes its folders.
 void heedInterruptions() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    std::signal(signal, [](int) { interrupted = 1; });
+    std::signal(signal, [](int) { interrupted = true; });
   }
 }
 
