@@ -1,7 +1,4 @@
 // The process entry of kivo-intents.
 #include "intents/expense_intents_extension.h"
-#include "platform/linux/app_intents/ns_extension_main.h"
 
-int main(int argc, char** argv) {
-  return kivo::linux_platform::NSExtensionMain(argc, argv, kivo::ExpenseIntentsExtension::make());
-}
+int main(int argc, char** argv) { return kivo::ExpenseIntentsExtension::main(argc, argv); }

@@ -33,8 +33,6 @@ EXCEPTIONS = {
     # One JSON decoder and encoder serve the records and the queue.
     ("src/platform/foundation/json_decoder.cpp", "<nlohmann/json.hpp>"),
     ("src/platform/foundation/json_encoder.cpp", "<nlohmann/json.hpp>"),
-    # The process entry is where the platform is chosen.
-    ("src/intents/extension_main.cpp", "platform/linux"),
 }
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+(<[^>]+>|"[^"]+")', re.MULTILINE)

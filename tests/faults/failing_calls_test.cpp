@@ -91,22 +91,38 @@ TEST_F(ARunWithFailingCalls, ThatWouldBeSavedHasItsTextAtTheBackendOrInTheQueue)
   printCounts("saved and draining");
 }
 
-const Fault noThread{
-    .call = "clone3", .effect = "error=EAGAIN", .repeat = Fault::Repeat::fromThenOn};
+// Each thread counts its own calls: the main thread starts the bus's thread, then the worker, which
+// starts the one that looks up a host name.
+Fault withoutThread(int number, Fault::Repeat repeat) {
+  return {.call = "clone3", .effect = "error=EAGAIN", .number = number, .repeat = repeat};
+}
 
-TEST_F(ARunWithFailingCalls, ThatGetsNoThreadForTheBusIsSavedAndTellsNobodyElse) {
+TEST_F(ARunWithFailingCalls, IsSavedWithoutNotificationsWhenTheBusGetsNoThread) {
   prepare(Backend::saves);
-  const ProgramResult result =
-      look([&](const std::string& text) { return processSMSWith(noThread, text); });
+  const ProgramResult result = look([&](const std::string& text) {
+    return processSMSWith(withoutThread(1, Fault::Repeat::once), text);
+  });
   EXPECT_THAT(result.output, testing::StartsWith("Tracked "));
   EXPECT_EQ(result.errors, "");
   EXPECT_EQ(saved, 1);
 }
 
-TEST_F(ARunWithFailingCalls, ThatGetsNoThreadToLookItsBackendUpWithKeepsItsText) {
+TEST_F(ARunWithFailingCalls, FailsInOneLineWhenNoWorkerCanBeStarted) {
+  prepare(Backend::saves);
+  const ProgramResult result =
+      processSMSWith(withoutThread(2, Fault::Repeat::fromThenOn), "Paid 1");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors,
+            "kivo-intents: the system has no thread left to run on; nothing was sent or stored\n");
+  EXPECT_EQ(contents().queue, earlier);
+  EXPECT_THAT(keysAtBackend("Paid 1"), testing::IsEmpty());
+}
+
+TEST_F(ARunWithFailingCalls, KeepsItsTextWhenTheHostLookupGetsNoThread) {
   prepare(Backend::saves);
   signIn("http://localhost" + backend.url().substr(backend.url().rfind(':')));
-  const ProgramResult result = processSMSWith(noThread, "Paid 1");
+  const ProgramResult result = processSMSWith(withoutThread(1, Fault::Repeat::once), "Paid 1");
   EXPECT_EQ(testkit::dialogOf(result), "Saved offline - will process when connected");
   EXPECT_EQ(contents().queue.back().smsText, "Paid 1");
 }

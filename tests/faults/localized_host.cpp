@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "intents/expense_intents_extension.h"
-#include "platform/linux/app_intents/ns_extension_main.h"
 
 int main(int argc, char** argv) {
   if (std::setlocale(LC_ALL, "") == nullptr) return 70;
@@ -14,5 +13,5 @@ int main(int argc, char** argv) {
   } catch (const std::runtime_error&) {
     return 70;
   }
-  return kivo::linux_platform::NSExtensionMain(argc, argv, kivo::ExpenseIntentsExtension::make());
+  return kivo::ExpenseIntentsExtension::main(argc, argv);
 }

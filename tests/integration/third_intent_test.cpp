@@ -26,6 +26,10 @@ TEST_F(AThirdIntent, IsPerformedFromTheCommandLine) {
                  "Cafe: 5.0, no remark");
 }
 
+TEST_F(AThirdIntent, IsPerformedOnAWorkerAndNeverOnTheMainThread) {
+  expectAnswered(run({"perform", "TellThreadIntent"}), "worker");
+}
+
 TEST_F(AThirdIntent, IsHelpedWith) {
   EXPECT_THAT(run({"perform", "--help"}).output, HasSubstr("Rate Merchant"));
   EXPECT_THAT(run({"perform", "RateMerchantIntent", "--help"}).output,

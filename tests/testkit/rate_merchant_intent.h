@@ -67,11 +67,13 @@ inline std::vector<platform::AppShortcut> shortcutsWithRating() {
 }
 
 /// The extension with a third intent.
-inline platform::AppIntentsExtension extensionWithRating() {
-  auto extension = ExpenseIntentsExtension::make();
-  extension.intents.emplace_back([] { return std::make_unique<RateMerchantIntent>(); });
-  extension.appShortcuts = &shortcutsWithRating;
-  return extension;
-}
+struct ExtensionWithRating : platform::AppExtension<ExtensionWithRating> {
+  static platform::AppIntentsExtension make() {
+    auto extension = ExpenseIntentsExtension::make();
+    extension.intents.emplace_back([] { return std::make_unique<RateMerchantIntent>(); });
+    extension.appShortcuts = &shortcutsWithRating;
+    return extension;
+  }
+};
 
 }  // namespace kivo::testkit

@@ -31,7 +31,7 @@ ProcessSMSIntent - Process Bank SMS
 }
 
 TEST(TheCatalog, ListsAFurtherIntentWhoseNamesAreLong) {
-  EXPECT_THAT(catalogText(testkit::extensionWithRating()), EndsWith(R"(
+  EXPECT_THAT(catalogText(testkit::ExtensionWithRating::make()), EndsWith(R"(
 
 RateMerchantIntent - Rate Merchant
   --merchant  string  Merchant  Who is rated
@@ -72,7 +72,7 @@ TEST(TheCatalogAsJSON, SaysWhatIsDeclaredAndWhatIsDefault) {
 }
 
 TEST(TheCatalogAsJSON, SaysAllThatAFurtherIntentDeclares) {
-  const std::string json = catalogJSON(testkit::extensionWithRating());
+  const std::string json = catalogJSON(testkit::ExtensionWithRating::make());
   EXPECT_THAT(json, HasSubstr(R"({"type":"RateMerchantIntent","title":"Rate Merchant",)"
                               R"("description":"Keeps an opinion","openAppWhenRun":false,)"
                               R"("supportedModes":"background",)"

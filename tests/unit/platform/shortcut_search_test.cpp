@@ -87,7 +87,7 @@ TEST_F(ASearch, ShowsTitlePhraseAndIconsAsDeclared) {
 }
 
 TEST_F(ASearch, OffersNoIntentThatIsNotToBeDiscovered) {
-  extension_ = testkit::extensionWithRating();
+  extension_ = testkit::ExtensionWithRating::make();
   ASSERT_THAT(found({"shop"}), IsEmpty());
   EXPECT_FALSE(shownShortcut(extension_, "RateMerchantIntent"));
 }

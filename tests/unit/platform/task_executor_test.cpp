@@ -48,30 +48,36 @@ Task<void> terminateOneself(int signal, bool* waitedInPeace, bool* ended) {
   *ended = true;
 }
 
-TEST(ATaskPerformedHere, StaysOnTheCallingThread) {
+class AnExecutor : public testing::Test {
+ protected:
+  TaskExecutor executor_{1};
+};
+
+TEST_F(AnExecutor, PerformsATaskOnAWorkerFromItsFirstStepToItsLast) {
   std::thread::id before;
   std::thread::id after;
-  TaskExecutor::performHere(noteThread(&before, &after));
-  EXPECT_EQ(before, std::this_thread::get_id());
-  EXPECT_EQ(after, std::this_thread::get_id());
+  executor_.perform(noteThread(&before, &after));
+  EXPECT_NE(before, std::thread::id());
+  EXPECT_NE(before, std::this_thread::get_id());
+  EXPECT_EQ(after, before);  // it has one worker
 }
 
-TEST(ATaskPerformedHere, MayEndWithoutWaitingForAnything) {
+TEST_F(AnExecutor, PerformsATaskThatNeverSuspends) {
   bool noted = false;
-  TaskExecutor::performHere(noteAtOnce(&noted));
+  executor_.perform(noteAtOnce(&noted));
   EXPECT_TRUE(noted);
 }
 
-TEST(ATaskPerformedHere, HasWhatItThrowsThrownToItsCaller) {
-  EXPECT_THROW(TaskExecutor::performHere(failAfter(std::chrono::milliseconds(1))),
-               std::runtime_error);
+TEST_F(AnExecutor, ThrowsWhatThePerformedTaskThrew) {
+  EXPECT_THROW(executor_.perform(failAfter(std::chrono::milliseconds(1))), std::runtime_error);
 }
 
-TEST(ATaskPerformedHere, IsCancelledByATerminationAndStillEnds) {
+TEST(ATermination, CancelsThePerformedTaskWhichStillEnds) {
   for (const int signal : {SIGTERM, SIGINT}) {
+    TaskExecutor executor(1);
     bool waitedInPeace = true;
     bool ended = false;
-    TaskExecutor::performHere(terminateOneself(signal, &waitedInPeace, &ended));
+    executor.perform(terminateOneself(signal, &waitedInPeace, &ended));
     EXPECT_FALSE(waitedInPeace);
     EXPECT_TRUE(ended);
   }

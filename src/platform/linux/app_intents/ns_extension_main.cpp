@@ -1,11 +1,13 @@
-#include "platform/linux/app_intents/ns_extension_main.h"
-
+// The extension runtime: from a command line to the command that it names.
 #include <algorithm>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/app_intents/app_extension.h"
 #include "platform/foundation/json_encoder.h"
 #include "platform/foundation/number_formatter.h"
 #include "platform/foundation/standard_output.h"
@@ -47,12 +49,22 @@ void print(const IntentDialog& dialog, bool asJSON) {
   }
 }
 
-// The process ends within its task, for as long as terminations cancel that and nothing else.
-platform::Task<void> performAndEnd(InstalledPlatform* installed, AppIntent* intent, bool asJSON) {
+// Performs the intent on a worker, and ends the process with its dialog while terminations still
+// cancel the run and nothing else: one that comes now must not take the dialog away.
+int performAndEnd(const AppIntentsExtension& extension, AppIntent& intent, bool asJSON) {
+  // The thread for the bus has time to spare until the run speaks on it.
+  InstalledPlatform installed(extension.bundleIdentifier, readTablesForAmounts);
+  std::optional<TaskExecutor> executor;
+  try {
+    executor.emplace(1);
+  } catch (const std::runtime_error&) {
+    complain(programName, "the system has no thread left to run on; nothing was sent or stored");
+    return 1;
+  }
   IntentDialog dialog;
-  co_await installed->perform(*intent, dialog);
+  executor->perform(installed.perform(intent, dialog));
   print(dialog, asJSON);
-  installed->flush();
+  installed.flush();
   endProcess(0);
 }
 
@@ -71,10 +83,7 @@ int fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
     complain(programName, *complaint);
     return exitBadUsage;
   }
-  // The thread for the bus has time to spare until the run speaks on it.
-  InstalledPlatform installed(extension.bundleIdentifier, readTablesForAmounts);
-  TaskExecutor::performHere(performAndEnd(&installed, &intent, given.contains(jsonFlag)));
-  return 0;
+  return performAndEnd(extension, intent, given.contains(jsonFlag));
 }
 
 int say(const AppIntentsExtension& extension, const GivenParameters& given) {
@@ -155,10 +164,7 @@ Command serveCommand(const AppIntentsExtension& extension) {
           }};
 }
 
-}  // namespace
-
-int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension) {
-  startProcess();
+CommandProgram programOf(const AppIntentsExtension& extension) {
   CommandProgram program{.name = programName,
                          .purpose = "Records money movements with Kivo without opening the app.",
                          .version = KIVO_VERSION,
@@ -172,7 +178,17 @@ int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension)
   program.commands.push_back(catalogCommand(extension));
   program.commands.push_back(sayCommand(extension));
   program.commands.push_back(serveCommand(extension));
-  return runCommand(program, argc, argv);
+  return program;
 }
 
+}  // namespace
 }  // namespace kivo::linux_platform
+
+namespace kivo::platform {
+
+int NSExtensionMain(int argc, char** argv, const AppIntentsExtension& extension) {
+  linux_platform::startProcess();
+  return linux_platform::runCommand(linux_platform::programOf(extension), argc, argv);
+}
+
+}  // namespace kivo::platform

@@ -79,18 +79,13 @@ TaskExecutor::~TaskExecutor() {
 }
 
 RunningTask TaskExecutor::start(platform::Task<void> task) {
-  return start(std::move(task), [] {});
-}
-
-RunningTask TaskExecutor::start(platform::Task<void> task, std::function<void()> afterwards) {
   auto state = std::make_shared<RunningTask::State>(asio::make_strand(pool_->threads));
-  auto onEnd = [state, afterwards = std::move(afterwards)](std::exception_ptr thrown) {
+  auto onEnd = [state](std::exception_ptr thrown) {
     if (thrown) {
       state->promise.set_exception(thrown);
     } else {
       state->promise.set_value();
     }
-    afterwards();
   };
   asio::co_spawn(state->strand, uninterrupted(std::move(task)),
                  asio::bind_cancellation_slot(state->cancellation.slot(), std::move(onEnd)));
@@ -101,13 +96,10 @@ void TaskExecutor::onTermination(std::function<void()> action) {
   if (pool_->catchTerminations()) pool_->waitForTermination(std::move(action));
 }
 
-void TaskExecutor::performHere(platform::Task<void> task) {
-  TaskExecutor here(0);
-  asio::thread_pool& thread = here.pool_->threads;
-  const bool cancellable = here.pool_->catchTerminations();
-  RunningTask running = here.start(std::move(task), [&thread] { thread.stop(); });
-  if (cancellable) here.pool_->waitForTermination([running]() mutable { running.cancel(); });
-  thread.attach();
+void TaskExecutor::perform(platform::Task<void> task) {
+  const bool cancellable = pool_->catchTerminations();
+  RunningTask running = start(std::move(task));
+  if (cancellable) pool_->waitForTermination([running]() mutable { running.cancel(); });
   running.wait();
 }
 

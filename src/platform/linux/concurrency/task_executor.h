@@ -1,4 +1,4 @@
-// Runs tasks, on worker threads or on the calling one. Decides nothing about what they do.
+// Runs tasks on worker threads. Decides nothing about what they do.
 #pragma once
 
 #include <chrono>
@@ -33,6 +33,7 @@ class RunningTask {
 /// A pool of worker threads. Steps of one task never run at the same time; different tasks do.
 class TaskExecutor {
  public:
+  /// Throws std::runtime_error when the threads cannot be started.
   explicit TaskExecutor(unsigned workers);
   /// Waits for all tasks that were started.
   ~TaskExecutor();
@@ -47,15 +48,14 @@ class TaskExecutor {
   /// Once.
   void onTermination(std::function<void()> action);
 
-  /// Performs `task` on the calling thread, without workers, and returns when it has ended; throws
-  /// what it threw. From before it begins until it has ended, SIGTERM and SIGINT cancel `task`
-  /// instead of ending the process; where no descriptor is left to wait for them with, they end it.
-  static void performHere(platform::Task<void> task);
+  /// Performs `task` on a worker and blocks the calling thread until it has ended; throws what it
+  /// threw. From before it begins until the executor ends, SIGTERM and SIGINT cancel `task` instead
+  /// of ending the process; they end it where no file descriptor is left to wait for them with.
+  /// Once, and not beside `onTermination`.
+  void perform(platform::Task<void> task);
 
  private:
   struct Pool;
-  RunningTask start(platform::Task<void> task, std::function<void()> afterwards);
-
   std::unique_ptr<Pool> pool_;
 };
 
