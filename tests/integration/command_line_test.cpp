@@ -14,21 +14,36 @@ using testing::SizeIs;
 
 using ACommandLine = testkit::ExtensionProgram;
 
-TEST_F(ACommandLine, WithoutACommandIsAUsageError) {
-  expectUsageError({}, "unknown command, or none named (see kivo-intents --help)");
+TEST_F(ACommandLine, PrintsTheHelpWhenNoCommandOrIntentIsNamed) {
+  expectHelpInsteadOfCommand({}, "catalog");
+  expectHelpInsteadOfCommand({"perform"}, "ProcessSMSIntent");
 }
 
-TEST_F(ACommandLine, WithAnUnknownCommandIsAUsageError) {
-  expectUsageError({"dance"}, "unknown command, or none named (see kivo-intents --help)");
+TEST_F(ACommandLine, WithAnUnknownCommandIsAUsageErrorThatSuggestsTheNearest) {
+  expectUsageError({"dance"}, "unknown command \"dance\" (see kivo-intents --help)");
+  expectUsageError(
+      {"preform", "ProcessSMSIntent", "--smsText", "x"},
+      "unknown command \"preform\"; did you mean \"perform\"? (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithoutAnIntentIsAUsageError) {
-  expectUsageError({"perform"}, "unknown command, or none named (see kivo-intents perform --help)");
-}
-
-TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageError) {
+TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageErrorThatSuggestsTheNearest) {
   expectUsageError({"perform", "DanceIntent", "--smsText", "x"},
-                   "unknown command, or none named (see kivo-intents perform --help)");
+                   "unknown command \"perform DanceIntent\" (see kivo-intents perform --help)");
+  expectUsageError({"perform", "ProcessSmsIntent", "--smsText", "x"},
+                   "unknown command \"perform ProcessSmsIntent\"; did you mean \"perform "
+                   "ProcessSMSIntent\"? (see kivo-intents perform --help)");
+}
+
+TEST_F(ACommandLine, TakesNothingAfterAnEqualsSignAsAnEmptyValue) {
+  signIn();
+  const ProgramResult sms = run({"perform", "ProcessSMSIntent", "--smsText=", "--json"});
+  EXPECT_EQ(sms.status, 0);
+  EXPECT_EQ(sms.output, "{\"dialog\":\"No SMS text provided\"}\n");
+  const ProgramResult payment =
+      run({"perform", "AddExpenseIntent", "--amount", "5", "--merchant=", "--json"});
+  EXPECT_EQ(payment.status, 0);
+  EXPECT_EQ(payment.output, "{\"dialog\":\"No expense to track\"}\n");
+  EXPECT_THAT(backend.requests(), IsEmpty());
 }
 
 TEST_F(ACommandLine, WithAnUnknownParameterIsAUsageError) {
@@ -43,12 +58,12 @@ TEST_F(ACommandLine, WithAnAbbreviatedParameterIsAUsageError) {
 
 TEST_F(ACommandLine, WithADoubledParameterIsAUsageError) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--smsText", "y"},
-                   "an option has no value or is given twice (see kivo-intents --help)");
+                   "--smsText has no value or is given twice (see kivo-intents --help)");
 }
 
 TEST_F(ACommandLine, WithAParameterWithoutAValueIsAUsageError) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText"},
-                   "an option has no value or is given twice (see kivo-intents --help)");
+                   "--smsText has no value or is given twice (see kivo-intents --help)");
 }
 
 TEST_F(ACommandLine, WithoutAParameterAndWithoutATerminalIsAUsageError) {

@@ -34,6 +34,15 @@ ProgramResult ExtensionProgram::onTerminal(const std::string& arguments,
                                      .input = typed});
 }
 
+void ExtensionProgram::expectHelpInsteadOfCommand(const std::vector<std::string>& arguments,
+                                                  const std::string& line) const {
+  SCOPED_TRACE(line);
+  const ProgramResult result = run(arguments);
+  EXPECT_EQ(result.status, linux_platform::exitBadUsage);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, ::testing::HasSubstr(line));
+}
+
 void ExtensionProgram::expectUsageError(const std::vector<std::string>& arguments,
                                         const std::string& error, const std::string& input) {
   SCOPED_TRACE(error);

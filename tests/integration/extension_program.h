@@ -63,6 +63,9 @@ class ExtensionProgram : public ::testing::Test {
   /// together, as a person sees them, with what was typed.
   [[nodiscard]] linux_platform::ProgramResult onTerminal(const std::string& arguments,
                                                          const std::string& typed) const;
+  /// Expects exit status 64, the help with `line` in it on standard error, and no output.
+  void expectHelpInsteadOfCommand(const std::vector<std::string>& arguments,
+                                  const std::string& line) const;
   /// Signs somebody in, and expects that the program, called so, complains of `error` in one line,
   /// answers and sends nothing and stores nothing.
   void expectUsageError(const std::vector<std::string>& arguments, const std::string& error,

@@ -75,6 +75,12 @@ TEST_F(APhone, StoresACurrencyThatIsGivenEmpty) {
   EXPECT_EQ(stored(StoreKeys::currency), "");
 }
 
+TEST_F(APhone, SignsInWithAnEmptyValueAfterAnEqualsSign) {
+  EXPECT_EQ(run({"sign-in", "--user-id=", "--currency", "EGP", "--url", "http://x"}).status, 0);
+  EXPECT_EQ(stored(StoreKeys::userId), "");
+  EXPECT_EQ(stored(StoreKeys::currency), "EGP");
+}
+
 TEST_F(APhone, RefusesAUrlThatWouldStopEveryRunAndStoresNothing) {
   for (const char* const url : {"http://host:abc", "http://a b", "http://[::1", "http://käse"}) {
     expectFailure({"sign-in", "--user-id", "u", "--url", url}, 64,
@@ -152,7 +158,12 @@ TEST_F(APhone, CannotDoAnythingWithoutAStore) {
 TEST_F(APhone, ExplainsItself) {
   EXPECT_THAT(run({"--help"}).output, HasSubstr("sign-in"));
   EXPECT_THAT(run({"--version"}).output, testing::StartsWith("kivo-phone "));
-  expectFailure({}, 64, "unknown command, or none named (see kivo-phone --help)");
+  const ProgramResult alone = run({});
+  EXPECT_EQ(alone.status, 64);
+  EXPECT_EQ(alone.output, "");
+  EXPECT_THAT(alone.errors, HasSubstr("sign-in"));
+  expectFailure({"sing-in"}, 64,
+                "unknown command \"sing-in\"; did you mean \"sign-in\"? (see kivo-phone --help)");
   expectFailure({"sign-in", "--url", "http://x"}, 64,
                 "--user-id is missing (see kivo-phone sign-in --help)");
   expectFailure({"notifications", "maybe"}, 64,

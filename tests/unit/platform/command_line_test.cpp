@@ -50,6 +50,8 @@ class ACommandLineOfCommands : public testing::Test {
                  "Put something in",
                  {{"WHERE", "The place"}, {"WHAT", "The thing"}, {"--soft", "Soft", Kind::flag}},
                  note("box put")},
+                {"bag", "Show the bag", {}, note("bag")},
+                {"bag put", "Put something in", {{"WHAT", "The thing"}}, note("bag put")},
             },
     };
   }
@@ -114,11 +116,52 @@ TEST_F(ACommandLineOfCommands, AnswersHelpAndVersionWithoutRunningAnything) {
   EXPECT_EQ(ran + errors, "");
 }
 
-TEST_F(ACommandLineOfCommands, RefusesAnUnknownOrMissingCommand) {
-  expectBadUsage({}, "unknown command, or none named (see tool --help)");
-  expectBadUsage({"dance"}, "unknown command, or none named (see tool --help)");
-  expectBadUsage({"box"}, "unknown command, or none named (see tool box --help)");
-  expectBadUsage({"box", "dance"}, "unknown command, or none named (see tool box --help)");
+TEST_F(ACommandLineOfCommands, TakesAnEmptyValueAfterAnEqualsSignAsTheValue) {
+  EXPECT_EQ(run({"enter", "--name=", "--title", "Dr"}), 7);
+  EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", ""), Pair("--title", "Dr")));
+  EXPECT_EQ(run({"enter", "--title=", "--name="}), 7);
+  EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", ""), Pair("--title", "")));
+  ran.clear();
+  expectBadUsage({"enter", "--name=", "--title"},
+                 "--title has no value or is given twice (see tool --help)");
+  expectBadUsage({"enter", "--name=", "--name", "Ada"},
+                 "--name has no value or is given twice (see tool --help)");
+}
+
+TEST_F(ACommandLineOfCommands, PassesAValueThatEndsWithAnEqualsSignAsItIs) {
+  run({"enter", "--name", "--title="});
+  EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", "--title=")));
+  run({"box", "put", "--", "here", "--name="});
+  EXPECT_THAT(given, UnorderedElementsAre(Pair("WHERE", "here"), Pair("WHAT", "--name=")));
+}
+
+TEST_F(ACommandLineOfCommands, PrintsTheHelpOnStandardErrorWhenNoCommandIsNamed) {
+  EXPECT_EQ(run({}), exitBadUsage);
+  EXPECT_THAT(errors, HasSubstr("Tries things."));
+  EXPECT_THAT(errors, HasSubstr("enter"));
+  EXPECT_EQ(output + ran, "");
+  EXPECT_EQ(run({"box"}), exitBadUsage);
+  EXPECT_THAT(errors, testing::AllOf(HasSubstr("tool box"), HasSubstr("Put something in")));
+  EXPECT_EQ(output + ran, "");
+}
+
+TEST_F(ACommandLineOfCommands, RepeatsAnUnknownCommandAndSuggestsTheNearest) {
+  expectBadUsage({"dance"}, "unknown command \"dance\" (see tool --help)");
+  expectBadUsage({"etner", "--name", "Ada"},
+                 "unknown command \"etner\"; did you mean \"enter\"? (see tool --help)");
+  expectBadUsage({"box", "dance"}, "unknown command \"box dance\" (see tool box --help)");
+  expectBadUsage({"box", "lsit"},
+                 "unknown command \"box lsit\"; did you mean \"box list\"? (see tool box --help)");
+  expectBadUsage({"bag", "ptu"},
+                 "unknown command \"bag ptu\"; did you mean \"bag put\"? (see tool bag --help)");
+  expectBadUsage({"bxo", "list"},
+                 "unknown command \"bxo\"; did you mean \"box\"? (see tool --help)");
+}
+
+TEST_F(ACommandLineOfCommands, DoesNotRepeatAMessageInPlaceOfACommand) {
+  expectBadUsage({"Paid EGP 150"}, "unknown command (see tool --help)");
+  expectBadUsage({"box", "Paid EGP 150"}, "unknown command (see tool box --help)");
+  expectBadUsage({"4111111111111111111111111111111111"}, "unknown command (see tool --help)");
 }
 
 TEST_F(ACommandLineOfCommands, RefusesACallWithoutWhatItNeeds) {
@@ -127,21 +170,23 @@ TEST_F(ACommandLineOfCommands, RefusesACallWithoutWhatItNeeds) {
 }
 
 TEST_F(ACommandLineOfCommands, RefusesAnUnknownOption) {
-  expectBadUsage({"enter", "--name", "Ada", "--nose", "x"},
-                 "unknown option --nose (see tool enter --help)");
+  expectBadUsage({"enter", "--name", "Ada", "--colour", "x"},
+                 "unknown option --colour (see tool enter --help)");
+  expectBadUsage({"enter", "--name", "Ada", "--titel=Dr"},
+                 "unknown option --titel; did you mean --title? (see tool enter --help)");
+  expectBadUsage({"--colour"}, "unknown option --colour (see tool --help)");
 }
 
 TEST_F(ACommandLineOfCommands, RefusesAnOptionThatIsDoubledOrHasNoValue) {
-  const std::string words = "an option has no value or is given twice (see tool --help)";
-  expectBadUsage({"enter", "--name", "Ada", "--name", "Bob"}, words);
-  expectBadUsage({"enter", "--name"}, words);
-  expectBadUsage({"box", "put", "a", "b", "--soft=3"}, words);
+  expectBadUsage({"enter", "--name", "Ada", "--name", "Bob"},
+                 "--name has no value or is given twice (see tool --help)");
+  expectBadUsage({"enter", "--name"}, "--name has no value or is given twice (see tool --help)");
+  expectBadUsage({"box", "put", "a", "b", "--soft=3"}, "--soft takes no value (see tool --help)");
 }
 
 TEST_F(ACommandLineOfCommands, NeverRepeatsWhatWasGivenTooMuch) {
   for (const std::vector<std::string>& words :
        std::vector<std::vector<std::string>>{{"enter", "--name", "Ada", "secret"},
-                                             {"enter", "--name", "Ada", "--secret=secret"},
                                              {"box", "put", "a", "b", "--", "secret"},
                                              {"box", "list", "secret"}}) {
     EXPECT_EQ(run(words), exitBadUsage);

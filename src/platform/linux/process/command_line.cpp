@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <initializer_list>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
+
+#include "platform/linux/process/nearest_word.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -70,6 +73,21 @@ bool isOptionName(const std::string& argument) {
          });
 }
 
+// The name in "--name" and "--name=value"; none when the argument is no option.
+std::optional<std::string> optionNameIn(const std::string& argument) {
+  std::string name = argument.substr(0, argument.find('='));
+  if (!isOptionName(name)) return std::nullopt;
+  return name;
+}
+
+// Anything longer, or with other characters, may be a part of a message, which is never repeated.
+bool looksLikeACommand(const std::string& word) {
+  constexpr std::size_t longest = 24;
+  return word.size() <= longest && std::all_of(word.begin(), word.end(), [](unsigned char letter) {
+           return std::isalnum(letter) != 0 || letter == '-';
+         });
+}
+
 // What no parameter took, on any level. CLI11 leaves the mark -- as well.
 std::vector<std::string> leftOverOf(const CLI::App& app) {
   std::vector<std::string> leftOver = app.remaining(true);
@@ -77,19 +95,54 @@ std::vector<std::string> leftOverOf(const CLI::App& app) {
   return leftOver;
 }
 
-std::string describeLeftOver(const std::vector<std::string>& leftOver) {
-  const auto name = std::find_if(leftOver.begin(), leftOver.end(), isOptionName);
-  if (name != leftOver.end()) return "unknown option " + *name;
+// The words that may follow those of `group` in the name of a command, "" being the program itself.
+std::vector<std::string> wordsAfter(const CommandProgram& program, const std::string& group) {
+  const std::string prefix = group.empty() ? "" : group + " ";
+  std::vector<std::string> words;
+  for (const Command& command : program.commands) {
+    if (!command.name.starts_with(prefix)) continue;
+    std::string word = command.name.substr(prefix.size());
+    if (word.find(' ') == std::string::npos) words.push_back(std::move(word));
+  }
+  return words;
+}
+
+std::string describeUnknownCommand(const CommandProgram& program, const std::string& group,
+                                   const std::string& word) {
+  if (!looksLikeACommand(word)) return "unknown command";
+  const std::string prefix = group.empty() ? "" : group + " ";
+  std::string what = "unknown command \"" + prefix + word + '"';
+  if (const auto nearest = nearestWord(word, wordsAfter(program, group))) {
+    what += "; did you mean \"" + prefix + *nearest + "\"?";
+  }
+  return what;
+}
+
+std::string describeUnknownOption(const std::string& name, const Command* command) {
+  std::vector<std::string> known;
+  if (command != nullptr) {
+    for (const CommandParameter& parameter : command->parameters) known.push_back(parameter.name);
+  }
+  const auto nearest = nearestWord(name, known);
+  return "unknown option " + name + (nearest ? "; did you mean " + *nearest + "?" : "");
+}
+
+// What is wrong with a call of which nothing took `leftOver`. `command` is null when none is named.
+std::string describeLeftOver(const CommandProgram& program, const Command* command,
+                             const std::vector<std::string>& leftOver) {
+  const std::string group = command == nullptr ? "" : command->name;
+  const bool inPlaceOfCommand = !wordsAfter(program, group).empty();
+  if (inPlaceOfCommand && !leftOver.front().starts_with("-")) {
+    return describeUnknownCommand(program, group, leftOver.front());
+  }
+  for (const std::string& argument : leftOver) {
+    if (const auto name = optionNameIn(argument)) return describeUnknownOption(*name, command);
+  }
   return "there is an argument too many; a text with blanks needs quotes, and -- goes before one "
          "that begins with a minus";
 }
 
-// What is wrong with the call in spite of its grammar, if anything.
-std::optional<std::string> complaintAbout(const Offered& offered, const CLI::App& app) {
-  if (!offered.command->run) return "unknown command, or none named";
-  if (const auto leftOver = leftOverOf(app); !leftOver.empty()) {
-    return describeLeftOver(leftOver);
-  }
+std::optional<std::string> describeMissing(const Offered& offered) {
   for (const CommandParameter& parameter : offered.command->parameters) {
     if (parameter.kind == Kind::required && !offered.texts.at(parameter.name)) {
       return parameter.name + " is missing";
@@ -107,9 +160,60 @@ bool mayBeLeftOut(const Command& command, const std::vector<std::string>& argume
   });
 }
 
+// Whether a command of `program` has an option `name` of one of `kinds`.
+bool hasOption(const CommandProgram& program, const std::string& name,
+               std::initializer_list<Kind> kinds) {
+  return std::any_of(program.commands.begin(), program.commands.end(), [&](const Command& one) {
+    return std::any_of(one.parameters.begin(), one.parameters.end(), [&](const auto& parameter) {
+      return parameter.name == name &&
+             std::find(kinds.begin(), kinds.end(), parameter.kind) != kinds.end();
+    });
+  });
+}
+
+// The arguments after the program's name, with each "--name=" of a known option as two: CLI11 would
+// take the argument after it for its value.
+std::vector<std::string> argumentsFrom(const CommandProgram& program, int argc, char** argv) {
+  const auto takesValue = [&program](const std::string& name) {
+    return hasOption(program, name, {Kind::required, Kind::optional});
+  };
+  std::vector<std::string> arguments;
+  bool isValue = false;  // of the option before it, whatever it looks like
+  for (int index = 1; index < argc; ++index) {
+    std::string argument = argv[index];
+    if (argument == "--" && !isValue) {
+      arguments.insert(arguments.end(), argv + index, argv + argc);
+      break;
+    }
+    const std::string name = argument.substr(0, argument.find('='));
+    const bool isEmptyValue = !isValue && argument.ends_with('=') &&
+                              name.size() + 1 == argument.size() && takesValue(name);
+    isValue = !isValue && argument.starts_with("--") && takesValue(argument);
+    arguments.push_back(isEmptyValue ? name : std::move(argument));
+    if (isEmptyValue) arguments.emplace_back();
+  }
+  return arguments;
+}
+
 int badUsage(const CommandProgram& program, const std::string& command, const std::string& what) {
   const std::string help = program.name + (command.empty() ? "" : " ") + command + " --help";
   complain(program.name, what + " (see " + help + ")");
+  return exitBadUsage;
+}
+
+std::unique_ptr<CLI::App> rootOf(const CommandProgram& program) {
+  auto root = std::make_unique<CLI::App>(program.purpose, program.name);
+  root->set_version_flag("--version", program.name + " " + program.version);
+  root->allow_extras()->require_subcommand(0, 1);
+  return root;
+}
+
+// Prints the help of the group `name`, or of the program when it is empty.
+int helpInsteadOfCommand(const CommandProgram& program, const std::string& name) {
+  const std::unique_ptr<CLI::App> root = rootOf(program);
+  std::vector<std::unique_ptr<Offered>> all;
+  for (const Command& command : program.commands) all.push_back(offer(command, *root));
+  std::cerr << (name.empty() ? root->help() : levelOf(*root, name).help(program.name));
   return exitBadUsage;
 }
 
@@ -118,11 +222,20 @@ int answerError(const CommandProgram& program, const CLI::App& app, const CLI::P
     app.exit(error, std::cout, std::cout);
     return 0;
   }
-  // CLI11's own words may quote what was given.
-  const bool mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
-  return badUsage(
-      program, "",
-      mismatch ? "an option has no value or is given twice" : "the call cannot be understood");
+  const auto* const mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error);
+  if (mismatch == nullptr) return badUsage(program, "", "the call cannot be understood");
+  // CLI11's words name the option somewhere among them, and quote no value.
+  std::istringstream words(error.what());
+  for (std::string word; words >> word;) {
+    const std::string name =
+        (word.starts_with("--") ? "" : "--") + word.substr(0, word.find_first_of(",:"));
+    if (hasOption(program, name, {Kind::flag}))
+      return badUsage(program, "", name + " takes no value");
+    if (hasOption(program, name, {Kind::required, Kind::optional})) {
+      return badUsage(program, "", name + " has no value or is given twice");
+    }
+  }
+  return badUsage(program, "", "an option has no value or is given twice");
 }
 
 }  // namespace
@@ -133,28 +246,29 @@ void complain(const std::string& program, const std::string& what) {
 }
 
 int runCommand(const CommandProgram& program, int argc, char** argv) {
-  CLI::App app(program.purpose, program.name);
-  app.set_version_flag("--version", program.name + " " + program.version);
-  app.allow_extras()->require_subcommand(0, 1);
-  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  const std::vector<std::string> arguments = argumentsFrom(program, argc, argv);
+  const std::unique_ptr<CLI::App> app = rootOf(program);
   std::vector<std::unique_ptr<Offered>> all;
   for (const Command& command : program.commands) {
-    if (!mayBeLeftOut(command, arguments)) all.push_back(offer(command, app));
+    if (!mayBeLeftOut(command, arguments)) all.push_back(offer(command, *app));
   }
   try {
-    app.parse(argc, argv);
+    app->parse(std::vector(arguments.rbegin(), arguments.rend()));  // CLI11 wants the last first
   } catch (const CLI::ParseError& error) {
-    return answerError(program, app, error);
+    return answerError(program, *app, error);
   }
 
-  for (const auto& offered : all) {
-    if (!offered->app->parsed() || !offered->app->get_subcommands().empty()) continue;
-    if (const auto complaint = complaintAbout(*offered, app)) {
-      return badUsage(program, offered->command->name, *complaint);
-    }
-    return offered->command->run(offered->given());
+  const auto chosen = std::find_if(all.begin(), all.end(), [](const auto& offered) {
+    return offered->app->parsed() && offered->app->get_subcommands().empty();
+  });
+  const Command* const command = chosen == all.end() ? nullptr : (*chosen)->command;
+  const std::string name = command == nullptr ? "" : command->name;
+  if (const auto leftOver = leftOverOf(*app); !leftOver.empty()) {
+    return badUsage(program, name, describeLeftOver(program, command, leftOver));
   }
-  return badUsage(program, "", "unknown command, or none named");
+  if (command == nullptr || !command->run) return helpInsteadOfCommand(program, name);
+  if (const auto missing = describeMissing(**chosen)) return badUsage(program, name, *missing);
+  return command->run((*chosen)->given());
 }
 
 }  // namespace kivo::linux_platform

@@ -45,9 +45,10 @@ struct CommandProgram {
 };
 
 /// Runs the command that the command line names and yields its exit status. Answers --help and
-/// --version on standard output with 0, and any other call that does not fit with one line on
-/// standard error and `exitBadUsage`. That line holds nothing that was given but names of options,
-/// and values are passed on as they are, byte for byte.
+/// --version on standard output with 0. Where no command is named it prints the help on standard
+/// error, and for any other call that does not fit one line; both yield `exitBadUsage`. That line
+/// repeats names of options, and an unknown word in a command's place if it looks like one, never a
+/// value. Values are passed on as they are, byte for byte, an empty one too.
 int runCommand(const CommandProgram& program, int argc, char** argv);
 
 /// Writes `what` as one line on standard error, after the name of `program`.
