@@ -20,12 +20,6 @@ namespace {
 
 constexpr int statusOK = 200;
 
-URL endpoint(const std::string& supabaseUrl) {
-  auto url = URL::parse(supabaseUrl + "/functions/v1/sms-extraction");
-  if (!url) platform::fatalStop("the stored base URL of the backend cannot be parsed");
-  return std::move(*url);
-}
-
 std::string requestBody(const std::string& smsText, const std::string& userId,
                         const std::string& expenseDate, const std::string& idempotencyKey) {
   platform::JSONEncoder body;
@@ -38,12 +32,18 @@ std::string requestBody(const std::string& smsText, const std::string& userId,
 
 }  // namespace
 
+std::optional<URL> SMSExtractionClient::endpoint(const std::string& supabaseUrl) {
+  return URL::parse(supabaseUrl + "/functions/v1/sms-extraction");
+}
+
 platform::Task<SMSExtractionResponse> SMSExtractionClient::extract(std::string smsText,
                                                                    std::string userId,
                                                                    std::string supabaseUrl,
                                                                    std::string expenseDate,
                                                                    std::string idempotencyKey) {
-  URLRequest request{.url = endpoint(supabaseUrl),
+  std::optional<URL> url = endpoint(supabaseUrl);
+  if (!url) platform::fatalStop("the stored base URL of the backend cannot be parsed");
+  URLRequest request{.url = *std::move(url),
                      .cachePolicy = URLRequest::CachePolicy::useProtocolCachePolicy};
   request.httpMethod = "POST";
   request.headerFields["Content-Type"] = "application/json";

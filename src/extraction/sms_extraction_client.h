@@ -2,12 +2,17 @@
 // and retries nothing.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "extraction/sms_extraction_response.h"
 #include "platform/concurrency/task.h"
+#include "platform/foundation/url.h"
 
 namespace kivo::SMSExtractionClient {
+
+/// Where texts are posted to below the base URL `supabaseUrl`; none when that cannot be parsed.
+std::optional<platform::URL> endpoint(const std::string& supabaseUrl);
 
 /// Posts `smsText`, exactly as it is, to the extraction endpoint below the base URL `supabaseUrl`
 /// and yields the decoded answer. `expenseDate` is "yyyy-MM-dd"; `idempotencyKey` is the same for

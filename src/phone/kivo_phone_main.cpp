@@ -1,9 +1,11 @@
 // The program kivo-phone: what the rest of the phone does for the extension, by hand.
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "phone/account_commands.h"
 #include "phone/phone_terminal.h"
 #include "phone/queue_commands.h"
 #include "phone/sms_watcher/watch_commands.h"
@@ -11,13 +13,11 @@
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
 #include "platform/foundation/number_text.h"
-#include "platform/foundation/url.h"
 #include "platform/foundation/user_defaults.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/process/command_line.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/process/terminal_text.h"
-#include "platform/linux/user_notifications/notification_permission.h"
 #include "store/shared_store.h"
 
 namespace kivo {
@@ -26,64 +26,12 @@ namespace {
 using linux_platform::Command;
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
-using platform::UNAuthorizationStatus;
 using platform::UserDefaults;
 using Kind = linux_platform::CommandParameter::Kind;
 
 // A value as it is stored: as it was given, made valid UTF-8.
 std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
-}
-
-int signIn(const GivenParameters& given) {
-  const std::string userId = textOf(given, "--user-id");
-  const std::string base = textOf(given, "--url");
-  const auto endpoint = platform::URL::parse(base + "/functions/v1/sms-extraction");
-  if (!endpoint) return fail("--url is no URL; nothing was stored", exitBadUsage);
-
-  auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  store->writeText(StoreKeys::userId, userId);
-  store->writeText(StoreKeys::supabaseUrl, base);
-  if (given.contains("--currency")) {
-    store->writeText(StoreKeys::currency, textOf(given, "--currency"));
-  }
-  if (!store->synchronize()) return exitFailure;
-
-  if (userId.empty() || base.empty()) {
-    return print("Stored. An empty user identifier or URL counts as signed out.\n");
-  }
-  if (endpoint->scheme != "http" && endpoint->scheme != "https") {
-    return print("Signed in. Only http and https are spoken, so every text will wait offline.\n");
-  }
-  return print("Signed in.\n");
-}
-
-int signOut(const GivenParameters&) {
-  auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  store->writeText(StoreKeys::userId, "");  // a key is never removed
-  store->writeText(StoreKeys::supabaseUrl, "");
-  return store->synchronize() ? print("Signed out.\n") : exitFailure;
-}
-
-int setNotifications(const GivenParameters& given) {
-  static const std::map<std::string, UNAuthorizationStatus> statuses{
-      {"not-determined", UNAuthorizationStatus::notDetermined},
-      {"denied", UNAuthorizationStatus::denied},
-      {"authorized", UNAuthorizationStatus::authorized},
-      {"provisional", UNAuthorizationStatus::provisional},
-      {"ephemeral", UNAuthorizationStatus::ephemeral},
-  };
-  const auto status = statuses.find(given.at("STATUS"));
-  if (status == statuses.end()) {
-    return fail("STATUS is one of authorized, denied, not-determined, provisional, ephemeral",
-                exitBadUsage);
-  }
-  if (!linux_platform::setAuthorizationStatus(extensionBundle, status->second)) {
-    return fail("the notification center does not answer");
-  }
-  return print("Notifications: " + status->first + "\n");
 }
 
 int listStore(const GivenParameters&) {
@@ -154,17 +102,6 @@ linux_platform::CommandProgram phone() {
       .version = KIVO_VERSION,
       .commands =
           {
-              {"sign-in",
-               "Store who the person is and where the backend is",
-               {{"--user-id", "The user identifier"},
-                {"--url", "The backend's base URL"},
-                {"--currency", "The currency code; kept when not given", Kind::optional}},
-               signIn},
-              {"sign-out", "Forget who the person is", {}, signOut},
-              {"notifications",
-               "Decide whether Kivo may notify",
-               {{"STATUS", "authorized, denied, not-determined, provisional or ephemeral"}},
-               setNotifications},
               {"store", "Show or change the values that app, widget and extension share", {}, {}},
               {"store list", "Show every value of the shared store", {}, listStore},
               {"store get", "Print the value of a key, alone", {{"KEY", "The key"}}, getFromStore},
@@ -180,6 +117,9 @@ linux_platform::CommandProgram phone() {
                widget},
           },
   };
+  std::vector<Command> account = accountCommands();
+  program.commands.insert(program.commands.begin(), std::make_move_iterator(account.begin()),
+                          std::make_move_iterator(account.end()));
   for (Command& command : queueCommands()) program.commands.push_back(std::move(command));
   for (Command& command : watchCommands()) program.commands.push_back(std::move(command));
   return program;

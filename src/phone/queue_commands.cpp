@@ -8,13 +8,19 @@
 
 #include <unistd.h>
 
+#include "extraction/sms_extraction_client.h"
+#include "phone/backend_check.h"
 #include "phone/phone_terminal.h"
 #include "phone/queue_listing.h"
 #include "phone/queue_removal.h"
+#include "phone/queue_sending.h"
+#include "phone/waiting_texts.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
+#include "platform/linux/app_intents/installed_platform.h"
+#include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/process/terminal_text.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
@@ -136,6 +142,50 @@ int dropText(const GivenParameters& given) {
   return removeText(item, *index);
 }
 
+std::string countedTexts(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " text" : " texts");
+}
+
+// Says what came of sending, and yields the exit status: 0 when nothing is left that was tried.
+int reportSending(const QueueSending::Result& result) {
+  if (result.end == QueueSending::Result::End::busy && result.sent + result.failed == 0) {
+    return fail("texts are being sent just now; try again in half a minute");
+  }
+  std::string lines = "Sent " + countedTexts(result.sent) + ".\n";
+  if (result.dropped > 0) {
+    lines += "Dropped " + countedTexts(result.dropped) + " that had failed ten times.\n";
+  }
+  if (const int failed = print(lines); failed != 0 || result.failed == 0) return failed;
+  const auto last = linux_platform::lastExchange();
+  const std::string why = last ? WaitingTexts::failureOf(*last).value_or("") : "";
+  return fail(countedTexts(result.failed) + " failed and still wait" +
+              (result.failed == 1 ? "s" : "") + (why.empty() ? "" : ": " + why));
+}
+
+int sendQueue(const GivenParameters&) {
+  const auto items = readQueue();
+  if (!items) return exitFailure;
+  if (items->empty()) return print("Nothing waits to be sent.\n");
+  auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  const auto userId = store->readNonEmptyText(StoreKeys::userId);
+  const auto base = store->readNonEmptyText(StoreKeys::supabaseUrl);
+  if (!userId || !base || !SMSExtractionClient::endpoint(*base)) {
+    return fail("nobody is signed in; kivo-phone sign-in comes first");
+  }
+  // An attempt that cannot succeed would count as one of the ten that a text has.
+  const BackendFindings findings = BackendCheck::find(*base);
+  if (!findings.answers()) {
+    return fail("nothing was sent: " +
+                linux_platform::escapedControls(BackendCheck::sentences(findings).front()));
+  }
+  QueueSending::Result result;
+  const linux_platform::InstalledPlatform installed(extensionBundle);
+  linux_platform::TaskExecutor executor(1);
+  executor.perform(QueueSending::send(*store, *userId, *base, result));
+  return reportSending(result);
+}
+
 }  // namespace
 
 std::vector<linux_platform::Command> queueCommands() {
@@ -143,6 +193,7 @@ std::vector<linux_platform::Command> queueCommands() {
   return {
       {"queue", "Show the texts that wait to be sent", {}, showQueue},
       {"queue show", "Show all of one text that waits", {number}, showText},
+      {"queue send", "Send the texts that wait, now", {}, sendQueue},
       {"queue export", "Print the texts that wait as one JSON array", {}, exportQueue},
       {"queue drop",
        "Drop a text, after asking",

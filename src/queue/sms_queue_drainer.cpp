@@ -19,7 +19,6 @@ namespace kivo {
 namespace {
 
 constexpr double staleAfterSeconds = 30;
-constexpr std::int64_t retryLimit = 10;
 
 void releaseLock(SharedStore& store) {
   store.writeFloat(StoreKeys::smsQueueDrainLock, 0);

@@ -1,12 +1,16 @@
 // Sends queued texts again. Decides neither when, nor how a live text is handled.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "platform/concurrency/task.h"
 #include "store/shared_store.h"
 
 namespace kivo::SmsQueueDrainer {
+
+/// How many failed attempts a text has before a drain drops it without another one.
+inline constexpr std::int64_t retryLimit = 10;
 
 /// Sends the first `maxItems` queued texts again, one after the other, with the present credentials
 /// and each with its own key and date. Answered texts leave the queue, and saved ones are

@@ -48,35 +48,38 @@ class APhone : public testing::Test {
 
 TEST_F(APhone, SignsInWithTheValuesAsGiven) {
   const ProgramResult result =
-      run({"sign-in", "--user-id", " u\tü ", "--url", "https://x.example/", "--currency", "usd"});
+      run({"sign-in", "--user-id", " u\tü ", "--url", "https://127.0.0.1:1/", "--currency", "usd"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.output, "Signed in.\n");
+  EXPECT_THAT(result.output, testing::StartsWith("Signed in at https://127.0.0.1:1/\n"));
   EXPECT_EQ(result.errors, "");
   EXPECT_EQ(stored(StoreKeys::userId), " u\tü ");
-  EXPECT_EQ(stored(StoreKeys::supabaseUrl), "https://x.example/");
+  EXPECT_EQ(stored(StoreKeys::supabaseUrl), "https://127.0.0.1:1/");
   EXPECT_EQ(stored(StoreKeys::currency), "usd");
 }
 
 TEST_F(APhone, RepairsTextThatIsNotUtf8) {
-  EXPECT_EQ(run({"sign-in", "--user-id", "a\xff", "--url", "http://x"}).status, 0);
+  EXPECT_EQ(run({"sign-in", "--user-id", "a\xff", "--url", "http://127.0.0.1:1"}).status, 0);
   EXPECT_EQ(stored(StoreKeys::userId), "a\uFFFD");
 }
 
 TEST_F(APhone, LeavesTheCurrencyAloneWhenNoneIsGiven) {
-  EXPECT_EQ(run({"sign-in", "--user-id", "u", "--url", "http://x"}).status, 0);
+  EXPECT_EQ(run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1"}).status, 0);
   EXPECT_EQ(stored(StoreKeys::currency), std::nullopt);
-  run({"sign-in", "--user-id", "u", "--url", "http://x", "--currency", "USD"});
-  run({"sign-in", "--user-id", "v", "--url", "http://y"});
+  run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1", "--currency", "USD"});
+  run({"sign-in", "--user-id", "v", "--url", "http://127.0.0.1:2"});
   EXPECT_EQ(stored(StoreKeys::currency), "USD");
 }
 
 TEST_F(APhone, StoresACurrencyThatIsGivenEmpty) {
-  EXPECT_EQ(run({"sign-in", "--user-id", "u", "--url", "http://x", "--currency", ""}).status, 0);
+  EXPECT_EQ(
+      run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1", "--currency", ""}).status,
+      0);
   EXPECT_EQ(stored(StoreKeys::currency), "");
 }
 
 TEST_F(APhone, SignsInWithAnEmptyValueAfterAnEqualsSign) {
-  EXPECT_EQ(run({"sign-in", "--user-id=", "--currency", "EGP", "--url", "http://x"}).status, 0);
+  EXPECT_EQ(
+      run({"sign-in", "--user-id=", "--currency", "EGP", "--url", "http://127.0.0.1:1"}).status, 0);
   EXPECT_EQ(stored(StoreKeys::userId), "");
   EXPECT_EQ(stored(StoreKeys::currency), "EGP");
 }
@@ -84,20 +87,25 @@ TEST_F(APhone, SignsInWithAnEmptyValueAfterAnEqualsSign) {
 TEST_F(APhone, RefusesAUrlThatWouldStopEveryRunAndStoresNothing) {
   for (const char* const url : {"http://host:abc", "http://a b", "http://[::1", "http://käse"}) {
     expectFailure({"sign-in", "--user-id", "u", "--url", url}, 64,
-                  "--url is no URL; nothing was stored");
+                  std::string("invalid --url \"") + url + "\": this is no URL; nothing was stored");
   }
   EXPECT_EQ(stored(StoreKeys::userId), std::nullopt);
 }
 
 TEST_F(APhone, SaysWhenASignInLeadsNowhere) {
-  EXPECT_THAT(run({"sign-in", "--user-id", "", "--url", "http://x"}).output,
+  EXPECT_THAT(run({"sign-in", "--user-id", "", "--url", "http://127.0.0.1:1"}).output,
               HasSubstr("counts as signed out"));
   EXPECT_THAT(run({"sign-in", "--user-id", "u", "--url", "example.com"}).output,
-              HasSubstr("every text will wait offline"));
+              HasSubstr("until then every message waits"));
+}
+
+TEST_F(APhone, RefusesAnUnknownNotificationStatus) {
+  expectFailure({"notifications", "maybe"}, 64,
+                "STATUS is one of authorized, denied, not-determined, provisional, ephemeral");
 }
 
 TEST_F(APhone, SignsOutByEmptyingWhatAMainAppWroteAndRemovesNothing) {
-  run({"sign-in", "--user-id", "u", "--url", "http://x", "--currency", "USD"});
+  run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1", "--currency", "USD"});
   EXPECT_EQ(run({"sign-out"}).output, "Signed out.\n");
   EXPECT_EQ(stored(StoreKeys::userId), "");
   EXPECT_EQ(stored(StoreKeys::supabaseUrl), "");
@@ -106,7 +114,7 @@ TEST_F(APhone, SignsOutByEmptyingWhatAMainAppWroteAndRemovesNothing) {
 
 TEST_F(APhone, NeverPrintsTheUserIdentifier) {
   const ProgramResult result =
-      run({"sign-in", "--user-id", "person-17", "--url", "http://x", "person-17"});
+      run({"sign-in", "--user-id", "person-17", "--url", "http://127.0.0.1:1", "person-17"});
   EXPECT_EQ(result.status, 64);
   EXPECT_THAT(result.output + result.errors, testing::Not(HasSubstr("person-17")));
 }
@@ -143,14 +151,14 @@ TEST_F(APhone, StoresNoFloatThatIsNoFiniteNumber) {
 
 TEST_F(APhone, CannotDoAnythingWithoutAStore) {
   std::ofstream(folders_.dataHome()) << "a file where the folder should be";
-  for (const std::vector<std::string>& arguments :
-       std::vector<std::vector<std::string>>{{"sign-in", "--user-id", "u", "--url", "http://x"},
-                                             {"sign-out"},
-                                             {"store", "list"},
-                                             {"store", "get", "key"},
-                                             {"store", "set", "key", "value"},
-                                             {"queue"},
-                                             {"widget"}}) {
+  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+           {"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1"},
+           {"sign-out"},
+           {"store", "list"},
+           {"store", "get", "key"},
+           {"store", "set", "key", "value"},
+           {"queue"},
+           {"widget"}}) {
     expectFailure(arguments, 1, "the shared store cannot be opened");
   }
 }
@@ -164,7 +172,7 @@ TEST_F(APhone, ExplainsItself) {
   EXPECT_THAT(alone.errors, HasSubstr("sign-in"));
   expectFailure({"sing-in"}, 64,
                 "unknown command \"sing-in\"; did you mean \"sign-in\"? (see kivo-phone --help)");
-  expectFailure({"sign-in", "--url", "http://x"}, 64,
+  expectFailure({"sign-in", "--url", "http://127.0.0.1:1"}, 64,
                 "--user-id is missing (see kivo-phone sign-in --help)");
   expectFailure({"notifications", "maybe"}, 64,
                 "STATUS is one of authorized, denied, not-determined, provisional, ephemeral");

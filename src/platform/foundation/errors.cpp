@@ -6,28 +6,38 @@
 namespace kivo::platform {
 namespace {
 
-std::string_view words(URLError::Code code) {
+// The name of the code, and what it means to a person.
+struct Words {
+  std::string_view name;
+  std::string_view meaning;
+};
+
+Words words(URLError::Code code) {
   switch (code) {
     case URLError::Code::cancelled:
-      return "cancelled: The exchange was cancelled";
+      return {"cancelled", "The exchange was cancelled"};
     case URLError::Code::timedOut:
-      return "timedOut: The server did not answer in time";
+      return {"timedOut", "The server did not answer in time"};
     case URLError::Code::unsupportedURL:
-      return "unsupportedURL: The URL names no http or https endpoint";
+      return {"unsupportedURL", "The URL names no http or https endpoint"};
     case URLError::Code::cannotFindHost:
-      return "cannotFindHost: The host name was not found";
+      return {"cannotFindHost", "The host name was not found"};
     case URLError::Code::cannotConnectToHost:
-      return "cannotConnectToHost: The host did not take the connection";
+      return {"cannotConnectToHost", "The host did not take the connection"};
     case URLError::Code::secureConnectionFailed:
-      return "secureConnectionFailed: No trusted connection could be made";
+      return {"secureConnectionFailed", "No trusted connection could be made"};
     case URLError::Code::networkConnectionLost:
-      return "networkConnectionLost: The connection ended before the answer was whole";
+      return {"networkConnectionLost", "The connection ended before the answer was whole"};
     case URLError::Code::badServerResponse:
-      return "badServerResponse: The answer is not well-formed HTTP";
+      return {"badServerResponse", "The answer is not well-formed HTTP"};
     case URLError::Code::dataLengthExceedsMaximum:
-      return "dataLengthExceedsMaximum: The answer is too large";
+      return {"dataLengthExceedsMaximum", "The answer is too large"};
   }
-  return "unknown";
+  return {"unknown", "The exchange failed"};
+}
+
+std::string meaning(URLError::Code code, const std::string& reason) {
+  return std::string(words(code).meaning) + (reason.empty() ? "" : " (" + reason + ")");
 }
 
 std::string_view name(DecodingError::Kind kind) {
@@ -55,8 +65,10 @@ std::string describe(DecodingError::Kind kind, const std::string& path, const st
 
 }  // namespace
 
-URLError::URLError(Code code)
-    : DescribedError("URLError " + std::string(words(code))), code_(code) {}
+URLError::URLError(Code code, const std::string& reason)
+    : DescribedError("URLError " + std::string(words(code).name) + ": " + meaning(code, reason)),
+      code_(code),
+      localizedDescription_(meaning(code, reason)) {}
 
 NSError::NSError(std::string domain, int code, std::string localizedDescription)
     : DescribedError("Error Domain=" + domain + " Code=" + std::to_string(code) + " \"" +

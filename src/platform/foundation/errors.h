@@ -33,11 +33,15 @@ class URLError : public DescribedError {
     dataLengthExceedsMaximum,
   };
 
-  explicit URLError(Code code);
+  /// `reason`, if any, says more than the code does, such as what is wrong with a certificate.
+  explicit URLError(Code code, const std::string& reason = "");
   [[nodiscard]] Code code() const { return code_; }
+  /// The description without the code's name, for a person.
+  [[nodiscard]] const std::string& localizedDescription() const { return localizedDescription_; }
 
  private:
   Code code_;
+  std::string localizedDescription_;
 };
 
 /// An error told by its domain and number.

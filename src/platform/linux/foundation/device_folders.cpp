@@ -33,4 +33,8 @@ std::optional<std::filesystem::path> configHome() {
   return folderFromOrInHome("XDG_CONFIG_HOME", ".config");
 }
 
+std::optional<std::filesystem::path> stateHome() {
+  return folderFromOrInHome("XDG_STATE_HOME", ".local/state");
+}
+
 }  // namespace kivo::linux_platform

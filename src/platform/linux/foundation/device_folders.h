@@ -12,4 +12,7 @@ std::optional<std::filesystem::path> dataHome();
 /// $XDG_CONFIG_HOME, or ~/.config when that is unset, empty or relative; none without a home.
 std::optional<std::filesystem::path> configHome();
 
+/// $XDG_STATE_HOME, or ~/.local/state when that is unset, empty or relative; none without a home.
+std::optional<std::filesystem::path> stateHome();
+
 }  // namespace kivo::linux_platform

@@ -90,12 +90,11 @@ class Exchange {
     try {
       co_await self->steps();
     } catch (const URLError& error) {
-      self->failure = error.code();
+      self->failure = error;
     } catch (const boost::system::system_error& error) {
-      self->failure =
-          self->stage_ == Code::networkConnectionLost ? answerFailure(error.code()) : self->stage_;
+      self->failure = self->failureFrom(error.code());
     } catch (const std::exception&) {
-      self->failure = self->stage_;
+      self->failure = URLError(self->stage_);
     }
     self->ended = true;
     self->limit.cancel();
@@ -114,7 +113,7 @@ class Exchange {
   bool ended = false;
   /// Once ended: the answer, or else why there is none.
   std::optional<URLAnswer> answer;
-  Code failure = Code::networkConnectionLost;
+  URLError failure{Code::networkConnectionLost};
 
  private:
   Task<void> steps() {
@@ -180,6 +179,15 @@ class Exchange {
       connection_.close();
     }
     throw URLError(stage_);
+  }
+
+  URLError failureFrom(const error_code& error) {
+    if (stage_ == Code::networkConnectionLost) return URLError(answerFailure(error));
+    const long verified = stage_ == Code::secureConnectionFailed
+                              ? SSL_get_verify_result(secured_->native_handle())
+                              : X509_V_OK;
+    if (verified == X509_V_OK) return URLError(stage_);
+    return URLError(stage_, X509_verify_cert_error_string(verified));
   }
 
   // What SSL_set_tlsext_host_name stands for, without its cast.
@@ -256,11 +264,25 @@ class Exchange {
 
 }  // namespace
 
-HTTPURLSession::HTTPURLSession() : trust_(std::make_unique<ServerTrust>()) {}
+HTTPURLSession::HTTPURLSession(std::function<void(const ExchangeOutcome&)> onEnd)
+    : onEnd_(std::move(onEnd)), trust_(std::make_unique<ServerTrust>()) {}
 
 HTTPURLSession::~HTTPURLSession() = default;
 
 Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
+  std::optional<URLError> failure;
+  URLAnswer answer;
+  try {
+    answer = co_await exchanged(std::move(request));
+  } catch (const URLError& error) {
+    failure = error;
+  }
+  if (onEnd_) onEnd_(failure ? ExchangeOutcome(*failure) : answer.response.statusCode);
+  if (failure) throw *failure;
+  co_return answer;
+}
+
+Task<URLAnswer> HTTPURLSession::exchanged(URLRequest request) {
   const auto cancellation = co_await asio::this_coro::cancellation_state;
   if (cancellation.cancelled() != asio::cancellation_type::none) throw URLError(Code::cancelled);
 
@@ -284,7 +306,7 @@ Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
     exchange->abandon();
     throw URLError(cancelledOrOver ? Code::cancelled : Code::timedOut);
   }
-  if (!exchange->answer) throw URLError(exchange->failure);
+  if (!exchange->answer) throw exchange->failure;
   co_return std::move(*exchange->answer);
 }
 

@@ -1,0 +1,173 @@
+#include "phone/account_commands.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "extraction/sms_extraction_client.h"
+#include "feedback/amount_formatter.h"
+#include "phone/backend_check.h"
+#include "phone/phone_terminal.h"
+#include "phone/waiting_texts.h"
+#include "platform/foundation/date.h"
+#include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/currency_codes.h"
+#include "platform/linux/process/terminal_text.h"
+#include "platform/linux/process/text_columns.h"
+#include "platform/linux/user_notifications/notification_permission.h"
+#include "queue/pending_sms_queue.h"
+#include "store/shared_store.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::exitBadUsage;
+using linux_platform::forStandardOutput;
+using linux_platform::GivenParameters;
+using platform::UNAuthorizationStatus;
+using Kind = linux_platform::CommandParameter::Kind;
+
+constexpr std::array<std::pair<const char*, UNAuthorizationStatus>, 5> statuses{{
+    {"authorized", UNAuthorizationStatus::authorized},
+    {"denied", UNAuthorizationStatus::denied},
+    {"not-determined", UNAuthorizationStatus::notDetermined},
+    {"provisional", UNAuthorizationStatus::provisional},
+    {"ephemeral", UNAuthorizationStatus::ephemeral},
+}};
+
+constexpr const char* noCenter = "the notification center does not answer";
+
+// What is wrong with the stored currency, if anything.
+std::optional<std::string> currencyWarning(const SharedStore& store) {
+  const std::string code = AmountFormatter::currencyCode(store);
+  if (linux_platform::isKnownCurrency(code)) return std::nullopt;
+  return '"' + code + "\" is no currency code of ISO 4217, such as EGP; amounts may read wrong.";
+}
+
+// What was given for `name`, as it is stored: made valid UTF-8.
+std::string textOf(const GivenParameters& given, const char* name) {
+  return platform::repairedUtf8(given.at(name));
+}
+
+int signIn(const GivenParameters& given) {
+  const std::string userId = textOf(given, "--user-id");
+  const std::string base = textOf(given, "--url");
+  if (!SMSExtractionClient::endpoint(base)) {
+    return fail("invalid --url \"" + linux_platform::escapedControls(base) +
+                    "\": this is no URL; nothing was stored",
+                exitBadUsage);
+  }
+  auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  store->writeText(StoreKeys::userId, userId);
+  store->writeText(StoreKeys::supabaseUrl, base);
+  if (given.contains("--currency")) {
+    store->writeText(StoreKeys::currency, textOf(given, "--currency"));
+  }
+  if (!store->synchronize()) return exitFailure;
+
+  if (userId.empty() || base.empty()) {
+    return print("Stored. An empty user identifier or URL counts as signed out.\n");
+  }
+  // The check takes some seconds where nobody answers.
+  if (const int failed = print("Signed in at " + forStandardOutput(base) + "\n"); failed != 0) {
+    return failed;
+  }
+  std::string lines;
+  for (const std::string& sentence : BackendCheck::sentences(BackendCheck::find(base))) {
+    lines += forStandardOutput(sentence) + "\n";
+  }
+  if (const auto warning = currencyWarning(*store)) lines += forStandardOutput(*warning) + "\n";
+  return print(lines);
+}
+
+int signOut(const GivenParameters&) {
+  auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  store->writeText(StoreKeys::userId, "");  // a key is never removed
+  store->writeText(StoreKeys::supabaseUrl, "");
+  return store->synchronize() ? print("Signed out.\n") : exitFailure;
+}
+
+std::optional<std::string> permissionWord() {
+  const auto stored = linux_platform::authorizationStatus(extensionBundle);
+  for (const auto& [word, status] : statuses) {
+    if (stored == status) return word;
+  }
+  return std::nullopt;
+}
+
+int showPermission() {
+  const auto word = permissionWord();
+  return word ? print("Notifications: " + *word + "\n") : fail(noCenter);
+}
+
+int notifications(const GivenParameters& given) {
+  const auto wanted = given.find("STATUS");
+  if (wanted == given.end()) return showPermission();
+  for (const auto& [word, status] : statuses) {
+    if (wanted->second != word) continue;
+    if (!linux_platform::setAuthorizationStatus(extensionBundle, status)) return fail(noCenter);
+    return showPermission();
+  }
+  return fail("STATUS is one of authorized, denied, not-determined, provisional, ephemeral",
+              exitBadUsage);
+}
+
+// The line of a status: `name` and what is true of it.
+std::string line(std::string_view name, const std::string& what) {
+  constexpr std::size_t nameWidth = 15;
+  return linux_platform::paddedTo(nameWidth, name) + forStandardOutput(what) + "\n";
+}
+
+std::string backendLines(const SharedStore& store) {
+  const auto base = store.readNonEmptyText(StoreKeys::supabaseUrl);
+  if (!base || !store.readNonEmptyText(StoreKeys::userId)) {
+    return line("Signed in", "no; kivo-phone sign-in does it");
+  }
+  std::string lines = line("Signed in", "at " + *base);
+  if (!SMSExtractionClient::endpoint(*base)) {
+    return lines + line("Backend", "the stored address is no URL; sign in again");
+  }
+  std::string_view name = "Backend";
+  for (const std::string& sentence : BackendCheck::sentences(BackendCheck::find(*base))) {
+    lines += line(std::exchange(name, ""), sentence);
+  }
+  return lines;
+}
+
+int status(const GivenParameters&) {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) return failWithoutStore();
+  const auto items = PendingSmsQueue::load(*store);
+  std::string lines = backendLines(*store);
+  lines += line("Currency", AmountFormatter::currencyCode(*store));
+  if (const auto warning = currencyWarning(*store)) lines += line("", *warning);
+  lines += line("Notifications", permissionWord().value_or(noCenter));
+  lines += line("Waiting", WaitingTexts::sentence(items, linux_platform::lastExchange(),
+                                                  platform::Date::now()));
+  if (!items.empty()) lines += line("", "kivo-phone queue send sends them now");
+  return print(lines);
+}
+
+}  // namespace
+
+std::vector<linux_platform::Command> accountCommands() {
+  return {
+      {"status", "Show where Kivo is signed in, what it can reach and what waits", {}, status},
+      {"sign-in",
+       "Store who the person is and where the backend is",
+       {{"--user-id", "The user identifier"},
+        {"--url", "The backend's base URL"},
+        {"--currency", "The currency code; kept when not given", Kind::optional}},
+       signIn},
+      {"sign-out", "Forget who the person is", {}, signOut},
+      {"notifications",
+       "Show or decide whether Kivo may notify",
+       {{"STATUS", "authorized, denied, not-determined, provisional or ephemeral", Kind::optional}},
+       notifications},
+  };
+}
+
+}  // namespace kivo

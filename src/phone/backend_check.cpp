@@ -1,0 +1,81 @@
+#include "phone/backend_check.h"
+
+#include <chrono>
+#include <utility>
+
+#include "extraction/sms_extraction_client.h"
+#include "platform/linux/concurrency/task_executor.h"
+
+namespace kivo {
+namespace {
+
+using linux_platform::ExchangeOutcome;
+using linux_platform::HTTPURLSession;
+using platform::Task;
+using platform::URL;
+using platform::URLError;
+
+constexpr std::chrono::seconds timeout(5);
+
+Task<void> ask(HTTPURLSession* session, URL endpoint, ExchangeOutcome* outcome) {
+  platform::URLRequest request{.url = std::move(endpoint)};
+  request.timeoutInterval = timeout;
+  try {
+    const platform::URLAnswer answer = co_await session->data(std::move(request));
+    *outcome = answer.response.statusCode;
+  } catch (const URLError& error) {
+    *outcome = error;
+  }
+}
+
+bool isHTTP(const URL& url) { return url.scheme == "http" || url.scheme == "https"; }
+
+bool isOnThisMachine(const URL& url) {
+  return url.host == "localhost" || url.host == "::1" || url.host.starts_with("127.");
+}
+
+std::string sentenceOf(int status) {
+  const std::string answers = "The backend answers, with HTTP status " + std::to_string(status);
+  if (status == 404) {
+    return answers + ": it may have no /functions/v1/sms-extraction; check the base URL.";
+  }
+  if (status / 100 == 3) {
+    return answers + ": redirects are not followed; sign in to the address that it leads to.";
+  }
+  constexpr int notImplemented = 501;  // what some say of any GET
+  if (status / 100 == 5 && status != notImplemented) return answers + ": it is out of order just now.";
+  return answers + ".";
+}
+
+}  // namespace
+
+BackendFindings BackendCheck::find(const std::string& base) {
+  ExchangeOutcome outcome = URLError(URLError::Code::unsupportedURL);
+  HTTPURLSession session;
+  linux_platform::TaskExecutor executor(1);
+  executor.perform(ask(&session, SMSExtractionClient::endpoint(base).value(), &outcome));
+  return {.base = base, .outcome = std::move(outcome)};
+}
+
+std::vector<std::string> BackendCheck::sentences(const BackendFindings& findings) {
+  const URL url = SMSExtractionClient::endpoint(findings.base).value();
+  if (!isHTTP(url)) {
+    return {"The URL needs https:// or http:// in front; until then every message waits."};
+  }
+  std::vector<std::string> sentences;
+  if (const int* const status = std::get_if<int>(&findings.outcome)) {
+    sentences.push_back(sentenceOf(*status));
+    if (url.scheme == "https") sentences.emplace_back("Its certificate is trusted.");
+  } else {
+    sentences.push_back("The backend cannot be reached now: " +
+                        std::get<URLError>(findings.outcome).localizedDescription() +
+                        ". Messages wait until it can.");
+  }
+  if (url.scheme == "http" && !isOnThisMachine(url)) {
+    sentences.emplace_back(
+        "http:// sends each message in clear text to another machine; https:// does not.");
+  }
+  return sentences;
+}
+
+}  // namespace kivo
