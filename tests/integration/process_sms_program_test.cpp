@@ -157,6 +157,18 @@ TEST_F(ProcessSMSByProgram, ABaseURLThatCannotBeParsedStopsTheProcess) {
   EXPECT_EQ(result.errors, "fatal: the stored base URL of the backend cannot be parsed\n");
 }
 
+TEST_F(ProcessSMSByProgram, AHostNameThatBeginsLikeAnAddressIsLookedUpAndNotTakenForOne) {
+  const std::string port = backend.url().substr(backend.url().rfind(':'));
+  signIn("http://127.0.0.1.nip.invalid" + port);
+  const ProgramResult result = processSMS("Paid 150");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, testing::EndsWith("\nSaved offline - will process when connected\n"));
+  EXPECT_THAT(result.output, testing::AnyOf(testing::HasSubstr("URLError cannotFindHost"),
+                                            testing::HasSubstr("URLError timedOut")));
+  EXPECT_THAT(backend.requests(), IsEmpty());
+  EXPECT_THAT(queue(), SizeIs(1));
+}
+
 TEST_F(ProcessSMSByProgram, BrokenTextIsRepairedAndSent) {
   signIn();
   expectAnswered(processSMS("Paid \xff 150 \xe2\x82"), "SMS ignored - not a transaction");
