@@ -57,7 +57,7 @@ std::vector<std::string> shownLines(std::string_view text, std::size_t width) {
   text.remove_suffix(text.size() - std::min(text.size(), text.find_last_not_of("\r\n") + 1));
   while (true) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    const auto line = linux_platform::escapedControls(text.substr(0, end));
+    const auto line = linux_platform::escapedSentence(text.substr(0, end));
     for (std::string& part : wrapped(line, width)) lines.push_back(std::move(part));
     if (end == text.size()) return lines;
     text.remove_prefix(end + 1);
@@ -69,11 +69,11 @@ std::vector<std::string> shownLines(std::string_view text, std::size_t width) {
 DemoScreen::DemoScreen() : coloured_(wantsColour()), width_(widthOfScreen()) {}
 
 void DemoScreen::heading(std::string_view text) {
-  write("\n" + toned(linux_platform::escapedControls(text), Tone::strong) + "\n");
+  write("\n" + toned(linux_platform::escapedSentence(text), Tone::strong) + "\n");
 }
 
 void DemoScreen::line(std::string_view text, Tone tone) {
-  write(toned(linux_platform::escapedControls(text), tone) + "\n");
+  write(toned(linux_platform::escapedSentence(text), tone) + "\n");
 }
 
 void DemoScreen::piece(std::string_view label, std::string_view text, Tone tone) {

@@ -100,7 +100,7 @@ int exportQueue(const GivenParameters&) {
   std::vector<platform::JSONEncoder> objects;
   for (const PendingSmsItem& item : *items) objects.push_back(item.encode());
   const std::string text = platform::JSONEncoder::arrayText(objects);
-  return print(linux_platform::forStandardOutput(text) + "\n");
+  return print(linux_platform::jsonForStandardOutput(text) + "\n");
 }
 
 bool isConfirmed(const PendingSmsItem& item) {

@@ -6,6 +6,7 @@
 #include "feedback/amount_formatter.h"
 #include "feedback/widget_stats.h"
 #include "platform/foundation/number_text.h"
+#include "platform/linux/process/terminal_text.h"
 #include "platform/linux/process/text_columns.h"
 
 namespace kivo {
@@ -53,14 +54,17 @@ std::string WidgetView::asLines(const WidgetFigures& figures) {
 }
 
 std::string WidgetView::asBox(const WidgetFigures& figures) {
-  const std::vector<std::string> rows{"Kivo · today",
-                                      "",
-                                      figures.todayTotal,
-                                      counted(figures.todayCount),
-                                      "",
-                                      "Running total  " + figures.runningTotal};
+  std::vector<std::string> rows{"Kivo · today",
+                                "",
+                                figures.todayTotal,
+                                counted(figures.todayCount),
+                                "",
+                                "Running total  " + figures.runningTotal};
   std::size_t width = smallestWidth;
-  for (const std::string& row : rows) width = std::max(width, columnsOf(row));
+  for (std::string& row : rows) {
+    row = linux_platform::escapedSentence(row);
+    width = std::max(width, columnsOf(row));
+  }
 
   const std::string edge = repeated("─", width + 2);
   std::string box = "╭" + edge + "╮\n";

@@ -121,6 +121,28 @@ TEST_F(ACommandLine, ShowsControlCharactersOfADialogEscapedOnATerminal) {
   EXPECT_THAT(result.output, HasSubstr(R"( at A\x1b[2J\nB\x9b)"));
 }
 
+TEST_F(ACommandLine, ShowsCharactersThatReorderADialogEscapedOnATerminal) {
+  signIn();
+  backend.answers(200, R"({"saved":true,"expense":{"id":"1","description":"Cafe \u202e05.7\u2069",)"
+                       R"("amount":1,"category":"","expense_date":""}})");
+  EXPECT_THAT(onTerminal("perform ProcessSMSIntent --smsText x", "").output,
+              HasSubstr(R"( at Cafe \u202e05.7\u2069)"));
+  EXPECT_THAT(onTerminal("perform ProcessSMSIntent --smsText x --json", "").output,
+              HasSubstr(R"( at Cafe \u202e05.7\u2069"})"));
+  EXPECT_THAT(run({"perform", "ProcessSMSIntent", "--smsText", "x"}).output,
+              HasSubstr(" at Cafe \u202e05.7\u2069\n"));
+}
+
+TEST_F(ACommandLine, ShowsAnAmountOfARightToLeftLocaleWithoutItsMarksOnATerminal) {
+  const testkit::ScopedVariable egyptian("LC_ALL", "ar_EG.UTF-8");
+  signIn();
+  backend.answers(200, testkit::savedAnswer("expense"));
+  EXPECT_THAT(onTerminal("perform ProcessSMSIntent --smsText x", "").output,
+              HasSubstr("Tracked ١٥٠٫٠٠\u00a0ج.م. at Carrefour"));
+  EXPECT_THAT(run({"perform", "ProcessSMSIntent", "--smsText", "x"}).output,
+              HasSubstr("Tracked \u200f١٥٠٫٠٠\u00a0ج.م.\u200f at Carrefour"));
+}
+
 TEST_F(ACommandLine, LeavesADialogAsItIsForAPipe) {
   signIn();
   backend.answers(200, R"({"saved":true,"expense":{"id":"1","description":"A\nB","amount":1,)"

@@ -159,7 +159,9 @@ TEST_F(APhone, CannotDoAnythingWithoutAStore) {
            {"store", "set", "key", "value"},
            {"queue"},
            {"widget"}}) {
-    expectFailure(arguments, 1, "the shared store cannot be opened");
+    expectFailure(arguments, 1,
+                  "cannot open the store: " + folders_.storeFile().parent_path().string() +
+                      " cannot be made: Not a directory");
   }
 }
 

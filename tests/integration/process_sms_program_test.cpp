@@ -82,10 +82,15 @@ TEST_F(ProcessSMSByProgram, ATextOfLineBreaksOnlyIsSent) {
   ASSERT_THAT(backend.requests(), SizeIs(1));
 }
 
-TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaid) {
+TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaidWithTheReason) {
   std::filesystem::create_directories(folders.home());
   std::ofstream(folders.dataHome()) << "a file where the folder should be";
-  expectAnswered(processSMS("Paid 150"), "Failed to access app storage");
+  const ProgramResult result = processSMS("Paid 150");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "Failed to access app storage\n");
+  EXPECT_EQ(result.errors,
+            "kivo-intents: cannot open the store: " + folders.storeFile().parent_path().string() +
+                " cannot be made: Not a directory\n");
 }
 
 TEST_F(ProcessSMSByProgram, APersonWhoIsNotSignedInIsAskedToSignIn) {
@@ -155,6 +160,18 @@ TEST_F(ProcessSMSByProgram, ABaseURLThatCannotBeParsedStopsTheProcess) {
   EXPECT_EQ(result.status, 128 + SIGABRT);
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(result.errors, "fatal: the stored base URL of the backend cannot be parsed\n");
+}
+
+TEST_F(ProcessSMSByProgram, AHostNameThatBeginsLikeAnAddressIsLookedUpAndNotTakenForOne) {
+  const std::string port = backend.url().substr(backend.url().rfind(':'));
+  signIn("http://127.0.0.1.nip.invalid" + port);
+  const ProgramResult result = processSMS("Paid 150");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, testing::EndsWith("\nSaved offline - will process when connected\n"));
+  EXPECT_THAT(result.output, testing::AnyOf(testing::HasSubstr("URLError cannotFindHost"),
+                                            testing::HasSubstr("URLError timedOut")));
+  EXPECT_THAT(backend.requests(), IsEmpty());
+  EXPECT_THAT(queue(), SizeIs(1));
 }
 
 TEST_F(ProcessSMSByProgram, BrokenTextIsRepairedAndSent) {

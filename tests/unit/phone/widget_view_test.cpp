@@ -68,6 +68,12 @@ TEST_F(AWidget, IsAFrameOfEqualLinesOnATerminal) {
             "╰──────────────────────────╯\n");
 }
 
+TEST_F(AWidget, ShowsNothingThatReordersItsFigures) {
+  const std::string box = WidgetView::asBox({"\u200f٥٫٠٠ ج.م.\u200f", 1, "\u202e5"});
+  EXPECT_NE(box.find("│ ٥٫٠٠ ج.م.                │\n"), std::string::npos) << box;
+  EXPECT_NE(box.find("│ Running total  \\u202e5   │\n"), std::string::npos) << box;
+}
+
 TEST_F(AWidget, GrowsWithItsFigures) {
   EXPECT_EQ(WidgetView::asBox({"د.إ", 0, "$1,234,567,890.00"}),
             "╭──────────────────────────────────╮\n"

@@ -40,7 +40,8 @@ TEST(AnHTTPEndpoint, NamesAnIPv6AddressInBrackets) {
 TEST(AnHTTPEndpoint, IsNotNamedByEveryURL) {
   for (const char* const url :
        {"kivo://host/", "host/path", "http:///path", "http://user@:80/", "http://host:0/",
-        "http://host:65536/", "http://host:99999/", "http://host:18446744073709551696/"}) {
+        "http://host:65536/", "http://host:99999/", "http://host:18446744073709551696/",
+        "http://[v1.x]/", "http://[v1.x:y]/"}) {
     try {
       endpoint(url);
       ADD_FAILURE() << url;

@@ -1,6 +1,15 @@
 #include "platform/linux/process/text_columns.h"
 
+#include <clocale>
+#include <cwchar>
+#include <memory>
+#include <string>
+#include <type_traits>
+
 #include <gtest/gtest.h>
+#include <unicode/unistr.h>
+
+#include "platform/linux/process/terminal_text.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -20,6 +29,36 @@ TEST(TextColumns, AreTwoForAWideCharacter) {
 TEST(TextColumns, AreNoneForAccentsAndDirectionMarks) {
   EXPECT_EQ(columnsOf("e\u0301"), 1U);
   EXPECT_EQ(columnsOf("\u200f5\u200f"), 1U);
+}
+
+TEST(TextColumns, AreNoneForTheLaterLettersOfASyllable) {
+  EXPECT_EQ(columnsOf("\u1112\u1161\u11ab"), 2U);
+}
+
+TEST(TextColumns, AreWhatTheSystemHasForEachCharacterThatIsShown) {
+  struct FreeLocale {
+    void operator()(locale_t locale) const { freelocale(locale); }
+  };
+  const std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale> locale(
+      newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr));
+  if (!locale) GTEST_SKIP() << "the system has no locale to ask";
+  const locale_t before = uselocale(locale.get());
+  int compared = 0;
+  for (UChar32 character = ' '; character <= 0x10ffff; ++character) {
+    const bool isSurrogate = character >= 0xd800 && character <= 0xdfff;
+    // Digits in circles and hexagrams, of whose width there are two opinions.
+    const bool disputed = (character >= 0x3248 && character <= 0x324f) ||
+                          (character >= 0x4dc0 && character <= 0x4dff);
+    if (isSurrogate || disputed) continue;
+    std::string text;
+    icu::UnicodeString(character).toUTF8String(text);
+    const int width = wcwidth(static_cast<wchar_t>(character));
+    if (width < 0 || escapedControls(text) != text) continue;  // too new for the system, or escaped
+    EXPECT_EQ(columnsOf(text), static_cast<std::size_t>(width)) << std::hex << character;
+    ++compared;
+  }
+  uselocale(before);
+  EXPECT_GT(compared, 100'000);
 }
 
 TEST(TextColumns, AreOneForBytesThatAreNoText) { EXPECT_EQ(columnsOf("a\xff"), 2U); }

@@ -49,6 +49,25 @@ TEST(AURL, HasAnIPv6HostWithoutBrackets) {
   EXPECT_EQ(pieces("http://[::1]:8080/x"), Pieces("http", "::1", "8080", "/x"));
 }
 
+TEST(AURL, HasAHostNameThatBeginsLikeAnIPv4Address) {
+  EXPECT_EQ(pieces("http://192.168.1.10.nip.example:8080/x"),
+            Pieces("http", "192.168.1.10.nip.example", "8080", "/x"));
+  EXPECT_EQ(pieces("https://10.20.30.40.example.com"),
+            Pieces("https", "10.20.30.40.example.com", "", "/"));
+  EXPECT_EQ(pieces("http://127.0.0.1/x"), Pieces("http", "127.0.0.1", "", "/x"));
+  EXPECT_EQ(pieces("http://127.0.0.1./x"), Pieces("http", "127.0.0.1.", "", "/x"));
+  EXPECT_EQ(pieces("http://1.2.3.4%35/x"), Pieces("http", "1.2.3.4%35", "", "/x"));
+}
+
+TEST(AURL, KeepsThePathOfASocketAsAPercentEncodedHost) {
+  EXPECT_EQ(pieces("http+unix://%2Frun%2Fuser%2F1000%2Fkivo%2Fledger.sock/x"),
+            Pieces("http+unix", "%2Frun%2Fuser%2F1000%2Fkivo%2Fledger.sock", "", "/x"));
+}
+
+TEST(AURL, KeepsTheBracketsOfAnAddressThatIsNoIPv6One) {
+  EXPECT_EQ(pieces("http://[v1.x]:80/"), Pieces("http", "[v1.x]", "80", "/"));
+}
+
 TEST(AURL, DecodesNothing) {
   EXPECT_EQ(pieces("http://h%61st/%7Euser/a%2Fb?%20"),
             Pieces("http", "h%61st", "", "/%7Euser/a%2Fb?%20"));
@@ -62,6 +81,7 @@ TEST(AURL, ParsesThoughItNamesNoEndpoint) {
   EXPECT_EQ(pieces("http:path"), Pieces("http", "", "", "path"));
   EXPECT_EQ(pieces("//host/x"), Pieces("", "host", "", "/x"));
   EXPECT_EQ(pieces(""), Pieces("", "", "", "/"));
+  EXPECT_EQ(pieces("ab:#"), Pieces("ab", "", "", "/"));
 }
 
 TEST(AURL, HasItsPortAsWritten) {

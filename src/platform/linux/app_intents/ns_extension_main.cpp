@@ -43,9 +43,9 @@ void print(const IntentDialog& dialog, bool asJSON) {
   if (asJSON) {
     platform::JSONEncoder object;
     object.encodeString("dialog", dialog.text);
-    platform::printLine(object.text());
+    platform::printLine(jsonForStandardOutput(object.text()));
   } else {
-    platform::printLine(forStandardOutput(dialog.text));
+    platform::printLine(sentenceForStandardOutput(dialog.text));
   }
 }
 

@@ -11,7 +11,9 @@ using platform::URLError;
 
 HTTPEndpoint HTTPEndpoint::of(const platform::URL& url) {
   const bool secure = url.scheme == "https";
-  if ((!secure && url.scheme != "http") || url.host.empty()) {
+  // An address of a later version is not a name: looking it up would ask for another host.
+  const bool reachable = !url.host.empty() && !url.host.starts_with('[');
+  if ((!secure && url.scheme != "http") || !reachable) {
     throw URLError(URLError::Code::unsupportedURL);
   }
   const std::uint16_t usual = secure ? 443 : 80;

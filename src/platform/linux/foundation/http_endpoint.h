@@ -17,7 +17,7 @@ struct HTTPEndpoint {
   std::string authority;
 
   /// The endpoint that `url` names. Throws URLError unsupportedURL when it names none: a scheme
-  /// other than http and https, no host, a port that is 0 or past 65535.
+  /// other than http and https, no host or one in brackets, a port that is 0 or past 65535.
   static HTTPEndpoint of(const platform::URL& url);
 };
 
