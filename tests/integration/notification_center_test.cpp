@@ -32,6 +32,22 @@ class ANotificationCenter : public testing::Test {
                     const std::string& interval = "0.0", const std::string& repeats = "false") {
     return phone.callCenter("Add", {bundle, identifier, content, "--", interval, repeats});
   }
+  // Sends the center alone a signal, as any other program of the person can.
+  static void forge(const std::string& path, const std::string& signal,
+                    const std::vector<std::string>& arguments) {
+    std::vector<std::string> all{"--session", "--type=signal", "--dest=app.kivo.NotificationCenter",
+                                 path, signal};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    const ProgramResult result =
+        linux_platform::runProgram({.program = "dbus-send", .arguments = std::move(all)});
+    ASSERT_EQ(result.status, 0) << result.errors;
+  }
+  static void forgeOwnerChange(const std::vector<std::string>& arguments) {
+    forge("/org/freedesktop/DBus", "org.freedesktop.DBus.NameOwnerChanged", arguments);
+  }
+  static void forgeOfDesktop(const std::string& signal, const std::vector<std::string>& arguments) {
+    forge("/org/freedesktop/Notifications", "org.freedesktop.Notifications." + signal, arguments);
+  }
   std::string status(const std::string& ofBundle) {
     return phone.callCenter("AuthorizationStatus", {ofBundle}).output;
   }
@@ -178,6 +194,29 @@ TEST_F(ANotificationCenter, OpensTheDeepLinkOfTheNotificationThatIsChosen) {
   display.invokeDefaultAction(99);
   display.invokeDefaultAction(shown[0].id);
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://"));
+}
+
+TEST_F(ANotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) {
+  NotificationDisplay display(phone.address());
+  ASSERT_EQ(add("one", "{'userInfo': <{'deepLink': 'kivo-expenses://1'}>}").status, 0);
+  ASSERT_EQ(add("two", "{'userInfo': <{'deepLink': 'kivo-expenses://2'}>}").status, 0);
+  ASSERT_EQ(display.waitForShown(2, 10s).size(), 2U);
+  ASSERT_TRUE(testkit::eventually([&] { return pending() == "(@as [],)\n"; }));
+  forgeOfDesktop("ActionInvoked", {"uint32:1", "string:default"});
+  forgeOfDesktop("NotificationClosed", {"uint32:2", "uint32:2"});
+  forgeOwnerChange({"string:org.freedesktop.Notifications", "string::1.1", "string:"});
+  display.invokeDefaultAction(2);
+  EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://2"));
+}
+
+TEST_F(ANotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
+  NotificationDisplay display(phone.address());
+  const pid_t before = phone.startCenter();
+  forgeOfDesktop("ActionInvoked", {"string:one"});
+  forgeOfDesktop("NotificationClosed", {});
+  forgeOwnerChange({"string:org.freedesktop.Notifications", "uint32:7"});
+  EXPECT_EQ(pending(), "(@as [],)\n");
+  EXPECT_EQ(phone.startCenter(), before);
 }
 
 TEST_F(ANotificationCenter, OpensNothingThatCouldBeAnOptionOrAFile) {
