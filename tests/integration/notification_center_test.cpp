@@ -1,5 +1,6 @@
 // The real program kivo-notification-center, started by a private bus.
 #include <csignal>
+#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -52,6 +53,24 @@ class ANotificationCenter : public testing::Test {
     return phone.callCenter("AuthorizationStatus", {ofBundle}).output;
   }
   std::string pending() { return phone.callCenter("Pending", {bundle}).output; }
+
+  // Has another program add requests with bodies of these sizes, 1 and so on; the answers.
+  static std::string addOther(std::vector<std::string> sizes) {
+    sizes.insert(sizes.begin(), KIVO_CLIENTS_FOLDER "/large_requests.py");
+    return linux_platform::runProgram(
+               {.program = "/usr/bin/python3", .arguments = std::move(sizes)})
+        .output;
+  }
+  std::string pendingOther() { return phone.callCenter("Pending", {"app.other"}).output; }
+
+  // The most memory that `process` has had so far, in KiB.
+  static int peakMemory(pid_t process) {
+    std::ifstream in("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(in, line);) {
+      if (line.starts_with("VmHWM:")) return std::stoi(line.substr(line.find(':') + 1));
+    }
+    return 0;
+  }
 
   testkit::PrivatePhone phone;
 };
@@ -246,6 +265,27 @@ TEST_F(ANotificationCenter, RefusesATriggerThatItCannotKeep) {
   }
   EXPECT_THAT(add("one", link, "1.0", "true").errors, HasSubstr("InvalidArgs"));
   EXPECT_EQ(pending(), "(@as [],)\n");
+}
+
+TEST_F(ANotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) {
+  const pid_t center = phone.startCenter();
+  const std::string large = std::to_string(30 << 20);
+  const std::string refused = "org.freedesktop.DBus.Error.LimitsExceeded\n";
+  EXPECT_EQ(
+      addOther({"2000000", large, large, large, large, large, large, "2097152", "5"}),
+      "kept\n" + refused + refused + refused + refused + refused + refused + refused + "kept\n");
+  EXPECT_EQ(pendingOther(), "(['1', '9'],)\n");
+  EXPECT_EQ(add("one").status, 0);
+  EXPECT_EQ(phone.startCenter(), center);
+  EXPECT_LT(peakMemory(center), 150 << 10);  // KiB
+}
+
+TEST_F(ANotificationCenter, RefusesRequestsWhenWhatWaitsWouldBeLargerThan32MiB) {
+  std::string answers;
+  for (int number = 1; number <= 16; ++number) answers += "kept\n";
+  answers += "org.freedesktop.DBus.Error.LimitsExceeded\n";
+  EXPECT_EQ(addOther(std::vector<std::string>(17, "2000000")), answers);
+  EXPECT_EQ(add("one").status, 0);
 }
 
 TEST_F(ANotificationCenter, TakesNothingOfADeniedBundle) {

@@ -23,10 +23,12 @@ using Done = std::function<void(ShowOutcome)>;
 constexpr const BusObject& desktop = bus_names::desktopNotifications;
 constexpr std::uint64_t withoutTimeLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t mostLinks = 500;
+constexpr std::size_t longestLink = 8 << 10;  // bytes; a longer one is not offered to be opened
 
 std::string deepLink(const UNMutableNotificationContent& content) {
   const auto found = content.userInfo.find("deepLink");
-  return found == content.userInfo.end() ? "" : found->second;
+  const bool opens = found != content.userInfo.end() && found->second.size() <= longestLink;
+  return opens ? found->second : "";
 }
 
 ShowOutcome outcomeOf(const sdbus::Error& error) {
