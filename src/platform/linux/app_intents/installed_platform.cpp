@@ -15,7 +15,7 @@ platform::Task<void> performInto(platform::AppIntent& intent, platform::IntentDi
 
 InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier,
                                      std::function<void()> beforehand)
-    : bus_(SessionBus::usualPatience, std::move(beforehand)),
+    : bus_(SessionBus::usualTimeout, std::move(beforehand)),
       notificationCenter_(bus_, std::string(bundleIdentifier)),
       widgetCenter_(bus_) {
   platform::ProcessWide<platform::URLSession>::install(session_);
