@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/linux/user_notifications/request_reader.h"
+
 namespace kivo {
 
 using linux_platform::AddOutcome;
@@ -17,6 +19,14 @@ NotificationName nameOf(const PendingNotification& notification) {
   return {notification.bundle, notification.request.identifier};
 }
 
+std::size_t sizeOf(const PendingNotification& notification) {
+  return linux_platform::sizeOf(notification.bundle, notification.request);
+}
+
+std::size_t sizeOf(const NotificationName& name) {
+  return linux_platform::sizeOf(name.first) + linux_platform::sizeOf(name.second);
+}
+
 Moment::duration intervalOf(const platform::UNNotificationRequest& request) {
   return std::chrono::ceil<Moment::duration>(request.trigger.timeInterval);
 }
@@ -26,10 +36,13 @@ Moment::duration intervalOf(const platform::UNNotificationRequest& request) {
 NotificationCenter::NotificationCenter(NotificationRecord record, Show show)
     : record_(std::move(record)), show_(std::move(show)), shown_(record_.shown()) {
   for (PendingNotification& notification : record_.pending()) {
+    const std::size_t size = sizeOf(notification);
     const Moment due = notification.due;
     const Moment::duration interval = intervalOf(notification.request);
-    waiting_.push_back(
-        {.notification = std::move(notification), .showAt = due, .longestWait = interval});
+    waiting_.push_back({.notification = std::move(notification),
+                        .size = size,
+                        .showAt = due,
+                        .longestWait = interval});
   }
 }
 
@@ -59,19 +72,33 @@ AddOutcome NotificationCenter::add(const std::string& bundle,
   if (find(name) != waiting_.end()) return AddOutcome::kept;
   if (std::find(shown_.begin(), shown_.end(), name) != shown_.end()) return AddOutcome::kept;
 
-  const Moment::duration interval = intervalOf(request);
-  const Moment due = Date::now() + interval;
-  std::vector<Waiting> withRequest = waiting_;
-  withRequest.push_back(
-      {.notification = {.bundle = bundle, .request = std::move(request), .due = due},
-       .showAt = due,
-       .longestWait = interval});
-  if (withRequest.size() > mostWaiting) withRequest.erase(withRequest.begin());
+  std::optional<Waiting> oldest;
+  if (waiting_.size() >= mostWaiting) {
+    oldest = std::move(waiting_.front());
+    waiting_.erase(waiting_.begin());
+  }
+  const AddOutcome outcome = append({bundle, std::move(request), Date::now()});
+  if (outcome != AddOutcome::kept && oldest) waiting_.insert(waiting_.begin(), *std::move(oldest));
+  return outcome;
+}
 
-  setPendingFrom(withRequest);
-  if (!record_.commit()) return AddOutcome::notKept;
-  waiting_ = std::move(withRequest);
-  return AddOutcome::kept;
+AddOutcome NotificationCenter::append(PendingNotification notification) {
+  const std::size_t size = sizeOf(notification);
+  std::size_t all = size;
+  for (const Waiting& entry : waiting_) all += entry.size;
+  if (all > mostBytesWaiting) return AddOutcome::noRoom;
+
+  const Moment::duration interval = intervalOf(notification.request);
+  notification.due += interval;
+  const Moment due = notification.due;
+  waiting_.push_back({.notification = std::move(notification),
+                      .size = size,
+                      .showAt = due,
+                      .longestWait = interval});
+  setPendingFrom(waiting_);
+  if (record_.commit()) return AddOutcome::kept;
+  waiting_.pop_back();
+  return AddOutcome::notKept;
 }
 
 std::vector<std::string> NotificationCenter::pending(const std::string& bundle) {
@@ -146,7 +173,12 @@ std::vector<NotificationCenter::Waiting>::iterator NotificationCenter::find(
 
 void NotificationCenter::rememberShown(NotificationName name) {
   shown_.push_back(std::move(name));
-  if (shown_.size() > mostRemembered) shown_.pop_front();
+  std::size_t size = 0;
+  for (const NotificationName& one : shown_) size += sizeOf(one);
+  while (shown_.size() > mostRemembered || (size > mostBytesRemembered && shown_.size() > 1)) {
+    size -= sizeOf(shown_.front());
+    shown_.pop_front();
+  }
 }
 
 void NotificationCenter::setPendingFrom(const std::vector<Waiting>& waiting) {

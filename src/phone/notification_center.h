@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,8 +19,11 @@ class NotificationCenter : public linux_platform::NotificationCenterCalls {
  public:
   /// The most requests that wait at a time; one more, and the oldest goes.
   static constexpr std::size_t mostWaiting = 500;
-  /// So many identifiers of what was shown last are known again.
+  /// The most that all of them hold together; a request that would be one too many is refused.
+  static constexpr std::size_t mostBytesWaiting = 32 << 20;
+  /// So many identifiers of what was shown last are known again, fewer if they are very long.
   static constexpr std::size_t mostRemembered = 500;
+  static constexpr std::size_t mostBytesRemembered = 1 << 20;
   /// After this time a notification that the server refused is tried again.
   static constexpr std::chrono::seconds retryInterval{5};
 
@@ -38,8 +42,8 @@ class NotificationCenter : public linux_platform::NotificationCenterCalls {
                               platform::UNAuthorizationStatus status) override;
 
   /// Keeps `request` until its interval from now is over. One whose identifier waits already, or
-  /// was among the last ones shown, is kept no second time. Only a denied bundle is refused: the
-  /// other statuses are the sender's to respect.
+  /// was among the last ones shown, is kept no second time. Of the bundles only a denied one is
+  /// refused: the other statuses are the sender's to respect.
   linux_platform::AddOutcome add(const std::string& bundle,
                                  platform::UNNotificationRequest request) override;
 
@@ -60,12 +64,15 @@ class NotificationCenter : public linux_platform::NotificationCenterCalls {
   };
   struct Waiting {
     PendingNotification notification;
+    /// What it counts of `mostBytesWaiting`.
+    std::size_t size;
     platform::Moment showAt;
     /// From the present, whatever the clock has been set to since.
     platform::Moment::duration longestWait;
     Stage stage = Stage::waiting;
   };
 
+  linux_platform::AddOutcome append(PendingNotification notification);
   std::optional<std::chrono::milliseconds> untilNextIsDue(platform::Moment now) const;
   void ended(const NotificationName& name, linux_platform::ShowOutcome outcome);
   std::vector<Waiting>::iterator find(const NotificationName& name);

@@ -19,6 +19,7 @@
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
+#include "platform/foundation/user_defaults.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/process/terminal_text.h"
@@ -34,10 +35,16 @@ using Controls = QueueListing::Controls;
 using Items = std::vector<PendingSmsItem>;
 using Kind = linux_platform::CommandParameter::Kind;
 
+// Whether anything is stored under `key`, text or not.
+bool isStored(StoreKey key) {
+  const auto defaults = platform::UserDefaults::initWithSuiteName(appGroup);
+  return defaults && defaults->dictionaryRepresentation().contains(std::string(key.name));
+}
+
 // True when a queue is stored that the extension cannot read either.
 bool queueIsBroken(const SharedStore& store) {
   const auto text = store.readText(StoreKeys::pendingSmsQueue);
-  if (!text) return false;
+  if (!text) return isStored(StoreKeys::pendingSmsQueue);
   try {
     return !platform::JSONDecoder::arrayOfObjects(*text).empty();
   } catch (const platform::DecodingError&) {

@@ -62,14 +62,17 @@ std::string QueueListing::text(const std::vector<PendingSmsItem>& items, platfor
     tries.push_back(triedText(item.retryCount));
     texts.push_back(linux_platform::escapedControls(item.smsText));
   }
-  const std::size_t before = widest(numbers) + widest(ages) + widest(tries) + 3 * gap.size();
+  const std::size_t numberWidth = widest(numbers);
+  const std::size_t ageWidth = widest(ages);
+  const std::size_t triedWidth = widest(tries);
+  const std::size_t before = numberWidth + ageWidth + triedWidth + 3 * gap.size();
   const std::size_t left = width > before ? std::max(width - before, shortestText) : shortestText;
 
   std::string listing = heading(items.size());
   for (std::size_t row = 0; row < ages.size(); ++row) {
-    listing += paddedTo(widest(numbers), numbers[row]).append(gap);
-    listing += paddedTo(widest(ages), ages[row]).append(gap);
-    listing += paddedTo(widest(tries), tries[row]).append(gap);
+    listing += paddedTo(numberWidth, numbers[row]).append(gap);
+    listing += paddedTo(ageWidth, ages[row]).append(gap);
+    listing += paddedTo(triedWidth, tries[row]).append(gap);
     listing += linux_platform::cutTo(left, texts[row]) + "\n";
   }
   return listing;

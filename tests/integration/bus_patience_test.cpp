@@ -30,6 +30,12 @@ class AProcess {
     EXPECT_TRUE(startRun().waitFor(10s));
     return Clock::now() - start;
   }
+  // A run that posts notifications with these titles.
+  Clock::duration run(std::vector<std::string> titles) {
+    const Clock::time_point start = Clock::now();
+    testkit::await(bus_.asOneRun(postAll(std::move(titles))));
+    return Clock::now() - start;
+  }
   Clock::duration finish() {
     const Clock::time_point start = Clock::now();
     bus_.finish();
@@ -46,6 +52,10 @@ class AProcess {
     EXPECT_TRUE(error.has_value());
   }
 
+  static platform::Task<void> postAll(std::vector<std::string> titles) {
+    for (const std::string& title : titles) co_await ExpenseNotifier::post(title, "Body");
+  }
+
   linux_platform::SessionBus bus_;
   linux_platform::BusUserNotificationCenter center_{bus_, "app.kivo.expenses.intents"};
 };
@@ -53,6 +63,46 @@ class AProcess {
 void expectASecond(Clock::duration took) {
   EXPECT_GE(took, 900ms);
   EXPECT_LE(took, 1300ms);
+}
+
+// A center that answers its calls after these seconds, as slow_center.py has them.
+class WithACenterThatAnswersSlowly : public testing::Test {
+ protected:
+  void startCenter(std::vector<std::string> pauses) {
+    pauses.insert(pauses.begin(), KIVO_CLIENTS_FOLDER "/slow_center.py");
+    center = std::make_unique<linux_platform::ChildProcess>(
+        linux_platform::ProgramCall{.program = "/usr/bin/python3", .arguments = std::move(pauses)});
+    ASSERT_TRUE(testkit::eventually(
+        [this] { return phone.processOf("app.kivo.NotificationCenter").has_value(); }));
+  }
+
+  testkit::PrivatePhone phone;
+  std::unique_ptr<linux_platform::ChildProcess> center;
+};
+
+TEST_F(WithACenterThatAnswersSlowly, ARunGivesEachOfItsCallsASecond) {
+  startCenter({"0.3"});
+  AProcess process;
+  process.run({"one", "two", "three", "four"});
+  EXPECT_EQ(center->outputSoFar(), "one\ntwo\nthree\nfour\n");
+}
+
+TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatWasNotAnsweredInTime) {
+  startCenter({"0.4", "0.4", "0.4", "never", "0"});
+  AProcess process;
+  const auto took = process.run({"one", "two", "three", "four"});
+  EXPECT_GE(took, 2200ms);
+  EXPECT_LE(took, 2800ms);
+  EXPECT_EQ(center->outputSoFar(), "one\ntwo\n");
+  EXPECT_LE(process.finish(), 200ms);
+}
+
+TEST_F(WithACenterThatAnswersSlowly, ALaterRunAsksAgain) {
+  startCenter({"never", "0"});
+  AProcess process;
+  process.run({"one"});
+  process.run({"two"});
+  EXPECT_EQ(center->outputSoFar(), "two\n");
 }
 
 class WithACenterThatHangs : public testing::Test {

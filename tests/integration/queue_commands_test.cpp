@@ -12,6 +12,7 @@
 #include "testkit/private_folders.h"
 #include "testkit/private_phone.h"
 #include "testkit/queued_items.h"
+#include "testkit/raw_store.h"
 #include "testkit/stored_bytes.h"
 
 namespace kivo {
@@ -219,6 +220,19 @@ TEST_F(AQueueOfTexts, LosesNoneWhenTheStoreCannotBeWritten) {
   // Built to count coverage, the program says after it that it cannot write the counts.
   EXPECT_THAT(result.errors, HasSubstr("\nkivo-phone: nothing was dropped\n"));
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
+}
+
+TEST_F(AQueueOfTexts, ThatIsStoredAsNoTextCannotBeRead) {
+  for (const char* const value : {"7", "1.5", "x'5B5D'"}) {
+    testkit::RawStore(folders.storeFile())
+        .run(std::string("UPDATE defaults SET value = ") + value +
+             " WHERE key = 'pendingSmsQueue'");
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{}, {"export"}, {"show", "1"}}) {
+      expectFailure(arguments, 1,
+                    "the stored queue cannot be read; the next text that is queued replaces it");
+    }
+  }
 }
 
 TEST_F(AQueueOfTexts, ThatCannotBeReadIsLeftAsItIs) {

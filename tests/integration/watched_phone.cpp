@@ -21,20 +21,10 @@ namespace {
 constexpr const char* modemManagerName = "org.freedesktop.ModemManager1";
 constexpr const char* intentsName = "app.kivo.expenses.Intents";
 
-std::filesystem::path made(const std::filesystem::path& folder) {
-  std::filesystem::create_directories(folder);
-  return folder;
-}
-
 std::string withCommas(const std::vector<std::string>& objects) {
   std::string text;
   for (const std::string& object : objects) text += (text.empty() ? "{" : ",{") + object + "}";
   return text;
-}
-
-ProgramCall client(const std::string& script, std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), std::string(KIVO_CLIENTS_FOLDER "/") + script);
-  return {.program = "/usr/bin/python3", .arguments = std::move(arguments)};
 }
 
 }  // namespace
@@ -55,15 +45,20 @@ WatchedPhone::WatchedPhone()
     : WatchedPhone(std::filesystem::temp_directory_path() / "no-services") {}
 
 WatchedPhone::WatchedPhone(const std::filesystem::path& services)
-    : phone(services),
-      systemBus(made(phone.folders().home() / "system")),
-      systemAddress("DBUS_SYSTEM_BUS_ADDRESS", systemBus.address()) {
+    : phone(services), systemAddress("DBUS_SYSTEM_BUS_ADDRESS", systemBus.address()) {
   signIn("http://127.0.0.1:9");
   writeSettings(R"(senders = ["MyBank"])");
   intentsDo("answer");
 }
 
 WatchedPhone::~WatchedPhone() = default;
+
+std::unique_ptr<ChildProcess> WatchedPhone::startClient(const std::string& script,
+                                                        std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), std::string(KIVO_CLIENTS_FOLDER "/") + script);
+  return std::make_unique<ChildProcess>(
+      ProgramCall{.program = "/usr/bin/python3", .arguments = std::move(arguments)});
+}
 
 ProgramResult WatchedPhone::onSystemBus(const std::string& service, const std::string& path,
                                         const std::string& method, const std::string& argument) {
@@ -74,8 +69,7 @@ ProgramResult WatchedPhone::onSystemBus(const std::string& service, const std::s
 }
 
 void WatchedPhone::startModemManager(const std::vector<std::string>& messages) {
-  modemManager = std::make_unique<ChildProcess>(
-      client("modem_manager.py", {R"({"0":[)" + withCommas(messages) + "]}"}));
+  modemManager = startClient("modem_manager.py", {R"({"0":[)" + withCommas(messages) + "]}"});
   if (!eventually([this] { return hasModemManager(); }, std::chrono::seconds(60))) {
     throw std::runtime_error("no ModemManager");
   }
@@ -103,8 +97,7 @@ std::string WatchedPhone::modem(const std::string& command) {
 
 void WatchedPhone::startIntents() {
   intents.reset();
-  intents = std::make_unique<ChildProcess>(
-      client("intents_recorder.py", {notes().string(), behaviour().string()}));
+  intents = startClient("intents_recorder.py", {notes().string(), behaviour().string()});
   const auto isThere = [this] { return phone.processOf(intentsName) == intents->id(); };
   if (!eventually(isThere, std::chrono::seconds(60))) {
     throw std::runtime_error("no service of the intents");

@@ -10,8 +10,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/linux/process/child_process.h"
-#include "platform/linux/process/private_session_bus.h"
 #include "testkit/private_phone.h"
+#include "testkit/private_system_bus.h"
 
 namespace kivo::testkit {
 
@@ -62,6 +62,10 @@ class WatchedPhone : public ::testing::Test {
   /// Ends the watcher where it stands.
   void killWatcher();
 
+  /// Starts the Python program `script` of the clients' folder.
+  static std::unique_ptr<linux_platform::ChildProcess> startClient(
+      const std::string& script, std::vector<std::string> arguments);
+
   /// Runs `kivo-phone watch` with `arguments`.
   static linux_platform::ProgramResult watch(std::vector<std::string> arguments);
   /// Writes the settings file.
@@ -81,7 +85,7 @@ class WatchedPhone : public ::testing::Test {
   std::vector<std::string> handedOnBeforeOneMore();
 
   PrivatePhone phone;
-  linux_platform::PrivateSessionBus systemBus;
+  PrivateSystemBus systemBus;
   ScopedVariable systemAddress;
   std::unique_ptr<linux_platform::ChildProcess> modemManager;
   std::unique_ptr<linux_platform::ChildProcess> intents;

@@ -97,6 +97,18 @@ checksignal = 0
         with self.daemon([messages[0], messages[2]], self.handler("MyBank")):
             self.assertEqual(self.kivo.backend.texts(2), ["A" * 67, "C" * 9])
 
+    def test_hands_over_no_part_of_another_sender_that_has_the_reference_of_a_banks(self):
+        bank, mother = parts("MyBank", "A" * 67 + "B" * 9, 3), parts("Mother", "C" * 67 + "D" * 9, 3)
+        for name, messages, expected in [("first", [bank[0], mother[1]], "A" * 67), ("second", [mother[0], bank[1]], "B" * 9)]:
+            with self.subTest(name):
+                self.setUp()
+                with self.daemon(messages, self.handler("MyBank")):
+                    self.assertEqual(self.kivo.backend.texts(1), [expected])
+
+    def test_takes_no_sender_for_the_dashes_that_end_the_senders(self):
+        with self.daemon([message("--", units("attack")), message("MyBank", units("after it"))], self.handler("MyBank")):
+            self.assertEqual(self.kivo.backend.texts(1), ["after it"])
+
     def test_runs_nothing_that_a_sender_is_named_after(self):
         attacks = ["a;>pwned", "a|>pwned", "$(>pwned)", "a\n>pwned\n", "& >pwned #", "*"]
         messages = [message(sender, units("attack")) for sender in attacks]

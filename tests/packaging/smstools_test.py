@@ -78,6 +78,23 @@ incoming = yes
         result = self.hand("RECEIVED", {"From": "Mother", "Alphabet": "ISO"}, b"From: MyBank\n\nFrom: MyBank\n")
         self.assertEqual((result.returncode, self.kivo.backend.requests), (0, []))
 
+    def test_hands_over_nothing_of_a_sender_whose_name_holds_headers(self):
+        self.modem(*[delivered(name, f"attack {name!r}") for name in
+                     ("\nFrom: MyBank", "MyBank\nx", "MyBank\nFrom: MyBank", "MyBank\n\n", "x\nAlphabet: ISO")],
+                   delivered("MyBank", "after it"))
+        with self.daemon():
+            self.assertEqual(self.kivo.backend.texts(1), ["after it"])
+
+    def test_reads_the_first_header_of_a_name(self):
+        for head in ["From: Mother\nFrom: MyBank\nAlphabet: ISO\n", "From: MyBank\nAlphabet: binary\nAlphabet: ISO\n",
+                     "From: \nFrom: MyBank\nFrom_TOA: D0 alphanumeric, unknown\nAlphabet: ISO\n"]:
+            with self.subTest(head):
+                file = self.folder / "GSM1.abcdef"
+                file.write_text(head + "\nattack")
+                result = subprocess.run([PREFIX / HANDLER, "MyBank", "--", "RECEIVED", file],
+                                        env=self.kivo.environment, capture_output=True, timeout=60)
+                self.assertEqual((result.returncode, self.kivo.backend.requests), (0, []))
+
     def test_hands_over_no_event_but_a_received_text(self):
         head = {"From": "MyBank", "Alphabet": "ISO"}
         for event, headers in [("SENT", head), ("REPORT", head), ("RECEIVED", head | {"Alphabet": "binary"})]:

@@ -54,6 +54,15 @@ TEST(AQueueListing, ShowsWhatWaitsHowLongAndHowOftenItWasTried) {
             "3  2 h      9 times      Paid EGP 9\n");
 }
 
+// When each row measured all of them, 8000 took 40 s.
+TEST(AQueueListing, OfThousandsOfTextsTakesTimeInProportion) {
+  const std::vector<PendingSmsItem> many(5000, waiting("Paid EGP 7", "2026-01-29T08:00:00Z"));
+  const auto start = std::chrono::steady_clock::now();
+  const std::string listing = QueueListing::text(many, now, anyWidth);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+  EXPECT_EQ(std::count(listing.begin(), listing.end(), '\n'), 5003);
+}
+
 TEST(AQueueListing, OfOneTextSpeaksOfOne) {
   EXPECT_EQ(QueueListing::text({waiting("x", "2026-01-31T09:00:00Z")}, now, anyWidth),
             "1 text waits to be sent.\n"

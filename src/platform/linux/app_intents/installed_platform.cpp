@@ -17,7 +17,7 @@ platform::Task<void> performInto(platform::AppIntent& intent, platform::IntentDi
 
 InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier,
                                      std::function<void()> beforehand)
-    : bus_(SessionBus::usualPatience, std::move(beforehand)),
+    : bus_(SessionBus::usualTimeout, std::move(beforehand)),
       session_(rememberExchange),
       notificationCenter_(bus_, std::string(bundleIdentifier)),
       widgetCenter_(bus_) {

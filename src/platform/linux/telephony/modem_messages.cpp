@@ -15,6 +15,7 @@
 #include "platform/linux/process/bus_loop.h"
 #include "platform/linux/process/bus_names.h"
 #include "platform/linux/process/sdbus_events.h"
+#include "platform/linux/process/sdbus_signals.h"
 #include "platform/linux/telephony/modem_wire.h"
 
 namespace kivo::linux_platform {
@@ -32,11 +33,6 @@ std::unique_ptr<sdbus::IConnection> connection() {
   } catch (const sdbus::Error&) {
     throw std::runtime_error("there is no system bus");
   }
-}
-
-std::string signalRule(const char* sender, const char* interface, const char* member) {
-  return std::string("type='signal',sender='") + sender + "',interface='" + interface +
-         "',member='" + member + "'";
 }
 
 // The object went away meanwhile, or never was what it seemed.
@@ -101,8 +97,8 @@ struct ModemMessages::Bus {
   BusLoop loop{eventsOf(*system)};
   std::atomic<bool> stopping = false;
 
-  // The connection of the ModemManager that is there, empty when none is. It is called by this
-  // name, by which the bus starts none, and no answer of one comes from another.
+  // The unique name of the ModemManager that is there, empty when none is. Signals count only from
+  // it. It is called by this name, by which the bus starts none.
   std::string owner;
   bool all = false;
   std::set<std::string> news;    // paths of messages that were heard of
@@ -113,33 +109,17 @@ struct ModemMessages::Bus {
 
 void ModemMessages::Bus::listen() {
   using namespace modem_wire;
-  sdbus::IConnection& bus = *system;
-  const auto on = [&bus](const std::string& rule, auto handle) {
-    bus.addMatch(
-        rule,
-        [handle](sdbus::Message& signal) {
-          try {
-            handle(signal);
-          } catch (const sdbus::Error&) {
-            // A signal of another shape says nothing to us.
-          }
-        },
-        sdbus::floating_slot);
+  const auto onModemManagers = [this](const BusSignal& signal, auto hear) {
+    onSignal(*system, signal, [this, hear](sdbus::Message& message) {
+      if (message.getSender() == owner) hear(message);
+    });
   };
-  on(signalRule(bus_names::bus.service, bus_names::bus.interface, "NameOwnerChanged") + ",arg0='" +
-         service + "'",
-     [this](sdbus::Message& signal) {
-       std::string name;
-       std::string before;
-       std::string after;
-       signal >> name >> before >> after;
-       setOwner(after);
-     });
-  on(signalRule(service, messaging, added), [this](auto& signal) { heardOfAdded(signal); });
-  on(signalRule(service, properties, propertiesChanged) + ",arg0='" + sms + "'",
-     [this](auto& signal) { heardOfChange(signal); });
-  on(signalRule(service, objectManager, interfacesAdded),
-     [this](auto& signal) { heardOfInterfaces(signal); });
+  onOwnerChange(*system, service, [this](const std::string& name) { setOwner(name); });
+  onModemManagers({service, messaging, added}, [this](auto& signal) { heardOfAdded(signal); });
+  onModemManagers({service, properties, propertiesChanged, sms},
+                  [this](auto& signal) { heardOfChange(signal); });
+  onModemManagers({service, objectManager, interfacesAdded},
+                  [this](auto& signal) { heardOfInterfaces(signal); });
 }
 
 void ModemMessages::Bus::findOwner() {
@@ -149,6 +129,7 @@ void ModemMessages::Bus::findOwner() {
   try {
     std::string name;
     sdbus::MethodReply answer = proxy->callMethod(question, patience);
+    if (answer.getSender() != bus_names::bus.service) return;
     answer >> name;
     setOwner(name);
   } catch (const sdbus::Error&) {
@@ -188,6 +169,7 @@ Answer ModemMessages::Bus::call(const std::string& path, const char* interface, 
   auto message = proxy->createMethodCall(interface, method);
   if (argument != nullptr) message << argument;
   sdbus::MethodReply reply = proxy->callMethod(message, patience);
+  if (reply.getSender() != owner) throw sdbus::Error("org.freedesktop.DBus.Error.NoReply", "");
   Answer answer;
   reply >> answer;
   return answer;

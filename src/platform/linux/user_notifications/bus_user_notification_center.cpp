@@ -1,5 +1,6 @@
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -67,32 +68,28 @@ std::shared_ptr<asio::steady_timer> makeTimer(const asio::any_io_executor& execu
   }
 }
 
-// Asks, and suspends until the answer is there or the run's budget is spent; none then, and at once
-// where it cannot wait. A cancellation of the task ends one wait of the timer, not the waiting.
+// Asks, and suspends until the answer is there or the timeout is over; none then, for the rest of
+// the run, and where it cannot wait. A cancellation of the task ends one wait of the timer, not the
+// waiting.
 template <typename Answer>
 platform::Task<std::optional<Answer>> answerInTime(SessionBus* bus, Ask<Answer> ask) {
-  using Clock = std::chrono::steady_clock;
   const asio::any_io_executor executor = co_await asio::this_coro::executor;
-  WaitingBudget whole(bus->patience());
-  WaitingBudget* const own = bus->budgetOf(executor);
-  WaitingBudget& budget = own == nullptr ? whole : *own;
-  const std::chrono::nanoseconds patience = budget.left();
-  if (patience == std::chrono::nanoseconds(0)) co_return std::nullopt;
-  const Clock::time_point start = Clock::now();
-
-  const std::shared_ptr<asio::steady_timer> timer = makeTimer(executor, start + patience);
+  if (bus->isMissing(executor)) co_return std::nullopt;
+  const auto end = std::chrono::steady_clock::now() + bus->timeout();
+  const std::shared_ptr<asio::steady_timer> timer = makeTimer(executor, end);
   if (!timer) co_return std::nullopt;
   const auto meeting = std::make_shared<Meeting<Answer>>();
   // The task's own strand wakes it, so never before it waits.
   meeting->expectWith([executor, timer] { asio::post(executor, [timer] { timer->cancel(); }); });
   ask([meeting](Answer answer) { meeting->give(std::move(answer)); });
 
-  while (!meeting->answered() && Clock::now() < start + patience) {
+  while (!meeting->answered() && std::chrono::steady_clock::now() < end) {
     boost::system::error_code ignored;
     co_await timer->async_wait(asio::redirect_error(asio::use_awaitable, ignored));
   }
-  budget.spend(Clock::now() - start);
-  co_return meeting->leave();
+  std::optional<Answer> answer = meeting->leave();
+  if (!answer) bus->setMissing(executor);
+  co_return answer;
 }
 
 }  // namespace

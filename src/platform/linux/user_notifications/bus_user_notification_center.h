@@ -13,8 +13,8 @@ class SessionBus;
 /// Its tasks run on a TaskExecutor. Cancelling one ends no call: a notification is still posted.
 class BusUserNotificationCenter : public platform::UNUserNotificationCenter {
  public:
-  /// Asks and adds in the name of `bundleIdentifier`. `bus` outlives this object, and the budget
-  /// that a run has on it bounds the run's waiting; once that is spent, it asks nothing any more.
+  /// Asks and adds in the name of `bundleIdentifier`. `bus` outlives this object. Each call has the
+  /// timeout of the bus; after one that was not answered in time, the run asks nothing any more.
   BusUserNotificationCenter(SessionBus& bus, std::string bundleIdentifier);
 
   platform::Task<platform::UNNotificationSettings> notificationSettings() override;

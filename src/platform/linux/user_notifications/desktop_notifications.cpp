@@ -11,6 +11,7 @@
 #include "platform/linux/process/bus_names.h"
 #include "platform/linux/process/desktop_entry.h"
 #include "platform/linux/process/markup_text.h"
+#include "platform/linux/process/sdbus_signals.h"
 #include "platform/linux/user_notifications/desktop_wire.h"
 
 namespace kivo::linux_platform {
@@ -22,16 +23,12 @@ using Done = std::function<void(ShowOutcome)>;
 constexpr const BusObject& desktop = bus_names::desktopNotifications;
 constexpr std::uint64_t withoutTimeLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t mostLinks = 500;
-
-std::string serverChanges() {
-  const BusObject& bus = bus_names::bus;
-  return std::string("type='signal',sender='") + bus.service + "',interface='" + bus.interface +
-         "',member='NameOwnerChanged',arg0='" + desktop.service + "'";
-}
+constexpr std::size_t longestLink = 8 << 10;  // bytes; a longer one is not offered to be opened
 
 std::string deepLink(const UNMutableNotificationContent& content) {
   const auto found = content.userInfo.find("deepLink");
-  return found == content.userInfo.end() ? "" : found->second;
+  const bool opens = found != content.userInfo.end() && found->second.size() <= longestLink;
+  return opens ? found->second : "";
 }
 
 ShowOutcome outcomeOf(const sdbus::Error& error) {
@@ -59,29 +56,28 @@ std::optional<Value> valueOf(sdbus::MethodReply& reply) {
 DesktopNotifications::DesktopNotifications(sdbus::IConnection& connection,
                                            std::function<void()> serverAppeared)
     : server_(sdbus::createProxy(connection, desktop.service, desktop.path)) {
-  server_->uponSignal(desktop_wire::actionInvoked)
-      .onInterface(desktop.interface)
-      .call([this](std::uint32_t id, const std::string& action) {
-        const auto link = links_.find(id);
-        if (link == links_.end() || action != desktop_wire::defaultAction) return;
-        opener_.open(link->second);
-      });
-  server_->uponSignal(desktop_wire::notificationClosed)
-      .onInterface(desktop.interface)
-      .call([this](std::uint32_t id, std::uint32_t) { links_.erase(id); });
-  server_->finishRegistration();
-
-  connection.addMatch(
-      serverChanges(),
-      [this, appeared = std::move(serverAppeared)](sdbus::Message& change) {
-        std::string name;
-        std::string before;
-        std::string after;
-        change >> name >> before >> after;
-        links_.clear();  // another server counts its notifications anew
-        if (!after.empty()) appeared();
-      },
-      sdbus::floating_slot);
+  onSignal(connection, {desktop.service, desktop.interface, desktop_wire::actionInvoked},
+           [this](sdbus::Message& signal) {
+             std::uint32_t id = 0;
+             std::string action;
+             signal >> id >> action;
+             const auto shown = linkOf(id, signal.getSender());
+             if (shown != links_.end() && action == desktop_wire::defaultAction) {
+               opener_.open(shown->second.link);
+             }
+           });
+  onSignal(connection, {desktop.service, desktop.interface, desktop_wire::notificationClosed},
+           [this](sdbus::Message& signal) {
+             std::uint32_t id = 0;
+             signal >> id;
+             const auto shown = linkOf(id, signal.getSender());
+             if (shown != links_.end()) links_.erase(shown);
+           });
+  onOwnerChange(connection, desktop.service,
+                [this, appeared = std::move(serverAppeared)](const std::string& owner) {
+                  links_.clear();  // another server counts its notifications anew
+                  if (!owner.empty()) appeared();
+                });
 }
 
 DesktopNotifications::~DesktopNotifications() = default;
@@ -119,16 +115,24 @@ void DesktopNotifications::notify(const UNMutableNotificationContent& content,
                                               const sdbus::Error* error) {
         if (error != nullptr) return done(outcomeOf(*error));
         // A server that answers without an error has shown it, whatever else it answers.
-        if (const auto id = valueOf<std::uint32_t>(reply)) rememberLink(*id, content);
+        if (const auto id = valueOf<std::uint32_t>(reply)) {
+          rememberLink(*id, reply.getSender(), content);
+        }
         done(ShowOutcome::shown);
       },
       withoutTimeLimit);
 }
 
-void DesktopNotifications::rememberLink(std::uint32_t id,
+DesktopNotifications::Links::iterator DesktopNotifications::linkOf(std::uint32_t id,
+                                                                   const std::string& server) {
+  const auto found = links_.find(id);
+  return found != links_.end() && found->second.server == server ? found : links_.end();
+}
+
+void DesktopNotifications::rememberLink(std::uint32_t id, const std::string& server,
                                         const UNMutableNotificationContent& content) {
   if (deepLink(content).empty()) return;
-  links_[id] = deepLink(content);
+  links_[id] = {.server = server, .link = deepLink(content)};
   // A server that never says what it closed must not make us grow; it counts upwards.
   if (links_.size() > mostLinks) links_.erase(links_.begin());
 }

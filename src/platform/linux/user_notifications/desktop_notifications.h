@@ -45,10 +45,18 @@ class DesktopNotifications {
  private:
   void notify(const platform::UNMutableNotificationContent& content,
               const std::vector<std::string>& capabilities, std::function<void(ShowOutcome)> done);
-  void rememberLink(std::uint32_t id, const platform::UNMutableNotificationContent& content);
+  void rememberLink(std::uint32_t id, const std::string& server,
+                    const platform::UNMutableNotificationContent& content);
+
+  struct Shown {
+    std::string server;  // its unique name, from which alone signals count
+    std::string link;
+  };
+  using Links = std::map<std::uint32_t, Shown>;
+  Links::iterator linkOf(std::uint32_t id, const std::string& server);
 
   std::unique_ptr<sdbus::IProxy> server_;
-  std::map<std::uint32_t, std::string> links_;  // of what is on the screen
+  Links links_;  // of what is on the screen
   LinkOpener opener_;
 };
 

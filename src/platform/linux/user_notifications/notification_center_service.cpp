@@ -1,8 +1,6 @@
 #include "platform/linux/user_notifications/notification_center_service.h"
 
-#include <cmath>
 #include <cstdint>
-#include <map>
 #include <stdexcept>
 #include <utility>
 
@@ -12,65 +10,25 @@
 #include "platform/linux/process/bus_names.h"
 #include "platform/linux/process/sdbus_events.h"
 #include "platform/linux/user_notifications/center_wire.h"
+#include "platform/linux/user_notifications/request_reader.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 constexpr const BusObject& center = bus_names::notificationCenter;
-using WireContent = std::map<std::string, sdbus::Variant>;
 
-sdbus::Error invalid(const std::string& words) {
-  return {"org.freedesktop.DBus.Error.InvalidArgs", words};
-}
-
-template <typename Value>
-Value valueOf(const sdbus::Variant& variant, const char* key) {
-  if (!variant.containsValueOfType<Value>()) {
-    throw invalid(std::string("content has a value of another type under ") + key);
-  }
-  return variant.get<Value>();
-}
-
-platform::UNMutableNotificationContent contentOf(const WireContent& wire) {
-  platform::UNMutableNotificationContent content;
-  for (const auto& [key, value] : wire) {
-    if (key == center_wire::title) {
-      content.title = valueOf<std::string>(value, center_wire::title);
-    } else if (key == center_wire::body) {
-      content.body = valueOf<std::string>(value, center_wire::body);
-    } else if (key == center_wire::sound) {
-      if (valueOf<std::string>(value, center_wire::sound) != center_wire::defaultSound) {
-        throw invalid("there is no sound but the default one");
-      }
-    } else if (key == center_wire::userInfo) {
-      content.userInfo = valueOf<std::map<std::string, std::string>>(value, center_wire::userInfo);
-    } else {
-      throw invalid("content has an unknown key");
-    }
-  }
-  return content;
-}
-
-platform::UNTimeIntervalNotificationTrigger triggerOf(double interval, bool repeats) {
-  const std::chrono::duration<double> timeInterval(interval);
-  if (!platform::UNTimeIntervalNotificationTrigger::isPossible(timeInterval)) {
-    throw invalid("the interval is no time from now to a century");
-  }
-  if (repeats) throw invalid("no notification repeats");
-  return {.timeInterval = timeInterval};
-}
-
-void add(NotificationCenterCalls& calls, const std::string& bundle, const std::string& identifier,
-         const WireContent& content, double interval, bool repeats) {
-  const AddOutcome outcome = calls.add(bundle, {.identifier = identifier,
-                                                .content = contentOf(content),
-                                                .trigger = triggerOf(interval, repeats)});
-  switch (outcome) {
+void add(NotificationCenterCalls& calls, sdbus::MethodCall call) {
+  ReceivedRequest received = readRequest(call);
+  switch (calls.add(received.bundle, std::move(received.request))) {
     case AddOutcome::kept:
+      call.createReply().send();
       return;
     case AddOutcome::denied:
       throw sdbus::Error("org.freedesktop.DBus.Error.AccessDenied",
                          "the person has denied notifications of this bundle");
+    case AddOutcome::noRoom:
+      throw sdbus::Error("org.freedesktop.DBus.Error.LimitsExceeded",
+                         "the requests that wait are too large for one more");
     case AddOutcome::notKept:
       throw sdbus::Error("org.freedesktop.DBus.Error.IOError", "the request cannot be kept");
   }
@@ -79,6 +37,7 @@ void add(NotificationCenterCalls& calls, const std::string& bundle, const std::s
 void setStatus(NotificationCenterCalls& calls, const std::string& bundle, std::int32_t number) {
   const auto status = center_wire::statusOf(number);
   if (!status) throw invalid("there is no such authorization status");
+  if (sizeOf(bundle) > largestRequest) throw tooLarge();
   if (!calls.setAuthorizationStatus(bundle, *status)) {
     throw sdbus::Error("org.freedesktop.DBus.Error.IOError", "the status cannot be kept");
   }
@@ -100,13 +59,9 @@ std::unique_ptr<sdbus::IObject> makeObject(sdbus::IConnection& connection,
       .implementedAs([calls](const std::string& bundle, std::int32_t status) {
         setStatus(*calls, bundle, status);
       });
-  object->registerMethod(center_wire::add)
-      .onInterface(center.interface)
-      .withInputParamNames("bundle", "identifier", "content", "interval", "repeats")
-      .implementedAs([calls](const std::string& bundle, const std::string& identifier,
-                             const WireContent& content, double interval, bool repeats) {
-        add(*calls, bundle, identifier, content, interval, repeats);
-      });
+  object->registerMethod(center.interface, center_wire::add, "ssa{sv}db",
+                         {"bundle", "identifier", "content", "interval", "repeats"}, "", {},
+                         [calls](sdbus::MethodCall call) { add(*calls, std::move(call)); });
   object->registerMethod(center_wire::pending)
       .onInterface(center.interface)
       .withInputParamNames("bundle")

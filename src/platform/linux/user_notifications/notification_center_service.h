@@ -20,6 +20,8 @@ enum class AddOutcome {
   kept,
   /// The person does not want notifications of that bundle.
   denied,
+  /// What waits is too large already.
+  noRoom,
   /// It could not be written.
   notKept,
 };
