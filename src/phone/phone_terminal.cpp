@@ -15,7 +15,7 @@ int fail(const std::string& what, int status) {
   return status;
 }
 
-int failWithoutStore() { return fail("the shared store cannot be opened"); }
+int failWithoutStore() { return exitFailure; }
 
 int print(const std::string& text) {
   std::cout << text << std::flush;

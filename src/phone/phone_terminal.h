@@ -15,7 +15,7 @@ inline constexpr int exitFailure = 1;
 /// Writes `what` as one line on standard error, after the program's name; yields `status`.
 int fail(const std::string& what, int status = exitFailure);
 
-/// `fail`, for a shared store that cannot be opened.
+/// `exitFailure`, for a shared store that cannot be opened. Opening it has said why.
 int failWithoutStore();
 
 /// Writes `text` on standard output as it is; yields 0, or `fail` when that cannot be done.

@@ -16,7 +16,8 @@ namespace kivo {
 /// or suspends; a call may wait up to 10 s for another process that is writing.
 class SharedStore {
  public:
-  /// Opens the store of the app group `identifier`; none when that cannot be done.
+  /// Opens the store of the app group `identifier`; none when that cannot be done, which a line
+  /// on standard error explains.
   static std::optional<SharedStore> open(std::string_view identifier);
 
   /// The text under `key`, valid UTF-8; none when it is absent or holds no text.

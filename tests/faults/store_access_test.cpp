@@ -162,6 +162,8 @@ TEST_F(TheStoreOfTheCenter, IsRefusedBehindALink) {
     const ProgramResult result = linux_platform::runProgram(
         {.program = linux_platform::programFolder() / "kivo-notification-center"});
     EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("kivo-notification-center: cannot open the store: " +
+                                         folder(phone).string()));
     EXPECT_THAT(result.errors, HasSubstr("the notifications on disk cannot be opened"));
     EXPECT_TRUE(fs::is_empty(elsewhere));
   }

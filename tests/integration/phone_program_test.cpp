@@ -145,7 +145,9 @@ TEST_F(APhone, CannotDoAnythingWithoutAStore) {
                                              {"store", "set", "key", "value"},
                                              {"queue"},
                                              {"widget"}}) {
-    expectFailure(arguments, 1, "the shared store cannot be opened");
+    expectFailure(arguments, 1,
+                  "cannot open the store: " + folders_.storeFile().parent_path().string() +
+                      " cannot be created: Not a directory");
   }
 }
 

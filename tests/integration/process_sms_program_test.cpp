@@ -82,10 +82,15 @@ TEST_F(ProcessSMSByProgram, ATextOfLineBreaksOnlyIsSent) {
   ASSERT_THAT(backend.requests(), SizeIs(1));
 }
 
-TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaid) {
+TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaidWithTheReason) {
   std::filesystem::create_directories(folders.home());
   std::ofstream(folders.dataHome()) << "a file where the folder should be";
-  expectAnswered(processSMS("Paid 150"), "Failed to access app storage");
+  const ProgramResult result = processSMS("Paid 150");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "Failed to access app storage\n");
+  EXPECT_EQ(result.errors,
+            "kivo-intents: cannot open the store: " + folders.storeFile().parent_path().string() +
+                " cannot be created: Not a directory\n");
 }
 
 TEST_F(ProcessSMSByProgram, APersonWhoIsNotSignedInIsAskedToSignIn) {

@@ -243,7 +243,9 @@ TEST_F(AQueueOfTexts, CannotBeReachedWithoutAStore) {
   std::ofstream(folders.storeFile().parent_path()) << "a file where the folder should be";
   for (const std::vector<std::string>& arguments :
        std::vector<std::vector<std::string>>{{"show", "1"}, {"export"}, {"drop", "1", "--yes"}}) {
-    expectFailure(arguments, 1, "the shared store cannot be opened");
+    expectFailure(arguments, 1,
+                  "cannot open the store: " + folders.storeFile().parent_path().string() +
+                      " is not a folder; move it away to start with an empty store");
   }
 }
 

@@ -21,9 +21,10 @@ class UserDefaults {
   /// A stored value as it lies on disk; what is neither number nor text comes as monostate.
   using Value = std::variant<std::monostate, std::int64_t, double, std::string>;
 
-  /// Opens the suite, making folder (0700) and file (0600) when there is none yet. None when that
-  /// cannot be done, when one of them is a symbolic link, or when the file is damaged, newer than
-  /// this program or somebody else's; such a file is left as it is.
+  /// Opens the suite, making folder (0700) and file (0600) when there is none yet. None, with one
+  /// line on standard error that says why, when that cannot be done, when one of them is a symbolic
+  /// link, or when the file is damaged, newer than this program or somebody else's; such a file is
+  /// left as it is. The same reason is not said twice in a row.
   static std::optional<UserDefaults> initWithSuiteName(std::string_view suiteName);
 
   UserDefaults(UserDefaults&& other) noexcept;

@@ -1,28 +1,22 @@
 #include "platform/linux/foundation/suite_database.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
-#include <string>
 #include <thread>
 
-#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/opening_failure.h"
 #include "platform/linux/foundation/replaced_text.h"
-#include "platform/linux/process/descriptor.h"
+#include "platform/linux/foundation/suite_folder.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* fileName = "defaults.sqlite3";
 constexpr std::chrono::milliseconds patience(patienceInMilliseconds);
 constexpr auto retryPause = 2ms;
 constexpr std::int64_t applicationId = 0x4B69766F;  // "Kivo" in ASCII
@@ -51,11 +45,6 @@ int queryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
   if (code != SQLITE_ROW) return code == SQLITE_DONE ? SQLITE_ERROR : code;
   value = sqlite3_column_int64(statement.get(), 0);
   return SQLITE_OK;
-}
-
-bool isFolderName(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
 // Before anything else is asked of SQLite: no memory for 20 pages as soon as one is read, and no
@@ -125,57 +114,17 @@ int shortenLog(void* length, sqlite3* database, const char*, int pages) {
   return SQLITE_OK;
 }
 
-// The folder, made when there is none, for its owner only; -1 when it is no folder of ours.
-int openFolder(const std::filesystem::path& path) {
-  mkdir(path.c_str(), 0700);  // that it opens tells
-  const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (folder < 0) return -1;
-  struct stat found {};
-  const bool ours = fstat(folder, &found) == 0 && found.st_uid == geteuid();
-  const bool forOthers = (found.st_mode & 0077) != 0;
-  if (ours && (!forOthers || fchmod(folder, found.st_mode & 0700) == 0)) return folder;
-  close(folder);
-  return -1;
-}
+enum class Owner { nobody, us, newerVersion, others };
 
-// Takes away what others may do with the file. False when it is anything but a plain file; true
-// when there is none.
-bool makePrivate(int folder, const std::string& name) {
-  struct stat found {};
-  if (fstatat(folder, name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT;
-  if (!S_ISREG(found.st_mode)) return false;
-  return (found.st_mode & 0077) == 0 ||
-         fchmodat(folder, name.c_str(), found.st_mode & 0700, AT_SYMLINK_NOFOLLOW) == 0 ||
-         errno == ENOENT;
-}
-
-// So too the files that SQLite keeps beside the database while it is open or being made.
-bool makeAllPrivate(int folder) {
-  for (const char* const suffix : {"", "-wal", "-shm", "-journal", erasureNote}) {
-    if (!makePrivate(folder, std::string(fileName) + suffix)) return false;
-  }
-  return true;
-}
-
-// Makes an empty file unless there is one. Does not open it: closing a second descriptor of a
-// database would drop the locks that another handle of this process holds on it. SQLite takes a
-// file of one byte for an empty one and would overwrite the byte, which is not ours.
-bool makeFile(int folder) {
-  if (mknodat(folder, fileName, S_IFREG | 0600, 0) != 0 && errno != EEXIST) return false;
-  struct stat found {};
-  return fstatat(folder, fileName, &found, AT_SYMLINK_NOFOLLOW) == 0 && found.st_size != 1;
-}
-
-enum class Owner { nobody, us, others };
-
-// Who has filled the database: nobody yet, this program, or somebody else or a newer version. To be
-// called within a transaction, since another process may be filling it.
-int identify(sqlite3* database, Owner& owner) {
+// Who has filled the database, and in which version of its form. To be called within a transaction,
+// since another process may be filling it.
+int identify(sqlite3* database, Owner& owner, std::int64_t& version) {
   std::int64_t id = 0;
-  std::int64_t version = 0;
   int code = queryInteger(database, "PRAGMA application_id", id);
   if (code == SQLITE_OK) code = queryInteger(database, "PRAGMA user_version", version);
-  owner = id == applicationId && version == currentVersion ? Owner::us : Owner::others;
+  owner = Owner::others;
+  if (id == applicationId && version == currentVersion) owner = Owner::us;
+  if (id == applicationId && version > currentVersion) owner = Owner::newerVersion;
   if (code != SQLITE_OK || id != 0 || version != 0) return code;
 
   std::int64_t objects = 0;
@@ -200,36 +149,73 @@ int create(sqlite3* database) {
   if (const int code = execute(database, switchToWal); code != SQLITE_OK) return code;
   return transaction(database, "BEGIN IMMEDIATE", [database] {
     Owner owner = Owner::others;
-    const int code = identify(database, owner);
+    std::int64_t version = 0;
+    const int code = identify(database, owner, version);
     return code == SQLITE_OK && owner == Owner::nobody ? execute(database, creation) : code;
   });
 }
 
 // Brings an opened database to where values can be read and written, touching no foreign one.
-// SQLITE_BUSY means that all of it may be tried again.
-int establish(sqlite3* database) {
+// SQLITE_BUSY means that all of it may be tried again. Throws OpeningFailure for a foreign one.
+int establish(sqlite3* database, const SuiteFolder& folder) {
   Owner owner = Owner::others;
-  const auto look = [database, &owner] { return identify(database, owner); };
+  std::int64_t version = 0;
+  const auto look = [&] { return identify(database, owner, version); };
   int code = transaction(database, "BEGIN", look);
   if (code == SQLITE_OK && owner == Owner::nobody) {
     code = create(database);
     if (code == SQLITE_OK) code = transaction(database, "BEGIN", look);
   }
-  if (code == SQLITE_OK && owner != Owner::us) code = SQLITE_NOTADB;
+  if (code != SQLITE_OK) return code;
+  if (owner == Owner::newerVersion) throw OpeningFailure::isOfNewerVersion(folder.file(), version);
+  if (owner != Owner::us) throw OpeningFailure::isOfAnotherProgram(folder.file());
   // The switch writes nothing to a file that is in this mode already.
-  if (code == SQLITE_OK) code = execute(database, switchToWal);
+  code = execute(database, switchToWal);
   if (code == SQLITE_OK) code = execute(database, settings);
   return code;
 }
 
-int establishPatiently(sqlite3* database) {
+int establishPatiently(sqlite3* database, const SuiteFolder& folder) {
   const auto end = std::chrono::steady_clock::now() + patience;
-  int code = establish(database);
+  int code = establish(database, folder);
   while (code == SQLITE_BUSY && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(retryPause);
-    code = establish(database);
+    code = establish(database, folder);
   }
   return code;
+}
+
+// Before anything is read from the file. A handle lives for a run, reads each value about once, and
+// many runs overlap in one process: the cache of pages would be four fifths of a handle's memory.
+// The last to close the database would move the log into it and take away its files, only for the
+// next run to make them anew: more syncs than the run itself has commits.
+void configure(Database& database) {
+  database.get_deleter().logLength = std::make_unique<int>(0);
+  sqlite3_busy_timeout(database.get(), patienceInMilliseconds);
+  execute(database.get(), "PRAGMA cache_size = 0");
+  sqlite3_db_config(database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  sqlite3_wal_hook(database.get(), shortenLog, database.get_deleter().logLength.get());
+}
+
+// Throws OpeningFailure.
+Database open(const SuiteFolder& folder) {
+  folder.makeFile();
+  folder.makeAllPrivate();
+  sqlite3* opened = nullptr;
+  int code = sqlite3_open_v2(folder.file().c_str(), &opened,
+                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
+                             logKeepingAccess()->zName);
+  Database database(opened);
+  if (code == SQLITE_OK) {
+    configure(database);
+    code = establishPatiently(opened, folder);
+  }
+  if (code != SQLITE_OK) {
+    throw OpeningFailure::ofDatabase(folder.file(), code, sqlite3_system_errno(opened));
+  }
+  folder.makeAllPrivate();
+  eraseIfOwed(opened);
+  return database;
 }
 
 }  // namespace
@@ -259,40 +245,14 @@ int execute(sqlite3* database, const char* sql) {
 }
 
 Database openSuiteDatabase(std::string_view suiteName) {
-  const auto home = dataHome();
-  if (!home || !isFolderName(suiteName)) return nullptr;
-  std::error_code failure;
-  std::filesystem::create_directories(*home, failure);
-  // A link on the way to the folder is the person's own business; from there on none is followed.
-  const std::filesystem::path realHome = std::filesystem::canonical(*home, failure);
-  if (failure) return nullptr;
-  const std::filesystem::path path = realHome / suiteName;
-  const Descriptor folder(openFolder(path));
-  if (folder.number() < 0 || !makeFile(folder.number())) return nullptr;
-  if (!makeAllPrivate(folder.number())) return nullptr;
-
-  sqlite3* opened = nullptr;
-  const int code =
-      sqlite3_open_v2((path / fileName).c_str(), &opened,
-                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
-                      logKeepingAccess()->zName);
-  Database database(opened);
-  if (code != SQLITE_OK) return nullptr;
-  database.get_deleter().logLength = std::make_unique<int>(0);
-  sqlite3_busy_timeout(opened, patienceInMilliseconds);
-  // A handle lives for a run, reads each value about once, and many runs overlap in one process:
-  // the cache of pages would be four fifths of a handle's memory. Before a page is read, since the
-  // cache is made at once.
-  execute(opened, "PRAGMA cache_size = 0");
-  // The last to close the database would move the log into it and take away its files, only for the
-  // next run to make them anew: more syncs than the run itself has commits.
-  sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  sqlite3_wal_hook(opened, shortenLog, database.get_deleter().logLength.get());
-
-  if (establishPatiently(opened) != SQLITE_OK) return nullptr;
-  if (!makeAllPrivate(folder.number())) return nullptr;
-  eraseIfOwed(opened);
-  return database;
+  try {
+    Database database = open(SuiteFolder(suiteName));
+    tellOpened();
+    return database;
+  } catch (const OpeningFailure& failure) {
+    tellNotOpened(failure);
+    return nullptr;
+  }
 }
 
 }  // namespace kivo::linux_platform

@@ -31,10 +31,11 @@ inline constexpr const char* erasureNote = "-unerased";
 /// The database of the suite in its folder of `dataHome`: a table `defaults` of `key` and `value`,
 /// with application_id 0x4B69766F ("Kivo" in ASCII) and user_version 1.
 /// Commits through it are durable. Makes folder and file when there is none; takes from others what
-/// they may do with either, and makes up for an erasure that is owed. Null when there is no home,
-/// when the folder or the file cannot be made or made private, when one of them is a symbolic link
-/// or the folder another user's, and when the file is damaged, newer than this program or somebody
-/// else's; such a file, or what a link leads to, is left as it is. For one task at a time.
+/// they may do with either, and makes up for an erasure that is owed. Null, with one line on
+/// standard error that says why, when there is no home, when the folder or the file cannot be made
+/// or made private, when one of them is a symbolic link or the folder another user's, and when the
+/// file is damaged, newer than this program or somebody else's; such a file, or what a link leads
+/// to, is left as it is. For one task at a time.
 Database openSuiteDatabase(std::string_view suiteName);
 
 /// Compiles `sql` for repeated use; the code is SQLite's.

@@ -7,6 +7,7 @@
 #include <sqlite3.h>
 
 #include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/opening_failure.h"
 #include "platform/linux/foundation/replaced_text.h"
 #include "platform/linux/foundation/suite_database.h"
 
@@ -14,8 +15,10 @@ namespace kivo::platform {
 namespace {
 
 using linux_platform::execute;
+using linux_platform::OpeningFailure;
 using linux_platform::prepare;
 using linux_platform::Statement;
+using linux_platform::tellNotOpened;
 
 // Frees a statement that is used again from its row, its locks and what was bound to it.
 class Use {
@@ -168,7 +171,10 @@ std::optional<UserDefaults> UserDefaults::initWithSuiteName(std::string_view sui
   if (suite->database == nullptr) return std::nullopt;
   const int code =
       prepare(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1", suite->reading);
-  if (code != SQLITE_OK) return std::nullopt;
+  if (code != SQLITE_OK) {  // the table is not there, or not this one
+    tellNotOpened(OpeningFailure::isDamaged(sqlite3_db_filename(suite->database.get(), "main")));
+    return std::nullopt;
+  }
   return UserDefaults(std::move(suite));
 }
 

@@ -1,0 +1,105 @@
+#include "platform/linux/foundation/suite_folder.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/opening_failure.h"
+#include "platform/linux/foundation/suite_database.h"
+
+namespace kivo::linux_platform {
+namespace {
+
+constexpr const char* fileName = "defaults.sqlite3";
+
+bool isFolderName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+// Where the suite's folder belongs. A link on the way there is the person's own business.
+std::filesystem::path pathOf(std::string_view suiteName) {
+  if (!isFolderName(suiteName)) throw OpeningFailure::noFolderName(suiteName);
+  const auto home = dataHome();
+  if (!home) throw OpeningFailure::noHome();
+  std::error_code notMade;
+  std::filesystem::create_directories(*home, notMade);
+  std::error_code notFound;
+  const std::filesystem::path realHome = std::filesystem::canonical(*home, notFound);
+  if (notFound && notMade) throw OpeningFailure::notMade(*home, notMade.value());
+  if (notFound) throw OpeningFailure::notOpened(*home, notFound.value());
+  return realHome / suiteName;
+}
+
+[[noreturn]] void throwWhyNoFolder(const std::filesystem::path& path, int notMade, int notOpened) {
+  struct stat found {};
+  if (lstat(path.c_str(), &found) != 0) throw OpeningFailure::notMade(path, notMade);
+  if (S_ISLNK(found.st_mode)) throw OpeningFailure::isLink(path);
+  if (!S_ISDIR(found.st_mode)) throw OpeningFailure::isNotAFolder(path);
+  throw OpeningFailure::notOpened(path, notOpened);
+}
+
+// The folder, made when there is none. From here on no link is followed.
+int openFolder(const std::filesystem::path& path) {
+  const int notMade = mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+  const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (folder < 0) throwWhyNoFolder(path, notMade, errno);
+  return folder;
+}
+
+}  // namespace
+
+SuiteFolder::SuiteFolder(std::string_view suiteName)
+    : path_(pathOf(suiteName)), folder_(openFolder(path_)) {
+  struct stat found {};
+  if (fstat(folder_.number(), &found) != 0) throw OpeningFailure::notOpened(path_, errno);
+  if (found.st_uid != geteuid()) throw OpeningFailure::isOfAnotherUser(path_);
+  const bool forOthers = (found.st_mode & 0077) != 0;
+  if (forOthers && fchmod(folder_.number(), found.st_mode & 0700) != 0) {
+    throw OpeningFailure::notMadePrivate(path_, errno);
+  }
+}
+
+std::filesystem::path SuiteFolder::file() const { return path_ / fileName; }
+
+// Does not open the file: closing a second descriptor of a database would drop the locks that
+// another handle of this process holds on it. SQLite takes a file of one byte for an empty one and
+// would overwrite the byte, which is not ours.
+void SuiteFolder::makeFile() const {
+  if (mknodat(folder_.number(), fileName, S_IFREG | 0600, 0) != 0 && errno != EEXIST) {
+    throw OpeningFailure::notMade(file(), errno);
+  }
+  struct stat found {};
+  if (fstatat(folder_.number(), fileName, &found, AT_SYMLINK_NOFOLLOW) != 0) {
+    throw OpeningFailure::notOpened(file(), errno);
+  }
+  if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNotADatabase(file());
+}
+
+void SuiteFolder::makeAllPrivate() const {
+  for (const char* const suffix : {"", "-wal", "-shm", "-journal", erasureNote}) {
+    makePrivate(std::string(fileName) + suffix);
+  }
+}
+
+// A missing file is fine: SQLite creates and removes those beside the database.
+void SuiteFolder::makePrivate(const std::string& name) const {
+  struct stat found {};
+  if (fstatat(folder_.number(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (errno == ENOENT) return;
+    throw OpeningFailure::notOpened(path_ / name, errno);
+  }
+  if (S_ISLNK(found.st_mode)) throw OpeningFailure::isLink(path_ / name);
+  if (!S_ISREG(found.st_mode)) throw OpeningFailure::isNotARegularFile(path_ / name);
+  if ((found.st_mode & 0077) == 0) return;
+  if (fchmodat(folder_.number(), name.c_str(), found.st_mode & 0700, AT_SYMLINK_NOFOLLOW) != 0 &&
+      errno != ENOENT) {
+    throw OpeningFailure::notMadePrivate(path_ / name, errno);
+  }
+}
+
+}  // namespace kivo::linux_platform

@@ -1,0 +1,36 @@
+// Creates the folder of a suite and keeps it and its files private. Reads no file.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/process/descriptor.h"
+
+namespace kivo::linux_platform {
+
+/// The folder of a suite, held open. It is not reached through a symbolic link.
+class SuiteFolder {
+ public:
+  /// Opens the suite's folder in `dataHome`, creating it (0700) when there is none. Throws
+  /// OpeningFailure when it cannot be created or made private, is a symbolic link or another
+  /// user's.
+  explicit SuiteFolder(std::string_view suiteName);
+
+  /// The path of the database.
+  [[nodiscard]] std::filesystem::path file() const;
+  /// Creates an empty file (0600) for the database unless there is one. Throws OpeningFailure when
+  /// it cannot be created or cannot be a database.
+  void makeFile() const;
+  /// Removes the permissions of other users from the database and from the files that SQLite keeps
+  /// beside it. Throws OpeningFailure when that fails or one of them is not a regular file.
+  void makeAllPrivate() const;
+
+ private:
+  void makePrivate(const std::string& name) const;
+
+  std::filesystem::path path_;
+  Descriptor folder_;
+};
+
+}  // namespace kivo::linux_platform
