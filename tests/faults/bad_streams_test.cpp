@@ -99,9 +99,10 @@ TEST_F(ARunInBadSurroundings, WithoutAnyHomeHasNoStorageAndWritesNowhere) {
       const ProgramResult result = shell(inHere, {{"HOME", home}, {"XDG_DATA_HOME", data}});
       EXPECT_EQ(result.status, 0);
       EXPECT_EQ(result.output, "Failed to access app storage\n");
-      EXPECT_EQ(result.errors,
-                "kivo-intents: cannot open the store: neither XDG_DATA_HOME nor HOME is the full "
-                "path of a folder; set HOME\n");
+      EXPECT_EQ(
+          result.errors,
+          "kivo-intents: cannot open the store: neither XDG_DATA_HOME nor HOME is an absolute "
+          "path; set HOME\n");
     }
   }
   EXPECT_TRUE(std::filesystem::is_empty(here.path()));

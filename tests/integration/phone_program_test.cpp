@@ -161,7 +161,7 @@ TEST_F(APhone, CannotDoAnythingWithoutAStore) {
            {"widget"}}) {
     expectFailure(arguments, 1,
                   "cannot open the store: " + folders_.storeFile().parent_path().string() +
-                      " cannot be made: Not a directory");
+                      " cannot be created: Not a directory");
   }
 }
 

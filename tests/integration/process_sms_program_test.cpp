@@ -90,7 +90,7 @@ TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaidWithTheReason) {
   EXPECT_EQ(result.output, "Failed to access app storage\n");
   EXPECT_EQ(result.errors,
             "kivo-intents: cannot open the store: " + folders.storeFile().parent_path().string() +
-                " cannot be made: Not a directory\n");
+                " cannot be created: Not a directory\n");
 }
 
 TEST_F(ProcessSMSByProgram, APersonWhoIsNotSignedInIsAskedToSignIn) {

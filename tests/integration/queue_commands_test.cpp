@@ -259,7 +259,7 @@ TEST_F(AQueueOfTexts, CannotBeReachedWithoutAStore) {
        std::vector<std::vector<std::string>>{{"show", "1"}, {"export"}, {"drop", "1", "--yes"}}) {
     expectFailure(arguments, 1,
                   "cannot open the store: " + folders.storeFile().parent_path().string() +
-                      " is not a folder; move it away to begin with an empty store");
+                      " is not a folder; move it away to start with an empty store");
   }
 }
 

@@ -137,7 +137,9 @@ TEST_F(AWatcherThatCannotBegin, SaysThatItCanKeepNoRecord) {
   const testkit::ScopedVariable nowhere("XDG_DATA_HOME", "/dev/null/data");
   const ProgramResult result = run();
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.errors, "kivo-sms-watcher: the record of handled messages cannot be opened\n");
+  EXPECT_EQ(result.errors,
+            "kivo-sms-watcher: cannot open the store: /dev/null/data cannot be created: Not a "
+            "directory\nkivo-sms-watcher: the record of handled messages cannot be opened\n");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ class Grammar {
  public:
   explicit Grammar(std::string_view text) : text_(text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
-      standing_[static_cast<unsigned char>(text[at])] |= Places{1} << at;
+      places_[static_cast<unsigned char>(text[at])] |= Places{1} << at;
     }
     digit_ = any(digits);
     alpha_ = any(letters);
@@ -52,12 +52,12 @@ class Grammar {
  private:
   [[nodiscard]] Places any(std::string_view characters) const {
     Places places = 0;
-    for (const char one : characters) places |= standing_[static_cast<unsigned char>(one)];
+    for (const char one : characters) places |= places_[static_cast<unsigned char>(one)];
     return places;
   }
   static Places step(Places from, Places characters) { return (from & characters) << 1; }
   [[nodiscard]] Places literal(Places from, char character) const {
-    return step(from, standing_[static_cast<unsigned char>(character)]);
+    return step(from, places_[static_cast<unsigned char>(character)]);
   }
 
   template <typename Rule>
@@ -214,8 +214,8 @@ class Grammar {
   }
 
   std::string_view text_;
-  // Where each character stands.
-  std::array<Places, 256> standing_{};
+  // The places before each character.
+  std::array<Places, 256> places_{};
   Places digit_ = 0;
   Places alpha_ = 0;
   Places hexdig_ = 0;

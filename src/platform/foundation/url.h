@@ -12,8 +12,7 @@ struct URL {
   /// Lower case; empty when the text has none.
   std::string scheme;
   /// A name or an IPv4 address as written, percent-encodings included, without user information; an
-  /// IPv6 address without its brackets, an address of any other form in brackets with them. Empty
-  /// when there is none.
+  /// IPv6 address without its brackets, an IPvFuture address with them. Empty when there is none.
   std::string host;
   /// The digits after the colon as written, empty when there are none. Not judged for range.
   std::string port;

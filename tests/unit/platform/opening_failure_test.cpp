@@ -1,4 +1,4 @@
-// What is said about a suite that cannot be opened.
+// The reason that is printed for a suite that cannot be opened.
 #include "platform/linux/foundation/opening_failure.h"
 
 #include <fstream>
@@ -22,7 +22,7 @@ using testkit::ScopedVariable;
 
 class ASuiteThatDoesNotOpen : public SuiteTest {
  protected:
-  // What an attempt to open it writes on standard error.
+  // Returns the output of an attempt to open it on standard error.
   static std::string said() {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(tryToOpen().has_value());
@@ -39,15 +39,17 @@ class ASuiteThatDoesNotOpen : public SuiteTest {
     std::ofstream(file(), std::ios::binary) << bytes;
   }
 
-  static constexpr const char* startOver = "; move it away to begin with an empty store";
+  static constexpr const char* startOver = "; move it away to start with an empty store";
 };
 
 TEST_F(ASuiteThatDoesNotOpen, NamesTheFolderThatIsASymbolicLink) {
   fs::create_directories(folders_.dataHome());
   fs::create_directory_symlink(folders_.home(), folder());
-  EXPECT_EQ(said(), line(folder(),
-                         " is a symbolic link, which is not followed; put what it leads "
-                         "to there"));
+  EXPECT_EQ(
+      said(),
+      line(
+          folder(),
+          " is a symbolic link, which is not followed; replace it with the file or folder itself"));
 }
 
 TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsASymbolicLink) {
@@ -61,15 +63,15 @@ TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsASymbolicLink) {
   }
 }
 
-TEST_F(ASuiteThatDoesNotOpen, NamesTheFolderThatIsNone) {
+TEST_F(ASuiteThatDoesNotOpen, NamesTheFileInPlaceOfTheFolder) {
   fs::create_directories(folders_.dataHome());
   std::ofstream(folder()) << "a file";
   EXPECT_EQ(said(), line(folder(), std::string(" is not a folder") + startOver));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsNoPlainOne) {
+TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsNotRegular) {
   fs::create_directories(file());
-  EXPECT_EQ(said(), line(file(), std::string(" is not a plain file") + startOver));
+  EXPECT_EQ(said(), line(file(), std::string(" is not a regular file") + startOver));
 }
 
 TEST_F(ASuiteThatDoesNotOpen, NamesTheFolderOfAnotherUser) {
@@ -83,7 +85,7 @@ TEST_F(ASuiteThatDoesNotOpen, NamesTheNewerVersion) {
   { open(); }
   RawStore(file()).run("PRAGMA user_version = 2");
   EXPECT_EQ(said(),
-            line(file(), " was written by a newer Kivo (version 2 of the file); install that one"));
+            line(file(), " was written by a newer version of Kivo (file format 2); update Kivo"));
 }
 
 TEST_F(ASuiteThatDoesNotOpen, NamesTheDatabaseOfAnotherProgram) {
@@ -92,7 +94,7 @@ TEST_F(ASuiteThatDoesNotOpen, NamesTheDatabaseOfAnotherProgram) {
   EXPECT_EQ(said(), line(file(), std::string(" is a database of another program") + startOver));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsNoDatabase) {
+TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsNotADatabase) {
   for (const char* const bytes : {"x", "not a database, though it is long enough to be one\n"}) {
     leaveBytes(bytes);
     EXPECT_EQ(said(), line(file(), std::string(" is not a database") + startOver));
@@ -103,9 +105,9 @@ TEST_F(ASuiteThatDoesNotOpen, NamesTheFileThatIsNoDatabase) {
 TEST_F(ASuiteThatDoesNotOpen, NamesTheDamagedFile) {
   { open(); }
   RawStore(file()).run("DROP TABLE defaults");
-  EXPECT_EQ(said(), line(file(),
-                         " is damaged; restore a copy, or move it away to begin with an "
-                         "empty store"));
+  EXPECT_EQ(
+      said(),
+      line(file(), " is damaged; restore a copy, or move it away to start with an empty store"));
 }
 
 TEST_F(ASuiteThatDoesNotOpen, SaysThatThereIsNoHome) {
@@ -113,21 +115,19 @@ TEST_F(ASuiteThatDoesNotOpen, SaysThatThereIsNoHome) {
   for (const auto& home : {std::optional<std::string>(), std::optional<std::string>("relative")}) {
     const ScopedVariable variable("HOME", home);
     linux_platform::tellOpened();
-    EXPECT_EQ(said(), line("",
-                           "neither XDG_DATA_HOME nor HOME is the full path of a folder; set "
-                           "HOME"));
+    EXPECT_EQ(said(), line("", "neither XDG_DATA_HOME nor HOME is an absolute path; set HOME"));
   }
 }
 
 TEST_F(ASuiteThatDoesNotOpen, GivesTheSystemsReasonForAFolderThatCannotBeMade) {
   const ScopedVariable data("XDG_DATA_HOME", "/proc/kivo/data");
-  EXPECT_EQ(said(), line("/proc/kivo/data", " cannot be made: No such file or directory"));
+  EXPECT_EQ(said(), line("/proc/kivo/data", " cannot be created: No such file or directory"));
 }
 
 TEST_F(ASuiteThatDoesNotOpen, GivesTheSystemsReasonForAFolderBelowAFile) {
   fs::create_directories(folders_.home());
   std::ofstream(folders_.dataHome()) << "a file";
-  EXPECT_EQ(said(), line(folder(), " cannot be made: Not a directory"));
+  EXPECT_EQ(said(), line(folder(), " cannot be created: Not a directory"));
 }
 
 TEST_F(ASuiteThatDoesNotOpen, SaysWhenAPermissionIsMissing) {
@@ -142,12 +142,13 @@ TEST_F(ASuiteThatDoesNotOpen, SaysWhenAPermissionIsMissing) {
   }
   const std::string words = said();
   ASSERT_EQ(seteuid(before), 0);
-  EXPECT_THAT(words, EndsWith(": Permission denied; give yourself the permission to read and write "
-                              "it\n"));
+  EXPECT_THAT(
+      words,
+      EndsWith(": Permission denied; change its permissions so that you can read and write it\n"));
   EXPECT_THAT(words, HasSubstr((locked / "data").string()));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, SaysSoOnceUntilItOpensAgain) {
+TEST_F(ASuiteThatDoesNotOpen, SaysTheSameReasonOnceUntilItOpensAgain) {
   leaveBytes("not a database, though it is long enough to be one\n");
   EXPECT_NE(said(), "");
   EXPECT_EQ(said(), "");
@@ -158,15 +159,15 @@ TEST_F(ASuiteThatDoesNotOpen, SaysSoOnceUntilItOpensAgain) {
   EXPECT_NE(said(), "");
 }
 
-TEST_F(ASuiteThatDoesNotOpen, KeepsItsReasonInOneLine) {
+TEST_F(ASuiteThatDoesNotOpen, GivesItsReasonInOneLine) {
   const ScopedVariable data("XDG_DATA_HOME", "/proc/a\nb\x1b[2J");
-  EXPECT_EQ(said(), line("/proc/a\\nb\\x1b[2J", " cannot be made: No such file or directory"));
+  EXPECT_EQ(said(), line("/proc/a\\nb\\x1b[2J", " cannot be created: No such file or directory"));
 }
 
 TEST(AnOpeningFailure, TellsALockedDatabaseFromADamagedOne) {
   using linux_platform::OpeningFailure;
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_BUSY_RECOVERY, 0).what(),
-               "/x is locked by another program; end that one");
+               "/x is locked by another program; stop it and try again");
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_CORRUPT, 0).what(),
                OpeningFailure::isDamaged("/x").what());
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_CANTOPEN, ENOSPC).what(),

@@ -30,14 +30,14 @@ TEST(ATerminalText, EscapesCharactersThatReorderOthers) {
             "EGP \\u200f5,00\\u200e / 900\\u061c");
 }
 
-TEST(ATerminalText, EscapesCharactersThatAreNotSeen) {
+TEST(ATerminalText, EscapesInvisibleCharacters) {
   EXPECT_EQ(escapedControls("1\u200b0\u2060\ufeff\u00ad\u2028\u2029"),
             "1\\u200b0\\u2060\\ufeff\\u00ad\\u2028\\u2029");
   EXPECT_EQ(escapedControls("\u034f\u115f\u3164\u180b\ufe00"),
             "\\u034f\\u115f\\u3164\\u180b\\ufe00");
 }
 
-TEST(ATerminalText, EscapesCharactersThatNobodyKnows) {
+TEST(ATerminalText, EscapesPrivateAndUnassignedCharacters) {
   EXPECT_EQ(escapedControls("\ue000\u0378\uffff"), "\\ue000\\u0378\\uffff");
 }
 
@@ -45,7 +45,7 @@ TEST(ATerminalText, EscapesCharactersOfTagsAndVariants) {
   EXPECT_EQ(escapedControls("\U000e0041\U000e0100\U0010fffd"), "\\U000e0041\\U000e0100\\U0010fffd");
 }
 
-TEST(ATerminalText, KeepsWhatIsSeen) {
+TEST(ATerminalText, KeepsVisibleCharacters) {
   for (const char* const text : {"Paid EGP 1,250.00 \\ ~", "تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م.",
                                  "e\u0301 円 💸", "1\u00a0250,00\u202f€ \u3000"}) {
     EXPECT_EQ(escapedControls(text), text);

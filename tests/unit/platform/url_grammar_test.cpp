@@ -142,7 +142,7 @@ struct Comparison {
   }
 };
 
-TEST(TheGrammarOfURIReferences, IsTheOneThatParsingFollows) {
+TEST(URLParsing, FollowsTheGrammarOnRandomTexts) {
   TextMaker maker;
   Comparison comparison;
   for (int made = 0; made < madeTexts && !testing::Test::HasFatalFailure(); ++made) {
@@ -150,12 +150,12 @@ TEST(TheGrammarOfURIReferences, IsTheOneThatParsingFollows) {
     comparison.add(text);
     comparison.add(maker.spoiled(text));
   }
-  // So that neither side of the comparison runs dry.
+  // Both kinds of text were compared.
   EXPECT_GT(comparison.parsed, madeTexts);
   EXPECT_GT(comparison.refused, madeTexts / 4);
 }
 
-TEST(TheGrammarOfURIReferences, HoldsForEveryShortTextOfDelimiters) {
+TEST(URLParsing, FollowsTheGrammarOnEveryShortTextOfDelimiters) {
   const std::string characters = "a1:/?#[]@%.v";
   Comparison comparison;
   std::vector<std::string> texts{""};

@@ -64,7 +64,7 @@ TEST(AURL, KeepsThePathOfASocketAsAPercentEncodedHost) {
             Pieces("http+unix", "%2Frun%2Fuser%2F1000%2Fkivo%2Fledger.sock", "", "/x"));
 }
 
-TEST(AURL, KeepsTheBracketsOfAnAddressThatIsNoIPv6One) {
+TEST(AURL, KeepsTheBracketsOfAnIPvFutureAddress) {
   EXPECT_EQ(pieces("http://[v1.x]:80/"), Pieces("http", "[v1.x]", "80", "/"));
 }
 

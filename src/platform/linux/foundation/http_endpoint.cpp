@@ -11,7 +11,7 @@ using platform::URLError;
 
 HTTPEndpoint HTTPEndpoint::of(const platform::URL& url) {
   const bool secure = url.scheme == "https";
-  // An address of a later version is not a name: looking it up would ask for another host.
+  // An IPvFuture address is not a name: a lookup would find another host.
   const bool reachable = !url.host.empty() && !url.host.starts_with('[');
   if ((!secure && url.scheme != "http") || !reachable) {
     throw URLError(URLError::Code::unsupportedURL);

@@ -14,7 +14,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-constexpr const char* startOver = "; move it away to begin with an empty store";
+constexpr const char* startOver = "; move it away to start with an empty store";
 
 // A path comes from the environment; whatever it holds, the reason stays one line.
 std::string named(const std::filesystem::path& path) { return escapedControls(path.string()); }
@@ -22,21 +22,21 @@ std::string named(const std::filesystem::path& path) { return escapedControls(pa
 std::string because(int error) {
   std::string reason = ": " + std::generic_category().message(error);
   if (error != EACCES && error != EPERM) return reason;
-  return reason + "; give yourself the permission to read and write it";
+  return reason + "; change its permissions so that you can read and write it";
 }
 
-// What was said last; empty when the last suite could be opened.
-std::string exchangeLastSaid(std::string line) {
+// Returns the last printed line, which is empty once a suite was opened.
+std::string exchangeLastLine(std::string line) {
   static std::mutex mutex;
-  static std::string lastSaid;
+  static std::string lastLine;
   const std::lock_guard lock(mutex);
-  return std::exchange(lastSaid, std::move(line));
+  return std::exchange(lastLine, std::move(line));
 }
 
 }  // namespace
 
 OpeningFailure OpeningFailure::noHome() {
-  return OpeningFailure("neither XDG_DATA_HOME nor HOME is the full path of a folder; set HOME");
+  return OpeningFailure("neither XDG_DATA_HOME nor HOME is an absolute path; set HOME");
 }
 
 OpeningFailure OpeningFailure::noFolderName(std::string_view suiteName) {
@@ -44,7 +44,7 @@ OpeningFailure OpeningFailure::noFolderName(std::string_view suiteName) {
 }
 
 OpeningFailure OpeningFailure::notMade(const Path& path, int error) {
-  return OpeningFailure(named(path) + " cannot be made" + because(error));
+  return OpeningFailure(named(path) + " cannot be created" + because(error));
 }
 
 OpeningFailure OpeningFailure::notOpened(const Path& path, int error) {
@@ -52,21 +52,23 @@ OpeningFailure OpeningFailure::notOpened(const Path& path, int error) {
 }
 
 OpeningFailure OpeningFailure::notMadePrivate(const Path& path, int error) {
-  return OpeningFailure(named(path) + " is open to other users, which cannot be changed" +
+  return OpeningFailure(named(path) +
+                        " is open to other users and its permissions cannot be changed" +
                         because(error));
 }
 
 OpeningFailure OpeningFailure::isLink(const Path& path) {
-  return OpeningFailure(named(path) +
-                        " is a symbolic link, which is not followed; put what it leads to there");
+  return OpeningFailure(
+      named(path) +
+      " is a symbolic link, which is not followed; replace it with the file or folder itself");
 }
 
-OpeningFailure OpeningFailure::isNoFolder(const Path& path) {
+OpeningFailure OpeningFailure::isNotAFolder(const Path& path) {
   return OpeningFailure(named(path) + " is not a folder" + startOver);
 }
 
-OpeningFailure OpeningFailure::isNoPlainFile(const Path& path) {
-  return OpeningFailure(named(path) + " is not a plain file" + startOver);
+OpeningFailure OpeningFailure::isNotARegularFile(const Path& path) {
+  return OpeningFailure(named(path) + " is not a regular file" + startOver);
 }
 
 OpeningFailure OpeningFailure::isOfAnotherUser(const Path& path) {
@@ -74,32 +76,31 @@ OpeningFailure OpeningFailure::isOfAnotherUser(const Path& path) {
 }
 
 OpeningFailure OpeningFailure::isOfNewerVersion(const Path& path, std::int64_t version) {
-  return OpeningFailure(named(path) + " was written by a newer Kivo (version " +
-                        std::to_string(version) + " of the file); install that one");
+  return OpeningFailure(named(path) + " was written by a newer version of Kivo (file format " +
+                        std::to_string(version) + "); update Kivo");
 }
 
 OpeningFailure OpeningFailure::isOfAnotherProgram(const Path& path) {
   return OpeningFailure(named(path) + " is a database of another program" + startOver);
 }
 
-OpeningFailure OpeningFailure::isNoDatabase(const Path& path) {
+OpeningFailure OpeningFailure::isNotADatabase(const Path& path) {
   return OpeningFailure(named(path) + " is not a database" + startOver);
 }
 
 OpeningFailure OpeningFailure::isDamaged(const Path& path) {
-  return OpeningFailure(named(path) +
-                        " is damaged; restore a copy, or move it away to begin with " +
-                        "an empty store");
+  return OpeningFailure(named(path) + " is damaged; restore a copy" +
+                        ", or move it away to start with an empty store");
 }
 
 OpeningFailure OpeningFailure::ofDatabase(const Path& path, int code, int error) {
   switch (code & 0xff) {  // without SQLite's finer distinction
     case SQLITE_NOTADB:
-      return isNoDatabase(path);
+      return isNotADatabase(path);
     case SQLITE_CORRUPT:
       return isDamaged(path);
     case SQLITE_BUSY:
-      return OpeningFailure(named(path) + " is locked by another program; end that one");
+      return OpeningFailure(named(path) + " is locked by another program; stop it and try again");
     default:
       break;
   }
@@ -110,9 +111,9 @@ OpeningFailure OpeningFailure::ofDatabase(const Path& path, int code, int error)
 void tellNotOpened(const OpeningFailure& failure) {
   const std::string line = program_invocation_short_name +
                            (": cannot open the store: " + std::string(failure.what())) + "\n";
-  if (exchangeLastSaid(line) != line) std::fputs(line.c_str(), stderr);
+  if (exchangeLastLine(line) != line) std::fputs(line.c_str(), stderr);
 }
 
-void tellOpened() { exchangeLastSaid({}); }
+void tellOpened() { exchangeLastLine({}); }
 
 }  // namespace kivo::linux_platform

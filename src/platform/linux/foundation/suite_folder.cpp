@@ -39,7 +39,7 @@ std::filesystem::path pathOf(std::string_view suiteName) {
   struct stat found {};
   if (lstat(path.c_str(), &found) != 0) throw OpeningFailure::notMade(path, notMade);
   if (S_ISLNK(found.st_mode)) throw OpeningFailure::isLink(path);
-  if (!S_ISDIR(found.st_mode)) throw OpeningFailure::isNoFolder(path);
+  if (!S_ISDIR(found.st_mode)) throw OpeningFailure::isNotAFolder(path);
   throw OpeningFailure::notOpened(path, notOpened);
 }
 
@@ -77,7 +77,7 @@ void SuiteFolder::makeFile() const {
   if (fstatat(folder_.number(), fileName, &found, AT_SYMLINK_NOFOLLOW) != 0) {
     throw OpeningFailure::notOpened(file(), errno);
   }
-  if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNoDatabase(file());
+  if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNotADatabase(file());
 }
 
 void SuiteFolder::makeAllPrivate() const {
@@ -86,7 +86,7 @@ void SuiteFolder::makeAllPrivate() const {
   }
 }
 
-// A file that is not there, or no longer, is nobody's.
+// A missing file is fine: SQLite creates and removes those beside the database.
 void SuiteFolder::makePrivate(const std::string& name) const {
   struct stat found {};
   if (fstatat(folder_.number(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -94,7 +94,7 @@ void SuiteFolder::makePrivate(const std::string& name) const {
     throw OpeningFailure::notOpened(path_ / name, errno);
   }
   if (S_ISLNK(found.st_mode)) throw OpeningFailure::isLink(path_ / name);
-  if (!S_ISREG(found.st_mode)) throw OpeningFailure::isNoPlainFile(path_ / name);
+  if (!S_ISREG(found.st_mode)) throw OpeningFailure::isNotARegularFile(path_ / name);
   if ((found.st_mode & 0077) == 0) return;
   if (fchmodat(folder_.number(), name.c_str(), found.st_mode & 0700, AT_SYMLINK_NOFOLLOW) != 0 &&
       errno != ENOENT) {

@@ -1,4 +1,4 @@
-// The folder in which the files of a suite lie, and who may do what with them. Reads no file.
+// Creates the folder of a suite and keeps it and its files private. Reads no file.
 #pragma once
 
 #include <filesystem>
@@ -9,20 +9,21 @@
 
 namespace kivo::linux_platform {
 
-/// A folder of this user's own, held open. Nothing in it is reached through a symbolic link.
+/// The folder of a suite, held open. It is not reached through a symbolic link.
 class SuiteFolder {
  public:
-  /// The suite's folder in `dataHome`, made when there is none, for its owner only. Throws
-  /// OpeningFailure when it cannot be made or made private, is a symbolic link or another user's.
+  /// Opens the suite's folder in `dataHome`, creating it (0700) when there is none. Throws
+  /// OpeningFailure when it cannot be created or made private, is a symbolic link or another
+  /// user's.
   explicit SuiteFolder(std::string_view suiteName);
 
-  /// Where the database lies.
+  /// The path of the database.
   [[nodiscard]] std::filesystem::path file() const;
-  /// Makes an empty file for the database unless there is one. Throws OpeningFailure when it cannot
-  /// be made or is certainly no database.
+  /// Creates an empty file (0600) for the database unless there is one. Throws OpeningFailure when
+  /// it cannot be created or cannot be a database.
   void makeFile() const;
-  /// Takes away what others may do with the database and with the files that SQLite keeps beside
-  /// it. Throws OpeningFailure when that cannot be done or one is anything but a plain file.
+  /// Removes the permissions of other users from the database and from the files that SQLite keeps
+  /// beside it. Throws OpeningFailure when that fails or one of them is not a regular file.
   void makeAllPrivate() const;
 
  private:

@@ -12,7 +12,7 @@
 namespace kivo::platform {
 namespace {
 
-// What the components hold besides unreserved characters and percent-encodings.
+// The delimiters that a component may hold besides unreserved characters and percent-encodings.
 constexpr std::string_view ofHost = "!$&'()*+,;=";
 constexpr std::string_view ofUserInformation = "!$&'()*+,;=:";
 constexpr std::string_view ofPath = "!$&'()*+,;=:@/";
@@ -57,8 +57,8 @@ bool isIPv6Address(const std::string& text) {
          inet_pton(AF_INET6, text.c_str(), &address) == 1;
 }
 
-// Whether `text` is of the form that is kept for addresses of a later version ("v1.x:y").
-bool isLaterAddress(std::string_view text) {
+// Whether `text` is an IPvFuture address ("v1.x:y"), as it is written between brackets.
+bool isIPvFuture(std::string_view text) {
   if (text.empty() || (text.front() != 'v' && text.front() != 'V')) return false;
   const std::size_t dot = std::min(text.find('.'), text.size());
   const std::string_view version = text.substr(1, dot - 1);
@@ -88,7 +88,7 @@ std::optional<std::string> takeHost(std::string_view& rest) {
   rest.remove_prefix(1);
   std::string address(opened.substr(1));
   if (isIPv6Address(address)) return address;
-  if (!isLaterAddress(address)) return std::nullopt;
+  if (!isIPvFuture(address)) return std::nullopt;
   return "[" + address + "]";
 }
 

@@ -34,7 +34,7 @@ std::string escape(UChar32 character, Form form) {
   return written("\\u%04x", U16_LEAD(code)) + written("\\u%04x", U16_TRAIL(code));
 }
 
-// Whether nothing is seen of the character, or nobody can say what.
+// Whether the character is invisible, or of unknown appearance.
 bool isHidden(UChar32 character) {
   if (character < firstNotASCII) return character < 0x20 || character == 0x7f;
   constexpr std::uint32_t hidden = U_GC_CC_MASK | U_GC_CF_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK |
@@ -43,8 +43,8 @@ bool isHidden(UChar32 character) {
          u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
 }
 
-// Words of Persian and emoji are spelled with these. They have no direction and move nothing; on
-// their own they would only be unseen.
+// Persian words and emoji are spelled with these. They have no direction, so they reorder nothing;
+// where they shape no character they would only be invisible.
 bool joinsOrDresses(UChar32 character) {
   constexpr UChar32 nonJoiner = 0x200c;
   constexpr UChar32 joiner = 0x200d;

@@ -11,7 +11,7 @@ namespace {
 std::size_t columnsOfCharacter(UChar32 character) {
   constexpr std::uint32_t noRoom = U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK | U_GC_CC_MASK;
   if ((U_GET_GC_MASK(character) & noRoom) != 0) return 0;
-  // Drawn into the syllable that a leading consonant has begun.
+  // Drawn within the syllable that a leading consonant begins.
   const int syllable = u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE);
   if (syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO) return 0;
   const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
