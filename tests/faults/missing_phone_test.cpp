@@ -282,8 +282,8 @@ TEST_F(ARunBesideABadCenter, HasOneThatAnswersNonsense) {
 
 TEST_F(ARunBesideABadCenter, HasOneThatAnswersJustTooLate) {
   startOddCenter();
-  answers("AuthorizationStatus", "s", "i", "import time; time.sleep(0.6); ret = 2");
-  answers("Add", "ssa{sv}db", "", "import time; time.sleep(0.6)");
+  answers("AuthorizationStatus", "s", "i", "import time; time.sleep(1.2); ret = 2");
+  answers("Add", "ssa{sv}db", "", "import time; time.sleep(1.2)");
   answersTheSame("a slow center");
 }
 

@@ -1,16 +1,15 @@
 // The real program kivo-notification-center, started by a private bus.
 #include <csignal>
-#include <fstream>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include "a_notification_center.h"
 #include "platform/foundation/user_defaults.h"
 #include "platform/linux/user_notifications/notification_display.h"
-#include "testkit/private_phone.h"
 
 namespace kivo {
 namespace {
+
+constexpr const char* bundle = notifyingBundle;
+constexpr const char* link = linkedContent;
 
 using linux_platform::NotificationDisplay;
 using linux_platform::ProgramResult;
@@ -21,59 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
-
-constexpr const char* bundle = "app.kivo.expenses.intents";
-constexpr const char* link =
-    "{'title': <'Kept'>, 'body': <'a < b & c > d'>, 'sound': <'default'>, "
-    "'userInfo': <{'deepLink': 'kivo-expenses://'}>}";
-
-class ANotificationCenter : public testing::Test {
- protected:
-  ProgramResult add(const std::string& identifier, const std::string& content = link,
-                    const std::string& interval = "0.0", const std::string& repeats = "false") {
-    return phone.callCenter("Add", {bundle, identifier, content, "--", interval, repeats});
-  }
-  // Sends the center alone a signal, as any other program of the person can.
-  static void forge(const std::string& path, const std::string& signal,
-                    const std::vector<std::string>& arguments) {
-    std::vector<std::string> all{"--session", "--type=signal", "--dest=app.kivo.NotificationCenter",
-                                 path, signal};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    const ProgramResult result =
-        linux_platform::runProgram({.program = "dbus-send", .arguments = std::move(all)});
-    ASSERT_EQ(result.status, 0) << result.errors;
-  }
-  static void forgeOwnerChange(const std::vector<std::string>& arguments) {
-    forge("/org/freedesktop/DBus", "org.freedesktop.DBus.NameOwnerChanged", arguments);
-  }
-  static void forgeOfDesktop(const std::string& signal, const std::vector<std::string>& arguments) {
-    forge("/org/freedesktop/Notifications", "org.freedesktop.Notifications." + signal, arguments);
-  }
-  std::string status(const std::string& ofBundle) {
-    return phone.callCenter("AuthorizationStatus", {ofBundle}).output;
-  }
-  std::string pending() { return phone.callCenter("Pending", {bundle}).output; }
-
-  // Has another program add requests with bodies of these sizes, 1 and so on; the answers.
-  static std::string addOther(std::vector<std::string> sizes) {
-    sizes.insert(sizes.begin(), KIVO_CLIENTS_FOLDER "/large_requests.py");
-    return linux_platform::runProgram(
-               {.program = "/usr/bin/python3", .arguments = std::move(sizes)})
-        .output;
-  }
-  std::string pendingOther() { return phone.callCenter("Pending", {"app.other"}).output; }
-
-  // The most memory that `process` has had so far, in KiB.
-  static int peakMemory(pid_t process) {
-    std::ifstream in("/proc/" + std::to_string(process) + "/status");
-    for (std::string line; std::getline(in, line);) {
-      if (line.starts_with("VmHWM:")) return std::stoi(line.substr(line.find(':') + 1));
-    }
-    return 0;
-  }
-
-  testkit::PrivatePhone phone;
-};
 
 TEST_F(ANotificationCenter, AnswersNotDeterminedForABundleThatWasNeverSet) {
   EXPECT_EQ(status("app.never.set"), "(0,)\n");
@@ -215,29 +161,6 @@ TEST_F(ANotificationCenter, OpensTheDeepLinkOfTheNotificationThatIsChosen) {
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://"));
 }
 
-TEST_F(ANotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) {
-  NotificationDisplay display(phone.address());
-  ASSERT_EQ(add("one", "{'userInfo': <{'deepLink': 'kivo-expenses://1'}>}").status, 0);
-  ASSERT_EQ(add("two", "{'userInfo': <{'deepLink': 'kivo-expenses://2'}>}").status, 0);
-  ASSERT_EQ(display.waitForShown(2, 10s).size(), 2U);
-  ASSERT_TRUE(testkit::eventually([&] { return pending() == "(@as [],)\n"; }));
-  forgeOfDesktop("ActionInvoked", {"uint32:1", "string:default"});
-  forgeOfDesktop("NotificationClosed", {"uint32:2", "uint32:2"});
-  forgeOwnerChange({"string:org.freedesktop.Notifications", "string::1.1", "string:"});
-  display.invokeDefaultAction(2);
-  EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://2"));
-}
-
-TEST_F(ANotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
-  NotificationDisplay display(phone.address());
-  const pid_t before = phone.startCenter();
-  forgeOfDesktop("ActionInvoked", {"string:one"});
-  forgeOfDesktop("NotificationClosed", {});
-  forgeOwnerChange({"string:org.freedesktop.Notifications", "uint32:7"});
-  EXPECT_EQ(pending(), "(@as [],)\n");
-  EXPECT_EQ(phone.startCenter(), before);
-}
-
 TEST_F(ANotificationCenter, OpensNothingThatCouldBeAnOptionOrAFile) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", "{'userInfo': <{'deepLink': '--manual'}>}").status, 0);
@@ -265,27 +188,6 @@ TEST_F(ANotificationCenter, RefusesATriggerThatItCannotKeep) {
   }
   EXPECT_THAT(add("one", link, "1.0", "true").errors, HasSubstr("InvalidArgs"));
   EXPECT_EQ(pending(), "(@as [],)\n");
-}
-
-TEST_F(ANotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) {
-  const pid_t center = phone.startCenter();
-  const std::string large = std::to_string(30 << 20);
-  const std::string refused = "org.freedesktop.DBus.Error.LimitsExceeded\n";
-  EXPECT_EQ(
-      addOther({"2000000", large, large, large, large, large, large, "2097152", "5"}),
-      "kept\n" + refused + refused + refused + refused + refused + refused + refused + "kept\n");
-  EXPECT_EQ(pendingOther(), "(['1', '9'],)\n");
-  EXPECT_EQ(add("one").status, 0);
-  EXPECT_EQ(phone.startCenter(), center);
-  EXPECT_LT(peakMemory(center), 150 << 10);  // KiB
-}
-
-TEST_F(ANotificationCenter, RefusesRequestsWhenWhatWaitsWouldBeLargerThan32MiB) {
-  std::string answers;
-  for (int number = 1; number <= 16; ++number) answers += "kept\n";
-  answers += "org.freedesktop.DBus.Error.LimitsExceeded\n";
-  EXPECT_EQ(addOther(std::vector<std::string>(17, "2000000")), answers);
-  EXPECT_EQ(add("one").status, 0);
 }
 
 TEST_F(ANotificationCenter, TakesNothingOfADeniedBundle) {

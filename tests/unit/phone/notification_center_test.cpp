@@ -74,27 +74,6 @@ class TheNotificationCenter : public testing::Test {
     return center->add(ofBundle, std::move(request));
   }
 
-  AddOutcome addOfSize(const std::string& identifier, std::size_t size) {
-    platform::UNNotificationRequest request{
-        .identifier = identifier, .content = {}, .trigger = {.timeInterval = 1h}};
-    request.content.body = std::string(size, 'x');
-    return center->add(bundle, std::move(request));
-  }
-
-  // A new process that finds `count` requests with bodies of `size` bytes on the disk, all due.
-  void startWith(std::size_t count, std::size_t size) {
-    std::vector<PendingNotification> all(count);
-    for (std::size_t number = 0; number < count; ++number) {
-      all[number].bundle = bundle;
-      all[number].request.identifier = std::to_string(number);
-      all[number].request.content.body = std::string(size, 'x');
-    }
-    auto suite = platform::UserDefaults::initWithSuiteName("app.kivo.NotificationCenter").value();
-    suite.setObject("pendingNotifications", textOf(all));
-    ASSERT_TRUE(suite.synchronize());
-    restart();
-  }
-
   testkit::PrivateFolders folders;
   std::optional<NotificationCenter> center;
   // What was shown, and the way to answer for each of them.
@@ -221,33 +200,6 @@ TEST_F(TheNotificationCenter, LetsTheOldestGoWhenTooManyWait) {
   EXPECT_EQ(center->pending(bundle).back(), "500");
   restart();
   EXPECT_EQ(center->pending(bundle).size(), 500U);
-}
-
-TEST_F(TheNotificationCenter, RefusesARequestWhenWhatWaitsWouldBeLargerThan32MiB) {
-  startWith(500, 66'000);
-  EXPECT_EQ(addOfSize("large", 2'000'000), AddOutcome::noRoom);
-  EXPECT_EQ(center->pending(bundle).size(), 500U);
-  EXPECT_EQ(center->pending(bundle).front(), "0");
-  EXPECT_EQ(addOfSize("small", 60'000), AddOutcome::kept);
-  EXPECT_EQ(center->pending(bundle).back(), "small");
-}
-
-TEST_F(TheNotificationCenter, HasRoomAgainForWhatWasShown) {
-  startWith(16, 2'000'000);
-  ASSERT_EQ(addOfSize("large", 2'000'000), AddOutcome::noRoom);
-  center->showDue();
-  answers.at(0)(ShowOutcome::shown);
-  EXPECT_EQ(addOfSize("large", 2'000'000), AddOutcome::kept);
-}
-
-TEST_F(TheNotificationCenter, RemembersFewerOfWhatWasShownWhenTheirIdentifiersAreVeryLong) {
-  for (const char first : {'a', 'b', 'c'}) {
-    add(first + std::string(400'000, 'x'), 0s);
-    center->showDue();
-    answers.back()(ShowOutcome::shown);
-  }
-  for (const char first : {'c', 'b', 'a'}) add(first + std::string(400'000, 'x'), 0s);
-  EXPECT_EQ(center->pending(bundle).size(), 1U);
 }
 
 TEST_F(TheNotificationCenter, KnowsThePermissionOfEachBundle) {

@@ -110,7 +110,7 @@ std::size_t sizeOf(const std::string& text) {
   const auto escaped = std::count_if(text.begin(), text.end(), [](unsigned char character) {
     return character < ' ' || character == '"' || character == '\\';
   });
-  return text.size() + sizeof text + escape * static_cast<std::size_t>(escaped);
+  return text.size() + sizeof(std::string) + escape * static_cast<std::size_t>(escaped);
 }
 
 std::size_t sizeOf(const std::string& bundle, const platform::UNNotificationRequest& request) {
