@@ -67,7 +67,7 @@ int signOut(const GivenParameters&) {
   return store->synchronize() ? print("Signed out.\n") : exitFailure;
 }
 
-int setNotifications(const GivenParameters& given) {
+const std::map<std::string, UNAuthorizationStatus>& notificationStatuses() {
   static const std::map<std::string, UNAuthorizationStatus> statuses{
       {"not-determined", UNAuthorizationStatus::notDetermined},
       {"denied", UNAuthorizationStatus::denied},
@@ -75,6 +75,17 @@ int setNotifications(const GivenParameters& given) {
       {"provisional", UNAuthorizationStatus::provisional},
       {"ephemeral", UNAuthorizationStatus::ephemeral},
   };
+  return statuses;
+}
+
+std::vector<std::string> notificationStatusNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, status] : notificationStatuses()) names.push_back(name);
+  return names;
+}
+
+int setNotifications(const GivenParameters& given) {
+  const auto& statuses = notificationStatuses();
   const auto status = statuses.find(given.at("STATUS"));
   if (status == statuses.end()) {
     return fail("STATUS is one of authorized, denied, not-determined, provisional, ephemeral",
@@ -163,7 +174,9 @@ linux_platform::CommandProgram phone() {
               {"sign-out", "Forget who the person is", {}, signOut},
               {"notifications",
                "Decide whether Kivo may notify",
-               {{"STATUS", "authorized, denied, not-determined, provisional or ephemeral"}},
+               {{.name = "STATUS",
+                 .meaning = "authorized, denied, not-determined, provisional or ephemeral",
+                 .values = notificationStatusNames}},
                setNotifications},
               {"store", "Show or change the values that app, widget and extension share", {}, {}},
               {"store list", "Show every value of the shared store", {}, listStore},

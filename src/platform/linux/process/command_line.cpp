@@ -10,6 +10,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "platform/linux/process/command_description.h"
+
 namespace kivo::linux_platform {
 namespace {
 
@@ -133,6 +135,7 @@ void complain(const std::string& program, const std::string& what) {
 }
 
 int runCommand(const CommandProgram& program, int argc, char** argv) {
+  if (argc == 2 && argv[1] == describeOption) return printDescription(program);
   CLI::App app(program.purpose, program.name);
   app.set_version_flag("--version", program.name + " " + program.version);
   app.allow_extras()->require_subcommand(0, 1);
