@@ -8,6 +8,10 @@
 
 namespace kivo::linux_platform {
 
+/// What to tell the person when `TerminalWindows::open` yields false.
+inline constexpr const char* noTerminalWindow =
+    "no terminal can be opened; the variable TERMINAL can name one";
+
 /// The calls that can show `command` in a window of its own, best first: by xdg-terminal-exec, by
 /// the program that the variable TERMINAL names, by x-terminal-emulator, then by what desktops
 /// bring. The window stays, once `command` has ended, until the person has pressed Enter.
