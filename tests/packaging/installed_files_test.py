@@ -5,6 +5,7 @@ import os
 import pathlib
 import re
 import stat
+import struct
 import subprocess
 import unittest
 
@@ -59,6 +60,17 @@ class InstalledFiles(unittest.TestCase):
         drawn = pathlib.Path(self.kivo.folder) / "icon.png"
         self.assertEqual(judge("rsvg-convert", "--width", "64", icon, "--output", drawn), ("", 0))
         self.assertGreater(drawn.stat().st_size, 500)
+
+    def test_the_icon_is_there_for_desktops_that_draw_no_svg(self):
+        icons = self.share / "icons/hicolor"
+        sizes = {path.parents[1].name: path for path in icons.rglob("apps/app.kivo.expenses.png")}
+        self.assertEqual(set(sizes), {f"{side}x{side}" for side in (16, 22, 24, 32, 48, 64, 128, 256)})
+        for size, path in sizes.items():
+            content = path.read_bytes()
+            self.assertEqual(content[:8], b"\x89PNG\r\n\x1a\n")
+            width, height = struct.unpack(">II", content[16:24])
+            self.assertEqual(f"{width}x{height}", size)
+            self.assertNotIn(b"tIME", content)  # the same bytes each time
 
     def test_software_centers_know_the_application(self):
         said, status = judge("appstreamcli", "validate", "--no-net", "--pedantic",
