@@ -54,6 +54,10 @@ class InstalledFiles(unittest.TestCase):
         self.assertEqual(entry["X-GNOME-UsesNotifications"], "true")
         self.assertIn(PREFIX / "bin" / entry["Exec"].split()[0], self.programs)
         self.assertTrue((self.share / f"icons/hicolor/scalable/apps/{entry['Icon']}.svg").exists())
+        # Whatever a link holds comes after what ends the options.
+        self.assertEqual(entry["MimeType"], "x-scheme-handler/kivo-expenses;")
+        self.assertEqual(entry["Exec"].split()[1:], ["open", "--", "%u"])
+        self.assertEqual(entry["Terminal"], "false")
 
     def test_the_icon_can_be_drawn(self):
         icon = self.share / "icons/hicolor/scalable/apps/app.kivo.expenses.svg"
