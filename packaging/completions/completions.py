@@ -53,43 +53,47 @@ def shell_words(words):
     return " ".join(shlex.quote(word) for word in words)
 
 
-def bash(program):
-    function = function_name(program)
-    valued = " | ".join(shlex.quote(f"{command}:{one['name']}") for command, one in program.options_with_value())
-    lines = [
-        f"# bash completion for {program.name}",
-        f"{function}() {{",
-        "    local IFS=$'\\n' current=${COMP_WORDS[COMP_CWORD]} named= at place=0 value= offered=() options=() one",
-        "    COMPREPLY=()",
-        "    for ((at = 1; at < COMP_CWORD; at++)); do",
-        "        one=${COMP_WORDS[at]}",
-        "        case $place:${named:+$named }$one in",
-    ]
+def bash_words_before(program):
+    """Goes through the words before the current one: which command they name, how many arguments follow
+    it, and which option the current word is the value of."""
+    lines = ["        case $place:${named:+$named }$one in"]
     lines += [f"        0:{shlex.quote(name)}) named={shlex.quote(name)}; continue ;;" for name in program.commands if name]
     lines += ["        esac", "        case $named:$one in"]
-    if valued:
-        lines.append(f"        {valued}) ((++at == COMP_CWORD)) && value=$one ;;")
-    lines += [
-        "        *:-?*) ;;",
-        "        *) ((++place)) ;;",
-        "        esac",
-        "    done",
-        "    case $named:$place:$value in",
-    ]
+    if valued := [shlex.quote(f"{command}:{one['name']}") for command, one in program.options_with_value()]:
+        lines.append(f"        {' | '.join(valued)}) ((++at == COMP_CWORD)) && value=$one ;;")
+    return lines + ["        *:-?*) ;;", "        *) ((++place)) ;;", "        esac"]
+
+
+def bash_offers(program):
+    """What can come next: values or commands in `offered`, and options."""
+    lines = ["    case $named:$place:$value in"]
     for command, one in program.options_with_value():
-        lines.append(f"    {shlex.quote(command)}:*:{one['name']}) offered=({shell_words(one['values'])}) ;;")
+        if one["values"]:
+            lines.append(f"    {shlex.quote(command)}:*:{one['name']}) offered=({shell_words(one['values'])}) ;;")
     for command in program.commands:
-        first = list(program.subcommands(command))
-        for place, argument in enumerate(program.arguments(command) or [{"values": []}]):
-            offered = (first if place == 0 else []) + argument["values"]
+        places = [argument["values"] for argument in program.arguments(command)]
+        for place, offered in enumerate([list(program.subcommands(command))] if program.subcommands(command) else places):
             if offered:
                 lines.append(f"    {shlex.quote(command)}:{place}:) offered=({shell_words(offered)}) ;;")
     lines += ["    esac", "    case $named:$value in"]
     for command in program.commands:
         if program.options(command):
             lines.append(f"    {shlex.quote(command)}:) options=({' '.join(one['name'] for one in program.options(command))}) ;;")
-    lines += [
-        "    esac",
+    return lines + ["    esac"]
+
+
+def bash(program):
+    function = function_name(program)
+    return "\n".join([
+        f"# bash completion for {program.name}",
+        f"{function}() {{",
+        "    local IFS=$'\\n' current=${COMP_WORDS[COMP_CWORD]} named= at place=0 value= offered=() options=() one",
+        "    COMPREPLY=()",
+        "    for ((at = 1; at < COMP_CWORD; at++)); do",
+        "        one=${COMP_WORDS[at]}",
+        *bash_words_before(program),
+        "    done",
+        *bash_offers(program),
         "    [[ $current == -* || ${#offered[@]} -eq 0 ]] && offered+=(\"${options[@]}\")",
         "    for one in \"${offered[@]}\"; do",
         "        # A word that is being quoted is compared as it is typed.",
@@ -101,8 +105,7 @@ def bash(program):
         "    done",
         "}",
         f"complete -F {function} {program.name}",
-    ]
-    return "\n".join(lines) + "\n"
+    ]) + "\n"
 
 
 def zsh_text(text):

@@ -55,7 +55,7 @@ class Completions(unittest.TestCase):
         return json.loads(cls.kivo.run(program, "--describe"))
 
     def test_what_is_expected_is_what_a_person_would(self):
-        self.assertEqual(self.expected["kivo-sms-watcher"], {"--": {"--help", "--version"}})
+        self.assertEqual(self.expected["kivo-notification-center"], {"--": {"--help", "--version"}})
         phone = self.expected["kivo-phone"]
         self.assertEqual(phone["notifications "],
                          {"authorized", "denied", "not-determined", "provisional", "ephemeral"})
