@@ -56,7 +56,7 @@ int openWidget(const GivenParameters& given) {
   }
   const std::string phone = (linux_platform::programFolder() / phoneProgramName).string();
   linux_platform::TerminalWindows windows;
-  if (windows.open({phone, "widget", "--watch"})) return 0;
+  if (windows.open({phone, "widget", "--watch"}, linux_platform::WindowEnd::atSuccess)) return 0;
   return fail(linux_platform::noTerminalWindow);
 }
 

@@ -37,6 +37,13 @@ class AnOpenedLink(unittest.TestCase):
         self.desktop.click(notification)
         self.expect_widget()
 
+    def test_the_window_closes_when_the_widget_is_ended(self):
+        self.track()
+        self.desktop.launch("gio", "open", "kivo-expenses://")
+        self.expect_widget()
+        self.desktop.press("ctrl+c", *self.desktop.windows("XTerm"))
+        wait_for(lambda: not self.desktop.windows("XTerm"), "the terminal is closed")
+
     def test_a_desktop_of_its_own_opener_shows_the_widget(self):
         self.track()
         self.desktop.launch("gio", "open", "kivo-expenses://")

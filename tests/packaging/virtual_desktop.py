@@ -118,6 +118,10 @@ class VirtualDesktop:
         """Moves the pointer onto the window, and presses and releases the left button."""
         self.kivo.run("xdotool", "mousemove", "--window", window, "60", "20", "click", "1")
 
+    def press(self, keys, window):
+        """Moves the pointer onto the window, which has the keyboard then, and presses the keys."""
+        self.kivo.run("xdotool", "mousemove", "--window", window, "60", "20", "key", keys)
+
     def launch(self, *command):
         """Runs a program that has to succeed, and whose windows outlive it."""
         subprocess.run(command, env=self.kivo.environment, check=True, stdin=subprocess.DEVNULL,
