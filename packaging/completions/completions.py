@@ -1,58 +1,100 @@
 #!/usr/bin/env python3
-"""Writes kivo-intents' completions for bash, zsh and fish from its own catalog.
+"""Writes a program's completions for bash, zsh and fish from its own description.
 
-    completions.py CATALOG.json FOLDER
+    completions.py DESCRIPTION.json FOLDER
 
-makes FOLDER/kivo-intents (bash), FOLDER/_kivo-intents (zsh) and FOLDER/kivo-intents.fish. What the
-extension declares and these files offer can therefore not differ.
+The description is what the program prints with --describe. For kivo-phone this makes
+FOLDER/kivo-phone (bash), FOLDER/_kivo-phone (zsh) and FOLDER/kivo-phone.fish.
+
+In all three shells the words after the program name a command as far as they can, such as "store set";
+the others are its options, their values, and arguments. An argument is known by its place among them.
 """
 import json
 import pathlib
+import re
 import shlex
 import sys
 
-# What a value may be completed to: a text can come from standard input, a number cannot.
-VALUES = {"string": "-", "double": ""}
-
-COMMANDS = {
-    "perform": "Perform an intent and answer its dialog",
-    "catalog": "Print intents, parameters and phrases",
-    "say": "Perform the intent that a phrase means",
-    "serve": "Answer calls on the session bus",
-}
-JSON_FLAG = ("--json", "Answer as one JSON object")
+# Every program has these, before any command.
+GENERAL_OPTIONS = [
+    {"name": "--help", "meaning": "Print this help message and exit", "kind": "flag", "values": []},
+    {"name": "--version", "meaning": "Display program version information and exit", "kind": "flag", "values": []},
+]
 
 
-def parameters_of_all(catalog):
-    """Every parameter once, by its name: a sentence may be followed by those of any intent."""
-    return {one["name"]: one for intent in catalog["intents"] for one in intent["parameters"]}.values()
+class Program:
+    """`commands` by their whole names; "" is the program before any command is named."""
+
+    def __init__(self, description):
+        self.name = description["name"]
+        self.commands = {"": {"name": "", "parameters": GENERAL_OPTIONS}}
+        self.commands |= {command["name"]: command for command in description["commands"]}
+
+    def subcommands(self, command):
+        """The commands of one more word than `command`: that word, and what it is for."""
+        return {one["name"].split()[-1]: one["purpose"] for name, one in self.commands.items()
+                if name and name.rpartition(" ")[0] == command}
+
+    def options(self, command):
+        return [one for one in self.commands[command]["parameters"] if one["name"].startswith("-")]
+
+    def arguments(self, command):
+        return [one for one in self.commands[command]["parameters"] if not one["name"].startswith("-")]
+
+    def options_with_value(self):
+        return [(command, one) for command in self.commands for one in self.options(command) if one["kind"] != "flag"]
 
 
-def option(parameter):
-    return "--" + parameter["name"]
+def function_name(program):
+    return "_" + program.name.replace("-", "_")
 
 
-def bash(catalog):
-    lines = [
-        "# bash completion for kivo-intents",
-        "_kivo_intents() {",
-        "    local IFS=$'\\n' current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} offered=() one",
+def shell_words(words):
+    return " ".join(shlex.quote(word) for word in words)
+
+
+def bash_words_before(program):
+    """Goes through the words before the current one: which command they name, how many arguments follow
+    it, and which option the current word is the value of."""
+    lines = ["        case $place:${named:+$named }$one in"]
+    lines += [f"        0:{shlex.quote(name)}) named={shlex.quote(name)}; continue ;;" for name in program.commands if name]
+    lines += ["        esac", "        case $named:$one in"]
+    if valued := [shlex.quote(f"{command}:{one['name']}") for command, one in program.options_with_value()]:
+        lines.append(f"        {' | '.join(valued)}) ((++at == COMP_CWORD)) && value=$one ;;")
+    return lines + ["        *:-?*) ;;", "        *) ((++place)) ;;", "        esac"]
+
+
+def bash_offers(program):
+    """What can come next: values or commands in `offered`, and options."""
+    lines = ["    case $named:$place:$value in"]
+    for command, one in program.options_with_value():
+        if one["values"]:
+            lines.append(f"    {shlex.quote(command)}:*:{one['name']}) offered=({shell_words(one['values'])}) ;;")
+    for command in program.commands:
+        places = [argument["values"] for argument in program.arguments(command)]
+        for place, offered in enumerate([list(program.subcommands(command))] if program.subcommands(command) else places):
+            if offered:
+                lines.append(f"    {shlex.quote(command)}:{place}:) offered=({shell_words(offered)}) ;;")
+    lines += ["    esac", "    case $named:$value in"]
+    for command in program.commands:
+        if program.options(command):
+            lines.append(f"    {shlex.quote(command)}:) options=({' '.join(one['name'] for one in program.options(command))}) ;;")
+    return lines + ["    esac"]
+
+
+def bash(program):
+    function = function_name(program)
+    return "\n".join([
+        f"# bash completion for {program.name}",
+        f"{function}() {{",
+        "    local IFS=$'\\n' current=${COMP_WORDS[COMP_CWORD]} named= at place=0 value= offered=() options=() one",
         "    COMPREPLY=()",
-        "    case $COMP_CWORD:${COMP_WORDS[1]}:${COMP_WORDS[2]}:$previous in",
-        f"    1:*) offered=({' '.join(COMMANDS)} --help --version) ;;",
-        f"    2:perform:*) offered=({' '.join(intent['type'] for intent in catalog['intents'])}) ;;",
-        f"    2:say:*) offered=({' '.join(shlex.quote(phrase) for phrase in phrases(catalog))}) ;;",
-    ]
-    for parameter in parameters_of_all(catalog):
-        lines.append(f"    *:perform:*:{option(parameter)} | *:say:*:{option(parameter)}) offered=({VALUES[parameter['type']]}) ;;")
-    for intent in catalog["intents"]:
-        options = [option(parameter) for parameter in intent["parameters"]] + [JSON_FLAG[0]]
-        lines.append(f"    *:perform:{intent['type']}:*) offered=({' '.join(options)}) ;;")
-    everywhere = [option(parameter) for parameter in parameters_of_all(catalog)] + [JSON_FLAG[0]]
-    lines += [
-        f"    *:say:*) offered=({' '.join(everywhere)}) ;;",
-        f"    2:catalog:*) offered=({JSON_FLAG[0]}) ;;",
-        "    esac",
+        "    for ((at = 1; at < COMP_CWORD; at++)); do",
+        "        one=${COMP_WORDS[at]}",
+        *bash_words_before(program),
+        "    done",
+        *bash_offers(program),
+        "    [[ $current == -* || ${#offered[@]} -eq 0 ]] && offered+=(\"${options[@]}\")",
         "    for one in \"${offered[@]}\"; do",
         "        # A word that is being quoted is compared as it is typed.",
         "        [[ $one == \"$current\"* || $(printf %q \"$one\") == \"$current\"* || \\'$one == \"$current\"* || \\\"$one == \"$current\"* ]] || continue",
@@ -62,58 +104,63 @@ def bash(catalog):
         "        esac",
         "    done",
         "}",
-        "complete -F _kivo_intents kivo-intents",
-    ]
-    return "\n".join(lines) + "\n"
+        f"complete -F {function} {program.name}",
+    ]) + "\n"
 
 
-def phrases(catalog):
-    return [phrase for shortcut in catalog["appShortcuts"] for phrase in shortcut["phrases"]]
+def zsh_text(text):
+    """`text` as _arguments takes a description."""
+    return re.sub(r"([\\:\[\]])", r"\\\1", text)
 
 
-def zsh_word(text):
-    """`text` as the description as _arguments and _describe take it."""
-    return text.replace("\\", "\\\\").replace(":", "\\:").replace("[", "\\[").replace("]", "\\]")
+def zsh_item(text):
+    """`text` as one word of a list within an action of _arguments."""
+    return re.sub(r"([^\w.-])", r"\\\1", text)
 
 
-def zsh_option(parameter):
-    values = VALUES[parameter["type"]]
-    action = f"({values})" if values else " "
-    return shlex.quote(f"{option(parameter)}[{zsh_word(parameter['description'])}]:{zsh_word(parameter['title'])}:{action}")
+def zsh_values(values):
+    return f"({' '.join(zsh_item(value) for value in values)})" if values else " "
 
 
-def zsh(catalog):
-    flag = shlex.quote(f"{JSON_FLAG[0]}[{JSON_FLAG[1]}]")
+def zsh_specifications(program, command):
+    """What _arguments takes after `command`, each a quoted word."""
+    found = []
+    alone = "(- *)" if command == "" else ""  # nothing else makes sense beside --help
+    for one in program.options(command):
+        value = "" if one["kind"] == "flag" else f":{zsh_text(one['name'][2:])}:{zsh_values(one['values'])}"
+        found.append(f"{alone}{one['name']}[{zsh_text(one['meaning'])}]{value}")
+    if subcommands := program.subcommands(command):
+        items = " ".join(f"{zsh_item(word)}\\:{zsh_item(purpose)}" for word, purpose in subcommands.items())
+        found.append(f"1:command:(({items}))")
+    else:
+        for place, one in enumerate(program.arguments(command), 1):
+            found.append(f"{place}:{zsh_text(one['name'])}:{zsh_values(one['values'])}")
+    return shell_words(found)
+
+
+def zsh(program):
+    named = " | ".join(shlex.quote(name) for name in program.commands if name)
     lines = [
-        "#compdef kivo-intents",
-        "_kivo_intents() {",
-        "    local context state line",
-        "    local -a commands intents phrases",
+        f"#compdef {program.name}",
+        f"{function_name(program)}() {{",
+        "    local context state line named= at=2",
         "    local -A opt_args",
-        f"    commands=({' '.join(shlex.quote(name + ':' + zsh_word(purpose)) for name, purpose in COMMANDS.items())})",
-        f"    intents=({' '.join(shlex.quote(one['type'] + ':' + zsh_word(one['title'])) for one in catalog['intents'])})",
-        f"    phrases=({' '.join(shlex.quote(phrase) for phrase in phrases(catalog))})",
-        "    if (( CURRENT == 2 )); then",
-        "        _describe -t commands command commands",
-        "        _arguments '(- *)--help[Print what can be asked for]' '(- *)--version[Print the version]'",
-        "        return",
-        "    fi",
-        "    case $words[2]:$words[3] in",
-        "    catalog:*) shift words; (( CURRENT-- )); _arguments " + flag + " ;;",
-        "    say:*)",
-        "        if (( CURRENT == 3 )); then compadd -X phrase -a phrases; return; fi",
-        "        shift 2 words; (( CURRENT -= 2 ))",
-        "        _arguments " + " ".join([zsh_option(one) for one in parameters_of_all(catalog)] + [flag]) + " ;;",
-        "    perform:*)",
-        "        if (( CURRENT == 3 )); then _describe -t intents intent intents; return; fi",
-        "        local intent=$words[3]",
-        "        shift 2 words; (( CURRENT -= 2 ))",
-        "        case $intent in",
     ]
-    for intent in catalog["intents"]:
-        offered = [zsh_option(one) for one in intent["parameters"]] + [flag]
-        lines.append(f"        {intent['type']}) _arguments {' '.join(offered)} ;;")
-    lines += ["        esac ;;", "    esac", "}", "_kivo_intents \"$@\""]
+    if named:
+        lines += [
+            "    while (( at < CURRENT )); do",
+            "        case ${named:+$named }$words[at] in",
+            f"        {named}) named=${{named:+$named }}$words[at]; (( at++ )) ;;",
+            "        *) break ;;",
+            "        esac",
+            "    done",
+            "    shift $(( at - 2 )) words; (( CURRENT -= at - 2 ))",
+        ]
+    lines.append("    case $named in")
+    for command in program.commands:
+        if specifications := zsh_specifications(program, command):
+            lines.append(f"    {shlex.quote(command)}) _arguments {specifications} ;;")
+    lines += ["    esac", "}", f"{function_name(program)} \"$@\""]
     return "\n".join(lines) + "\n"
 
 
@@ -121,54 +168,52 @@ def fish_quoted(text):
     return "'" + text.replace("\\", "\\\\").replace("'", "\\'") + "'"
 
 
-def fish_option(condition, parameter):
-    values = VALUES[parameter["type"]]
-    offered = f" -a {fish_quoted(values)}" if values else ""
-    return (f"complete -c kivo-intents -n {fish_quoted(condition)} -l {parameter['name']} -x{offered}"
-            f" -d {fish_quoted(parameter['description'])}")
-
-
-def fish(catalog):
-    flag = f"-l {JSON_FLAG[0][2:]} -d {fish_quoted(JSON_FLAG[1])}"
+def fish(program):
+    test = "_" + function_name(program) + "_at"
+    begin = f"complete -c {program.name}"
+    names = " ".join(fish_quoted(name) for name in program.commands if name)
+    valued = " ".join(fish_quoted(f"{command}:{one['name']}") for command, one in program.options_with_value())
     lines = [
-        "# fish completion for kivo-intents",
-        "function __kivo_intents_given",
-        "    # Whether the words before the current one are exactly these, or begin with them after -b.",
+        f"# fish completion for {program.name}",
+        f"function {test}",
+        "    # Whether the words before the current one name this command, and so many arguments follow it.",
         "    set -l words (commandline -opc)",
         "    set -e words[1]",
-        "    if test \"$argv[1]\" = -b",
-        "        set -e argv[1]",
-        "        test (count $words) -ge (count $argv); or return",
-        "        set words $words[1..(count $argv)]",
+        "    set -l named ''",
+        "    set -l place 0",
+        "    while set -q words[1]",
+        "        set -l longer (string trim -- \"$named $words[1]\")",
+        f"        if test $place -eq 0; and contains -- \"$longer\" {names}",
+        "            set named $longer",
+        f"        else if contains -- \"$named:$words[1]\" {valued}",
+        "            set -q words[2]; and set -e words[2]",
+        "        else if not string match -q -- '-?*' \"$words[1]\"",
+        "            set place (math $place + 1)",
+        "        end",
+        "        set -e words[1]",
         "    end",
-        "    test (count $words) -eq (count $argv); and test \"$words\" = \"$argv\"",
+        "    test \"$named\" = \"$argv[1]\"; or return",
+        "    not set -q argv[2]; or test $place -eq $argv[2]",
         "end",
-        "complete -c kivo-intents -f",
+        f"{begin} -f",
     ]
-    for name, purpose in COMMANDS.items():
-        lines.append(f"complete -c kivo-intents -n __fish_use_subcommand -a {name} -d {fish_quoted(purpose)}")
-    lines += [
-        "complete -c kivo-intents -n __fish_use_subcommand -l help -d 'Print what can be asked for'",
-        "complete -c kivo-intents -n __fish_use_subcommand -l version -d 'Print the version'",
-        f"complete -c kivo-intents -n '__kivo_intents_given -b catalog' {flag}",
-    ]
-    for intent in catalog["intents"]:
-        lines.append(f"complete -c kivo-intents -n '__kivo_intents_given perform' -a {intent['type']}"
-                     f" -d {fish_quoted(intent['title'])}")
-        condition = f"__kivo_intents_given -b perform {intent['type']}"
-        lines += [fish_option(condition, parameter) for parameter in intent["parameters"]]
-        lines.append(f"complete -c kivo-intents -n '{condition}' {flag}")
-    for phrase in phrases(catalog):
-        lines.append(f"complete -c kivo-intents -n '__kivo_intents_given say' -a {fish_quoted(fish_quoted(phrase))}")
-    lines += [fish_option("__kivo_intents_given -b say", parameter) for parameter in parameters_of_all(catalog)]
-    lines.append(f"complete -c kivo-intents -n '__kivo_intents_given -b say' {flag}")
+    for command in program.commands:
+        here = f"{test} {fish_quoted(command)}"
+        for word, purpose in program.subcommands(command).items():
+            lines.append(f"{begin} -n {fish_quoted(here + ' 0')} -a {word} -d {fish_quoted(purpose)}")
+        for place, one in enumerate(program.arguments(command)):
+            for value in one["values"]:
+                lines.append(f"{begin} -n {fish_quoted(f'{here} {place}')} -a {fish_quoted(fish_quoted(value))}")
+        for one in program.options(command):
+            value = "" if one["kind"] == "flag" else " -x" + "".join(f" -a {fish_quoted(fish_quoted(v))}" for v in one["values"])
+            lines.append(f"{begin} -n {fish_quoted(here)} -l {one['name'][2:]}{value} -d {fish_quoted(one['meaning'])}")
     return "\n".join(lines) + "\n"
 
 
-def main(catalog_file, folder):
-    catalog = json.loads(pathlib.Path(catalog_file).read_text(encoding="utf-8"))
-    for name, write in {"kivo-intents": bash, "_kivo-intents": zsh, "kivo-intents.fish": fish}.items():
-        (pathlib.Path(folder) / name).write_text(write(catalog), encoding="utf-8")
+def main(description_file, folder):
+    program = Program(json.loads(pathlib.Path(description_file).read_text(encoding="utf-8")))
+    for name, write in {program.name: bash, "_" + program.name: zsh, program.name + ".fish": fish}.items():
+        (pathlib.Path(folder) / name).write_text(write(program), encoding="utf-8")
 
 
 if __name__ == "__main__":

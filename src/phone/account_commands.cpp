@@ -36,6 +36,12 @@ constexpr std::array<std::pair<const char*, UNAuthorizationStatus>, 5> statuses{
     {"ephemeral", UNAuthorizationStatus::ephemeral},
 }};
 
+std::vector<std::string> statusWords() {
+  std::vector<std::string> words;
+  for (const auto& [word, status] : statuses) words.emplace_back(word);
+  return words;
+}
+
 constexpr const char* noCenter = "the notification center does not answer";
 
 // What is wrong with the stored currency, if anything.
@@ -165,7 +171,10 @@ std::vector<linux_platform::Command> accountCommands() {
       {"sign-out", "Forget who the person is", {}, signOut},
       {"notifications",
        "Show or decide whether Kivo may notify",
-       {{"STATUS", "authorized, denied, not-determined, provisional or ephemeral", Kind::optional}},
+       {{.name = "STATUS",
+         .meaning = "authorized, denied, not-determined, provisional or ephemeral",
+         .kind = Kind::optional,
+         .values = statusWords}},
        notifications},
   };
 }

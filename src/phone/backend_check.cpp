@@ -43,7 +43,8 @@ std::string sentenceOf(int status) {
     return answers + ": redirects are not followed; sign in to the address that it leads to.";
   }
   constexpr int notImplemented = 501;  // what some say of any GET
-  if (status / 100 == 5 && status != notImplemented) return answers + ": it is out of order just now.";
+  if (status / 100 == 5 && status != notImplemented)
+    return answers + ": it is out of order just now.";
   return answers + ".";
 }
 

@@ -1,7 +1,6 @@
 // The program kivo-phone: what the rest of the phone does for the extension, by hand.
 #include <cmath>
 #include <iterator>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -10,8 +9,7 @@
 #include "phone/queue_commands.h"
 #include "phone/sms_watcher/watch_commands.h"
 #include "phone/value_listing.h"
-#include "phone/widget_view.h"
-#include "phone/widget_watch.h"
+#include "phone/widget_commands.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/user_defaults.h"
 #include "platform/foundation/utf8.h"
@@ -70,32 +68,7 @@ int setInStore(const GivenParameters& given) {
   return defaults->synchronize() ? 0 : exitFailure;
 }
 
-int showWidget(const GivenParameters&) {
-  const auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  const WidgetFigures figures = WidgetView::read(*store);
-  return print(onTerminal() ? WidgetView::asBox(figures) : WidgetView::asLines(figures));
-}
-
-// Draws over what was drawn before, or below it where that cannot be done.
-int watchWidget() {
-  constexpr const char* clearScreen = "\x1b[H\x1b[2J";
-  std::optional<WidgetFigures> drawn;
-  return WidgetWatch::run([&drawn] {
-    const auto store = SharedStore::open(appGroup);
-    if (!store) return failWithoutStore() == 0;
-    const WidgetFigures figures = WidgetView::read(*store);
-    const bool changed = std::exchange(drawn, figures) != figures;
-    if (!changed) return true;
-    if (!onTerminal()) return print(WidgetView::asLines(figures) + "\n") == 0;
-    return print(clearScreen + WidgetView::asBox(figures) + "Ctrl-C ends\n") == 0;
-  });
-}
-
 linux_platform::CommandProgram phone() {
-  const auto widget = [](const GivenParameters& given) {
-    return given.contains("--watch") ? watchWidget() : showWidget(given);
-  };
   linux_platform::CommandProgram program{
       .name = phoneProgramName,
       .purpose = "The rest of the phone, for trying and inspecting Kivo's intents.",
@@ -111,15 +84,12 @@ linux_platform::CommandProgram phone() {
                 {"VALUE", "The value"},
                 {"--float", "Store a number", Kind::flag}},
                setInStore},
-              {"widget",
-               "Show the figures of the home-screen widget",
-               {{"--watch", "Go on showing them as they change", Kind::flag}},
-               widget},
           },
   };
   std::vector<Command> account = accountCommands();
   program.commands.insert(program.commands.begin(), std::make_move_iterator(account.begin()),
                           std::make_move_iterator(account.end()));
+  for (Command& command : widgetCommands()) program.commands.push_back(std::move(command));
   for (Command& command : queueCommands()) program.commands.push_back(std::move(command));
   for (Command& command : watchCommands()) program.commands.push_back(std::move(command));
   return program;

@@ -1,5 +1,6 @@
 #include "phone/phone_terminal.h"
 
+#include <cstdlib>
 #include <iostream>
 #include <limits>
 
@@ -9,6 +10,14 @@
 #include "platform/linux/process/command_line.h"
 
 namespace kivo {
+namespace {
+
+std::string variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+}  // namespace
 
 int fail(const std::string& what, int status) {
   linux_platform::complain(phoneProgramName, what);
@@ -23,6 +32,13 @@ int print(const std::string& text) {
 }
 
 bool onTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
+bool terminalObeysEscapes() {
+  const std::string terminal = variable("TERM");
+  return onTerminal() && !terminal.empty() && terminal != "dumb";
+}
+
+bool terminalShowsStyles() { return terminalObeysEscapes() && variable("NO_COLOR").empty(); }
 
 std::size_t screenWidth() {
   constexpr std::size_t usualWidth = 80;

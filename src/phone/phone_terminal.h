@@ -24,6 +24,13 @@ int print(const std::string& text);
 /// Whether standard output is a terminal.
 bool onTerminal();
 
+/// Whether standard output is a terminal that obeys escape sequences: TERM is neither unset nor
+/// dumb.
+bool terminalObeysEscapes();
+
+/// Whether standard output shows bold text, and the person did not decline that with NO_COLOR.
+bool terminalShowsStyles();
+
 /// How many columns standard output shows in a line; without end where it is no terminal.
 std::size_t screenWidth();
 

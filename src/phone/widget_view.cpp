@@ -26,8 +26,39 @@ std::string signedAmount(const SharedStore& store, double amount) {
   return (amount < 0 ? "-" : "") + AmountFormatter::format(store, amount);
 }
 
+std::int64_t readCount(const SharedStore& store, StoreKey key) {
+  return platform::integerFromText(store.readText(key).value_or("")).value_or(0);
+}
+
 std::string counted(std::int64_t count) {
   return platform::integerText(count) + (count == 1 ? " expense" : " expenses");
+}
+
+std::string countedAsWaiting(std::int64_t count) {
+  return platform::integerText(count) +
+         (count == 1 ? " message waits to be sent" : " messages wait to be sent");
+}
+
+// A line of the box: words, and the figure after them that may stand out.
+struct Row {
+  std::string words;
+  std::string figure;
+};
+
+std::vector<Row> rowsOf(const WidgetFigures& figures) {
+  std::vector<Row> rows{{"Kivo · today", ""},
+                        {"", ""},
+                        {"", figures.todayTotal},
+                        {counted(figures.todayCount), ""},
+                        {"", ""},
+                        {"Running total  ", figures.runningTotal}};
+  if (figures.waitingMessages > 0 || !figures.signedIn) rows.push_back({"", ""});
+  if (figures.waitingMessages > 0) rows.push_back({countedAsWaiting(figures.waitingMessages), ""});
+  if (!figures.signedIn) {
+    rows.push_back({"Not signed in; see", ""});
+    rows.push_back({"kivo-phone sign-in --help", ""});
+  }
+  return rows;
 }
 
 std::string repeated(std::string_view piece, std::size_t times) {
@@ -41,34 +72,42 @@ std::string repeated(std::string_view piece, std::size_t times) {
 WidgetFigures WidgetView::read(const SharedStore& store) {
   const bool ofToday = store.readText(StoreKeys::todayDateKey) == WidgetStats::today();
   const double total = ofToday ? readTotal(store, StoreKeys::todayTotal) : 0;
-  const auto count = platform::integerFromText(store.readText(StoreKeys::todayCount).value_or(""));
   return {.todayTotal = signedAmount(store, total),
-          .todayCount = ofToday ? count.value_or(0) : 0,
-          .runningTotal = signedAmount(store, readTotal(store, StoreKeys::monthlyTotal))};
+          .todayCount = ofToday ? readCount(store, StoreKeys::todayCount) : 0,
+          .runningTotal = signedAmount(store, readTotal(store, StoreKeys::monthlyTotal)),
+          .waitingMessages =
+              std::max<std::int64_t>(0, readCount(store, StoreKeys::pendingSmsQueueCount)),
+          .signedIn = store.readNonEmptyText(StoreKeys::userId).has_value() &&
+                      store.readNonEmptyText(StoreKeys::supabaseUrl).has_value()};
 }
 
 std::string WidgetView::asLines(const WidgetFigures& figures) {
   return "Today          " + figures.todayTotal + "\n" + "Expenses       " +
          platform::integerText(figures.todayCount) + "\n" + "Running total  " +
-         figures.runningTotal + "\n";
+         figures.runningTotal + "\n" + "Waiting        " +
+         platform::integerText(figures.waitingMessages) + "\n" + "Signed in      " +
+         (figures.signedIn ? "yes" : "no") + "\n";
 }
 
-std::string WidgetView::asBox(const WidgetFigures& figures) {
-  std::vector<std::string> rows{"Kivo · today",
-                                "",
-                                figures.todayTotal,
-                                counted(figures.todayCount),
-                                "",
-                                "Running total  " + figures.runningTotal};
+std::string WidgetView::asBox(const WidgetFigures& figures, Figures style) {
+  std::vector<Row> rows = rowsOf(figures);
   std::size_t width = smallestWidth;
-  for (std::string& row : rows) {
-    row = linux_platform::escapedSentence(row);
-    width = std::max(width, columnsOf(row));
+  for (Row& row : rows) {
+    row.words = linux_platform::escapedSentence(row.words);
+    row.figure = linux_platform::escapedSentence(row.figure);
+    width = std::max(width, columnsOf(row.words + row.figure));
   }
 
+  const std::string_view begin = style == Figures::bold ? "\x1b[1m" : "";
+  const std::string_view end = style == Figures::bold ? "\x1b[0m" : "";
   const std::string edge = repeated("─", width + 2);
   std::string box = "╭" + edge + "╮\n";
-  for (const std::string& row : rows) box += "│ " + paddedTo(width, row) + " │\n";
+  for (const Row& row : rows) {
+    const std::string text = paddedTo(width, row.words + row.figure);
+    box += "│ " + row.words;
+    if (!row.figure.empty()) box.append(begin).append(row.figure).append(end);
+    box += text.substr(row.words.size() + row.figure.size()) + " │\n";
+  }
   return box + "╰" + edge + "╯\n";
 }
 

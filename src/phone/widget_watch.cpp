@@ -15,6 +15,9 @@ namespace {
 
 using linux_platform::WidgetReloadListener;
 
+// A run that queues its text asks for no reload, nor do a sign-in and a new day.
+constexpr std::chrono::seconds pollInterval(2);
+
 // Takes SIGINT and SIGTERM from this thread and from those that it starts later.
 sigset_t withheldEndSignals() {
   sigset_t signals;
@@ -63,7 +66,7 @@ int WidgetWatch::run(const std::function<bool()>& draw) {
   const EndSignal end(signals, *listener);
 
   while (draw()) {
-    listener->waitForReload(std::chrono::minutes(1));
+    listener->waitForReload(pollInterval);
     if (end.came()) return 0;
     if (listener->lost()) {
       linux_platform::complain("kivo-phone", "the session bus is gone");

@@ -5,10 +5,10 @@
 
 namespace kivo::WidgetWatch {
 
-/// Calls `draw` at once, whenever a program asks the widgets to reload, and once a minute, since a
-/// new day empties the figures of the last. Blocks until SIGINT or SIGTERM and yields 0 then;
-/// yields 1 when `draw` yields false, or when there is no session bus any more, which one line on
-/// standard error says.
+/// Calls `draw` at once, whenever a program asks the widgets to reload, and every two seconds,
+/// since a text that is queued, a sign-in and a new day come without such a signal. Blocks until
+/// SIGINT or SIGTERM and yields 0 then; yields 1 when `draw` yields false, or when there is no
+/// session bus any more, which one line on standard error says.
 int run(const std::function<bool()>& draw);
 
 }  // namespace kivo::WidgetWatch

@@ -5,6 +5,7 @@
 
 #include "feedback/widget_stats.h"
 #include "platform/linux/process/child_process.h"
+#include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
 #include "testkit/private_phone.h"
 
@@ -68,6 +69,29 @@ TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAReloadIsAskedFor) {
   EXPECT_TRUE(shows(watching, "Today          $7.50\nExpenses       2\n"));
   watching.signal(SIGINT);
   EXPECT_EQ(watching.wait(std::chrono::seconds(10)).status, 0);
+}
+
+TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAMessageIsQueuedThoughNoReloadIsAskedFor) {
+  spend(5);
+  ChildProcess watching(watch());
+  ASSERT_TRUE(shows(watching, "Waiting        0\nSigned in      no\n"));
+  SharedStore store = SharedStore::open(appGroup).value();
+  PendingSmsQueue::enqueue({.id = "A",
+                            .smsText = "Paid EGP 12 at Cafe",
+                            .expenseDate = "2026-01-31",
+                            .queuedAt = "2026-01-31T09:00:00Z",
+                            .retryCount = 0,
+                            .source = "sms"},
+                           store);
+  EXPECT_TRUE(shows(watching, "Waiting        1\nSigned in      no\n"));
+}
+
+TEST_F(APhoneOnABus, RedrawsTheWidgetWhenThePersonSignsIn) {
+  ChildProcess watching(watch());
+  ASSERT_TRUE(shows(watching, "Signed in      no\n"));
+  linux_platform::runProgram({.program = phoneProgram(),
+                              .arguments = {"sign-in", "--user-id", "42", "--url", "http://x"}});
+  EXPECT_TRUE(shows(watching, "Signed in      yes\n"));
 }
 
 TEST_F(APhoneOnABus, EndsAWatchOnAnyEndSignalWithoutAnError) {

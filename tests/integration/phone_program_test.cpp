@@ -215,14 +215,6 @@ TEST_F(APhone, SaysThatAQueueCannotBeRead) {
   EXPECT_EQ(run({"queue"}).output, "Nothing waits to be sent.\n");
 }
 
-TEST_F(APhone, ShowsTheWidgetInABoxOnATerminalOnly) {
-  run({"store", "set", "currency", "USD"});
-  EXPECT_EQ(run({"widget"}).output,
-            "Today          $0.00\nExpenses       0\nRunning total  $0.00\n");
-  EXPECT_THAT(linux_platform::runProgram(onTerminal("widget")).output,
-              HasSubstr("│ Running total  $0.00     │\r\n"));
-}
-
 TEST_F(APhone, EscapesControlCharactersOnATerminalOnly) {
   run({"store", "set", "key", "a\x1b[2Jb"});
   EXPECT_EQ(run({"store", "list"}).output, "key  text     a\x1b[2Jb\n");

@@ -90,10 +90,12 @@ def try_out(session, backend):
     session.root("useradd --create-home alice")
     # What it needs, and what belongs to a person's session: no desktop, no compiler.
     session.root("apt-get update -qq")
-    session.root("apt-get install -qq --no-install-recommends dbus-user-session ca-certificates")
+    session.root("apt-get install -qq --no-install-recommends dbus-user-session ca-certificates desktop-file-utils")
     before = files_in(root)
     session.root("apt-get install -qq --no-install-recommends /kivo.deb")
     check(session.root("dpkg --audit; dpkg --verify kivo-intents") == "", "it installs with what it needs, whole")
+    handlers = (root / "usr/share/applications/mimeinfo.cache").read_text()
+    check("x-scheme-handler/kivo-expenses=app.kivo.expenses.desktop;" in handlers, "links of Kivo have a handler")
 
     session.alice(f"kivo-phone sign-in --user-id 42 --url {backend.url} --currency EGP")
     said = session.alice("kivo-intents perform ProcessSMSIntent --smsText -", MESSAGE)

@@ -1,21 +1,19 @@
 #!/usr/bin/env python3
 """Asks bash, zsh and fish what they offer after the words of a command line, and compares it with
-what the installed program declares."""
+what the installed programs say of themselves."""
 import json
 import os
-import pathlib
 import pty
 import re
 import select
 import signal
-import sys
 import time
 import unittest
 
 from installed_kivo import PREFIX, InstalledKivo
 
-sys.path.insert(0, str(pathlib.Path(os.environ["KIVO_SOURCE"]) / "packaging/completions"))
-import completions  # noqa: E402  what the files were written by
+PROGRAMS = [program.name for program in sorted((PREFIX / "bin").iterdir())]
+
 
 class Terminal:
     """An interactive shell on a terminal of its own, wide enough that no line wraps."""
@@ -49,50 +47,71 @@ class Completions(unittest.TestCase):
         cls.kivo = InstalledKivo()
         cls.addClassCleanup(cls.kivo.close)
         cls.share = PREFIX / "share"
-        catalog = json.loads(cls.kivo.run("kivo-intents", "catalog", "--json"))
-        declared = {intent["type"]: {"--" + one["name"] for one in intent["parameters"]}
-                    for intent in catalog["intents"]}
-        texts = ["--" + one["name"] for intent in catalog["intents"] for one in intent["parameters"]
-                 if one["type"] == "string"]
-        # Words that were typed -> what must be offered, and nothing else.
-        cls.expected = {
-            "": set(completions.COMMANDS),
-            "perform ": set(declared),
-            "catalog --": {"--json"},
-            "say ": {phrase for shortcut in catalog["appShortcuts"] for phrase in shortcut["phrases"]},
-            "say Track\\ SMS\\ transaction\\ in\\ Kivo --": set().union(*declared.values()) | {"--json"},
-            "perform ProcessSMSIntent --smsText - --j": {"--json"},
-                    }
-        cls.expected |= {f"perform {intent} --": options | {"--json"} for intent, options in declared.items()}
-        assert len(cls.expected) == 8 and texts, declared
-        cls.text_option = texts[-1]
+        # By program: words that were typed -> what must be offered, and nothing else.
+        cls.expected = {name: expected(cls.described(name)) for name in PROGRAMS}
 
-    def test_the_commands_are_the_programs_own(self):
-        for name, purpose in completions.COMMANDS.items():
-            self.assertRegex(self.kivo.run("kivo-intents", "--help"), rf"(?m)^  {name} +{re.escape(purpose)}$")
-        listed = self.kivo.run("kivo-intents", "--help").split("Subcommands:")[1].strip().splitlines()
-        self.assertEqual(len(listed), len(completions.COMMANDS))
+    @classmethod
+    def described(cls, program):
+        return json.loads(cls.kivo.run(program, "--describe"))
+
+    def test_what_is_expected_is_what_a_person_would(self):
+        self.assertEqual(self.expected["kivo-notification-center"], {"--": {"--help", "--version"}})
+        phone = self.expected["kivo-phone"]
+        self.assertEqual(phone["notifications "],
+                         {"authorized", "denied", "not-determined", "provisional", "ephemeral"})
+        self.assertEqual(phone["queue "], {"show", "send", "export", "drop"})
+        self.assertEqual(phone["store set k v --"], {"--float"})
+        self.assertEqual(phone["widget --"], {"--watch"})
+        self.assertEqual(phone["sign-in --"], {"--user-id", "--url", "--currency"})
+        intents = self.expected["kivo-intents"]
+        self.assertEqual(intents[""], {"perform", "catalog", "say", "serve"})
+        self.assertEqual(intents["perform "], {"ProcessSMSIntent", "AddExpenseIntent"})
+        self.assertEqual(intents["perform ProcessSMSIntent --smsText "], {"-"})
+        self.assertEqual(intents["perform AddExpenseIntent --"], {"--amount", "--merchant", "--json"})
+        catalog = json.loads(self.kivo.run("kivo-intents", "catalog", "--json"))
+        phrases = [phrase for shortcut in catalog["appShortcuts"] for phrase in shortcut["phrases"]]
+        self.assertEqual(intents["say "], set(phrases))
+        self.assertEqual(len(intents["say "]), len(phrases))
+
+    def test_a_description_has_the_commands_and_options_of_the_help(self):
+        for program in PROGRAMS:
+            described = {(name, one["name"]) for name, command in commands(self.described(program)).items()
+                         for one in command["parameters"] if one["name"].startswith("--")}
+            described |= {(name, "") for name in commands(self.described(program))}
+            self.assertEqual(described, self.helped(program))
+
+    def helped(self, program, command=""):
+        """Pairs of a command and an option of it, or "", as --help lists them."""
+        printed = self.kivo.run(program, *command.split(), "--help")
+        found = {(command, "")} if command else set()
+        found |= {(command, one) for one in re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", printed)} if command else set()
+        found -= {(command, "--help")}
+        for word in re.findall(r"(?m)^  (\w[\w-]*)  ", printed.partition("Subcommands:")[2]):
+            found |= self.helped(program, f"{command} {word}".strip())
+        return found
 
     def test_fish_offers_what_is_declared(self):
-        for words, offered in self.expected.items():
-            with self.subTest(words):
-                self.assertEqual(self.fish(words), offered)
-        self.assertEqual(self.fish(f"perform ProcessSMSIntent {self.text_option} "), {"-"})
+        for program in PROGRAMS:
+            for words, offered in self.expected[program].items():
+                with self.subTest(program=program, words=words):
+                    self.assertEqual(self.fish(program, words), offered)
+        self.assertEqual(self.fish("kivo-phone", "notifications authorized "), set())
 
-    def fish(self, words):
-        file = self.share / "fish/vendor_completions.d/kivo-intents.fish"
+    def fish(self, program, words):
+        file = self.share / f"fish/vendor_completions.d/{program}.fish"
         printed = self.kivo.run("fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", str(file),
-                                "kivo-intents " + words)
+                                f"{program} {words}")
         return {line.split("\t")[0] for line in printed.splitlines()}
 
     def test_bash_offers_what_is_declared(self):
         shell = Terminal(["bash", "--norc", "--noprofile", "-i"], self.kivo.environment)
         self.addCleanup(shell.close)
-        file = self.share / "bash-completion/completions/kivo-intents"
-        shell.type(f"bind 'set enable-bracketed-paste off'; . {file}\n")
+        files = [str(self.share / "bash-completion/completions" / program) for program in PROGRAMS]
+        shell.type(f"bind 'set enable-bracketed-paste off'; for file in {' '.join(files)}; do . $file; done\n")
         # Readline's command that writes everything that is offered into the line.
-        self.compare(shell, insert_all="\x1b*", more={"": {"--help", "--version"}})
-        self.assertEqual(self.words(shell, "say 'Log ", "\t"), ["say", "Log expense to Kivo"])
+        self.compare(shell, insert_all="\x1b*")
+        self.assertEqual(self.words(shell, "kivo-intents", "say 'Log ", "\t"), ["say", "Log expense to Kivo"])
+        self.assertEqual(self.words(shell, "kivo-phone", "queue drop 1 ", "\t"), ["queue", "drop", "1", "--yes"])
 
     def test_zsh_offers_what_is_declared(self):
         shell = Terminal(["zsh", "-f", "-i"], self.kivo.environment)
@@ -101,27 +120,54 @@ class Completions(unittest.TestCase):
                    f"autoload -Uz compinit; compinit -u -d {self.kivo.folder}/zcompdump;"
                    "zstyle ':completion:*' completer _all_matches _complete;"
                    "zstyle ':completion:*' insert true; bindkey -e; bindkey '^X^A' complete-word\n")
-        self.compare(shell, insert_all="\x18\x01", more={"": {"--help", "--version"}})
+        self.compare(shell, insert_all="\x18\x01")
 
-    def compare(self, shell, insert_all, more):
-        # What stands in the line is then what the shell takes for words.
-        shell.type("kivo-intents() { [ $# -eq 0 ] || printf '<%s>' \"$@\"; printf '@%s@\\n' over; }\n")
-        for words, offered in self.expected.items():
-            with self.subTest(words):
-                given = self.words(shell, words, "")
-                before = given if words.endswith(" ") or not words else given[:-1]
-                found = self.words(shell, words, insert_all)
-                self.assertEqual(found[:len(before)], before)
-                self.assertEqual(set(found[len(before):]), offered | more.get(words, set()))
-        text = f"perform ProcessSMSIntent {self.text_option} "
-        self.assertEqual(self.words(shell, text, insert_all), text.split() + ["-"])
+    def compare(self, shell, insert_all):
+        for program in PROGRAMS:
+            # What stands in the line is then what the shell takes for words.
+            shell.type(program + "() { [ $# -eq 0 ] || printf '<%s>' \"$@\"; printf '@%s@\\n' over; }\n")
+            for words, offered in self.expected[program].items():
+                with self.subTest(program=program, words=words):
+                    given = self.words(shell, program, words, "")
+                    before = given if words.endswith(" ") or not words else given[:-1]
+                    found = self.words(shell, program, words, insert_all)
+                    self.assertEqual(found[:len(before)], before)
+                    self.assertEqual(set(found[len(before):]), offered)
 
     @staticmethod
-    def words(shell, typed, key):
-        """The words that `kivo-intents` is called with when `key` is pressed after `typed`."""
-        shell.type(f"kivo-intents {typed}{key}\n")
+    def words(shell, program, typed, key):
+        """The words that `program` is called with when `key` is pressed after `typed`."""
+        shell.type(f"{program} {typed}{key}\n")
         written = shell.read_until("@over@")
         return re.findall("<([^>]*)>", written[:written.rindex("@over@")].splitlines()[-1])
+
+
+def commands(described):
+    return {command["name"]: command for command in described["commands"]}
+
+
+def expected(described):
+    """What is to be offered after words that can be typed after the program."""
+    found = {"--": {"--help", "--version"}}
+    known = commands(described)
+    for name in ["", *known]:
+        typed = name + " " if name else ""
+        if subcommands := {other.split()[-1] for other in known if other.rpartition(" ")[0] == name}:
+            found[typed] = subcommands
+        if not name:
+            continue
+        parameters = known[name]["parameters"]
+        places = [one for one in parameters if not one["name"].startswith("--")]
+        options = [one for one in parameters if one["name"].startswith("--")]
+        for place, one in enumerate(places):
+            if one["values"]:
+                found[typed + "x " * place] = set(one["values"])
+        if options:
+            found[typed + "".join(one["name"][0].lower() + " " for one in places) + "--"] = {one["name"] for one in options}
+        for one in options:
+            if one["values"]:
+                found[f"{typed}{one['name']} "] = set(one["values"])
+    return found
 
 
 if __name__ == "__main__":

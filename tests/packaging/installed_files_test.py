@@ -5,6 +5,7 @@ import os
 import pathlib
 import re
 import stat
+import struct
 import subprocess
 import unittest
 
@@ -53,12 +54,27 @@ class InstalledFiles(unittest.TestCase):
         self.assertEqual(entry["X-GNOME-UsesNotifications"], "true")
         self.assertIn(PREFIX / "bin" / entry["Exec"].split()[0], self.programs)
         self.assertTrue((self.share / f"icons/hicolor/scalable/apps/{entry['Icon']}.svg").exists())
+        # Whatever a link holds comes after what ends the options.
+        self.assertEqual(entry["MimeType"], "x-scheme-handler/kivo-expenses;")
+        self.assertEqual(entry["Exec"].split()[1:], ["open", "--", "%u"])
+        self.assertEqual(entry["Terminal"], "false")
 
     def test_the_icon_can_be_drawn(self):
         icon = self.share / "icons/hicolor/scalable/apps/app.kivo.expenses.svg"
         drawn = pathlib.Path(self.kivo.folder) / "icon.png"
         self.assertEqual(judge("rsvg-convert", "--width", "64", icon, "--output", drawn), ("", 0))
         self.assertGreater(drawn.stat().st_size, 500)
+
+    def test_the_icon_is_there_for_desktops_that_draw_no_svg(self):
+        icons = self.share / "icons/hicolor"
+        sizes = {path.parents[1].name: path for path in icons.rglob("apps/app.kivo.expenses.png")}
+        self.assertEqual(set(sizes), {f"{side}x{side}" for side in (16, 22, 24, 32, 48, 64, 128, 256)})
+        for size, path in sizes.items():
+            content = path.read_bytes()
+            self.assertEqual(content[:8], b"\x89PNG\r\n\x1a\n")
+            width, height = struct.unpack(">II", content[16:24])
+            self.assertEqual(f"{width}x{height}", size)
+            self.assertNotIn(b"tIME", content)  # the same bytes each time
 
     def test_software_centers_know_the_application(self):
         said, status = judge("appstreamcli", "validate", "--no-net", "--pedantic",

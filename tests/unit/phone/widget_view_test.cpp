@@ -1,5 +1,6 @@
 #include "phone/widget_view.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "feedback/widget_stats.h"
@@ -9,6 +10,9 @@
 namespace kivo {
 namespace {
 
+using testing::EndsWith;
+using testing::HasSubstr;
+using WidgetView::Figures;
 using namespace std::chrono_literals;
 
 platform::Moment january31() { return std::chrono::sys_days(2026y / 1 / 31) + 9h; }
@@ -56,8 +60,28 @@ TEST_F(AWidget, CountsUnreadableFiguresAsZero) {
   EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"$0.00", 0, "$0.00"}));
 }
 
+TEST_F(AWidget, KnowsHowManyMessagesWait) {
+  EXPECT_EQ(WidgetView::read(store_).waitingMessages, 0);
+  store_.writeText(StoreKeys::pendingSmsQueueCount, "3");
+  EXPECT_EQ(WidgetView::read(store_).waitingMessages, 3);
+  for (const char* const unreadable : {"", "many", "-1"}) {
+    store_.writeText(StoreKeys::pendingSmsQueueCount, unreadable);
+    EXPECT_EQ(WidgetView::read(store_).waitingMessages, 0) << unreadable;
+  }
+}
+
+TEST_F(AWidget, CountsAsSignedInWithAUserAndABackendOnly) {
+  EXPECT_FALSE(WidgetView::read(store_).signedIn);
+  store_.writeText(StoreKeys::userId, "42");
+  EXPECT_FALSE(WidgetView::read(store_).signedIn);
+  store_.writeText(StoreKeys::supabaseUrl, "https://backend.example");
+  EXPECT_TRUE(WidgetView::read(store_).signedIn);
+  store_.writeText(StoreKeys::userId, "");
+  EXPECT_FALSE(WidgetView::read(store_).signedIn);
+}
+
 TEST_F(AWidget, IsAFrameOfEqualLinesOnATerminal) {
-  EXPECT_EQ(WidgetView::asBox({"$5.00", 1, "$1,205.00"}),
+  EXPECT_EQ(WidgetView::asBox({"$5.00", 1, "$1,205.00", 0, true}, Figures::plain),
             "╭──────────────────────────╮\n"
             "│ Kivo · today             │\n"
             "│                          │\n"
@@ -69,13 +93,14 @@ TEST_F(AWidget, IsAFrameOfEqualLinesOnATerminal) {
 }
 
 TEST_F(AWidget, ShowsNothingThatReordersItsFigures) {
-  const std::string box = WidgetView::asBox({"\u200f٥٫٠٠ ج.م.\u200f", 1, "\u202e5"});
+  const std::string box = WidgetView::asBox({"\u200f٥٫٠٠ ج.م.\u200f", 1, "\u202e5", 0, true},
+                                            WidgetView::Figures::plain);
   EXPECT_NE(box.find("│ ٥٫٠٠ ج.م.                │\n"), std::string::npos) << box;
   EXPECT_NE(box.find("│ Running total  \\u202e5   │\n"), std::string::npos) << box;
 }
 
 TEST_F(AWidget, GrowsWithItsFigures) {
-  EXPECT_EQ(WidgetView::asBox({"د.إ", 0, "$1,234,567,890.00"}),
+  EXPECT_EQ(WidgetView::asBox({"د.إ", 0, "$1,234,567,890.00", 0, true}, Figures::plain),
             "╭──────────────────────────────────╮\n"
             "│ Kivo · today                     │\n"
             "│                                  │\n"
@@ -86,11 +111,46 @@ TEST_F(AWidget, GrowsWithItsFigures) {
             "╰──────────────────────────────────╯\n");
 }
 
+TEST_F(AWidget, ShowsItsFiguresInBold) {
+  EXPECT_EQ(WidgetView::asBox({"$5.00", 1, "$1,205.00", 0, true}, Figures::bold),
+            "╭──────────────────────────╮\n"
+            "│ Kivo · today             │\n"
+            "│                          │\n"
+            "│ \x1b[1m$5.00\x1b[0m                    │\n"
+            "│ 1 expense                │\n"
+            "│                          │\n"
+            "│ Running total  \x1b[1m$1,205.00\x1b[0m │\n"
+            "╰──────────────────────────╯\n");
+}
+
+TEST_F(AWidget, SaysThatMessagesWait) {
+  EXPECT_THAT(WidgetView::asBox({"$5.00", 1, "$5.00", 3, true}, Figures::plain),
+              EndsWith("│ Running total  $5.00       │\n"
+                       "│                            │\n"
+                       "│ 3 messages wait to be sent │\n"
+                       "╰────────────────────────────╯\n"));
+  EXPECT_THAT(WidgetView::asBox({"$5.00", 1, "$5.00", 1, true}, Figures::plain),
+              HasSubstr("│ 1 message waits to be sent │\n"));
+}
+
+TEST_F(AWidget, SaysHowToSignInWhenNobodyIs) {
+  EXPECT_THAT(WidgetView::asBox({"$5.00", 1, "$5.00", 0, false}, Figures::plain),
+              EndsWith("│ Running total  $5.00      │\n"
+                       "│                           │\n"
+                       "│ Not signed in; see        │\n"
+                       "│ kivo-phone sign-in --help │\n"
+                       "╰───────────────────────────╯\n"));
+}
+
 TEST_F(AWidget, IsPlainLinesElsewhere) {
-  EXPECT_EQ(WidgetView::asLines({"$5.00", 1, "$12.00"}),
+  EXPECT_EQ(WidgetView::asLines({"$5.00", 1, "$12.00", 3, true}),
             "Today          $5.00\n"
             "Expenses       1\n"
-            "Running total  $12.00\n");
+            "Running total  $12.00\n"
+            "Waiting        3\n"
+            "Signed in      yes\n");
+  EXPECT_THAT(WidgetView::asLines({"$5.00", 1, "$12.00", 0, false}),
+              EndsWith("Waiting        0\nSigned in      no\n"));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/process/child_process.h"
 #include "testkit/private_folders.h"
 #include "testkit/private_phone.h"
 
@@ -58,6 +59,22 @@ TEST(TheTerminals, AreHandedTheCommandWordByWord) {
     const Call last(call.end() - 3, call.end());
     EXPECT_THAT(last, ElementsAre("/a b/program", "perform", "$(rm) \"'"));
   }
+}
+
+// What the shell in the window prints when `program` has ended, to a person who presses Enter.
+std::string endOf(const char* program, WindowEnd end) {
+  const Call call = terminalCalls({program}, end).back();
+  return runProgram(
+             {.program = "/bin/sh", .arguments = Call(call.end() - 3, call.end()), .input = "\n"})
+      .output;
+}
+
+TEST(AWindowsShell, WaitsForEnterUnlessItIsToCloseAtSuccess) {
+  const std::string question = "\nPress Enter to close this window. ";
+  EXPECT_EQ(endOf("true", WindowEnd::atEnter), question);
+  EXPECT_EQ(endOf("false", WindowEnd::atEnter), question);
+  EXPECT_EQ(endOf("true", WindowEnd::atSuccess), "");
+  EXPECT_EQ(endOf("false", WindowEnd::atSuccess), question);
 }
 
 // A folder that is all of PATH, in which stand-ins note how they are called.

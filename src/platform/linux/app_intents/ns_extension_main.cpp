@@ -100,11 +100,13 @@ std::vector<CommandParameter> offeredParameters(AppIntent& intent) {
   std::vector<CommandParameter> offered;
   for (const platform::AnyIntentParameter* const parameter : intent.parameters()) {
     const auto& settings = parameter->settings();
-    std::string meaning(settings.description.key);
+    CommandParameter one{"--" + std::string(settings.name), std::string(settings.description.key),
+                         Kind::optional};
     if (parameter->valueType() == platform::AnyIntentParameter::ValueType::text) {
-      meaning += " (\"-\" reads standard input)";
+      one.meaning += " (\"-\" reads standard input)";
+      one.values = [] { return std::vector<std::string>{"-"}; };
     }
-    offered.push_back({"--" + std::string(settings.name), std::move(meaning), Kind::optional});
+    offered.push_back(std::move(one));
   }
   return offered;
 }
@@ -131,7 +133,9 @@ Command sayCommand(const AppIntentsExtension& extension) {
   Command command{
       .name = "say",
       .purpose = "Perform the intent that a phrase means",
-      .parameters = {{"SENTENCE", "The phrase, such as \"Log expense to Kivo\""}},
+      .parameters = {{.name = "SENTENCE",
+                      .meaning = "The phrase, such as \"Log expense to Kivo\"",
+                      .values = [&extension] { return spokenPhrases(extension); }}},
       .run = [&extension](const GivenParameters& given) { return say(extension, given); }};
   for (const auto& make : extension.intents) {
     for (CommandParameter& parameter : offeredParameters(*make())) {

@@ -126,9 +126,8 @@ std::optional<SearchProvider::Failure> SearchProvider::activate(const std::strin
 std::optional<SearchProvider::Failure> SearchProvider::open(Texts arguments) {
   arguments.insert(arguments.begin(), std::filesystem::read_symlink("/proc/self/exe").string());
   if (windows_.open(arguments)) return std::nullopt;
-  const char* const complaint = "no terminal can be opened; the variable TERMINAL can name one";
-  complain("kivo-intents", complaint);
-  return Failure{search_wire::failed, complaint};
+  complain("kivo-intents", noTerminalWindow);
+  return Failure{search_wire::failed, noTerminalWindow};
 }
 
 }  // namespace kivo::linux_platform

@@ -11,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "platform/linux/process/command_description.h"
 #include "platform/linux/process/nearest_word.h"
 
 namespace kivo::linux_platform {
@@ -246,6 +247,7 @@ void complain(const std::string& program, const std::string& what) {
 }
 
 int runCommand(const CommandProgram& program, int argc, char** argv) {
+  if (argc == 2 && argv[1] == describeOption) return printDescription(program);
   const std::vector<std::string> arguments = argumentsFrom(program, argc, argv);
   const std::unique_ptr<CLI::App> app = rootOf(program);
   std::vector<std::unique_ptr<Offered>> all;

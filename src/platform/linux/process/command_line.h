@@ -20,6 +20,8 @@ struct CommandParameter {
   /// What the help says of it.
   std::string meaning;
   Kind kind = Kind::required;
+  /// The values to offer while it is typed; none when any will do. Not checked.
+  std::function<std::vector<std::string>()> values = {};
 };
 
 /// What was given, by the names of the parameters. A flag that was given is there with any text.

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "platform/linux/process/command_description.h"
 #include "platform/linux/process/command_line.h"
 
 namespace kivo::linux_platform {
@@ -18,6 +19,12 @@ int runService(const ServiceProgram& program, int argc, char** argv) {
   if (argc == 2 && option == "--version") {
     std::cout << program.name << " " KIVO_VERSION "\n";
     return 0;
+  }
+  if (argc == 2 && option == describeOption) {
+    return printDescription({.name = program.name,
+                             .purpose = program.purpose,
+                             .version = KIVO_VERSION,
+                             .commands = {}});
   }
   if (argc > 1) {
     std::cerr << usage;

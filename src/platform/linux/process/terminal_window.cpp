@@ -13,8 +13,11 @@ namespace {
 using Call = std::vector<std::string>;
 
 // Outlives an interruption of the program, to let its words be read.
-constexpr const char* untilEnter =
-    "trap : INT; \"$0\" \"$@\"; printf '\\nPress Enter to close this window. '; read -r line";
+std::string shellLines(WindowEnd end) {
+  const std::string then = end == WindowEnd::atSuccess ? " && exit" : "";
+  return "trap : INT; \"$0\" \"$@\"" + then +
+         "; printf '\\nPress Enter to close this window. '; read -r line";
+}
 
 std::string variable(const char* name) {
   const char* const value = std::getenv(name);
@@ -42,7 +45,7 @@ bool isServiceOfSystemd() {
 
 }  // namespace
 
-std::vector<Call> terminalCalls(const Call& command) {
+std::vector<Call> terminalCalls(const Call& command, WindowEnd end) {
   std::vector<Call> calls;
   for (const std::string& terminal :
        {std::string("xdg-terminal-exec"), variable("TERMINAL"), std::string("x-terminal-emulator"),
@@ -54,15 +57,15 @@ std::vector<Call> terminalCalls(const Call& command) {
     if (const auto separator = separatorOf(terminal); !separator.empty()) {
       call.emplace_back(separator);
     }
-    call.insert(call.end(), {"/bin/sh", "-c", untilEnter});
+    call.insert(call.end(), {"/bin/sh", "-c", shellLines(end)});
     call.insert(call.end(), command.begin(), command.end());
     calls.push_back(std::move(call));
   }
   return calls;
 }
 
-bool TerminalWindows::open(const Call& command) {
-  for (Call& call : terminalCalls(command)) {
+bool TerminalWindows::open(const Call& command, WindowEnd end) {
+  for (Call& call : terminalCalls(command, end)) {
     if (!isProgram(call.front())) continue;
     if (isServiceOfSystemd()) {
       const Call unit{"systemd-run", "--user", "--collect", "--quiet", "--"};

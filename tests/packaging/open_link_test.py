@@ -1,0 +1,68 @@
+#!/usr/bin/env python3
+"""Clicks on a notification of the installed Kivo as a person would, and looks at the window that opens."""
+import contextlib
+import shutil
+import unittest
+
+from installed_kivo import InstalledKivo
+from virtual_desktop import VirtualDesktop, wait_for
+
+MESSAGE = "Your card was charged EGP 150.00 at Cafe"
+FIGURES = "EGP\u00a0150.00"
+
+
+class AnOpenedLink(unittest.TestCase):
+    def setUp(self):
+        self.stack = contextlib.ExitStack()
+        self.addCleanup(self.stack.close)
+        self.kivo = InstalledKivo()
+        self.stack.callback(self.kivo.close)
+        self.desktop = VirtualDesktop(self.kivo, self.stack)
+
+    def track(self):
+        self.kivo.run("kivo-intents", "perform", "ProcessSMSIntent", "--smsText", "-", input=MESSAGE)
+
+    def expect_widget(self):
+        """One window opens, with the figures in it."""
+        wait_for(lambda: self.desktop.windows("XTerm"), "a terminal is open")
+        wait_for(lambda: FIGURES in self.desktop.shown(), "the terminal shows the figures")
+        self.assertIn("1 expense ", self.desktop.shown())
+        self.assertEqual(len(self.desktop.terminals()), 1)
+
+    def test_a_click_on_a_notification_shows_the_widget(self):
+        self.kivo.run("kivo-phone", "notifications", "authorized")
+        self.track()
+        [notification] = wait_for(lambda: self.desktop.windows("Dunst"), "the notification is shown")
+        self.assertEqual(self.desktop.windows("XTerm"), [])
+        self.desktop.click(notification)
+        self.expect_widget()
+
+    def test_the_window_closes_when_the_widget_is_ended(self):
+        self.track()
+        self.desktop.launch("gio", "open", "kivo-expenses://")
+        self.expect_widget()
+        self.desktop.press("ctrl+c", *self.desktop.windows("XTerm"))
+        wait_for(lambda: not self.desktop.windows("XTerm"), "the terminal is closed")
+
+    def test_a_desktop_of_its_own_opener_shows_the_widget(self):
+        self.track()
+        self.desktop.launch("gio", "open", "kivo-expenses://")
+        self.expect_widget()
+
+    def test_a_menu_shows_the_widget(self):
+        self.track()
+        self.desktop.launch("gio", "launch", self.desktop.entry)
+        self.expect_widget()
+
+    def test_a_link_from_elsewhere_brings_no_options_with_it(self):
+        self.track()
+        made = self.desktop.home / "made"
+        self.desktop.launch("xdg-open", f"kivo-expenses:x --version $(touch {made}) `touch {made}`; touch {made}")
+        self.expect_widget()
+        self.assertFalse(made.exists())
+
+
+if __name__ == "__main__":
+    for program in ("Xvfb", "dunst", "xdotool", "xterm"):
+        assert shutil.which(program), f"{program} is not installed; scripts/setup installs it"
+    unittest.main()
