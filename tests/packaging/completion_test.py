@@ -8,11 +8,12 @@ import pty
 import re
 import select
 import signal
+import subprocess
 import sys
 import time
 import unittest
 
-from installed_kivo import PREFIX, InstalledKivo
+from installed_kivo import PREFIX, InstalledKivo, with_unpacked
 
 sys.path.insert(0, str(pathlib.Path(os.environ["KIVO_SOURCE"]) / "packaging/completions"))
 import completions  # noqa: E402  what the files were written by
@@ -81,8 +82,9 @@ class Completions(unittest.TestCase):
 
     def fish(self, words):
         file = self.share / "fish/vendor_completions.d/kivo-intents.fish"
-        printed = self.kivo.run("fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", str(file),
-                                "kivo-intents " + words)
+        shell = ["fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", file, "kivo-intents " + words]
+        printed = subprocess.run(shell, env=with_unpacked(self.kivo.environment), check=True, capture_output=True,
+                                 text=True, timeout=60).stdout
         return {line.split("\t")[0] for line in printed.splitlines()}
 
     def test_bash_offers_what_is_declared(self):
