@@ -111,8 +111,12 @@ class CleanRoot:
         children = pathlib.Path(f"/proc/{self._first.pid}/task/{self._first.pid}/children").read_text().split()
         self._enter = ["nsenter", "--target", children[0], "--mount", "--pid", "--root", f"--wd={self.folder}",
                        "/usr/sbin/chroot"]
-        self.root(f"useradd --create-home --uid {ALICE_ID} --shell /bin/bash alice")
-        self.root("apt-get update -qq && apt-get autoclean -qq")
+        try:
+            self.root(f"useradd --create-home --uid {ALICE_ID} --shell /bin/bash alice")
+            self.root("apt-get update -qq && apt-get autoclean -qq")
+        except RuntimeError:
+            self.close()
+            raise
 
     def command(self, *command, user="root"):
         """The call outside that has `command` run inside."""
