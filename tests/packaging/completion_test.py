@@ -13,7 +13,7 @@ import sys
 import time
 import unittest
 
-from installed_kivo import PREFIX, InstalledKivo, with_unpacked
+from installed_kivo import PREFIX, UNPACKED, InstalledKivo, with_unpacked
 
 sys.path.insert(0, str(pathlib.Path(os.environ["KIVO_SOURCE"]) / "packaging/completions"))
 import completions  # noqa: E402  what the files were written by
@@ -82,7 +82,9 @@ class Completions(unittest.TestCase):
 
     def fish(self, words):
         file = self.share / "fish/vendor_completions.d/kivo-intents.fish"
-        shell = ["fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", file, "kivo-intents " + words]
+        functions = UNPACKED / "usr/share/fish/functions"  # which an unpacked fish does not find
+        shell = ["fish", "--no-config", "-c", "set -p fish_function_path $argv[1]; source $argv[2]; complete -C $argv[3]",
+                 functions, file, "kivo-intents " + words]
         printed = subprocess.run(shell, env=with_unpacked(self.kivo.environment), check=True, capture_output=True,
                                  text=True, timeout=60).stdout
         return {line.split("\t")[0] for line in printed.splitlines()}
