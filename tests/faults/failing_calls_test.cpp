@@ -79,7 +79,7 @@ class ARunWithFailingCalls : public testkit::SurvivingRuns {
   int injected_ = 0;
 };
 
-TEST_F(ARunWithFailingCalls, ThatWouldBeOfflineKeepsItsTextAndTheQueueOrSaysThatTheStoreFailed) {
+TEST_F(ARunWithFailingCalls, OfflineKeepsTextAndQueueOrReportsAFailedStore) {
   prepare(Backend::fails);
   sweep();
   printCounts("offline");

@@ -58,7 +58,7 @@ std::string whyNoFaults() {
     if (result.status == 128 + SIGKILL) return "";
     return "strace cannot inject faults here, since tracing is not permitted: " + result.errors;
   } catch (const std::system_error&) {
-    return "strace is not installed (scripts/setup installs it)";
+    return "strace is not installed (scripts/setup test installs it)";
   }
 }
 

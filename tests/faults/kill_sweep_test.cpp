@@ -109,7 +109,7 @@ TEST_F(AKilledRun, ThatWasSavedLeavesTheQueueUntouchedAndTheFourTotalsInAgreemen
   });
 }
 
-TEST_F(AKilledRun, ThatWasOfflineLeavesItsTextInTheQueueUnderItsKeyOrTheQueueUntouched) {
+TEST_F(AKilledRun, ThatWasOfflineQueuesItsTextUnderItsKeyOrLeavesTheQueue) {
   keepStore(earlier, 0);
   backend.answers(503, "");
   sweep(90, "Saved offline - will process when connected", [this](const Run& run) {
@@ -136,7 +136,7 @@ TEST_F(AKilledRun, ThatWasTheFirstOneLeavesAStoreThatTheNextOneCanUse) {
   });
 }
 
-TEST_F(AKilledRun, ThatWasDrainingLeavesEveryTextInTheQueueOrAtTheBackendAndALockThatGetsFree) {
+TEST_F(AKilledRun, ThatWasDrainingLosesNoTextAndLeavesALockThatGetsFree) {
   keepStore(earlier, 0);
   backend.answers(200, testkit::savedAnswer("expense"));
   std::size_t sentBefore = 0;

@@ -104,7 +104,7 @@ class ALocale : public testing::TestWithParam<HostAndLocale> {
   }
 };
 
-TEST_P(ALocale, ChangesNothingThatIsSentOrStoredButTheDayOfTheTotals) {
+TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInWhatIsSentAndStored) {
   const auto& [program, locale] = GetParam();
   const Traces plain = traces("kivo-intents", "C");
   const Traces localized = traces(program, locale);

@@ -67,7 +67,7 @@ void PrintTo(Amount amount, std::ostream* stream) {
 
 class OfflineRuns : public ManyAtOnce, public testing::WithParamInterface<Amount> {};
 
-TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseNoMoreThanOverlapsAndTheCap) {
+TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseOnlyOverlapsAndTheCap) {
   signIn();
   backend.goAway();
   std::atomic<int> savedOffline = 0;
@@ -99,10 +99,9 @@ TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseNoMoreThanOverlapsAndTheCap) {
 }
 
 // 200 texts are as many as the queue holds: what is missing of them was lost to overlaps.
-INSTANTIATE_TEST_SUITE_P(By, OfflineRuns, testing::Values(Amount::ofTheCap, Amount::beyondTheCap),
+INSTANTIATE_TEST_SUITE_P(, OfflineRuns, testing::Values(Amount::ofTheCap, Amount::beyondTheCap),
                          [](const auto& amount) {
-                           return amount.param == Amount::ofTheCap ? "TheCapInNumber"
-                                                                   : "MoreThanTheCapInNumber";
+                           return amount.param == Amount::ofTheCap ? "AtTheCap" : "BeyondTheCap";
                          });
 
 TEST_F(ManyAtOnce, OnlineAndOfflineLeaveAWholeStoreAndSendNoTextUnderTwoKeys) {

@@ -180,7 +180,7 @@ class AMisbehavingServer : public testing::Test {
   ServerIdentity identity_ = authority_.certify();
 };
 
-TEST_F(AMisbehavingServer, ThatAnswersBadlyLeavesTheTextInTheQueueUnlessTheAnswerIsGood) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedUnlessItsAnswerIsGoodAfterAll) {
   meetEach(brokenAnswers(), 8);
 }
 
@@ -188,7 +188,7 @@ TEST_F(AMisbehavingServer, ThatBreaksTheConnectionLeavesTheTextInTheQueue) {
   meetEach(brokenConnections(), 8);
 }
 
-TEST_F(AMisbehavingServer, ThatAnswersAnotherStatusThan200LeavesTheTextInTheQueueAndIsNotFollowed) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedAndIsNotFollowedWithoutA200) {
   const ScriptedServer elsewhere(answering(httpAnswer(200, trackedBody())));
   meetEach(answersOfEachStatus(elsewhere.url()), 8);
   EXPECT_EQ(elsewhere.connections(), 0);

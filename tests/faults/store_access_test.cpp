@@ -100,7 +100,7 @@ TEST_F(TheStoreOfARun, IsRefusedBehindALinkToAnotherFolder) {
   EXPECT_THAT(backend.requests(), testing::IsEmpty());
 }
 
-TEST_F(TheStoreOfARun, IsRefusedWithALinkInThePlaceOfAnyFileWhetherItLeadsSomewhereOrNot) {
+TEST_F(TheStoreOfARun, IsRefusedWithALinkInPlaceOfAnyFileEvenADanglingOne) {
   for (const char* const suffix : suffixes) {
     for (const bool dangling : {false, true}) {
       SCOPED_TRACE(std::string(suffix) + (dangling ? " to nowhere" : " to a file"));

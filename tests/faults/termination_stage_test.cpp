@@ -116,7 +116,7 @@ class ARunTerminatedAtAnyCall : public ExtensionProgram,
   int savedOffline = 0;
 };
 
-TEST_P(ARunTerminatedAtAnyCall, OnlineWithAQueueToDrainEndsWithItsDialogAndLosesNothing) {
+TEST_P(ARunTerminatedAtAnyCall, WithAQueueToDrainAnswersAndLosesNothing) {
   atEachCall([this](const char* systemCall, int number) {
     const UnreliableBackend healthy(1, 0);
     signIn(healthy.url());
@@ -134,7 +134,7 @@ TEST_P(ARunTerminatedAtAnyCall, OnlineWithAQueueToDrainEndsWithItsDialogAndLoses
   EXPECT_GT(savedOffline, 0);
 }
 
-TEST_P(ARunTerminatedAtAnyCall, OfflineEndsWithItsDialogAndTheTextInTheQueue) {
+TEST_P(ARunTerminatedAtAnyCall, OfflineAnswersAndQueuesTheText) {
   atEachCall([this](const char* systemCall, int number) {
     const UnreliableBackend untouched(1, 0);
     signIn("http://127.0.0.1:1");
@@ -147,7 +147,7 @@ TEST_P(ARunTerminatedAtAnyCall, OfflineEndsWithItsDialogAndTheTextInTheQueue) {
   EXPECT_GT(savedOffline, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(BySignal, ARunTerminatedAtAnyCall,
+INSTANTIATE_TEST_SUITE_P(, ARunTerminatedAtAnyCall,
                          testing::Values(Termination{"SIGTERM", SIGTERM},
                                          Termination{"SIGINT", SIGINT}),
                          [](const auto& termination) { return termination.param.name; });

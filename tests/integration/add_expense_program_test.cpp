@@ -59,7 +59,7 @@ TEST_F(AddExpenseByProgram, OneOfAPersonWhoIsNotSignedInAsksToSignIn) {
   expectAnswered(add("25", "Cafe"), "Please open Kivo app and sign in first");
 }
 
-TEST_F(AddExpenseByProgram, ABackendOutOfReachLeavesItInTheQueueWithAmountAndMerchant) {
+TEST_F(AddExpenseByProgram, ABackendOutOfReachQueuesItWithAmountAndMerchant) {
   signIn();
   backend.goAway();
   expectAnswered(add("12.5", " Cafe "),
@@ -111,7 +111,7 @@ TEST_F(AddExpenseByProgram, ABrokenMerchantIsRepaired) {
               ElementsAre("Paid 25.0 EGP at Caf\ufffd \ufffd", "Paid 25.0 EGP at Caf\ufffd"));
 }
 
-TEST_F(AddExpenseByProgram, AMerchantOfAMegabyteWithNULsArrivesWholeAndIsQueuedWhole) {
+TEST_F(AddExpenseByProgram, AMerchantOfAMegabyteWithNULsIsSentAndQueuedWhole) {
   signIn();
   std::string merchant(1 << 20, 'x');
   merchant[1000] = '\0';

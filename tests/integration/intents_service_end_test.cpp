@@ -144,7 +144,10 @@ TEST_P(ATerminatedService, LeavesItsNameToTheNextCallAtOnce) {
   EXPECT_NE(service(), first);
 }
 
-INSTANTIATE_TEST_SUITE_P(BySignal, ATerminatedService, testing::Values(SIGTERM, SIGINT));
+INSTANTIATE_TEST_SUITE_P(, ATerminatedService, testing::Values(SIGTERM, SIGINT),
+                         [](const auto& signal) {
+                           return std::string(signal.param == SIGTERM ? "SIGTERM" : "SIGINT");
+                         });
 
 class AFatalStop : public testkit::ServedIntents {};
 

@@ -112,7 +112,7 @@ TEST_F(ProcessSMSByProgram, ABackendOutOfReachLeavesTheTextInTheQueue) {
   EXPECT_EQ(text(StoreKeys::pendingSmsQueueCount), "1");
 }
 
-TEST_F(ProcessSMSByProgram, AStatusThatIsNot200LeavesTheTextInTheQueueUnderTheKeyThatWasSent) {
+TEST_F(ProcessSMSByProgram, AStatusOtherThan200LeavesTheTextQueuedUnderItsKey) {
   signIn();
   backend.answers(503, testkit::savedAnswer("expense"));
   expectSavedOffline(processSMS("Paid 150"),

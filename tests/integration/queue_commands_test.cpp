@@ -169,7 +169,7 @@ TEST_F(AQueueOfTexts, LosesNoneWhenThePersonDoesNotAgree) {
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
-TEST_F(AQueueOfTexts, LosesTheOneThatWasShownWhenTheQueueMovesWhileThePersonThinks) {
+TEST_F(AQueueOfTexts, LosesTheOneThatWasShownWhenTheQueueMovesMeanwhile) {
   ChildProcess program(atTerminal("drop 1"));
   std::ofstream typed(typing());
   ASSERT_TRUE(testkit::eventually(

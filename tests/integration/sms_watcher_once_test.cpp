@@ -188,7 +188,7 @@ TEST_F(AMessageThatIsNotAnswered, IsHandedOnByTheNextWatcher) {
   EXPECT_EQ(waitForHandedOn(2).size(), 2U);
 }
 
-TEST_F(AMessageThatIsNotAnswered, IsHandedOnTwiceRatherThanNotWhenItsAnswerWasNotRecorded) {
+TEST_F(AMessageThatIsNotAnswered, IsHandedOnAgainWhenItsAnswerWasNotRecorded) {
   startIntents();
   startWatcher();
   handedOnBeforeOneMore();
@@ -214,7 +214,7 @@ TEST_F(AMessageThatIsNotAnswered, IsHandedOnTwiceRatherThanNotWhenItsAnswerWasNo
       eventually([&] { return testing::Value(handedOn(), Contains("Paid 151").Times(2)); }, 60s));
 }
 
-TEST_F(AMessageThatIsNotAnswered, OutlivesItsDeletionFromTheModemWhileTheWatcherRuns) {
+TEST_F(AMessageThatIsNotAnswered, OutlivesItsDeletionFromTheModem) {
   startIntents();
   intentsDo("fail");
   startWatcher();
@@ -288,7 +288,7 @@ TEST_P(AModemManagerInTrouble, IsAskedAgainWhenItHung) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
-INSTANTIATE_TEST_SUITE_P(ByMethod, AModemManagerInTrouble,
+INSTANTIATE_TEST_SUITE_P(, AModemManagerInTrouble,
                          testing::Values("GetManagedObjects", "List", "GetAll"),
                          [](const auto& method) { return std::string(method.param); });
 

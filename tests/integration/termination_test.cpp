@@ -67,7 +67,7 @@ TEST_P(ATerminatedRun, DuringItsRequestKeepsTheTextAndSaysSo) {
   EXPECT_EQ(queue()[0].smsText, "Paid 150");
 }
 
-TEST_P(ATerminatedRun, DuringItsDrainCountsTheItemsAsFailedAndStillAnswers) {
+TEST_P(ATerminatedRun, DuringItsDrainCountsTheItemsAsFailedAndAnswers) {
   signIn("http://127.0.0.1:1");
   EXPECT_EQ(processSMS("Paid 1").status, 0);
   EXPECT_EQ(processSMS("Paid 2").status, 0);
@@ -94,7 +94,10 @@ TEST_P(ATerminatedRun, SignalledManyTimesEndsAsOne) {
   EXPECT_THAT(queue(), SizeIs(1));
 }
 
-INSTANTIATE_TEST_SUITE_P(BySignal, ATerminatedRun, testing::Values(SIGTERM, SIGINT));
+INSTANTIATE_TEST_SUITE_P(, ATerminatedRun, testing::Values(SIGTERM, SIGINT),
+                         [](const auto& signal) {
+                           return std::string(signal.param == SIGTERM ? "SIGTERM" : "SIGINT");
+                         });
 
 }  // namespace
 }  // namespace kivo

@@ -1,14 +1,8 @@
-#!/usr/bin/env python3
-"""Installs a Debian package of Kivo in a clean Debian 12, uses it there as a person would, and removes it.
+"""A clean Debian 12 in a folder: made from the mirror that this machine uses, and a person in it.
 
-    clean_root.py PACKAGE.deb
-
-The system is a minimal one from the mirror that this machine uses, in a temporary folder; its archive
-is kept in build/clean-root/ for the next time, for a week. A backend on loopback stands in for the
-real one. Needs root, and says so where it is not.
+Its archive and the packages that were installed in it are kept in build/clean-root/ for the next time,
+the archive for a week. Needs root and mounts.
 """
-import datetime
-import json
 import os
 import pathlib
 import shutil
@@ -17,20 +11,43 @@ import sys
 import tempfile
 import time
 
-from loopback_backend import Backend
-from modem_manager_in_root import ModemManager
-from session_in_root import Session
+TREE = pathlib.Path(__file__).resolve().parents[2]
+KEPT = TREE / "build/clean-root"
+ARCHIVE = KEPT / "debian-12.tar"
+ARCHIVE_SECONDS = 7 * 24 * 3600
+ALICE_ID = 1000
+ROOT = {
+    "PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "DEBIAN_FRONTEND": "noninteractive", "HOME": "/root",
+}
+ALICE = {"PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/home/alice", "USER": "alice"}
+# The first process of the system: its mounts, then pairs of a folder outside and its path inside. What
+# follows runs in its namespaces, and ends with it.
+FIRST = """
+set -e
+cd "$1"
+shift
+mkdir -p dev
+for one in null zero full random urandom tty; do : >dev/$one; mount --bind /dev/$one dev/$one; done
+ln -sf /proc/self/fd dev/fd
+mkdir -p dev/pts dev/shm
+mount -t devpts -o newinstance,ptmxmode=0666,gid=5,mode=0620 devpts dev/pts
+ln -sf pts/ptmx dev/ptmx
+mount -t tmpfs -o mode=1777 tmpfs dev/shm
+mount -t proc proc proc
+mount -t tmpfs -o mode=0755 tmpfs run
+while [ $# -gt 0 ]; do
+    mkdir -p "./$2"
+    mount --bind "$1" "./$2"
+    shift 2
+done
+echo ready
+exec sleep infinity
+"""
+SECONDS = 300
 
-KEPT = pathlib.Path(__file__).resolve().parents[2] / "build/clean-root/debian-12.tar"
-KEPT_SECONDS = 7 * 24 * 3600
-MESSAGE = "Your card was charged EGP 150.00 at Cafe"
-DIALOG = "Tracked EGP\u00a0150.00 at Cafe"
-RECEIVED = "Your card was charged EGP 150.00 at Bakery"
-NOW = datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds")
-MODEMS = {"0": [
-    {"path": "1", "State": 3, "PduType": 1, "Number": "Friend", "Text": "See you at the bakery", "Timestamp": NOW},
-    {"path": "2", "State": 3, "PduType": 1, "Number": "MyBank", "Text": RECEIVED, "Timestamp": NOW},
-]}
+
+class CannotBeMade(Exception):
+    """This machine does not allow a clean system; the text says why."""
 
 
 def output(*command, **options):
@@ -50,120 +67,85 @@ def sources():
 
 
 def ways_out():
-    """What this machine's apt is told of proxies and certificates."""
+    """The proxies and certificates in the settings of this machine's apt."""
     settings = output("apt-config", "dump", "Acquire").splitlines()
     return [line for line in settings if any(word in line for word in ("::Proxy ", "::CaInfo ", "::Verify-"))]
 
 
 def archive():
     """The archive of a clean system, which is made where it is missing or old."""
-    if KEPT.exists() and time.time() - KEPT.stat().st_mtime < KEPT_SECONDS:
-        return KEPT
-    KEPT.parent.mkdir(parents=True, exist_ok=True)
-    fresh = KEPT.with_suffix(".new.tar")
+    if ARCHIVE.exists() and time.time() - ARCHIVE.stat().st_mtime < ARCHIVE_SECONDS:
+        return ARCHIVE
+    fresh = ARCHIVE.with_suffix(".new.tar")
     options = [word for line in ways_out() for word in ("--aptopt", line)]
     subprocess.run(["mmdebstrap", "--quiet", "--variant=minbase", "--skip=output/dev", *options, "bookworm", fresh, "-"],
                    input=sources(), text=True, check=True, timeout=900)
-    fresh.rename(KEPT)
-    return KEPT
+    fresh.rename(ARCHIVE)
+    return ARCHIVE
 
 
-def files_in(root):
-    """Every path of the system but for what programs keep: caches, logs, records of packages."""
-    kept = {"var/cache", "var/lib/apt", "var/lib/dpkg", "var/log", "proc", "sys", "dev", "run", "tmp", "home"}
-    found = set()
-    for folder, folders, files in os.walk(root):
-        inside = os.path.relpath(folder, root)
-        folders[:] = [name for name in folders if os.path.normpath(os.path.join(inside, name)) not in kept]
-        found |= {os.path.normpath(os.path.join(inside, name)) for name in folders + files}
-    return found
+class CleanRoot:
+    """The system in `folder`, until it is closed: commands as root and as alice, an ordinary user. The network
+    is this machine's. `shared` has folders of this machine, which are made, and their paths in the system."""
+
+    def __init__(self, shared=()):
+        if os.geteuid() != 0:
+            raise CannotBeMade("it needs root")
+        shared = [(KEPT / "packages", "var/cache/apt/archives"), *shared]
+        for folder, _ in shared:
+            folder.mkdir(parents=True, exist_ok=True)
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kivo-clean-root-", dir="/var/tmp"))
+        self.folder.chmod(0o755)
+        subprocess.run(["tar", "--extract", "--numeric-owner", "--file", archive(), "--directory", self.folder],
+                       check=True, timeout=300)
+        shutil.copy("/etc/resolv.conf", self.folder / "etc/resolv.conf")
+        (self.folder / "etc/hosts").write_text("127.0.0.1 localhost\n::1 localhost\n")  # as the installer has it
+        (self.folder / "etc/apt/apt.conf.d/90ways-out").write_text("\n".join(ways_out()) + "\n")
+        mounts = [word for pair in shared for word in pair]
+        self._first = subprocess.Popen(
+            ["unshare", "--mount", "--pid", "--fork", "--kill-child", "sh", "-c", FIRST, "first", self.folder, *mounts],
+            stdout=subprocess.PIPE, text=True)
+        if self._first.stdout.readline() != "ready\n":
+            self.close()
+            raise CannotBeMade("its mounts are refused")
+        children = pathlib.Path(f"/proc/{self._first.pid}/task/{self._first.pid}/children").read_text().split()
+        self._enter = ["nsenter", "--target", children[0], "--mount", "--pid", "--root", f"--wd={self.folder}",
+                       "/usr/sbin/chroot"]
+        try:
+            self.root(f"useradd --create-home --uid {ALICE_ID} --shell /bin/bash alice")
+            self.root("apt-get update -qq && apt-get autoclean -qq")
+        except RuntimeError:
+            self.close()
+            raise
+
+    def command(self, *command, user="root"):
+        """The call outside that has `command` run inside."""
+        identity = [f"--userspec={ALICE_ID}:{ALICE_ID}", "--groups="] if user == "alice" else []
+        return [*self._enter, *identity, str(self.folder), *command]
+
+    def root(self, script):
+        """The output of a shell script that has to succeed."""
+        return self._output("root", ROOT, script, None)
+
+    def alice(self, script, text="", environment=ALICE):
+        return self._output("alice", environment, script, text)
+
+    def _output(self, user, environment, script, text):
+        result = subprocess.run(self.command("sh", "-ec", script, user=user), env=environment, input=text,
+                                stdin=None if text is not None else subprocess.DEVNULL,
+                                capture_output=True, text=True, timeout=SECONDS)
+        if result.returncode != 0:
+            raise RuntimeError(f"{script}: exit status {result.returncode}\n{result.stdout}{result.stderr}")
+        return result.stdout
+
+    def close(self):
+        """Ends its processes. Its files, which some disks take minutes to free, go meanwhile."""
+        self._first.kill()
+        self._first.wait(60)
+        subprocess.Popen(["rm", "--recursive", "--force", "--one-file-system", self.folder], start_new_session=True)
 
 
 def check(holds, what):
     if not holds:
         sys.exit(f"clean_root: it does not hold that {what}")
     print(f"clean Debian 12: {what}", flush=True)
-
-
-def try_out(session, backend):
-    root = session.folder
-    session.root("useradd --create-home alice")
-    # What it needs, and what belongs to a person's session: no desktop, no compiler.
-    session.root("apt-get update -qq")
-    session.root("apt-get install -qq --no-install-recommends dbus-user-session ca-certificates desktop-file-utils")
-    before = files_in(root)
-    session.root("apt-get install -qq --no-install-recommends /kivo.deb")
-    check(session.root("dpkg --audit; dpkg --verify kivo-intents") == "", "it installs with what it needs, whole")
-    handlers = (root / "usr/share/applications/mimeinfo.cache").read_text()
-    check("x-scheme-handler/kivo-expenses=app.kivo.expenses.desktop;" in handlers, "links of Kivo have a handler")
-
-    session.alice(f"kivo-phone sign-in --user-id 42 --url {backend.url} --currency EGP")
-    said = session.alice("kivo-intents perform ProcessSMSIntent --smsText -", MESSAGE)
-    check(said == DIALOG + "\n" and backend.texts(1) == [MESSAGE], "a message on standard input is tracked")
-    check("150" in session.alice("kivo-phone widget"), "the widget has counted it")
-
-    if session.begin():
-        use_services(session)
-        with ModemManager(root / "tmp/system-bus", MODEMS):
-            receive_messages(session, backend)
-    else:
-        print("clean Debian 12: services not tried: no control groups can be mounted here")
-
-    paths = session.root("dpkg --listfiles kivo-intents").split()
-    check({"/usr/share/man/man1/kivo-intents.1.gz", "/usr/lib/systemd/user/kivo-intents.service",
-           "/usr/share/dbus-1/services/app.kivo.expenses.Intents.service"} <= set(paths), "pages and services are in place")
-    session.root("apt-get purge -qq kivo-intents && apt-get autoremove --purge -qq")
-    check(files_in(root) - before == set(), "its removal leaves nothing")
-    check((root / "home/alice/.local/share/group.app.kivo.expenses/defaults.sqlite3").exists(),
-          "but the person's own data")
-
-
-def use_services(session):
-    """The bus has the service manager start the services, as the units confine them."""
-    replied = session.alice("busctl --user --json=short call app.kivo.expenses.Intents /app/kivo/expenses/Intents"
-                            f" app.kivo.Intents1 Perform 'sa{{sv}}' ProcessSMSIntent 1 smsText s '{MESSAGE}'")
-    check(json.loads(replied)["data"] == [DIALOG], "a call on the bus is answered by the service")
-    status = session.status_of("kivo-intents.service")
-    check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the service is confined")
-    session.alice("kivo-phone notifications authorized")
-    status = session.status_of("kivo-notification-center.service")
-    check((status["NoNewPrivs"], status["Seccomp"]) == ("0", "0"), "the notification center is not")
-    data = session.folder / "home/alice/.local/share"
-    check({path.name for path in data.iterdir()} == {"group.app.kivo.expenses", "app.kivo.NotificationCenter"},
-          "both keep their data in alice's folder")
-    failed = session.alice("systemctl --user list-units --state=failed --no-legend --plain 'kivo*'")
-    check(failed == "", "no unit of Kivo has failed")
-
-
-def receive_messages(session, backend):
-    """The watcher is started by the first sender that is named, and knows its messages from others."""
-    session.root("mkdir -p /run/dbus && ln -s /tmp/system-bus /run/dbus/system_bus_socket")
-    session.alice("kivo-phone watch add MyBank")
-    check(backend.texts(3) == sorted([MESSAGE, MESSAGE, RECEIVED]),
-          "a message on the modem is tracked when its sender has been named, and no other")
-    status = session.status_of("kivo-sms-watcher.service")
-    check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the watcher is confined")
-
-
-def main(package):
-    if os.geteuid() != 0:
-        print("clean_root: not tried in a clean Debian 12, which needs root")
-        return
-    kept = archive()
-    with tempfile.TemporaryDirectory(prefix="kivo-clean-root-") as folder:
-        root = pathlib.Path(folder) / "root"
-        root.mkdir()
-        subprocess.run(["tar", "--extract", "--numeric-owner", "--file", kept, "--directory", root], check=True, timeout=300)
-        shutil.copy("/etc/resolv.conf", root / "etc/resolv.conf")
-        (root / "etc/apt/apt.conf.d/90ways-out").write_text("\n".join(ways_out()) + "\n")
-        shutil.copy(package, root / "kivo.deb")
-        session, backend = Session(root), Backend()
-        try:
-            try_out(session, backend)
-        finally:
-            session.close()
-            backend.close()
-
-
-if __name__ == "__main__":
-    main(*sys.argv[1:])

@@ -7,10 +7,11 @@ import pty
 import re
 import select
 import signal
+import subprocess
 import time
 import unittest
 
-from installed_kivo import PREFIX, InstalledKivo
+from installed_kivo import PREFIX, UNPACKED, InstalledKivo, with_unpacked
 
 PROGRAMS = [program.name for program in sorted((PREFIX / "bin").iterdir())]
 
@@ -99,8 +100,11 @@ class Completions(unittest.TestCase):
 
     def fish(self, program, words):
         file = self.share / f"fish/vendor_completions.d/{program}.fish"
-        printed = self.kivo.run("fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", str(file),
-                                f"{program} {words}")
+        functions = UNPACKED / "usr/share/fish/functions"  # which an unpacked fish does not find
+        shell = ["fish", "--no-config", "-c", "set -p fish_function_path $argv[1]; source $argv[2]; complete -C $argv[3]",
+                 functions, file, f"{program} {words}"]
+        printed = subprocess.run(shell, env=with_unpacked(self.kivo.environment), check=True, capture_output=True,
+                                 text=True, timeout=60).stdout
         return {line.split("\t")[0] for line in printed.splitlines()}
 
     def test_bash_offers_what_is_declared(self):

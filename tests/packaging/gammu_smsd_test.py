@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 import unittest
 
-from installed_kivo import PREFIX, InstalledKivo, running
+from installed_kivo import PREFIX, InstalledKivo, running, with_unpacked
 
 ARABIC = "بنك نيلو: تم إيداع راتب بمبلغ ١٨٬٥٠٠٫٠٠ ج.م من شركة الأفق في حسابك. "
 HANDLER = "share/kivo/gammu-smsd-receive"
@@ -70,8 +70,8 @@ checksecurity = 0
 checkbattery = 0
 checksignal = 0
 """)
-        return running("gammu-smsd", "-c", self.folder / "smsdrc", env=self.kivo.environment, cwd=self.folder,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return running("gammu-smsd", "-c", self.folder / "smsdrc", env=with_unpacked(self.kivo.environment),
+                       cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def log(self):
         return (self.folder / "log").read_text(errors="replace")

@@ -9,6 +9,14 @@ import tempfile
 from loopback_backend import Backend
 
 PREFIX = pathlib.Path(os.environ["KIVO_INSTALLED"])
+UNPACKED = pathlib.Path(os.environ["KIVO_SOURCE"]) / "build/unpacked"  # packages that scripts/setup unpacks
+
+
+def with_unpacked(environment):
+    """`environment` in which the programs of unpacked packages are found, with their libraries."""
+    folders = (UNPACKED / "usr/lib", *UNPACKED.glob("usr/lib/*-linux-gnu*"), *UNPACKED.glob("lib/*-linux-gnu*"))
+    return environment | {"PATH": f"{environment['PATH']}:{UNPACKED}/usr/sbin:{UNPACKED}/usr/bin",
+                          "LD_LIBRARY_PATH": ":".join(str(folder) for folder in folders)}
 
 
 class InstalledKivo:

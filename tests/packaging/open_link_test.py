@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Clicks on a notification of the installed Kivo as a person would, and looks at the window that opens."""
 import contextlib
+import os
 import shutil
 import unittest
 
-from installed_kivo import InstalledKivo
+from installed_kivo import InstalledKivo, with_unpacked
 from virtual_desktop import VirtualDesktop, wait_for
 
 MESSAGE = "Your card was charged EGP 150.00 at Cafe"
@@ -64,5 +65,6 @@ class AnOpenedLink(unittest.TestCase):
 
 if __name__ == "__main__":
     for program in ("Xvfb", "dunst", "xdotool", "xterm"):
-        assert shutil.which(program), f"{program} is not installed; scripts/setup installs it"
+        path = with_unpacked(os.environ)["PATH"]
+        assert shutil.which(program, path=path), f"{program} is missing; scripts/setup test brings it"
     unittest.main()

@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 import unittest
 
-from installed_kivo import PREFIX, InstalledKivo, running
+from installed_kivo import PREFIX, InstalledKivo, running, with_unpacked
 from sms_modem import SmsModem, delivered
 
 HANDLER = "share/kivo/smsd-event"
@@ -44,8 +44,8 @@ device = {self.folder}/modem
 init = AT
 incoming = yes
 """)
-        return running("smsd", "-t", f"-c{self.folder}/smsd.conf", env=self.kivo.environment, cwd=self.folder,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return running("smsd", "-t", f"-c{self.folder}/smsd.conf", env=with_unpacked(self.kivo.environment),
+                       cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def modem(self, *messages):
         modem = SmsModem(self.folder / "modem", messages)

@@ -8,7 +8,7 @@ import signal
 import subprocess
 import time
 
-from installed_kivo import PREFIX
+from installed_kivo import PREFIX, with_unpacked
 
 BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -65,7 +65,7 @@ class VirtualDesktop:
         }
         self._start("dbus-daemon", f"--config-file={self.home}/bus.conf", "--nofork")
         wait_for((self.home / "bus").exists, "the bus listens")
-        self._start("dunst", "-config", self.home / "dunstrc")
+        self._start("dunst", "-config", self.home / "dunstrc", env=with_unpacked(kivo.environment))
         wait_for(self._has_notification_server, "the notification server is on the bus")
         stack.callback(self._close_terminals)
 
@@ -86,8 +86,9 @@ class VirtualDesktop:
             return ":" + numbers.readline().strip()
 
     def _start(self, *command, **options):
-        process = subprocess.Popen(command, env=self.kivo.environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options)
+        options = {"env": self.kivo.environment} | options
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL, **options)
         self._stack.callback(process.wait, SECONDS)
         self._stack.callback(process.terminate)
 

@@ -219,7 +219,7 @@ TEST_P(AFailure, IsWrittenAsOneLineWithoutAnythingSecret) {
   EXPECT_EQ(queued().size(), 1u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, AFailure, ::testing::ValuesIn(failures()),
+INSTANTIATE_TEST_SUITE_P(, AFailure, ::testing::ValuesIn(failures()),
                          [](const auto& failure) { return failure.param.name; });
 
 }  // namespace

@@ -108,7 +108,7 @@ TEST_F(AWatcherOfMessages, TellsMessagesApartBySenderTimeAndText) {
   EXPECT_EQ(handedOn().size(), 4U);
 }
 
-TEST_F(AWatcherOfMessages, WaitsTwiceAsLongAfterEachFailureAndNoLongerThanItsLimit) {
+TEST_F(AWatcherOfMessages, WaitsTwiceAsLongAfterEachFailureUpToItsLimit) {
   take({message("One")});
   for (const auto pause : {2s, 4s, 8s, 10s, 10s}) {
     failOnce();

@@ -1,0 +1,112 @@
+#!/usr/bin/env python3
+"""Installs a Debian package of Kivo in a clean Debian 12, uses it there as a person would, and removes it.
+
+    package_check.py PACKAGE.deb
+
+A backend on loopback stands in for the real one. Needs root and mounts, and says so where they are missing.
+"""
+import contextlib
+import datetime
+import json
+import os
+import shutil
+import sys
+
+from clean_root import CannotBeMade, CleanRoot, check
+from loopback_backend import Backend
+from modem_manager_in_root import ModemManager
+from session_in_root import Session
+
+MESSAGE = "Your card was charged EGP 150.00 at Cafe"
+DIALOG = "Tracked EGP\u00a0150.00 at Cafe"
+RECEIVED = "Your card was charged EGP 150.00 at Bakery"
+NOW = datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds")
+MODEMS = {"0": [
+    {"path": "1", "State": 3, "PduType": 1, "Number": "Friend", "Text": "See you at the bakery", "Timestamp": NOW},
+    {"path": "2", "State": 3, "PduType": 1, "Number": "MyBank", "Text": RECEIVED, "Timestamp": NOW},
+]}
+
+
+def files_in(root):
+    """Every path of the system but for what programs keep: caches, logs, records of packages."""
+    kept = {"var/cache", "var/lib/apt", "var/lib/dpkg", "var/log", "proc", "sys", "dev", "run", "tmp", "home"}
+    found = set()
+    for folder, folders, files in os.walk(root):
+        inside = os.path.relpath(folder, root)
+        folders[:] = [name for name in folders if os.path.normpath(os.path.join(inside, name)) not in kept]
+        found |= {os.path.normpath(os.path.join(inside, name)) for name in folders + files}
+    return found
+
+
+def try_out(root, session, backend):
+    # What it needs, and what belongs to a person's session: no desktop, no compiler.
+    root.root("apt-get install -qq --no-install-recommends dbus-user-session ca-certificates desktop-file-utils")
+    before = files_in(root.folder)
+    root.root("apt-get install -qq --no-install-recommends /kivo.deb")
+    check(root.root("dpkg --audit; dpkg --verify kivo-intents") == "", "it installs with what it needs, whole")
+    handlers = (root.folder / "usr/share/applications/mimeinfo.cache").read_text()
+    check("x-scheme-handler/kivo-expenses=app.kivo.expenses.desktop;" in handlers, "links of Kivo have a handler")
+
+    session.alice(f"kivo-phone sign-in --user-id 42 --url {backend.url} --currency EGP")
+    said = session.alice("kivo-intents perform ProcessSMSIntent --smsText -", MESSAGE)
+    check(said == DIALOG + "\n" and backend.texts(1) == [MESSAGE], "a message on standard input is tracked")
+    check("150" in session.alice("kivo-phone widget"), "the widget has counted it")
+
+    if session.begin():
+        use_services(root, session)
+        with ModemManager(root.folder / "tmp/system-bus", MODEMS):
+            receive_messages(root, session, backend)
+    else:
+        print("clean Debian 12: services not tried: no control groups can be mounted here")
+
+    paths = root.root("dpkg --listfiles kivo-intents").split()
+    check({"/usr/share/man/man1/kivo-intents.1.gz", "/usr/lib/systemd/user/kivo-intents.service",
+           "/usr/share/dbus-1/services/app.kivo.expenses.Intents.service"} <= set(paths), "pages and services are in place")
+    root.root("apt-get purge -qq kivo-intents && apt-get autoremove --purge -qq")
+    check(files_in(root.folder) - before == set(), "its removal leaves nothing")
+    check((root.folder / "home/alice/.local/share/group.app.kivo.expenses/defaults.sqlite3").exists(),
+          "but the person's own data")
+
+
+def use_services(root, session):
+    """The bus has the service manager start the services, as the units confine them."""
+    replied = session.alice("busctl --user --json=short call app.kivo.expenses.Intents /app/kivo/expenses/Intents"
+                            f" app.kivo.Intents1 Perform 'sa{{sv}}' ProcessSMSIntent 1 smsText s '{MESSAGE}'")
+    check(json.loads(replied)["data"] == [DIALOG], "a call on the bus is answered by the service")
+    status = session.status_of("kivo-intents.service")
+    check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the service is confined")
+    session.alice("kivo-phone notifications authorized")
+    status = session.status_of("kivo-notification-center.service")
+    check((status["NoNewPrivs"], status["Seccomp"]) == ("0", "0"), "the notification center is not")
+    data = root.folder / "home/alice/.local/share"
+    check({path.name for path in data.iterdir()} == {"group.app.kivo.expenses", "app.kivo.NotificationCenter"},
+          "both keep their data in alice's folder")
+    failed = session.alice("systemctl --user list-units --state=failed --no-legend --plain 'kivo*'")
+    check(failed == "", "no unit of Kivo has failed")
+
+
+def receive_messages(root, session, backend):
+    """The watcher is started by the first sender that is named, and knows its messages from others."""
+    root.root("mkdir -p /run/dbus && ln -s /tmp/system-bus /run/dbus/system_bus_socket")
+    session.alice("kivo-phone watch add MyBank")
+    check(backend.texts(3) == sorted([MESSAGE, MESSAGE, RECEIVED]),
+          "a message on the modem is tracked when its sender has been named, and no other")
+    status = session.status_of("kivo-sms-watcher.service")
+    check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the watcher is confined")
+
+
+def main(package):
+    with contextlib.ExitStack() as stack:
+        try:
+            root = stack.enter_context(contextlib.closing(CleanRoot()))
+        except CannotBeMade as reason:
+            print(f"package: not tried in a clean Debian 12: {reason}")
+            return
+        shutil.copy(package, root.folder / "kivo.deb")
+        backend = stack.enter_context(contextlib.closing(Backend()))
+        session = stack.enter_context(contextlib.closing(Session(root)))
+        try_out(root, session, backend)
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
