@@ -87,7 +87,7 @@ TEST_F(WithACenterThatAnswersSlowly, ARunGivesEachOfItsCallsASecond) {
   EXPECT_EQ(center->outputSoFar(), "one\ntwo\nthree\nfour\n");
 }
 
-TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatWasNotAnsweredInTime) {
+TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatTimedOut) {
   startCenter({"0.4", "0.4", "0.4", "never", "0"});
   AProcess process;
   const auto took = process.run({"one", "two", "three", "four"});

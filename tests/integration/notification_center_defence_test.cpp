@@ -19,7 +19,7 @@ constexpr int mostMemory = 2 << 20;
 constexpr int mostMemory = 150 << 10;
 #endif
 
-class ABesetNotificationCenter : public ANotificationCenter {
+class AFloodedNotificationCenter : public ANotificationCenter {
  protected:
   // Sends the center alone a signal, as any other program of the person can.
   static void forge(const std::string& path, const std::string& signal,
@@ -57,7 +57,7 @@ class ABesetNotificationCenter : public ANotificationCenter {
   }
 };
 
-TEST_F(ABesetNotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) {
+TEST_F(AFloodedNotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", "{'userInfo': <{'deepLink': 'kivo-expenses://1'}>}").status, 0);
   ASSERT_EQ(add("two", "{'userInfo': <{'deepLink': 'kivo-expenses://2'}>}").status, 0);
@@ -70,7 +70,7 @@ TEST_F(ABesetNotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) {
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://2"));
 }
 
-TEST_F(ABesetNotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
+TEST_F(AFloodedNotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
   NotificationDisplay display(phone.address());
   const pid_t before = phone.startCenter();
   forgeOfDesktop("ActionInvoked", {"string:one"});
@@ -80,7 +80,7 @@ TEST_F(ABesetNotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
   EXPECT_EQ(phone.startCenter(), before);
 }
 
-TEST_F(ABesetNotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) {
+TEST_F(AFloodedNotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) {
   const pid_t center = phone.startCenter();
   const std::string large = std::to_string(30 << 20);
   const std::string refused = "org.freedesktop.DBus.Error.LimitsExceeded\n";
@@ -93,7 +93,7 @@ TEST_F(ABesetNotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) {
   EXPECT_LT(peakMemory(center), mostMemory);
 }
 
-TEST_F(ABesetNotificationCenter, RefusesRequestsWhenWhatWaitsWouldBeLargerThan32MiB) {
+TEST_F(AFloodedNotificationCenter, RefusesRequestsBeyond32MiBOfWaitingOnes) {
   std::string answers;
   for (int number = 1; number <= 16; ++number) answers += "kept\n";
   answers += "org.freedesktop.DBus.Error.LimitsExceeded\n";

@@ -162,7 +162,7 @@ TEST_F(ProcessSMSByProgram, ABaseURLThatCannotBeParsedStopsTheProcess) {
   EXPECT_EQ(result.errors, "fatal: the stored base URL of the backend cannot be parsed\n");
 }
 
-TEST_F(ProcessSMSByProgram, AHostNameThatBeginsLikeAnAddressIsLookedUpAndNotTakenForOne) {
+TEST_F(ProcessSMSByProgram, AHostNameThatBeginsLikeAnAddressIsLookedUp) {
   const std::string port = backend.url().substr(backend.url().rfind(':'));
   signIn("http://127.0.0.1.nip.invalid" + port);
   const ProgramResult result = processSMS("Paid 150");

@@ -46,7 +46,7 @@ class AFullNotificationCenter : public testing::Test {
   std::vector<std::function<void(ShowOutcome)>> answers;
 };
 
-TEST_F(AFullNotificationCenter, RefusesARequestWhenWhatWaitsWouldBeLargerThan32MiB) {
+TEST_F(AFullNotificationCenter, RefusesARequestBeyond32MiBOfWaitingOnes) {
   startWith(500, 66'000);
   EXPECT_EQ(add("large", 2'000'000), AddOutcome::noRoom);
   ASSERT_THAT(pending(), SizeIs(500));
@@ -63,7 +63,7 @@ TEST_F(AFullNotificationCenter, CountsWhatItTakesToEscapeAText) {
   EXPECT_EQ(center->add(bundle, std::move(request)), AddOutcome::noRoom);
 }
 
-TEST_F(AFullNotificationCenter, RemembersFewerOfWhatWasShownWhenTheirIdentifiersAreVeryLong) {
+TEST_F(AFullNotificationCenter, RemembersFewerShownOnesWithVeryLongIdentifiers) {
   startWith(0, 0);
   const std::string rest(400'000, 'x');
   for (const char* const first : {"a", "b", "c"}) {

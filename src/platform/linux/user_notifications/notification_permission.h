@@ -8,8 +8,8 @@
 
 namespace kivo::linux_platform {
 
-/// The person's decision for `bundle`. Blocks until the center has answered; none when there is none
-/// that answers within 5 s.
+/// The person's decision for `bundle`. Blocks until the center has answered; none when there is
+/// none that answers within 5 s.
 std::optional<platform::UNAuthorizationStatus> authorizationStatus(std::string_view bundle);
 
 /// Stores the person's decision for `bundle` at the notification center, which keeps it on disk.
