@@ -12,6 +12,7 @@
 
 #include "phone/sms_watcher/watch_settings.h"
 #include "platform/linux/app_intents/intents_client.h"
+#include "platform/linux/process/terminal_text.h"
 #include "platform/linux/telephony/modem_messages.h"
 #include "store/shared_store.h"
 
@@ -24,7 +25,10 @@ using std::chrono::milliseconds;
 
 constexpr const char* ownName = "app.kivo.SmsWatcher";
 
-void tell(const std::string& what) { std::cerr << "kivo-sms-watcher: " << what << '\n'; }
+// What is told may hold an error's words from the bus.
+void tell(const std::string& what) {
+  std::cerr << "kivo-sms-watcher: " << linux_platform::escapedControls(what) << '\n';
+}
 
 linux_platform::WatcherRecord openRecord() {
   auto record = linux_platform::WatcherRecord::open();

@@ -6,6 +6,7 @@
 
 #include "platform/linux/process/command_description.h"
 #include "platform/linux/process/command_line.h"
+#include "platform/linux/process/terminal_text.h"
 
 namespace kivo::linux_platform {
 
@@ -33,7 +34,7 @@ int runService(const ServiceProgram& program, int argc, char** argv) {
   try {
     return program.serve();
   } catch (const std::runtime_error& error) {
-    complain(program.name, error.what());
+    complain(program.name, escapedControls(error.what()));
     return 1;
   }
 }
