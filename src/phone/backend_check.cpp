@@ -5,6 +5,7 @@
 
 #include "extraction/sms_extraction_client.h"
 #include "platform/linux/concurrency/task_executor.h"
+#include "platform/linux/foundation/http_url_session.h"
 
 namespace kivo {
 namespace {
@@ -31,7 +32,9 @@ Task<void> ask(HTTPURLSession* session, URL endpoint, ExchangeOutcome* outcome) 
 bool isHTTP(const URL& url) { return url.scheme == "http" || url.scheme == "https"; }
 
 bool isOnThisMachine(const URL& url) {
-  return url.host == "localhost" || url.host == "::1" || url.host.starts_with("127.");
+  const bool isAddress = url.host.find_first_not_of("0123456789.") == std::string::npos;
+  return url.host == "localhost" || url.host == "::1" ||
+         (isAddress && url.host.starts_with("127."));
 }
 
 std::string sentenceOf(int status) {

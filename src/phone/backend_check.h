@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/foundation/last_exchange.h"
 
 namespace kivo {
 

@@ -110,8 +110,9 @@ TEST_F(ASignedInPhone, SaysWhetherTheCertificateIsTrustedAndWhyNot) {
 }
 
 TEST_F(ASignedInPhone, WarnsOfClearTextToAnotherMachineOnly) {
-  EXPECT_THAT(signIn("http://backend.invalid").output,
-              HasSubstr("in clear text to another machine"));
+  for (const char* const url : {"http://backend.invalid", "http://127.0.0.1.nip.invalid"}) {
+    EXPECT_THAT(signIn(url).output, HasSubstr("in clear text to another machine"));
+  }
   for (const char* const url : {"http://127.0.0.1:1", "http://localhost:1", "http://[::1]:1"}) {
     EXPECT_THAT(signIn(url).output, Not(HasSubstr("clear text")));
   }

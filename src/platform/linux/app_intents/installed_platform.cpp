@@ -3,8 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/foundation/last_exchange.h"
-
 namespace kivo::linux_platform {
 namespace {
 
@@ -18,7 +16,6 @@ platform::Task<void> performInto(platform::AppIntent& intent, platform::IntentDi
 InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier,
                                      std::function<void()> beforehand)
     : bus_(SessionBus::usualTimeout, std::move(beforehand)),
-      session_(rememberExchange),
       notificationCenter_(bus_, std::string(bundleIdentifier)),
       widgetCenter_(bus_) {
   platform::ProcessWide<platform::URLSession>::install(session_);

@@ -7,6 +7,7 @@
 
 #include "platform/app_intents/app_intent.h"
 #include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/foundation/last_exchange.h"
 #include "platform/linux/process/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
@@ -31,7 +32,8 @@ class InstalledPlatform {
 
  private:
   SessionBus bus_;
-  HTTPURLSession session_;
+  HTTPURLSession exchanging_;
+  RememberingURLSession session_{exchanging_};
   BusUserNotificationCenter notificationCenter_;
   BusWidgetCenter widgetCenter_;
 };

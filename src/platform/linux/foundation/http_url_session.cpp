@@ -264,25 +264,11 @@ class Exchange {
 
 }  // namespace
 
-HTTPURLSession::HTTPURLSession(std::function<void(const ExchangeOutcome&)> onEnd)
-    : onEnd_(std::move(onEnd)), trust_(std::make_unique<ServerTrust>()) {}
+HTTPURLSession::HTTPURLSession() : trust_(std::make_unique<ServerTrust>()) {}
 
 HTTPURLSession::~HTTPURLSession() = default;
 
 Task<URLAnswer> HTTPURLSession::data(URLRequest request) {
-  std::optional<URLError> failure;
-  URLAnswer answer;
-  try {
-    answer = co_await exchanged(std::move(request));
-  } catch (const URLError& error) {
-    failure = error;
-  }
-  if (onEnd_) onEnd_(failure ? ExchangeOutcome(*failure) : answer.response.statusCode);
-  if (failure) throw *failure;
-  co_return answer;
-}
-
-Task<URLAnswer> HTTPURLSession::exchanged(URLRequest request) {
   const auto cancellation = co_await asio::this_coro::cancellation_state;
   if (cancellation.cancelled() != asio::cancellation_type::none) throw URLError(Code::cancelled);
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -43,9 +44,7 @@ int openForWriting(const std::filesystem::path& path) {
   return open(path.c_str(), flags, 0600);
 }
 
-}  // namespace
-
-void rememberExchange(const ExchangeOutcome& outcome) {
+void remember(const ExchangeOutcome& outcome) {
   const auto path = file();
   if (!path) return;
   const Descriptor opened(openForWriting(*path));
@@ -53,6 +52,21 @@ void rememberExchange(const ExchangeOutcome& outcome) {
   const std::string text = textOf(outcome);
   // A line that is cut short does not parse, and then counts as none.
   static_cast<void>(!write(opened.number(), text.data(), text.size()));
+}
+
+}  // namespace
+
+platform::Task<platform::URLAnswer> RememberingURLSession::data(platform::URLRequest request) {
+  std::optional<platform::URLError> failure;
+  platform::URLAnswer answer;
+  try {
+    answer = co_await exchanging_.data(std::move(request));
+  } catch (const platform::URLError& error) {
+    failure = error;
+  }
+  remember(failure ? ExchangeOutcome(*failure) : answer.response.statusCode);
+  if (failure) throw *failure;
+  co_return answer;
 }
 
 std::optional<LastExchange> lastExchange() {

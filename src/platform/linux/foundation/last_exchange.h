@@ -4,11 +4,16 @@
 
 #include <optional>
 #include <string>
+#include <variant>
 
 #include "platform/foundation/date.h"
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/foundation/errors.h"
+#include "platform/foundation/url_session.h"
 
 namespace kivo::linux_platform {
+
+/// What an exchange came to: the status of the answer, or why there was none.
+using ExchangeOutcome = std::variant<int, platform::URLError>;
 
 struct LastExchange {
   /// To the second.
@@ -19,10 +24,20 @@ struct LastExchange {
   std::string failure;
 };
 
-/// Writes `outcome` with the present moment to $XDG_STATE_HOME/kivo/last-exchange (0600), in place
-/// of the one before. Not synced. Does nothing when that cannot be written. Any thread or process;
-/// of two at once, either one's stays.
-void rememberExchange(const ExchangeOutcome& outcome);
+/// A session that leaves exchanges to another one and writes down what each came to, with the
+/// moment of its end, in $XDG_STATE_HOME/kivo/last-exchange (0600), in place of the one before. Not
+/// synced, and left out when it cannot be written. Of two at once, in any process, either one's
+/// stays.
+class RememberingURLSession : public platform::URLSession {
+ public:
+  /// `exchanging` outlives every task.
+  explicit RememberingURLSession(platform::URLSession& exchanging) : exchanging_(exchanging) {}
+
+  platform::Task<platform::URLAnswer> data(platform::URLRequest request) override;
+
+ private:
+  platform::URLSession& exchanging_;
+};
 
 /// The last one; none when there was none, or when it cannot be read.
 std::optional<LastExchange> lastExchange();
