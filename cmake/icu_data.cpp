@@ -1,0 +1,39 @@
+// ICU's data where ICU's code is linked statically: the system's libicudata, which is loaded and
+// handed to ICU before main. A reference to its 31 MB from a position-independent program would be
+// copied at each start, and a copy inside each program is as large.
+#include <cstdint>
+
+#include <dlfcn.h>
+#include <unicode/udata.h>
+#include <unicode/uvernum.h>
+
+namespace {
+
+#define KIVO_TEXT_OF(name) #name
+#define KIVO_NAME(name) KIVO_TEXT_OF(name)
+
+// An archive without entries, in the layout of ICU's data files.
+struct EmptyArchive {
+  std::uint16_t headerSize = 32;
+  std::uint8_t magic[2] = {0xda, 0x27};
+  UDataInfo info = {sizeof(UDataInfo), 0, U_IS_BIG_ENDIAN,      U_CHARSET_FAMILY,
+                    U_SIZEOF_UCHAR,    0, {'T', 'o', 'C', 'P'}, {1, 0, 0, 0},
+                    {0, 0, 0, 0}};
+  std::uint8_t padding[8] = {};
+  std::uint32_t entries = 0;
+};
+
+// Without the data ICU knows no locale, and amounts are written as plain decimals.
+[[maybe_unused]] const bool handed = [] {
+  void* const library = dlopen("libicudata.so." U_ICU_VERSION_SHORT, RTLD_NOW | RTLD_LOCAL);
+  const void* const data =
+      library == nullptr ? nullptr : dlsym(library, KIVO_NAME(U_ICUDATA_ENTRY_POINT));
+  UErrorCode status = U_ZERO_ERROR;
+  if (data != nullptr) udata_setCommonData(data, &status);
+  return U_SUCCESS(status) != 0;
+}();
+
+}  // namespace
+
+// What ICU's code refers to as its data.
+extern "C" const EmptyArchive U_ICUDATA_ENTRY_POINT = {};
