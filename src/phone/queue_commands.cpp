@@ -187,9 +187,9 @@ int sendQueue(const GivenParameters&) {
                 linux_platform::escapedControls(BackendCheck::sentences(findings).front()));
   }
   QueueSending::Result result;
-  const linux_platform::InstalledPlatform installed(extensionBundle);
+  linux_platform::InstalledPlatform installed(extensionBundle);
   linux_platform::TaskExecutor executor(1);
-  executor.perform(QueueSending::send(*store, *userId, *base, result));
+  executor.perform(installed.asOneRun(QueueSending::send(*store, *userId, *base, result)));
   return reportSending(result);
 }
 

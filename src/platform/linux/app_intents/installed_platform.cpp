@@ -25,7 +25,11 @@ InstalledPlatform::InstalledPlatform(std::string_view bundleIdentifier,
 
 platform::Task<void> InstalledPlatform::perform(platform::AppIntent& intent,
                                                 platform::IntentDialog& dialog) {
-  return bus_.asOneRun(performInto(intent, dialog));
+  return asOneRun(performInto(intent, dialog));
+}
+
+platform::Task<void> InstalledPlatform::asOneRun(platform::Task<void> run) {
+  return bus_.asOneRun(std::move(run));
 }
 
 }  // namespace kivo::linux_platform

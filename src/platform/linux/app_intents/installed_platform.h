@@ -27,6 +27,9 @@ class InstalledPlatform {
   /// the task.
   platform::Task<void> perform(platform::AppIntent& intent, platform::IntentDialog& dialog);
 
+  /// Performs `run` as one run, as `SessionBus::asOneRun`.
+  platform::Task<void> asOneRun(platform::Task<void> run);
+
   /// Waits until what has still to be sent on the bus has gone out, as `SessionBus::flush`.
   void flush() { bus_.flush(); }
 
