@@ -61,11 +61,14 @@ std::vector<std::string> curl(const std::string& url, std::vector<std::string> o
 
 Field::Field() {
   fs::create_directories(folder_);
-  forgetLinking(linux_platform::programFolder() / "kivo-intents");
+  for (const char* const program : {"kivo-intents", "kivo_bench_floor"}) {
+    forgetLinking(linux_platform::programFolder() / program);
+  }
   phone_.startCenter();
   forgetNotifications();
   trust();
   addCurl();
+  addFloor();
   addScript();
   addSaved();
   addWithQueue();
@@ -106,6 +109,18 @@ void Field::addCurl() {
   add("curl, http", curl(http_.url()));
   add("curl, https, one CA", curl(https_.url(), {"--cacert", ownCertificate_}));
   add("curl, https, defaults", curl(https_.url())).environment = {{"CURL_CA_BUNDLE", bundle_}};
+}
+
+void Field::addFloor() {
+  constexpr const char* fsyncsOfASavedRun = "3";
+  const std::string url = http_.url();
+  contenders_.push_back(
+      {.name = "floor, http",
+       .reference = "curl, http",
+       .command = {linux_platform::programFolder() / "kivo_bench_floor",
+                   url.substr(url.rfind(':') + 1), folder_ / "floor", fsyncsOfASavedRun},
+       .input = requestBody,
+       .expected = R"({"saved":true)"});
 }
 
 void Field::addScript() {

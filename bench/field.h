@@ -30,6 +30,7 @@ class Field {
  private:
   void trust();
   void addCurl();
+  void addFloor();
   void addScript();
   void addSaved();
   void addWithQueue();
