@@ -52,6 +52,10 @@ class UserDefaults {
   /// or will be when the suite is next opened without another process in the way.
   bool synchronize();
 
+  /// As `synchronize`, but commits without an fsync: a power cut may undo it. The next
+  /// `synchronize` of any handle makes it durable.
+  bool publish();
+
  private:
   struct Suite;
   explicit UserDefaults(std::unique_ptr<Suite> suite);

@@ -53,6 +53,11 @@ int openFolder(const std::filesystem::path& path) {
 
 }  // namespace
 
+void syncFolder(const std::filesystem::path& folder) {
+  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.number() >= 0) fsync(opened.number());
+}
+
 SuiteFolder::SuiteFolder(std::string_view suiteName)
     : path_(pathOf(suiteName)), folder_(openFolder(path_)) {
   struct stat found {};
@@ -78,6 +83,15 @@ void SuiteFolder::makeFile() const {
     throw OpeningFailure::notOpened(file(), errno);
   }
   if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNotADatabase(file());
+  if (found.st_size == 0) syncFoldersAbove();
+}
+
+// Also those that another run created: it may have been killed before it synced them.
+void SuiteFolder::syncFoldersAbove() const {
+  for (std::filesystem::path above = path_; above.has_relative_path();) {
+    above = above.parent_path();
+    syncFolder(above);
+  }
 }
 
 void SuiteFolder::makeAllPrivate() const {
