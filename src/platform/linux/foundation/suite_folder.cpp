@@ -58,6 +58,13 @@ void syncFolder(const std::filesystem::path& folder) {
   if (opened.number() >= 0) fsync(opened.number());
 }
 
+void syncFoldersAbove(std::filesystem::path path) {
+  while (path.has_relative_path()) {
+    path = path.parent_path();
+    syncFolder(path);
+  }
+}
+
 SuiteFolder::SuiteFolder(std::string_view suiteName)
     : path_(pathOf(suiteName)), folder_(openFolder(path_)) {
   struct stat found {};
@@ -83,15 +90,7 @@ void SuiteFolder::makeFile() const {
     throw OpeningFailure::notOpened(file(), errno);
   }
   if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNotADatabase(file());
-  if (found.st_size == 0) syncFoldersAbove();
-}
-
-// Also those that another run created: it may have been killed before it synced them.
-void SuiteFolder::syncFoldersAbove() const {
-  for (std::filesystem::path above = path_; above.has_relative_path();) {
-    above = above.parent_path();
-    syncFolder(above);
-  }
+  if (found.st_size == 0) syncFoldersAbove(path_);
 }
 
 void SuiteFolder::makeAllPrivate() const {

@@ -11,6 +11,9 @@ namespace kivo::linux_platform {
 
 /// Syncs the entries of a folder. Some file systems cannot; that is no error.
 void syncFolder(const std::filesystem::path& folder);
+/// Syncs the entry of `path` and those of all folders above it, whoever created them: another run
+/// may have been killed before it synced them.
+void syncFoldersAbove(std::filesystem::path path);
 
 /// The folder of a suite, held open. It is not reached through a symbolic link.
 class SuiteFolder {
@@ -31,7 +34,6 @@ class SuiteFolder {
   void makeAllPrivate() const;
 
  private:
-  void syncFoldersAbove() const;
   void makePrivate(const std::string& name) const;
 
   std::filesystem::path path_;
