@@ -3,6 +3,7 @@
 
 Needs the programs in the folder that KIVO_PROGRAMS names. KIVO_LONG=1 judges 30,000 states.
 """
+import copy
 import os
 import pathlib
 import random
@@ -17,20 +18,24 @@ from judge import Broken, Judge
 from phone import CENTER, GROUP, SENDERS, Phone, backend
 
 LONG = os.environ.get("KIVO_LONG") == "1"
-STATES = 5000 if LONG else 60  # of each recording
+STATES = 5200 if LONG else 60  # of each recording
 MODELS = ("writes", "pages", "ordered")
 MEMORY = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
 
 
-def states(recording, count, seed=1, ignores_sync=lambda path: False):
+def states(recording, count, seed=1, ignores_sync=lambda path: False, moments=None):
     """About `count` different states, as (event before which the power goes, state): spread over
-    all moments, fewer where a moment has no more."""
+    all moments or those given, fewer where a moment has no more."""
     choose = random.Random(seed)
     disk = Disk(recording, ignores_sync)
-    moments = len(recording.events) + 1
+    moments = moments or range(len(recording.events) + 1)
     seen = set()
-    for index in range(moments):
-        wanted = count * (index + 1) // moments - count * index // moments
+    place = 0
+    for index in range(moments[-1] + 1):
+        wanted = 0
+        if index == moments[place]:
+            wanted = count * (place + 1) // len(moments) - count * place // len(moments)
+            place += 1
         for _ in range(wanted * 4):
             density = choose.choice((0, 0.1, 0.5, 0.5, 0.9, 0.9, 1))
             state = disk.after_cut(choose.choice(MODELS), choose, density, index)
@@ -41,6 +46,20 @@ def states(recording, count, seed=1, ignores_sync=lambda path: False):
                 yield index, state
         if index < len(recording.events):
             disk.apply(index, recording.events[index])
+
+
+def without_wal_syncs_after(recording, is_before):
+    """`recording` as if the WAL was not synced after the events for which `is_before` holds, and
+    the moments soon after those."""
+    changed = copy.copy(recording)
+    wal = GROUP + "-wal"
+    on_wal = [index for index, event in enumerate(recording.events) if event[1] == wal]
+    left_out = {after for before, after in zip(on_wal, on_wal[1:])
+                if recording.events[after][0] == "sync" and is_before(recording.events[before])}
+    changed.events = [("left out", wal) if index in left_out else event
+                      for index, event in enumerate(recording.events)]
+    return changed, sorted({index + later for index in left_out for later in range(10)
+                            if index + later < len(changed.events)})
 
 
 def setUpModule():
@@ -65,11 +84,12 @@ class APowerCut(unittest.TestCase):
         self.phone = Phone(self.folder / "home")
 
     def violations(self, recording, count=None, store=GROUP, several=False,
-                   ignores_sync=lambda path: False):
+                   ignores_sync=lambda path: False, moments=None):
         judge = Judge(recording, Disk(recording), store, self.folder / "judged", several)
         self.assertGreater(len(judge.commits), 2, "too little was recorded")
         found = []
-        for cut, state in states(recording, count or STATES, ignores_sync=ignores_sync):
+        for cut, state in states(recording, count or STATES, ignores_sync=ignores_sync,
+                                 moments=moments):
             type(self).judged += 1
             try:
                 judge.check(state, cut)
@@ -220,6 +240,16 @@ class APowerCut(unittest.TestCase):
             self.assertEqual(found["pendingSmsQueueCount"], "200")
 
     # The test can see: each sync is needed, and a disk that ignores it breaks the rule.
+
+    def test_is_seen_to_lose_totals_when_the_header_of_the_wal_is_not_synced(self):
+        recording, moments = without_wal_syncs_after(
+            self.recorded("long_wal"), lambda event: event[0] == "write" and event[2] == 0)
+        self.assertTrue(self.violations(recording, count=1500, moments=moments))
+
+    def test_is_seen_to_bring_back_texts_when_the_truncated_wal_is_not_synced(self):
+        recording, moments = without_wal_syncs_after(
+            self.recorded("full_queue"), lambda event: event[0] == "truncate")
+        self.assertTrue(self.violations(recording, count=500, moments=moments))
 
     def test_is_seen_to_lose_texts_on_a_disk_that_ignores_syncs_of_the_wal(self):
         self.assertTrue(self.violations(self.recorded("long_wal"), count=400,
