@@ -112,7 +112,7 @@ void Field::addCurl() {
 }
 
 void Field::addFloor() {
-  constexpr const char* fsyncsOfASavedRun = "3";
+  constexpr const char* fsyncsOfASavedRun = "2";
   const std::string url = http_.url();
   contenders_.push_back(
       {.name = "floor, http",

@@ -41,8 +41,7 @@ Outcome removeLocked(const PendingSmsItem& shown, std::size_t index, SharedStore
 Outcome QueueRemoval::remove(const PendingSmsItem& shown, std::size_t index, SharedStore& store) {
   if (!SmsQueueDrainer::tryAcquireLock(store)) return Outcome::busy;
   const Outcome outcome = removeLocked(shown, index, store);
-  store.writeFloat(StoreKeys::smsQueueDrainLock, 0);
-  store.synchronize();
+  SmsQueueDrainer::releaseLock(store);
   return outcome;
 }
 

@@ -20,9 +20,11 @@ namespace {
 
 constexpr double staleAfterSeconds = 30;
 
-void releaseLock(SharedStore& store) {
-  store.writeFloat(StoreKeys::smsQueueDrainLock, 0);
-  store.synchronize();
+// A power cut that takes the lock back frees it; one that takes a release back leaves a lock that
+// becomes stale.
+void writeLock(double time, SharedStore& store) {
+  store.writeFloat(StoreKeys::smsQueueDrainLock, time);
+  store.publish();
 }
 
 // Why an attempt failed is of no interest to a drain, and an exception handler cannot suspend.
@@ -64,10 +66,11 @@ bool SmsQueueDrainer::tryAcquireLock(SharedStore& store) {
   const double now = platform::secondsSince1970(platform::Date::now());
   const double last = store.readFloat(StoreKeys::smsQueueDrainLock);
   if (now - last < staleAfterSeconds) return false;
-  store.writeFloat(StoreKeys::smsQueueDrainLock, now);
-  store.synchronize();
+  writeLock(now, store);
   return true;
 }
+
+void SmsQueueDrainer::releaseLock(SharedStore& store) { writeLock(0, store); }
 
 platform::Task<void> SmsQueueDrainer::drain(int maxItems, SharedStore& store, std::string userId,
                                             std::string supabaseUrl) {

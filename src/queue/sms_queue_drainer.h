@@ -24,8 +24,12 @@ inline constexpr std::int64_t retryLimit = 10;
 platform::Task<void> drain(int maxItems, SharedStore& store, std::string userId,
                            std::string supabaseUrl);
 
-/// Takes the drain lock and makes it durable; false, with nothing written, when a drain took it
-/// less than 30 s ago. Advisory and not atomic: two drains that begin at once may both take it.
+/// Takes the drain lock; false, with nothing written, when a drain took it less than 30 s ago.
+/// Advisory and not atomic: two drains that begin at once may both take it. Not synced: a power cut
+/// may free it.
 bool tryAcquireLock(SharedStore& store);
+
+/// Frees the drain lock. Not synced: after a power cut it may be held until it is stale.
+void releaseLock(SharedStore& store);
 
 }  // namespace kivo::SmsQueueDrainer

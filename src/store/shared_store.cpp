@@ -32,4 +32,6 @@ void SharedStore::writeFloat(StoreKey key, double value) { defaults_.setDouble(k
 
 bool SharedStore::synchronize() { return defaults_.synchronize(); }
 
+bool SharedStore::publish() { return defaults_.publish(); }
+
 }  // namespace kivo

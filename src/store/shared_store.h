@@ -35,6 +35,10 @@ class SharedStore {
   /// that failed: a notice for tests, which the system does not act on.
   bool synchronize();
 
+  /// As `synchronize`, but does not wait for the disk: a power cut may undo the writes. Only for
+  /// values whose loss does no harm.
+  bool publish();
+
  private:
   explicit SharedStore(platform::UserDefaults defaults);
   platform::UserDefaults defaults_;

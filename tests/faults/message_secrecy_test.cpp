@@ -48,11 +48,14 @@ class AMessage : public testkit::ExtensionProgram {
   }
 
   // Runs a program of ours on a terminal of its own.
+  /// Without the program's own bold figures, so that every control character would be the
+  /// message's.
   [[nodiscard]] static ProgramResult onTerminal(const std::string& command) {
     return linux_platform::runProgram(
         {.program = "script",
          .arguments = {"--quiet", "--return", "--command",
-                       linux_platform::programFolder().string() + "/" + command, "/dev/null"}});
+                       linux_platform::programFolder().string() + "/" + command, "/dev/null"},
+         .environment = {{"NO_COLOR", "1"}}});
   }
 };
 

@@ -15,7 +15,8 @@ namespace kivo::platform {
 /// once. Writes are kept by the handle until `synchronize` makes them durable and visible to
 /// others, all or none; a read through the same handle sees them before that. Dropping a handle
 /// drops writes that were not synchronized. No call throws or suspends; one may wait up to 10 s for
-/// another process that is writing. A handle is used by one task at a time.
+/// another process that is writing, and before that up to 10 s for other handles of this one. A
+/// handle is used by one task at a time.
 class UserDefaults {
  public:
   /// A stored value as it lies on disk; what is neither number nor text comes as monostate.
@@ -51,6 +52,10 @@ class UserDefaults {
   /// has made way for one that does not go on from it, its bytes are then gone from the files too,
   /// or will be when the suite is next opened without another process in the way.
   bool synchronize();
+
+  /// As `synchronize`, but commits without an fsync: a power cut may undo it. The next
+  /// `synchronize` of any handle makes it durable.
+  bool publish();
 
  private:
   struct Suite;

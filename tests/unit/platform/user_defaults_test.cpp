@@ -16,6 +16,14 @@ using testkit::RawStore;
 
 using ASuite = SuiteTest;
 
+TEST_F(ASuite, ShowsOtherHandlesAPublishedWrite) {
+  UserDefaults suite = open();
+  const UserDefaults other = open();
+  suite.setDouble("lock", 4.5);
+  EXPECT_TRUE(suite.publish());
+  EXPECT_EQ(other.doubleForKey("lock"), 4.5);
+}
+
 TEST_F(ASuite, ReadsAKeyThatWasNeverWrittenAsNoneAndZero) {
   const UserDefaults suite = open();
   EXPECT_EQ(suite.stringForKey("userId"), std::nullopt);

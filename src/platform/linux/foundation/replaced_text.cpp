@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include "platform/linux/foundation/suite_database.h"
+#include "platform/linux/foundation/suite_folder.h"
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -17,45 +19,64 @@ std::string noteOf(sqlite3* database) {
   return std::string(sqlite3_db_filename(database, "main")) + erasureNote;
 }
 
+sqlite3_file* walOf(sqlite3* database) {
+  sqlite3_file* wal = nullptr;
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_JOURNAL_POINTER, &wal);
+  return wal != nullptr && wal->pMethods != nullptr ? wal : nullptr;
+}
+
+// A checkpoint truncates the WAL without a sync: after a power cut its frames may be back.
+bool syncWal(sqlite3* database) {
+  sqlite3_file* const wal = walOf(database);
+  return wal != nullptr && wal->pMethods->xSync(wal, SQLITE_SYNC_NORMAL) == SQLITE_OK;
+}
+
+bool isWalEmpty(sqlite3* database) {
+  sqlite3_file* const wal = walOf(database);
+  sqlite3_int64 size = 0;
+  return wal != nullptr && wal->pMethods->xFileSize(wal, &size) == SQLITE_OK && size == 0;
+}
+
 // SQLite overwrites what it deletes, but not the copies that it leaves in the free space of a page
-// when it moves a row to another one. Only a database that is written anew has none.
+// when it moves a row to another one. Only VACUUM leaves none.
 bool erase(sqlite3* database) {
   // Made durable by the checkpoint, at once.
   execute(database, "PRAGMA synchronous = NORMAL");
-  const bool writtenAnew = execute(database, "VACUUM") == SQLITE_OK;
+  const bool vacuumed = execute(database, "VACUUM") == SQLITE_OK;
   execute(database, "PRAGMA synchronous = FULL");
-  // Even without, say on a full disk: most copies lie in the log.
+  // Even without, say on a full disk: most copies lie in the WAL.
   Statement checkpoint;
   const int code = prepare(database, "PRAGMA wal_checkpoint(TRUNCATE)", checkpoint);
   if (code != SQLITE_OK || sqlite3_step(checkpoint.get()) != SQLITE_ROW) return false;
   const bool prevented = sqlite3_column_int(checkpoint.get(), 0) != 0;
-  return writtenAnew && !prevented;
+  return vacuumed && !prevented && syncWal(database);
+}
+
+// Another process creates the note under its write lock, for a text that is then in the WAL. A note
+// whose removal a power cut undoes has the erasure done once more, and needs no sync.
+void removeNote(sqlite3* database) {
+  if (execute(database, "BEGIN IMMEDIATE") != SQLITE_OK) return;
+  if (isWalEmpty(database)) unlink(noteOf(database).c_str());
+  execute(database, "COMMIT");
 }
 
 }  // namespace
 
 void oweErasure(sqlite3* database) {
-  const int note =
-      open(noteOf(database).c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
-  if (note < 0) return;
-  close(note);
-  // So that it outlives a power failure as the commit does.
-  const std::filesystem::path folder = std::filesystem::path(noteOf(database)).parent_path();
-  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  fsync(descriptor);
-  close(descriptor);
+  const std::filesystem::path path = noteOf(database);
+  const Descriptor note(open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+  // So that a power cut leaves it wherever it leaves the commit.
+  if (note.number() >= 0) syncFolder(path.parent_path());
 }
 
 void eraseReplacedText(sqlite3* database) {
   sqlite3_busy_timeout(database, 0);
-  const bool erased = erase(database);
-  sqlite3_busy_timeout(database, patienceInMilliseconds);
-  if (erased) {
-    unlink(noteOf(database).c_str());
+  if (erase(database)) {
+    removeNote(database);
   } else {
-    oweErasure(database);  // another process may have taken the note away for its own text
+    oweErasure(database);  // another process may have removed the note with its own text
   }
+  sqlite3_busy_timeout(database, patienceInMilliseconds);
 }
 
 void eraseIfOwed(sqlite3* database) {

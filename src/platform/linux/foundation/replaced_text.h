@@ -6,14 +6,15 @@ struct sqlite3;
 namespace kivo::linux_platform {
 
 /// Notes on the disk, as an empty file beside the database, that a text is about to be replaced
-/// whose bytes must not stay behind. To be called before the commit that replaces it, so that the
-/// death of the process in between is made up for by whoever opens the suite next.
+/// whose bytes must not stay behind. To be called in the transaction that replaces it, before its
+/// commit: when the process dies or the power fails in between, the next to open the suite
+/// erases it.
 void oweErasure(sqlite3* database);
 
-/// Writes the database anew without what was replaced, and empties its write-ahead log, in which
-/// the earlier states lie; then nothing is owed any more. Waits for nobody: where another process
-/// is reading or writing at this moment, it is owed from now on. To be called outside a
-/// transaction. Changes no value.
+/// Rebuilds the database without what was replaced, and truncates its WAL, in which the earlier
+/// states are; once that is durable, removes the note. Waits for no other process: where one is
+/// reading or writing at this moment, the note stays. To be called outside a transaction. Changes
+/// no value.
 void eraseReplacedText(sqlite3* database);
 
 /// As `eraseReplacedText` when that is owed; else does nothing.

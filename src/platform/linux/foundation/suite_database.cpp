@@ -1,12 +1,11 @@
 #include "platform/linux/foundation/suite_database.h"
 
-#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <thread>
 
 #include <sqlite3.h>
-#include <sys/stat.h>
 
 #include "platform/linux/foundation/opening_failure.h"
 #include "platform/linux/foundation/replaced_text.h"
@@ -28,9 +27,12 @@ constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
 constexpr const char* settings =
     "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
 
-// In pages of 4 KiB. Whoever opens the database alone reads the log once, an eighth of a
-// millisecond for this much; moving it into the database takes three syncs.
-constexpr int longestLog = 64;
+// In pages of 4 KiB. The first process that opens the database reads the WAL once, an eighth of a
+// millisecond for this length; a checkpoint takes three syncs.
+constexpr int longestWal = 64;
+
+// In this process.
+std::atomic<int> openDatabases = 0;
 
 // The statements of one transaction that turn an empty database into a suite.
 constexpr const char* creation =
@@ -55,61 +57,11 @@ void configureOnce() {
       sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
 }
 
-// The access to a log once it is open: the usual one, but for two syncs too many. One is that of a
-// log which holds its own heading alone: nothing rests on that before the first commit, which is
-// synced. The other is that of the folder, see below: a log that was emptied keeps a byte, which
-// SQLite takes for nothing, and from which a later run knows that the folder has it.
-struct LogMethods : sqlite3_io_methods {
-  static constexpr sqlite3_int64 headingSize = 32;
-
-  explicit LogMethods(const sqlite3_io_methods& usual) : sqlite3_io_methods(usual) {
-    usualSync = usual.xSync;
-    usualTruncate = usual.xTruncate;
-    xSync = [](sqlite3_file* log, int flags) {
-      sqlite3_int64 size = 0;
-      const int code = log->pMethods->xFileSize(log, &size);
-      return code == SQLITE_OK && size <= headingSize ? SQLITE_OK : usualSync(log, flags);
-    };
-    xTruncate = [](sqlite3_file* log, sqlite3_int64 size) {
-      return usualTruncate(log, std::max<sqlite3_int64>(size, 1));
-    };
-  }
-
-  inline static int (*usualSync)(sqlite3_file*, int) = nullptr;
-  inline static int (*usualTruncate)(sqlite3_file*, sqlite3_int64) = nullptr;
-};
-
-// The usual access to files but for logs. One that is there and holds something is opened without
-// the permission to make it: SQLite takes one opened with it for new, and syncs its folder with its
-// first write, one sync for each run.
-sqlite3_vfs* logKeepingAccess() {
-  configureOnce();
-  static sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
-  static sqlite3_vfs access = [] {
-    sqlite3_vfs copy = *usual;
-    copy.zName = "kivo";
-    copy.xOpen = [](sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* got) {
-      if ((flags & SQLITE_OPEN_WAL) == 0) return usual->xOpen(usual, name, file, flags, got);
-      struct stat found {};
-      const bool holdsSomething = stat(name, &found) == 0 && found.st_size > 0;
-      const int opening = holdsSomething ? flags & ~SQLITE_OPEN_CREATE : flags;
-      const int code = usual->xOpen(usual, name, file, opening, got);
-      if (code != SQLITE_OK) return code;
-      static const LogMethods methods(*file->pMethods);
-      file->pMethods = &methods;
-      return SQLITE_OK;
-    };
-    return copy;
-  }();
-  static const int registered = sqlite3_vfs_register(&access, 0);
-  return registered == SQLITE_OK ? &access : usual;
-}
-
-// Called after each commit. Moves a long log into the database as far as nobody reads from it, and
-// waits for nobody.
-int shortenLog(void* length, sqlite3* database, const char*, int pages) {
+// Called after each commit. Checkpoints a long WAL as far as no other process reads from it, and
+// waits for none.
+int checkpointLongWal(void* length, sqlite3* database, const char*, int pages) {
   *static_cast<int*>(length) = pages;
-  if (pages < longestLog) return SQLITE_OK;
+  if (pages < longestWal) return SQLITE_OK;
   sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
   return SQLITE_OK;
 }
@@ -185,26 +137,27 @@ int establishPatiently(sqlite3* database, const SuiteFolder& folder) {
   return code;
 }
 
-// Before anything is read from the file. A handle lives for a run, reads each value about once, and
-// many runs overlap in one process: the cache of pages would be four fifths of a handle's memory.
-// The last to close the database would move the log into it and take away its files, only for the
-// next run to make them anew: more syncs than the run itself has commits.
+// To be called before anything is read from the file. The last handle to close would checkpoint the
+// WAL and remove it, and the next run would create it again: more syncs than the run has commits.
+// Where many runs overlap in one process, the page cache would be four fifths of a handle's memory;
+// a run that is alone is 5 % faster with it.
 void configure(Database& database) {
-  database.get_deleter().logLength = std::make_unique<int>(0);
+  database.get_deleter().walLength = std::make_unique<int>(0);
   sqlite3_busy_timeout(database.get(), patienceInMilliseconds);
-  execute(database.get(), "PRAGMA cache_size = 0");
+  if (++openDatabases > 1) execute(database.get(), "PRAGMA cache_size = 0");
   sqlite3_db_config(database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  sqlite3_wal_hook(database.get(), shortenLog, database.get_deleter().logLength.get());
+  sqlite3_wal_hook(database.get(), checkpointLongWal, database.get_deleter().walLength.get());
 }
 
 // Throws OpeningFailure.
 Database open(const SuiteFolder& folder) {
   folder.makeFile();
   folder.makeAllPrivate();
+  configureOnce();
   sqlite3* opened = nullptr;
-  int code = sqlite3_open_v2(folder.file().c_str(), &opened,
-                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
-                             logKeepingAccess()->zName);
+  int code =
+      sqlite3_open_v2(folder.file().c_str(), &opened,
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW, nullptr);
   Database database(opened);
   if (code == SQLITE_OK) {
     configure(database);
@@ -220,12 +173,17 @@ Database open(const SuiteFolder& folder) {
 
 }  // namespace
 
-// That a log has been moved, and may be written over from its start, is known only until the last
-// one closes it: the next run would find it as long as it was, and move it again.
+// Which frames of the WAL are checkpointed is known to its index alone, which is lost with the last
+// process: the next run would find the WAL as long as it was, and checkpoint it again. The
+// truncation needs no sync: until SQLite syncs the next WAL header, the whole WAL may come back,
+// and replaying all of it changes nothing.
 void CloseDatabase::operator()(sqlite3* database) const {
-  if (logLength != nullptr && *logLength >= longestLog) {
-    sqlite3_busy_timeout(database, 0);
-    sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+  if (walLength != nullptr) {
+    --openDatabases;
+    if (*walLength >= longestWal) {
+      sqlite3_busy_timeout(database, 0);
+      sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    }
   }
   sqlite3_close(database);
 }

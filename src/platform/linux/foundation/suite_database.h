@@ -9,12 +9,12 @@ struct sqlite3_stmt;
 
 namespace kivo::linux_platform {
 
-/// Leaves the log of a suite in place, but for a long one, which it empties unless another process
-/// is in the way.
+/// Leaves the WAL of a suite in place; a long one is truncated by a checkpoint unless another
+/// process is in the way.
 struct CloseDatabase {
   void operator()(sqlite3* database) const;
   /// In pages, after the last commit; null for a database that was not opened.
-  std::unique_ptr<int> logLength = nullptr;
+  std::unique_ptr<int> walLength = nullptr;
 };
 struct FinalizeStatement {
   void operator()(sqlite3_stmt* statement) const;

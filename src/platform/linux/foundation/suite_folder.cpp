@@ -53,6 +53,18 @@ int openFolder(const std::filesystem::path& path) {
 
 }  // namespace
 
+void syncFolder(const std::filesystem::path& folder) {
+  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.number() >= 0) fsync(opened.number());
+}
+
+void syncFoldersAbove(std::filesystem::path path) {
+  while (path.has_relative_path()) {
+    path = path.parent_path();
+    syncFolder(path);
+  }
+}
+
 SuiteFolder::SuiteFolder(std::string_view suiteName)
     : path_(pathOf(suiteName)), folder_(openFolder(path_)) {
   struct stat found {};
@@ -78,6 +90,7 @@ void SuiteFolder::makeFile() const {
     throw OpeningFailure::notOpened(file(), errno);
   }
   if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNotADatabase(file());
+  if (found.st_size == 0) syncFoldersAbove(path_);
 }
 
 void SuiteFolder::makeAllPrivate() const {

@@ -9,6 +9,12 @@
 
 namespace kivo::linux_platform {
 
+/// Syncs the entries of a folder. Some file systems cannot; that is no error.
+void syncFolder(const std::filesystem::path& folder);
+/// Syncs the entry of `path` and those of all folders above it, whoever created them: another run
+/// may have been killed before it synced them.
+void syncFoldersAbove(std::filesystem::path path);
+
 /// The folder of a suite, held open. It is not reached through a symbolic link.
 class SuiteFolder {
  public:
@@ -19,8 +25,9 @@ class SuiteFolder {
 
   /// The path of the database.
   [[nodiscard]] std::filesystem::path file() const;
-  /// Creates an empty file (0600) for the database unless there is one. Throws OpeningFailure when
-  /// it cannot be created or cannot be a database.
+  /// Creates an empty file (0600) for the database unless there is one. While it is empty, syncs
+  /// the folders above, which may be new too. Throws OpeningFailure when it cannot be created or
+  /// cannot be a database.
   void makeFile() const;
   /// Removes the permissions of other users from the database and from the files that SQLite keeps
   /// beside it. Throws OpeningFailure when that fails or one of them is not a regular file.

@@ -1,7 +1,9 @@
 #include "platform/foundation/user_defaults.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <mutex>
 #include <utility>
 
 #include <sqlite3.h>
@@ -77,6 +79,11 @@ bool takesTextAway(const UserDefaults::Value& stored, const Written& written) {
   return !after->starts_with(std::string_view(*before).substr(0, before->size() - 1));
 }
 
+// Held from before a write transaction to its end: SQLite would let the handles of one process wait
+// for each other by sleeping.
+std::timed_mutex oneCommit;
+constexpr std::chrono::milliseconds patience(linux_platform::patienceInMilliseconds);
+
 }  // namespace
 
 struct UserDefaults::Suite {
@@ -140,7 +147,15 @@ struct UserDefaults::Suite {
     });
   }
 
+  int commitUnsynced() {
+    execute(database.get(), "PRAGMA synchronous = NORMAL");
+    const int code = commit();
+    execute(database.get(), "PRAGMA synchronous = FULL");
+    return code;
+  }
+
   int commit() {
+    const std::unique_lock turn(oneCommit, patience);  // without it, SQLite's own lock remains
     int code = writing != nullptr
                    ? SQLITE_OK
                    : prepare(database.get(),
@@ -157,6 +172,15 @@ struct UserDefaults::Suite {
     if (sqlite3_get_autocommit(database.get()) == 0) execute(database.get(), "ROLLBACK");
     if (textGoes && code == SQLITE_OK) linux_platform::eraseReplacedText(database.get());
     return code;
+  }
+
+  bool flush(int (Suite::*committing)()) {
+    const int failure = std::exchange(readFailure, SQLITE_OK);
+    if (pending.empty()) return true;
+    const int code = failure == SQLITE_OK ? (this->*committing)() : failure;
+    pending.clear();
+    if (code != SQLITE_OK) report("written", code);
+    return code == SQLITE_OK;
   }
 };
 
@@ -215,14 +239,8 @@ void UserDefaults::setDouble(std::string_view key, double value) {
   suite_->pending.insert_or_assign(std::string(key), value);
 }
 
-bool UserDefaults::synchronize() {
-  const int readFailure = std::exchange(suite_->readFailure, SQLITE_OK);
-  if (suite_->pending.empty()) return true;
-  const int code = readFailure == SQLITE_OK ? suite_->commit() : readFailure;
-  suite_->pending.clear();
-  if (code == SQLITE_OK) return true;
-  Suite::report("written", code);
-  return false;
-}
+bool UserDefaults::synchronize() { return suite_->flush(&Suite::commit); }
+
+bool UserDefaults::publish() { return suite_->flush(&Suite::commitUnsynced); }
 
 }  // namespace kivo::platform

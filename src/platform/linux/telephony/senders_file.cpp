@@ -15,6 +15,7 @@
 #include <toml++/toml.h>
 
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/suite_folder.h"
 #include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform::SendersFile {
@@ -89,6 +90,8 @@ bool replaceWith(const std::filesystem::path& path, const std::string& text) {
   std::string fresh = path.string() + ".XXXXXX";
   const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));  // for its owner only
   if (file.number() < 0) return false;
+  std::error_code unknown;
+  if (!std::filesystem::exists(path, unknown)) syncFoldersAbove(path.parent_path());
   if (writeAll(file.number(), text) && std::rename(fresh.c_str(), path.c_str()) == 0) {
     const Descriptor folder(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return folder.number() < 0 || fsync(folder.number()) == 0;

@@ -1,0 +1,142 @@
+"""The real programs in private folders, beside a loopback backend, with every run recorded."""
+import contextlib
+import http.server
+import json
+import os
+import pathlib
+import subprocess
+import threading
+
+from judge import write_state
+from recording import Recording
+
+PROGRAMS = pathlib.Path(os.environ["KIVO_PROGRAMS"])
+GROUP = "data/group.app.kivo.expenses/defaults.sqlite3"
+CENTER = "data/app.kivo.NotificationCenter/defaults.sqlite3"
+SENDERS = "config/kivo/sms-watcher.toml"
+SAVED = {"saved": True, "transaction_type": "expense",
+         "expense": {"id": "1", "description": "Cafe", "amount": 150.0, "category": "Food",
+                     "expense_date": "2026-01-31"}}
+
+
+class _Backend(http.server.BaseHTTPRequestHandler):
+    def do_POST(self):
+        self.rfile.read(int(self.headers["Content-Length"]))
+        answer = json.dumps(SAVED).encode()
+        self.send_response(200)
+        self.send_header("Content-Length", str(len(answer)))
+        self.end_headers()
+        self.wfile.write(answer)
+
+    def log_message(self, *_):
+        pass
+
+
+@contextlib.contextmanager
+def backend():
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), _Backend)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    yield f"http://127.0.0.1:{server.server_port}"
+    server.shutdown()
+    server.server_close()
+
+
+class Phone:
+    """A home in `folder`, which need not be empty."""
+
+    def __init__(self, folder):
+        self.home = pathlib.Path(folder)
+        self.home.mkdir(parents=True, exist_ok=True)
+        self.number = 0
+        kept = {name: value for name, value in os.environ.items()
+                if not name.startswith(("XDG_", "DBUS_"))}
+        self.environment = kept | {"HOME": str(self.home), "LANG": "C.UTF-8", "LC_ALL": "C.UTF-8",
+                                   "XDG_DATA_HOME": str(self.home / "data"),
+                                   "XDG_CONFIG_HOME": str(self.home / "config")}
+        self.recording = None
+
+    @classmethod
+    def after_cut(cls, folder, state):
+        write_state(state, folder)
+        return cls(folder)
+
+    def set_up(self, *arguments):
+        """kivo-phone, not recorded."""
+        subprocess.run([PROGRAMS / "kivo-phone", *arguments], env=self.environment, check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def sign_in(self, url="http://127.0.0.1:1"):
+        self.set_up("sign-in", "--user-id", "u", "--url", url)
+
+    def fill_queue(self, count):
+        """Queues `count` texts at once, in the form of one that a run has queued."""
+        self.perform_unrecorded(self.text())
+        store = [PROGRAMS / "kivo-phone", "store", "get", "pendingSmsQueue"]
+        item = json.loads(subprocess.run(store, env=self.environment, check=True,
+                                         stdout=subprocess.PIPE).stdout)[0]
+        items = [item | {"id": f"{number:08}-0000-4000-8000-000000000000", "smsText": self.text()}
+                 for number in range(count)]
+        queue = json.dumps(items, separators=(",", ":"))
+        self.set_up("store", "set", "pendingSmsQueue", queue)
+        self.set_up("store", "set", "pendingSmsQueueCount", str(count))
+
+    def text(self):
+        self.number += 1
+        return f"Paid {self.number} SECRET{os.getpid()}{self.number:06} at Cafe"
+
+    def perform_unrecorded(self, text):
+        return subprocess.run(self._intent(), input=text, env=self.environment, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True).stdout
+
+    @staticmethod
+    def _intent():
+        return [PROGRAMS / "kivo-intents", "perform", "ProcessSMSIntent", "--smsText", "-"]
+
+    def record(self):
+        """From here on runs are recorded; what there is counts as synced."""
+        self.recording = Recording(self.home)
+        return self.recording
+
+    def perform(self, kill=None):
+        return self.recording.run(self._intent(), self.text(), kill, env=self.environment)
+
+    def perform_together(self, count):
+        started = []
+        for _ in range(count):
+            command = ["sh", "-c", 'printf %s "$0" | exec "$@"', self.text(), *self._intent()]
+            started.append(command)
+        script = "\n".join(_quoted(command) + " >/dev/null &" for command in started) + "\nwait"
+        self.recording.run(["sh", "-c", script], env=self.environment)
+
+    def phone(self, *arguments):
+        return self.recording.run([PROGRAMS / "kivo-phone", *arguments], env=self.environment)
+
+    @contextlib.contextmanager
+    def notification_center(self):
+        """Runs the recorded center on a private bus; yields a call that adds a request."""
+        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
+                               stdout=subprocess.PIPE, env=self.environment, text=True)
+        address = bus.stdout.readline().strip()
+        environment = self.environment | {"DBUS_SESSION_BUS_ADDRESS": address}
+        process, log = self.recording.start([PROGRAMS / "kivo-notification-center"],
+                                            env=environment)
+
+        def call(member, *arguments):
+            return subprocess.run(
+                ["gdbus", "call", "--session", "--dest", "app.kivo.NotificationCenter",
+                 "--object-path", "/app/kivo/NotificationCenter", "--method",
+                 f"app.kivo.NotificationCenter1.{member}", "app.kivo.expenses.intents", *arguments],
+                env=environment, check=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        try:
+            subprocess.run(["gdbus", "wait", "--session", "--timeout", "20",
+                            "app.kivo.NotificationCenter"], env=environment, check=True)
+            yield call
+        finally:
+            bus.terminate()  # the center ends with it
+            bus.communicate(timeout=20)
+            process.communicate(timeout=20)
+            self.recording.finish(log)
+
+
+def _quoted(command):
+    return " ".join("'" + str(word).replace("'", "'\\''") + "'" for word in command)
