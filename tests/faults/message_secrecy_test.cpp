@@ -117,7 +117,6 @@ TEST_F(AMessage, IsInTheArgumentsOfNoProgramThatARunStarts) {
 }
 
 TEST_F(AMessage, IsNotExecutedByATerminalThatShowsTheQueueOrTheStore) {
-  const testkit::ScopedVariable noBoldFigures("NO_COLOR", "1");  // which are escape sequences of our own
   signIn();
   backend.goAway();
   const std::string hostile =
