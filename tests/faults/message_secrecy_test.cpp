@@ -47,9 +47,8 @@ class AMessage : public testkit::ExtensionProgram {
     return process.end();
   }
 
-  // Runs a program of ours on a terminal of its own.
-  /// Without the program's own bold figures, so that every control character would be the
-  /// message's.
+  // Runs a program of ours on a terminal of its own, without its own bold figures, so that every
+  // control character would be one of the message.
   [[nodiscard]] static ProgramResult onTerminal(const std::string& command) {
     return linux_platform::runProgram(
         {.program = "script",

@@ -10,6 +10,7 @@
 
 #include "platform/linux/foundation/suite_database.h"
 #include "platform/linux/foundation/suite_folder.h"
+#include "platform/linux/foundation/write_ahead_log.h"
 #include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform {
@@ -17,24 +18,6 @@ namespace {
 
 std::string noteOf(sqlite3* database) {
   return std::string(sqlite3_db_filename(database, "main")) + erasureNote;
-}
-
-sqlite3_file* walOf(sqlite3* database) {
-  sqlite3_file* wal = nullptr;
-  sqlite3_file_control(database, "main", SQLITE_FCNTL_JOURNAL_POINTER, &wal);
-  return wal != nullptr && wal->pMethods != nullptr ? wal : nullptr;
-}
-
-// A checkpoint truncates the WAL without a sync: after a power cut its frames may be back.
-bool syncWal(sqlite3* database) {
-  sqlite3_file* const wal = walOf(database);
-  return wal != nullptr && wal->pMethods->xSync(wal, SQLITE_SYNC_NORMAL) == SQLITE_OK;
-}
-
-bool isWalEmpty(sqlite3* database) {
-  sqlite3_file* const wal = walOf(database);
-  sqlite3_int64 size = 0;
-  return wal != nullptr && wal->pMethods->xFileSize(wal, &size) == SQLITE_OK && size == 0;
 }
 
 // SQLite overwrites what it deletes, but not the copies that it leaves in the free space of a page
@@ -45,11 +28,8 @@ bool erase(sqlite3* database) {
   const bool vacuumed = execute(database, "VACUUM") == SQLITE_OK;
   execute(database, "PRAGMA synchronous = FULL");
   // Even without, say on a full disk: most copies lie in the WAL.
-  Statement checkpoint;
-  const int code = prepare(database, "PRAGMA wal_checkpoint(TRUNCATE)", checkpoint);
-  if (code != SQLITE_OK || sqlite3_step(checkpoint.get()) != SQLITE_ROW) return false;
-  const bool prevented = sqlite3_column_int(checkpoint.get(), 0) != 0;
-  return vacuumed && !prevented && syncWal(database);
+  const bool truncated = truncateWal(database);
+  return vacuumed && truncated;
 }
 
 // Another process creates the note under its write lock, for a text that is then in the WAL. A note

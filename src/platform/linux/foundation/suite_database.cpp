@@ -10,6 +10,7 @@
 #include "platform/linux/foundation/opening_failure.h"
 #include "platform/linux/foundation/replaced_text.h"
 #include "platform/linux/foundation/suite_folder.h"
+#include "platform/linux/foundation/write_ahead_log.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -174,15 +175,13 @@ Database open(const SuiteFolder& folder) {
 }  // namespace
 
 // Which frames of the WAL are checkpointed is known to its index alone, which is lost with the last
-// process: the next run would find the WAL as long as it was, and checkpoint it again. The
-// truncation needs no sync: until SQLite syncs the next WAL header, the whole WAL may come back,
-// and replaying all of it changes nothing.
+// process: the next run would find the WAL as long as it was, and checkpoint it again.
 void CloseDatabase::operator()(sqlite3* database) const {
   if (walLength != nullptr) {
     --openDatabases;
     if (*walLength >= longestWal) {
       sqlite3_busy_timeout(database, 0);
-      sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+      truncateWal(database);
     }
   }
   sqlite3_close(database);
