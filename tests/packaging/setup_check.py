@@ -76,6 +76,7 @@ def try_out(root):
     alice.types(f"SOURCE_DATE_EPOCH={int(time.time())} ./run package")
     alice.types("scripts/setup test")
     alice.types("./test")
+    alice.types("./test faults")
     new = sorted(set(root.root(ENABLED).splitlines()) - enabled)
     ours = [link for link in new if not owners(root, link) & (BOOTING | FOLDERS)]
     check(not ours, f"none of this has enabled a daemon {' '.join(ours)}".rstrip())
