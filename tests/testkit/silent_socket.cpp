@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -30,6 +31,12 @@ SilentSocket::SilentSocket(const std::filesystem::path& path)
   if (bind(descriptor_, general, sizeof address) != 0 || listen(descriptor_, 16) != 0) {
     throw std::runtime_error("cannot listen at " + path.string());
   }
+}
+
+bool SilentSocket::waitForConnection() const {
+  constexpr int tenSeconds = 10'000;
+  pollfd waiting{.fd = descriptor_, .events = POLLIN, .revents = 0};
+  return poll(&waiting, 1, tenSeconds) == 1;
 }
 
 void SilentSocket::takeNobodyIn() {

@@ -17,6 +17,9 @@ class SilentSocket {
   SilentSocket(const SilentSocket&) = delete;
   SilentSocket& operator=(const SilentSocket&) = delete;
 
+  /// Waits until somebody has connected; false after 10 s.
+  [[nodiscard]] bool waitForConnection() const;
+
   /// From now on whoever connects has to wait for it.
   void takeNobodyIn();
 
