@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <mutex>
 #include <utility>
@@ -79,10 +80,33 @@ bool takesTextAway(const UserDefaults::Value& stored, const Written& written) {
   return !after->starts_with(std::string_view(*before).substr(0, before->size() - 1));
 }
 
-// Held from before a write transaction to its end: SQLite would let the handles of one process wait
-// for each other by sleeping.
-std::timed_mutex oneCommit;
 constexpr std::chrono::milliseconds patience(linux_platform::patienceInMilliseconds);
+
+// The turn of one handle of this process to write, from before its transaction to the end of that:
+// SQLite would let the handles wait for each other by sleeping. Who has waited too long goes on
+// without it; SQLite's own lock remains.
+class WritingTurn {
+ public:
+  WritingTurn() {
+    std::unique_lock lock(mutex);
+    taken_ = ended.wait_for(lock, patience, [] { return !isTaken; });
+    if (taken_) isTaken = true;
+  }
+  ~WritingTurn() {
+    if (!taken_) return;
+    const std::lock_guard lock(mutex);
+    isTaken = false;
+    ended.notify_one();
+  }
+  WritingTurn(const WritingTurn&) = delete;
+  WritingTurn& operator=(const WritingTurn&) = delete;
+
+ private:
+  inline static std::mutex mutex;
+  inline static std::condition_variable ended;
+  inline static bool isTaken = false;  // guarded by the mutex
+  bool taken_ = false;
+};
 
 }  // namespace
 
@@ -155,7 +179,7 @@ struct UserDefaults::Suite {
   }
 
   int commit() {
-    const std::unique_lock turn(oneCommit, patience);  // without it, SQLite's own lock remains
+    const WritingTurn turn;
     int code = writing != nullptr
                    ? SQLITE_OK
                    : prepare(database.get(),
