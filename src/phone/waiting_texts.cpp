@@ -38,7 +38,7 @@ std::optional<std::string> WaitingTexts::failureOf(const LastExchange& last) {
 std::string WaitingTexts::sentence(const std::vector<PendingSmsItem>& items,
                                    const std::optional<LastExchange>& last, Moment now) {
   if (items.empty()) return "none";
-  const std::string count = std::to_string(items.size()) + (items.size() == 1 ? " text" : " texts");
+  std::string count = std::to_string(items.size()) + (items.size() == 1 ? " text" : " texts");
   if (!last) return count;
   auto failure = failureOf(*last);
   if (!failure && wasUnreadable(*last, items.back())) {
