@@ -181,7 +181,7 @@ std::vector<std::string> argumentsFrom(const CommandProgram& program, int argc, 
   std::vector<std::string> arguments;
   bool isValue = false;  // of the option before it, whatever it looks like
   for (int index = 1; index < argc; ++index) {
-    std::string argument = argv[index];
+    const std::string argument = argv[index];
     if (argument == "--" && !isValue) {
       arguments.insert(arguments.end(), argv + index, argv + argc);
       break;
@@ -190,7 +190,7 @@ std::vector<std::string> argumentsFrom(const CommandProgram& program, int argc, 
     const bool isEmptyValue = !isValue && argument.ends_with('=') &&
                               name.size() + 1 == argument.size() && takesValue(name);
     isValue = !isValue && argument.starts_with("--") && takesValue(argument);
-    arguments.push_back(isEmptyValue ? name : std::move(argument));
+    arguments.push_back(isEmptyValue ? name : argument);
     if (isEmptyValue) arguments.emplace_back();
   }
   return arguments;
