@@ -76,7 +76,7 @@ int signIn(const GivenParameters& given) {
   if (userId.empty() || base.empty()) {
     return print("Stored. An empty user identifier or URL counts as signed out.\n");
   }
-  // The check takes some seconds where nobody answers.
+  // Printed before the check, which takes up to its timeout when there is no answer.
   if (const int failed = print("Signed in at " + forStandardOutput(base) + "\n"); failed != 0) {
     return failed;
   }

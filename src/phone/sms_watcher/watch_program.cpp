@@ -25,7 +25,7 @@ using std::chrono::milliseconds;
 
 constexpr const char* ownName = "app.kivo.SmsWatcher";
 
-// What is told may hold an error's words from the bus.
+// The text may include an error message from the bus.
 void tell(const std::string& what) {
   std::cerr << "kivo-sms-watcher: " << linux_platform::escapedControls(what) << '\n';
 }
