@@ -21,7 +21,6 @@ set(CMAKE_FIND_LIBRARY_SUFFIXES ${kivo_shared_suffixes})
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)
-find_package(sdbus-c++ 1.2 REQUIRED)
 find_package(CLI11 REQUIRED)
 
 add_library(kivo_warnings INTERFACE)
@@ -52,9 +51,6 @@ if(KIVO_COVERAGE)
   target_compile_options(kivo_sanitizers INTERFACE --coverage)
   target_link_options(kivo_sanitizers INTERFACE --coverage)
 endif()
-if(KIVO_SANITIZERS OR KIVO_COVERAGE)
-  target_compile_definitions(kivo_sanitizers INTERFACE KIVO_LOOKS_AT_THE_END)
-endif()
 
 # kivo_room(<target> <source>...): the library of one folder of src/. What it may link to is said
 # beside it, and is the same as what it may include.
@@ -77,6 +73,7 @@ function(kivo_program target)
   if(KIVO_STATIC_LIBRARIES)
     target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/icu_data.cpp
       ${PROJECT_SOURCE_DIR}/cmake/socket_activation.cpp)
+    target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
   endif()
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${target} PRIVATE kivo_warnings kivo_sanitizers

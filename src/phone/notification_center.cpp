@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/user_notifications/request_reader.h"
+#include "platform/linux/user_notifications/request_size.h"
 
 namespace kivo {
 

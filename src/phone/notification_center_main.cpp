@@ -1,6 +1,7 @@
 // The program kivo-notification-center. Started by the session bus, at the first call.
 #include <atomic>
 #include <csignal>
+#include <optional>
 #include <stdexcept>
 
 #include "phone/notification_center.h"
@@ -19,6 +20,7 @@ void stopServing(int) {
 }
 
 int serve() {
+  std::optional<kivo::NotificationCenter> center;  // outlives the service
   NotificationCenterService service;
   serving = &service;
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopServing);
@@ -26,10 +28,10 @@ int serve() {
   // Only now that no other center can be at work on it.
   auto record = kivo::NotificationRecord::open();
   if (!record) throw std::runtime_error("the notifications on disk cannot be opened");
-  kivo::NotificationCenter center(std::move(*record), [&service](const auto& content, auto done) {
+  center.emplace(std::move(*record), [&service](const auto& content, auto done) {
     service.show(content, std::move(done));
   });
-  service.serve(center, [&center] { return center.showDue(); });
+  service.serve(*center, [&center] { return center->showDue(); });
   serving = nullptr;
   return 0;
 }

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "faulted_program.h"
-#include "platform/linux/process/bus_names.h"
+#include "platform/linux/bus/bus_names.h"
 #include "platform/linux/user_notifications/notification_display.h"
 #include "testkit/private_phone.h"
 #include "testkit/raw_store.h"

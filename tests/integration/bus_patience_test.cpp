@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "feedback/expense_notifier.h"
-#include "platform/linux/process/session_bus.h"
+#include "platform/linux/bus/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "testkit/private_phone.h"
 #include "testkit/silent_socket.h"

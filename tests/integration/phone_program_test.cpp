@@ -242,7 +242,7 @@ TEST_F(APhone, CannotDecideOnNotificationsWithoutACenter) {
 }
 
 TEST_F(APhone, CannotWatchTheWidgetWithoutABus) {
-  expectFailure({"widget", "--watch"}, 1, "there is no session bus to hear reload signals on");
+  expectFailure({"widget", "--watch"}, 1, "there is no session bus");
 }
 
 }  // namespace

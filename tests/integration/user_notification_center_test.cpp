@@ -7,7 +7,7 @@
 
 #include "feedback/expense_notifier.h"
 #include "platform/foundation/user_defaults.h"
-#include "platform/linux/process/session_bus.h"
+#include "platform/linux/bus/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "platform/linux/user_notifications/notification_display.h"
 #include "platform/linux/user_notifications/notification_permission.h"

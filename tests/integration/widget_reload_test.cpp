@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/process/session_bus.h"
+#include "platform/linux/bus/session_bus.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
 #include "platform/linux/widget_kit/widget_reload_listener.h"
 #include "testkit/private_phone.h"

@@ -8,7 +8,7 @@
 
 #include <sys/stat.h>
 
-#include "platform/linux/process/bus_names.h"
+#include "platform/linux/bus/bus_names.h"
 
 namespace kivo::testkit {
 

@@ -1,5 +1,5 @@
 // The values of a message, as they are written and read one after the other.
-#include "platform/linux/process/bus_message.h"
+#include "platform/linux/bus/bus_message.h"
 
 #include <gmock/gmock.h>
 
@@ -14,7 +14,8 @@ using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
 BusMessage messageOf(const BusWriter::Write& write) {
-  BusMessage message(dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_CALL));
+  BusMessage message =
+      linux_platform::ownedMessage(dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_CALL));
   BusWriter writer(message.get());
   write(writer);
   return message;

@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "platform/app_intents/app_intent.h"
+#include "platform/linux/bus/session_bus.h"
 #include "platform/linux/foundation/http_url_session.h"
 #include "platform/linux/foundation/last_exchange.h"
-#include "platform/linux/process/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
 
@@ -29,9 +29,6 @@ class InstalledPlatform {
 
   /// Performs `run` as one run, as `SessionBus::asOneRun`.
   platform::Task<void> asOneRun(platform::Task<void> run);
-
-  /// Waits until what has still to be sent on the bus has gone out, as `SessionBus::flush`.
-  void flush() { bus_.flush(); }
 
  private:
   SessionBus bus_;

@@ -1,45 +1,22 @@
 #include "platform/linux/app_intents/intents_client.h"
 
 #include <condition_variable>
-#include <future>
 #include <mutex>
-#include <stdexcept>
 #include <utility>
 
-#include <dbus/dbus.h>
-
 #include "platform/linux/app_intents/intents_wire.h"
-#include "platform/linux/process/bus_call.h"
-#include "platform/linux/process/bus_thread.h"
+#include "platform/linux/bus/bus_call.h"
+#include "platform/linux/bus/bus_thread.h"
 
 namespace kivo::linux_platform {
 namespace {
 
-constexpr const char* nobody = DBUS_ERROR_DISCONNECTED;
-
-// Takes `name` on the bus's thread; an error's words, or none.
-std::optional<std::string> takeName(BusThread& bus, const std::string& name) {
-  const auto taking = std::make_shared<std::promise<std::optional<std::string>>>();
-  auto taken = taking->get_future();
-  bus.post([taking, name](DBusConnection* connection) {
-    if (connection == nullptr) return taking->set_value("there is no session bus");
-    if (dbus_bus_request_name(connection, name.c_str(), DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
-        DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
-      return taking->set_value("another program is " + name);
-    }
-    taking->set_value(std::nullopt);
-  });
-  constexpr std::chrono::seconds patience(30);
-  if (taken.wait_for(patience) != std::future_status::ready) {
-    return "the session bus does not answer";
-  }
-  return taken.get();
-}
+const std::optional<std::string> disconnected = DBUS_ERROR_DISCONNECTED;
 
 }  // namespace
 
 struct IntentsClient::State {
-  std::chrono::milliseconds patience;
+  std::chrono::milliseconds timeout;
   mutable std::mutex mutex;
   std::condition_variable changed;
   // All guarded by the mutex.
@@ -55,7 +32,7 @@ struct IntentsClient::State {
     tell();
   }
   void lose() {
-    end(nobody);
+    end(disconnected);
     const std::lock_guard lock(mutex);
     lost = true;
     tell();
@@ -66,13 +43,15 @@ struct IntentsClient::State {
   }
 };
 
-IntentsClient::IntentsClient(const std::string& ownName, std::chrono::milliseconds patience,
+IntentsClient::IntentsClient(const std::string& ownName, std::chrono::milliseconds timeout,
                              std::function<void()> onChange)
     : state_(std::make_shared<State>()) {
-  state_->patience = patience;
+  state_->timeout = timeout;
   state_->onChange = std::move(onChange);
-  bus_ = std::make_unique<BusThread>([state = state_] { state->lose(); });
-  if (const auto error = takeName(*bus_, ownName)) throw std::runtime_error(*error);
+  bus_ = std::make_unique<BusThread>(
+      BusThread::Settings{.onGone = [state = state_] { state->lose(); }});
+  bus_->performAndWait([ownName](DBusConnection* bus) { takeBusName(bus, ownName); },
+                       std::chrono::seconds(30));
 }
 
 IntentsClient::~IntentsClient() {
@@ -89,20 +68,15 @@ void IntentsClient::perform(const std::string& intent, const std::string& parame
     const std::lock_guard lock(state_->mutex);
     state_->underWay = true;
   }
-  callOnBus(*bus_,
-            {.object = bus_names::intents,
-             .method = intents_wire::perform,
-             .write =
-                 [intent, parameter, text](BusWriter& arguments) {
-                   arguments.text(intent);
-                   arguments.array("{sv}", [&](BusWriter& parameters) {
-                     parameters.textEntry(parameter, text);
-                   });
-                 },
-             .patience = state_->patience},
-            [state = state_](DBusMessage* reply) {
-              state->end(reply == nullptr ? nobody : failureOf(reply));
-            });
+  const BusMessage call =
+      methodCall(bus_names::intents, intents_wire::perform, [&](BusWriter& arguments) {
+        arguments.text(intent);
+        arguments.array("{sv}",
+                        [&](BusWriter& parameters) { parameters.textEntry(parameter, text); });
+      });
+  bus_->call(call, state_->timeout, [state = state_](const BusMessage& reply) {
+    state->end(reply ? errorOf(reply) : disconnected);
+  });
 }
 
 bool IntentsClient::busy() const {

@@ -21,10 +21,10 @@ class IntentsClient {
   };
 
   /// Connects to the session bus and takes `ownName` there, by which there is one such client at a
-  /// time. A call is given up after `patience`. Throws std::runtime_error with one line when there
-  /// is no bus or the name is another program's. `onChange` is called on a thread of its own when
-  /// a call has ended, and when the bus is gone.
-  IntentsClient(const std::string& ownName, std::chrono::milliseconds patience,
+  /// time. A call ends with an error after `timeout`. Throws std::runtime_error with one line when
+  /// there is no bus or the name is another program's. `onChange` is called on a thread of its own
+  /// when a call has ended, and when the bus is gone.
+  IntentsClient(const std::string& ownName, std::chrono::milliseconds timeout,
                 std::function<void()> onChange);
   ~IntentsClient();
   IntentsClient(const IntentsClient&) = delete;

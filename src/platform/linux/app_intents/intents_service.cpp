@@ -20,11 +20,11 @@
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/app_intents/intents_wire.h"
 #include "platform/linux/app_intents/search_provider.h"
+#include "platform/linux/bus/bus_connection.h"
+#include "platform/linux/bus/bus_loop.h"
+#include "platform/linux/bus/bus_names.h"
+#include "platform/linux/bus/served_object.h"
 #include "platform/linux/concurrency/task_executor.h"
-#include "platform/linux/process/bus_connection.h"
-#include "platform/linux/process/bus_loop.h"
-#include "platform/linux/process/bus_names.h"
-#include "platform/linux/process/served_object.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -56,10 +56,10 @@ CalledValues readValues(BusReader entries) {
   CalledValues values;
   for (; !entries.atEnd(); entries.skip()) {
     BusReader entry = entries.inside();
-    std::optional<platform::IntentValue>& value = values[*entry.text()];
+    std::optional<platform::IntentValue>& value = values[std::string(*entry.text())];
     BusReader variant = entry.inside();
-    if (auto text = variant.text()) {
-      value = *std::move(text);
+    if (const auto text = variant.text()) {
+      value = std::string(*text);
     } else if (const auto number = variant.number()) {
       value = *number;
     }
@@ -109,8 +109,7 @@ class IntentsService {
   const platform::AppIntentsExtension& extension_;
   const std::chrono::milliseconds idleLimit_;
   const BusConnection bus_ = connection();
-  BusLoop loop_{eventsOf(bus_.get())};
-  std::optional<ServedObject> intents_;
+  BusLoop loop_{bus_.get()};
   std::optional<SearchProvider> search_;
   std::atomic<bool> stopAsked_ = false;
   bool cancelling_ = false;
@@ -130,12 +129,9 @@ class IntentsService {
 
 void IntentsService::takeName() {
   const BusObject& intents = bus_names::intents;
-  intents_.emplace(bus_.get(), intents, methods());
+  serveObject(bus_.get(), intents, methods());
   search_.emplace(bus_.get(), extension_, [this] { lastCall_ = Clock::now(); });
-  if (dbus_bus_request_name(bus_.get(), intents.service, DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
-      DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
-    throw std::runtime_error(std::string("another program is ") + intents.service);
-  }
+  takeBusName(bus_.get(), intents.service);
 }
 
 std::vector<BusMethod> IntentsService::methods() {
@@ -144,7 +140,7 @@ std::vector<BusMethod> IntentsService::methods() {
            .gives = {{"dialog", "s"}},
            .perform =
                [this](BusReader arguments, BusAnswer answer) {
-                 const std::string typeName = *arguments.text();
+                 const std::string typeName(*arguments.text());
                  begin(typeName, readValues(arguments.inside()), std::move(answer));
                }},
           {.name = intents_wire::catalog,
@@ -175,7 +171,7 @@ void IntentsService::begin(const std::string& typeName, CalledValues values, Bus
   lastCall_ = Clock::now();
   auto called = calledIntent(extension_, typeName, std::move(values));
   if (const auto* const refusal = std::get_if<CallRefusal>(&called)) {
-    return answer.refuse(refusal->name, refusal->words);
+    throw BusRefusal(refusal->name, refusal->words);
   }
   const Place run = runs_.insert(
       runs_.end(), {.intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called)),

@@ -1,5 +1,6 @@
 // The extension runtime: from a command line to the command that it names.
 #include <algorithm>
+#include <csignal>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -18,7 +19,6 @@
 #include "platform/linux/app_intents/spoken_phrases.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/process/command_line.h"
-#include "platform/linux/process/process_end.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/process/terminal_text.h"
 
@@ -49,9 +49,17 @@ void print(const IntentDialog& dialog, bool asJSON) {
   }
 }
 
-// Performs the intent on a worker, and ends the process with its dialog while terminations still
-// cancel the run and nothing else: one that comes now must not take the dialog away.
-int performAndEnd(const AppIntentsExtension& extension, AppIntent& intent, bool asJSON) {
+// From now on they stay pending until the process ends with its own status: the dialog was given.
+void blockTerminations() {
+  sigset_t terminations;
+  sigemptyset(&terminations);
+  sigaddset(&terminations, SIGTERM);
+  sigaddset(&terminations, SIGINT);
+  pthread_sigmask(SIG_BLOCK, &terminations, nullptr);
+}
+
+// Performs the intent on a worker and answers its dialog. Yields the exit status.
+int performAndAnswer(const AppIntentsExtension& extension, AppIntent& intent, bool asJSON) {
   // The thread for the bus has time to spare until the run speaks on it.
   InstalledPlatform installed(extension.bundleIdentifier, readTablesForAmounts);
   std::optional<TaskExecutor> executor;
@@ -64,8 +72,8 @@ int performAndEnd(const AppIntentsExtension& extension, AppIntent& intent, bool 
   IntentDialog dialog;
   executor->perform(installed.perform(intent, dialog));
   print(dialog, asJSON);
-  installed.flush();
-  endProcess(0);
+  blockTerminations();
+  return 0;
 }
 
 // The texts for parameters among what was given: the options but for our own.
@@ -83,7 +91,7 @@ int fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
     complain(programName, *complaint);
     return exitBadUsage;
   }
-  return performAndEnd(extension, intent, given.contains(jsonFlag));
+  return performAndAnswer(extension, intent, given.contains(jsonFlag));
 }
 
 int say(const AppIntentsExtension& extension, const GivenParameters& given) {

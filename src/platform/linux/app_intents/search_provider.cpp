@@ -7,7 +7,6 @@
 
 #include "platform/linux/app_intents/search_wire.h"
 #include "platform/linux/app_intents/shortcut_search.h"
-#include "platform/linux/process/bus_names.h"
 #include "platform/linux/process/command_line.h"
 
 namespace kivo::linux_platform {
@@ -47,9 +46,9 @@ void appendMeta(BusWriter& meta, const std::string& intent, const ShownShortcut&
 
 SearchProvider::SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                                std::function<void()> onCall)
-    : extension_(extension),
-      onCall_(std::move(onCall)),
-      object_(bus, bus_names::search, methods()) {}
+    : extension_(extension), onCall_(std::move(onCall)) {
+  serveObject(bus, bus_names::search, methods());
+}
 
 std::vector<BusMethod> SearchProvider::methods() {
   const auto with = [this](void (SearchProvider::*answer)(BusReader&, BusAnswer&)) {
@@ -103,31 +102,25 @@ void SearchProvider::answerMetas(BusReader& arguments, BusAnswer& answer) {
 }
 
 void SearchProvider::answerActivate(BusReader& arguments, BusAnswer& answer) {
-  answerEnd(answer, activate(*arguments.text()));
+  const std::string intent(*arguments.text());
+  if (!shownShortcut(extension_, intent)) {
+    throw BusRefusal(search_wire::invalidArguments, "there is no such result");
+  }
+  open({"perform", intent});
+  answer.give();
 }
 
 void SearchProvider::answerLaunch(BusReader&, BusAnswer& answer) {
-  answerEnd(answer, open({"catalog"}));
+  open({"catalog"});
+  answer.give();
 }
 
-void SearchProvider::answerEnd(BusAnswer& answer, const std::optional<Failure>& failure) {
-  if (failure) return answer.refuse(failure->name, failure->words);
-  answer.give([](BusWriter&) {});
-}
-
-std::optional<SearchProvider::Failure> SearchProvider::activate(const std::string& intent) {
-  if (!shownShortcut(extension_, intent)) {
-    return Failure{search_wire::invalidArguments, "there is no such result"};
-  }
-  return open({"perform", intent});
-}
-
-// The values are asked for there: nothing of a message is ever an argument.
-std::optional<SearchProvider::Failure> SearchProvider::open(Texts arguments) {
+// The terminal asks for the values: nothing of a message is ever an argument.
+void SearchProvider::open(Texts arguments) {
   arguments.insert(arguments.begin(), std::filesystem::read_symlink("/proc/self/exe").string());
-  if (windows_.open(arguments)) return std::nullopt;
+  if (windows_.open(arguments)) return;
   complain("kivo-intents", noTerminalWindow);
-  return Failure{search_wire::failed, noTerminalWindow};
+  throw BusRefusal(search_wire::failed, noTerminalWindow);
 }
 
 }  // namespace kivo::linux_platform

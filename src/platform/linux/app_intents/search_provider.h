@@ -3,12 +3,11 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/app_intents/app_intents_extension.h"
-#include "platform/linux/process/served_object.h"
+#include "platform/linux/bus/served_object.h"
 #include "platform/linux/process/terminal_window.h"
 
 namespace kivo::linux_platform {
@@ -16,8 +15,8 @@ namespace kivo::linux_platform {
 /// Answers on `bus`, on the thread that serves it.
 class SearchProvider {
  public:
-  /// Calls `onCall` at the beginning of each call. `extension` and `bus` outlive this. Throws
-  /// std::runtime_error with one line when the bus cannot be used.
+  /// Calls `onCall` at the beginning of each call. `extension` outlives this, and `bus` is served
+  /// no more when this ends. Throws std::runtime_error with one line when the bus cannot be used.
   SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                  std::function<void()> onCall);
   SearchProvider(const SearchProvider&) = delete;
@@ -27,26 +26,17 @@ class SearchProvider {
   bool reapEnded() { return windows_.reapEnded(); }
 
  private:
-  /// What a call that cannot be served is answered with; its texts are fixed ones.
-  struct Failure {
-    const char* name;
-    const char* words;
-  };
-
   std::vector<BusMethod> methods();
   void answerInitial(BusReader& arguments, BusAnswer& answer);
   void answerSubsearch(BusReader& arguments, BusAnswer& answer);
   void answerMetas(BusReader& arguments, BusAnswer& answer);
   void answerActivate(BusReader& arguments, BusAnswer& answer);
   void answerLaunch(BusReader& arguments, BusAnswer& answer);
-  static void answerEnd(BusAnswer& answer, const std::optional<Failure>& failure);
-  std::optional<Failure> activate(const std::string& intent);
-  std::optional<Failure> open(std::vector<std::string> arguments);
+  void open(std::vector<std::string> arguments);
 
   const platform::AppIntentsExtension& extension_;
   std::function<void()> onCall_;
   TerminalWindows windows_;
-  ServedObject object_;
 };
 
 }  // namespace kivo::linux_platform

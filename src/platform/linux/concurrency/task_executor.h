@@ -35,7 +35,7 @@ class TaskExecutor {
  public:
   /// Throws std::runtime_error when the threads cannot be started.
   explicit TaskExecutor(unsigned workers);
-  /// Waits for all tasks that were started.
+  /// Waits for all tasks that were started. SIGTERM and SIGINT end the process again.
   ~TaskExecutor();
   TaskExecutor(const TaskExecutor&) = delete;
   TaskExecutor& operator=(const TaskExecutor&) = delete;
@@ -44,13 +44,13 @@ class TaskExecutor {
   RunningTask start(platform::Task<void> task);
 
   /// From now on the first SIGTERM or SIGINT has `action` called on a worker, and none ends the
-  /// process while the executor lives; they do where no descriptor is left to wait for them with.
+  /// process while the executor lives, unless no file descriptor is left to wait for them with.
   /// Once.
   void onTermination(std::function<void()> action);
 
   /// Performs `task` on a worker and blocks the calling thread until it has ended; throws what it
   /// threw. From before it begins until the executor ends, SIGTERM and SIGINT cancel `task` instead
-  /// of ending the process; they end it where no file descriptor is left to wait for them with.
+  /// of ending the process, unless no file descriptor is left to wait for them with.
   /// Once, and not beside `onTermination`.
   void perform(platform::Task<void> task);
 

@@ -10,91 +10,101 @@
 #include <string_view>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
-
-#include "platform/linux/process/bus_loop.h"
-#include "platform/linux/process/bus_names.h"
-#include "platform/linux/process/sdbus_events.h"
-#include "platform/linux/process/sdbus_signals.h"
+#include "platform/linux/bus/bus_call.h"
+#include "platform/linux/bus/bus_connection.h"
+#include "platform/linux/bus/bus_loop.h"
+#include "platform/linux/bus/bus_signal.h"
 #include "platform/linux/telephony/modem_wire.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Properties = std::map<std::string, sdbus::Variant>;
-using Interfaces = std::map<std::string, Properties>;
-
 constexpr std::chrono::milliseconds longestPause = std::chrono::minutes(5);
 
-std::unique_ptr<sdbus::IConnection> connection() {
-  try {
-    return sdbus::createSystemBusConnection();
-  } catch (const sdbus::Error&) {
-    throw std::runtime_error("there is no system bus");
+BusConnection connection() {
+  BusConnection bus = connectToSystemBus();
+  if (!bus) throw std::runtime_error("there is no system bus");
+  return bus;
+}
+
+// ModemManager did not answer a call with what was asked.
+enum class Failure {
+  /// The object went away meanwhile, or never was what it seemed.
+  notThere,
+  /// It did not answer in time, or another program did.
+  unanswered,
+  refused,
+};
+
+Failure failureBy(std::string_view error) {
+  if (error == DBUS_ERROR_UNKNOWN_OBJECT || error == DBUS_ERROR_UNKNOWN_METHOD ||
+      error == DBUS_ERROR_UNKNOWN_INTERFACE || error == DBUS_ERROR_INVALID_ARGS) {
+    return Failure::notThere;
   }
+  const bool timedOut = error == DBUS_ERROR_NO_REPLY || error == DBUS_ERROR_TIMEOUT ||
+                        error == DBUS_ERROR_TIMED_OUT || error == DBUS_ERROR_DISCONNECTED;
+  return timedOut ? Failure::unanswered : Failure::refused;
 }
 
-// The object went away meanwhile, or never was what it seemed.
-bool isNotThere(const sdbus::Error& error) {
-  const std::string_view name = error.getName();
-  return name == "org.freedesktop.DBus.Error.UnknownObject" ||
-         name == "org.freedesktop.DBus.Error.UnknownMethod" ||
-         name == "org.freedesktop.DBus.Error.UnknownInterface" ||
-         name == "org.freedesktop.DBus.Error.InvalidArgs";
-}
-
-bool isUnanswered(const sdbus::Error& error) {
-  const std::string_view name = error.getName();
-  return name == "org.freedesktop.DBus.Error.NoReply" ||
-         name == "org.freedesktop.DBus.Error.Timeout" ||
-         name == "org.freedesktop.DBus.Error.TimedOut" || name == "System.Error.ETIMEDOUT";
-}
-
-template <typename Value>
-std::optional<Value> valueOf(const Properties& properties, const char* key) {
-  const auto found = properties.find(key);
-  if (found == properties.end() || !found->second.containsValueOfType<Value>()) return std::nullopt;
-  return found->second.get<Value>();
-}
-
-std::optional<ModemMessage> receivedText(const Properties& properties) {
+std::optional<ModemMessage> receivedText(BusReader properties) {
   using namespace modem_wire;
-  const std::uint32_t type = valueOf<std::uint32_t>(properties, pduType).value_or(0);
-  if (valueOf<std::uint32_t>(properties, state) != stateReceived) return std::nullopt;
-  if (type != pduDeliver && type != pduCdmaDeliver) return std::nullopt;
-  auto content = valueOf<std::string>(properties, text);
-  auto sender = valueOf<std::string>(properties, number);
-  if (!content || content->empty() || !sender) return std::nullopt;  // say, binary data only
-  return ModemMessage{.number = std::move(*sender),
-                      .text = std::move(*content),
-                      .timestamp = valueOf<std::string>(properties, timestamp).value_or("")};
+  ModemMessage message;
+  bool received = false;
+  bool delivered = false;
+  bool numbered = false;
+  for (; !properties.atEnd(); properties.skip()) {
+    BusReader property = properties.inside();
+    const std::string_view key = property.text().value_or("");
+    BusReader value = property.inside();
+    if (key == state) {
+      received = value.natural() == stateReceived;
+    } else if (key == pduType) {
+      const auto type = value.natural();
+      delivered = type == pduDeliver || type == pduCdmaDeliver;
+    } else if (key == text) {
+      message.text = value.text().value_or("");
+    } else if (key == number) {
+      const auto sender = value.text();
+      numbered = sender.has_value();
+      message.number = sender.value_or("");
+    } else if (key == timestamp) {
+      message.timestamp = value.text().value_or("");
+    }
+  }
+  // One without a text holds, say, binary data only.
+  if (!received || !delivered || !numbered || message.text.empty()) return std::nullopt;
+  return message;
+}
+
+// Whether `interfaces`, a{sa{sv}}, are those of a modem with messages.
+bool hasMessaging(BusReader interfaces) {
+  for (; !interfaces.atEnd(); interfaces.skip()) {
+    if (interfaces.inside().text() == modem_wire::messaging) return true;
+  }
+  return false;
 }
 
 }  // namespace
 
 struct ModemMessages::Bus {
-  Bus(std::chrono::milliseconds patienceOfCalls, std::chrono::milliseconds firstPause)
-      : patience(patienceOfCalls), pause(firstPause) {}
+  Bus(std::chrono::milliseconds callTimeout, std::chrono::milliseconds firstPause)
+      : timeout(callTimeout), pause(firstPause) {}
 
   void listen();
   void findOwner();
   void setOwner(const std::string& name);
-  void heardOfAdded(sdbus::Message& signal);
-  void heardOfChange(sdbus::Message& signal);
-  void heardOfInterfaces(sdbus::Message& signal);
-  template <typename Answer>
-  Answer call(const std::string& path, const char* interface, const char* method,
-              const char* argument = nullptr);
+  BusMessage call(const std::string& path, const char* interface, const char* method,
+                  const char* signature, const char* argument = nullptr);
   std::set<std::string> messagesOfAllModems(bool& whole);
   std::optional<ModemMessage> message(const std::string& path);
   void readUnread(std::vector<ModemMessage>& messages, bool& whole);
   void lookAgainLater();
 
-  const std::chrono::milliseconds patience;
+  const std::chrono::milliseconds timeout;
   const std::chrono::milliseconds pause;
-  const std::unique_ptr<sdbus::IConnection> system = connection();
-  BusLoop loop{eventsOf(*system)};
+  const BusConnection system = connection();
+  BusLoop loop{system.get()};
   std::atomic<bool> stopping = false;
 
   // The unique name of the ModemManager that is there, empty when none is. Signals count only from
@@ -109,32 +119,34 @@ struct ModemMessages::Bus {
 
 void ModemMessages::Bus::listen() {
   using namespace modem_wire;
-  const auto onModemManagers = [this](const BusSignal& signal, auto hear) {
-    onSignal(*system, signal, [this, hear](sdbus::Message& message) {
-      if (message.getSender() == owner) hear(message);
+  const auto hear = [this](const BusSignal& signal, const OnSignal& onSignal) {
+    subscribe(system.get(), signal, [this, onSignal](const HeardSignal& heard) {
+      if (heard.sender == owner) onSignal(heard);
     });
   };
-  onOwnerChange(*system, service, [this](const std::string& name) { setOwner(name); });
-  onModemManagers({service, messaging, added}, [this](auto& signal) { heardOfAdded(signal); });
-  onModemManagers({service, properties, propertiesChanged, sms},
-                  [this](auto& signal) { heardOfChange(signal); });
-  onModemManagers({service, objectManager, interfacesAdded},
-                  [this](auto& signal) { heardOfInterfaces(signal); });
+  subscribeToOwner(system.get(), service, [this](const std::string& name) { setOwner(name); });
+  // Whether it comes from the network is said of stored ones too.
+  hear({.interface = messaging, .member = added, .service = service}, [this](HeardSignal signal) {
+    if (const auto path = signal.arguments.objectPath()) news.emplace(*path);
+  });
+  hear({.interface = properties, .member = propertiesChanged, .service = service, .argument = sms},
+       [this](const HeardSignal& signal) { news.emplace(signal.path); });
+  hear({.interface = objectManager, .member = interfacesAdded, .service = service},
+       [this](HeardSignal signal) {
+         if (!signal.arguments.objectPath()) return;
+         all = all ||
+               (signal.arguments.type() == "a{sa{sv}}" && hasMessaging(signal.arguments.inside()));
+       });
 }
 
 void ModemMessages::Bus::findOwner() {
-  const auto proxy = sdbus::createProxy(*system, bus_names::bus.service, bus_names::bus.path);
-  auto question = proxy->createMethodCall(bus_names::bus.interface, "GetNameOwner");
-  question << modem_wire::service;
-  try {
-    std::string name;
-    sdbus::MethodReply answer = proxy->callMethod(question, patience);
-    if (answer.getSender() != bus_names::bus.service) return;
-    answer >> name;
-    setOwner(name);
-  } catch (const sdbus::Error&) {
-    // Nobody has it yet.
-  }
+  const BusMessage question = methodCall(bus_names::bus, "GetNameOwner", [](BusWriter& arguments) {
+    arguments.text(modem_wire::service);
+  });
+  const BusMessage reply = callAndWait(system.get(), question, timeout);
+  if (!reply || errorOf(reply)) return;  // no program owns it
+  if (std::string_view(dbus_message_get_sender(reply.get())) != bus_names::bus.service) return;
+  if (const auto name = BusReader(reply).text()) setOwner(std::string(*name));
 }
 
 void ModemMessages::Bus::setOwner(const std::string& name) {
@@ -147,57 +159,48 @@ void ModemMessages::Bus::setOwner(const std::string& name) {
   nextPause = pause;
 }
 
-void ModemMessages::Bus::heardOfAdded(sdbus::Message& signal) {
-  sdbus::ObjectPath path;
-  signal >> path;  // whether it comes from the network is said of stored ones too
-  news.insert(path);
-}
-
-void ModemMessages::Bus::heardOfChange(sdbus::Message& signal) { news.insert(signal.getPath()); }
-
-void ModemMessages::Bus::heardOfInterfaces(sdbus::Message& signal) {
-  sdbus::ObjectPath path;
-  Interfaces interfaces;
-  signal >> path >> interfaces;
-  all = all || interfaces.contains(modem_wire::messaging);
-}
-
-template <typename Answer>
-Answer ModemMessages::Bus::call(const std::string& path, const char* interface, const char* method,
-                                const char* argument) {
-  const auto proxy = sdbus::createProxy(*system, owner, path);
-  auto message = proxy->createMethodCall(interface, method);
-  if (argument != nullptr) message << argument;
-  sdbus::MethodReply reply = proxy->callMethod(message, patience);
-  if (reply.getSender() != owner) throw sdbus::Error("org.freedesktop.DBus.Error.NoReply", "");
-  Answer answer;
-  reply >> answer;
-  return answer;
+// Yields a reply whose values have the types in `signature`; throws the Failure otherwise.
+BusMessage ModemMessages::Bus::call(const std::string& path, const char* interface,
+                                    const char* method, const char* signature,
+                                    const char* argument) {
+  const BusObject object{.service = owner.c_str(), .path = path.c_str(), .interface = interface};
+  const BusMessage question = methodCall(object, method, [argument](BusWriter& arguments) {
+    if (argument != nullptr) arguments.text(argument);
+  });
+  BusMessage reply = callAndWait(system.get(), question, timeout);
+  if (!reply) throw Failure::unanswered;
+  if (const auto error = errorOf(reply)) throw failureBy(*error);
+  if (!dbus_message_has_sender(reply.get(), owner.c_str())) throw Failure::unanswered;
+  if (!dbus_message_has_signature(reply.get(), signature)) throw Failure::refused;
+  return reply;
 }
 
 std::set<std::string> ModemMessages::Bus::messagesOfAllModems(bool& whole) {
-  const auto objects = call<std::map<sdbus::ObjectPath, Interfaces>>(
-      modem_wire::path, modem_wire::objectManager, modem_wire::getManagedObjects);
+  const BusMessage objects = call(modem_wire::path, modem_wire::objectManager,
+                                  modem_wire::getManagedObjects, "a{oa{sa{sv}}}");
   std::set<std::string> paths;
-  for (const auto& [modem, interfaces] : objects) {
-    if (!interfaces.contains(modem_wire::messaging)) continue;
+  BusReader modems = BusReader(objects).inside();
+  for (; !modems.atEnd(); modems.skip()) {
+    BusReader modem = modems.inside();
+    const std::string path(*modem.objectPath());
+    if (!hasMessaging(modem.inside())) continue;
     try {
-      const auto messages =
-          call<std::vector<sdbus::ObjectPath>>(modem, modem_wire::messaging, modem_wire::list);
-      paths.insert(messages.begin(), messages.end());
-    } catch (const sdbus::Error& error) {
-      if (isUnanswered(error)) throw;
+      const BusMessage messages = call(path, modem_wire::messaging, modem_wire::list, "ao");
+      BusReader found = BusReader(messages).inside();
+      while (const auto message = found.objectPath()) paths.emplace(*message);
+    } catch (Failure failure) {
+      if (failure == Failure::unanswered) throw;
       // It went away, or it is not ready; the other modems are.
-      whole = whole && isNotThere(error);
+      whole = whole && failure == Failure::notThere;
     }
   }
   return paths;
 }
 
 std::optional<ModemMessage> ModemMessages::Bus::message(const std::string& path) {
-  const auto properties =
-      call<Properties>(path, modem_wire::properties, modem_wire::getAll, modem_wire::sms);
-  return receivedText(properties);
+  const BusMessage values =
+      call(path, modem_wire::properties, modem_wire::getAll, "a{sv}", modem_wire::sms);
+  return receivedText(BusReader(values).inside());
 }
 
 void ModemMessages::Bus::readUnread(std::vector<ModemMessage>& messages, bool& whole) {
@@ -207,10 +210,10 @@ void ModemMessages::Bus::readUnread(std::vector<ModemMessage>& messages, bool& w
     try {
       if (auto text = message(path)) messages.push_back(std::move(*text));
       unread.erase(path);
-    } catch (const sdbus::Error& error) {
-      if (isUnanswered(error)) throw;
-      if (isNotThere(error)) unread.erase(path);
-      whole = whole && isNotThere(error);
+    } catch (Failure failure) {
+      if (failure == Failure::unanswered) throw;
+      if (failure == Failure::notThere) unread.erase(path);
+      whole = whole && failure == Failure::notThere;
     }
   }
 }
@@ -221,14 +224,10 @@ void ModemMessages::Bus::lookAgainLater() {
   nextPause = std::min(nextPause * 2, longestPause);
 }
 
-ModemMessages::ModemMessages(std::chrono::milliseconds patience, std::chrono::milliseconds pause)
-    : bus_(std::make_unique<Bus>(patience, pause)) {
-  try {
-    bus_->listen();
-    bus_->findOwner();
-  } catch (const sdbus::Error&) {
-    throw std::runtime_error("the system bus cannot be listened to");
-  }
+ModemMessages::ModemMessages(std::chrono::milliseconds timeout, std::chrono::milliseconds pause)
+    : bus_(std::make_unique<Bus>(timeout, pause)) {
+  bus_->listen();
+  bus_->findOwner();
 }
 
 ModemMessages::~ModemMessages() = default;
@@ -258,7 +257,7 @@ ModemMessages::Reading ModemMessages::read() {
       bus_->unread.merge(bus_->messagesOfAllModems(whole));
       bus_->readUnread(reading.messages, whole);
     }
-  } catch (const sdbus::Error&) {
+  } catch (Failure) {
     whole = false;
   }
   if (!whole) bus_->lookAgainLater();

@@ -24,11 +24,11 @@ class ModemMessages {
     bool everything = false;
   };
 
-  /// Connects to the system bus. A call on ModemManager is given up after `patience`; after a call
-  /// that failed, the modems are looked at again after `pause`, then twice as long each time, five
+  /// Connects to the system bus. A call of ModemManager fails after `timeout`; after a call that
+  /// failed, the modems are looked at again after `pause`, then twice as long each time, five
   /// minutes at most. ModemManager need not be there, and is not started. Throws std::runtime_error
   /// with one line when there is no system bus.
-  ModemMessages(std::chrono::milliseconds patience, std::chrono::milliseconds pause);
+  ModemMessages(std::chrono::milliseconds timeout, std::chrono::milliseconds pause);
   ~ModemMessages();
   ModemMessages(const ModemMessages&) = delete;
   ModemMessages& operator=(const ModemMessages&) = delete;
@@ -42,7 +42,7 @@ class ModemMessages {
   [[nodiscard]] std::optional<std::chrono::milliseconds> untilReading() const;
 
   /// Reads, within `serve`, what has come since the last reading. Waits for ModemManager's answers,
-  /// and for `patience` at most when it does not answer.
+  /// and for `timeout` at most when it does not answer.
   Reading read();
 
   /// Has the next reading read everything.

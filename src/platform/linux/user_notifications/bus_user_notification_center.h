@@ -13,8 +13,8 @@ class SessionBus;
 /// Its tasks run on a TaskExecutor. Cancelling one ends no call: a notification is still posted.
 class BusUserNotificationCenter : public platform::UNUserNotificationCenter {
  public:
-  /// Asks and adds in the name of `bundleIdentifier`. `bus` outlives this object. Each call has the
-  /// timeout of the bus; after one that was not answered in time, the run asks nothing any more.
+  /// Asks and adds in the name of `bundleIdentifier`. `bus` outlives this object, and has the
+  /// timeouts.
   BusUserNotificationCenter(SessionBus& bus, std::string bundleIdentifier);
 
   platform::Task<platform::UNNotificationSettings> notificationSettings() override;

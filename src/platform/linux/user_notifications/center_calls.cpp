@@ -1,9 +1,6 @@
 #include "platform/linux/user_notifications/center_calls.h"
 
-#include <map>
-#include <utility>
-
-#include "platform/linux/process/bus_call.h"
+#include "platform/linux/bus/bus_call.h"
 #include "platform/linux/user_notifications/center_wire.h"
 
 namespace kivo::linux_platform {
@@ -12,11 +9,7 @@ namespace {
 using platform::NSError;
 using platform::UNAuthorizationStatus;
 
-void callCenter(BusThread& bus, const char* method, BusWriter::Write write, ReadReply read) {
-  callOnBus(bus,
-            {.object = bus_names::notificationCenter, .method = method, .write = std::move(write)},
-            std::move(read));
-}
+constexpr const BusObject& center = bus_names::notificationCenter;
 
 void appendContent(BusWriter& content, const platform::UNMutableNotificationContent& shown) {
   content.textEntry(center_wire::title, shown.title);
@@ -42,48 +35,37 @@ void appendRequest(BusWriter& arguments, const std::string& bundle,
 
 }  // namespace
 
-void callAuthorizationStatus(BusThread& bus, const std::string& bundle,
-                             std::function<void(std::optional<UNAuthorizationStatus>)> answer) {
-  callCenter(
-      bus, center_wire::authorizationStatus,
-      [bundle](BusWriter& arguments) { arguments.text(bundle); },
-      [answer = std::move(answer)](DBusMessage* reply) {
-        if (reply == nullptr || failureOf(reply)) return answer(std::nullopt);
-        const auto number = BusReader(reply).integer();
-        answer(number ? center_wire::statusOf(*number) : std::nullopt);
-      });
+BusMessage authorizationStatusCall(const std::string& bundle) {
+  return methodCall(center, center_wire::authorizationStatus,
+                    [&](BusWriter& arguments) { arguments.text(bundle); });
 }
 
-void callSetAuthorizationStatus(BusThread& bus, const std::string& bundle,
-                                UNAuthorizationStatus status, std::function<void(bool)> answer) {
-  callCenter(
-      bus, center_wire::setAuthorizationStatus,
-      [bundle, status](BusWriter& arguments) {
-        arguments.text(bundle);
-        arguments.integer(static_cast<int>(status));
-      },
-      [answer = std::move(answer)](DBusMessage* reply) {
-        answer(reply != nullptr && !failureOf(reply));
-      });
+std::optional<UNAuthorizationStatus> statusIn(const BusMessage& reply) {
+  if (!reply || errorOf(reply)) return std::nullopt;
+  const auto number = BusReader(reply).integer();
+  return number ? center_wire::statusOf(*number) : std::nullopt;
 }
 
-void callAdd(BusThread& bus, const std::string& bundle,
-             const platform::UNNotificationRequest& request,
-             std::function<void(std::optional<NSError>)> answer) {
-  callCenter(
-      bus, center_wire::add,
-      [bundle, request](BusWriter& arguments) { appendRequest(arguments, bundle, request); },
-      [answer = std::move(answer)](DBusMessage* reply) {
-        if (reply == nullptr) return answer(centerNotAnswering());
-        // The error's words could be anybody's; its name is a fixed identifier.
-        const auto name = failureOf(reply);
-        if (!name) return answer(std::nullopt);
-        answer(NSError("UNErrorDomain", 2, "The notification center refused: " + *name));
-      });
+BusMessage setAuthorizationStatusCall(const std::string& bundle, UNAuthorizationStatus status) {
+  return methodCall(center, center_wire::setAuthorizationStatus, [&](BusWriter& arguments) {
+    arguments.text(bundle);
+    arguments.integer(static_cast<int>(status));
+  });
 }
 
-NSError centerNotAnswering() {
-  return NSError("UNErrorDomain", 1, "The notification center does not answer");
+bool isStored(const BusMessage& reply) { return reply && !errorOf(reply); }
+
+BusMessage addCall(const std::string& bundle, const platform::UNNotificationRequest& request) {
+  return methodCall(center, center_wire::add,
+                    [&](BusWriter& arguments) { appendRequest(arguments, bundle, request); });
+}
+
+std::optional<NSError> addFailure(const BusMessage& reply) {
+  if (!reply) return NSError("UNErrorDomain", 1, "The notification center does not answer");
+  // The error's words could be any program's; its name is a fixed identifier.
+  const auto error = errorOf(reply);
+  if (!error) return std::nullopt;
+  return NSError("UNErrorDomain", 2, "The notification center refused: " + *error);
 }
 
 }  // namespace kivo::linux_platform

@@ -1,37 +1,30 @@
-// The calls to the phone's notification center, as they go over the bus. Waits for nothing.
+// The calls of the phone's notification center, as messages. Sends none; included by the .cpp files
+// that speak on the bus, nowhere else.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 
 #include "platform/foundation/errors.h"
+#include "platform/linux/bus/bus_message.h"
 #include "platform/user_notifications/un_notification_request.h"
 
 namespace kivo::linux_platform {
 
-class BusThread;
+// Texts may be any bytes: those that D-Bus cannot carry are replaced by U+FFFD. Each call has a
+// function that reads its reply, which is null when there was none.
 
-// Each function returns at once and has its answer called exactly once: on the bus's thread, or,
-// when there is no bus, possibly at once on the calling thread. An answer must not throw. Texts may
-// be any bytes; what the bus cannot carry is replaced by U+FFFD.
+BusMessage authorizationStatusCall(const std::string& bundle);
+/// None when the center did not answer with a status.
+std::optional<platform::UNAuthorizationStatus> statusIn(const BusMessage& reply);
 
-/// Answers none when there is no center, or none that answers with a status.
-void callAuthorizationStatus(
-    BusThread& bus, const std::string& bundle,
-    std::function<void(std::optional<platform::UNAuthorizationStatus>)> answer);
+BusMessage setAuthorizationStatusCall(const std::string& bundle,
+                                      platform::UNAuthorizationStatus status);
+/// Whether the center has stored the status.
+bool isStored(const BusMessage& reply);
 
-/// Answers whether the center has stored the status.
-void callSetAuthorizationStatus(BusThread& bus, const std::string& bundle,
-                                platform::UNAuthorizationStatus status,
-                                std::function<void(bool)> answer);
-
-/// Answers none when the center has the request on its disk, and what went wrong otherwise.
-void callAdd(BusThread& bus, const std::string& bundle,
-             const platform::UNNotificationRequest& request,
-             std::function<void(std::optional<platform::NSError>)> answer);
-
-/// What an unanswered `callAdd` amounts to.
-platform::NSError centerNotAnswering();
+BusMessage addCall(const std::string& bundle, const platform::UNNotificationRequest& request);
+/// None when the center has the request on its disk, else the error.
+std::optional<platform::NSError> addFailure(const BusMessage& reply);
 
 }  // namespace kivo::linux_platform

@@ -1,17 +1,14 @@
 #include "platform/linux/user_notifications/desktop_notifications.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
-
-#include "platform/linux/process/bus_names.h"
+#include "platform/linux/bus/bus_call.h"
+#include "platform/linux/bus/bus_signal.h"
 #include "platform/linux/process/desktop_entry.h"
 #include "platform/linux/process/markup_text.h"
-#include "platform/linux/process/sdbus_signals.h"
 #include "platform/linux/user_notifications/desktop_wire.h"
 
 namespace kivo::linux_platform {
@@ -19,9 +16,9 @@ namespace {
 
 using platform::UNMutableNotificationContent;
 using Done = std::function<void(ShowOutcome)>;
+using Texts = std::vector<std::string>;
 
 constexpr const BusObject& desktop = bus_names::desktopNotifications;
-constexpr std::uint64_t withoutTimeLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t mostLinks = 500;
 constexpr std::size_t longestLink = 8 << 10;  // bytes; a longer one is not offered to be opened
 
@@ -31,108 +28,103 @@ std::string deepLink(const UNMutableNotificationContent& content) {
   return opens ? found->second : "";
 }
 
-ShowOutcome outcomeOf(const sdbus::Error& error) {
-  const std::string_view name = error.getName();
-  const bool nobodyThere = name == "org.freedesktop.DBus.Error.ServiceUnknown" ||
-                           name == "org.freedesktop.DBus.Error.NameHasNoOwner" ||
-                           name.starts_with("org.freedesktop.DBus.Error.Spawn.");
-  return nobodyThere ? ShowOutcome::noServer : ShowOutcome::failed;
+bool isWithoutServer(std::string_view error) {
+  return error == DBUS_ERROR_SERVICE_UNKNOWN || error == DBUS_ERROR_NAME_HAS_NO_OWNER ||
+         error.starts_with("org.freedesktop.DBus.Error.Spawn.");
 }
 
-// What a reply holds; a reply of another shape is as good as an error.
-template <typename Value>
-std::optional<Value> valueOf(sdbus::MethodReply& reply) {
-  try {
-    Value value{};
-    reply >> value;
-    return value;
-  } catch (const sdbus::Error&) {
-    return std::nullopt;
-  }
+// None when `reply`, which may be null, is not an error.
+std::optional<ShowOutcome> failureOf(const BusMessage& reply) {
+  if (!reply) return ShowOutcome::failed;
+  const auto error = errorOf(reply);
+  if (!error) return std::nullopt;
+  return isWithoutServer(*error) ? ShowOutcome::noServer : ShowOutcome::failed;
+}
+
+BusMessage notifyCall(const UNMutableNotificationContent& content, const Texts& capabilities) {
+  const auto has = [&](const char* capability) {
+    return std::find(capabilities.begin(), capabilities.end(), capability) != capabilities.end();
+  };
+  return methodCall(desktop, desktop_wire::notify, [&](BusWriter& arguments) {
+    arguments.text("Kivo");
+    arguments.natural(0);
+    arguments.text("");
+    arguments.text(content.title);
+    arguments.text(has(desktop_wire::bodyMarkup) ? escapedMarkup(content.body) : content.body);
+    arguments.texts(deepLink(content).empty() ? Texts{}
+                                              : Texts{desktop_wire::defaultAction, "Open"});
+    arguments.array("{sv}", [&](BusWriter& hints) {
+      hints.textEntry("desktop-entry", desktopEntry);
+      if (has(desktop_wire::sound)) hints.textEntry("sound-name", "message-new-instant");
+    });
+    arguments.integer(-1);
+  });
 }
 
 }  // namespace
 
-DesktopNotifications::DesktopNotifications(sdbus::IConnection& connection,
+DesktopNotifications::DesktopNotifications(DBusConnection* bus,
                                            std::function<void()> serverAppeared)
-    : server_(sdbus::createProxy(connection, desktop.service, desktop.path)) {
-  onSignal(connection, {desktop.service, desktop.interface, desktop_wire::actionInvoked},
-           [this](sdbus::Message& signal) {
-             std::uint32_t id = 0;
-             std::string action;
-             signal >> id >> action;
-             const auto shown = linkOf(id, signal.getSender());
-             if (shown != links_.end() && action == desktop_wire::defaultAction) {
-               opener_.open(shown->second.link);
-             }
-           });
-  onSignal(connection, {desktop.service, desktop.interface, desktop_wire::notificationClosed},
-           [this](sdbus::Message& signal) {
-             std::uint32_t id = 0;
-             signal >> id;
-             const auto shown = linkOf(id, signal.getSender());
-             if (shown != links_.end()) links_.erase(shown);
-           });
-  onOwnerChange(connection, desktop.service,
-                [this, appeared = std::move(serverAppeared)](const std::string& owner) {
-                  links_.clear();  // another server counts its notifications anew
-                  if (!owner.empty()) appeared();
-                });
+    : bus_(bus) {
+  subscribeToServer(std::move(serverAppeared));
 }
 
-DesktopNotifications::~DesktopNotifications() = default;
+void DesktopNotifications::subscribeToServer(std::function<void()> serverAppeared) {
+  subscribe(bus_,
+            {.interface = desktop.interface,
+             .member = desktop_wire::actionInvoked,
+             .service = desktop.service},
+            [this](HeardSignal signal) {
+              const auto shown = linkOf(signal.arguments.natural(), signal.sender);
+              if (shown != links_.end() && signal.arguments.text() == desktop_wire::defaultAction) {
+                opener_.open(shown->second.link);
+              }
+            });
+  subscribe(bus_,
+            {.interface = desktop.interface,
+             .member = desktop_wire::notificationClosed,
+             .service = desktop.service},
+            [this](HeardSignal signal) {
+              const auto shown = linkOf(signal.arguments.natural(), signal.sender);
+              if (shown != links_.end()) links_.erase(shown);
+            });
+  subscribeToOwner(bus_, desktop.service,
+                   [this, appeared = std::move(serverAppeared)](const std::string& owner) {
+                     links_.clear();  // another server counts from one again
+                     if (!owner.empty()) appeared();
+                   });
+}
 
 void DesktopNotifications::show(UNMutableNotificationContent content, Done done) {
-  const auto call = server_->createMethodCall(desktop.interface, desktop_wire::getCapabilities);
-  server_->callMethod(
-      call,
-      [this, content = std::move(content), done = std::move(done)](sdbus::MethodReply& reply,
-                                                                   const sdbus::Error* error) {
-        if (error != nullptr) return done(outcomeOf(*error));
-        const auto capabilities = valueOf<std::vector<std::string>>(reply);
-        notify(content, capabilities.value_or(std::vector<std::string>()), done);
-      },
-      withoutTimeLimit);
+  sendCall(bus_, methodCall(desktop, desktop_wire::getCapabilities), noTimeout,
+           [this, content = std::move(content), done = std::move(done)](const BusMessage& reply) {
+             if (const auto failure = failureOf(reply)) return done(*failure);
+             notify(content, BusReader(reply).texts(), done);
+           });
 }
 
 void DesktopNotifications::notify(const UNMutableNotificationContent& content,
                                   const std::vector<std::string>& capabilities, Done done) {
-  const auto has = [&](const char* capability) {
-    return std::find(capabilities.begin(), capabilities.end(), capability) != capabilities.end();
-  };
-  std::map<std::string, sdbus::Variant> hints{{"desktop-entry", std::string(desktopEntry)}};
-  if (has(desktop_wire::sound)) hints["sound-name"] = std::string("message-new-instant");
-  std::vector<std::string> actions;
-  if (!deepLink(content).empty()) actions = {desktop_wire::defaultAction, "Open"};
-
-  auto call = server_->createMethodCall(desktop.interface, desktop_wire::notify);
-  call << "Kivo" << std::uint32_t{0} << "" << content.title
-       << (has(desktop_wire::bodyMarkup) ? escapedMarkup(content.body) : content.body) << actions
-       << hints << std::int32_t{-1};
-  server_->callMethod(
-      call,
-      [this, content, done = std::move(done)](sdbus::MethodReply& reply,
-                                              const sdbus::Error* error) {
-        if (error != nullptr) return done(outcomeOf(*error));
-        // A server that answers without an error has shown it, whatever else it answers.
-        if (const auto id = valueOf<std::uint32_t>(reply)) {
-          rememberLink(*id, reply.getSender(), content);
-        }
-        done(ShowOutcome::shown);
-      },
-      withoutTimeLimit);
+  sendCall(bus_, notifyCall(content, capabilities), noTimeout,
+           [this, link = deepLink(content), done = std::move(done)](const BusMessage& reply) {
+             if (const auto failure = failureOf(reply)) return done(*failure);
+             // A server that answers without an error has shown it, whatever else it answers.
+             const auto id = BusReader(reply).natural();
+             const char* const server = dbus_message_get_sender(reply.get());
+             if (id && server != nullptr) rememberLink(*id, {.server = server, .link = link});
+             done(ShowOutcome::shown);
+           });
 }
 
-DesktopNotifications::Links::iterator DesktopNotifications::linkOf(std::uint32_t id,
-                                                                   const std::string& server) {
-  const auto found = links_.find(id);
+DesktopNotifications::Links::iterator DesktopNotifications::linkOf(std::optional<std::uint32_t> id,
+                                                                   std::string_view server) {
+  const auto found = id ? links_.find(*id) : links_.end();
   return found != links_.end() && found->second.server == server ? found : links_.end();
 }
 
-void DesktopNotifications::rememberLink(std::uint32_t id, const std::string& server,
-                                        const UNMutableNotificationContent& content) {
-  if (deepLink(content).empty()) return;
-  links_[id] = {.server = server, .link = deepLink(content)};
+void DesktopNotifications::rememberLink(std::uint32_t id, Shown shown) {
+  if (shown.link.empty()) return;
+  links_[id] = std::move(shown);
   // A server that never says what it closed must not make us grow; it counts upwards.
   if (links_.size() > mostLinks) links_.erase(links_.begin());
 }

@@ -5,17 +5,15 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/process/link_opener.h"
 #include "platform/user_notifications/un_notification_request.h"
 
-namespace sdbus {
-class IConnection;
-class IProxy;
-}  // namespace sdbus
+struct DBusConnection;
 
 namespace kivo::linux_platform {
 
@@ -28,12 +26,13 @@ enum class ShowOutcome {
   failed,
 };
 
-/// Used on the thread that serves `connection`.
+/// Used on the thread that serves `bus`, which calls the functions that it is handed.
 class DesktopNotifications {
  public:
-  /// Calls `serverAppeared` whenever a server takes the desktop's name. `connection` outlives this.
-  DesktopNotifications(sdbus::IConnection& connection, std::function<void()> serverAppeared);
-  ~DesktopNotifications();
+  /// Calls `serverAppeared` whenever a server takes the desktop's name. `bus` is not served any
+  /// more when this object ends. Throws std::runtime_error with one line when the bus cannot be
+  /// used.
+  DesktopNotifications(DBusConnection* bus, std::function<void()> serverAppeared);
   DesktopNotifications(const DesktopNotifications&) = delete;
   DesktopNotifications& operator=(const DesktopNotifications&) = delete;
 
@@ -43,19 +42,19 @@ class DesktopNotifications {
   void show(platform::UNMutableNotificationContent content, std::function<void(ShowOutcome)> done);
 
  private:
+  void subscribeToServer(std::function<void()> serverAppeared);
   void notify(const platform::UNMutableNotificationContent& content,
               const std::vector<std::string>& capabilities, std::function<void(ShowOutcome)> done);
-  void rememberLink(std::uint32_t id, const std::string& server,
-                    const platform::UNMutableNotificationContent& content);
 
   struct Shown {
     std::string server;  // its unique name, from which alone signals count
     std::string link;
   };
   using Links = std::map<std::uint32_t, Shown>;
-  Links::iterator linkOf(std::uint32_t id, const std::string& server);
+  Links::iterator linkOf(std::optional<std::uint32_t> id, std::string_view server);
+  void rememberLink(std::uint32_t id, Shown shown);
 
-  std::unique_ptr<sdbus::IProxy> server_;
+  DBusConnection* bus_;
   Links links_;  // of what is on the screen
   LinkOpener opener_;
 };

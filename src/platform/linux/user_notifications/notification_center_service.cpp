@@ -4,93 +4,89 @@
 #include <stdexcept>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
-
-#include "platform/linux/process/bus_loop.h"
-#include "platform/linux/process/bus_names.h"
-#include "platform/linux/process/sdbus_events.h"
+#include "platform/linux/bus/bus_connection.h"
+#include "platform/linux/bus/bus_loop.h"
+#include "platform/linux/bus/served_object.h"
 #include "platform/linux/user_notifications/center_wire.h"
 #include "platform/linux/user_notifications/request_reader.h"
+#include "platform/linux/user_notifications/request_size.h"
 
 namespace kivo::linux_platform {
 namespace {
 
-constexpr const BusObject& center = bus_names::notificationCenter;
-
-void add(NotificationCenterCalls& calls, sdbus::MethodCall call) {
-  ReceivedRequest received = readRequest(call);
+void add(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
+  ReceivedRequest received = readRequest(arguments);
   switch (calls.add(received.bundle, std::move(received.request))) {
     case AddOutcome::kept:
-      call.createReply().send();
-      return;
+      return answer.give();
     case AddOutcome::denied:
-      throw sdbus::Error("org.freedesktop.DBus.Error.AccessDenied",
-                         "the person has denied notifications of this bundle");
+      throw BusRefusal(DBUS_ERROR_ACCESS_DENIED,
+                       "the person has denied notifications of this bundle");
     case AddOutcome::noRoom:
-      throw sdbus::Error("org.freedesktop.DBus.Error.LimitsExceeded",
-                         "the requests that wait are too large for one more");
+      throw BusRefusal(DBUS_ERROR_LIMITS_EXCEEDED,
+                       "the requests that wait are too large for one more");
     case AddOutcome::notKept:
-      throw sdbus::Error("org.freedesktop.DBus.Error.IOError", "the request cannot be kept");
+      throw BusRefusal(DBUS_ERROR_IO_ERROR, "the request cannot be kept");
   }
 }
 
-void setStatus(NotificationCenterCalls& calls, const std::string& bundle, std::int32_t number) {
-  const auto status = center_wire::statusOf(number);
-  if (!status) throw invalid("there is no such authorization status");
+void setStatus(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
+  const std::string_view bundle = *arguments.text();
+  const auto status = center_wire::statusOf(*arguments.integer());
+  if (!status) throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "there is no such authorization status");
   if (sizeOf(bundle) > largestRequest) throw tooLarge();
-  if (!calls.setAuthorizationStatus(bundle, *status)) {
-    throw sdbus::Error("org.freedesktop.DBus.Error.IOError", "the status cannot be kept");
+  if (!calls.setAuthorizationStatus(std::string(bundle), *status)) {
+    throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be kept");
   }
+  answer.give();
 }
 
-std::unique_ptr<sdbus::IObject> makeObject(sdbus::IConnection& connection,
-                                           NotificationCenterCalls* calls) {
-  auto object = sdbus::createObject(connection, center.path);
-  object->registerMethod(center_wire::authorizationStatus)
-      .onInterface(center.interface)
-      .withInputParamNames("bundle")
-      .withOutputParamNames("status")
-      .implementedAs([calls](const std::string& bundle) {
-        return static_cast<std::int32_t>(calls->authorizationStatus(bundle));
-      });
-  object->registerMethod(center_wire::setAuthorizationStatus)
-      .onInterface(center.interface)
-      .withInputParamNames("bundle", "status")
-      .implementedAs([calls](const std::string& bundle, std::int32_t status) {
-        setStatus(*calls, bundle, status);
-      });
-  object->registerMethod(center.interface, center_wire::add, "ssa{sv}db",
-                         {"bundle", "identifier", "content", "interval", "repeats"}, "", {},
-                         [calls](sdbus::MethodCall call) { add(*calls, std::move(call)); });
-  object->registerMethod(center_wire::pending)
-      .onInterface(center.interface)
-      .withInputParamNames("bundle")
-      .withOutputParamNames("identifiers")
-      .implementedAs([calls](const std::string& bundle) { return calls->pending(bundle); });
-  object->finishRegistration();
-  return object;
+std::vector<BusMethod> methodsOf(NotificationCenterCalls& calls) {
+  return {{.name = center_wire::authorizationStatus,
+           .takes = {{"bundle", "s"}},
+           .gives = {{"status", "i"}},
+           .perform =
+               [&calls](BusReader arguments, BusAnswer answer) {
+                 const auto status = calls.authorizationStatus(std::string(*arguments.text()));
+                 answer.give([status](BusWriter& reply) {
+                   reply.integer(static_cast<std::int32_t>(status));
+                 });
+               }},
+          {.name = center_wire::setAuthorizationStatus,
+           .takes = {{"bundle", "s"}, {"status", "i"}},
+           .gives = {},
+           .perform = [&calls](BusReader arguments,
+                               BusAnswer answer) { setStatus(calls, arguments, answer); }},
+          {.name = center_wire::add,
+           .takes = {{"bundle", "s"},
+                     {"identifier", "s"},
+                     {"content", "a{sv}"},
+                     {"interval", "d"},
+                     {"repeats", "b"}},
+           .gives = {},
+           .perform = [&calls](BusReader arguments,
+                               BusAnswer answer) { add(calls, arguments, answer); }},
+          {.name = center_wire::pending,
+           .takes = {{"bundle", "s"}},
+           .gives = {{"identifiers", "as"}},
+           .perform = [&calls](BusReader arguments, BusAnswer answer) {
+             const auto identifiers = calls.pending(std::string(*arguments.text()));
+             answer.give([&identifiers](BusWriter& reply) { reply.texts(identifiers); });
+           }}};
 }
 
-std::unique_ptr<sdbus::IConnection> connectionWithName() {
-  std::unique_ptr<sdbus::IConnection> connection;
-  try {
-    connection = sdbus::createSessionBusConnection();
-  } catch (const sdbus::Error&) {
-    throw std::runtime_error("there is no session bus");
-  }
-  try {
-    connection->requestName(center.service);
-  } catch (const sdbus::Error&) {
-    throw std::runtime_error(std::string("another program is ") + center.service);
-  }
-  return connection;
+BusConnection connectionWithName() {
+  BusConnection bus = connectToSessionBus();
+  if (!bus) throw std::runtime_error("there is no session bus");
+  takeBusName(bus.get(), bus_names::notificationCenter.service);
+  return bus;
 }
 
 }  // namespace
 
 struct NotificationCenterService::Bus {
-  std::unique_ptr<sdbus::IConnection> connection = connectionWithName();
-  BusLoop loop{eventsOf(*connection)};
+  BusConnection connection = connectionWithName();
+  BusLoop loop{connection.get()};
   std::unique_ptr<DesktopNotifications> desktop;
 };
 
@@ -106,16 +102,15 @@ void NotificationCenterService::show(const platform::UNMutableNotificationConten
 void NotificationCenterService::serve(
     NotificationCenterCalls& calls,
     const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting) {
+  DBusConnection* const bus = bus_->connection.get();
   try {
-    sdbus::IConnection& connection = *bus_->connection;
     bus_->desktop =
-        std::make_unique<DesktopNotifications>(connection, [&calls] { calls.serverAppeared(); });
-    const std::unique_ptr<sdbus::IObject> object = makeObject(connection, &calls);
+        std::make_unique<DesktopNotifications>(bus, [&calls] { calls.serverAppeared(); });
+    serveObject(bus, bus_names::notificationCenter, methodsOf(calls));
     bus_->loop.run(beforeWaiting);
-  } catch (const sdbus::Error&) {
+  } catch (const std::runtime_error&) {
     // The bus went away before we were ready to serve.
   }
-  bus_->desktop.reset();
 }
 
 void NotificationCenterService::stop() noexcept { bus_->loop.stop(); }

@@ -57,8 +57,9 @@ class NotificationCenterService {
   void show(const platform::UNMutableNotificationContent& content,
             std::function<void(ShowOutcome)> done);
 
-  /// Answers calls until `stop`, or until the bus is gone. `beforeWaiting` is called before each
-  /// wait and yields how long that may last, none for ever.
+  /// Answers calls until `stop`, or until the bus is gone. `calls` outlives this object, whose end
+  /// ends what is being shown. `beforeWaiting` is called before each wait and yields the longest
+  /// time to wait, none for no limit.
   void serve(NotificationCenterCalls& calls,
              const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting);
 

@@ -2,12 +2,10 @@
 
 #include <condition_variable>
 #include <mutex>
-#include <stdexcept>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
-
-#include "platform/linux/process/bus_names.h"
+#include "platform/linux/bus/bus_thread.h"
+#include "platform/linux/bus/served_object.h"
 #include "platform/linux/user_notifications/desktop_wire.h"
 
 namespace kivo::linux_platform {
@@ -17,8 +15,6 @@ struct NotificationDisplay::State {
   mutable std::mutex mutex;
   std::condition_variable added;
   std::vector<ShownNotification> shown;  // guarded by mutex
-  std::unique_ptr<sdbus::IConnection> connection;
-  std::unique_ptr<sdbus::IObject> server;
 
   std::uint32_t add(ShownNotification notification) {
     const std::lock_guard lock(mutex);
@@ -32,67 +28,82 @@ struct NotificationDisplay::State {
 
 namespace {
 
-using Hints = std::map<std::string, sdbus::Variant>;
+constexpr const BusObject& desktop = bus_names::desktopNotifications;
 
-std::map<std::string, std::string> texts(const Hints& hints) {
+std::map<std::string, std::string> textsOf(BusReader hints) {
   std::map<std::string, std::string> result;
-  for (const auto& [name, value] : hints) {
-    result[name] = value.containsValueOfType<std::string>() ? value.get<std::string>() : "";
+  for (; !hints.atEnd(); hints.skip()) {
+    BusReader hint = hints.inside();
+    const std::string name(*hint.text());
+    result[name] = hint.inside().text().value_or("");
   }
   return result;
 }
 
-// For as long as its connection.
+// Of the arguments in their order.
+ShownNotification readNotification(BusReader arguments) {
+  ShownNotification notification;
+  notification.appName = *arguments.text();
+  notification.replaces = *arguments.natural();
+  notification.icon = *arguments.text();
+  notification.summary = *arguments.text();
+  notification.body = *arguments.text();
+  notification.actions = arguments.texts();
+  notification.hints = textsOf(arguments.inside());
+  arguments.skip();
+  notification.expiresAfter = *arguments.integer();
+  return notification;
+}
+
 template <typename State>
-std::unique_ptr<sdbus::IObject> makeServer(sdbus::IConnection& connection, State* state) {
-  const BusObject& desktop = bus_names::desktopNotifications;
-  std::unique_ptr<sdbus::IObject> server = sdbus::createObject(connection, desktop.path);
-  server->registerMethod(desktop_wire::getCapabilities)
-      .onInterface(desktop.interface)
-      .implementedAs([state] { return state->capabilities; });
-  server->registerMethod(desktop_wire::notify)
-      .onInterface(desktop.interface)
-      .implementedAs([state](const std::string& appName, std::uint32_t replaces,
-                             const std::string& icon, const std::string& summary,
-                             const std::string& body, const std::vector<std::string>& actions,
-                             const Hints& hints, std::int32_t expiresAfter) {
-        return state->add({.appName = appName,
-                           .replaces = replaces,
-                           .icon = icon,
-                           .summary = summary,
-                           .body = body,
-                           .actions = actions,
-                           .hints = texts(hints),
-                           .expiresAfter = expiresAfter,
-                           .shownAt = {}});
-      });
-  server->registerSignal(desktop_wire::actionInvoked)
-      .onInterface(desktop.interface)
-      .template withParameters<std::uint32_t, std::string>();
-  server->registerSignal(desktop_wire::notificationClosed)
-      .onInterface(desktop.interface)
-      .template withParameters<std::uint32_t, std::uint32_t>();
-  server->finishRegistration();
-  connection.requestName(desktop.service);
-  return server;
+std::vector<BusMethod> methodsOf(State& state) {
+  return {{.name = desktop_wire::getCapabilities,
+           .takes = {},
+           .gives = {{"capabilities", "as"}},
+           .perform =
+               [&state](BusReader, BusAnswer answer) {
+                 answer.give([&state](BusWriter& reply) { reply.texts(state.capabilities); });
+               }},
+          {.name = desktop_wire::notify,
+           .takes = {{"app_name", "s"},
+                     {"replaces_id", "u"},
+                     {"app_icon", "s"},
+                     {"summary", "s"},
+                     {"body", "s"},
+                     {"actions", "as"},
+                     {"hints", "a{sv}"},
+                     {"expire_timeout", "i"}},
+           .gives = {{"id", "u"}},
+           .perform = [&state](BusReader arguments, BusAnswer answer) {
+             const std::uint32_t id = state.add(readNotification(arguments));
+             answer.give([id](BusWriter& reply) { reply.natural(id); });
+           }}};
+}
+
+BusMessage signalOf(const char* member, const BusWriter::Write& write) {
+  BusMessage signal =
+      ownedMessage(dbus_message_new_signal(desktop.path, desktop.interface, member));
+  BusWriter arguments(signal.get());
+  write(arguments);
+  return signal;
 }
 
 }  // namespace
 
 NotificationDisplay::NotificationDisplay(const std::string& address,
                                          std::vector<std::string> capabilities)
-    : state_(std::make_unique<State>()) {
+    : state_(std::make_unique<State>()),
+      bus_(std::make_unique<BusThread>(BusThread::Settings{.address = address})) {
   state_->capabilities = std::move(capabilities);
-  try {
-    state_->connection = sdbus::createSessionBusConnectionWithAddress(address);
-    state_->server = makeServer(*state_->connection, state_.get());
-    state_->connection->enterEventLoopAsync();
-  } catch (const sdbus::Error&) {
-    throw std::runtime_error("cannot show notifications on the bus at " + address);
-  }
+  bus_->performAndWait(
+      [this](DBusConnection* bus) {
+        serveObject(bus, desktop, methodsOf(*state_));
+        takeBusName(bus, desktop.service);
+      },
+      std::chrono::seconds(10));
 }
 
-NotificationDisplay::~NotificationDisplay() { state_->connection->leaveEventLoop(); }
+NotificationDisplay::~NotificationDisplay() { bus_->finish(std::chrono::seconds(10)); }
 
 std::vector<ShownNotification> NotificationDisplay::shown() const {
   const std::lock_guard lock(state_->mutex);
@@ -107,13 +118,14 @@ std::vector<ShownNotification> NotificationDisplay::waitForShown(std::size_t cou
 }
 
 void NotificationDisplay::invokeDefaultAction(std::uint32_t id) {
-  const char* const interface = bus_names::desktopNotifications.interface;
-  state_->server->emitSignal(desktop_wire::actionInvoked)
-      .onInterface(interface)
-      .withArguments(id, std::string(desktop_wire::defaultAction));
-  state_->server->emitSignal(desktop_wire::notificationClosed)
-      .onInterface(interface)
-      .withArguments(id, desktop_wire::closedByPerson);
+  bus_->send(signalOf(desktop_wire::actionInvoked, [id](BusWriter& arguments) {
+    arguments.natural(id);
+    arguments.text(desktop_wire::defaultAction);
+  }));
+  bus_->send(signalOf(desktop_wire::notificationClosed, [id](BusWriter& arguments) {
+    arguments.natural(id);
+    arguments.natural(desktop_wire::closedByPerson);
+  }));
 }
 
 }  // namespace kivo::linux_platform

@@ -11,6 +11,8 @@
 
 namespace kivo::linux_platform {
 
+class BusThread;
+
 /// One notification as it came over the bus.
 struct ShownNotification {
   std::uint32_t id = 0;
@@ -52,6 +54,7 @@ class NotificationDisplay {
  private:
   struct State;
   std::unique_ptr<State> state_;
+  std::unique_ptr<BusThread> bus_;
 };
 
 }  // namespace kivo::linux_platform

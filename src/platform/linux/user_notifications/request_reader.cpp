@@ -4,9 +4,8 @@
 #include <chrono>
 #include <utility>
 
-#include <sdbus-c++/sdbus-c++.h>
-
 #include "platform/linux/user_notifications/center_wire.h"
+#include "platform/linux/user_notifications/request_size.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -14,72 +13,43 @@ namespace {
 using platform::UNMutableNotificationContent;
 using platform::UNTimeIntervalNotificationTrigger;
 
-class RequestReader {
- public:
-  explicit RequestReader(sdbus::MethodCall& call) : call_(call) {}
+BusRefusal invalid(const std::string& words) { return {DBUS_ERROR_INVALID_ARGS, words}; }
 
-  std::string text() {
-    std::string text;
-    call_ >> text;
+// Copies the texts of a request as long as it is not too large.
+class TextCopier {
+ public:
+  std::string copy(std::string_view text) {
     left_ -= std::min(left_, sizeOf(text));
     if (left_ == 0) throw tooLarge();
-    return text;
-  }
-
-  // As `signature`, the type of its entries, says; `readEntry` is called within each of them.
-  template <typename ReadEntry>
-  void dictionary(const std::string& signature, ReadEntry readEntry) {
-    if (!call_.enterContainer("{" + signature + "}")) return;
-    while (call_.enterDictEntry(signature)) {
-      readEntry();
-      call_.exitDictEntry();
-    }
-    call_.clearFlags();
-    call_.exitContainer();
-  }
-
-  // Calls `read` within the next value, which must be of the type `signature`.
-  template <typename Read>
-  void variant(const std::string& key, const std::string& signature, Read read) {
-    std::string type;
-    std::string contained;
-    call_.peekType(type, contained);
-    if (contained != signature) {
-      throw invalid("content has a value of another type under " + key);
-    }
-    call_.enterVariant(signature);
-    read();
-    call_.exitVariant();
+    return std::string(text);
   }
 
  private:
-  sdbus::MethodCall& call_;
   std::size_t left_ = largestRequest + 1;
 };
 
-std::string textVariant(RequestReader& reader, const char* key) {
-  std::string text;
-  reader.variant(key, "s", [&] { text = reader.text(); });
-  return text;
+BusReader valueOfType(BusReader& entry, const std::string& key, const char* type) {
+  BusReader value = entry.inside();
+  if (value.type() != type) throw invalid("content has a value of another type under " + key);
+  return value;
 }
 
-void readEntry(RequestReader& reader, UNMutableNotificationContent& content) {
-  const std::string key = reader.text();
+void readContentEntry(BusReader entry, TextCopier& copier, UNMutableNotificationContent& content) {
+  const std::string key = copier.copy(*entry.text());
+  const auto text = [&] { return copier.copy(*valueOfType(entry, key, "s").text()); };
   if (key == center_wire::title) {
-    content.title = textVariant(reader, center_wire::title);
+    content.title = text();
   } else if (key == center_wire::body) {
-    content.body = textVariant(reader, center_wire::body);
+    content.body = text();
   } else if (key == center_wire::sound) {
-    if (textVariant(reader, center_wire::sound) != center_wire::defaultSound) {
-      throw invalid("there is no sound but the default one");
-    }
+    if (text() != center_wire::defaultSound) throw invalid("there is no sound but the default one");
   } else if (key == center_wire::userInfo) {
-    reader.variant(key, "a{ss}", [&] {
-      reader.dictionary("ss", [&] {
-        std::string name = reader.text();
-        content.userInfo.insert_or_assign(std::move(name), reader.text());
-      });
-    });
+    BusReader pairs = valueOfType(entry, key, "a{ss}").inside();
+    for (; !pairs.atEnd(); pairs.skip()) {
+      BusReader pair = pairs.inside();
+      std::string name = copier.copy(*pair.text());
+      content.userInfo.insert_or_assign(std::move(name), copier.copy(*pair.text()));
+    }
   } else {
     throw invalid("content has an unknown key");
   }
@@ -96,41 +66,20 @@ UNTimeIntervalNotificationTrigger triggerOf(double interval, bool repeats) {
 
 }  // namespace
 
-sdbus::Error invalid(const std::string& words) {
-  return {"org.freedesktop.DBus.Error.InvalidArgs", words};
-}
+BusRefusal tooLarge() { return {DBUS_ERROR_LIMITS_EXCEEDED, "the request is larger than 2 MiB"}; }
 
-sdbus::Error tooLarge() {
-  return sdbus::Error("org.freedesktop.DBus.Error.LimitsExceeded",
-                      "the request is larger than 2 MiB");
-}
-
-std::size_t sizeOf(const std::string& text) {
-  constexpr std::size_t escape = 6;
-  const auto escaped = std::count_if(text.begin(), text.end(), [](unsigned char character) {
-    return character < ' ' || character == '"' || character == '\\';
-  });
-  return text.size() + sizeof(std::string) + escape * static_cast<std::size_t>(escaped);
-}
-
-std::size_t sizeOf(const std::string& bundle, const platform::UNNotificationRequest& request) {
-  const UNMutableNotificationContent& content = request.content;
-  std::size_t size =
-      sizeOf(bundle) + sizeOf(request.identifier) + sizeOf(content.title) + sizeOf(content.body);
-  for (const auto& [key, value] : content.userInfo) size += sizeOf(key) + sizeOf(value);
-  return size;
-}
-
-ReceivedRequest readRequest(sdbus::MethodCall& call) {
-  RequestReader reader(call);
+ReceivedRequest readRequest(BusReader arguments) {
+  TextCopier copier;
   ReceivedRequest received;
-  received.bundle = reader.text();
-  received.request.identifier = reader.text();
-  reader.dictionary("sv", [&] { readEntry(reader, received.request.content); });
-  double interval = 0;
-  bool repeats = false;
-  call >> interval >> repeats;
-  received.request.trigger = triggerOf(interval, repeats);
+  received.bundle = copier.copy(*arguments.text());
+  received.request.identifier = copier.copy(*arguments.text());
+  BusReader entries = arguments.inside();
+  for (; !entries.atEnd(); entries.skip()) {
+    readContentEntry(entries.inside(), copier, received.request.content);
+  }
+  arguments.skip();
+  const double interval = *arguments.number();
+  received.request.trigger = triggerOf(interval, *arguments.flag());
   return received;
 }
 

@@ -2,42 +2,24 @@
 // is copied any further.
 #pragma once
 
-#include <cstddef>
 #include <string>
 
+#include "platform/linux/bus/served_object.h"
 #include "platform/user_notifications/un_notification_request.h"
-
-namespace sdbus {
-class Error;
-class MethodCall;
-}  // namespace sdbus
 
 namespace kivo::linux_platform {
 
-/// A request as it comes over the bus, with the bundle that it is from.
+/// A request as it comes over the bus, with its bundle.
 struct ReceivedRequest {
   std::string bundle;
   platform::UNNotificationRequest request;
 };
 
-/// What `text` counts: its bytes, what the memory for it costs besides, and what escaping it in
-/// JSON costs on the disk.
-std::size_t sizeOf(const std::string& text);
+/// The refusal of a request that is larger than `largestRequest`.
+BusRefusal tooLarge();
 
-/// What all texts of a request count, with its bundle.
-std::size_t sizeOf(const std::string& bundle, const platform::UNNotificationRequest& request);
-
-/// The largest size of a request.
-inline constexpr std::size_t largestRequest = 2 << 20;
-
-/// The answers to a call with a value that it must not have, as `words` say, and to one that is
-/// larger than `largestRequest`.
-sdbus::Error invalid(const std::string& words);
-sdbus::Error tooLarge();
-
-/// Reads `call`, whose arguments have the signature `ssa{sv}db`. Throws sdbus::Error, as the caller
-/// is to be answered, when the request is larger than `largestRequest` or has a value that it must
-/// not have.
-ReceivedRequest readRequest(sdbus::MethodCall& call);
+/// Reads the arguments of a call with the signature `ssa{sv}db`. Throws the BusRefusal to answer
+/// with when the request is larger than `largestRequest` or has a value that is not allowed.
+ReceivedRequest readRequest(BusReader arguments);
 
 }  // namespace kivo::linux_platform

@@ -2,49 +2,21 @@
 
 #include <condition_variable>
 #include <functional>
-#include <future>
 #include <mutex>
-#include <stdexcept>
-#include <string>
 #include <utility>
 
-#include <dbus/dbus.h>
-
-#include "platform/linux/process/bus_names.h"
-#include "platform/linux/process/bus_thread.h"
+#include "platform/linux/bus/bus_signal.h"
+#include "platform/linux/bus/bus_thread.h"
 
 namespace kivo::linux_platform {
 namespace {
 
-std::string reloadSignals() {
+void subscribeToReloads(DBusConnection* bus, std::function<void()> onReload) {
   const BusObject& center = bus_names::widgetCenter;
-  return std::string("type='signal',path='") + center.path + "',interface='" + center.interface +
-         "',member='" + bus_names::reloadAllTimelines + "'";
-}
-
-using Heard = std::function<void()>;
-
-// As the bus library calls who looks at all that comes, and who need not any more.
-DBusHandlerResult hearReload(DBusConnection*, DBusMessage* message, void* heard) {
-  const BusObject& center = bus_names::widgetCenter;
-  if (dbus_message_is_signal(message, center.interface, bus_names::reloadAllTimelines) &&
-      dbus_message_has_path(message, center.path)) {
-    (*static_cast<Heard*>(heard))();
-  }
-  return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
-}
-void endHearing(void* heard) { delete static_cast<Heard*>(heard); }
-
-// Yields whether reload signals come from now on.
-bool listen(DBusConnection* bus, Heard onReload) {
-  auto heard = std::make_unique<Heard>(std::move(onReload));
-  if (!dbus_connection_add_filter(bus, hearReload, heard.get(), endHearing)) return false;
-  static_cast<void>(heard.release());  // the connection's from now on
-  DBusError error = DBUS_ERROR_INIT;   // with which the bus's answer is waited for
-  dbus_bus_add_match(bus, reloadSignals().c_str(), &error);
-  const bool added = !dbus_error_is_set(&error);
-  dbus_error_free(&error);
-  return added;
+  subscribe(
+      bus,
+      {.interface = center.interface, .member = bus_names::reloadAllTimelines, .path = center.path},
+      [onReload = std::move(onReload)](const HeardSignal&) { onReload(); });
 }
 
 }  // namespace
@@ -68,18 +40,13 @@ WidgetReloadListener::WidgetReloadListener() : state_(std::make_shared<State>())
   const auto tell = [weak](bool State::*what) {
     if (const auto state = weak.lock()) state->set(what);
   };
-  bus_ = std::make_unique<BusThread>([tell] { tell(&State::lost); });
+  bus_ = std::make_unique<BusThread>(BusThread::Settings{.onGone = [tell] { tell(&State::lost); }});
 
-  const auto listening = std::make_shared<std::promise<bool>>();
-  std::future<bool> answer = listening->get_future();
-  bus_->post([tell, listening](DBusConnection* connection) {
-    listening->set_value(connection != nullptr &&
-                         listen(connection, [tell] { tell(&State::reloadAsked); }));
-  });
-  constexpr std::chrono::seconds patience(5);
-  if (answer.wait_for(patience) != std::future_status::ready || !answer.get()) {
-    throw std::runtime_error("there is no session bus to hear reload signals on");
-  }
+  bus_->performAndWait(
+      [tell](DBusConnection* bus) {
+        subscribeToReloads(bus, [tell] { tell(&State::reloadAsked); });
+      },
+      std::chrono::seconds(5));
 }
 
 WidgetReloadListener::~WidgetReloadListener() { bus_->finish(std::chrono::seconds(1)); }

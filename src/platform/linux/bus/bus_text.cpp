@@ -1,4 +1,4 @@
-#include "platform/linux/process/bus_text.h"
+#include "platform/linux/bus/bus_text.h"
 
 #include "platform/foundation/utf8.h"
 

@@ -1,10 +1,9 @@
-// The values in the messages of the bus, written and read one after the other. Sends none; included
-// by the .cpp files that speak on the bus, nowhere else.
+// The messages of the bus, and their values, written and read one after the other. Included by the
+// .cpp files that speak on the bus, nowhere else.
 #pragma once
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,15 +11,18 @@
 
 #include <dbus/dbus.h>
 
+#include "platform/linux/bus/bus_connection.h"
+#include "platform/linux/bus/bus_names.h"
+
 namespace kivo::linux_platform {
 
-struct UnrefMessage {
-  void operator()(DBusMessage* message) const { dbus_message_unref(message); }
-};
-using BusMessage = std::unique_ptr<DBusMessage, UnrefMessage>;
+/// Shares `message`, which may be null, with its other owners.
+BusMessage sharedMessage(DBusMessage* message);
+/// Takes over the only reference to `message`. Throws std::bad_alloc when that is null.
+BusMessage ownedMessage(DBusMessage* message);
 
-/// Appends to a message, which outlives it. Types are in the bus's letters. Throws std::bad_alloc
-/// when there is no memory left.
+/// Appends to a message, which outlives it. Types are D-Bus type codes. Throws std::bad_alloc when
+/// there is no memory left.
 class BusWriter {
  public:
   using Write = std::function<void(BusWriter&)>;
@@ -29,19 +31,20 @@ class BusWriter {
   BusWriter(const BusWriter&) = delete;
   BusWriter& operator=(const BusWriter&) = delete;
 
-  /// Any bytes: what the bus cannot carry is replaced, as by `busText`.
+  /// Any bytes: those that D-Bus cannot carry are replaced, as by `busText`.
   void text(std::string_view value);
   void texts(const std::vector<std::string>& values);
   void integer(std::int32_t value) { basic(DBUS_TYPE_INT32, &value); }
+  void natural(std::uint32_t value) { basic(DBUS_TYPE_UINT32, &value); }
   void number(double value) { basic(DBUS_TYPE_DOUBLE, &value); }
   void flag(bool value);
 
-  /// What `write` appends are the elements, each of the type `element`.
+  /// `write` appends the elements, each of the type `element`.
   void array(const char* element, const Write& write) { contain(DBUS_TYPE_ARRAY, element, write); }
   void structure(const Write& write) { contain(DBUS_TYPE_STRUCT, nullptr, write); }
   /// An entry of an array of {ss}.
   void entry(std::string_view key, std::string_view value);
-  /// An entry of an array of {sv}: what `write` appends is its one value, of the type `type`.
+  /// An entry of an array of {sv}: `write` appends its one value, of the type `type`.
   void variantEntry(std::string_view key, const char* type, const Write& write);
   void textEntry(std::string_view key, std::string_view value);
   void variant(const char* type, const Write& write) { contain(DBUS_TYPE_VARIANT, type, write); }
@@ -54,21 +57,32 @@ class BusWriter {
   DBusMessageIter place_{};
 };
 
-/// Reads a message, which outlives it. What is read yields the next value and goes on behind it; it
-/// yields nothing and stays where the next value is of another type, or there is none.
+/// A call of `method`, with the arguments that `write` appends. `service` is the callee's bus name.
+BusMessage methodCall(const BusObject& object, const char* method,
+                      const BusWriter::Write& write = nullptr);
+
+/// Reads a message, which outlives it and the texts that it yields. Each function yields the next
+/// value and moves behind it; it yields nothing and does not move where the next value has another
+/// type, or there is no next one.
 class BusReader {
  public:
   explicit BusReader(DBusMessage* message) { dbus_message_iter_init(message, &place_); }
+  explicit BusReader(const BusMessage& message) : BusReader(message.get()) {}
 
-  std::optional<std::string> text();
+  std::optional<std::string_view> text() { return textOf(DBUS_TYPE_STRING); }
+  std::optional<std::string_view> objectPath() { return textOf(DBUS_TYPE_OBJECT_PATH); }
   std::optional<std::int32_t> integer() { return basic<std::int32_t>(DBUS_TYPE_INT32); }
+  std::optional<std::uint32_t> natural() { return basic<std::uint32_t>(DBUS_TYPE_UINT32); }
   std::optional<double> number() { return basic<double>(DBUS_TYPE_DOUBLE); }
-  /// Of an array of texts, which must be next.
+  std::optional<bool> flag();
+  /// Of an array of texts; empty for a value of another type.
   std::vector<std::string> texts();
 
   [[nodiscard]] bool atEnd();
   void skip() { dbus_message_iter_next(&place_); }
-  /// Reads within the next value, which must be a container, and stays in front of it.
+  /// The type of the next value, or of the rest of the container, as D-Bus writes it: "s", "a{sv}".
+  [[nodiscard]] std::string type();
+  /// Reads within the next value, which must be a container, and does not move.
   [[nodiscard]] BusReader inside();
 
  private:
@@ -82,6 +96,7 @@ class BusReader {
     skip();
     return value;
   }
+  std::optional<std::string_view> textOf(int type) { return basic<const char*>(type); }
 
   DBusMessageIter place_{};
 };

@@ -1,8 +1,8 @@
-#include "platform/linux/process/bus_message.h"
+#include "platform/linux/bus/bus_message.h"
 
 #include <new>
 
-#include "platform/linux/process/bus_text.h"
+#include "platform/linux/bus/bus_text.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -13,11 +13,31 @@ void mustHaveMemory(dbus_bool_t appended) {
 
 }  // namespace
 
+BusMessage sharedMessage(DBusMessage* message) {
+  if (message == nullptr) return nullptr;
+  return BusMessage(dbus_message_ref(message), dbus_message_unref);
+}
+
+BusMessage ownedMessage(DBusMessage* message) {
+  if (message == nullptr) throw std::bad_alloc();
+  return BusMessage(message, dbus_message_unref);
+}
+
+BusMessage methodCall(const BusObject& object, const char* method, const BusWriter::Write& write) {
+  BusMessage call = ownedMessage(
+      dbus_message_new_method_call(object.service, object.path, object.interface, method));
+  if (write) {
+    BusWriter arguments(call.get());
+    write(arguments);
+  }
+  return call;
+}
+
 void BusWriter::basic(int type, const void* value) {
   mustHaveMemory(dbus_message_iter_append_basic(&place_, type, value));
 }
 
-// The bus library stops a process that hands it anything else than a text.
+// libdbus aborts a process that hands it a string that is not valid for D-Bus.
 void BusWriter::text(std::string_view value) {
   const std::string carried = busText(value);
   const char* const bytes = carried.c_str();
@@ -60,14 +80,25 @@ void BusWriter::textEntry(std::string_view key, std::string_view value) {
   variantEntry(key, "s", [value](BusWriter& variant) { variant.text(value); });
 }
 
-std::optional<std::string> BusReader::text() { return basic<const char*>(DBUS_TYPE_STRING); }
+std::optional<bool> BusReader::flag() {
+  const auto value = basic<dbus_bool_t>(DBUS_TYPE_BOOLEAN);
+  return value ? std::optional(*value != 0) : std::nullopt;
+}
 
 std::vector<std::string> BusReader::texts() {
   std::vector<std::string> result;
+  if (type() != "as") return result;
   BusReader elements = inside();
-  while (auto element = elements.text()) result.push_back(*std::move(element));
+  while (const auto element = elements.text()) result.emplace_back(*element);
   skip();
   return result;
+}
+
+std::string BusReader::type() {
+  const std::unique_ptr<char, decltype(&dbus_free)> signature(
+      dbus_message_iter_get_signature(&place_), dbus_free);
+  if (!signature) throw std::bad_alloc();
+  return signature.get();
 }
 
 bool BusReader::atEnd() { return dbus_message_iter_get_arg_type(&place_) == DBUS_TYPE_INVALID; }

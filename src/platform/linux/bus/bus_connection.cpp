@@ -1,0 +1,56 @@
+#include "platform/linux/bus/bus_connection.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include <dbus/dbus.h>
+
+namespace kivo::linux_platform {
+
+// Until it is accepted, flushing a connection can block for ever.
+void CloseBus::operator()(DBusConnection* bus) const {
+  if (dbus_connection_get_is_authenticated(bus)) dbus_connection_flush(bus);
+  dbus_connection_close(bus);
+  dbus_connection_unref(bus);
+}
+
+// libdbus itself would start a bus where it finds none.
+std::optional<std::string> sessionBusAddress() {
+  if (const char* const given = std::getenv("DBUS_SESSION_BUS_ADDRESS")) {
+    const std::string address = given;
+    return address.find("autolaunch:") == std::string::npos ? std::optional(address) : std::nullopt;
+  }
+  const char* const folder = std::getenv("XDG_RUNTIME_DIR");
+  if (folder == nullptr) return std::nullopt;
+  const std::unique_ptr<char, decltype(&dbus_free)> escaped(dbus_address_escape_value(folder),
+                                                            dbus_free);
+  if (!escaped) return std::nullopt;
+  return std::string("unix:path=") + escaped.get() + "/bus";
+}
+
+BusConnection connectToBus(const std::string& address) {
+  BusConnection bus(dbus_connection_open_private(address.c_str(), nullptr));
+  if (!bus) return nullptr;
+  dbus_connection_set_exit_on_disconnect(bus.get(), 0);
+  return dbus_bus_register(bus.get(), nullptr) ? std::move(bus) : nullptr;
+}
+
+BusConnection connectToSessionBus() {
+  const auto address = sessionBusAddress();
+  return address ? connectToBus(*address) : nullptr;
+}
+
+BusConnection connectToSystemBus() {
+  BusConnection bus(dbus_bus_get_private(DBUS_BUS_SYSTEM, nullptr));
+  if (bus) dbus_connection_set_exit_on_disconnect(bus.get(), 0);
+  return bus;
+}
+
+void takeBusName(DBusConnection* bus, const std::string& name) {
+  if (dbus_bus_request_name(bus, name.c_str(), DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
+      DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
+    throw std::runtime_error("another program is " + name);
+  }
+}
+
+}  // namespace kivo::linux_platform
