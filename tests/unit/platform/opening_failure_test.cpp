@@ -1,5 +1,5 @@
 // The reason that is printed for a suite that cannot be opened.
-#include "platform/linux/foundation/opening_failure.h"
+#include "platform/linux/store/opening_failure.h"
 
 #include <fstream>
 #include <string>

@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/replaced_text.h"
+#include "platform/linux/store/replaced_text.h"
 
 #include <chrono>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/suite_database.h"
+#include "platform/linux/store/suite_database.h"
 
 #include <algorithm>
 #include <fstream>

@@ -15,7 +15,7 @@
 #include <toml++/toml.h>
 
 #include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/foundation/suite_folder.h"
+#include "platform/linux/store/database_folder.h"
 #include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform::SendersFile {

@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/replaced_text.h"
+#include "platform/linux/store/replaced_text.h"
 
 #include <filesystem>
 #include <string>
@@ -8,10 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/linux/foundation/suite_database.h"
-#include "platform/linux/foundation/suite_folder.h"
-#include "platform/linux/foundation/write_ahead_log.h"
 #include "platform/linux/process/descriptor.h"
+#include "platform/linux/store/database_folder.h"
+#include "platform/linux/store/sqlite_database.h"
+#include "platform/linux/store/sqlite_statement.h"
+#include "platform/linux/store/write_ahead_log.h"
 
 namespace kivo::linux_platform {
 namespace {

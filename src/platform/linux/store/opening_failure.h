@@ -1,4 +1,4 @@
-// Builds and prints the reason why a suite cannot be opened.
+// Builds and prints the reason why a database cannot be opened.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 namespace kivo::linux_platform {
 
 /// A reason in one line that names the file or folder and says what to do about it. Holds nothing
-/// that is stored. Thrown and caught while a suite is opened. `error` is an errno.
+/// that is stored. Thrown and caught while a database is opened. `error` is an errno.
 class OpeningFailure : public std::runtime_error {
  public:
   using Path = std::filesystem::path;
@@ -39,7 +39,7 @@ class OpeningFailure : public std::runtime_error {
 /// Prints `failure` as one line on standard error, after the program's name. The same line is not
 /// printed twice in a row, unless `tellOpened` was called in between. Thread-safe.
 void tellNotOpened(const OpeningFailure& failure);
-/// Notes that a suite was opened; prints nothing. Thread-safe.
+/// Notes that a database was opened; prints nothing. Thread-safe.
 void tellOpened();
 
 }  // namespace kivo::linux_platform

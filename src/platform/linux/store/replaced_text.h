@@ -1,4 +1,5 @@
-// Takes texts that were replaced out of the files of a suite. Does not know which texts those are.
+// Takes texts that were replaced out of the files of a database. Does not know which texts those
+// are.
 #pragma once
 
 struct sqlite3;
@@ -7,8 +8,8 @@ namespace kivo::linux_platform {
 
 /// Notes on the disk, as an empty file beside the database, that a text is about to be replaced
 /// whose bytes must not stay behind. To be called in the transaction that replaces it, before its
-/// commit: when the process dies or the power fails in between, the next to open the suite
-/// erases it.
+/// commit: when the process dies or the power fails in between, the next to open the
+/// database erases it.
 void oweErasure(sqlite3* database);
 
 /// Rebuilds the database without what was replaced, and truncates its WAL, in which the earlier

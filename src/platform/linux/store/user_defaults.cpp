@@ -10,56 +10,29 @@
 #include <sqlite3.h>
 
 #include "platform/foundation/utf8.h"
-#include "platform/linux/foundation/opening_failure.h"
-#include "platform/linux/foundation/replaced_text.h"
-#include "platform/linux/foundation/suite_database.h"
+#include "platform/linux/store/opening_failure.h"
+#include "platform/linux/store/replaced_text.h"
+#include "platform/linux/store/sqlite_statement.h"
+#include "platform/linux/store/suite_database.h"
 
 namespace kivo::platform {
 namespace {
 
 using linux_platform::execute;
 using linux_platform::OpeningFailure;
-using linux_platform::prepare;
 using linux_platform::Statement;
+using linux_platform::StatementUse;
 using linux_platform::tellNotOpened;
+using linux_platform::Transaction;
 
-// Frees a statement that is used again from its row, its locks and what was bound to it.
-class Use {
- public:
-  explicit Use(sqlite3_stmt* statement) : statement_(statement) {}
-  ~Use() {
-    sqlite3_reset(statement_);
-    sqlite3_clear_bindings(statement_);
-  }
-  Use(const Use&) = delete;
-  Use& operator=(const Use&) = delete;
-
- private:
-  sqlite3_stmt* statement_;
-};
-
-// Only for the duration of one statement: the bytes are not copied. With a null pointer an empty
-// text would become SQL's NULL.
-int bindText(sqlite3_stmt* statement, int place, std::string_view text) {
-  return sqlite3_bind_text64(statement, place, text.empty() ? "" : text.data(), text.size(),
-                             SQLITE_STATIC, SQLITE_UTF8);
-}
-
-std::string columnText(sqlite3_stmt* statement, int column) {
-  const void* const bytes = sqlite3_column_text(statement, column);
-  if (bytes == nullptr) return {};
-  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
-  return repairedUtf8({static_cast<const char*>(bytes), size});
-}
-
-UserDefaults::Value columnValue(sqlite3_stmt* statement, int column) {
-  switch (sqlite3_column_type(statement, column)) {
+UserDefaults::Value columnValue(const Statement& row, int column) {
+  switch (row.type(column)) {
     case SQLITE_INTEGER:
-      return std::int64_t{sqlite3_column_int64(statement, column)};
+      return row.integer(column);
     case SQLITE_FLOAT:
-      return sqlite3_column_double(statement, column);
+      return row.real(column);
     case SQLITE_TEXT:
-      return columnText(statement, column);
+      return repairedUtf8(row.text(column));
     default:
       return std::monostate{};
   }
@@ -112,7 +85,7 @@ class WritingTurn {
 
 struct UserDefaults::Suite {
   linux_platform::Database database;
-  Statement reading;
+  mutable Statement reading;
   Statement writing;
   std::map<std::string, Written, std::less<>> pending;
   // Why a read failed since the last synchronize. What is written after it may rest on a value
@@ -127,11 +100,9 @@ struct UserDefaults::Suite {
   }
 
   [[nodiscard]] Value stored(std::string_view key) const {
-    const Use use(reading.get());
-    int code = bindText(reading.get(), 1, key);
-    if (code == SQLITE_OK) code = sqlite3_step(reading.get());
-    if (code == SQLITE_ROW) return columnValue(reading.get(), 0);
-    if (code != SQLITE_DONE) noteReadFailure(code);
+    const StatementUse use(reading);
+    if (reading.bind(key).step()) return columnValue(reading, 0);
+    if (reading.code() != SQLITE_OK) noteReadFailure(reading.code());
     return {};
   }
 
@@ -151,18 +122,12 @@ struct UserDefaults::Suite {
     return repairedUtf8(std::get<std::string>(written));
   }
 
-  int write(std::string_view key, const Written& value) const {
-    const Use use(writing.get());
-    int code = bindText(writing.get(), 1, key);
-    if (code != SQLITE_OK) return code;
-    if (const double* const number = std::get_if<double>(&value)) {
-      code = sqlite3_bind_double(writing.get(), 2, *number);
-    } else {
-      code = bindText(writing.get(), 2, std::get<std::string>(value));
-    }
-    if (code != SQLITE_OK) return code;
-    code = sqlite3_step(writing.get());
-    return code == SQLITE_DONE ? SQLITE_OK : code;
+  int write(std::string_view key, const Written& value) {
+    const StatementUse use(writing);
+    writing.bind(key);
+    std::visit([this](const auto& written) { writing.bind(written); }, value);
+    writing.step();
+    return writing.code();
   }
 
   [[nodiscard]] bool takesTextAway() const {
@@ -180,22 +145,26 @@ struct UserDefaults::Suite {
 
   int commit() {
     const WritingTurn turn;
-    int code = writing != nullptr
-                   ? SQLITE_OK
-                   : prepare(database.get(),
-                             "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
-                             "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
-                             writing);
-    if (code == SQLITE_OK) code = execute(database.get(), "BEGIN IMMEDIATE");
-    const bool textGoes = code == SQLITE_OK && takesTextAway();
+    if (!writing.isCompiled()) {
+      writing = Statement(database.get(),
+                          "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
+                          "ON CONFLICT (key) DO UPDATE SET value = excluded.value");
+    }
+    bool textGoes = false;
+    const int code = writing.code() == SQLITE_OK ? writePending(textGoes) : writing.code();
+    if (textGoes && code == SQLITE_OK) linux_platform::eraseReplacedText(database.get());
+    return code;
+  }
+
+  int writePending(bool& textGoes) {
+    Transaction transaction(database.get());
+    int code = transaction.code();
+    textGoes = code == SQLITE_OK && takesTextAway();
     if (textGoes) linux_platform::oweErasure(database.get());
     for (auto entry = pending.begin(); code == SQLITE_OK && entry != pending.end(); ++entry) {
       code = write(entry->first, entry->second);
     }
-    if (code == SQLITE_OK) code = execute(database.get(), "COMMIT");
-    if (sqlite3_get_autocommit(database.get()) == 0) execute(database.get(), "ROLLBACK");
-    if (textGoes && code == SQLITE_OK) linux_platform::eraseReplacedText(database.get());
-    return code;
+    return code == SQLITE_OK ? transaction.commit() : code;
   }
 
   bool flush(int (Suite::*committing)()) {
@@ -217,9 +186,8 @@ std::optional<UserDefaults> UserDefaults::initWithSuiteName(std::string_view sui
   auto suite = std::make_unique<Suite>();
   suite->database = linux_platform::openSuiteDatabase(suiteName);
   if (suite->database == nullptr) return std::nullopt;
-  const int code =
-      prepare(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1", suite->reading);
-  if (code != SQLITE_OK) {  // the table is not there, or not this one
+  suite->reading = Statement(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1");
+  if (!suite->reading.isCompiled()) {  // the table is not there, or not this one
     tellNotOpened(OpeningFailure::isDamaged(sqlite3_db_filename(suite->database.get(), "main")));
     return std::nullopt;
   }
@@ -243,11 +211,9 @@ double UserDefaults::doubleForKey(std::string_view key) const {
 
 std::map<std::string, UserDefaults::Value> UserDefaults::dictionaryRepresentation() const {
   std::map<std::string, Value> all;
-  Statement listing;
-  if (prepare(suite_->database.get(), "SELECT key, value FROM defaults", listing) == SQLITE_OK) {
-    while (sqlite3_step(listing.get()) == SQLITE_ROW) {
-      all.insert_or_assign(columnText(listing.get(), 0), columnValue(listing.get(), 1));
-    }
+  Statement listing(suite_->database.get(), "SELECT key, value FROM defaults");
+  while (listing.step()) {
+    all.insert_or_assign(repairedUtf8(listing.text(0)), columnValue(listing, 1));
   }
   for (const auto& [key, written] : suite_->pending) {
     all.insert_or_assign(repairedUtf8(key), Suite::asRead(written));

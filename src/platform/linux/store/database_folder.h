@@ -1,4 +1,4 @@
-// Creates the folder of a suite and keeps it and its files private. Reads no file.
+// Creates the folder of a database and keeps it and its files private. Reads no file.
 #pragma once
 
 #include <filesystem>
@@ -15,13 +15,13 @@ void syncFolder(const std::filesystem::path& folder);
 /// may have been killed before it synced them.
 void syncFoldersAbove(std::filesystem::path path);
 
-/// The folder of a suite, held open. It is not reached through a symbolic link.
-class SuiteFolder {
+/// The folder of a database, held open. It is not reached through a symbolic link.
+class DatabaseFolder {
  public:
-  /// Opens the suite's folder in `dataHome`, creating it (0700) when there is none. Throws
-  /// OpeningFailure when it cannot be created or made private, is a symbolic link or another
-  /// user's.
-  explicit SuiteFolder(std::string_view suiteName);
+  /// Opens the folder `name` in `dataHome`, creating it (0700) when there is none; the database in
+  /// it is called `fileName`. Throws OpeningFailure when it cannot be created or made private, is a
+  /// symbolic link or another user's.
+  DatabaseFolder(std::string_view name, std::string fileName);
 
   /// The path of the database.
   [[nodiscard]] std::filesystem::path file() const;
@@ -37,6 +37,7 @@ class SuiteFolder {
   void makePrivate(const std::string& name) const;
 
   std::filesystem::path path_;
+  std::string fileName_;
   Descriptor folder_;
 };
 

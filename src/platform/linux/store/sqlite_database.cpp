@@ -1,16 +1,17 @@
-#include "platform/linux/foundation/suite_database.h"
+#include "platform/linux/store/sqlite_database.h"
 
 #include <atomic>
 #include <chrono>
-#include <cstdint>
+#include <string>
 #include <thread>
 
 #include <sqlite3.h>
 
-#include "platform/linux/foundation/opening_failure.h"
-#include "platform/linux/foundation/replaced_text.h"
-#include "platform/linux/foundation/suite_folder.h"
-#include "platform/linux/foundation/write_ahead_log.h"
+#include "platform/linux/store/database_folder.h"
+#include "platform/linux/store/opening_failure.h"
+#include "platform/linux/store/replaced_text.h"
+#include "platform/linux/store/sqlite_statement.h"
+#include "platform/linux/store/write_ahead_log.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -19,8 +20,6 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds patience(patienceInMilliseconds);
 constexpr auto retryPause = 2ms;
-constexpr std::int64_t applicationId = 0x4B69766F;  // "Kivo" in ASCII
-constexpr std::int64_t currentVersion = 1;
 
 constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
 
@@ -35,19 +34,13 @@ constexpr int longestWal = 64;
 // In this process.
 std::atomic<int> openDatabases = 0;
 
-// The statements of one transaction that turn an empty database into a suite.
-constexpr const char* creation =
-    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT;"
-    "PRAGMA application_id = 0x4B69766F;"
-    "PRAGMA user_version = 1";
-
 int queryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
-  Statement statement;
-  if (const int code = prepare(database, sql, statement); code != SQLITE_OK) return code;
-  const int code = sqlite3_step(statement.get());
-  if (code != SQLITE_ROW) return code == SQLITE_DONE ? SQLITE_ERROR : code;
-  value = sqlite3_column_int64(statement.get(), 0);
-  return SQLITE_OK;
+  Statement query(database, sql);
+  if (query.step()) {
+    value = query.integer(0);
+    return SQLITE_OK;
+  }
+  return query.code() == SQLITE_OK ? SQLITE_ERROR : query.code();
 }
 
 // Before anything else is asked of SQLite: no memory for 20 pages as soon as one is read, and no
@@ -67,17 +60,20 @@ int checkpointLongWal(void* length, sqlite3* database, const char*, int pages) {
   return SQLITE_OK;
 }
 
-enum class Owner { nobody, us, newerVersion, others };
+enum class Owner { nobody, olderVersion, us, newerVersion, others };
 
 // Who has filled the database, and in which version of its form. To be called within a transaction,
 // since another process may be filling it.
-int identify(sqlite3* database, Owner& owner, std::int64_t& version) {
+int identify(sqlite3* database, const DatabaseForm& form, Owner& owner, std::int64_t& version) {
   std::int64_t id = 0;
   int code = queryInteger(database, "PRAGMA application_id", id);
   if (code == SQLITE_OK) code = queryInteger(database, "PRAGMA user_version", version);
+  const auto current = static_cast<std::int64_t>(form.versions.size());
   owner = Owner::others;
-  if (id == applicationId && version == currentVersion) owner = Owner::us;
-  if (id == applicationId && version > currentVersion) owner = Owner::newerVersion;
+  if (id == form.applicationId && version > 0) {
+    owner = version < current ? Owner::olderVersion : Owner::us;
+    if (version > current) owner = Owner::newerVersion;
+  }
   if (code != SQLITE_OK || id != 0 || version != 0) return code;
 
   std::int64_t objects = 0;
@@ -86,38 +82,45 @@ int identify(sqlite3* database, Owner& owner, std::int64_t& version) {
   return code;
 }
 
-// Runs `steps` as one transaction that `begin` starts.
-template <typename Steps>
-int transaction(sqlite3* database, const char* begin, const Steps& steps) {
-  int code = execute(database, begin);
-  if (code == SQLITE_OK) code = steps();
-  if (code == SQLITE_OK) code = execute(database, "COMMIT");
-  if (sqlite3_get_autocommit(database) == 0) execute(database, "ROLLBACK");
-  return code;
+int look(sqlite3* database, const DatabaseForm& form, Owner& owner, std::int64_t& version) {
+  Transaction transaction(database, "BEGIN");
+  if (transaction.code() != SQLITE_OK) return transaction.code();
+  const int code = identify(database, form, owner, version);
+  return code == SQLITE_OK ? transaction.commit() : code;
 }
 
-// Fills an empty database, unless another process has been faster.
-int create(sqlite3* database) {
+bool isToBeFilled(Owner owner) { return owner == Owner::nobody || owner == Owner::olderVersion; }
+
+// Brings an empty or older database to the current version, unless another process was faster.
+int fill(sqlite3* database, const DatabaseForm& form) {
   // Answers "locked" at once when several processes do it, whatever the patience.
   if (const int code = execute(database, switchToWal); code != SQLITE_OK) return code;
-  return transaction(database, "BEGIN IMMEDIATE", [database] {
-    Owner owner = Owner::others;
-    std::int64_t version = 0;
-    const int code = identify(database, owner, version);
-    return code == SQLITE_OK && owner == Owner::nobody ? execute(database, creation) : code;
-  });
+  Transaction transaction(database);
+  if (transaction.code() != SQLITE_OK) return transaction.code();
+  Owner owner = Owner::others;
+  std::int64_t version = 0;
+  int code = identify(database, form, owner, version);
+  if (code == SQLITE_OK && isToBeFilled(owner)) {
+    std::string steps;
+    for (const char* const next : form.versions.subspan(static_cast<std::size_t>(version))) {
+      steps += std::string(next) + ";";
+    }
+    steps += "PRAGMA application_id = " + std::to_string(form.applicationId) +
+             ";PRAGMA user_version = " + std::to_string(form.versions.size());
+    code = execute(database, steps.c_str());
+  }
+  return code == SQLITE_OK ? transaction.commit() : code;
 }
 
 // Brings an opened database to where values can be read and written, touching no foreign one.
 // SQLITE_BUSY means that all of it may be tried again. Throws OpeningFailure for a foreign one.
-int establish(sqlite3* database, const SuiteFolder& folder) {
+int establish(sqlite3* database, const DatabaseForm& form, const DatabaseFolder& folder) {
   Owner owner = Owner::others;
   std::int64_t version = 0;
-  const auto look = [&] { return identify(database, owner, version); };
-  int code = transaction(database, "BEGIN", look);
-  if (code == SQLITE_OK && owner == Owner::nobody) {
-    code = create(database);
-    if (code == SQLITE_OK) code = transaction(database, "BEGIN", look);
+  int code = look(database, form, owner, version);
+  if (code == SQLITE_OK && isToBeFilled(owner)) {
+    code = fill(database, form);
+    if (code == SQLITE_OK) code = look(database, form, owner, version);
   }
   if (code != SQLITE_OK) return code;
   if (owner == Owner::newerVersion) throw OpeningFailure::isOfNewerVersion(folder.file(), version);
@@ -128,12 +131,12 @@ int establish(sqlite3* database, const SuiteFolder& folder) {
   return code;
 }
 
-int establishPatiently(sqlite3* database, const SuiteFolder& folder) {
+int establishPatiently(sqlite3* database, const DatabaseForm& form, const DatabaseFolder& folder) {
   const auto end = std::chrono::steady_clock::now() + patience;
-  int code = establish(database, folder);
+  int code = establish(database, form, folder);
   while (code == SQLITE_BUSY && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(retryPause);
-    code = establish(database, folder);
+    code = establish(database, form, folder);
   }
   return code;
 }
@@ -151,7 +154,8 @@ void configure(Database& database) {
 }
 
 // Throws OpeningFailure.
-Database open(const SuiteFolder& folder) {
+Database open(const DatabaseForm& form) {
+  const DatabaseFolder folder(form.folder, form.file);
   folder.makeFile();
   folder.makeAllPrivate();
   configureOnce();
@@ -162,7 +166,7 @@ Database open(const SuiteFolder& folder) {
   Database database(opened);
   if (code == SQLITE_OK) {
     configure(database);
-    code = establishPatiently(opened, folder);
+    code = establishPatiently(opened, form, folder);
   }
   if (code != SQLITE_OK) {
     throw OpeningFailure::ofDatabase(folder.file(), code, sqlite3_system_errno(opened));
@@ -187,23 +191,9 @@ void CloseDatabase::operator()(sqlite3* database) const {
   sqlite3_close(database);
 }
 
-void FinalizeStatement::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-
-int prepare(sqlite3* database, const char* sql, Statement& statement) {
-  sqlite3_stmt* prepared = nullptr;
-  const int code =
-      sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
-  statement.reset(prepared);
-  return code;
-}
-
-int execute(sqlite3* database, const char* sql) {
-  return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
-}
-
-Database openSuiteDatabase(std::string_view suiteName) {
+Database openDatabase(const DatabaseForm& form) {
   try {
-    Database database = open(SuiteFolder(suiteName));
+    Database database = open(form);
     tellOpened();
     return database;
   } catch (const OpeningFailure& failure) {

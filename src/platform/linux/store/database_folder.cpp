@@ -1,29 +1,28 @@
-#include "platform/linux/foundation/suite_folder.h"
+#include "platform/linux/store/database_folder.h"
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/foundation/opening_failure.h"
-#include "platform/linux/foundation/suite_database.h"
+#include "platform/linux/store/opening_failure.h"
+#include "platform/linux/store/sqlite_database.h"
 
 namespace kivo::linux_platform {
 namespace {
-
-constexpr const char* fileName = "defaults.sqlite3";
 
 bool isFolderName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-// Where the suite's folder belongs. A link on the way there is the person's own business.
-std::filesystem::path pathOf(std::string_view suiteName) {
-  if (!isFolderName(suiteName)) throw OpeningFailure::noFolderName(suiteName);
+// Where the folder belongs. A link on the way there is the person's own business.
+std::filesystem::path pathOf(std::string_view name) {
+  if (!isFolderName(name)) throw OpeningFailure::noFolderName(name);
   const auto home = dataHome();
   if (!home) throw OpeningFailure::noHome();
   std::error_code notMade;
@@ -32,7 +31,7 @@ std::filesystem::path pathOf(std::string_view suiteName) {
   const std::filesystem::path realHome = std::filesystem::canonical(*home, notFound);
   if (notFound && notMade) throw OpeningFailure::notMade(*home, notMade.value());
   if (notFound) throw OpeningFailure::notOpened(*home, notFound.value());
-  return realHome / suiteName;
+  return realHome / name;
 }
 
 [[noreturn]] void throwWhyNoFolder(const std::filesystem::path& path, int notMade, int notOpened) {
@@ -65,8 +64,8 @@ void syncFoldersAbove(std::filesystem::path path) {
   }
 }
 
-SuiteFolder::SuiteFolder(std::string_view suiteName)
-    : path_(pathOf(suiteName)), folder_(openFolder(path_)) {
+DatabaseFolder::DatabaseFolder(std::string_view name, std::string fileName)
+    : path_(pathOf(name)), fileName_(std::move(fileName)), folder_(openFolder(path_)) {
   struct stat found {};
   if (fstat(folder_.number(), &found) != 0) throw OpeningFailure::notOpened(path_, errno);
   if (found.st_uid != geteuid()) throw OpeningFailure::isOfAnotherUser(path_);
@@ -76,31 +75,31 @@ SuiteFolder::SuiteFolder(std::string_view suiteName)
   }
 }
 
-std::filesystem::path SuiteFolder::file() const { return path_ / fileName; }
+std::filesystem::path DatabaseFolder::file() const { return path_ / fileName_; }
 
 // Does not open the file: closing a second descriptor of a database would drop the locks that
 // another handle of this process holds on it. SQLite takes a file of one byte for an empty one and
 // would overwrite the byte, which is not ours.
-void SuiteFolder::makeFile() const {
-  if (mknodat(folder_.number(), fileName, S_IFREG | 0600, 0) != 0 && errno != EEXIST) {
+void DatabaseFolder::makeFile() const {
+  if (mknodat(folder_.number(), fileName_.c_str(), S_IFREG | 0600, 0) != 0 && errno != EEXIST) {
     throw OpeningFailure::notMade(file(), errno);
   }
   struct stat found {};
-  if (fstatat(folder_.number(), fileName, &found, AT_SYMLINK_NOFOLLOW) != 0) {
+  if (fstatat(folder_.number(), fileName_.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
     throw OpeningFailure::notOpened(file(), errno);
   }
   if (S_ISREG(found.st_mode) && found.st_size == 1) throw OpeningFailure::isNotADatabase(file());
   if (found.st_size == 0) syncFoldersAbove(path_);
 }
 
-void SuiteFolder::makeAllPrivate() const {
+void DatabaseFolder::makeAllPrivate() const {
   for (const char* const suffix : {"", "-wal", "-shm", "-journal", erasureNote}) {
-    makePrivate(std::string(fileName) + suffix);
+    makePrivate(fileName_ + suffix);
   }
 }
 
 // A missing file is fine: SQLite creates and removes those beside the database.
-void SuiteFolder::makePrivate(const std::string& name) const {
+void DatabaseFolder::makePrivate(const std::string& name) const {
   struct stat found {};
   if (fstatat(folder_.number(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
     if (errno == ENOENT) return;

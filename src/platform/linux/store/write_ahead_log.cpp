@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/write_ahead_log.h"
+#include "platform/linux/store/write_ahead_log.h"
 
 #include <sqlite3.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/opening_failure.h"
+#include "platform/linux/store/opening_failure.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -25,7 +25,7 @@ std::string because(int error) {
   return reason + "; change its permissions so that you can read and write it";
 }
 
-// Returns the last printed line, which is empty once a suite was opened.
+// Returns the last printed line, which is empty once a database was opened.
 std::string exchangeLastLine(std::string line) {
   static std::mutex mutex;
   static std::string lastLine;

@@ -1,0 +1,73 @@
+#include "platform/linux/store/sqlite_statement.h"
+
+#include <sqlite3.h>
+
+namespace kivo::linux_platform {
+
+int execute(sqlite3* database, const char* sql) {
+  return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
+}
+
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+
+Statement::Statement(sqlite3* database, const char* sql) {
+  sqlite3_stmt* compiled = nullptr;
+  code_ = sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr);
+  statement_.reset(compiled);
+}
+
+Statement& Statement::noteBinding(int code) {
+  if (code_ == SQLITE_OK) code_ = code;
+  return *this;
+}
+
+// With a null pointer an empty text would become SQL's NULL.
+Statement& Statement::bind(std::string_view text) {
+  return noteBinding(sqlite3_bind_text64(statement_.get(), ++bound_,
+                                         text.empty() ? "" : text.data(), text.size(),
+                                         SQLITE_STATIC, SQLITE_UTF8));
+}
+
+Statement& Statement::bind(std::int64_t number) {
+  return noteBinding(sqlite3_bind_int64(statement_.get(), ++bound_, number));
+}
+
+Statement& Statement::bind(double number) {
+  return noteBinding(sqlite3_bind_double(statement_.get(), ++bound_, number));
+}
+
+bool Statement::step() {
+  if (code_ != SQLITE_OK) return false;
+  const int code = sqlite3_step(statement_.get());
+  if (code != SQLITE_ROW && code != SQLITE_DONE) code_ = code;
+  return code == SQLITE_ROW;
+}
+
+void Statement::reset() {
+  if (!isCompiled()) return;
+  sqlite3_reset(statement_.get());
+  sqlite3_clear_bindings(statement_.get());
+  code_ = SQLITE_OK;
+  bound_ = 0;
+}
+
+int Statement::type(int column) const { return sqlite3_column_type(statement_.get(), column); }
+
+std::int64_t Statement::integer(int column) const {
+  return sqlite3_column_int64(statement_.get(), column);
+}
+
+double Statement::real(int column) const { return sqlite3_column_double(statement_.get(), column); }
+
+std::string Statement::text(int column) const {
+  const void* const bytes = sqlite3_column_text(statement_.get(), column);
+  if (bytes == nullptr) return {};
+  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column));
+  return {static_cast<const char*>(bytes), size};
+}
+
+Transaction::~Transaction() {
+  if (sqlite3_get_autocommit(database_) == 0) execute(database_, "ROLLBACK");
+}
+
+}  // namespace kivo::linux_platform
