@@ -16,7 +16,7 @@
 #include "intents/process_sms_intent.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/app_intents/called_intent.h"
-#include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/bus/intents_interface.h"
 #include "property.h"
 
 namespace {
@@ -25,7 +25,7 @@ using namespace kivo;
 using linux_platform::CalledValues;
 using linux_platform::CallRefusal;
 using platform::IntentValue;
-namespace wire = linux_platform::intents_wire;
+namespace wire = linux_platform::intents_interface;
 
 struct Call {
   std::string type;

@@ -19,7 +19,7 @@
 
 #include "platform/foundation/errors.h"
 #include "platform/linux/concurrency/task_executor.h"
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/http/http_url_session.h"
 #include "property.h"
 
 namespace {

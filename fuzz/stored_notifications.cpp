@@ -10,7 +10,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "phone/pending_notification.h"
+#include "notification_center/pending_notification.h"
 #include "platform/foundation/errors.h"
 #include "platform/foundation/utf8.h"
 #include "property.h"

@@ -5,7 +5,7 @@
 
 #include "extraction/sms_extraction_client.h"
 #include "platform/linux/concurrency/task_executor.h"
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/http/http_url_session.h"
 
 namespace kivo {
 namespace {

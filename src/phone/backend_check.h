@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/foundation/last_exchange.h"
+#include "platform/linux/http/last_exchange.h"
 
 namespace kivo {
 

@@ -7,15 +7,15 @@
 #include "phone/account_commands.h"
 #include "phone/phone_terminal.h"
 #include "phone/queue_commands.h"
-#include "phone/sms_watcher/watch_commands.h"
 #include "phone/value_listing.h"
+#include "phone/watch_commands.h"
 #include "phone/widget_commands.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/user_defaults.h"
 #include "platform/foundation/utf8.h"
-#include "platform/linux/process/command_line.h"
 #include "platform/linux/process/process_start.h"
-#include "platform/linux/process/terminal_text.h"
+#include "platform/linux/terminal/command_line.h"
+#include "platform/linux/terminal/terminal_text.h"
 #include "store/shared_store.h"
 
 namespace kivo {

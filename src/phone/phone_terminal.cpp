@@ -7,7 +7,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "platform/linux/process/command_line.h"
+#include "platform/linux/terminal/command_line.h"
 
 namespace kivo {
 namespace {

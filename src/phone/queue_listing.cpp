@@ -4,8 +4,8 @@
 
 #include "platform/foundation/iso8601_date_formatter.h"
 #include "platform/foundation/number_text.h"
-#include "platform/linux/process/terminal_text.h"
-#include "platform/linux/process/text_columns.h"
+#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/terminal/text_columns.h"
 
 namespace kivo {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/linux/foundation/last_exchange.h"
+#include "platform/linux/http/last_exchange.h"
 #include "queue/pending_sms_queue.h"
 #include "queue/sms_queue_drainer.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/foundation/date.h"
-#include "platform/linux/foundation/last_exchange.h"
+#include "platform/linux/http/last_exchange.h"
 #include "queue/pending_sms_item.h"
 
 namespace kivo::WaitingTexts {

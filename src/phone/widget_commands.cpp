@@ -8,7 +8,7 @@
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
 #include "platform/linux/process/child_process.h"
-#include "platform/linux/process/terminal_window.h"
+#include "platform/linux/terminal/terminal_window.h"
 #include "store/shared_store.h"
 
 namespace kivo {

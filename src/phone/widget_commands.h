@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "platform/linux/process/command_line.h"
+#include "platform/linux/terminal/command_line.h"
 
 namespace kivo {
 

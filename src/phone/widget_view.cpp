@@ -6,8 +6,8 @@
 #include "feedback/amount_formatter.h"
 #include "feedback/widget_stats.h"
 #include "platform/foundation/number_text.h"
-#include "platform/linux/process/terminal_text.h"
-#include "platform/linux/process/text_columns.h"
+#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/terminal/text_columns.h"
 
 namespace kivo {
 namespace {

@@ -7,13 +7,11 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/linux/process/command_line.h"
-#include "platform/linux/widget_kit/widget_reload_listener.h"
+#include "phone/widget_reload_listener.h"
+#include "platform/linux/terminal/command_line.h"
 
 namespace kivo {
 namespace {
-
-using linux_platform::WidgetReloadListener;
 
 // A run that queues its text asks for no reload, nor do a sign-in and a new day.
 constexpr std::chrono::seconds pollInterval(2);

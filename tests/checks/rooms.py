@@ -18,13 +18,40 @@ ARROWS = {
     "store": {"platform"},
     "platform": set(),
     "platform/linux": {"platform"},
-    "phone": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "notification_center": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "sms_watcher": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "phone": {"sms_watcher", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "demo": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
 }
-FRAMEWORKS = {"app_intents", "foundation", "user_notifications", "widget_kit", "concurrency"}
 
-# Rooms that may include the headers of libraries. Everybody may include the standard library's and
-# the system's.
-VENDOR_ROOMS = {"platform/linux"}
+# Within a room, its folders -> its folders that they may include. None leads in a circle.
+FOLDERS = {
+    "platform": {
+        "concurrency": set(),
+        "foundation": {"concurrency"},
+        "app_intents": {"concurrency", "foundation"},
+        "user_notifications": {"concurrency", "foundation"},
+        "widget_kit": {"foundation"},
+    },
+    "platform/linux": {
+        "bus": set(),
+        "concurrency": set(),
+        "foundation": set(),
+        "locale": set(),
+        "process": set(),
+        "terminal": {"process"},
+        "http": {"foundation", "process"},
+        "store": {"foundation", "process", "terminal"},
+        "user_notifications": {"bus"},
+        "widget_kit": {"bus"},
+        "app_intents": {"bus", "concurrency", "http", "process", "terminal", "user_notifications",
+                        "widget_kit"},
+    },
+}
+
+# Rooms that may not include the headers of libraries. Every room may include the standard library's
+# and the system's.
+PLAIN_ROOMS = {"intents", "extraction", "queue", "feedback", "store", "platform"}
 
 # (file or folder, what it may include besides) for single places, each with its reason.
 EXCEPTIONS = {
@@ -47,31 +74,56 @@ def room_of(path):
     return max(matching, key=len, default=None)
 
 
+def folder_of(path, room):
+    """The folder of a path within its room; none when it lies beside the folders."""
+    parts = path[len(room) + 1:].split("/")
+    return parts[0] if len(parts) > 1 else None
+
+
+def has_circle(folders):
+    """Whether a folder can be reached from itself."""
+    left = dict(folders)
+    while left:
+        ends = {folder for folder, arrows in left.items() if not arrows & left.keys()}
+        if not ends:
+            return True
+        left = {folder: arrows for folder, arrows in left.items() if folder not in ends}
+    return False
+
+
 def check_file(root, file, used_exceptions):
     name = file.relative_to(root).as_posix()
-    room = room_of(file.relative_to(root / "src").as_posix())
+    inside = file.relative_to(root / "src").as_posix()
+    room = room_of(inside)
     if room is None:
         yield f"{name}: is in no room"
         return
     if not FILE_NAME.fullmatch(file.name):
         yield f"{name}: a file's name is snake_case"
-    if room == "platform" and file.relative_to(root / "src/platform").parts[0] not in FRAMEWORKS:
-        yield f"{name}: belongs to no framework of the platform"
+    folders = FOLDERS.get(room)
+    if folders is not None and folder_of(inside, room) not in folders:
+        yield f"{name}: is in no folder of {room}"
+        return
     for include in INCLUDE.findall(file.read_text(encoding="utf-8")):
+        room_or_folder = room
         if include.startswith("<"):
-            what, allowed = include, bool(SYSTEM_HEADER.fullmatch(include)) or room in VENDOR_ROOMS
+            what, allowed = include, bool(SYSTEM_HEADER.fullmatch(include)) or room not in PLAIN_ROOMS
         else:
             what = room_of(include.strip('"'))
             if what is None:
                 yield f"{name}: includes {include}, which is in no room"
                 continue
             allowed = what == room or what in ARROWS[room]
+            if what == room and folders is not None:
+                own, other = folder_of(inside, room), folder_of(include.strip('"'), room)
+                allowed = own == other or other in folders[own]
+                room_or_folder = f"{room}/{own}"
         if allowed:
             continue
         exception = next((rule for rule in EXCEPTIONS
                           if name.startswith(rule[0]) and rule[1] == what), None)
         if exception is None:
-            yield f"{name}: {room} may not include {include}"
+            yield f"{name}: {room_or_folder} may not include {include}"
         else:
             used_exceptions.add(exception)
 
@@ -107,6 +159,9 @@ def check(root):
         if file.suffix in {".h", ".cpp"}:
             yield from check_file(root, file, used_exceptions)
     yield from check_targets(root)
+    for room, folders in FOLDERS.items():
+        if has_circle(folders):
+            yield f"the folders of {room} have a circle"
     for place, what in sorted(EXCEPTIONS - used_exceptions):
         yield f"{place}: no longer needs its exception for {what}"
 

@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "integration/extension_program.h"
 #include "store_agreement.h"
+#include "testkit/extension_program.h"
 
 namespace kivo::testkit {
 namespace {

@@ -6,16 +6,15 @@
 
 #include <gmock/gmock.h>
 
+#include "demo/notification_display.h"
 #include "faulted_program.h"
-#include "platform/linux/bus/bus_names.h"
-#include "platform/linux/user_notifications/notification_display.h"
+#include "platform/linux/bus/notification_center_interface.h"
 #include "testkit/private_phone.h"
 #include "testkit/raw_store.h"
 
 namespace kivo {
 namespace {
 
-using linux_platform::bus_names::notificationCenter;
 using testkit::eventually;
 using testkit::Fault;
 
@@ -55,7 +54,10 @@ class AKilledNotificationCenter : public testing::Test {
         storeFile()));
     const auto ended = [&] { return kill(center.id(), 0) != 0; };
     std::optional<pid_t> process;
-    eventually([&] { return ended() || (process = phone_.processOf(notificationCenter.service)); });
+    eventually([&] {
+      return ended() || (process = phone_.processOf(
+                             linux_platform::notification_center_interface::object.service));
+    });
     for (int request = 0; request < 3 && !ended(); ++request) add();
     eventually([&] { return ended() || (missing().empty() && noneWaits()); });
     if (process) kill(*process, SIGTERM);
@@ -81,7 +83,8 @@ class AKilledNotificationCenter : public testing::Test {
   }
 
   void expectAllShown() {
-    if (phone_.processOf(notificationCenter.service)) phone_.killCenter();
+    if (phone_.processOf(linux_platform::notification_center_interface::object.service))
+      phone_.killCenter();
     if (std::filesystem::exists(storeFile())) {
       EXPECT_EQ(testkit::RawStore(storeFile()).run("PRAGMA integrity_check"), "ok\n");
     }
@@ -101,7 +104,7 @@ class AKilledNotificationCenter : public testing::Test {
   }
 
   testkit::PrivatePhone phone_;
-  std::optional<linux_platform::NotificationDisplay> display_;
+  std::optional<NotificationDisplay> display_;
   std::set<std::string> acknowledged_;
   int requests_ = 0;
 };

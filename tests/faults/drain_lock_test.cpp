@@ -5,10 +5,10 @@
 #include <map>
 
 #include "asked_form.h"
-#include "integration/extension_program.h"
 #include "platform/foundation/date.h"
 #include "store_agreement.h"
 #include "testkit/backend_answers.h"
+#include "testkit/extension_program.h"
 #include "testkit/queued_items.h"
 #include "testkit/scripted_server.h"
 #include "unreliable_backend.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "integration/extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo::testkit {
 

@@ -8,9 +8,9 @@
 #include <thread>
 
 #include "asked_form.h"
-#include "integration/extension_program.h"
 #include "platform/foundation/number_text.h"
 #include "store_agreement.h"
+#include "testkit/extension_program.h"
 #include "unreliable_backend.h"
 
 namespace kivo::testkit {

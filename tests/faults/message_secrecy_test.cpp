@@ -15,8 +15,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "integration/extension_program.h"
-#include "platform/linux/user_notifications/notification_display.h"
+#include "demo/notification_display.h"
+#include "testkit/extension_program.h"
 #include "testkit/other_process.h"
 #include "testkit/private_phone.h"
 
@@ -161,7 +161,7 @@ class ANotifiedMessage : public testing::Test {
 };
 
 TEST_F(ANotifiedMessage, IsNoPartOfWhatTheLinkOpenerIsStartedWith) {
-  linux_platform::NotificationDisplay display(phone.address());
+  NotificationDisplay display(phone.address());
   ASSERT_EQ(add("0.0").status, 0);
   const auto shown = display.waitForShown(1, std::chrono::seconds(10));
   ASSERT_EQ(shown.size(), 1U);

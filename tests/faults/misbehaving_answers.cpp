@@ -1,6 +1,6 @@
-#include "integration/extension_program.h"
 #include "misbehaving_server.h"
 #include "server_scripts.h"
+#include "testkit/extension_program.h"
 
 namespace kivo::testkit {
 

@@ -6,9 +6,9 @@
 #include <memory>
 #include <thread>
 
-#include "integration/extension_program.h"
 #include "platform/foundation/json_decoder.h"
 #include "store_agreement.h"
+#include "testkit/extension_program.h"
 #include "testkit/loopback_socket.h"
 
 namespace kivo::testkit {

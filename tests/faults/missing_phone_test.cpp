@@ -6,10 +6,10 @@
 #include <iterator>
 #include <thread>
 
-#include "integration/extension_program.h"
-#include "platform/linux/process/private_session_bus.h"
+#include "demo/private_session_bus.h"
 #include "platform/linux/user_notifications/notification_permission.h"
 #include "store_agreement.h"
+#include "testkit/extension_program.h"
 #include "testkit/private_phone.h"
 #include "testkit/scripted_server.h"
 #include "testkit/silent_socket.h"
@@ -19,7 +19,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using linux_platform::PrivateSessionBus;
 using linux_platform::ProgramCall;
 using linux_platform::ProgramResult;
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "integration/extension_program.h"
-#include "platform/linux/user_notifications/notification_display.h"
+#include "demo/notification_display.h"
+#include "testkit/extension_program.h"
 #include "testkit/private_phone.h"
 #include "testkit/stored_bytes.h"
 
@@ -174,7 +174,7 @@ class AShownNotification : public testing::Test {
 };
 
 TEST_F(AShownNotification, IsInNoFile) {
-  linux_platform::NotificationDisplay display(phone.address());
+  NotificationDisplay display(phone.address());
   add("one", "0.5");
   EXPECT_THAT(testkit::bytesIn(file().parent_path()), HasSubstr("MARKAMOUNT"));
   ASSERT_THAT(display.waitForShown(1, std::chrono::seconds(10)), SizeIs(1));
@@ -182,7 +182,7 @@ TEST_F(AShownNotification, IsInNoFile) {
 }
 
 TEST_F(AShownNotification, IsInNoFileWhenItsCenterWasKilledBeforeAndStartedAgain) {
-  linux_platform::NotificationDisplay display(phone.address());
+  NotificationDisplay display(phone.address());
   add("one", "0.5");
   phone.killCenter();
   phone.startCenter();

@@ -6,7 +6,7 @@
 
 #include <sys/stat.h>
 
-#include "integration/extension_program.h"
+#include "testkit/extension_program.h"
 #include "testkit/private_phone.h"
 #include "testkit/raw_store.h"
 #include "testkit/scripted_server.h"

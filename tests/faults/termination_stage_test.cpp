@@ -7,8 +7,8 @@
 #include <iostream>
 
 #include "asked_form.h"
-#include "integration/extension_program.h"
 #include "store_agreement.h"
+#include "testkit/extension_program.h"
 #include "testkit/queued_items.h"
 #include "unreliable_backend.h"
 

@@ -17,7 +17,7 @@ std::string timeOf(std::int64_t seconds) {
   return platform::ISO8601DateFormatter::string(platform::Moment(std::chrono::seconds(seconds)));
 }
 
-std::string memberOf(const linux_platform::HttpRequest& request, std::string_view member) {
+std::string memberOf(const HttpRequest& request, std::string_view member) {
   return platform::JSONDecoder::object(request.body).decodeString(member);
 }
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "integration/extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo::testkit {
 
@@ -16,7 +16,7 @@ std::int64_t secondsOf(const std::string& time);
 std::string timeOf(std::int64_t seconds);
 
 /// A text of a request's body.
-std::string memberOf(const linux_platform::HttpRequest& request, std::string_view member);
+std::string memberOf(const HttpRequest& request, std::string_view member);
 
 class TimedProgram : public ExtensionProgram {
  protected:

@@ -6,8 +6,8 @@
 #include <set>
 
 #include "asked_form.h"
-#include "integration/extension_program.h"
 #include "store_agreement.h"
+#include "testkit/extension_program.h"
 
 namespace kivo::testkit {
 namespace {

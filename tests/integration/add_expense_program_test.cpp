@@ -1,6 +1,6 @@
 // Each outcome of an added expense, through the real program.
-#include "extension_program.h"
 #include "feedback/amount_formatter.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

@@ -2,7 +2,7 @@
 #include <csignal>
 #include <fstream>
 
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

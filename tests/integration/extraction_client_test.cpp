@@ -14,7 +14,7 @@
 #include "extraction/sms_extraction_client.h"
 #include "platform/foundation/errors.h"
 #include "platform/foundation/url_session.h"
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/http/http_url_session.h"
 #include "testkit/loopback_socket.h"
 #include "testkit/scripted_server.h"
 #include "testkit/task_runner.h"

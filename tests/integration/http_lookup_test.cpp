@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/http/http_url_session.h"
 #include "testkit/http_exchange.h"
 #include "testkit/loopback_socket.h"
 #include "testkit/scripted_lookup.h"

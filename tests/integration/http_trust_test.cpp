@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/http/http_url_session.h"
 #include "testkit/http_exchange.h"
 #include "testkit/private_folders.h"
 #include "testkit/scripted_lookup.h"

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <string>
 
-#include "phone/sms_watcher/watch_program.h"
 #include "platform/linux/process/process_start.h"
+#include "sms_watcher/watch_program.h"
 
 int main(int, char** argv) {
   using namespace std::chrono_literals;

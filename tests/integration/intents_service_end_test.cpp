@@ -2,8 +2,8 @@
 #include <csignal>
 #include <fstream>
 
-#include "extension_program.h"
 #include "served_intents.h"
+#include "testkit/extension_program.h"
 #include "testkit/scripted_server.h"
 
 namespace kivo {

@@ -1,6 +1,6 @@
 // What the intents' service refuses, and what it makes of it: nothing.
-#include "extension_program.h"
 #include "served_intents.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <thread>
 
-#include "extension_program.h"
 #include "served_intents.h"
+#include "testkit/extension_program.h"
 #include "testkit/scripted_server.h"
 
 namespace kivo {

@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/loopback_http_server.h"
+#include "demo/loopback_http_server.h"
 
 #include <atomic>
 #include <stdexcept>
@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/foundation/errors.h"
-#include "platform/linux/foundation/http_url_session.h"
+#include "platform/linux/http/http_url_session.h"
 #include "testkit/task_runner.h"
 
 namespace kivo::linux_platform {

@@ -2,12 +2,10 @@
 #include <fstream>
 
 #include "a_notification_center.h"
-#include "platform/linux/user_notifications/notification_display.h"
+#include "demo/notification_display.h"
 
 namespace kivo {
 namespace {
-
-using linux_platform::NotificationDisplay;
 using linux_platform::ProgramResult;
 using namespace std::chrono_literals;
 using testing::ElementsAre;

@@ -2,18 +2,15 @@
 #include <csignal>
 
 #include "a_notification_center.h"
+#include "demo/notification_display.h"
 #include "platform/foundation/user_defaults.h"
-#include "platform/linux/user_notifications/notification_display.h"
 
 namespace kivo {
 namespace {
 
 constexpr const char* bundle = notifyingBundle;
 constexpr const char* link = linkedContent;
-
-using linux_platform::NotificationDisplay;
 using linux_platform::ProgramResult;
-using linux_platform::ShownNotification;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -1,7 +1,7 @@
 // That nothing of a message shows in what a failing run writes.
 #include <csignal>
 
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

@@ -2,9 +2,9 @@
 #include <csignal>
 #include <fstream>
 
-#include "extension_program.h"
 #include "feedback/amount_formatter.h"
 #include "platform/foundation/json_decoder.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

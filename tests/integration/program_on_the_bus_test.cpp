@@ -4,19 +4,18 @@
 #include <csignal>
 #include <thread>
 
-#include "extension_program.h"
+#include "demo/notification_display.h"
+#include "demo/private_session_bus.h"
 #include "feedback/amount_formatter.h"
-#include "platform/linux/process/private_session_bus.h"
-#include "platform/linux/user_notifications/notification_display.h"
+#include "phone/widget_reload_listener.h"
 #include "platform/linux/user_notifications/notification_permission.h"
-#include "platform/linux/widget_kit/widget_reload_listener.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {
 
 using namespace std::chrono_literals;
 using linux_platform::ProgramResult;
-using linux_platform::ShownNotification;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -28,15 +27,15 @@ class ARunOnTheBus : public testkit::ExtensionProgram {
         "app.kivo.expenses.intents", platform::UNAuthorizationStatus::authorized));
   }
 
-  linux_platform::PrivateSessionBus bus{
-      folders.home(), {linux_platform::programFolder().parent_path() / "dbus-services"}};
+  PrivateSessionBus bus{folders.home(),
+                        {linux_platform::programFolder().parent_path() / "dbus-services"}};
   testkit::ScopedVariable address{"DBUS_SESSION_BUS_ADDRESS", bus.address()};
-  linux_platform::NotificationDisplay display{bus.address()};
+  NotificationDisplay display{bus.address()};
 };
 
 TEST_F(ARunOnTheBus, ThatSavesAnExpenseShowsItAndReloadsTheWidget) {
   backend.answers(200, testkit::savedAnswer("expense"));
-  linux_platform::WidgetReloadListener widget;
+  WidgetReloadListener widget;
   EXPECT_THAT(processSMS("Paid 150").output, testing::StartsWith("Tracked "));
   EXPECT_TRUE(widget.waitForReload(5s));
   const auto shown = display.waitForShown(1, 10s);
@@ -57,7 +56,7 @@ TEST_F(ARunOnTheBus, ThatReceivesAnIncomeShowsIt) {
 
 TEST_F(ARunOnTheBus, ThatSavesOfflineSaysSoAndDoesNotReloadTheWidget) {
   backend.goAway();
-  linux_platform::WidgetReloadListener widget;
+  WidgetReloadListener widget;
   EXPECT_EQ(processSMS("Paid 150").status, 0);
   const auto shown = display.waitForShown(1, 10s);
   ASSERT_THAT(shown, SizeIs(1));
@@ -110,7 +109,7 @@ TEST_F(ARunOnTheBus, WhoseBusIsFrozenWaitsASecondAtMost) {
 
 TEST_F(ARunOnTheBus, WhoseBusThawsWithinTheSecondShowsItAndReloadsTheWidget) {
   backend.answers(200, testkit::savedAnswer("expense"));
-  linux_platform::WidgetReloadListener widget;
+  WidgetReloadListener widget;
   bus.daemon().signal(SIGSTOP);
   std::thread thawing([this] {
     std::this_thread::sleep_for(300ms);

@@ -1,5 +1,5 @@
 // How kivo-intents asks, on a terminal, for what it was not given.
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

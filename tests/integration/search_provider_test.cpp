@@ -1,7 +1,7 @@
 // The shortcuts in the search of the desktop's shell: what is found, and that the service lives as
 // long as somebody searches.
-#include "extension_program.h"
 #include "served_intents.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "extension_program.h"
 #include "served_intents.h"
+#include "testkit/extension_program.h"
 #include "testkit/scripted_server.h"
 
 namespace kivo {

@@ -5,7 +5,7 @@
 
 #include <sys/stat.h>
 
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 #include "watched_phone.h"
 
 namespace kivo {

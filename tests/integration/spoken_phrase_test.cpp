@@ -1,5 +1,5 @@
 // kivo-intents say: the intent that a phrase means, performed.
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

@@ -5,15 +5,13 @@
 #include <limits>
 #include <mutex>
 
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {
 
 using namespace std::chrono_literals;
 using linux_platform::ChildProcess;
-using linux_platform::HttpAnswer;
-using linux_platform::HttpRequest;
 using linux_platform::ProgramResult;
 using testing::SizeIs;
 
@@ -37,7 +35,7 @@ class HeldBackend {
   std::condition_variable changed_;
   std::size_t arrived_ = 0;  // guarded by mutex_, like answeredAtOnce_
   std::size_t answeredAtOnce_ = 0;
-  linux_platform::LoopbackHttpServer server_{[this](const HttpRequest&) {
+  LoopbackHttpServer server_{[this](const HttpRequest&) {
     std::unique_lock lock(mutex_);
     const std::size_t number = ++arrived_;
     changed_.notify_all();

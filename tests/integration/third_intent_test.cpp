@@ -1,5 +1,5 @@
 // A third intent, declared by one class and registered by one line, is offered everywhere.
-#include "extension_program.h"
+#include "testkit/extension_program.h"
 
 namespace kivo {
 namespace {

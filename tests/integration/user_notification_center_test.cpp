@@ -5,11 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "demo/notification_display.h"
 #include "feedback/expense_notifier.h"
 #include "platform/foundation/user_defaults.h"
 #include "platform/linux/bus/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
-#include "platform/linux/user_notifications/notification_display.h"
 #include "platform/linux/user_notifications/notification_permission.h"
 #include "platform/user_notifications/un_user_notification_center.h"
 #include "testkit/private_phone.h"
@@ -20,7 +20,6 @@ namespace kivo {
 namespace {
 
 using linux_platform::BusUserNotificationCenter;
-using linux_platform::NotificationDisplay;
 using linux_platform::SessionBus;
 using platform::UNAuthorizationStatus;
 using platform::UNUserNotificationCenter;

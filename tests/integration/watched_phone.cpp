@@ -7,7 +7,7 @@
 
 #include "platform/foundation/date.h"
 #include "platform/foundation/iso8601_date_formatter.h"
-#include "platform/linux/telephony/senders_file.h"
+#include "sms_watcher/senders_file.h"
 #include "store/shared_store.h"
 
 namespace kivo::testkit {
@@ -140,9 +140,7 @@ ProgramResult WatchedPhone::watch(std::vector<std::string> arguments) {
                                      .arguments = std::move(arguments)});
 }
 
-std::filesystem::path WatchedPhone::settingsFile() {
-  return linux_platform::SendersFile::place().value();
-}
+std::filesystem::path WatchedPhone::settingsFile() { return SendersFile::place().value(); }
 
 void WatchedPhone::writeSettings(const std::string& text) {
   const std::filesystem::path file = settingsFile();

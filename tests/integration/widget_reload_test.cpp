@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "phone/widget_reload_listener.h"
 #include "platform/linux/bus/session_bus.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
-#include "platform/linux/widget_kit/widget_reload_listener.h"
 #include "testkit/private_phone.h"
 #include "testkit/silent_socket.h"
 
@@ -14,7 +14,6 @@ namespace {
 
 using linux_platform::BusWidgetCenter;
 using linux_platform::SessionBus;
-using linux_platform::WidgetReloadListener;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 

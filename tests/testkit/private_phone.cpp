@@ -8,12 +8,11 @@
 
 #include <sys/stat.h>
 
-#include "platform/linux/bus/bus_names.h"
+#include "platform/linux/bus/notification_center_interface.h"
 
 namespace kivo::testkit {
 
 using linux_platform::ProgramResult;
-using linux_platform::bus_names::notificationCenter;
 
 namespace {
 
@@ -49,14 +48,15 @@ PrivatePhone::PrivatePhone()
 
 PrivatePhone::PrivatePhone(const std::filesystem::path& services)
     : path_("PATH", pathWithStandIn(folders_.home())) {
-  bus_ = std::make_unique<linux_platform::PrivateSessionBus>(
-      folders_.home(), std::vector<std::filesystem::path>{services});
+  bus_ = std::make_unique<PrivateSessionBus>(folders_.home(),
+                                             std::vector<std::filesystem::path>{services});
   addressVariable_.emplace("DBUS_SESSION_BUS_ADDRESS", bus_->address());
 }
 
 PrivatePhone::~PrivatePhone() {
   // Also one that a test has stopped, and that would outlive its bus.
-  if (!center_ && bus_) center_ = processOf(notificationCenter.service);
+  if (!center_ && bus_)
+    center_ = processOf(linux_platform::notification_center_interface::object.service);
   if (!center_ || !isCenter(*center_)) return;
   kill(*center_, SIGTERM);  // it may still have to write down what it has reached of our code
   kill(*center_, SIGCONT);
@@ -75,8 +75,11 @@ ProgramResult PrivatePhone::call(const std::string& service, const std::string& 
 
 ProgramResult PrivatePhone::callCenter(const std::string& method,
                                        std::vector<std::string> arguments) {
-  return call(notificationCenter.service, notificationCenter.path,
-              std::string(notificationCenter.interface) + "." + method, std::move(arguments));
+  return call(
+      linux_platform::notification_center_interface::object.service,
+      linux_platform::notification_center_interface::object.path,
+      std::string(linux_platform::notification_center_interface::object.interface) + "." + method,
+      std::move(arguments));
 }
 
 std::optional<pid_t> PrivatePhone::processOf(const std::string& service) {
@@ -90,16 +93,17 @@ std::optional<pid_t> PrivatePhone::processOf(const std::string& service) {
 pid_t PrivatePhone::startCenter() {
   const ProgramResult started = callCenter("Pending", {"any"});
   if (started.status != 0) throw std::runtime_error("no notification center: " + started.errors);
-  center_ = processOf(notificationCenter.service);
+  center_ = processOf(linux_platform::notification_center_interface::object.service);
   return center_.value();
 }
 
 void PrivatePhone::killCenter() {
-  const auto process = processOf(notificationCenter.service);
+  const auto process = processOf(linux_platform::notification_center_interface::object.service);
   if (!process) return;
   kill(*process, SIGKILL);
   center_.reset();
-  eventually([&] { return !processOf(notificationCenter.service); });
+  eventually(
+      [&] { return !processOf(linux_platform::notification_center_interface::object.service); });
 }
 
 bool PrivatePhone::hasEnded(pid_t process) {

@@ -12,7 +12,7 @@
 
 #include <sys/types.h>
 
-#include "platform/linux/process/private_session_bus.h"
+#include "demo/private_session_bus.h"
 #include "testkit/private_folders.h"
 
 namespace kivo::testkit {
@@ -62,7 +62,7 @@ class PrivatePhone {
   PrivateFolders folders_;
   ScopedVariable path_;
   std::optional<ScopedVariable> addressVariable_;
-  std::unique_ptr<linux_platform::PrivateSessionBus> bus_;
+  std::unique_ptr<PrivateSessionBus> bus_;
   std::optional<pid_t> center_;
 };
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "platform/concurrency/process_wide.h"
 #include "platform/concurrency/task.h"
+#include "platform/foundation/process_wide.h"
 #include "platform/foundation/url_request.h"
 
 namespace kivo::platform {

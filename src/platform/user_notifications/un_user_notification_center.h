@@ -3,9 +3,9 @@
 
 #include <optional>
 
-#include "platform/concurrency/process_wide.h"
 #include "platform/concurrency/task.h"
 #include "platform/foundation/errors.h"
+#include "platform/foundation/process_wide.h"
 #include "platform/user_notifications/un_notification_request.h"
 
 namespace kivo::platform {

@@ -1,7 +1,7 @@
 // The way to the home-screen widgets. Carries no figures: a widget reads the shared store.
 #pragma once
 
-#include "platform/concurrency/process_wide.h"
+#include "platform/foundation/process_wide.h"
 
 namespace kivo::platform {
 

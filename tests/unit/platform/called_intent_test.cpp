@@ -8,7 +8,7 @@
 #include "intents/add_expense_intent.h"
 #include "intents/expense_intents_extension.h"
 #include "intents/process_sms_intent.h"
-#include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/bus/intents_interface.h"
 
 namespace kivo {
 namespace {
@@ -16,7 +16,7 @@ namespace {
 using linux_platform::calledIntent;
 using linux_platform::CalledValues;
 using linux_platform::CallRefusal;
-namespace wire = linux_platform::intents_wire;
+namespace wire = linux_platform::intents_interface;
 
 const platform::AppIntentsExtension extension = ExpenseIntentsExtension::make();
 

@@ -1,4 +1,4 @@
-#include "platform/linux/process/command_description.h"
+#include "platform/linux/terminal/command_description.h"
 
 #include <gtest/gtest.h>
 

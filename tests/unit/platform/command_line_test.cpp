@@ -1,4 +1,4 @@
-#include "platform/linux/process/command_line.h"
+#include "platform/linux/terminal/command_line.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/device_locale.h"
+#include "platform/linux/locale/device_locale.h"
 
 #include <optional>
 

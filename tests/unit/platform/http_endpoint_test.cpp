@@ -1,4 +1,4 @@
-#include "platform/linux/foundation/http_endpoint.h"
+#include "platform/linux/http/http_endpoint.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/process/nearest_word.h"
+#include "platform/linux/terminal/nearest_word.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/process/terminal_text.h"
+#include "platform/linux/terminal/terminal_text.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/process/terminal_window.h"
+#include "platform/linux/terminal/terminal_window.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,4 +1,4 @@
-#include "platform/linux/process/text_columns.h"
+#include "platform/linux/terminal/text_columns.h"
 
 #include <clocale>
 #include <cwchar>
@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 #include <unicode/unistr.h>
 
-#include "platform/linux/process/terminal_text.h"
+#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::linux_platform {
 namespace {

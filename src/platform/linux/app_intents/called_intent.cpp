@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/app_intents/intents_wire.h"
+#include "platform/linux/bus/intents_interface.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -34,7 +34,7 @@ std::string parameterNames(AppIntent& intent) {
 std::optional<CallRefusal> fill(AppIntent& intent, CalledValues values) {
   for (const auto& [name, value] : values) {
     if (parameterNamed(intent, name) == nullptr) {
-      return CallRefusal{intents_wire::unknownParameter,
+      return CallRefusal{intents_interface::unknownParameter,
                          "the intent's parameters are: " + parameterNames(intent)};
     }
   }
@@ -42,12 +42,12 @@ std::optional<CallRefusal> fill(AppIntent& intent, CalledValues values) {
     AnyIntentParameter& parameter = *parameterNamed(intent, name);
     if (value && parameter.set(std::move(*value))) continue;
     const bool text = parameter.valueType() == ValueType::text;
-    return CallRefusal{intents_wire::invalidParameter,
+    return CallRefusal{intents_interface::invalidParameter,
                        name + (text ? " must be a text (s)" : " must be a finite number (d)")};
   }
   for (const AnyIntentParameter* const parameter : intent.parameters()) {
     if (parameter->hasValue()) continue;
-    return CallRefusal{intents_wire::missingParameter, nameOf(*parameter) + " is missing"};
+    return CallRefusal{intents_interface::missingParameter, nameOf(*parameter) + " is missing"};
   }
   return std::nullopt;
 }
@@ -59,7 +59,8 @@ std::variant<std::unique_ptr<AppIntent>, CallRefusal> calledIntent(
     CalledValues values) {
   auto intent = extension.makeIntent(typeName);
   if (!intent) {
-    return CallRefusal{intents_wire::unknownIntent, "the intents are: " + intentNames(extension)};
+    return CallRefusal{intents_interface::unknownIntent,
+                       "the intents are: " + intentNames(extension)};
   }
   if (auto refusal = fill(*intent, std::move(values))) return std::move(*refusal);
   return intent;

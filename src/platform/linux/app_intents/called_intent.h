@@ -17,7 +17,7 @@ using CalledValues = std::map<std::string, std::optional<platform::IntentValue>>
 /// Why a call is refused. The words are one line and hold nothing that the caller has sent: it
 /// could be part of a message.
 struct CallRefusal {
-  /// A name of `intents_wire`.
+  /// A name of `intents_interface`.
   const char* name;
   std::string words;
 };

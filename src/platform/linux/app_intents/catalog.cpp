@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/foundation/json_encoder.h"
-#include "platform/linux/process/text_columns.h"
+#include "platform/linux/terminal/text_columns.h"
 
 namespace kivo::linux_platform {
 namespace {

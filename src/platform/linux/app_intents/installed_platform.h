@@ -7,8 +7,8 @@
 
 #include "platform/app_intents/app_intent.h"
 #include "platform/linux/bus/session_bus.h"
-#include "platform/linux/foundation/http_url_session.h"
-#include "platform/linux/foundation/last_exchange.h"
+#include "platform/linux/http/http_url_session.h"
+#include "platform/linux/http/last_exchange.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
 

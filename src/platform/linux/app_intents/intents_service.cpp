@@ -18,11 +18,11 @@
 #include "platform/linux/app_intents/called_intent.h"
 #include "platform/linux/app_intents/catalog.h"
 #include "platform/linux/app_intents/installed_platform.h"
-#include "platform/linux/app_intents/intents_wire.h"
 #include "platform/linux/app_intents/search_provider.h"
 #include "platform/linux/bus/bus_connection.h"
 #include "platform/linux/bus/bus_loop.h"
-#include "platform/linux/bus/bus_names.h"
+#include "platform/linux/bus/bus_object.h"
+#include "platform/linux/bus/intents_interface.h"
 #include "platform/linux/bus/served_object.h"
 #include "platform/linux/concurrency/task_executor.h"
 
@@ -128,14 +128,14 @@ class IntentsService {
 };
 
 void IntentsService::takeName() {
-  const BusObject& intents = bus_names::intents;
+  const BusObject& intents = intents_interface::object;
   serveObject(bus_.get(), intents, methods());
   search_.emplace(bus_.get(), extension_, [this] { lastCall_ = Clock::now(); });
   takeBusName(bus_.get(), intents.service);
 }
 
 std::vector<BusMethod> IntentsService::methods() {
-  return {{.name = intents_wire::perform,
+  return {{.name = intents_interface::perform,
            .takes = {{"intent", "s"}, {"parameters", "a{sv}"}},
            .gives = {{"dialog", "s"}},
            .perform =
@@ -143,7 +143,7 @@ std::vector<BusMethod> IntentsService::methods() {
                  const std::string typeName(*arguments.text());
                  begin(typeName, readValues(arguments.inside()), std::move(answer));
                }},
-          {.name = intents_wire::catalog,
+          {.name = intents_interface::catalog,
            .takes = {},
            .gives = {{"json", "s"}},
            .perform = [this](BusReader, BusAnswer answer) {
@@ -251,7 +251,7 @@ void IntentsService::answerEnded() {
 // The bus hands us nothing after its answer to this; what it had handed to us before lies in the
 // connection's own queue by then, and the loop handles that before it asks again what to wait for.
 void IntentsService::giveUpName() {
-  dbus_bus_release_name(bus_.get(), bus_names::intents.service, nullptr);
+  dbus_bus_release_name(bus_.get(), intents_interface::object.service, nullptr);
   nameGivenUp_ = true;
 }
 

@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/app_intents/search_wire.h"
 #include "platform/linux/app_intents/shortcut_search.h"
-#include "platform/linux/process/command_line.h"
+#include "platform/linux/bus/search_interface.h"
+#include "platform/linux/terminal/command_line.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -29,16 +29,16 @@ void answerTexts(BusAnswer& answer, const Texts& texts) {
 
 void appendIcons(BusWriter& variant, const Texts& icons) {
   variant.structure([&icons](BusWriter& icon) {
-    icon.text(search_wire::themedIcon);
+    icon.text(search_interface::themedIcon);
     icon.variant("as", [&icons](BusWriter& names) { names.texts(icons); });
   });
 }
 
 void appendMeta(BusWriter& meta, const std::string& intent, const ShownShortcut& shown) {
-  meta.textEntry(search_wire::identifier, intent);
-  meta.textEntry(search_wire::name, shown.title);
-  meta.textEntry(search_wire::description, shown.description);
-  meta.variantEntry(search_wire::icon, "(sv)",
+  meta.textEntry(search_interface::identifier, intent);
+  meta.textEntry(search_interface::name, shown.title);
+  meta.textEntry(search_interface::description, shown.description);
+  meta.variantEntry(search_interface::icon, "(sv)",
                     [&shown](BusWriter& variant) { appendIcons(variant, shown.icons); });
 }
 
@@ -47,7 +47,7 @@ void appendMeta(BusWriter& meta, const std::string& intent, const ShownShortcut&
 SearchProvider::SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                                std::function<void()> onCall)
     : extension_(extension), onCall_(std::move(onCall)) {
-  serveObject(bus, bus_names::search, methods());
+  serveObject(bus, search_interface::object, methods());
 }
 
 std::vector<BusMethod> SearchProvider::methods() {
@@ -57,23 +57,23 @@ std::vector<BusMethod> SearchProvider::methods() {
       (this->*answer)(arguments, way);
     };
   };
-  return {{.name = search_wire::getInitialResultSet,
+  return {{.name = search_interface::getInitialResultSet,
            .takes = {{"terms", "as"}},
            .gives = {{"results", "as"}},
            .perform = with(&SearchProvider::answerInitial)},
-          {.name = search_wire::getSubsearchResultSet,
+          {.name = search_interface::getSubsearchResultSet,
            .takes = {{"previous_results", "as"}, {"terms", "as"}},
            .gives = {{"results", "as"}},
            .perform = with(&SearchProvider::answerSubsearch)},
-          {.name = search_wire::getResultMetas,
+          {.name = search_interface::getResultMetas,
            .takes = {{"identifiers", "as"}},
            .gives = {{"metas", "aa{sv}"}},
            .perform = with(&SearchProvider::answerMetas)},
-          {.name = search_wire::activateResult,
+          {.name = search_interface::activateResult,
            .takes = {{"identifier", "s"}, {"terms", "as"}, {"timestamp", "u"}},
            .gives = {},
            .perform = with(&SearchProvider::answerActivate)},
-          {.name = search_wire::launchSearch,
+          {.name = search_interface::launchSearch,
            .takes = {{"terms", "as"}, {"timestamp", "u"}},
            .gives = {},
            .perform = with(&SearchProvider::answerLaunch)}};
@@ -104,7 +104,7 @@ void SearchProvider::answerMetas(BusReader& arguments, BusAnswer& answer) {
 void SearchProvider::answerActivate(BusReader& arguments, BusAnswer& answer) {
   const std::string intent(*arguments.text());
   if (!shownShortcut(extension_, intent)) {
-    throw BusRefusal(search_wire::invalidArguments, "there is no such result");
+    throw BusRefusal(search_interface::invalidArguments, "there is no such result");
   }
   open({"perform", intent});
   answer.give();
@@ -120,7 +120,7 @@ void SearchProvider::open(Texts arguments) {
   arguments.insert(arguments.begin(), std::filesystem::read_symlink("/proc/self/exe").string());
   if (windows_.open(arguments)) return;
   complain("kivo-intents", noTerminalWindow);
-  throw BusRefusal(search_wire::failed, noTerminalWindow);
+  throw BusRefusal(search_interface::failed, noTerminalWindow);
 }
 
 }  // namespace kivo::linux_platform

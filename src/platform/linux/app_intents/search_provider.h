@@ -8,7 +8,7 @@
 
 #include "platform/app_intents/app_intents_extension.h"
 #include "platform/linux/bus/served_object.h"
-#include "platform/linux/process/terminal_window.h"
+#include "platform/linux/terminal/terminal_window.h"
 
 namespace kivo::linux_platform {
 

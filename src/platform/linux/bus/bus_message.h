@@ -12,7 +12,7 @@
 #include <dbus/dbus.h>
 
 #include "platform/linux/bus/bus_connection.h"
-#include "platform/linux/bus/bus_names.h"
+#include "platform/linux/bus/bus_object.h"
 
 namespace kivo::linux_platform {
 

@@ -64,12 +64,12 @@ void subscribe(DBusConnection* bus, const BusSignal& signal, OnSignal onSignal) 
 void subscribeToOwner(DBusConnection* bus, const char* service,
                       std::function<void(const std::string&)> onChange) {
   subscribe(bus,
-            {.interface = bus_names::bus.interface,
+            {.interface = messageBus.interface,
              .member = "NameOwnerChanged",
-             .service = bus_names::bus.service,
+             .service = messageBus.service,
              .argument = service},
             [onChange = std::move(onChange)](HeardSignal change) {
-              if (change.sender != bus_names::bus.service) return;
+              if (change.sender != messageBus.service) return;
               change.arguments.skip();  // the name
               change.arguments.skip();  // its owner before
               if (const auto owner = change.arguments.text()) onChange(std::string(*owner));

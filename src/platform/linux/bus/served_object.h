@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/linux/bus/bus_message.h"
-#include "platform/linux/bus/bus_names.h"
+#include "platform/linux/bus/bus_object.h"
 
 namespace kivo::linux_platform {
 

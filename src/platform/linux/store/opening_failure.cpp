@@ -9,7 +9,7 @@
 
 #include <sqlite3.h>
 
-#include "platform/linux/process/terminal_text.h"
+#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::linux_platform {
 namespace {

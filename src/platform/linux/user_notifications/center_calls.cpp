@@ -1,7 +1,7 @@
 #include "platform/linux/user_notifications/center_calls.h"
 
 #include "platform/linux/bus/bus_call.h"
-#include "platform/linux/user_notifications/center_wire.h"
+#include "platform/linux/bus/notification_center_interface.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -9,17 +9,20 @@ namespace {
 using platform::NSError;
 using platform::UNAuthorizationStatus;
 
-constexpr const BusObject& center = bus_names::notificationCenter;
+constexpr const BusObject& center = notification_center_interface::object;
 
 void appendContent(BusWriter& content, const platform::UNMutableNotificationContent& shown) {
-  content.textEntry(center_wire::title, shown.title);
-  content.textEntry(center_wire::body, shown.body);
-  content.textEntry(center_wire::sound, center_wire::defaultSound);
-  content.variantEntry(center_wire::userInfo, "a{ss}", [&shown](BusWriter& userInfo) {
-    userInfo.array("{ss}", [&shown](BusWriter& entries) {
-      for (const auto& [key, value] : shown.userInfo) entries.entry(key, value);
-    });
-  });
+  content.textEntry(notification_center_interface::title, shown.title);
+  content.textEntry(notification_center_interface::body, shown.body);
+  content.textEntry(notification_center_interface::sound,
+                    notification_center_interface::defaultSound);
+  content.variantEntry(notification_center_interface::userInfo, "a{ss}",
+                       [&shown](BusWriter& userInfo) {
+                         userInfo.array("{ss}", [&shown](BusWriter& entries) {
+                           for (const auto& [key, value] : shown.userInfo)
+                             entries.entry(key, value);
+                         });
+                       });
 }
 
 void appendRequest(BusWriter& arguments, const std::string& bundle,
@@ -36,27 +39,28 @@ void appendRequest(BusWriter& arguments, const std::string& bundle,
 }  // namespace
 
 BusMessage authorizationStatusCall(const std::string& bundle) {
-  return methodCall(center, center_wire::authorizationStatus,
+  return methodCall(center, notification_center_interface::authorizationStatus,
                     [&](BusWriter& arguments) { arguments.text(bundle); });
 }
 
 std::optional<UNAuthorizationStatus> statusIn(const BusMessage& reply) {
   if (!reply || errorOf(reply)) return std::nullopt;
   const auto number = BusReader(reply).integer();
-  return number ? center_wire::statusOf(*number) : std::nullopt;
+  return number ? notification_center_interface::statusOf(*number) : std::nullopt;
 }
 
 BusMessage setAuthorizationStatusCall(const std::string& bundle, UNAuthorizationStatus status) {
-  return methodCall(center, center_wire::setAuthorizationStatus, [&](BusWriter& arguments) {
-    arguments.text(bundle);
-    arguments.integer(static_cast<int>(status));
-  });
+  return methodCall(center, notification_center_interface::setAuthorizationStatus,
+                    [&](BusWriter& arguments) {
+                      arguments.text(bundle);
+                      arguments.integer(static_cast<int>(status));
+                    });
 }
 
 bool isStored(const BusMessage& reply) { return reply && !errorOf(reply); }
 
 BusMessage addCall(const std::string& bundle, const platform::UNNotificationRequest& request) {
-  return methodCall(center, center_wire::add,
+  return methodCall(center, notification_center_interface::add,
                     [&](BusWriter& arguments) { appendRequest(arguments, bundle, request); });
 }
 

@@ -1,0 +1,187 @@
+#include "notification_center/notification_center.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "notification_center/request_size.h"
+
+namespace kivo {
+using platform::Date;
+using platform::Moment;
+using platform::UNAuthorizationStatus;
+
+namespace {
+
+NotificationName nameOf(const PendingNotification& notification) {
+  return {notification.bundle, notification.request.identifier};
+}
+
+std::size_t sizeOf(const PendingNotification& notification) {
+  return kivo::sizeOf(notification.bundle, notification.request);
+}
+
+std::size_t sizeOf(const NotificationName& name) {
+  return kivo::sizeOf(name.first) + kivo::sizeOf(name.second);
+}
+
+Moment::duration intervalOf(const platform::UNNotificationRequest& request) {
+  return std::chrono::ceil<Moment::duration>(request.trigger.timeInterval);
+}
+
+}  // namespace
+
+NotificationCenter::NotificationCenter(NotificationRecord record, Show show)
+    : record_(std::move(record)), show_(std::move(show)), shown_(record_.shown()) {
+  for (PendingNotification& notification : record_.pending()) {
+    const std::size_t size = sizeOf(notification);
+    const Moment due = notification.due;
+    const Moment::duration interval = intervalOf(notification.request);
+    waiting_.push_back({.notification = std::move(notification),
+                        .size = size,
+                        .showAt = due,
+                        .longestWait = interval});
+  }
+}
+
+UNAuthorizationStatus NotificationCenter::authorizationStatus(const std::string& bundle) {
+  return record_.status(bundle);
+}
+
+bool NotificationCenter::setAuthorizationStatus(const std::string& bundle,
+                                                UNAuthorizationStatus status) {
+  std::vector<Waiting> remaining = waiting_;
+  if (status == UNAuthorizationStatus::denied) {
+    std::erase_if(remaining, [&](const Waiting& entry) {
+      return entry.notification.bundle == bundle && entry.stage != Stage::showing;
+    });
+  }
+  record_.setStatus(bundle, status);
+  if (remaining.size() != waiting_.size()) setPendingFrom(remaining);
+  if (!record_.commit()) return false;
+  waiting_ = std::move(remaining);
+  return true;
+}
+
+AddOutcome NotificationCenter::add(const std::string& bundle,
+                                   platform::UNNotificationRequest request) {
+  if (record_.status(bundle) == UNAuthorizationStatus::denied) return AddOutcome::denied;
+  const NotificationName name{bundle, request.identifier};
+  if (find(name) != waiting_.end()) return AddOutcome::kept;
+  if (std::find(shown_.begin(), shown_.end(), name) != shown_.end()) return AddOutcome::kept;
+
+  std::optional<Waiting> oldest;
+  if (waiting_.size() >= mostWaiting) {
+    oldest = std::move(waiting_.front());
+    waiting_.erase(waiting_.begin());
+  }
+  const AddOutcome outcome = append({bundle, std::move(request), Date::now()});
+  if (outcome != AddOutcome::kept && oldest) waiting_.insert(waiting_.begin(), *std::move(oldest));
+  return outcome;
+}
+
+AddOutcome NotificationCenter::append(PendingNotification notification) {
+  const std::size_t size = sizeOf(notification);
+  std::size_t all = size;
+  for (const Waiting& entry : waiting_) all += entry.size;
+  if (all > mostBytesWaiting) return AddOutcome::noRoom;
+
+  const Moment::duration interval = intervalOf(notification.request);
+  notification.due += interval;
+  const Moment due = notification.due;
+  waiting_.push_back({.notification = std::move(notification),
+                      .size = size,
+                      .showAt = due,
+                      .longestWait = interval});
+  setPendingFrom(waiting_);
+  if (record_.commit()) return AddOutcome::kept;
+  waiting_.pop_back();
+  return AddOutcome::notKept;
+}
+
+std::vector<std::string> NotificationCenter::pending(const std::string& bundle) {
+  std::vector<std::string> identifiers;
+  for (const Waiting& entry : waiting_) {
+    if (entry.notification.bundle == bundle) {
+      identifiers.push_back(entry.notification.request.identifier);
+    }
+  }
+  return identifiers;
+}
+
+void NotificationCenter::serverAppeared() {
+  serverMissing_ = false;
+  for (Waiting& entry : waiting_) {
+    if (entry.stage == Stage::retrying) entry.showAt = Date::now();
+  }
+}
+
+std::optional<std::chrono::milliseconds> NotificationCenter::showDue() {
+  if (serverMissing_) return std::nullopt;
+  const Moment now = Date::now();
+  std::vector<PendingNotification> due;
+  for (Waiting& entry : waiting_) {
+    if (entry.stage == Stage::showing) continue;
+    entry.showAt = std::min(entry.showAt, now + entry.longestWait);
+    if (entry.showAt > now) continue;
+    entry.stage = Stage::showing;
+    due.push_back(entry.notification);
+  }
+  for (const PendingNotification& notification : due) {
+    show_(notification.request.content,
+          [this, name = nameOf(notification)](ShowOutcome outcome) { ended(name, outcome); });
+  }
+  return untilNextIsDue(now);
+}
+
+std::optional<std::chrono::milliseconds> NotificationCenter::untilNextIsDue(Moment now) const {
+  std::optional<std::chrono::milliseconds> shortest;
+  for (const Waiting& entry : waiting_) {
+    if (entry.stage == Stage::showing) continue;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(entry.showAt - now);
+    shortest = std::min(shortest.value_or(left), left);
+  }
+  return shortest;
+}
+
+void NotificationCenter::ended(const NotificationName& name, ShowOutcome outcome) {
+  const auto entry = find(name);
+  if (outcome == ShowOutcome::shown) {
+    if (entry != waiting_.end()) waiting_.erase(entry);
+    rememberShown(name);
+    setPendingFrom(waiting_);
+    record_.setShown(shown_);
+    record_.commit();  // when that fails, a restart shows it again, which is better than never
+    return;
+  }
+  if (outcome == ShowOutcome::noServer) serverMissing_ = true;
+  if (entry == waiting_.end()) return;
+  const Moment::duration wait =
+      outcome == ShowOutcome::failed ? Moment::duration(retryInterval) : Moment::duration(0);
+  entry->stage = Stage::retrying;
+  entry->showAt = Date::now() + wait;
+  entry->longestWait = wait;
+}
+
+std::vector<NotificationCenter::Waiting>::iterator NotificationCenter::find(
+    const NotificationName& name) {
+  return std::find_if(waiting_.begin(), waiting_.end(),
+                      [&](const Waiting& entry) { return nameOf(entry.notification) == name; });
+}
+
+void NotificationCenter::rememberShown(NotificationName name) {
+  shown_.push_back(std::move(name));
+  std::size_t size = 0;
+  for (const NotificationName& one : shown_) size += sizeOf(one);
+  while (shown_.size() > mostRemembered || (size > mostBytesRemembered && shown_.size() > 1)) {
+    size -= sizeOf(shown_.front());
+    shown_.pop_front();
+  }
+}
+
+void NotificationCenter::setPendingFrom(const std::vector<Waiting>& waiting) {
+  std::vector<PendingNotification> pending;
+  for (const Waiting& entry : waiting) pending.push_back(entry.notification);
+  record_.setPending(pending);
+}
+
+}  // namespace kivo

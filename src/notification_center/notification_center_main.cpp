@@ -1,0 +1,50 @@
+// The program kivo-notification-center. Started by the session bus, at the first call.
+#include <atomic>
+#include <csignal>
+#include <optional>
+#include <stdexcept>
+
+#include "notification_center/notification_center.h"
+#include "notification_center/notification_center_service.h"
+#include "platform/linux/process/process_start.h"
+#include "platform/linux/terminal/service_program.h"
+
+namespace {
+
+using kivo::NotificationCenterService;
+
+std::atomic<NotificationCenterService*> serving = nullptr;
+
+void stopServing(int) {
+  if (NotificationCenterService* const service = serving) service->stop();
+}
+
+int serve() {
+  std::optional<kivo::NotificationCenter> center;  // outlives the service
+  NotificationCenterService service;
+  serving = &service;
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopServing);
+
+  // Only now that no other center can be at work on it.
+  auto record = kivo::NotificationRecord::open();
+  if (!record) throw std::runtime_error("the notifications on disk cannot be opened");
+  center.emplace(std::move(*record), [&service](const auto& content, auto done) {
+    service.show(content, std::move(done));
+  });
+  service.serve(*center, [&center] { return center->showDue(); });
+  serving = nullptr;
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  kivo::linux_platform::startProcess();
+  return kivo::linux_platform::runService(
+      {.name = "kivo-notification-center",
+       .purpose = "The phone's notification center: keeps on the session bus who may notify and "
+                  "what waits to\nbe shown, and has the desktop show it when it is due. Ends with "
+                  "the bus.\n",
+       .serve = serve},
+      argc, argv);
+}

@@ -1,0 +1,131 @@
+#include "notification_center/notification_center_service.h"
+
+#include <cstdint>
+#include <stdexcept>
+#include <utility>
+
+#include "notification_center/request_reader.h"
+#include "notification_center/request_size.h"
+#include "platform/linux/bus/bus_connection.h"
+#include "platform/linux/bus/bus_loop.h"
+#include "platform/linux/bus/notification_center_interface.h"
+#include "platform/linux/bus/served_object.h"
+
+namespace kivo {
+
+namespace notification_center_interface = linux_platform::notification_center_interface;
+using linux_platform::BusAnswer;
+using linux_platform::BusConnection;
+using linux_platform::BusLoop;
+using linux_platform::BusMethod;
+using linux_platform::BusReader;
+using linux_platform::BusRefusal;
+using linux_platform::BusWriter;
+using linux_platform::connectToSessionBus;
+using linux_platform::serveObject;
+using linux_platform::takeBusName;
+
+namespace {
+
+void add(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
+  ReceivedRequest received = readRequest(arguments);
+  switch (calls.add(received.bundle, std::move(received.request))) {
+    case AddOutcome::kept:
+      return answer.give();
+    case AddOutcome::denied:
+      throw BusRefusal(DBUS_ERROR_ACCESS_DENIED,
+                       "the person has denied notifications of this bundle");
+    case AddOutcome::noRoom:
+      throw BusRefusal(DBUS_ERROR_LIMITS_EXCEEDED,
+                       "the requests that wait are too large for one more");
+    case AddOutcome::notKept:
+      throw BusRefusal(DBUS_ERROR_IO_ERROR, "the request cannot be kept");
+  }
+}
+
+void setStatus(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
+  const std::string_view bundle = *arguments.text();
+  const auto status = notification_center_interface::statusOf(*arguments.integer());
+  if (!status) throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "there is no such authorization status");
+  if (sizeOf(bundle) > largestRequest) throw tooLarge();
+  if (!calls.setAuthorizationStatus(std::string(bundle), *status)) {
+    throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be kept");
+  }
+  answer.give();
+}
+
+std::vector<BusMethod> methodsOf(NotificationCenterCalls& calls) {
+  return {{.name = notification_center_interface::authorizationStatus,
+           .takes = {{"bundle", "s"}},
+           .gives = {{"status", "i"}},
+           .perform =
+               [&calls](BusReader arguments, BusAnswer answer) {
+                 const auto status = calls.authorizationStatus(std::string(*arguments.text()));
+                 answer.give([status](BusWriter& reply) {
+                   reply.integer(static_cast<std::int32_t>(status));
+                 });
+               }},
+          {.name = notification_center_interface::setAuthorizationStatus,
+           .takes = {{"bundle", "s"}, {"status", "i"}},
+           .gives = {},
+           .perform = [&calls](BusReader arguments,
+                               BusAnswer answer) { setStatus(calls, arguments, answer); }},
+          {.name = notification_center_interface::add,
+           .takes = {{"bundle", "s"},
+                     {"identifier", "s"},
+                     {"content", "a{sv}"},
+                     {"interval", "d"},
+                     {"repeats", "b"}},
+           .gives = {},
+           .perform = [&calls](BusReader arguments,
+                               BusAnswer answer) { add(calls, arguments, answer); }},
+          {.name = notification_center_interface::pending,
+           .takes = {{"bundle", "s"}},
+           .gives = {{"identifiers", "as"}},
+           .perform = [&calls](BusReader arguments, BusAnswer answer) {
+             const auto identifiers = calls.pending(std::string(*arguments.text()));
+             answer.give([&identifiers](BusWriter& reply) { reply.texts(identifiers); });
+           }}};
+}
+
+BusConnection connectionWithName() {
+  BusConnection bus = connectToSessionBus();
+  if (!bus) throw std::runtime_error("there is no session bus");
+  takeBusName(bus.get(), notification_center_interface::object.service);
+  return bus;
+}
+
+}  // namespace
+
+struct NotificationCenterService::Bus {
+  BusConnection connection = connectionWithName();
+  BusLoop loop{connection.get()};
+  std::unique_ptr<DesktopNotifications> desktop;
+};
+
+NotificationCenterService::NotificationCenterService() : bus_(std::make_unique<Bus>()) {}
+
+NotificationCenterService::~NotificationCenterService() = default;
+
+void NotificationCenterService::show(const platform::UNMutableNotificationContent& content,
+                                     std::function<void(ShowOutcome)> done) {
+  bus_->desktop->show(content, std::move(done));
+}
+
+void NotificationCenterService::serve(
+    NotificationCenterCalls& calls,
+    const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting) {
+  DBusConnection* const bus = bus_->connection.get();
+  try {
+    bus_->desktop =
+        std::make_unique<DesktopNotifications>(bus, [&calls] { calls.serverAppeared(); });
+    serveObject(bus, notification_center_interface::object, methodsOf(calls));
+    bus_->loop.run(beforeWaiting);
+  } catch (const std::runtime_error&) {
+    // The bus went away before we were ready to serve.
+  }
+}
+
+void NotificationCenterService::stop() noexcept { bus_->loop.stop(); }
+
+}  // namespace kivo

@@ -1,0 +1,58 @@
+#include "platform/linux/http/server_trust.h"
+
+#include <cstdlib>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include <boost/asio/ssl/context.hpp>
+
+#include "platform/foundation/errors.h"
+
+namespace kivo::linux_platform {
+namespace asio = boost::asio;
+
+using platform::URLError;
+
+namespace {
+
+asio::ssl::context makeContext() {
+  // TLS has its ciphers by other ways than the names of old, nobody reads OpenSSL's own words, and
+  // the end of the process frees what it holds: together a millisecond.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_ADD_ALL_CIPHERS, nullptr);
+  OPENSSL_init_ssl(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS | OPENSSL_INIT_NO_LOAD_SSL_STRINGS |
+                       OPENSSL_INIT_NO_ATEXIT,
+                   nullptr);
+  asio::ssl::context fresh(asio::ssl::context::tls_client);
+  SSL_CTX_set_min_proto_version(fresh.native_handle(), TLS1_2_VERSION);
+  // Not the file of all certificates, of which reading takes ten times as long as the run.
+  SSL_CTX_set_default_verify_dir(fresh.native_handle());
+  // Unless somebody has named one.
+  if (std::getenv(X509_get_default_cert_file_env()) != nullptr) {
+    SSL_CTX_set_default_verify_file(fresh.native_handle());
+  }
+  fresh.set_verify_mode(asio::ssl::verify_peer);
+  return fresh;
+}
+
+}  // namespace
+
+struct ServerTrust::Made {
+  std::once_flag once;
+  std::optional<asio::ssl::context> context;
+};
+
+ServerTrust::ServerTrust() : made_(std::make_unique<Made>()) {}
+
+ServerTrust::~ServerTrust() = default;
+
+asio::ssl::context& ServerTrust::context() {
+  try {
+    std::call_once(made_->once, [this] { made_->context = makeContext(); });
+  } catch (const boost::system::system_error&) {
+    throw URLError(URLError::Code::secureConnectionFailed);
+  }
+  return *made_->context;
+}
+
+}  // namespace kivo::linux_platform

@@ -1,0 +1,42 @@
+#include "platform/linux/terminal/service_program.h"
+
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+#include "platform/linux/terminal/command_description.h"
+#include "platform/linux/terminal/command_line.h"
+#include "platform/linux/terminal/terminal_text.h"
+
+namespace kivo::linux_platform {
+
+int runService(const ServiceProgram& program, int argc, char** argv) {
+  const std::string usage = "Usage: " + program.name + " [--help | --version]\n" + program.purpose;
+  const std::string_view option = argc > 1 ? argv[1] : "";
+  if (argc == 2 && option == "--help") {
+    std::cout << usage;
+    return 0;
+  }
+  if (argc == 2 && option == "--version") {
+    std::cout << program.name << " " KIVO_VERSION "\n";
+    return 0;
+  }
+  if (argc == 2 && option == describeOption) {
+    return printDescription({.name = program.name,
+                             .purpose = program.purpose,
+                             .version = KIVO_VERSION,
+                             .commands = {}});
+  }
+  if (argc > 1) {
+    std::cerr << usage;
+    return exitBadUsage;
+  }
+  try {
+    return program.serve();
+  } catch (const std::runtime_error& error) {
+    complain(program.name, escapedControls(error.what()));
+    return 1;
+  }
+}
+
+}  // namespace kivo::linux_platform

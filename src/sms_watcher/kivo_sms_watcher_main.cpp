@@ -1,0 +1,16 @@
+// The program kivo-sms-watcher. Started with the person's session, as a service.
+#include "platform/linux/process/process_start.h"
+#include "platform/linux/terminal/service_program.h"
+#include "sms_watcher/watch_program.h"
+
+int main(int argc, char** argv) {
+  kivo::linux_platform::startProcess();
+  return kivo::linux_platform::runService(
+      {.name = "kivo-sms-watcher",
+       .purpose =
+           "Hears from ModemManager of the text messages that this device receives, and hands\n"
+           "those of the senders that you named to Kivo. Name them with: kivo-phone watch add "
+           "SENDER\n",
+       .serve = [] { return kivo::runSmsWatcher({}); }},
+      argc, argv);
+}

@@ -1,0 +1,167 @@
+#include "sms_watcher/watch_program.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include <unistd.h>
+
+#include "platform/linux/terminal/terminal_text.h"
+#include "sms_watcher/intents_client.h"
+#include "sms_watcher/modem_messages.h"
+#include "sms_watcher/watch_settings.h"
+#include "store/shared_store.h"
+
+namespace kivo {
+namespace {
+using std::chrono::milliseconds;
+
+constexpr const char* ownName = "app.kivo.SmsWatcher";
+
+// The text may include an error message from the bus.
+void tell(const std::string& what) {
+  std::cerr << "kivo-sms-watcher: " << linux_platform::escapedControls(what) << '\n';
+}
+
+WatcherRecord openRecord() {
+  auto record = WatcherRecord::open();
+  if (!record) throw std::runtime_error("the record of handled messages cannot be opened");
+  return std::move(*record);
+}
+
+// The intent answers a text of nobody with a dialog, and drops it.
+bool isSomebodySignedIn() {
+  const auto store = SharedStore::open(appGroup);
+  return store && store->readNonEmptyText(StoreKeys::userId) &&
+         store->readNonEmptyText(StoreKeys::supabaseUrl);
+}
+
+class WatchProgram {
+ public:
+  explicit WatchProgram(const WatchLimits& limits) : limits_(limits) {}
+
+  int run();
+  void stop() noexcept { modems_.stop(); }
+
+ private:
+  std::optional<milliseconds> turn();
+  milliseconds handOnWhatIsDue();
+  void applySettings();
+  void readModems();
+  void takeOutcome(milliseconds patience);
+  bool mayHandOn();
+
+  WatchLimits limits_;
+  ModemMessages modems_{limits_.modemCall, limits_.pauses.first};
+  IntentsClient intents_{ownName, limits_.perform, [this] { modems_.wake(); }};
+  // Only now that no other watcher can be at work on it.
+  SmsWatcher watcher_{openRecord(), limits_.pauses};
+  WatchSettings settings_;
+  // What was said last, so that nothing is said over and over.
+  bool saidThatNobodyIsSignedIn_ = false;
+  bool saidThatSomeAreTooOld_ = false;
+  std::optional<std::string> saidError_;
+};
+
+int WatchProgram::run() {
+  const bool stopped = modems_.serve([this] { return turn(); });
+  if (intents_.lost()) {
+    tell("the session bus is gone");
+    return 1;
+  }
+  takeOutcome(limits_.end);  // so that what is being performed is not handed on again
+  if (!stopped) tell("the system bus is gone");
+  return stopped ? 0 : 1;
+}
+
+// All that there is to do at this moment; yields how long to wait for more.
+std::optional<milliseconds> WatchProgram::turn() {
+  if (intents_.lost()) {
+    modems_.stop();
+    return std::nullopt;
+  }
+  applySettings();
+  takeOutcome(milliseconds(0));
+  if (settings_.senders().empty()) return limits_.look;
+
+  if (modems_.untilReading() == milliseconds(0)) readModems();
+  const milliseconds untilReading = modems_.untilReading().value_or(limits_.look);
+  return std::min({limits_.look, untilReading, handOnWhatIsDue()});
+}
+
+void WatchProgram::readModems() {
+  const ModemMessages::Reading reading = modems_.read();
+  const auto extent =
+      reading.everything ? SmsWatcher::Extent::everything : SmsWatcher::Extent::some;
+  const auto tooOld = watcher_.take(reading.messages, extent, SmsWatcher::Clock::now());
+  if (tooOld == 0 || std::exchange(saidThatSomeAreTooOld_, true)) return;
+  tell("messages that were sent more than a day before their sender was named stay where they are");
+}
+
+// Begins to hand on the next message when it is time; yields how long until there is one.
+milliseconds WatchProgram::handOnWhatIsDue() {
+  const auto untilNext = watcher_.untilNext(SmsWatcher::Clock::now());
+  if (!untilNext) return limits_.look;  // or until the one under way is answered
+  if (*untilNext > milliseconds(0)) return *untilNext;
+  if (mayHandOn()) intents_.perform("ProcessSMSIntent", "smsText", watcher_.beginNext());
+  return limits_.look;
+}
+
+void WatchProgram::applySettings() {
+  if (!settings_.refresh() || settings_.broken()) return;
+  watcher_.setSenders(settings_.senders(), settings_.changed());
+  saidThatSomeAreTooOld_ = false;
+  modems_.lookAtAll();  // the messages of who was named only now
+}
+
+void WatchProgram::takeOutcome(milliseconds patience) {
+  if (!intents_.busy()) return;
+  const auto outcome = intents_.takeOutcome(patience);
+  if (!outcome) return;
+  if (!outcome->error) {
+    watcher_.answered();
+  } else {
+    watcher_.failed(SmsWatcher::Clock::now());
+    if (saidError_ != outcome->error) {
+      tell("a message could not be handed on and is tried again (" + *outcome->error + ")");
+    }
+  }
+  saidError_ = outcome->error;
+}
+
+bool WatchProgram::mayHandOn() {
+  const bool signedIn = isSomebodySignedIn();
+  if (!signedIn && !saidThatNobodyIsSignedIn_) tell("nobody is signed in, so messages wait");
+  saidThatNobodyIsSignedIn_ = !signedIn;
+  return signedIn;
+}
+
+std::atomic<WatchProgram*> running = nullptr;
+
+void stopRunning(int) {
+  WatchProgram* const program = running;
+  if (program == nullptr) _exit(0);  // nothing was begun
+  program->stop();
+}
+
+}  // namespace
+
+int runSmsWatcher(const WatchLimits& limits) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopRunning);
+  try {
+    WatchProgram program(limits);
+    running = &program;
+    const int status = program.run();
+    running = nullptr;
+    return status;
+  } catch (const std::runtime_error& error) {
+    tell(error.what());
+    return 1;
+  }
+}
+
+}  // namespace kivo
