@@ -34,11 +34,11 @@ FOLDERS = {
         "widget_kit": {"foundation"},
     },
     "platform/linux": {
-        "bus": set(),
         "concurrency": set(),
+        "bus": {"concurrency"},
         "foundation": set(),
         "locale": set(),
-        "process": set(),
+        "process": {"concurrency"},
         "terminal": {"process"},
         "http": {"foundation", "process"},
         "store": {"foundation", "process", "terminal"},
