@@ -18,7 +18,8 @@ ARROWS = {
     "store": {"platform"},
     "platform": set(),
     "platform/linux": {"platform"},
-    "phone": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "ledger/recognition": set(),
+    "phone": {"ledger/recognition", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
 }
 FRAMEWORKS = {"app_intents", "foundation", "user_notifications", "widget_kit", "concurrency"}
 

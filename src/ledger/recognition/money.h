@@ -23,7 +23,8 @@ int minorDigits(std::string_view currency);
 /// Whether `code` is an ISO 4217 code of money that circulates, in upper case.
 bool isCurrency(std::string_view code);
 
-/// `money` as a plain decimal with all decimals of its currency, without the code: "150.00", "-0.05".
+/// `money` as a plain decimal with all decimals of its currency, without the code: "150.00",
+/// "-0.05".
 std::string amountText(const Money& money);
 
 /// Reads a plain decimal such as "150", "150.5" or "-0.05" as a sum in `currency`. Absent when
