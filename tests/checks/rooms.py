@@ -20,6 +20,7 @@ ARROWS = {
     "platform/linux": {"platform"},
     "ledger/recognition": set(),
     "phone": {"ledger/recognition", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "ledger": {"ledger/recognition", "store", "extraction", "feedback", "platform", "platform/linux"},
 }
 FRAMEWORKS = {"app_intents", "foundation", "user_notifications", "widget_kit", "concurrency"}
 
