@@ -1,4 +1,4 @@
-// What the ledger's book costs when it holds 100,000 transactions.
+// The cost of the ledger's book when it holds 100,000 transactions.
 #include "ledger/book.h"
 
 #include <string>

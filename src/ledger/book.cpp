@@ -139,11 +139,20 @@ bool Book::remove(std::int64_t id) {
     Statement removal(database_.get(), "DELETE FROM transactions WHERE id = ? RETURNING id");
     if (!next(removal.bind(id))) return false;
     run(removal);
+    forgetLikeness(id);
     linux_platform::oweErasure(database_.get());
     require(transaction.commit());
   }
   linux_platform::eraseReplacedText(database_.get());
   return true;
+}
+
+void Book::forgetLikeness(std::int64_t id) const {
+  Statement update(database_.get(), R"(
+    UPDATE transactions SET possible_duplicate_of =
+      nullif((SELECT min(id) FROM transactions WHERE possible_duplicate_of = ?), id)
+    WHERE possible_duplicate_of = ?)");
+  run(update.bind(id).bind(id));
 }
 
 std::int64_t Book::forgetTexts() {

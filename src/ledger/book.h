@@ -36,7 +36,7 @@ struct EntryFilter {
   std::string search = {};
 };
 
-/// What a person changes of an entry. Absent is unchanged.
+/// A person's changes to an entry. Absent members stay as they are.
 struct EntryChange {
   std::optional<std::string> date = {};
   std::optional<Kind> kind = {};
@@ -45,7 +45,7 @@ struct EntryChange {
   std::optional<std::string> category = {};
 };
 
-/// What became of a message.
+/// The result of recording a message.
 struct Recorded {
   /// A response record in JSON.
   std::string answer;
@@ -82,11 +82,12 @@ class Book {
   /// Books the entry `id`; false when there is none or it has no sum.
   bool accept(std::int64_t id);
   /// Removes the entry `id` and its text; false when there is none. Its key is answered as before.
+  /// Of the entries that looked like it, the others now look like the first.
   bool remove(std::int64_t id);
   /// Removes the texts of all messages from the file; returns how many there were.
   std::int64_t forgetTexts();
 
-  /// What one unit of `currency` is worth in the book's currency, as a plain decimal above zero:
+  /// Sets the worth of one unit of `currency` in the book's currency, a plain decimal above zero:
   /// for later messages.
   void setRate(const std::string& currency, const std::string& rate);
   /// False when there was no rate.
@@ -104,6 +105,7 @@ class Book {
   void correct(LedgerEntry& entry) const;
   void markLookAlike(LedgerEntry& entry, const std::string& userId) const;
   void insert(LedgerEntry& entry, const std::string& userId) const;
+  void forgetLikeness(std::int64_t id) const;
   void holdCorrection(const LedgerEntry& entry, const EntryChange& change) const;
 
   linux_platform::Database database_;

@@ -9,7 +9,8 @@ namespace {
 // The name "KvLg" in ASCII.
 constexpr std::int64_t applicationId = 0x4B764C67;
 
-// What each version of the tables adds. A version that was released is never changed.
+// The statements by which each version of the tables is made. A version that was released is never
+// changed.
 //
 // `answers` outlives the transactions: a key is answered alike for ever. A partial index serves a
 // query only when its condition is in the query.

@@ -106,7 +106,7 @@ std::optional<Money> Book::converted(const Money& foreign, const std::string& cu
   return Money{static_cast<std::int64_t>(units), currency};
 }
 
-// What a person said of this payee before.
+// Applies the person's earlier corrections for this payee.
 void Book::correct(LedgerEntry& entry) const {
   if (entry.payee.empty()) return;
   Statement query(database_.get(), "SELECT description, category FROM corrections WHERE payee = ?");

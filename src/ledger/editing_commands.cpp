@@ -21,7 +21,7 @@ using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-// What was given for `name`, if anything.
+// Returns what was given for `name`, if anything.
 std::optional<std::string> given(const GivenParameters& parameters, const char* name) {
   const auto found = parameters.find(name);
   if (found == parameters.end()) return std::nullopt;

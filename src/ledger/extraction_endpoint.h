@@ -17,7 +17,7 @@ class ExtractionEndpoint {
 
   /// `currency` returns the currency that the book is kept in, absent when it cannot be read; it is
   /// asked for each message.
-  /// `review` is told of each new entry that a person has to look at, once it is durable.
+  /// `review` is called with each new entry that a person has to look at, once it is durable.
   ExtractionEndpoint(
       std::function<std::optional<std::string>()> currency,
       std::function<void(const LedgerEntry&)> review,

@@ -18,7 +18,7 @@ using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-// What was given for `name`; empty when nothing was.
+// Returns what was given for `name`; empty when nothing was.
 std::string given(const GivenParameters& parameters, const char* name) {
   const auto found = parameters.find(name);
   return found == parameters.end() ? "" : platform::repairedUtf8(found->second);

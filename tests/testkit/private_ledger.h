@@ -1,4 +1,4 @@
-// The real kivo-ledger in private folders, as the extension reaches it. Signs nobody in.
+// The real kivo-ledger in private folders, as the extension reaches it.
 #pragma once
 
 #include <chrono>

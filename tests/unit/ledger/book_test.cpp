@@ -118,6 +118,18 @@ TEST_F(AKeptBook, LeavesNoTextOfADeletedEntryInItsFiles) {
   EXPECT_THAT(ids(book.entries({})), ElementsAre(2));
 }
 
+TEST_F(AKeptBook, MarksLookAlikesOfADeletedEntryByTheFirstOfThem) {
+  Book book = open();
+  for (const char* const key : {"KEY-1", "KEY-2", "KEY-3", "KEY-4"}) {
+    recorded(book, key, spent(100));
+  }
+  ASSERT_TRUE(book.remove(1));
+  EXPECT_EQ(book.entry(2)->possibleDuplicateOf, std::nullopt);
+  EXPECT_EQ(book.entry(3)->possibleDuplicateOf, 2);
+  ASSERT_TRUE(book.remove(3));
+  EXPECT_EQ(book.entry(4)->possibleDuplicateOf, 2);
+}
+
 TEST_F(AKeptBook, LeavesNoTextInItsFilesWhenAllAreForgotten) {
   Book book = three();
   EXPECT_EQ(book.forgetTexts(), 3);

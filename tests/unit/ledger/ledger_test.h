@@ -1,4 +1,4 @@
-// What the tests of the book start from. Tests nothing.
+// The fixture of the book's tests.
 #pragma once
 
 #include <filesystem>

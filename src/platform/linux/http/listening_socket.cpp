@@ -81,7 +81,7 @@ int openFolder(const std::filesystem::path& folder) {
   return opened;
 }
 
-// Who may write to the folder may put a socket of their own in the place of ours.
+// A user who may write to the folder could put another socket in the place of ours.
 void requirePrivate(int folder, const std::filesystem::path& path) {
   struct stat found {};
   if (fstat(folder, &found) != 0) failForSystem(path, errno);
