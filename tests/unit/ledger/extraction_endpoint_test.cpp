@@ -103,6 +103,21 @@ TEST_F(AnExtractionEndpoint, SaysThatABookCannotBeOpenedUntilItCan) {
   EXPECT_EQ(post(body()).status, 200);
 }
 
+TEST_F(AnExtractionEndpoint, AcknowledgesNothingInADamagedBook) {
+  ASSERT_EQ(post(body("KEY-1")).status, 200);
+  testkit::RawStore(file()).run("PRAGMA wal_checkpoint(TRUNCATE)");
+  {
+    std::fstream stream(file(), std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(4096);  // the first page tells that it is a book
+    stream << std::string(std::filesystem::file_size(file()) - 4096, '\xff');
+  }
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(post(body("KEY-1")).status, 503);
+  EXPECT_EQ(post(body("KEY-2")).status, 503);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              HasSubstr("database disk image is malformed"));
+}
+
 TEST_F(AnExtractionEndpoint, SaysThatABookCannotBeWrittenUntilItCan) {
   ASSERT_EQ(post(body("KEY-1")).status, 200);
   testkit::RawStore(file()).run(
