@@ -12,6 +12,8 @@
 #include "phone/waiting_texts.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
@@ -56,9 +58,32 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
+// What is wrong with the options of sign-in, if anything.
+std::optional<std::string> signInError(const GivenParameters& given) {
+  const bool local = given.contains("--local");
+  if (local && given.contains("--url")) return "give either --local or --url";
+  if (!local && !given.contains("--url"))
+    return "--url is missing, or --local (see kivo-phone sign-in --help)";
+  if (!local && !given.contains("--user-id"))
+    return "--user-id is missing (see kivo-phone sign-in --help)";
+  return std::nullopt;
+}
+
+// Where the backend is; none, after one line on standard error, when that is unknown.
+std::optional<std::string> baseOf(const GivenParameters& given) {
+  if (!given.contains("--local")) return textOf(given, "--url");
+  const auto socket = linux_platform::localBackendSocket();
+  if (socket) return linux_platform::urlOfSocket(socket->string());
+  fail("XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
+  return std::nullopt;
+}
+
 int signIn(const GivenParameters& given) {
-  const std::string userId = textOf(given, "--user-id");
-  const std::string base = textOf(given, "--url");
+  if (const auto error = signInError(given)) return fail(*error, exitBadUsage);
+  const std::string userId = given.contains("--user-id") ? textOf(given, "--user-id") : "local";
+  const auto place = baseOf(given);
+  if (!place) return exitFailure;
+  const std::string& base = *place;
   if (!SMSExtractionClient::endpoint(base)) {
     return fail("invalid --url \"" + linux_platform::escapedControls(base) +
                     "\": this is no URL; nothing was stored",
@@ -164,8 +189,9 @@ std::vector<linux_platform::Command> accountCommands() {
       {"status", "Show where Kivo is signed in, what it can reach and what waits", {}, status},
       {"sign-in",
        "Store who the person is and where the backend is",
-       {{"--user-id", "The user identifier"},
-        {"--url", "The backend's base URL"},
+       {{"--user-id", "The user identifier; \"local\" when not given with --local", Kind::optional},
+        {"--url", "The backend's base URL", Kind::optional},
+        {"--local", "Use the backend on this machine, kivo-ledger", Kind::flag},
         {"--currency", "The currency code; kept when not given", Kind::optional}},
        signIn},
       {"sign-out", "Forget who the person is", {}, signOut},

@@ -1,8 +1,9 @@
 // How the commands of kivo-phone speak to the person. Asks nothing.
 #pragma once
 
-#include <cstddef>
 #include <string>
+
+#include "platform/linux/terminal/screen.h"
 
 namespace kivo {
 
@@ -21,8 +22,8 @@ int failWithoutStore();
 /// Writes `text` on standard output as it is; yields 0, or `fail` when that cannot be done.
 int print(const std::string& text);
 
-/// Whether standard output is a terminal.
-bool onTerminal();
+using linux_platform::onTerminal;
+using linux_platform::screenWidth;
 
 /// Whether standard output is a terminal that obeys escape sequences: TERM is neither unset nor
 /// dumb.
@@ -30,8 +31,5 @@ bool terminalObeysEscapes();
 
 /// Whether standard output shows bold text, and the person did not decline that with NO_COLOR.
 bool terminalShowsStyles();
-
-/// How many columns standard output shows in a line; without end where it is no terminal.
-std::size_t screenWidth();
 
 }  // namespace kivo
