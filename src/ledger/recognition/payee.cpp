@@ -177,6 +177,11 @@ class Names {
       return false;
     const bool article = item.text == "the" || item.text == "a" || item.text == "an";
     if (article && readable_[item.begin] != 'T') return false;
+    constexpr auto pronouns =
+        std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
+    if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
+    // "on Nov 6"
+    if (at + 1 < items_.size() && items_[at + 1].isPiece && !items_[at + 1].glued) return false;
     if (isWordOf(
             at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
                  Meaning::limit, Meaning::charge, Meaning::code, Meaning::done})) {

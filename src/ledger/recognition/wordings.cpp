@@ -38,7 +38,7 @@ constexpr std::string_view sumKey = "#";
 
 Element elementOf(const Item& item) {
   if (item.text == "#") return {Element::Kind::sum};
-  if (item.text == "@") return {Element::Kind::name};
+  if (item.text == "^") return {Element::Kind::name};
   if (item.text == "_") return {Element::Kind::gap};
   return {Element::Kind::word, item.text};
 }
@@ -48,7 +48,7 @@ Pattern patternOf(const Wording& wording) {
   for (const Item& item : itemsOf(wording.words)) {
     if (item.text == "~") {
       pattern.elements.back().kind = Element::Kind::front;
-    } else if (item.text == "@" && pattern.elements.empty()) {
+    } else if (item.text == "^" && pattern.elements.empty()) {
       pattern.namePrecedes = true;
     } else {
       pattern.elements.push_back(elementOf(item));
