@@ -15,6 +15,7 @@ std::optional<Part> partOf(Meaning meaning) {
       return Part::balance;
     case Meaning::limit:
       return Part::limit;
+    case Meaning::fee:
     case Meaning::charge:
       return Part::charge;
     case Meaning::aside:
