@@ -58,6 +58,18 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
+// The URL of kivo-ledger's socket; none when there is no place for one.
+std::optional<std::string> ledgerUrl() {
+  const auto socket = linux_platform::localBackendSocket();
+  if (!socket) return std::nullopt;
+  return linux_platform::urlOfSocket(socket->string());
+}
+
+// How a base URL is shown to a person.
+std::string shownBase(const std::string& base) {
+  return ledgerUrl() == base ? "the ledger on this machine" : base;
+}
+
 // What is wrong with the options of sign-in, if anything.
 std::optional<std::string> signInError(const GivenParameters& given) {
   const bool local = given.contains("--local");
@@ -72,8 +84,7 @@ std::optional<std::string> signInError(const GivenParameters& given) {
 // Where the backend is; none, after one line on standard error, when that is unknown.
 std::optional<std::string> baseOf(const GivenParameters& given) {
   if (!given.contains("--local")) return textOf(given, "--url");
-  const auto socket = linux_platform::localBackendSocket();
-  if (socket) return linux_platform::urlOfSocket(socket->string());
+  if (auto url = ledgerUrl()) return url;
   fail("XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
   return std::nullopt;
 }
@@ -102,7 +113,8 @@ int signIn(const GivenParameters& given) {
     return print("Stored. An empty user identifier or URL counts as signed out.\n");
   }
   // Printed before the check, which takes up to its timeout when there is no answer.
-  if (const int failed = print("Signed in at " + forStandardOutput(base) + "\n"); failed != 0) {
+  if (const int failed = print("Signed in at " + forStandardOutput(shownBase(base)) + "\n");
+      failed != 0) {
     return failed;
   }
   std::string lines;
@@ -157,7 +169,7 @@ std::string backendLines(const SharedStore& store) {
   if (!base || !store.readNonEmptyText(StoreKeys::userId)) {
     return line("Signed in", "no; kivo-phone sign-in does it");
   }
-  std::string lines = line("Signed in", "at " + *base);
+  std::string lines = line("Signed in", "at " + shownBase(*base));
   if (!SMSExtractionClient::endpoint(*base)) {
     return lines + line("Backend", "the stored address is no URL; sign in again");
   }

@@ -52,12 +52,11 @@ TEST_F(APhone, SignsInToTheLedgerOnThisMachine) {
   const std::string url = linux_platform::urlOfSocket(socket);
   const ProgramResult result = run({"sign-in", "--local"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(
-      result.output,
-      "Signed in at " + url +
-          "\nThe backend cannot be reached now: The host did not take the connection (there is "
-          "no such socket). Messages wait until it can.\nsystemctl --user start "
-          "kivo-ledger.socket starts it, or kivo-ledger serve by hand.\n");
+  EXPECT_EQ(result.output,
+            "Signed in at the ledger on this machine\n"
+            "The backend cannot be reached now: The host did not take the connection (there is "
+            "no such socket). Messages wait until it can.\nsystemctl --user start "
+            "kivo-ledger.socket starts it, or kivo-ledger serve by hand.\n");
   EXPECT_EQ(stored(StoreKeys::userId), "local");
   EXPECT_EQ(stored(StoreKeys::supabaseUrl), url);
   EXPECT_EQ(stored(StoreKeys::currency), std::nullopt);

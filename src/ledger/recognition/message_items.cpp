@@ -138,6 +138,10 @@ Items itemsOf(std::string_view readable) {
     }
     Item item = itemAt(readable, at);
     item.glued = !blank;
+    if (item.text == "@" && blank) {  // "purchase @ KAROO FUEL"
+      item.kind = Item::Kind::word;
+      item.text = "at";
+    }
     item.startsSentence = items.empty() || endsSentence(items, items.size() - 1, blank) ||
                           (items.back().kind == Item::Kind::lineBreak);
     at = item.end;

@@ -15,6 +15,7 @@ std::optional<Part> partOf(Meaning meaning) {
       return Part::balance;
     case Meaning::limit:
       return Part::limit;
+    case Meaning::fee:
     case Meaning::charge:
       return Part::charge;
     case Meaning::aside:
@@ -33,12 +34,11 @@ std::optional<Part> partOf(Meaning meaning) {
 // Whether the items from `begin` to `end` lie in one sentence. A label on a line of its own belongs
 // to the sum on the next.
 bool inOneSentence(const Items& items, std::size_t begin, std::size_t end) {
-  bool onlyBreak = true;
+  bool onlyLabel = true;
   for (std::size_t at = begin; at < end; ++at) {
-    onlyBreak = onlyBreak &&
-                (items[at].kind == Item::Kind::lineBreak || items[at].kind == Item::Kind::mark);
+    onlyLabel = onlyLabel && (items[at].kind == Item::Kind::lineBreak || items[at].text == ":");
   }
-  if (onlyBreak) return true;
+  if (onlyLabel) return true;
   for (std::size_t at = begin; at <= end; ++at) {
     if (items[at].startsSentence) return false;
   }
@@ -78,16 +78,16 @@ class Sums {
   [[nodiscard]] Part partOfSum(std::size_t index) const {
     const std::size_t sum = sums_[index];
     const std::size_t previous = index == 0 ? 0 : sums_[index - 1];
+    const auto behind = partSaidBehind(index);
+    if (behind && *behind != Part::moved) return *behind;
     Part part = Part::moved;
-    bool told = false;
     for (const Found& wording : found_) {
       if (wording.begin < previous || wording.end > sum) continue;
       const auto said = partOf(wording.meaning);
       if (!said || !inOneSentence(items_, wording.end, sum)) continue;
       part = *said;
-      told = true;
     }
-    return told ? part : partSaidBehind(index).value_or(Part::moved);
+    return part;
   }
 
   // "EGP 5,430.10 is your available balance", unless the words introduce the next sum.
@@ -99,11 +99,20 @@ class Sums {
       if (wording.begin > sum + near || !inOneSentence(items_, sum + 1, wording.begin)) break;
       const auto said = partOf(wording.meaning);
       if (!said) continue;
-      const bool introduces = index + 1 < sums_.size() && sums_[index + 1] <= wording.end + near;
-      if (introduces) return std::nullopt;
+      if (introducesNumber(wording)) return std::nullopt;
       return said;
     }
     return std::nullopt;
+  }
+
+  // "Avl Bal 5521": the words belong to what follows.
+  [[nodiscard]] bool introducesNumber(const Found& wording) const {
+    constexpr std::size_t near = 5;
+    for (std::size_t at = wording.end; at < std::min(items_.size(), wording.end + near); ++at) {
+      const bool number = items_[at].kind == Item::Kind::number && !items_[at].isPiece;
+      if (number || items_[at].kind == Item::Kind::sum) return true;
+    }
+    return false;
   }
 
   [[nodiscard]] bool isBook(std::size_t at) const {

@@ -54,13 +54,13 @@ constexpr auto channelWords = std::to_array<std::string_view>(
 
 // Words that say how the money went, not to whom: a name is not made of them alone.
 constexpr auto commonWords = std::to_array<std::string_view>(
-    {"atm",     "transfer",    "salary",   "loan",     "cash",    "withdrawal", "deposit",
-     "payment", "purchase",    "airtime",  "mob",      "bk",      "banking",    "mobile",
-     "sms",     "charge",      "charges",  "fee",      "fees",    "emi",        "bank",
-     "online",  "net",         "internet", "interest", "rent",    "online",     "convenience",
-     "txn",     "transaction", "refund",   "reversal", "agent",   "it",         "us",
-     "them",    "merchant",    "cheque",   "check",    "savings", "checking",   "pos",
-     "self",    "others",      "na",       "nil",      "app"});
+    {"atm",      "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
+     "payment",  "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
+     "sms",      "charge",   "charges",  "fee",      "fees", "emi",        "bank",
+     "online",   "net",      "internet", "interest", "rent", "txn",        "refund",
+     "reversal", "agent",    "it",       "of",       "us",   "them",       "merchant",
+     "cheque",   "check",    "savings",  "checking", "self", "others",     "transaction",
+     "nil",      "na"});
 
 class Names {
  public:
@@ -72,10 +72,15 @@ class Names {
   [[nodiscard]] std::string best() const {
     std::string best;
     int bestRank = 100;
+    const bool givesBack = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
+      return wording.meaning == Meaning::refund || wording.meaning == Meaning::cashback;
+    });
     for (const Found& wording : found_) {
       auto rank = rankOf(wording.meaning, wording.nameFollows || wording.namePrecedes, kind_);
       constexpr int surest = 8;  // "spent on 20-Oct-26 on Web Bazaar"
       if (wording.meaning == Meaning::ends && items_[wording.begin].text == "on") rank = surest;
+      // Where money came, "at" is a branch, unless a shop gives it back.
+      if (kind_ == Kind::income && wording.meaning == Meaning::at && !givesBack) rank.reset();
       if (!rank || *rank >= bestRank) continue;
       const bool before = wording.namePrecedes || wording.meaning == Meaning::credited;
       std::string name = before ? nameBefore(wording) : nameBehind(wording);
@@ -121,10 +126,11 @@ class Names {
     const std::size_t end = endOfName(begin, wording.meaning);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
     if (latin && isProse(wording.meaning, begin, end)) return {};
+    // "from Lotus Bank card 12", but in Arabic "from the shop by card 12".
     const bool ownSide = wording.meaning == Meaning::ends ||
-                         (kind_ != Kind::income && wording.meaning == Meaning::from);
+                         (latin && kind_ != Kind::income && wording.meaning == Meaning::from);
     if (ownSide && isWordOf(end, {Meaning::own})) return {};
-    return shown(begin, end, wording.meaning == Meaning::info);
+    return shown(begin, end, wording.meaning);
   }
 
   // Behind "for", "by" and the like a name has a capital, unless it is an address: "lotus@upi".
@@ -146,14 +152,20 @@ class Names {
 
   // "ASHA RAO credited", "Asha Rao has received": from the last mark, sum or sentence on.
   [[nodiscard]] std::string nameBefore(const Found& wording) const {
-    std::size_t begin = wording.begin;
+    std::size_t end = wording.begin;
+    const auto auxiliary = [this](std::size_t at) {
+      const std::string& word = items_[at].text;
+      return word == "has" || word == "been" || word == "is" || word == "was";
+    };
+    while (end > 0 && auxiliary(end - 1)) --end;
+    std::size_t begin = end;
     while (begin > 0 && !items_[begin].startsSentence &&
            (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
            !isWordOf(begin - 1, {Meaning::ends, Meaning::own, Meaning::balance, Meaning::from})) {
       --begin;
     }
-    if (begin == wording.begin || !beginsName(begin)) return {};
-    return shown(begin, wording.begin, false);
+    if (begin == end || !beginsName(begin)) return {};
+    return shown(begin, end, Meaning::label);
   }
 
   // "DEBIT:Rs.983.75 TAMARIND KITCHEN Bal:Rs.1234.67": nothing introduces it but its capitals.
@@ -161,10 +173,12 @@ class Names {
     const auto sum = std::find_if(items_.begin(), items_.end(),
                                   [](const Item& item) { return item.kind == Item::Kind::sum; });
     if (sum == items_.end() || sum + 1 == items_.end()) return {};
-    const auto begin = static_cast<std::size_t>(sum - items_.begin()) + 1;
+    auto begin = static_cast<std::size_t>(sum - items_.begin()) + 1;
+    const bool ownLine = items_[begin].kind == Item::Kind::lineBreak || isMark(items_[begin], "|");
+    if (ownLine && begin + 1 < items_.size()) ++begin;
     constexpr std::size_t shortest = 3;
     const Item& first = items_[begin];
-    if (!first.capitals || first.text.size() < shortest || first.startsSentence ||
+    if (!first.capitals || first.text.size() < shortest || (first.startsSentence && !ownLine) ||
         at_[begin] != nullptr) {
       return {};
     }
@@ -177,6 +191,11 @@ class Names {
       return false;
     const bool article = item.text == "the" || item.text == "a" || item.text == "an";
     if (article && readable_[item.begin] != 'T') return false;
+    constexpr auto pronouns =
+        std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
+    if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
+    // "on Nov 6"
+    if (at + 1 < items_.size() && items_[at + 1].isPiece && !items_[at + 1].glued) return false;
     if (isWordOf(
             at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
                  Meaning::limit, Meaning::charge, Meaning::code, Meaning::done})) {
@@ -202,7 +221,7 @@ class Names {
                           : item.text.size() > 4 && !item.glued;
     }
     if (isMark(item, ",")) return !goesOnBehindComma(at, begin);
-    if (isMark(item, ";()[]|\"!?")) return true;
+    if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
     if (isMark(item, ":") && !item.glued) return true;
     if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
         introduced != Meaning::info) {
@@ -269,7 +288,8 @@ class Names {
     const auto namesSomebody = [](const Item& item) {
       return item.kind == Item::Kind::word &&
              item.text.find_first_not_of('x') != std::string::npos &&
-             std::find(commonWords.begin(), commonWords.end(), item.text) == commonWords.end();
+             std::find(commonWords.begin(), commonWords.end(), item.text) == commonWords.end() &&
+             std::find(channelWords.begin(), channelWords.end(), item.text) == channelWords.end();
     };
     if (std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                      items_.begin() + static_cast<std::ptrdiff_t>(end), namesSomebody)) {
@@ -279,13 +299,15 @@ class Names {
         readable_.substr(items_[begin].begin, items_[end - 1].end - items_[begin].begin));
   }
 
-  [[nodiscard]] std::string shown(std::size_t begin, std::size_t end, bool narration) const {
+  [[nodiscard]] std::string shown(std::size_t begin, std::size_t end, Meaning introduced) const {
     const bool slashes = std::any_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                      items_.begin() + static_cast<std::ptrdiff_t>(end),
                                      [](const Item& item) { return isMark(item, "/"); });
-    const bool channel = std::find(channelWords.begin(), channelWords.end(), items_[begin].text) !=
-                         channelWords.end();
-    if (slashes || (narration && channel)) return narrated(begin, end);
+    const bool channel = isChannel(begin);
+    const bool place = introduced == Meaning::at || introduced == Meaning::label;
+    if ((slashes && (channel || !place)) || (introduced == Meaning::info && channel)) {
+      return narrated(begin, end);
+    }
     return plain(begin, end);
   }
 

@@ -131,6 +131,14 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   if (movement == nullptr && sums.moved && sums.balance) {
     movement = movementBySign(items[*sums.moved].sum);
   }
+  // "Card 1199 | AED 52.00 | GREEN GROCER | Approved"
+  if (movement == nullptr && holds(found, Meaning::own) && holds(found, Meaning::done)) {
+    movement = movementOf(Meaning::transaction);
+  }
+  // A message that begins with what is to come goes on about it: "Your bill is ready. Min
+  // payment..."
+  const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
+  if (movement != nullptr && movement->strength < Strength::verb && begunToCome) movement = nullptr;
   if (isRefused(found, movement)) return {.outcome = Outcome::declined};
   if (movement == nullptr || !sums.moved) return {};
 

@@ -38,7 +38,7 @@ constexpr std::string_view sumKey = "#";
 
 Element elementOf(const Item& item) {
   if (item.text == "#") return {Element::Kind::sum};
-  if (item.text == "@") return {Element::Kind::name};
+  if (item.text == "^") return {Element::Kind::name};
   if (item.text == "_") return {Element::Kind::gap};
   return {Element::Kind::word, item.text};
 }
@@ -48,7 +48,7 @@ Pattern patternOf(const Wording& wording) {
   for (const Item& item : itemsOf(wording.words)) {
     if (item.text == "~") {
       pattern.elements.back().kind = Element::Kind::front;
-    } else if (item.text == "@" && pattern.elements.empty()) {
+    } else if (item.text == "^" && pattern.elements.empty()) {
       pattern.namePrecedes = true;
     } else {
       pattern.elements.push_back(elementOf(item));
@@ -83,11 +83,27 @@ const Patterns& allPatterns() {
   return patterns;
 }
 
+// Arabic "and" and the article are written with the word: "والرصيد".
+std::string_view withoutPrefix(std::string_view word) {
+  constexpr std::string_view conjunction = "و";
+  constexpr std::string_view article = "ال";
+  constexpr std::size_t shortest = 6;  // three letters of two bytes
+  if (word.starts_with(conjunction) && word.size() >= conjunction.size() + shortest) {
+    word.remove_prefix(conjunction.size());
+  }
+  if (word.starts_with(article) && word.size() >= article.size() + shortest) {
+    word.remove_prefix(article.size());
+  }
+  return word;
+}
+
 bool fits(const Element& element, const Item& item) {
   if (element.kind == Element::Kind::sum) return item.kind == Item::Kind::sum;
   if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak) return false;
-  return element.kind == Element::Kind::front ? item.text.starts_with(element.text)
-                                              : item.text == element.text;
+  const std::string_view bare = withoutPrefix(item.text);
+  return element.kind == Element::Kind::front
+             ? item.text.starts_with(element.text) || bare.starts_with(element.text)
+             : item.text == element.text || bare == element.text;
 }
 
 // The end of the match of the elements from `element` on at `at`, or absent. A gap spans a few
@@ -113,12 +129,10 @@ std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std:
   return at;
 }
 
-std::optional<Found> longestAt(const Items& items, std::size_t at) {
-  const auto candidates = allPatterns().find(keyOf(items[at]));
-  if (candidates == allPatterns().end()) return std::nullopt;
-  std::optional<Found> longest;
-  std::size_t mostElements = 0;
-  for (const Pattern& pattern : candidates->second) {
+// The longest of `patterns` that matches at `at`, if it is longer than `longest`.
+void findLonger(const std::vector<Pattern>& patterns, const Items& items, std::size_t at,
+                std::optional<Found>& longest, std::size_t& mostElements) {
+  for (const Pattern& pattern : patterns) {
     const auto end = endOfMatch(pattern.elements, 0, items, at);
     if (!end || pattern.elements.size() < mostElements) continue;
     if (longest && pattern.elements.size() == mostElements && *end <= longest->end) continue;
@@ -128,6 +142,21 @@ std::optional<Found> longestAt(const Items& items, std::size_t at) {
                     .end = *end,
                     .nameFollows = pattern.elements.back().kind == Element::Kind::name,
                     .namePrecedes = pattern.namePrecedes};
+  }
+}
+
+std::optional<Found> longestAt(const Items& items, std::size_t at) {
+  std::optional<Found> longest;
+  std::size_t mostElements = 0;
+  const std::string_view key = keyOf(items[at]);
+  if (const auto same = allPatterns().find(key); same != allPatterns().end()) {
+    findLonger(same->second, items, at, longest, mostElements);
+  }
+  const std::string_view bare = withoutPrefix(items[at].text);
+  const std::string_view bareKey = bare.substr(0, characterLength(bare));
+  if (bareKey == key || items[at].kind != Item::Kind::word) return longest;
+  if (const auto other = allPatterns().find(bareKey); other != allPatterns().end()) {
+    findLonger(other->second, items, at, longest, mostElements);
   }
   return longest;
 }
