@@ -74,8 +74,9 @@ bool isToCome(std::span<const Found> sentence) {
       std::find_if(sentence.data(), sentence.data() + sentence.size(),
                    [](const Found& one) { return one.meaning == Meaning::notYet; });
   if (toCome == sentence.data() + sentence.size()) return false;
-  return std::none_of(sentence.data(), toCome,
-                      [](const Found& one) { return isVerb(one.meaning); });
+  return std::none_of(sentence.data(), toCome, [](const Found& one) {
+    return isVerb(one.meaning) || one.meaning == Meaning::declined;
+  });
 }
 
 // The items of the sentences that report something. Joined, they are a message of their own.
