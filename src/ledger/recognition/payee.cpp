@@ -98,10 +98,12 @@ class Names {
       if (!labelled || begin + 1 >= items_.size()) return {};
       ++begin;
     }
+    constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
-    if (digits && items_[begin].text.size() > 4) begin = behindMask(begin);
-    if (isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark)
+    const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
+    if (masked || (digits && items_[begin].text.size() > longestHouseNumber))
       begin = behindMask(begin);
+    if (isWordOf(begin, {Meaning::label})) begin = at_[begin]->end;  // "to Merchant STAR KABAB"
     if (begin >= items_.size() || !beginsName(begin)) return {};
     const std::size_t end = endOfName(begin, wording.meaning);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
@@ -135,7 +137,7 @@ class Names {
     std::size_t end = wording.begin;
     const auto auxiliary = [this](std::size_t at) {
       const std::string& word = items_[at].text;
-      return word == "has" || word == "been" || word == "is" || word == "was";
+      return word == "just" || word == "has" || word == "been" || word == "is" || word == "was";
     };
     while (end > 0 && auxiliary(end - 1)) --end;
     std::size_t begin = end;

@@ -102,6 +102,14 @@ const Movement* movementBySign(const Sum& sum) {
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
+// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND.
+// Available KWD 93.250": a card's use without a word for it.
+bool isCardNotice(std::span<const Found> found) {
+  const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit);
+  return holds(found, Meaning::own) &&
+         (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
+}
+
 Money moneyOf(const Sum& sum, std::string_view bookCurrency) {
   return {.minorUnits = sum.minorUnits.value_or(0),
           .currency = sum.currency.empty() ? std::string(bookCurrency) : sum.currency};
@@ -132,10 +140,7 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   if (movement == nullptr && sums.moved && sums.balance) {
     movement = movementBySign(items[*sums.moved].sum);
   }
-  // "Card 1199 | AED 52.00 | GREEN GROCER | Approved"
-  if (movement == nullptr && holds(found, Meaning::own) && holds(found, Meaning::done)) {
-    movement = movementOf(Meaning::transaction);
-  }
+  if (movement == nullptr && isCardNotice(found)) movement = movementOf(Meaning::transaction);
   // A message that begins with what is to come goes on about it: "Your bill is ready. Min
   // payment..."
   const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
