@@ -6,12 +6,10 @@
 #include <optional>
 #include <vector>
 
-#include "ledger/recognition/spelling.h"
+#include "ledger/recognition/name_text.h"
 
 namespace kivo::ledger {
 namespace {
-
-constexpr std::size_t longestName = 60;
 
 // The order in which introductions are believed; a lower number is surer.
 std::optional<int> rankOf(Meaning meaning, bool nameBeside, Kind kind) {
@@ -43,24 +41,6 @@ bool isMark(const Item& item, std::string_view marks) {
   return item.kind == Item::Kind::mark && item.text.size() == 1 &&
          marks.find(item.text.front()) != std::string_view::npos;
 }
-
-// Words in a bank's narration that are no names: "UPI/P2M/4249/ORCHID MART".
-constexpr auto channelWords = std::to_array<std::string_view>(
-    {"upi",  "cr",   "dr",  "imps", "neft", "rtgs", "p2p",  "p2a", "p2m", "p",   "a",    "m",
-     "pos",  "ecom", "atm", "bil",  "inft", "mob",  "ift",  "ach", "ref", "no",  "xutr", "tg",
-     "y",    "n",    "nfs", "inb",  "ib",   "trf",  "tfr",  "ftr", "txn", "utr", "rrn",  "pay",
-     "card", "acct", "ac",  "to",   "from", "by",   "iban", "vpa", "otp", "inr", "onl",  "ft",
-     "pmt",  "web",  "app", "ussd", "nip",  "csh",  "cash", "chq", "mmt", "vps", "ips",  "tpt"});
-
-// Words that say how the money went, not to whom: a name is not made of them alone.
-constexpr auto commonWords = std::to_array<std::string_view>(
-    {"atm",      "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
-     "payment",  "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
-     "sms",      "charge",   "charges",  "fee",      "fees", "emi",        "bank",
-     "online",   "net",      "internet", "interest", "rent", "txn",        "refund",
-     "reversal", "agent",    "it",       "of",       "us",   "them",       "merchant",
-     "cheque",   "check",    "savings",  "checking", "self", "others",     "transaction",
-     "nil",      "na"});
 
 class Names {
  public:
@@ -118,10 +98,12 @@ class Names {
       if (!labelled || begin + 1 >= items_.size()) return {};
       ++begin;
     }
+    constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
-    if (digits && items_[begin].text.size() > 4) begin = behindMask(begin);
-    if (isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark)
+    const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
+    if (masked || (digits && items_[begin].text.size() > longestHouseNumber))
       begin = behindMask(begin);
+    if (isWordOf(begin, {Meaning::label})) begin = at_[begin]->end;  // "to Merchant STAR KABAB"
     if (begin >= items_.size() || !beginsName(begin)) return {};
     const std::size_t end = endOfName(begin, wording.meaning);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
@@ -155,7 +137,7 @@ class Names {
     std::size_t end = wording.begin;
     const auto auxiliary = [this](std::size_t at) {
       const std::string& word = items_[at].text;
-      return word == "has" || word == "been" || word == "is" || word == "was";
+      return word == "just" || word == "has" || word == "been" || word == "is" || word == "was";
     };
     while (end > 0 && auxiliary(end - 1)) --end;
     std::size_t begin = end;
@@ -182,7 +164,7 @@ class Names {
         at_[begin] != nullptr) {
       return {};
     }
-    return plain(begin, endOfName(begin, Meaning::to));
+    return nameBetween(readable_, items_, begin, endOfName(begin, Meaning::to));
   }
 
   [[nodiscard]] bool beginsName(std::size_t at) const {
@@ -255,60 +237,16 @@ class Names {
     return end;
   }
 
-  [[nodiscard]] bool isChannel(std::size_t at) const {
-    return std::find(channelWords.begin(), channelWords.end(), items_[at].text) !=
-           channelWords.end();
-  }
-
-  // The piece of a narration such as "UPI/CR/42494/MEERA NAIR/Y" that is a name: words that are no
-  // channel, without digits.
-  [[nodiscard]] std::string narrated(std::size_t begin, std::size_t end) const {
-    std::size_t piece = begin;
-    for (std::size_t at = begin; at <= end; ++at) {
-      const bool cut =
-          at == end || isMark(items_[at], "/") || (isMark(items_[at], "-:*") && items_[at].glued);
-      if (!cut) continue;
-      const auto isName = [&](std::size_t word) {
-        return items_[word].kind == Item::Kind::word && items_[word].text.size() > 2 &&
-               std::find(channelWords.begin(), channelWords.end(), items_[word].text) ==
-                   channelWords.end() &&
-               items_[word].text.find_first_not_of('x') != std::string::npos;
-      };
-      bool named = false;
-      for (std::size_t word = piece; word < at; ++word) named = named || isName(word);
-      while (named && isChannel(piece)) ++piece;
-      if (named) return plain(piece, at);
-      piece = at + 1;
-    }
-    return {};
-  }
-
-  [[nodiscard]] std::string plain(std::size_t begin, std::size_t end) const {
-    if (begin >= end) return {};
-    const auto namesSomebody = [](const Item& item) {
-      return item.kind == Item::Kind::word &&
-             item.text.find_first_not_of('x') != std::string::npos &&
-             std::find(commonWords.begin(), commonWords.end(), item.text) == commonWords.end() &&
-             std::find(channelWords.begin(), channelWords.end(), item.text) == channelWords.end();
-    };
-    if (std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
-                     items_.begin() + static_cast<std::ptrdiff_t>(end), namesSomebody)) {
-      return {};
-    }
-    return shownPayee(
-        readable_.substr(items_[begin].begin, items_[end - 1].end - items_[begin].begin));
-  }
-
   [[nodiscard]] std::string shown(std::size_t begin, std::size_t end, Meaning introduced) const {
     const bool slashes = std::any_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                      items_.begin() + static_cast<std::ptrdiff_t>(end),
                                      [](const Item& item) { return isMark(item, "/"); });
-    const bool channel = isChannel(begin);
+    const bool channel = isChannelWord(items_[begin].text);
     const bool place = introduced == Meaning::at || introduced == Meaning::label;
     if ((slashes && (channel || !place)) || (introduced == Meaning::info && channel)) {
-      return narrated(begin, end);
+      return nameInNarration(readable_, items_, begin, end);
     }
-    return plain(begin, end);
+    return nameBetween(readable_, items_, begin, end);
   }
 
   const std::string_view readable_;
@@ -323,20 +261,6 @@ class Names {
 std::string payeeIn(std::string_view readable, const Items& items, std::span<const Found> found,
                     Kind kind) {
   return Names(readable, items, found, kind).best();
-}
-
-std::string shownPayee(std::string_view name) {
-  std::string line(name);
-  std::replace_if(
-      line.begin(), line.end(),
-      [](char character) { return static_cast<unsigned char>(character) < ' '; }, ' ');
-  constexpr std::string_view edges = " \"'*:-.,#;/_";
-  const std::size_t begin = line.find_first_not_of(edges);
-  if (begin == std::string::npos) return {};
-  line.erase(0, begin);
-  line.resize(wholeCharacters(line, longestName));
-  line.erase(line.find_last_not_of(edges) + 1);
-  return line;
 }
 
 }  // namespace kivo::ledger

@@ -17,7 +17,4 @@ namespace kivo::ledger {
 std::string payeeIn(std::string_view readable, const Items& items, std::span<const Found> found,
                     Kind kind);
 
-/// `name` on one line, without quotes, blanks and marks around it, 60 bytes at most.
-std::string shownPayee(std::string_view name);
-
 }  // namespace kivo::ledger

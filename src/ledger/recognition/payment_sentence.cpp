@@ -4,7 +4,7 @@
 #include <string>
 
 #include "ledger/recognition/merchant_categories.h"
-#include "ledger/recognition/payee.h"
+#include "ledger/recognition/name_text.h"
 
 namespace kivo::ledger {
 namespace {

@@ -74,8 +74,9 @@ bool isToCome(std::span<const Found> sentence) {
       std::find_if(sentence.data(), sentence.data() + sentence.size(),
                    [](const Found& one) { return one.meaning == Meaning::notYet; });
   if (toCome == sentence.data() + sentence.size()) return false;
-  return std::none_of(sentence.data(), toCome,
-                      [](const Found& one) { return isVerb(one.meaning); });
+  return std::none_of(sentence.data(), toCome, [](const Found& one) {
+    return isVerb(one.meaning) || one.meaning == Meaning::declined;
+  });
 }
 
 // The items of the sentences that report something. Joined, they are a message of their own.
@@ -99,6 +100,14 @@ bool isRefused(std::span<const Found> found, const Movement* movement) {
 const Movement* movementBySign(const Sum& sum) {
   if (sum.sign == '-') return movementOf(Meaning::debit);
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
+}
+
+// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND.
+// Available KWD 93.250": a card's use without a word for it.
+bool isCardNotice(std::span<const Found> found) {
+  const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit);
+  return holds(found, Meaning::own) &&
+         (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
 }
 
 Money moneyOf(const Sum& sum, std::string_view bookCurrency) {
@@ -131,10 +140,7 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   if (movement == nullptr && sums.moved && sums.balance) {
     movement = movementBySign(items[*sums.moved].sum);
   }
-  // "Card 1199 | AED 52.00 | GREEN GROCER | Approved"
-  if (movement == nullptr && holds(found, Meaning::own) && holds(found, Meaning::done)) {
-    movement = movementOf(Meaning::transaction);
-  }
+  if (movement == nullptr && isCardNotice(found)) movement = movementOf(Meaning::transaction);
   // A message that begins with what is to come goes on about it: "Your bill is ready. Min
   // payment..."
   const bool begunToCome = items.empty() || items.front().begin != all.front().begin;

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <map>
 #include <vector>
 
 #include "ledger/recognition/amount_digits.h"
 #include "ledger/recognition/currencies.h"
 #include "ledger/recognition/number_pieces.h"
+#include "ledger/recognition/stated_currency.h"
 #include "ledger/recognition/wordings.h"
 
 namespace kivo::ledger {
@@ -17,55 +16,6 @@ namespace {
 bool isMark(const Item& item, std::string_view marks) {
   return item.kind == Item::Kind::mark && item.text.size() == 1 &&
          marks.find(item.text.front()) != std::string_view::npos;
-}
-
-// A currency's sign or word in a message.
-struct Stated {
-  std::size_t begin = 0;  // items
-  std::size_t end = 0;
-  std::string codes;  // candidates, separated by blanks
-};
-
-using Words = std::vector<std::pair<std::vector<std::string>, std::string_view>>;
-
-std::vector<std::string> split(std::string_view text) {
-  std::vector<std::string> words;
-  while (!text.empty()) {
-    const std::size_t blank = std::min(text.find(' '), text.size());
-    words.emplace_back(text.substr(0, blank));
-    text.remove_prefix(std::min(blank + 1, text.size()));
-  }
-  return words;
-}
-
-// Currency words by their first or by their last item.
-std::map<std::string, Words> wordsBy(bool first) {
-  std::map<std::string, Words> index;
-  for (const CurrencyWord& word : currencyWords()) {
-    auto items = split(word.items);
-    std::string key = first ? items.front() : items.back();
-    index[std::move(key)].emplace_back(std::move(items), word.codes);
-  }
-  return index;
-}
-
-// Codes that are everyday words too count in capitals only.
-constexpr auto everydayWords = std::to_array<std::string_view>(
-    {"all", "top", "try", "cup", "mad", "pen", "bob", "gel", "sos", "mop", "den", "ron", "ang"});
-
-std::string isoCode(const Item& item) {
-  if (item.kind != Item::Kind::word || item.text.size() != 3) return {};
-  const bool everyday =
-      std::find(everydayWords.begin(), everydayWords.end(), item.text) != everydayWords.end();
-  if (everyday && !item.capitals) return {};
-  std::string code = item.text;
-  for (char& letter : code)
-    letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-  return currencyByCode(code) != nullptr ? code : std::string();
-}
-
-bool holds(std::string_view codes, std::string_view code) {
-  return code.size() == 3 && codes.find(code) != std::string_view::npos;
 }
 
 class SumReader {
@@ -94,75 +44,23 @@ class SumReader {
   }
 
  private:
-  [[nodiscard]] bool matches(const std::vector<std::string>& words, std::size_t begin) const {
-    if (begin + words.size() > items_.size()) return false;
-    for (std::size_t at = 0; at < words.size(); ++at) {
-      if (items_[begin + at].text != words[at]) return false;
-      // "a $18.20" is no "A$".
-      const bool sign = items_[begin + at].text == "$" || items_[begin + at].text == "£";
-      if (at > 0 && sign && !items_[begin + at].glued) return false;
-    }
-    return true;
+  [[nodiscard]] std::optional<StatedCurrency> currencyEndingAt(std::size_t end,
+                                                               std::size_t number) const {
+    return currencyBefore(items_, end, taken_, number, book_);
   }
 
-  // One Latin letter is a currency only where the book uses it, a capital at the number; so are
-  // two letters, but for those that are read nowhere else ("FT2610" is a reference).
-  [[nodiscard]] bool isPlausible(const Stated& stated, std::size_t number) const {
-    const Item& only = items_[stated.begin];
-    if (stated.end - stated.begin > 1 || only.kind != Item::Kind::word) return true;
-    constexpr auto usual = std::to_array<std::string_view>(
-        {"rs", "tk", "rm", "rp", "sr", "le", "kd", "bd", "jd", "dh", "mt", "tl", "kr", "re", "qr"});
-    if (only.text.size() == 2 && static_cast<unsigned char>(only.text[0]) < 0x80) {
-      return holds(stated.codes, book_) ||
-             std::find(usual.begin(), usual.end(), only.text) != usual.end();
-    }
-    if (only.text.size() > 1) return true;
-    const bool glued = stated.begin < number ? items_[number].glued : only.glued;
-    return only.capitals && glued && holds(stated.codes, book_);
-  }
-
-  // The currency that ends in front of item `end`, its longest words.
-  [[nodiscard]] std::optional<Stated> currencyBefore(std::size_t end, std::size_t number) const {
-    static const auto index = wordsBy(false);
-    if (end == 0 || end <= taken_) return std::nullopt;
-    std::optional<Stated> best;
-    if (const auto code = isoCode(items_[end - 1]); !code.empty()) best = {end - 1, end, code};
-    const auto found = index.find(items_[end - 1].text);
-    if (found == index.end()) return best;
-    for (const auto& [words, codes] : found->second) {
-      if (words.size() > end - taken_ || !matches(words, end - words.size())) continue;
-      Stated stated{end - words.size(), end, std::string(codes)};
-      if (best && best->end - best->begin >= words.size()) continue;
-      if (isPlausible(stated, number)) best = std::move(stated);
-    }
-    return best;
-  }
-
-  // The currency that begins at item `begin`.
-  [[nodiscard]] std::optional<Stated> currencyAt(std::size_t begin, std::size_t number) const {
-    static const auto index = wordsBy(true);
-    if (begin >= items_.size()) return std::nullopt;
-    std::optional<Stated> best;
-    if (const auto code = isoCode(items_[begin]); !code.empty()) best = {begin, begin + 1, code};
-    const auto found = index.find(items_[begin].text);
-    if (found == index.end()) return best;
-    for (const auto& [words, codes] : found->second) {
-      if (!matches(words, begin)) continue;
-      Stated stated{begin, begin + words.size(), std::string(codes)};
-      if (best && best->end - best->begin >= words.size()) continue;
-      if (isPlausible(stated, number)) best = std::move(stated);
-    }
-    return best;
+  [[nodiscard]] std::optional<StatedCurrency> currencyBeginningAt(std::size_t begin,
+                                                                  std::size_t number) const {
+    return currencyAt(items_, begin, number, book_);
   }
 
   // In front of the number, behind marks such as ":" and a sign.
-  [[nodiscard]] std::optional<Stated> inFront(std::size_t number, char& sign) const {
+  [[nodiscard]] std::optional<StatedCurrency> inFront(std::size_t number, char& sign) const {
     std::size_t end = number;
     for (int marks = 0; marks < 4; ++marks) {
-      if (auto stated = currencyBefore(end, number)) {
-        if (auto other = currencyBefore(stated->begin, number)) {  // "INR Rs.500"
-          const bool agrees =
-              holds(stated->codes, other->codes) || holds(other->codes, stated->codes);
+      if (auto stated = currencyEndingAt(end, number)) {
+        if (auto other = currencyEndingAt(stated->begin, number)) {  // "INR Rs.500"
+          const bool agrees = stated->mayBe(other->codes) || other->mayBe(stated->codes);
           if (agrees && other->codes.size() < stated->codes.size()) stated->codes = other->codes;
           if (agrees) stated->begin = other->begin;
         }
@@ -180,7 +78,7 @@ class SumReader {
   }
 
   // Whether the currency between two numbers belongs to the second: "card 1234 EGP 50.00".
-  [[nodiscard]] bool belongsToNext(std::size_t number, const Stated& stated) const {
+  [[nodiscard]] bool belongsToNext(std::size_t number, const StatedCurrency& stated) const {
     std::size_t next = stated.end;
     while (next < items_.size() && isMark(items_[next], ".:+-")) ++next;
     if (next >= items_.size() || items_[next].kind != Item::Kind::number || items_[next].isPiece) {
@@ -190,14 +88,14 @@ class SumReader {
     const bool gluedToNext = next == stated.end && items_[next].glued;
     if (gluedToThis != gluedToNext) return gluedToNext;
     if (items_[number].isPiece) return true;
-    if (currencyAt(next + 1, next)) return false;  // "500 USD 20 USD"
+    if (currencyBeginningAt(next + 1, next)) return false;  // "500 USD 20 USD"
     const bool cents = items_[number].text.find_first_of(".,") != std::string::npos;
     const bool nextCents = items_[next].text.find_first_of(".,") != std::string::npos;
     return !(cents && !nextCents);
   }
 
-  [[nodiscard]] std::optional<Stated> behind(std::size_t last) const {
-    auto stated = currencyAt(last + 1, last);
+  [[nodiscard]] std::optional<StatedCurrency> behind(std::size_t last) const {
+    auto stated = currencyBeginningAt(last + 1, last);
     if (!stated || belongsToNext(last, *stated)) return std::nullopt;
     return stated;
   }
@@ -223,11 +121,7 @@ class SumReader {
     constexpr std::string_view others =
         "ZAR MZN MAD DZD TND RUB UAH KZT BYN CHF BGN GEL AZN UZS KGS XOF XAF XPF MGA CDF AOA GNF";
     const Currency* const currency = currencyByCode(code);
-    return holds(others, code) || (currency != nullptr && currency->pointGroups);
-  }
-
-  [[nodiscard]] std::string resolved(const Stated& stated) const {
-    return holds(stated.codes, book_) ? std::string(book_) : stated.codes.substr(0, 3);
+    return holdsCode(others, code) || (currency != nullptr && currency->pointGroups);
   }
 
   [[nodiscard]] bool isMultiplied(std::size_t next) const {
@@ -260,7 +154,9 @@ class SumReader {
     auto after = behind(spaced);
     std::size_t last = number;
     if (spaced > number) {
-      const std::string code = stated ? resolved(*stated) : after ? resolved(*after) : "";
+      const std::string code = stated  ? stated->resolvedFor(book_)
+                               : after ? after->resolvedFor(book_)
+                                       : "";
       const bool comma = items_[spaced].text.find(',') != std::string::npos;
       if (!code.empty() && (groupsByBlanks(code) || comma)) {
         last = spaced;
@@ -274,7 +170,7 @@ class SumReader {
     if (spaced > last) after = behind(last);
     if (!stated && !after && (item.isPiece || !isBareSum(number))) return item;
     if (!stated && item.isPiece && !items_[after->begin].glued) return item;
-    if (stated && after && stated->codes.size() > 3 && holds(stated->codes, after->codes)) {
+    if (stated && after && stated->codes.size() > 3 && stated->mayBe(after->codes)) {
       stated->codes = after->codes;  // "$500 MXN"
       last = after->end - 1;
     } else if (!stated && after) {
@@ -286,7 +182,7 @@ class SumReader {
     item.sum.sign = sign != '\0' ? sign : signInFront(number);
     if (stated) {
       item.begin = std::min(item.begin, items_[stated->begin].begin);
-      item.sum.currency = resolved(*stated);
+      item.sum.currency = stated->resolvedFor(book_);
     }
     item.end = items_[last].end;
     const std::string_view habit = stated ? std::string_view(item.sum.currency) : book_;

@@ -112,5 +112,11 @@ class MeasuredMessages : public ::testing::Test {
 
 TEST_F(MeasuredMessages, OfTheKnownSetReachTheBars) { measure("messages_known.tsv"); }
 
+TEST_F(MeasuredMessages, OfTheFirstSetReachTheBars) { measure("messages_first_measure.tsv"); }
+
+TEST_F(MeasuredMessages, OfTheSecondSetReachTheBars) { measure("messages_second_measure.tsv"); }
+
+TEST_F(MeasuredMessages, OfTheThirdSetReachTheBars) { measure("messages_third_measure.tsv"); }
+
 }  // namespace
 }  // namespace kivo::ledger
