@@ -13,7 +13,7 @@
 namespace kivo::ledger {
 namespace {
 
-using Answer = linux_platform::UnixHttpServer::Answer;
+using Answer = UnixHttpServer::Answer;
 using platform::DecodingError;
 
 constexpr int ok = 200;
@@ -55,7 +55,7 @@ ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<std::string>(
                                        BookOpener open)
     : currency_(std::move(currency)), review_(std::move(review)), open_(std::move(open)) {}
 
-Answer ExtractionEndpoint::answer(const linux_platform::UnixHttpServer::Request& request) {
+Answer ExtractionEndpoint::answer(const UnixHttpServer::Request& request) {
   if (!isEndpoint(request.target)) return refusal(notFound, "not found");
   if (request.method != "POST") return refusal(methodNotAllowed, "method not allowed", "POST");
   try {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "ledger/book.h"
-#include "platform/linux/http/unix_http_server.h"
+#include "ledger/unix_http_server.h"
 
 namespace kivo::ledger {
 
@@ -28,11 +28,10 @@ class ExtractionEndpoint {
   /// elsewhere, 405 for another method, and 503 when the book cannot be opened or written or its
   /// currency not be read, which a line on standard error explains: then nothing is stored, and the
   /// next request tries again. All bodies but that of 200 are `{"error": ...}`.
-  linux_platform::UnixHttpServer::Answer answer(
-      const linux_platform::UnixHttpServer::Request& request);
+  UnixHttpServer::Answer answer(const UnixHttpServer::Request& request);
 
  private:
-  linux_platform::UnixHttpServer::Answer record(const Message& message);
+  UnixHttpServer::Answer record(const Message& message);
 
   std::function<std::optional<std::string>()> currency_;
   std::function<void(const LedgerEntry&)> review_;

@@ -19,8 +19,6 @@ namespace {
 
 using linux_platform::Command;
 using linux_platform::GivenParameters;
-using linux_platform::ListeningSocket;
-using linux_platform::UnixHttpServer;
 
 // When the service manager started it, which starts it again at the next connection.
 constexpr std::chrono::seconds longestIdleTime(60);

@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "demo/notification_display.h"
-#include "platform/linux/http/listening_socket.h"
+#include "ledger/listening_socket.h"
 #include "platform/linux/process/child_process.h"
 #include "store/shared_store.h"
 #include "testkit/private_ledger.h"
@@ -146,7 +146,7 @@ TEST_F(ALedger, EndsOnATerminationSignalAndRemovesItsSocket) {
 
 TEST_F(ALedger, TakesTheSocketOfTheServiceManager) {
   const auto path = ledger_.folders().home() / "handed.sock";
-  const auto handed = linux_platform::ListeningSocket::create(path);
+  const auto handed = ledger::ListeningSocket::create(path);
   const pid_t id = fork();
   if (id == 0) {
     dup2(handed.descriptor(), 3);

@@ -1,5 +1,5 @@
 // HTTP over a UNIX socket: the session against the server, and whose sockets it speaks to.
-#include "platform/linux/http/unix_http_server.h"
+#include "ledger/unix_http_server.h"
 
 #include <atomic>
 #include <csignal>
@@ -16,8 +16,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "ledger/listening_socket.h"
 #include "platform/linux/http/http_url_session.h"
-#include "platform/linux/http/listening_socket.h"
 #include "testkit/http_exchange.h"
 #include "testkit/other_process.h"
 #include "testkit/private_folders.h"
@@ -25,8 +25,8 @@
 namespace kivo::testkit {
 namespace {
 
-using linux_platform::ListeningSocket;
-using linux_platform::UnixHttpServer;
+using ledger::ListeningSocket;
+using ledger::UnixHttpServer;
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 

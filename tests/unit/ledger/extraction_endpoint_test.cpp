@@ -10,7 +10,7 @@
 namespace kivo::ledger {
 namespace {
 
-using linux_platform::UnixHttpServer;
+using ledger::UnixHttpServer;
 using testing::HasSubstr;
 using testing::StartsWith;
 

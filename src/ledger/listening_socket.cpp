@@ -1,4 +1,4 @@
-#include "platform/linux/http/listening_socket.h"
+#include "ledger/listening_socket.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -16,7 +16,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace kivo::linux_platform {
+namespace kivo::ledger {
+
+using linux_platform::Descriptor;
+
 namespace {
 
 constexpr int firstHandedOver = 3;
@@ -135,4 +138,4 @@ ListeningSocket::~ListeningSocket() {
   if (descriptor_ >= 0) close(descriptor_);
 }
 
-}  // namespace kivo::linux_platform
+}  // namespace kivo::ledger

@@ -1,4 +1,4 @@
-#include "platform/linux/http/unix_http_server.h"
+#include "ledger/unix_http_server.h"
 
 #include <csignal>
 #include <memory>
@@ -14,7 +14,7 @@
 #include <boost/beast/http.hpp>
 #include <unistd.h>
 
-namespace kivo::linux_platform {
+namespace kivo::ledger {
 namespace asio = boost::asio;
 namespace beast = boost::beast;
 namespace http = boost::beast::http;
@@ -187,4 +187,4 @@ void UnixHttpServer::run(const ListeningSocket& socket,
   Connections(handler_, socket, idleLimit).run();
 }
 
-}  // namespace kivo::linux_platform
+}  // namespace kivo::ledger

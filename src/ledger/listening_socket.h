@@ -6,7 +6,7 @@
 
 #include "platform/linux/process/descriptor.h"
 
-namespace kivo::linux_platform {
+namespace kivo::ledger {
 
 /// A listening stream socket. Closed at its end; its file is removed if it was created here.
 class ListeningSocket {
@@ -37,4 +37,4 @@ class ListeningSocket {
   std::filesystem::path created_;
 };
 
-}  // namespace kivo::linux_platform
+}  // namespace kivo::ledger

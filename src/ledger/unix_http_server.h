@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/http/listening_socket.h"
+#include "ledger/listening_socket.h"
 
-namespace kivo::linux_platform {
+namespace kivo::ledger {
 
 /// Answers requests one after the other, on the thread that calls `run`; connections wait side by
 /// side. One exchange per connection.
@@ -42,4 +42,4 @@ class UnixHttpServer {
   Handler handler_;
 };
 
-}  // namespace kivo::linux_platform
+}  // namespace kivo::ledger
