@@ -60,10 +60,10 @@ WidgetReloadListener::WidgetReloadListener() : state_(std::make_shared<State>())
 
 WidgetReloadListener::~WidgetReloadListener() { bus_->finish(std::chrono::seconds(1)); }
 
-bool WidgetReloadListener::waitForReload(std::chrono::milliseconds limit) {
+bool WidgetReloadListener::waitForReload(std::chrono::milliseconds timeout) {
   std::unique_lock lock(state_->mutex);
   State& state = *state_;
-  state.changed.wait_for(lock, limit,
+  state.changed.wait_for(lock, timeout,
                          [&state] { return state.reloadAsked || state.stopped || state.lost; });
   if (state.stopped || state.lost) return false;
   return std::exchange(state.reloadAsked, false);

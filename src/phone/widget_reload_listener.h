@@ -1,4 +1,4 @@
-// Hears the programs that ask the widgets to reload. Reads no figures.
+// Receives the signals that ask the widgets to reload.
 #pragma once
 
 #include <chrono>
@@ -12,17 +12,18 @@ namespace kivo {
 
 class WidgetReloadListener {
  public:
-  /// Connects to the session bus; throws std::runtime_error with one line when there is none.
+  /// Connects to the session bus. Throws std::runtime_error with a one-line message when there is
+  /// none.
   WidgetReloadListener();
   ~WidgetReloadListener();
   WidgetReloadListener(const WidgetReloadListener&) = delete;
   WidgetReloadListener& operator=(const WidgetReloadListener&) = delete;
 
-  /// Blocks until a reload was asked for since the last call, or the limit; true when one was.
-  /// False at once and for ever after stop() or when the bus is gone.
-  bool waitForReload(std::chrono::milliseconds limit);
+  /// Blocks until a reload was requested since the last call, or the timeout; returns whether one
+  /// was. Returns false at once after `stop` or when the bus is gone.
+  bool waitForReload(std::chrono::milliseconds timeout);
 
-  /// From any thread.
+  /// Thread-safe.
   void stop();
 
   /// True once the bus is gone.

@@ -13,10 +13,10 @@
 namespace kivo {
 namespace {
 
-// A run that queues its text asks for no reload, nor do a sign-in and a new day.
+// A run that queues a text sends no reload signal, nor does a sign-in or a new day.
 constexpr std::chrono::seconds pollInterval(2);
 
-// Takes SIGINT and SIGTERM from this thread and from those that it starts later.
+// Blocks SIGINT and SIGTERM in this thread and in those that it starts later.
 sigset_t withheldEndSignals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -26,7 +26,7 @@ sigset_t withheldEndSignals() {
   return signals;
 }
 
-// Waits for one of the withheld signals on a thread of its own, and stops the listener then.
+// Waits for one of the blocked signals on its own thread, then stops the listener.
 class EndSignal {
  public:
   EndSignal(sigset_t signals, WidgetReloadListener& listener)
