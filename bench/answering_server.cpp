@@ -77,7 +77,7 @@ class Backend {
         co_await secured.async_shutdown(asio::use_awaitable);
       }
     } catch (const boost::system::system_error&) {
-      // The peer has gone; so does the connection.
+      // The client has closed the connection.
     }
   }
 

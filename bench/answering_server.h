@@ -1,4 +1,4 @@
-// A backend for measurements, in a process of its own. Checks nothing that it is sent.
+// A backend for benchmarks, in its own process. Does not check requests.
 #pragma once
 
 #include <chrono>
@@ -10,18 +10,19 @@
 
 namespace kivo::bench {
 
-/// What the requests are told of as.
+/// The answer to every request.
 enum class Answers {
-  /// A saved expense, with another amount and description each time.
+  /// A saved expense with a different amount and description each time.
   saved,
-  /// No transaction.
+  /// Not a transaction.
   notSaved,
 };
 
-/// Ends with its life. To be made while this process has no other thread and no store open.
+/// The process ends when this object is destroyed. Create it while this process has no other thread
+/// and no open store.
 class AnsweringServer {
  public:
-  /// Answers each request `delay` after it has come. Speaks TLS with an `identity`.
+  /// Answers each request after `delay`. Uses TLS when `identity` is given.
   explicit AnsweringServer(Answers answers,
                            std::chrono::milliseconds delay = std::chrono::milliseconds(0),
                            std::optional<testkit::ServerIdentity> identity = std::nullopt);
@@ -29,7 +30,7 @@ class AnsweringServer {
   AnsweringServer(const AnsweringServer&) = delete;
   AnsweringServer& operator=(const AnsweringServer&) = delete;
 
-  /// Scheme, host and port, without a slash at the end.
+  /// Returns scheme, host and port, without a final slash.
   [[nodiscard]] std::string url() const;
 
  private:

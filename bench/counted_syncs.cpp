@@ -11,7 +11,7 @@ std::atomic<std::int64_t> syncs = 0;
 
 }  // namespace
 
-// Found by the libraries before those of the C library.
+// The linker prefers these to the C library's functions, for our libraries too.
 extern "C" int fsync(int descriptor) {
   ++syncs;
   return static_cast<int>(syscall(SYS_fsync, descriptor));

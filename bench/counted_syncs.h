@@ -1,11 +1,11 @@
-// How often this process has made the disk write down what it holds. Changes nothing about it.
+// Counts this process's fsync calls.
 #pragma once
 
 #include <cstdint>
 
 namespace kivo::bench {
 
-/// The calls of fsync and fdatasync so far, by all threads and libraries of this process.
+/// Returns the number of calls of fsync and fdatasync so far, by all threads and libraries.
 std::int64_t countedSyncs();
 
 }  // namespace kivo::bench

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Does what kivo-intents does with a bank message, as a script would: to be measured beside it.
+"""Processes a bank message like kivo-intents, as a script: a reference for the benchmark.
 
-Reads the message from standard input; store, backend and notification center are the same ones.
-Formats amounts simply, repairs and checks little, and knows of no locale.
+Reads the message from standard input and uses the same store, backend and notification center.
+Formats amounts simply, repairs and checks little, and ignores the locale.
 """
 import datetime
 import json

@@ -40,8 +40,8 @@ std::vector<std::string> perform() {
           "--smsText", "-"};
 }
 
-// What has just been linked lies in the kernel's memory in larger pieces than what was installed
-// and read from disk, and a piece of which a byte is used counts as a whole.
+// A program that was just linked is in the page cache in larger pieces than an installed one that
+// was read from disk, and a piece counts as a whole when one of its bytes is used.
 void forgetLinking(const fs::path& program) {
   const linux_platform::Descriptor file(open(program.c_str(), O_RDONLY | O_CLOEXEC));
   fdatasync(file.number());
@@ -83,8 +83,8 @@ void Field::forgetNotifications() {
   }
 }
 
-// The authority of our server alone, and together with all that this system trusts, both as a file
-// and as a directory of hashed names.
+// Our server's authority alone, and together with all that this system trusts, both as a file and
+// as a hashed directory.
 void Field::trust() {
   const fs::path system = "/etc/ssl/certs";
   const fs::path systemBundle = system / "ca-certificates.crt";

@@ -1,5 +1,4 @@
-// Everything that is measured, in surroundings of its own: servers, session bus, stores on disk.
-// Measures nothing.
+// The set-up of the whole-run benchmark: servers, session bus, stores on disk.
 #pragma once
 
 #include <chrono>
@@ -15,16 +14,16 @@
 
 namespace kivo::bench {
 
-/// To be made while this process has no other thread.
+/// Create it while this process has no other thread.
 class Field {
  public:
   Field();
 
   [[nodiscard]] const std::vector<Contender>& contenders() const { return contenders_; }
-  /// For the files of a run.
+  /// The folder for files of the runs.
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
-  /// Makes the notification center forget what waits to be shown, so that it has no more to do for
-  /// the last runs than for the first ones.
+  /// Removes the waiting notifications from the notification center, so that the last runs cost it
+  /// no more than the first.
   void forgetNotifications();
 
  private:

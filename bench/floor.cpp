@@ -1,9 +1,7 @@
-// The least that a saved run could cost: its connection, request, fsyncs and calls on the session
-// bus, with the same bytes, and nothing else. No store, no JSON, no locale, no coroutine.
-//   kivo_bench_floor PORT FILE FSYNCS      posts what standard input holds, and prints the answer's
-//   body
-// FILE is appended to before each fsync. Ends with status 1 when something does not go as it
-// should.
+// The lower bound of a saved run: its connection, request, fsyncs and D-Bus calls, with the same
+// bytes, and nothing else. No store, no JSON, no locale, no coroutine.
+//   kivo_bench_floor PORT FILE FSYNCS      posts standard input and prints the response's body
+// Appends to FILE before each fsync. The exit status is 1 when a step fails.
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -37,7 +35,7 @@ std::string readAll(int file) {
   return all;
 }
 
-// The whole answer to `body`, from the server on loopback.
+// Posts `body` to the server on loopback and returns the whole response.
 std::string post(int port, const std::string& body) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -93,7 +91,7 @@ void answered(DBusConnection* bus, DBusMessage* call) {
   dbus_message_unref(call);
 }
 
-// Asks for the permission, posts a notification and has the widgets reload, as a saved run does.
+// Reads the permission, posts a notification and reloads the widgets, like a saved run.
 void notify(const std::string& identifier) {
   const char* bundle = "app.kivo.expenses.intents";
   DBusConnection* const bus = dbus_bus_get_private(DBUS_BUS_SESSION, nullptr);

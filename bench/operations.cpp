@@ -1,5 +1,5 @@
-// What single operations cost in a warm process, and how that grows with what they are given. Takes
-// the options of Google Benchmark.
+// Measures single operations in a warm process, and how their cost grows with the input. Takes the
+// options of Google Benchmark.
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -27,7 +27,7 @@ namespace {
 using benchmark::State;
 using testkit::PrivateFolders;
 
-// SQLite writes nothing where a value has not changed, so no value comes twice.
+// SQLite does not write an unchanged value, so each value is used once.
 int fresh() {
   static int number = 10'000'000;
   return ++number;
@@ -49,7 +49,7 @@ std::vector<PendingSmsItem> items(std::int64_t count) {
 
 SharedStore openStore() { return SharedStore::open(appGroup).value(); }
 
-// Says how many syncs each iteration has made between the two.
+// Reports the fsyncs per iteration between construction and destruction.
 class Syncs {
  public:
   explicit Syncs(State& state) : state_(state) {}
@@ -73,7 +73,7 @@ void queueLoad(State& state) {
 }
 BENCHMARK(queueLoad)->Arg(0)->Arg(1)->Arg(20)->Arg(200);
 
-// The queue that is saved holds none of the earlier texts, which are therefore truly deleted.
+// The saved queue has none of the earlier texts, which are therefore erased.
 void queueSaveOfOtherTexts(State& state) {
   const PrivateFolders folders;
   SharedStore store = openStore();
@@ -87,7 +87,7 @@ void queueSaveOfOtherTexts(State& state) {
 }
 BENCHMARK(queueSaveOfOtherTexts)->Arg(0)->Arg(1)->Arg(20)->Arg(200);
 
-// To a queue that holds so many. In a full one the oldest text makes way, and is truly deleted.
+// Into a queue of `range(0)` items. A full one drops its oldest text, which is erased.
 void queueEnqueue(State& state) {
   const PrivateFolders folders;
   SharedStore store = openStore();
@@ -131,7 +131,7 @@ void storeRead(State& state) {
 }
 BENCHMARK(storeRead);
 
-// Short values, as the totals are, `range(0)` of them in the group.
+// A write group of `range(0)` short values, like the totals.
 void storeWriteGroup(State& state) {
   const PrivateFolders folders;
   SharedStore store = openStore();
@@ -171,7 +171,7 @@ void totals(State& state) {
 }
 BENCHMARK(totals);
 
-// A whole run but for its process: request over http, totals, drain lock; no session bus.
+// A whole run without its process: request over http, totals, drain lock; no session bus.
 void perform(State& state) {
   const PrivateFolders folders;
   const AnsweringServer server(Answers::saved);

@@ -1,7 +1,7 @@
-// Many runs at once in one process, as a service has them: how long they take together while the
-// backend takes 200 ms for each, and what those that wait cost.
-//   kivo_overlap                   1, 10, 100 and 1000 runs, each in a process of its own
-//   kivo_overlap RUNS              so many only
+// Measures many parallel runs in one process, like those of a service: how long they take together
+// while the backend takes 200 ms for each, and what the waiting ones cost.
+//   kivo_overlap                   1, 10, 100 and 1000 runs, each number in its own process
+//   kivo_overlap RUNS              only that many
 //   kivo_overlap RUNS saved|not    in this process, with that answer
 #include <chrono>
 #include <cstdio>
@@ -35,7 +35,7 @@ constexpr unsigned workers = 4;  // as many as a service has
 constexpr auto serverDelay = 200ms;
 constexpr auto whenAllWait = 150ms;
 
-// A figure of this process as the kernel tells it, memory in KiB.
+// Returns a figure of this process from /proc; memory in KiB.
 long ownFigure(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {

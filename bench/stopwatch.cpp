@@ -1,8 +1,8 @@
-// Runs one program to its end and prints what that took:
+// Runs one program to its end and prints its cost:
 //   stopwatch INPUT OUTPUT PROGRAM [ARGUMENT...]
 // with standard input from the file INPUT and standard output into the file OUTPUT. Prints the wall
-// time and the processor time in nanoseconds, the peak memory in KiB and the exit status. A program
-// of its own, and a small one: the peak memory of whoever starts a program counts as the program's.
+// time and the processor time in nanoseconds, the peak memory in KiB and the exit status. It is a
+// separate small program, since a child's peak memory includes that of the process that started it.
 #include <cinttypes>
 #include <cstdint>
 #include <cstdio>

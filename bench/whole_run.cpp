@@ -1,8 +1,8 @@
-// What a person's message costs, from the start of the process to its end, beside what else could
-// have been run: curl making the same request and nothing more, and a script doing the whole job.
-// All take turns in one run, against one server that answers at once, on a real session bus with
-// the notification center and with the stores on disk.
-//   kivo_whole_run [RUNS]     runs each of them so often (200)
+// Measures a whole run for one message, from the start of the process to its end, against two
+// alternatives: curl making only the same request, and a script doing the whole job. All take turns
+// against one server that answers at once, on a real session bus with the notification center and
+// with the stores on disk.
+//   kivo_whole_run [RUNS]     runs each of them RUNS times (default 200)
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -24,11 +24,11 @@ constexpr int warmUps = 3;
 constexpr int runsUnlessTold = 200;
 
 using Figure = double Measured::*;
-// The measured runs of each contender, in the order of the contenders.
+// The runs of each contender, in the order of the contenders.
 using Measurements = std::vector<std::vector<Measured>>;
 
-// One run of each, in an order of its own: what ran before leaves the processor's caches as it
-// likes, and nobody is to come after the same one each time.
+// Runs each contender once, in a different order each round, since the previous program affects the
+// processor's caches.
 void round(Field& field, int number, Measurements& measured) {
   const auto& contenders = field.contenders();
   std::vector<std::size_t> places(contenders.size());
@@ -41,7 +41,7 @@ void round(Field& field, int number, Measurements& measured) {
   field.forgetNotifications();
 }
 
-// The value below which `part` of the values are.
+// Returns the quantile `part` of `values`.
 double quantile(std::vector<double> values, double part) {
   std::sort(values.begin(), values.end());
   const double place = part * static_cast<double>(values.size() - 1);
@@ -54,7 +54,7 @@ std::vector<double> figures(const std::vector<Measured>& runs, Figure figure) {
   return values;
 }
 
-// Run by run, so that a slow moment of the machine falls on both.
+// Compares run by run, so that a slow moment of the machine affects both.
 std::vector<double> ratios(const std::vector<Measured>& runs, const std::vector<Measured>& to,
                            Figure figure) {
   std::vector<double> values;

@@ -1,6 +1,6 @@
-// ICU's data where ICU's code is linked statically: the system's libicudata, which is loaded and
-// handed to ICU before main. A reference to its 31 MB from a position-independent program would be
-// copied at each start, and a copy inside each program is as large.
+// Provides ICU's data when ICU's code is linked statically: loads the system's libicudata and
+// passes it to ICU before main. Linking to the 31 MB from a position-independent program would copy
+// them at each start, and including them would make each program as large.
 #include <cstdint>
 
 #include <dlfcn.h>
@@ -12,7 +12,7 @@ namespace {
 #define KIVO_TEXT_OF(name) #name
 #define KIVO_NAME(name) KIVO_TEXT_OF(name)
 
-// An archive without entries, in the layout of ICU's data files.
+// An empty archive in the layout of ICU's data files.
 struct EmptyArchive {
   std::uint16_t headerSize = 32;
   std::uint8_t magic[2] = {0xda, 0x27};
@@ -23,7 +23,7 @@ struct EmptyArchive {
   std::uint32_t entries = 0;
 };
 
-// Without the data ICU knows no locale, and amounts are written as plain decimals.
+// Without the data ICU knows no locales, and amounts are printed as plain decimals.
 [[maybe_unused]] const bool handed = [] {
   void* const library = dlopen("libicudata.so." U_ICU_VERSION_SHORT, RTLD_NOW | RTLD_LOCAL);
   const void* const data =
@@ -35,5 +35,5 @@ struct EmptyArchive {
 
 }  // namespace
 
-// What ICU's code refers to as its data.
+// The symbol by which ICU's code refers to its data.
 extern "C" const EmptyArchive U_ICUDATA_ENTRY_POINT = {};

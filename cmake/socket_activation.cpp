@@ -1,5 +1,5 @@
-// What the archive of libdbus-1 takes from libsystemd: a server of the bus asks whether it was
-// started with sockets. No program of ours is such a server; with this answer, none loads
-// libsystemd for the question.
+// Replaces the function that the static libdbus-1 needs from libsystemd. Only a D-Bus server uses
+// it, to ask whether it was started with sockets. Kivo's programs are not servers, and with this
+// replacement they do not load libsystemd.
 extern "C" int sd_listen_fds(int) { return 0; }
 extern "C" int sd_is_socket(int, int, int, int) { return 0; }

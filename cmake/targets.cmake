@@ -1,12 +1,13 @@
-# How a room, a program and a test of this project are built: one function each.
+# Functions that build a room, a program and a test.
 
 find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
 
-# Linked statically, all but libc, OpenSSL and ICU's data, a run starts in half the time; libc and OpenSSL
-# stay shared, so that their security updates reach what is installed. docs/decisions/0006 has the figures.
+# All libraries but libc, OpenSSL and ICU's data are linked statically, which halves the time of a run. libc
+# and OpenSSL stay shared, so that programs receive their security updates. docs/decisions/0006 has the
+# figures.
 find_package(OpenSSL REQUIRED)
 set(kivo_shared_suffixes ${CMAKE_FIND_LIBRARY_SUFFIXES})
 if(KIVO_STATIC_LIBRARIES)
@@ -26,8 +27,8 @@ find_package(CLI11 REQUIRED)
 add_library(kivo_warnings INTERFACE)
 target_compile_options(kivo_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast)
-# Where g++ 12 optimises it finds an overlap in its own std::string, and there is none. Only there:
-# tidy reads the dev build's options and does not know this one.
+# When optimising, g++ 12 reports an overlap in its own std::string where there is none. Set only there:
+# clang-tidy reads the dev build's options and does not know this one.
 target_compile_options(kivo_warnings INTERFACE
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:MinSizeRel>>:-Wno-restrict>)
 if(KIVO_WARNINGS_ARE_ERRORS)
@@ -39,12 +40,12 @@ if(KIVO_SANITIZERS)
   target_compile_options(kivo_sanitizers INTERFACE -fsanitize=${KIVO_SANITIZERS}
     -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kivo_sanitizers INTERFACE -fsanitize=${KIVO_SANITIZERS})
-  # What clang 14 puts in front of a function for this check, it cannot put in front of the parts of
-  # a coroutine: "Cannot represent a difference across sections".
+  # clang 14 cannot add this check to the parts of a coroutine: "Cannot represent a difference across
+  # sections".
   target_compile_options(kivo_sanitizers INTERFACE $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
 endif()
 if(KIVO_SANITIZERS MATCHES "thread")
-  # Asio's counts then do without fences, which this sanitizer does not understand.
+  # Makes Asio's reference counts use no fences, which this sanitizer does not understand.
   target_compile_definitions(kivo_sanitizers INTERFACE BOOST_ASIO_DISABLE_STD_ATOMIC)
 endif()
 if(KIVO_COVERAGE)
@@ -52,17 +53,17 @@ if(KIVO_COVERAGE)
   target_link_options(kivo_sanitizers INTERFACE --coverage)
 endif()
 
-# kivo_room(<target> <source>...): the library of one folder of src/. What it may link to is said
-# beside it, and is the same as what it may include.
+# kivo_room(<target> <source>...): the library of one folder of src/. The folder's CMakeLists.txt lists the
+# rooms that it may link to, which are also those that it may include.
 function(kivo_room target)
   add_library(${target} STATIC ${ARGN})
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${target} PRIVATE kivo_warnings kivo_sanitizers)
 endfunction()
 
-# kivo_program(<target> SOURCES <source>... ROOMS <room>...): an executable of those rooms on the
-# Linux platform. The platform's interfaces and what realises them need each other's symbols, so
-# they are handed to the linker as one group.
+# kivo_program(<target> SOURCES <source>... ROOMS <room>...): an executable of those rooms on the Linux
+# platform. The platform's interfaces and their implementation need each other's symbols, so they are passed
+# to the linker as one group.
 function(kivo_program target)
   cmake_parse_arguments(PARSE_ARGV 1 program "" "" "SOURCES;ROOMS")
   list(JOIN program_ROOMS "," rooms)

@@ -1,5 +1,6 @@
-// A call over the bus is refused for the first of the four reasons that applies, in words that no
-// text of the caller changes, or else its intent has exactly the values of the call.
+// Property: a D-Bus call is refused for the first of the four reasons that applies, with a message
+// that does not depend on the caller's texts; otherwise the intent has exactly the values of the
+// call.
 #include <cmath>
 #include <cstddef>
 #include <cstring>
@@ -32,7 +33,7 @@ struct Call {
   CalledValues values;
 };
 
-// Mostly one of `likely`, else any text.
+// Usually one of `likely`, otherwise any text.
 std::string name(FuzzedDataProvider& input, std::initializer_list<const char*> likely) {
   const auto which = input.ConsumeIntegralInRange<std::size_t>(0, likely.size());
   return which < likely.size() ? std::string(likely.begin()[which])
@@ -71,7 +72,7 @@ bool fitsNumber(const std::optional<IntentValue>& given) {
   return given && std::holds_alternative<double>(*given) && std::isfinite(std::get<double>(*given));
 }
 
-// Why the call has to be refused; null when it is good.
+// Returns the expected error of the call; null when it is valid.
 const char* expectedRefusal(const Call& call) {
   std::set<std::string> missing;
   if (call.type == "ProcessSMSIntent") {

@@ -1,6 +1,6 @@
-// A typed text is a number exactly when it is an optional sign, digits with an optional point, and
-// an optional exponent, and finite; it is the number that C's strtod reads then. A text that is
-// none changes nothing.
+// Property: a typed text is accepted as a number exactly when it is an optional sign, digits with
+// an optional point and an optional exponent, and finite; its value is then that of C's strtod. Any
+// other text changes nothing.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace {
 
-// Takes digits off the front of `text`; how many.
+// Removes the digits at the beginning of `text`; returns their number.
 std::size_t takeDigits(std::string_view& text) {
   std::size_t count = 0;
   for (; !text.empty() && text.front() >= '0' && text.front() <= '9'; ++count) {

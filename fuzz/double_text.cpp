@@ -1,5 +1,6 @@
-// A text is a number exactly when C's strtod takes all of it without skipping blanks, and is that
-// number then; and every double, made of the input's first bytes too, reads back from its own text.
+// Property: a text is a number exactly when C's strtod takes all of it without skipping blanks, and
+// has the same value; and every double, also one made of the input's first bytes, reads back from
+// its own text.
 #include <bit>
 #include <cctype>
 #include <cmath>

@@ -1,7 +1,7 @@
-// Whatever bytes a server answers with before it ends the connection, the exchange comes to an end
-// by them: to an answer that they hold, with a status from 200 to 999 and a body of 1 MiB at most,
-// or to a URLError of one of the kinds that an answer can cause. The session is the real one. Its
-// socket is one end of a pair, since connections by the millions would use up the ports.
+// Property: whatever bytes a server sends before it closes the connection, the exchange ends: with
+// the response that they contain, of status 200 to 999 and a body of at most 1 MiB, or with a
+// URLError of a kind that a response can cause. The session is the real one. Its socket is one end
+// of a socket pair, since millions of connections would use up the ports.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -29,12 +29,12 @@ using namespace std::chrono_literals;
 using Code = platform::URLError::Code;
 
 constexpr std::size_t mebibyte = 1U << 20U;
-// Each is an operation of its own, which takes its time.
+// Each piece is a separate read, which takes time.
 constexpr std::size_t mostPieces = 100;
 
-// What the next connection is made of; -1 when there is none.
+// The socket of the next connection; -1 when there is none.
 std::atomic<int> clientEnd = -1;
-// How many bytes a read of the session may yield.
+// The largest number of bytes that a read of the session may return.
 std::atomic<std::size_t> pieceSize = SIZE_MAX;
 
 struct Outcome {
@@ -64,9 +64,9 @@ struct Answer {
   std::string bytes;
 };
 
-// The first byte of the input says in which pieces the rest is read. An answer that is read whole
-// and whose bytes add up to a multiple of 251 is lengthened by its last byte, past every limit: few
-// are, whatever they descend from, since each costs some milliseconds.
+// The first byte of the input selects the pieces in which the rest is read. A response that is read
+// whole and whose bytes add up to a multiple of 251 is extended by its last byte, past every limit.
+// Only few are, whatever they descend from, since each costs some milliseconds.
 Answer answerOf(std::string_view input) {
   if (input.size() < 2) return {};
   const auto pieces = static_cast<unsigned char>(input[0]);
@@ -113,7 +113,7 @@ bool canBeCausedByAnAnswer(Code code) {
          code == Code::dataLengthExceedsMaximum;
 }
 
-// That `bytes` have a status line with `status`.
+// Whether `bytes` have a status line with `status`.
 bool tellOf(int status, std::string_view bytes) {
   for (const std::string_view version : {"HTTP/1.0 ", "HTTP/1.1 "}) {
     const std::string line = std::string(version) + std::to_string(status);

@@ -1,5 +1,6 @@
-// A text is an integer exactly when it is a sign at most and digits, within 64 bits, as strtoll
-// reads it; and every integer, made of the input's first bytes too, reads back from its own text.
+// Property: a text is an integer exactly when it is an optional sign and digits, within 64 bits,
+// with the value of strtoll; and every integer, also one made of the input's first bytes, reads
+// back from its own text.
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// A date-time that parses is written as the same moment; one that is in UTC already, as the same
-// text.
+// Property: a date-time that parses is formatted as the same moment, and as the same text when it
+// is in UTC already.
 #include <string_view>
 
 #include "platform/foundation/iso8601_date_formatter.h"

@@ -1,5 +1,5 @@
-// A spoken phrase means its intent however its blanks, its letter case and the punctuation at its
-// end vary; and a sentence means an intent exactly when it has the words of one of its phrases.
+// Property: a spoken phrase means its intent whatever its blanks, letter case and final
+// punctuation; and a sentence means an intent exactly when it has the words of one of its phrases.
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -23,7 +23,7 @@ struct Phrase {
   Words words;
 };
 
-// The words of `sentence`, in small letters and without the punctuation at its end.
+// The words of `sentence` in lower case, without final punctuation.
 Words wordsOf(std::string_view sentence) {
   while (!sentence.empty() &&
          std::string_view(".,;:!? \t\r\n").find(sentence.back()) != std::string_view::npos) {
@@ -63,7 +63,7 @@ std::string intentOf(std::string_view sentence) {
   return intent ? std::string(intent->typeName()) : "";
 }
 
-// `said` with more blanks, other letter case and punctuation at its end, as the input chooses.
+// `said` with more blanks, other letter case and final punctuation, as the input chooses.
 std::string varied(const std::string& said, FuzzedDataProvider& choices) {
   constexpr std::string_view blanks = " \t\r\n";
   const auto someBlanks = [&](int least) {

@@ -1,4 +1,4 @@
-// What a fuzz target says of its input. Looks for no inputs: that is the fuzzer's business.
+// Checks a property in a fuzz target.
 #pragma once
 
 #include <cstdio>
@@ -6,7 +6,7 @@
 
 namespace kivo::fuzz {
 
-/// Ends the process as a crash, which the fuzzer reports with the input, when `holds` is false.
+/// Aborts the process when `holds` is false; the fuzzer reports that with the input.
 inline void require(bool holds, const char* property) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %s\n", property);

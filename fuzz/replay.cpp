@@ -1,5 +1,5 @@
-// Gives each file of the folders that are its arguments to a fuzz target, as the fuzzer does with a
-// corpus, in a build of any compiler. Looks for no new inputs.
+// Passes each file of the folders in its arguments to a fuzz target, like the fuzzer does with a
+// corpus, in a build by any compiler.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
     for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
       std::ifstream file(entry.path(), std::ios::binary);
       const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-      // A copy of its own, so that a sanitizer sees a read past its end.
+      // A separate copy, so that a sanitizer notices a read past its end.
       const std::vector<unsigned char> input(bytes.begin(), bytes.end());
       LLVMFuzzerTestOneInput(input.data(), input.size());
       ++files;

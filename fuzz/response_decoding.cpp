@@ -1,5 +1,5 @@
-// Whatever a server answers either decodes to a record or is a DecodingError, and a record that was
-// decoded reads back from its own encoding.
+// Property: any response either decodes to a record or throws DecodingError, and a decoded record
+// reads back from its own encoding.
 #include <string_view>
 
 #include "extraction/sms_extraction_response.h"

@@ -1,6 +1,6 @@
-// Whatever text the notification center finds is either a list of notifications that it could have
-// written, with intervals from now to a century, or a DecodingError; and what it writes, made of
-// the input too, reads back as it was.
+// Property: any stored text is either a list of notifications that the notification center could
+// have written, with intervals from 0 to below 100 years, or throws DecodingError; and what it
+// writes, also when made of the input, reads back unchanged.
 #include <chrono>
 #include <cstddef>
 #include <cstdint>

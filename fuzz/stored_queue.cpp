@@ -1,5 +1,5 @@
-// Whatever text lies in the store is either a queue or a DecodingError, and a queue that was read
-// is the same one after it was written and read again.
+// Property: any stored text either decodes to a queue or throws DecodingError, and a queue is the
+// same after it is written and read again.
 #include <string_view>
 #include <vector>
 

@@ -1,5 +1,5 @@
-// A text parses as a URL exactly when the grammar of RFC 3986 has it as a URI reference, and into
-// the pieces that the grammar finds.
+// Property: a text parses as a URL exactly when it is a URI reference by the grammar of RFC 3986,
+// and into the same components.
 #include "platform/foundation/url.h"
 
 #include <string_view>

@@ -23,7 +23,7 @@ GENERAL_OPTIONS = [
 
 
 class Program:
-    """`commands` by their whole names; "" is the program before any command is named."""
+    """`commands` by their full names; "" is the program itself, before any command."""
 
     def __init__(self, description):
         self.name = description["name"]
@@ -31,7 +31,7 @@ class Program:
         self.commands |= {command["name"]: command for command in description["commands"]}
 
     def subcommands(self, command):
-        """The commands of one more word than `command`: that word, and what it is for."""
+        """The commands one word longer than `command`: that word and its purpose."""
         return {one["name"].split()[-1]: one["purpose"] for name, one in self.commands.items()
                 if name and name.rpartition(" ")[0] == command}
 
@@ -65,7 +65,7 @@ def bash_words_before(program):
 
 
 def bash_offers(program):
-    """What can come next: values or commands in `offered`, and options."""
+    """The possible next words: values or commands in `offered`, and options."""
     lines = ["    case $named:$place:$value in"]
     for command, one in program.options_with_value():
         if one["values"]:
@@ -109,7 +109,7 @@ def bash(program):
 
 
 def zsh_text(text):
-    """`text` as _arguments takes a description."""
+    """`text` escaped as a description for _arguments."""
     return re.sub(r"([\\:\[\]])", r"\\\1", text)
 
 
@@ -123,9 +123,9 @@ def zsh_values(values):
 
 
 def zsh_specifications(program, command):
-    """What _arguments takes after `command`, each a quoted word."""
+    """The arguments of _arguments after `command`, each a quoted word."""
     found = []
-    alone = "(- *)" if command == "" else ""  # nothing else makes sense beside --help
+    alone = "(- *)" if command == "" else ""  # --help excludes everything else
     for one in program.options(command):
         value = "" if one["kind"] == "flag" else f":{zsh_text(one['name'][2:])}:{zsh_values(one['values'])}"
         found.append(f"{alone}{one['name']}[{zsh_text(one['meaning'])}]{value}")

@@ -1,5 +1,4 @@
-// The one link to the backend: a text goes in, what the backend made of it comes out. Keeps nothing
-// and retries nothing.
+// Sends texts to the backend and decodes its answers. Does not retry: the offline queue does.
 #pragma once
 
 #include <optional>
@@ -11,23 +10,24 @@
 
 namespace kivo::SMSExtractionClient {
 
-/// Where texts are posted to below the base URL `supabaseUrl`; none when that cannot be parsed.
+/// Returns the extraction endpoint below the base URL `supabaseUrl`; nullopt when that cannot be
+/// parsed.
 std::optional<platform::URL> endpoint(const std::string& supabaseUrl);
 
-/// Posts `smsText`, exactly as it is, to the extraction endpoint below the base URL `supabaseUrl`
-/// and yields the decoded answer. `expenseDate` is "yyyy-MM-dd"; `idempotencyKey` is the same for
+/// Posts `smsText` unchanged to the extraction endpoint below the base URL `supabaseUrl` and
+/// returns the decoded answer. `expenseDate` is "yyyy-MM-dd". `idempotencyKey` is the same for
 /// every attempt for one text, so that the backend stores it once. All texts are UTF-8.
 ///
-/// Suspends for the exchange, 15 s at most; cancelling the task cancels the exchange. Throws
-/// URLError when there was no answer, NSError of domain "SMSExtraction" for any status but 200, and
-/// DecodingError for an answer that does not fit. A base URL that cannot be parsed stops the
-/// process: a bank message must not go to a wrong place. May be called from any task at any time.
+/// Suspends during the exchange, for at most 15 s. Cancelling the task cancels the exchange. Throws
+/// URLError when there is no answer, NSError of domain "SMSExtraction" for any status but 200, and
+/// DecodingError for an answer that does not fit. Stops the process when the base URL cannot be
+/// parsed, since a bank message must not go to a wrong place. Thread-safe.
 platform::Task<SMSExtractionResponse> extract(std::string smsText, std::string userId,
                                               std::string supabaseUrl, std::string expenseDate,
                                               std::string idempotencyKey);
 
-/// Today's date on the device, "yyyy-MM-dd" in ASCII digits and the Gregorian calendar whatever the
-/// device's language: the local date in the device's present time zone.
+/// Returns today's date as "yyyy-MM-dd", in the device's current time zone, in ASCII digits and the
+/// Gregorian calendar whatever the device's language.
 std::string currentExpenseDate();
 
 }  // namespace kivo::SMSExtractionClient

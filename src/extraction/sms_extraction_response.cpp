@@ -6,8 +6,8 @@ using platform::JSONDecoder;
 using platform::JSONEncoder;
 using platform::JSONObject;
 
-// In both records members are read in field order, so that the first that fails names the error:
-// braced initialisers are evaluated from left to right.
+// Braced initialisers are evaluated from left to right, so members are read in field order and the
+// first that fails is the one that is reported.
 
 SMSExtractionResponse::SavedExpense SMSExtractionResponse::SavedExpense::decode(
     const JSONObject& object) {

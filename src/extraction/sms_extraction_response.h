@@ -1,4 +1,4 @@
-// What the backend made of a text. Does not judge it: that is the flows' business.
+// The backend's answer to a text, and its JSON form.
 #pragma once
 
 #include <optional>
@@ -10,11 +10,11 @@
 
 namespace kivo {
 
-/// The backend's answer. A plain value; texts are UTF-8 and taken as they stand.
+/// Texts are UTF-8, as received.
 struct SMSExtractionResponse {
   /// The transaction as the backend stored it.
   struct SavedExpense {
-    /// The JSON keys, which are the fields' names.
+    /// The JSON keys. They equal the names of the fields.
     struct CodingKeys {
       static constexpr std::string_view id = "id";
       static constexpr std::string_view description = "description";
@@ -23,19 +23,20 @@ struct SMSExtractionResponse {
       static constexpr std::string_view expense_date = "expense_date";
     };
 
-    /// The backend's identifier. Read by nobody, required all the same.
+    /// The backend's identifier. Required, though unused here.
     std::string id;
     /// The merchant or payee.
     std::string description;
     /// In the user's currency.
     double amount;
     std::string category;
-    /// As the backend reports it; not parsed, and read by nobody.
+    /// As the backend reports it. Neither parsed nor used here.
     std::string expense_date;
 
-    /// Reads the record; every member is required. Throws DecodingError for the first that fails.
+    /// Decodes the record. Every member is required. Throws DecodingError for the first member that
+    /// fails.
     static SavedExpense decode(const platform::JSONObject& object);
-    /// Writes all members. Throws NSError when the amount is not finite.
+    /// Encodes all members. Throws NSError when the amount is not finite.
     [[nodiscard]] platform::JSONEncoder encode() const;
 
     bool operator==(const SavedExpense&) const = default;
@@ -50,16 +51,16 @@ struct SMSExtractionResponse {
 
   /// True when the backend stored a transaction for the text.
   bool saved;
-  /// Why nothing was stored: "declined" for a payment that the bank declined.
+  /// Why nothing was stored: "declined" for a payment that the bank declined, or any other text.
   std::optional<std::string> reason = std::nullopt;
-  /// The transaction's kind: "expense", "income" or any other text; none counts as "expense".
+  /// The transaction's kind: "expense", "income" or any other text. Absent means "expense".
   std::optional<std::string> transaction_type = std::nullopt;
   std::optional<SavedExpense> expense = std::nullopt;
 
-  /// Reads the record from a JSON document, `saved` required, the others absent or null when empty.
-  /// Throws DecodingError for the first member that fails; there is no partial record.
+  /// Decodes the record from a JSON document. `saved` is required; the other members may be absent
+  /// or null. Throws DecodingError for the first member that fails.
   static SMSExtractionResponse decode(std::string_view document);
-  /// Writes the record; empty optionals are left out. Throws NSError when the amount is not finite.
+  /// Encodes the record without its empty optionals. Throws NSError when the amount is not finite.
   [[nodiscard]] std::string encode() const;
 
   bool operator==(const SMSExtractionResponse&) const = default;

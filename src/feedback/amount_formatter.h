@@ -1,4 +1,4 @@
-// How an amount reads to the person. Does not say whether it was spent or received.
+// Formats an amount for the user, without its sign.
 #pragma once
 
 #include <string>
@@ -9,12 +9,11 @@ namespace kivo {
 
 namespace AmountFormatter {
 
-/// The code that `store` holds under `currency`, exactly as stored; "EGP" when it holds none.
+/// Returns the text under `currency` exactly as stored; "EGP" when it is absent.
 std::string currencyCode(const SharedStore& store);
 
-/// The magnitude of `amount` in the currency that `store` holds under `currency`, as the device's
-/// locale writes it, UTF-8. A stored code for which the platform has no text gives the plain
-/// decimal number instead ("250.0").
+/// Formats the magnitude of `amount` in the stored currency and the device's locale, as UTF-8. If
+/// the platform has no format for the stored code, returns the plain decimal number ("250.0").
 std::string format(const SharedStore& store, double amount);
 
 }  // namespace AmountFormatter

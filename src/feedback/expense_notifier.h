@@ -1,4 +1,4 @@
-// Tells the person by a local notification what has just been done. Composes no text.
+// Posts local notifications about expenses. The caller composes their texts.
 #pragma once
 
 #include <string>
@@ -7,9 +7,10 @@
 
 namespace kivo::ExpenseNotifier {
 
-/// Hands one notification, which opens the app when tapped and is shown about a second later, to
-/// the notification center, if the person has fully authorized notifications; else does nothing.
-/// Suspends until the center has taken or refused it. Never throws; a failure leaves no trace.
+/// Adds one notification request to the notification center, if the user has fully authorized
+/// notifications; otherwise does nothing. The notification appears about one second later and opens
+/// the app when tapped. Suspends until the center has accepted or refused the request. Never
+/// throws; failures are ignored.
 platform::Task<void> post(std::string title, std::string body);
 
 }  // namespace kivo::ExpenseNotifier

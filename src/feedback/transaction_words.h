@@ -1,4 +1,4 @@
-// The words in which a saved transaction is told, live and from the queue alike. Posts nothing.
+// The texts that announce a saved transaction, the same for a live one and a resent one.
 #pragma once
 
 #include <string>
@@ -8,14 +8,13 @@
 
 namespace kivo {
 
-/// Which way the money of a saved transaction went.
+/// Whether a saved transaction's money was spent or received.
 enum class MoneyFlow { spent, received };
 
-/// The flow of a transaction of the backend's kind `transactionType`: received for exactly
-/// "income", spent for every other kind.
+/// Returns `received` for exactly "income" and `spent` for any other kind from the backend.
 MoneyFlow moneyFlow(std::string_view transactionType);
 
-/// A saved transaction as it is told.
+/// The parts of a saved transaction that its texts mention.
 struct ToldTransaction {
   MoneyFlow flow;
   double amount;
@@ -25,11 +24,11 @@ struct ToldTransaction {
 
 namespace TransactionWords {
 
-/// "💸 Expense Tracked" or "💰 Income Received".
+/// Returns "💸 Expense Tracked" or "💰 Income Received".
 std::string notificationTitle(const ToldTransaction& transaction);
-/// Such as "EGP 150.00 at Carrefour (Groceries)".
+/// Returns, for example, "EGP 150.00 at Carrefour (Groceries)".
 std::string notificationBody(const SharedStore& store, const ToldTransaction& transaction);
-/// Such as "Tracked EGP 150.00 at Carrefour".
+/// Returns, for example, "Tracked EGP 150.00 at Carrefour".
 std::string dialog(const SharedStore& store, const ToldTransaction& transaction);
 
 }  // namespace TransactionWords

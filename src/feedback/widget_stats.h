@@ -1,4 +1,4 @@
-// The running figures that the home-screen widget shows. Asks no widget to read them.
+// Updates the totals that the home-screen widget shows. Does not reload the widget.
 #pragma once
 
 #include <cstdint>
@@ -7,17 +7,18 @@
 
 namespace kivo::WidgetStats {
 
-/// Adds `amount`, with its sign, to today's total and to the running total in `store`, counts it as
-/// one expense of today, and synchronizes. "Today" is the day of the device's locale, calendar and
-/// time zone; on a new day the day's figures start afresh. Unreadable figures count as 0. A count
-/// that cannot grow any more stops the process.
+/// Adds `amount`, with its sign, to today's total and to the running total in `store`, increments
+/// today's count, and synchronizes. "Today" is the day of the device's locale, calendar and time
+/// zone; on a new day its total and count restart. Totals that cannot be parsed count as 0. Stops
+/// the process when the count would overflow.
 void recordExpense(SharedStore& store, double amount);
 
-/// The figures that `store` holds under `key`; 0 when there is none that can be read.
+/// Reads the figure under `key`; 0 when it is absent or cannot be parsed.
 double readTotal(const SharedStore& store, StoreKey key);
 std::int64_t readCount(const SharedStore& store, StoreKey key);
 
-/// The text of the present day, as `todayDateKey` holds it. Only ever compared with itself.
+/// Returns the current day in the form of `todayDateKey`. Compare it only with other values of this
+/// function: calendar and digits are those of the device's locale.
 std::string today();
 
 }  // namespace kivo::WidgetStats

@@ -20,7 +20,7 @@ const LocalizedStringResource& AddExpenseIntent::title() const {
   return made;
 }
 
-// An amount that is not a number is not greater than zero either.
+// NaN counts as no amount.
 bool AddExpenseIntent::nothingToTrack() const {
   return !(amount.value() > 0) || platform::trimmingWhitespaces(merchant.value()).empty();
 }

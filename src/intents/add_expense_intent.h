@@ -1,4 +1,4 @@
-// "Add Expense": records a payment by its amount and merchant. Decides neither category nor date.
+// The "Add Expense" intent: records a payment by its amount and merchant.
 #pragma once
 
 #include <string>
@@ -9,9 +9,9 @@
 
 namespace kivo {
 
-/// Writes amount and merchant as a short payment sentence, has the backend extract the expense from
-/// it as from a bank's message, and answers with one dialog. A sentence that cannot be sent is kept
-/// in the offline queue under the same key, with its amount and merchant.
+/// Writes amount and merchant as a short payment sentence, sends that to the backend like a bank
+/// message, and returns one dialog. If the exchange fails, the sentence goes to the offline queue
+/// with the same idempotency key, the amount and the merchant.
 class AddExpenseIntent : public platform::AppIntent {
  public:
   platform::IntentParameter<double> amount{{.name = "amount",

@@ -1,4 +1,4 @@
-// What the extension offers to the system. Holds no logic.
+// Declares the extension to the platform: its name, intents and shortcuts.
 #pragma once
 
 #include "platform/app_intents/app_extension.h"
@@ -7,8 +7,8 @@ namespace kivo {
 
 /// The main type of the extension's process; `main` is the platform's.
 struct ExpenseIntentsExtension : platform::AppExtension<ExpenseIntentsExtension> {
-  /// The extension with its intents and shortcuts; an intent is offered everywhere by one line
-  /// here.
+  /// Returns the extension with its intents and shortcuts. A new intent needs one line here to be
+  /// offered everywhere.
   static platform::AppIntentsExtension make();
 };
 

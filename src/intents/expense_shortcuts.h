@@ -1,4 +1,4 @@
-// The spoken phrases for Kivo's intents. Hears none.
+// The spoken phrases for Kivo's intents.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,7 @@
 namespace kivo {
 
 struct ExpenseShortcuts {
-  /// The shortcuts in the order in which they are offered, built anew on each request.
+  /// Builds the shortcuts, in the order in which they are offered.
   static std::vector<platform::AppShortcut> appShortcuts();
 };
 

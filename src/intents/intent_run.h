@@ -1,4 +1,4 @@
-// The steps that the intents have in common. Which of them an intent takes, it decides itself.
+// The steps that the intents share. Each intent decides which of them to take.
 #pragma once
 
 #include <optional>
@@ -18,34 +18,37 @@ namespace kivo {
 /// A result whose dialog is `text`.
 platform::IntentResult answer(std::string text);
 
-/// One run of an intent that sends a text: its store handle, the credentials as they stand now, and
-/// the key and date that the request and its queued copy share. Owned by the run, and outlives the
-/// tasks that it returns.
+/// One run of an intent that sends a text: its store handle, the credentials read at the start, and
+/// the key and date that the request and its queued copy share. Must outlive the tasks that it
+/// returns. Not thread-safe.
 class IntentRun {
  public:
-  /// Opens the store, reads the credentials and makes key and date; or yields the answer for a
-  /// store that cannot be opened or a person who is not signed in, with nothing done.
+  /// Opens the store, reads the credentials and makes the key and the date. If the store cannot be
+  /// opened or nobody is signed in, returns the result to answer with instead. Sends and writes
+  /// nothing.
   static std::variant<IntentRun, platform::IntentResult> begin();
 
-  /// Sends `text` and yields the backend's answer; none for a failure of whatever kind, of which
-  /// one line "<intentName> error: <description>" on standard output tells.
+  /// Sends `text` and returns the backend's answer. On any failure prints one line "<intentName>
+  /// error: <description>" on standard output and returns nullopt. Suspends during the exchange.
   platform::Task<std::optional<SMSExtractionResponse>> extract(std::string text,
                                                                std::string_view intentName);
 
-  /// The copy of this run's request that goes into the queue, with its key, date and the time.
+  /// Returns the copy of this run's request for the offline queue, with its key and date and the
+  /// current time.
   [[nodiscard]] PendingSmsItem offlineCopy(std::string text, std::string_view source) const;
 
-  /// The person's currency code.
+  /// Returns the user's currency code.
   [[nodiscard]] std::string currency() const;
 
-  /// Queues `item`, posts that the expense is saved offline and answers so.
+  /// Adds `item` to the offline queue, posts a notification that the expense is saved offline, and
+  /// returns the dialog that says so.
   platform::Task<platform::IntentResult> saveOffline(PendingSmsItem item);
 
-  /// Adds a saved expense to the widget's totals, unless its category is left out of them.
+  /// Adds a saved expense to the widget's totals, unless they exclude its category.
   void countInTotals(const SMSExtractionResponse::SavedExpense& expense);
 
-  /// What follows every saved transaction: the widget reloads, a notification tells of it, up to
-  /// three queued texts are sent again, and the dialog answers.
+  /// Finishes a run whose transaction was saved: reloads the widget, posts a notification, resends
+  /// up to three queued texts and returns the dialog.
   platform::Task<platform::IntentResult> concludeSaved(MoneyFlow flow,
                                                        SMSExtractionResponse::SavedExpense expense);
 

@@ -1,4 +1,5 @@
-// "Process Bank SMS": records what a bank's message says. Reads no message from the phone itself.
+// The "Process Bank SMS" intent: records what a bank message says. Its caller passes the message
+// in; it does not read the phone's messages.
 #pragma once
 
 #include <string>
@@ -9,8 +10,8 @@
 
 namespace kivo {
 
-/// Takes the full text of a bank's SMS, has the backend extract the transaction and answers with
-/// one dialog. A text that cannot be sent is kept in the offline queue under the same key.
+/// Takes the full text of a bank message, sends it to the backend and returns one dialog. If the
+/// exchange fails, the text goes to the offline queue with the same idempotency key.
 class ProcessSMSIntent : public platform::AppIntent {
  public:
   platform::IntentParameter<std::string> smsText{

@@ -1,4 +1,4 @@
-// Which saved expenses the widget's totals leave out. Hides them nowhere else.
+// The categories that the widget's totals exclude.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace kivo {
 
-/// The categories, by exact name, of money that moves without being spent.
+/// Categories of money that moves without being spent. Compared by exact name.
 struct StatsExcludedCategories {
   static constexpr std::array<std::string_view, 2> names = {"__system_transfer__",
                                                             "Credit Card Settlement"};

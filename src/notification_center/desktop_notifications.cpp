@@ -49,7 +49,7 @@ bool isWithoutServer(std::string_view error) {
          error.starts_with("org.freedesktop.DBus.Error.Spawn.");
 }
 
-// None when `reply`, which may be null, is not an error.
+// Returns nullopt when `reply`, which may be null, is not an error.
 std::optional<ShowOutcome> failureOf(const BusMessage& reply) {
   if (!reply) return ShowOutcome::failed;
   const auto error = errorOf(reply);
@@ -128,7 +128,8 @@ void DesktopNotifications::notify(const UNMutableNotificationContent& content,
   sendCall(bus_, notifyCall(content, capabilities), noTimeout,
            [this, link = deepLink(content), done = std::move(done)](const BusMessage& reply) {
              if (const auto failure = failureOf(reply)) return done(*failure);
-             // A server that answers without an error has shown it, whatever else it answers.
+             // A server that replies without an error has shown it, whatever else the reply
+             // contains.
              const auto id = BusReader(reply).natural();
              const char* const server = dbus_message_get_sender(reply.get());
              if (id && server != nullptr) rememberLink(*id, {.server = server, .link = link});
@@ -145,7 +146,8 @@ DesktopNotifications::Links::iterator DesktopNotifications::linkOf(std::optional
 void DesktopNotifications::rememberLink(std::uint32_t id, Shown shown) {
   if (shown.link.empty()) return;
   links_[id] = std::move(shown);
-  // A server that never says what it closed must not make us grow; it counts upwards.
+  // Bounds the memory when a server never reports closed notifications. Identifiers increase, so
+  // the oldest goes first.
   if (links_.size() > mostLinks) links_.erase(links_.begin());
 }
 

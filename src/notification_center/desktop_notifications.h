@@ -1,5 +1,5 @@
-// Shows notifications by the desktop's own server, and opens what they lead to when the person
-// chooses them. Keeps none: one that is not shown is its caller's.
+// Shows notifications through the desktop's notification server, and opens their links when the
+// user activates them.
 #pragma once
 
 #include <cstdint>
@@ -17,28 +17,28 @@ struct DBusConnection;
 
 namespace kivo {
 
-/// What came of showing a notification.
+/// The outcome of showing a notification.
 enum class ShowOutcome {
   shown,
-  /// There is no server, and none that the bus could start.
+  /// No server is running, and the bus can start none.
   noServer,
-  /// The server refused, or went away meanwhile.
+  /// The server returned an error or went away.
   failed,
 };
 
-/// Used on the thread that serves `bus`, which calls the functions that it is handed.
+/// Use it only on the thread that runs the event loop of `bus`, which also calls the callbacks.
 class DesktopNotifications {
  public:
-  /// Calls `serverAppeared` whenever a server takes the desktop's name. `bus` is not served any
-  /// more when this object ends. Throws std::runtime_error with one line when the bus cannot be
-  /// used.
+  /// Calls `serverAppeared` whenever a server takes the desktop's bus name. The event loop of `bus`
+  /// must have ended before this object is destroyed. Throws std::runtime_error with a one-line
+  /// message when the bus cannot be used.
   DesktopNotifications(DBusConnection* bus, std::function<void()> serverAppeared);
   DesktopNotifications(const DesktopNotifications&) = delete;
   DesktopNotifications& operator=(const DesktopNotifications&) = delete;
 
-  /// Asks the server to show `content`. Returns at once; `done` is called once the server has
-  /// answered, however late: a server that hangs has the notification already, and would show it
-  /// twice if it were sent again.
+  /// Asks the server to show `content` and returns at once. Calls `done` when the server has
+  /// replied. There is no timeout: a server that hangs already has the notification, and would show
+  /// it twice if it were sent again.
   void show(platform::UNMutableNotificationContent content, std::function<void(ShowOutcome)> done);
 
  private:

@@ -1,4 +1,4 @@
-// Opens links with the program that the desktop has for them. Waits for no program.
+// Opens links with the desktop's default program, without waiting for it.
 #pragma once
 
 #include <string>
@@ -7,12 +7,11 @@
 
 namespace kivo {
 
-/// Used by one thread at a time. What it has opened goes on when it ends.
+/// Not thread-safe. Opened programs continue when this object is destroyed.
 class LinkOpener {
  public:
-  /// Has the desktop's opener, xdg-open as found in PATH, open `link`. What does not begin with a
-  /// scheme, and could be taken for an option or a file, is opened by nobody; an opener that cannot
-  /// be started is not missed.
+  /// Opens `link` with xdg-open, as found in PATH. Ignores a link that does not begin with a
+  /// scheme, since it could be taken for an option or a file. Failures are not reported.
   void open(const std::string& link);
 
  private:

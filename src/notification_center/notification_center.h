@@ -1,5 +1,5 @@
-// The phone's notification center: who may notify, what waits, and when it is shown. Draws nothing
-// itself, and speaks on no bus.
+// The logic of the notification center: permissions, waiting notifications, and when to show them.
+// NotificationCenterService connects it to the bus.
 #pragma once
 
 #include <chrono>
@@ -14,59 +14,61 @@
 
 namespace kivo {
 
-/// Used on one thread.
+/// Not thread-safe.
 class NotificationCenter : public NotificationCenterCalls {
  public:
-  /// The most requests that wait at a time; one more, and the oldest goes.
+  /// The largest number of waiting requests. One more drops the oldest.
   static constexpr std::size_t mostWaiting = 500;
-  /// The most that all of them hold together; a request that would be one too many is refused.
+  /// The largest total size of the waiting requests, in bytes. A request that would exceed it is
+  /// refused.
   static constexpr std::size_t mostBytesWaiting = 32 << 20;
-  /// So many identifiers of what was shown last are known again, fewer if they are very long.
+  /// The number of shown identifiers that are remembered, fewer if they are very long.
   static constexpr std::size_t mostRemembered = 500;
   static constexpr std::size_t mostBytesRemembered = 1 << 20;
-  /// After this time a notification that the server refused is tried again.
+  /// How long to wait before showing a notification again that the server refused.
   static constexpr std::chrono::seconds retryInterval{5};
 
-  /// Shows a notification and says what came of it, at any time after the call.
+  /// Shows a notification, and calls the callback with the outcome at any later time.
   using Show = std::function<void(const platform::UNMutableNotificationContent&,
                                   std::function<void(ShowOutcome)>)>;
 
-  /// Takes up what the record holds from earlier runs.
+  /// Loads what earlier runs left in `record`.
   NotificationCenter(NotificationRecord record, Show show);
 
   [[nodiscard]] platform::UNAuthorizationStatus authorizationStatus(
       const std::string& bundle) override;
 
-  /// On denied, drops what waits of that bundle.
+  /// Denying a bundle also drops its waiting notifications, except those that are being shown.
   bool setAuthorizationStatus(const std::string& bundle,
                               platform::UNAuthorizationStatus status) override;
 
-  /// Keeps `request` until its interval from now is over. One whose identifier waits already, or
-  /// was among the last ones shown, is kept no second time. Of the bundles only a denied one is
-  /// refused: the other statuses are the sender's to respect.
+  /// Keeps `request` until its interval, counted from now, is over and it was shown. Ignores a
+  /// request whose identifier already waits or is among the last ones shown. Refuses only a denied
+  /// bundle: senders have to respect the other statuses themselves.
   AddOutcome add(const std::string& bundle, platform::UNNotificationRequest request) override;
 
   [[nodiscard]] std::vector<std::string> pending(const std::string& bundle) override;
 
   void serverAppeared() override;
 
-  /// Begins to show what is due; the time until the next one is due, none when nothing is.
+  /// Starts to show the notifications that are due. Returns the time until the next one is due;
+  /// nullopt when nothing waits, or while there is no server.
   std::optional<std::chrono::milliseconds> showDue();
 
  private:
   enum class Stage {
     waiting,
-    /// Until the server has answered.
+    /// Until the server has replied.
     showing,
-    /// The server would not have it; waits for its second chance.
+    /// The server refused it or is absent; waits to be shown again.
     retrying,
   };
   struct Waiting {
     PendingNotification notification;
-    /// What it counts of `mostBytesWaiting`.
+    /// Its share of `mostBytesWaiting`.
     std::size_t size;
     platform::Moment showAt;
-    /// From the present, whatever the clock has been set to since.
+    /// The longest time from now until it is shown, even if the clock was set back.
     platform::Moment::duration longestWait;
     Stage stage = Stage::waiting;
   };

@@ -1,4 +1,4 @@
-// The program kivo-notification-center. Started by the session bus, at the first call.
+// The program kivo-notification-center. The session bus starts it at the first call.
 #include <optional>
 #include <stdexcept>
 
@@ -15,7 +15,7 @@ int serve() {
   kivo::NotificationCenterService service;
   const kivo::linux_platform::StopSignals signals([&service] { service.stop(); });
 
-  // Only now that no other center can be at work on it.
+  // Opened only after the bus name is taken, so that no other center uses it.
   auto record = kivo::NotificationRecord::open();
   if (!record) throw std::runtime_error("the notifications on disk cannot be opened");
   center.emplace(std::move(*record), [&service](const auto& content, auto done) {

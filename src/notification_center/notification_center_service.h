@@ -1,5 +1,5 @@
-// The place of the phone's notification center on the session bus, with its way to the desktop.
-// Decides and keeps nothing: its owner does.
+// Serves the notification center on the session bus, and shows notifications on the desktop.
+// NotificationCenter makes the decisions.
 #pragma once
 
 #include <chrono>
@@ -14,56 +14,56 @@
 
 namespace kivo {
 
-/// What became of a request.
+/// The outcome of `add`.
 enum class AddOutcome {
-  /// The center has it, on its disk.
+  /// Written to disk.
   kept,
-  /// The person does not want notifications of that bundle.
+  /// The user has denied notifications of this bundle.
   denied,
-  /// What waits is too large already.
+  /// The waiting requests are too large already.
   noRoom,
-  /// It could not be written.
+  /// Writing it to disk failed.
   notKept,
 };
 
-/// What answers the calls that come over the bus. Texts are valid UTF-8 without NUL.
+/// Handles the calls from the bus. Texts are valid UTF-8 without NUL.
 class NotificationCenterCalls {
  public:
   virtual ~NotificationCenterCalls() = default;
   virtual platform::UNAuthorizationStatus authorizationStatus(const std::string& bundle) = 0;
-  /// False when the status could not be written.
+  /// Returns false when the status could not be written.
   virtual bool setAuthorizationStatus(const std::string& bundle,
                                       platform::UNAuthorizationStatus status) = 0;
-  /// `request` does not repeat, and its interval is finite, not negative and below a century.
+  /// `request` does not repeat, and its interval is finite, not negative and less than 100 years.
   virtual AddOutcome add(const std::string& bundle, platform::UNNotificationRequest request) = 0;
-  /// The identifiers of what waits to be shown, oldest first.
+  /// Returns the identifiers of the waiting notifications, oldest first.
   virtual std::vector<std::string> pending(const std::string& bundle) = 0;
-  /// A server for notifications has come to the desktop.
+  /// Called when a notification server has appeared on the desktop.
   virtual void serverAppeared() = 0;
 };
 
-/// Used on one thread.
+/// Not thread-safe, except for `stop`.
 class NotificationCenterService {
  public:
-  /// Connects to the session bus and takes the center's name, so that no other center can begin to
-  /// work; calls wait until `serve`. Throws std::runtime_error with one line when there is no bus
-  /// or the name is another program's.
+  /// Connects to the session bus and takes the center's bus name, so that no second center can
+  /// start. Calls wait until `serve`. Throws std::runtime_error with a one-line message when there
+  /// is no bus or another program owns the name.
   NotificationCenterService();
   ~NotificationCenterService();
   NotificationCenterService(const NotificationCenterService&) = delete;
   NotificationCenterService& operator=(const NotificationCenterService&) = delete;
 
-  /// As `DesktopNotifications::show`; to be called from within `serve` only.
+  /// As `DesktopNotifications::show`. Call it only from within `serve`.
   void show(const platform::UNMutableNotificationContent& content,
             std::function<void(ShowOutcome)> done);
 
-  /// Answers calls until `stop`, or until the bus is gone. `calls` outlives this object, whose end
-  /// ends what is being shown. `beforeWaiting` is called before each wait and yields the longest
-  /// time to wait, none for no limit.
+  /// Handles calls until `stop` is called or the bus is gone. `calls` must outlive this object,
+  /// whose destruction drops unfinished calls to the desktop. Calls `beforeWaiting` before each
+  /// wait; it returns the timeout of the wait, or nullopt for none.
   void serve(NotificationCenterCalls& calls,
              const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting);
 
-  /// Ends `serve`. From any thread and from a signal handler.
+  /// Ends `serve`. Thread-safe and async-signal-safe.
   void stop() noexcept;
 
  private:

@@ -1,5 +1,5 @@
-// What the notification center keeps on disk: permissions, what waits, and the identifiers of what
-// was shown last. Shows nothing.
+// Stores the notification center's state: permissions, waiting notifications and the identifiers of
+// the last ones shown.
 #pragma once
 
 #include <deque>
@@ -18,23 +18,24 @@ using NotificationName = std::pair<std::string, std::string>;
 
 class NotificationRecord {
  public:
-  /// Opens the center's suite of user defaults; none when that cannot be done.
+  /// Opens the center's suite of user defaults; nullopt when that fails, which one line on standard
+  /// error explains.
   static std::optional<NotificationRecord> open();
 
-  /// Not determined for a bundle that was never set.
+  /// Returns `notDetermined` for a bundle that was never set.
   [[nodiscard]] platform::UNAuthorizationStatus status(const std::string& bundle) const;
   void setStatus(const std::string& bundle, platform::UNAuthorizationStatus status);
 
-  /// Oldest first. A damaged text counts as none, and is reported on standard error.
+  /// Returns the waiting notifications, oldest first; empty when the stored text is damaged, which
+  /// is reported on standard error.
   [[nodiscard]] std::vector<PendingNotification> pending() const;
   void setPending(const std::vector<PendingNotification>& pending);
 
-  /// The last ones that were shown, oldest first.
+  /// Returns the last ones shown, oldest first; empty when the stored text is damaged, as above.
   [[nodiscard]] std::deque<NotificationName> shown() const;
   void setShown(const std::deque<NotificationName>& shown);
 
-  /// Makes durable what was set, all or none; false when that failed, and nothing has changed on
-  /// disk.
+  /// Commits all changes durably. Returns false when that failed; then nothing on disk has changed.
   bool commit();
 
  private:

@@ -16,7 +16,7 @@ using platform::JSONObject;
 
 namespace {
 
-// The decoder looks members up by name, so that entries with any key are written as a list.
+// The decoder looks up members by known names, so entries with arbitrary keys are stored as a list.
 std::string textOf(const std::map<std::string, std::string>& entries) {
   std::vector<JSONEncoder> objects;
   for (const auto& [key, value] : entries) {
@@ -68,7 +68,8 @@ std::string textOf(const std::vector<PendingNotification>& notifications) {
 std::vector<PendingNotification> pendingNotifications(std::string_view text) {
   std::vector<PendingNotification> result;
   for (const JSONObject& object : JSONDecoder::arrayOfObjects(text)) {
-    // Member by member: g++ 12 destroys parts twice when one within nested braces throws.
+    // Assigned one by one: with nested braces, g++ 12 destroys members twice when one of them
+    // throws.
     PendingNotification& notification = result.emplace_back();
     notification.bundle = object.decodeString("bundle");
     notification.request.identifier = object.decodeString("identifier");

@@ -1,4 +1,4 @@
-// A notification that waits to be shown, and its form on disk. Decides nothing about when.
+// A notification that waits to be shown, and its form on disk.
 #pragma once
 
 #include <string>
@@ -13,16 +13,16 @@ namespace kivo {
 struct PendingNotification {
   std::string bundle;
   platform::UNNotificationRequest request;
-  /// When the request's interval is over.
+  /// When to show it.
   platform::Moment due;
 
   bool operator==(const PendingNotification&) const = default;
 };
 
-/// All of `notifications`, in their order, as one JSON text. Fails for no content.
+/// Encodes `notifications`, in order, as JSON. Never fails.
 std::string textOf(const std::vector<PendingNotification>& notifications);
 
-/// What `textOf` made `text` from. Throws DecodingError when it is no such text.
+/// Decodes a text of `textOf`. Throws DecodingError when it is not one.
 std::vector<PendingNotification> pendingNotifications(std::string_view text);
 
 }  // namespace kivo

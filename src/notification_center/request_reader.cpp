@@ -20,7 +20,7 @@ using platform::UNTimeIntervalNotificationTrigger;
 
 BusRefusal invalid(const std::string& words) { return {DBUS_ERROR_INVALID_ARGS, words}; }
 
-// Copies the texts of a request as long as it is not too large.
+// Copies the texts of a request until it exceeds the limit.
 class TextCopier {
  public:
   std::string copy(std::string_view text) {

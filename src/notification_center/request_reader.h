@@ -1,5 +1,5 @@
-// Reads the arguments of `Add` one by one, so that a request that is too large is refused before it
-// is copied any further.
+// Reads the arguments of `Add` one by one, so that a request that is too large is refused before
+// all of it is copied.
 #pragma once
 
 #include <string>
@@ -9,18 +9,17 @@
 
 namespace kivo {
 
-/// A request as it comes over the bus, with its bundle.
+/// A request and its bundle.
 struct ReceivedRequest {
   std::string bundle;
   platform::UNNotificationRequest request;
 };
 
-/// The refusal of a request that is larger than `largestRequest`.
+/// Returns the refusal of a request that is larger than `largestRequest`.
 linux_platform::BusRefusal tooLarge();
 
-/// Reads the arguments of a call with the signature `ssa{sv}db`. Throws the
-/// linux_platform::BusRefusal to answer with when the request is larger than `largestRequest` or
-/// has a value that is not allowed.
+/// Reads the arguments of a call with the signature `ssa{sv}db`. Throws linux_platform::BusRefusal,
+/// the error reply, when the request is larger than `largestRequest` or has an invalid value.
 ReceivedRequest readRequest(linux_platform::BusReader arguments);
 
 }  // namespace kivo

@@ -1,4 +1,4 @@
-// How much of the notification center's limits a request uses.
+// Computes how much of the notification center's limits a request uses.
 #pragma once
 
 #include <cstddef>
@@ -12,11 +12,11 @@ namespace kivo {
 /// The largest size of a request, in bytes.
 inline constexpr std::size_t largestRequest = 2 << 20;
 
-/// The size of `text` in bytes, with the memory that a string costs besides and the bytes that
-/// escaping it in JSON adds on the disk.
+/// Returns the size of `text` in bytes, plus the overhead of a string in memory and of JSON escapes
+/// on disk.
 std::size_t sizeOf(std::string_view text);
 
-/// The size of all texts of a request, with its bundle.
+/// Returns the size of all texts of a request and its bundle.
 std::size_t sizeOf(const std::string& bundle, const platform::UNNotificationRequest& request);
 
 }  // namespace kivo

@@ -1,5 +1,4 @@
-// The commands of kivo-phone about the person: signing in and out, permission to notify, and how
-// all of it stands.
+// The commands of kivo-phone for signing in and out, the permission to notify, and the status.
 #pragma once
 
 #include <vector>

@@ -1,4 +1,4 @@
-// Tells whether a backend can be reached, by a request that carries nothing of a person.
+// Checks whether a backend can be reached, by a request without any user data.
 #pragma once
 
 #include <optional>
@@ -9,11 +9,11 @@
 
 namespace kivo {
 
-/// What was found of a backend.
+/// The result of a check.
 struct BackendFindings {
   /// The base URL as stored.
   std::string base;
-  /// What a GET of the extraction endpoint came to.
+  /// The outcome of a GET of the extraction endpoint.
   linux_platform::ExchangeOutcome outcome;
 
   [[nodiscard]] bool answers() const { return outcome.index() == 0; }
@@ -21,13 +21,12 @@ struct BackendFindings {
 
 namespace BackendCheck {
 
-/// Sends a GET without a body to the extraction endpoint below `base` and blocks until it is
-/// answered or has failed, 5 s at most. The base URL must parse.
+/// Sends a GET without a body to the extraction endpoint below `base`. Blocks for at most 5 s. The
+/// base URL must parse.
 BackendFindings find(const std::string& base);
 
-/// What a person should know of `findings`, as sentences: whether the endpoint answers, what is
-/// wrong with host, connection or certificate, and whether messages would cross a network in clear
-/// text.
+/// Describes `findings` in sentences: whether the endpoint answers, what is wrong with host,
+/// connection or certificate, and whether messages would cross a network unencrypted.
 std::vector<std::string> sentences(const BackendFindings& findings);
 
 }  // namespace BackendCheck

@@ -1,4 +1,4 @@
-// The program kivo-phone: what the rest of the phone does for the extension, by hand.
+// The program kivo-phone, which does by hand what the phone's other apps do for the extension.
 #include <cmath>
 #include <iterator>
 #include <string>
@@ -27,7 +27,7 @@ using linux_platform::GivenParameters;
 using platform::UserDefaults;
 using Kind = linux_platform::CommandParameter::Kind;
 
-// A value as it is stored: as it was given, made valid UTF-8.
+// Returns the given value for `name`, made valid UTF-8.
 std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }

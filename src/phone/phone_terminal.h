@@ -1,4 +1,4 @@
-// How the commands of kivo-phone speak to the person. Asks nothing.
+// Output and exit statuses of the kivo-phone commands.
 #pragma once
 
 #include <string>
@@ -7,29 +7,29 @@
 
 namespace kivo {
 
-/// What the program is called.
+/// The program's name.
 inline constexpr const char* phoneProgramName = "kivo-phone";
 
-/// The exit status of a command that could not do what it was told.
+/// The exit status of a command that failed.
 inline constexpr int exitFailure = 1;
 
-/// Writes `what` as one line on standard error, after the program's name; yields `status`.
+/// Prints `what` as one line on standard error, after the program's name; returns `status`.
 int fail(const std::string& what, int status = exitFailure);
 
-/// `exitFailure`, for a shared store that cannot be opened. Opening it has said why.
+/// Returns `exitFailure` when the shared store cannot be opened. Opening it has printed the reason.
 int failWithoutStore();
 
-/// Writes `text` on standard output as it is; yields 0, or `fail` when that cannot be done.
+/// Prints `text` on standard output unchanged; returns 0, or `fail` when that fails.
 int print(const std::string& text);
 
 using linux_platform::onTerminal;
 using linux_platform::screenWidth;
 
-/// Whether standard output is a terminal that obeys escape sequences: TERM is neither unset nor
+/// Whether standard output is a terminal that supports escape sequences: TERM is neither unset nor
 /// dumb.
 bool terminalObeysEscapes();
 
-/// Whether standard output shows bold text, and the person did not decline that with NO_COLOR.
+/// Whether standard output supports bold text and NO_COLOR is not set.
 bool terminalShowsStyles();
 
 }  // namespace kivo

@@ -41,7 +41,7 @@ bool isStored(StoreKey key) {
   return defaults && defaults->dictionaryRepresentation().contains(std::string(key.name));
 }
 
-// True when a queue is stored that the extension cannot read either.
+// Whether a queue is stored that cannot be decoded.
 bool queueIsBroken(const SharedStore& store) {
   const auto text = store.readText(StoreKeys::pendingSmsQueue);
   if (!text) return isStored(StoreKeys::pendingSmsQueue);
@@ -52,7 +52,7 @@ bool queueIsBroken(const SharedStore& store) {
   }
 }
 
-// The queue; none when it cannot be read, which has then been said.
+// Returns the queue; nullopt, after printing the reason, when it cannot be read.
 std::optional<Items> readQueue() {
   const auto store = SharedStore::open(appGroup);
   if (!store) {
@@ -67,7 +67,7 @@ std::optional<Items> readQueue() {
   return items;
 }
 
-// The index that the number `text` of a text means; none when it is no such number.
+// Returns the index for the typed number `text`; nullopt when it is not a valid number.
 std::optional<std::size_t> indexFrom(const std::string& text) {
   std::size_t number = 0;
   const char* const end = text.data() + text.size();
@@ -153,7 +153,7 @@ std::string countedTexts(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " text" : " texts");
 }
 
-// Says what came of sending, and yields the exit status: 0 when nothing is left that was tried.
+// Prints the result of sending; returns 0 when no text that was tried is left.
 int reportSending(const QueueSending::Result& result) {
   if (result.end == QueueSending::Result::End::busy && result.sent + result.failed == 0) {
     return fail("texts are being sent just now; try again in half a minute");
@@ -180,7 +180,7 @@ int sendQueue(const GivenParameters&) {
   if (!userId || !base || !SMSExtractionClient::endpoint(*base)) {
     return fail("nobody is signed in; kivo-phone sign-in comes first");
   }
-  // An attempt that cannot succeed would count as one of the ten that a text has.
+  // A failed attempt would count as one of the ten that a text has.
   const BackendFindings findings = BackendCheck::find(*base);
   if (!findings.answers()) {
     return fail("nothing was sent: " +

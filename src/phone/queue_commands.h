@@ -1,4 +1,4 @@
-// What `kivo-phone queue` does: shows, exports and drops the texts that wait. Sends none.
+// The `kivo-phone queue` commands, which show, send, export and drop the queued texts.
 #pragma once
 
 #include <vector>

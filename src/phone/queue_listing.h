@@ -1,4 +1,4 @@
-// The offline queue as a person reads it. Sends and changes nothing.
+// Formats the offline queue for the user.
 #pragma once
 
 #include <chrono>
@@ -11,19 +11,19 @@
 
 namespace kivo::QueueListing {
 
-/// How long ago something was: "just now" below a minute and for the future, then whole minutes,
-/// hours and, from two days on, days.
+/// Formats an age: "just now" below one minute and for the future, then whole minutes, hours and,
+/// from two days on, days.
 std::string ageText(std::chrono::seconds age);
 
-/// What becomes of control characters, line breaks included.
+/// Whether control characters, line breaks included, are escaped.
 enum class Controls { asTheyAre, escaped };
 
-/// `items` as lines with their numbers, from 1, their age at `now`, how often each was tried again
-/// and their text, whose control characters are escaped and which ends where the line would pass
-/// `width` columns. Says kindly that nothing waits when there are none.
+/// Formats `items` as lines with their numbers, from 1, their age at `now`, their number of resends
+/// and their text, which is escaped and cut to `width` columns. Says that nothing waits when there
+/// are none.
 std::string text(const std::vector<PendingSmsItem>& items, platform::Moment now, std::size_t width);
 
-/// All of `item`: a line for each value that it has, an empty line, and its whole text.
+/// Formats all of `item`: one line for each value, an empty line, and the whole text.
 std::string details(const PendingSmsItem& item, platform::Moment now, Controls controls);
 
 }  // namespace kivo::QueueListing

@@ -12,7 +12,7 @@ namespace {
 using Outcome = QueueRemoval::Outcome;
 using Items = std::vector<PendingSmsItem>;
 
-// A drain that failed meanwhile has counted it.
+// A failed drain in between has increased the retry count.
 bool isSame(const PendingSmsItem& shown, PendingSmsItem queued) {
   queued.retryCount = shown.retryCount;
   return queued == shown;
@@ -32,7 +32,8 @@ Outcome removeLocked(const PendingSmsItem& shown, std::size_t index, SharedStore
   if (place == items.end()) return Outcome::gone;
   items.erase(place);
   PendingSmsQueue::save(items, store);
-  // Saving reports nothing, and what could not be written is not there any more to be read.
+  // Saving does not report failures; a failed save discards its writes, so reading back finds the
+  // old queue.
   return PendingSmsQueue::load(store) == items ? Outcome::removed : Outcome::notWritten;
 }
 

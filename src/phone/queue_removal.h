@@ -1,4 +1,4 @@
-// Takes one text out of the offline queue for good. Asks nobody.
+// Removes one text from the offline queue.
 #pragma once
 
 #include <cstddef>
@@ -10,20 +10,19 @@ namespace kivo::QueueRemoval {
 
 enum class Outcome {
   removed,
-  /// Texts are being sent, or were by a run that ended in the middle of it less than 30 s ago.
+  /// A drain is running, or was killed less than 30 s ago.
   busy,
-  /// The text is not in the queue any more.
+  /// The text is no longer in the queue.
   gone,
-  /// The store refused to be written; a line on standard error has said why.
+  /// The store could not be written; a line on standard error has said why.
   notWritten,
 };
 
-/// Removes `shown`, which stood at `index` (from 0) when it was read, from the queue as it is now:
-/// from there if it is still there, else from where it has moved to, which may be with another
-/// retry count. Queue and count are one write group, durable on return, and the text is then gone
-/// from the store's files as after a drain. Holds the drain's lock meanwhile, so that no drain
-/// brings the text back; a text that is queued at the very moment may be lost, as between two runs.
-/// Does not suspend.
+/// Removes `shown`, which was at `index` (from 0) when it was read, from the current queue: at that
+/// index if it is still there, otherwise where it has moved to, possibly with another retry count.
+/// Queue and count are one write group, durable on return; the text is also erased from the store's
+/// files, as after a drain. Holds the drain lock meanwhile, so that no drain restores the text. A
+/// text that is queued at the same moment may be lost, as between two runs. Does not suspend.
 Outcome remove(const PendingSmsItem& shown, std::size_t index, SharedStore& store);
 
 }  // namespace kivo::QueueRemoval

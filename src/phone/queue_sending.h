@@ -1,5 +1,4 @@
-// Sends the texts that wait now, when a person asks for it. Decides nothing about a text: that is
-// the drainer's.
+// Resends the queued texts when the user asks for it.
 #pragma once
 
 #include <cstddef>
@@ -14,24 +13,24 @@ struct Result {
   enum class End {
     /// Each text was tried once.
     triedAll,
-    /// Another process is sending texts, or has died doing so less than 30 s ago.
+    /// Another drain is running, or was killed less than 30 s ago.
     busy,
-    /// The backend gave no answer to a text; those after it were not tried.
+    /// The backend did not respond to a text; those after it were not tried.
     noAnswer,
   };
 
   End end = End::triedAll;
-  /// Answered by the backend, and no longer in the queue.
+  /// Answered by the backend and removed from the queue.
   std::size_t sent = 0;
   /// Tried and still in the queue.
   std::size_t failed = 0;
-  /// Not tried, since they had failed ten times before; no longer in the queue.
+  /// Not tried, since they had failed ten times before, and removed from the queue.
   std::size_t dropped = 0;
 };
 
-/// Drains the queue text by text, each at most once, under the drain lock, until one is not
-/// answered. Notifies as a drain does. `store` and `result` must outlive the task, which suspends
-/// for each exchange and notification.
+/// Drains the queue one text at a time, each text at most once, under the drain lock, until the
+/// backend does not respond. Posts notifications as a drain does. `store` and `result` must outlive
+/// the task, which suspends during each exchange and notification.
 platform::Task<void> send(SharedStore& store, std::string userId, std::string supabaseUrl,
                           Result& result);
 

@@ -14,7 +14,7 @@ using Value = platform::UserDefaults::Value;
 using linux_platform::columnsOf;
 using linux_platform::paddedTo;
 
-// By the places of the types in Value.
+// In the order of the alternatives of Value.
 constexpr std::array<const char*, 4> typeNames{"other", "integer", "float", "text"};
 constexpr std::size_t typeWidth = 7;
 constexpr std::string_view gap = "  ";

@@ -1,4 +1,4 @@
-// The values of a store as a person reads them. Knows no key's meaning.
+// Formats the values of a store for the user.
 #pragma once
 
 #include <map>
@@ -9,13 +9,13 @@
 
 namespace kivo::ValueListing {
 
-/// What becomes of control characters, line breaks included.
+/// Whether control characters, line breaks included, are escaped.
 enum class Controls { asTheyAre, escaped };
 
-/// The text form of `value`; none for what is neither text nor number.
+/// Returns `value` as text; nullopt when it is neither a text nor a number.
 std::optional<std::string> valueText(const platform::UserDefaults::Value& value);
 
-/// A line for each of `values` with its key, its type (text, float, integer or other) and its
+/// Formats one line for each value with its key, its type (text, float, integer or other) and the
 /// value, in columns. Says so when there are none.
 std::string text(const std::map<std::string, platform::UserDefaults::Value>& values,
                  Controls controls);

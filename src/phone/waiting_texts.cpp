@@ -14,8 +14,8 @@ using platform::Moment;
 constexpr int statusOK = 200;
 
 // A run queues its text right after its exchange. So the exchange at `last` failed for the newest
-// text if that was queued at the same time or later; with status 200 it failed for the answer's
-// body.
+// text if that was queued at the same time or later; with status 200, its body could not be
+// decoded.
 bool wasUnreadable(const LastExchange& last, const PendingSmsItem& newest) {
   const auto queued = platform::ISO8601DateFormatter::date(newest.queuedAt);
   return last.statusCode == statusOK && newest.retryCount == 0 && queued && *queued >= last.endedAt;

@@ -1,4 +1,4 @@
-// Says how many texts wait to be sent, and why. Reads no store.
+// Describes how many texts are queued and why.
 #pragma once
 
 #include <optional>
@@ -11,12 +11,12 @@
 
 namespace kivo::WaitingTexts {
 
-/// Why the last exchange did not get a text off the queue, as a clause: "the backend answered with
-/// HTTP status 503", "The host name was not found". None when it was answered with status 200.
+/// Returns why the last exchange failed, as a clause: "the backend answered with HTTP status 503",
+/// "The host name was not found". Nullopt for status 200.
 std::optional<std::string> failureOf(const linux_platform::LastExchange& last);
 
-/// How many of `items` wait, with the reason for which the last attempt at `last` failed and how
-/// long ago at `now` that was; "none" when there are none. One line.
+/// Returns one line: how many of `items` wait, and why and how long before `now` the exchange
+/// `last` failed; "none" when there are none.
 std::string sentence(const std::vector<PendingSmsItem>& items,
                      const std::optional<linux_platform::LastExchange>& last, platform::Moment now);
 

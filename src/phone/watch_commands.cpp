@@ -18,7 +18,7 @@ namespace {
 namespace SendersFile = SendersFile;
 using linux_platform::GivenParameters;
 
-// Whom the file names; none, after a complaint, when it cannot be read.
+// Returns the senders in the file; nullopt, after printing the reason, when it cannot be read.
 std::optional<std::vector<std::string>> namedSenders() {
   SendersFile::Content content = SendersFile::read();
   if (!content.error) return std::move(content.senders);
@@ -35,7 +35,7 @@ std::string quoted(const std::string& sender) {
   return "\"" + linux_platform::forStandardOutput(sender) + "\"";
 }
 
-// The sender that a command is about, as valid UTF-8; blanks around it do not count.
+// Returns the SENDER argument as valid UTF-8 without surrounding blanks.
 std::string senderOf(const GivenParameters& given) {
   const std::string sender = platform::repairedUtf8(given.at("SENDER"));
   return std::string(platform::trimmingWhitespaces(sender));

@@ -1,4 +1,4 @@
-// The commands of kivo-phone that name whose messages are handed on. Hands on none.
+// The commands of kivo-phone that choose the senders whose messages are handed on.
 #pragma once
 
 #include <vector>
@@ -7,8 +7,8 @@
 
 namespace kivo {
 
-/// `watch add`, `watch remove` and `watch list`. Each says on standard error why it could do
-/// nothing, and none overwrites a settings file that cannot be read.
+/// `watch add`, `watch remove` and `watch list`. Each prints the reason of a failure on standard
+/// error, and none overwrites a settings file that cannot be parsed.
 std::vector<linux_platform::Command> watchCommands();
 
 }  // namespace kivo

@@ -17,7 +17,7 @@ namespace {
 using linux_platform::GivenParameters;
 using Kind = linux_platform::CommandParameter::Kind;
 
-// What the notifications link to; the desktop file names it as well.
+// The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
 
 std::string drawnWidget(const WidgetFigures& figures) {
@@ -32,7 +32,7 @@ int showWidget() {
   return print(drawnWidget(WidgetView::read(*store)));
 }
 
-// Draws over what was drawn before, or below it where that cannot be done.
+// Redraws in place, or below where the terminal does not support that.
 int watchWidget() {
   constexpr const char* clearScreen = "\x1b[H\x1b[2J";
   std::optional<WidgetFigures> drawn;
@@ -48,7 +48,7 @@ int watchWidget() {
   });
 }
 
-// A link comes from anywhere: nothing of it is passed on.
+// Any program can open a link, so no part of it is passed on.
 int openWidget(const GivenParameters& given) {
   if (given.contains("LINK") && !given.at("LINK").starts_with(linkScheme)) {
     return fail("invalid LINK: it needs to begin with kivo-expenses:",

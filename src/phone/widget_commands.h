@@ -7,7 +7,7 @@
 
 namespace kivo {
 
-/// widget and open.
+/// `widget` and `open`.
 std::vector<linux_platform::Command> widgetCommands();
 
 }  // namespace kivo

@@ -17,7 +17,7 @@ using linux_platform::paddedTo;
 
 constexpr std::size_t smallestWidth = 24;
 
-// The formatter drops the sign, which the words around an amount tell elsewhere.
+// The formatter drops the sign; elsewhere the words around the amount express it.
 std::string signedAmount(const SharedStore& store, double amount) {
   return (amount < 0 ? "-" : "") + AmountFormatter::format(store, amount);
 }
@@ -31,7 +31,7 @@ std::string countedAsWaiting(std::int64_t count) {
          (count == 1 ? " message waits to be sent" : " messages wait to be sent");
 }
 
-// A line of the box: words, and the figure after them that may stand out.
+// A line of the box: words, followed by a figure that may be bold.
 struct Row {
   std::string words;
   std::string figure;

@@ -1,4 +1,4 @@
-// The home-screen widget's figures as text. Waits for no change: that is WidgetWatch.
+// Formats the home-screen widget's figures as text. WidgetWatch redraws them on changes.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace kivo {
 
-/// What the widget shows, ready to read.
+/// The figures that the widget shows.
 struct WidgetFigures {
-  /// Amounts in the person's currency, with a minus when they are negative.
+  /// Amounts in the user's currency, with a minus when negative.
   std::string todayTotal;
   std::int64_t todayCount = 0;
   std::string runningTotal;
-  /// How many messages wait in the queue.
+  /// The number of queued texts.
   std::int64_t waitingMessages = 0;
   bool signedIn = false;
 
@@ -23,17 +23,18 @@ struct WidgetFigures {
 
 namespace WidgetView {
 
-/// The figures in `store`. Those of an earlier day are none of today's; unreadable ones count as 0.
+/// Reads the figures in `store`. Today's are 0 when the stored ones are of another day. Values that
+/// cannot be parsed count as 0.
 WidgetFigures read(const SharedStore& store);
 
-/// The figures as lines of a name and a value, for programs to read.
+/// Formats the figures as lines of name and value, for programs.
 std::string asLines(const WidgetFigures& figures);
 
-/// How amounts and the count stand out.
+/// How amounts and the count are printed.
 enum class Figures { plain, bold };
 
-/// The figures in a frame, for a terminal; below them, whether messages wait and whether somebody
-/// has to sign in.
+/// Formats the figures in a frame for a terminal, followed by whether messages wait and whether the
+/// user has to sign in.
 std::string asBox(const WidgetFigures& figures, Figures style);
 
 }  // namespace WidgetView

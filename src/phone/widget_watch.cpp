@@ -16,7 +16,7 @@ namespace {
 namespace widget_center = linux_platform::widget_center_interface;
 using linux_platform::BusLoop;
 
-// A run that queues its text asks for no reload, nor do a sign-in and a new day.
+// A run that queues a text sends no reload signal, nor does a sign-in or a new day.
 constexpr std::chrono::milliseconds pollInterval = std::chrono::seconds(2);
 
 int fail(const char* complaint) {

@@ -1,4 +1,4 @@
-// One text that waits to be sent again. Does not know when or how.
+// One text in the offline queue, and its JSON form.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace kivo {
 
 /// A queued text with everything that its next attempt needs. Texts are UTF-8.
 struct PendingSmsItem {
-  /// The JSON keys, which are the fields' names.
+  /// The JSON keys. They equal the names of the fields.
   struct CodingKeys {
     static constexpr std::string_view id = "id";
     static constexpr std::string_view smsText = "smsText";
@@ -25,25 +25,26 @@ struct PendingSmsItem {
     static constexpr std::string_view merchant = "merchant";
   };
 
-  /// The idempotency key of the attempt that failed, used again by every later one.
+  /// The idempotency key of the failed attempt. Every later attempt uses it again.
   std::string id;
-  /// The text to send, as it was sent first.
+  /// The text as first sent.
   std::string smsText;
   /// The day of the first attempt, "yyyy-MM-dd".
   std::string expenseDate;
-  /// When it was queued: an internet date-time in UTC, to the second.
+  /// When it was queued: "yyyy-MM-ddThh:mm:ssZ", in UTC.
   std::string queuedAt;
-  /// How many times sending it again has failed.
+  /// How many resends have failed.
   std::int64_t retryCount;
-  /// "sms" or "apple_pay". Like the two below, kept for the app and read by nobody here.
+  /// "sms" or "apple_pay". The main app reads this and the two members below; the extension does
+  /// not.
   std::string source;
   std::optional<double> amount = std::nullopt;
   std::optional<std::string> merchant = std::nullopt;
 
-  /// Reads the record; `amount` and `merchant` may be absent or null. Throws DecodingError.
+  /// Decodes the record. `amount` and `merchant` may be absent or null. Throws DecodingError.
   static PendingSmsItem decode(const platform::JSONObject& object);
-  /// Writes the record; an absent `amount` or `merchant` is left out. Throws NSError when the
-  /// amount is not finite.
+  /// Encodes the record without an absent `amount` or `merchant`. Throws NSError when the amount is
+  /// not finite.
   [[nodiscard]] platform::JSONEncoder encode() const;
 
   bool operator==(const PendingSmsItem&) const = default;

@@ -1,4 +1,4 @@
-// Keeps the texts that could not be sent, in the shared store. Sends none: that is SmsQueueDrainer.
+// Keeps the texts that could not be sent, in the shared store. SmsQueueDrainer resends them.
 #pragma once
 
 #include <cstddef>
@@ -9,22 +9,23 @@
 
 namespace kivo::PendingSmsQueue {
 
-/// The most texts that are kept; the oldest go first.
+/// The largest number of texts that are kept. The oldest are dropped first.
 inline constexpr std::size_t capacity = 200;
 
-// None of these throws, suspends or reports a failure, and none takes a lock: when two runs change
-// the queue at the same time, the later save wins.
+// These functions neither throw nor suspend, do not report failures and take no lock: when two runs
+// change the queue at the same time, the later save wins.
 
-/// The queued items, oldest first; none when the store holds no queue, or one that cannot be read.
+/// Returns the queued items, oldest first; empty when the store holds no queue or one that cannot
+/// be decoded.
 std::vector<PendingSmsItem> load(const SharedStore& store);
 
-/// Replaces the stored queue by `items` and its count, and synchronizes. Items that JSON cannot
-/// carry (an amount that is not finite) empty the stored queue, while the count stays that of
-/// `items`.
+/// Replaces the stored queue by `items` and the stored count by their number, and synchronizes. If
+/// JSON cannot represent an item (an amount that is not finite), the stored queue becomes empty,
+/// while the count is still that of `items`.
 void save(const std::vector<PendingSmsItem>& items, SharedStore& store);
 
-/// Adds `item` at the end and saves, unless the same text was queued less than 60 s before or after
-/// it: then nothing is written. A time that cannot be read counts as now.
+/// Appends `item`, drops the oldest items beyond `capacity` and saves. Writes nothing when the same
+/// text was queued less than 60 s before or after. A time that cannot be parsed counts as now.
 void enqueue(PendingSmsItem item, SharedStore& store);
 
 }  // namespace kivo::PendingSmsQueue

@@ -20,14 +20,15 @@ namespace {
 
 constexpr double staleAfterSeconds = 30;
 
-// A power cut that takes the lock back frees it; one that takes a release back leaves a lock that
-// becomes stale.
+// No fsync is needed: a power cut that undoes taking the lock frees it, and one that undoes
+// releasing it leaves a lock that becomes stale.
 void writeLock(double time, SharedStore& store) {
   store.writeFloat(StoreKeys::smsQueueDrainLock, time);
   store.publish();
 }
 
-// Why an attempt failed is of no interest to a drain, and an exception handler cannot suspend.
+// Drops the reason of a failure, which a drain does not need. It returns instead of throwing since
+// a coroutine cannot suspend inside an exception handler.
 platform::Task<std::optional<SMSExtractionResponse>> sendAgain(PendingSmsItem item,
                                                                std::string userId,
                                                                std::string supabaseUrl) {

@@ -1,4 +1,4 @@
-// Sends queued texts again. Decides neither when, nor how a live text is handled.
+// Resends queued texts.
 #pragma once
 
 #include <cstdint>
@@ -9,27 +9,29 @@
 
 namespace kivo::SmsQueueDrainer {
 
-/// How many failed attempts a text has before a drain drops it without another one.
+/// A text with this many failed resends is dropped without another attempt.
 inline constexpr std::int64_t retryLimit = 10;
 
-/// Sends the first `maxItems` queued texts again, one after the other, with the present credentials
-/// and each with its own key and date. Answered texts leave the queue, and saved ones are
-/// announced; failed ones go to its end, until the tenth failure drops them. Neither totals nor
-/// widget change.
+/// Resends the first `maxItems` queued texts one after the other, with the given credentials and
+/// each with its own key and date. Texts that the backend answered leave the queue, and a
+/// notification announces each saved one. Failed ones move to the end of the queue. A text that has
+/// already failed `retryLimit` times is dropped without being sent. Totals and widget do not
+/// change.
 ///
-/// Suspends for each exchange and notification; returns when the queue is saved. Does nothing while
-/// another drain holds the lock. `store` is written at the end only, from the queue as it was at
-/// the beginning: what another run enqueues meanwhile is overwritten. `store` must outlive the
-/// task. Never throws; a negative `maxItems` stops the process.
+/// Suspends during each exchange and notification; returns when the queue is saved. Does nothing
+/// while another drain holds the lock. Saves the queue once, at the end, from a snapshot taken at
+/// the beginning: an item that another run enqueues meanwhile is lost. `store` must outlive the
+/// task. Never throws. A negative `maxItems` stops the process.
 platform::Task<void> drain(int maxItems, SharedStore& store, std::string userId,
                            std::string supabaseUrl);
 
-/// Takes the drain lock; false, with nothing written, when a drain took it less than 30 s ago.
-/// Advisory and not atomic: two drains that begin at once may both take it. Not synced: a power cut
-/// may free it.
+/// Takes the drain lock. Returns false, with nothing written, when it was taken less than 30 s ago,
+/// or at a time still to come, and not released. Advisory and not atomic: two drains that begin at
+/// the same moment may both take it. Written without an fsync: a power cut may free it.
 bool tryAcquireLock(SharedStore& store);
 
-/// Frees the drain lock. Not synced: after a power cut it may be held until it is stale.
+/// Releases the drain lock. Written without an fsync: after a power cut the lock may be held until
+/// it is stale.
 void releaseLock(SharedStore& store);
 
 }  // namespace kivo::SmsQueueDrainer

@@ -28,7 +28,7 @@ struct IntentsClient::State {
   std::chrono::milliseconds timeout;
   mutable std::mutex mutex;
   std::condition_variable changed;
-  // All guarded by the mutex.
+  // All guarded by `mutex`.
   std::function<void()> onChange;
   bool underWay = false;
   bool lost = false;
@@ -93,9 +93,10 @@ bool IntentsClient::busy() const {
   return state_->underWay || state_->outcome;
 }
 
-std::optional<IntentsClient::Outcome> IntentsClient::takeOutcome(std::chrono::milliseconds limit) {
+std::optional<IntentsClient::Outcome> IntentsClient::takeOutcome(
+    std::chrono::milliseconds timeout) {
   std::unique_lock lock(state_->mutex);
-  state_->changed.wait_for(lock, limit, [this] { return !state_->underWay; });
+  state_->changed.wait_for(lock, timeout, [this] { return !state_->underWay; });
   return std::exchange(state_->outcome, std::nullopt);
 }
 

@@ -1,4 +1,4 @@
-// Has intents performed over the session bus, one at a time. Performs none itself.
+// Calls intents over the session bus, one at a time.
 #pragma once
 
 #include <chrono>
@@ -15,33 +15,33 @@ namespace kivo {
 
 class IntentsClient {
  public:
-  /// What became of a call.
+  /// The outcome of a call.
   struct Outcome {
-    /// Nothing when the intent was performed, whatever its dialog says; else the name of the
-    /// error, which holds nothing of what was given.
+    /// Nullopt when the intent was performed, whatever its dialog; otherwise the D-Bus error name,
+    /// which contains nothing from the message.
     std::optional<std::string> error;
   };
 
-  /// Connects to the session bus and takes `ownName` there, by which there is one such client at a
-  /// time. A call ends with an error after `timeout`. Throws std::runtime_error with one line when
-  /// there is no bus or the name is another program's. `onChange` is called on a thread of its own
-  /// when a call has ended, and when the bus is gone.
+  /// Connects to the session bus and takes the bus name `ownName`, so that only one such client
+  /// runs. `timeout` is that of each call. Throws std::runtime_error with a one-line message when
+  /// there is no bus or another program owns the name. Calls `onChange` on the bus thread when a
+  /// call has ended and when the bus is gone.
   IntentsClient(const std::string& ownName, std::chrono::milliseconds timeout,
                 std::function<void()> onChange);
   ~IntentsClient();
   IntentsClient(const IntentsClient&) = delete;
   IntentsClient& operator=(const IntentsClient&) = delete;
 
-  /// Begins to perform `intent` with one text parameter, and returns at once. To be called when no
-  /// call is under way and the outcome of the last one was taken. What the bus cannot carry of
-  /// `text` is replaced by U+FFFD.
+  /// Starts a call of `intent` with one text parameter and returns at once. Call it only when
+  /// `busy` is false. U+FFFD replaces what D-Bus cannot carry of `text`.
   void perform(const std::string& intent, const std::string& parameter, const std::string& text);
 
-  /// Whether a call is under way, or has an outcome that was not taken.
+  /// Whether a call is in progress or its outcome was not taken yet.
   [[nodiscard]] bool busy() const;
 
-  /// The outcome of the call, once; none while it is under way. Waits for it, `limit` at most.
-  std::optional<Outcome> takeOutcome(std::chrono::milliseconds limit = {});
+  /// Returns the outcome of the call once; nullopt while the call is in progress. Blocks until the
+  /// call has ended, for at most `timeout`.
+  std::optional<Outcome> takeOutcome(std::chrono::milliseconds timeout = {});
 
   /// True once the bus is gone.
   [[nodiscard]] bool lost() const;

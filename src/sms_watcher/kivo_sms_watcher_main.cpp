@@ -1,4 +1,4 @@
-// The program kivo-sms-watcher. Started with the person's session, as a service.
+// The program kivo-sms-watcher. Runs as a systemd service in the user's session.
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/service_program.h"
 #include "sms_watcher/watch_program.h"

@@ -1,4 +1,4 @@
-// When a modem says that a message was sent. Does not check its clock.
+// Parses the time at which a message was sent, as a modem reports it.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,8 @@
 
 namespace kivo {
 
-/// The moment of an ISO 8601 time to the second, whose offset may be Z, +HH:MM, +HHMM or +HH as
-/// modems write it, or missing, which counts as UTC. None for anything else.
+/// Parses an ISO 8601 time to the second with the offset Z, +HH:MM, +HHMM or +HH; a missing offset
+/// means UTC. Returns nullopt for anything else.
 std::optional<platform::Moment> momentSent(std::string timestamp);
 
 }  // namespace kivo

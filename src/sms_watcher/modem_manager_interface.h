@@ -27,10 +27,10 @@ inline constexpr const char* number = "Number";
 inline constexpr const char* text = "Text";
 inline constexpr const char* timestamp = "Timestamp";
 
-// A message of several parts is being received until all of them are there.
+// A message of several parts stays in the state "receiving" until all parts have arrived.
 inline constexpr std::uint32_t stateReceived = 3;
 
-// What a network delivers, in its two families.
+// Messages delivered by the network, in the two families of PDU types.
 inline constexpr std::uint32_t pduDeliver = 1;
 inline constexpr std::uint32_t pduCdmaDeliver = 32;
 

@@ -46,11 +46,11 @@ BusConnection connection() {
   return bus;
 }
 
-// ModemManager did not answer a call with what was asked.
+// Why a call to ModemManager gave no usable reply.
 enum class Failure {
-  /// The object went away meanwhile, or never was what it seemed.
+  /// The object is gone, or has no such interface.
   notThere,
-  /// It did not answer in time, or another program did.
+  /// There was no reply within the timeout, or another program replied.
   unanswered,
   refused,
 };
@@ -90,12 +90,12 @@ std::optional<ModemMessage> receivedText(BusReader properties) {
       message.timestamp = value.text().value_or("");
     }
   }
-  // One without a text holds, say, binary data only.
+  // A message without text has, for example, binary data only.
   if (!received || !delivered || !numbered || message.text.empty()) return std::nullopt;
   return message;
 }
 
-// Whether `interfaces`, a{sa{sv}}, are those of a modem with messages.
+// Whether `interfaces`, a{sa{sv}}, belong to a modem with messaging.
 bool hasMessaging(BusReader interfaces) {
   for (; !interfaces.atEnd(); interfaces.skip()) {
     if (interfaces.inside().text() == modem_manager_interface::messaging) return true;
@@ -125,8 +125,8 @@ struct ModemMessages::Bus {
   BusLoop loop{system.get()};
   std::atomic<bool> stopping = false;
 
-  // The unique name of the ModemManager that is there, empty when none is. Signals count only from
-  // it. It is called by this name, by which the bus starts none.
+  // The unique name of the running ModemManager; empty when there is none. Only its signals count.
+  // Calls go to this name, so that the bus does not start ModemManager.
   std::string owner;
   bool all = false;
   std::set<std::string> news;    // paths of messages that were heard of
@@ -143,7 +143,7 @@ void ModemMessages::Bus::listen() {
     });
   };
   subscribeToOwner(system.get(), service, [this](const std::string& name) { setOwner(name); });
-  // Whether it comes from the network is said of stored ones too.
+  // The signal's flag for messages from the network is also set for stored ones.
   hear({.interface = messaging, .member = added, .service = service}, [this](HeardSignal signal) {
     if (const auto path = signal.arguments.objectPath()) news.emplace(*path);
   });
@@ -177,7 +177,7 @@ void ModemMessages::Bus::setOwner(const std::string& name) {
   nextPause = pause;
 }
 
-// Yields a reply whose values have the types in `signature`; throws the Failure otherwise.
+// Returns a reply whose values have the types in `signature`; throws Failure otherwise.
 BusMessage ModemMessages::Bus::call(const std::string& path, const char* interface,
                                     const char* method, const char* signature,
                                     const char* argument) {
@@ -210,7 +210,7 @@ std::set<std::string> ModemMessages::Bus::messagesOfAllModems(bool& whole) {
       while (const auto message = found.objectPath()) paths.emplace(*message);
     } catch (Failure failure) {
       if (failure == Failure::unanswered) throw;
-      // It went away, or it is not ready; the other modems are.
+      // This modem is gone or not ready; others may be.
       whole = whole && failure == Failure::notThere;
     }
   }
@@ -270,7 +270,7 @@ ModemMessages::Reading ModemMessages::read() {
   bool whole = true;
   const bool all = bus_->all && Clock::now() >= bus_->notBefore;
   try {
-    // First, since another program may delete a message as soon as it has read it.
+    // New messages first: another program may delete a message as soon as it has read it.
     bus_->unread.merge(std::exchange(bus_->news, {}));
     bus_->readUnread(reading.messages, whole);
     if (all) {

@@ -1,5 +1,5 @@
-// Hears of the text messages on this device's modems, from ModemManager on the system bus. Reads
-// none before it is asked to, and never changes or deletes one.
+// Reads the text messages on this device's modems from ModemManager, over the system bus. Never
+// changes or deletes a message.
 #pragma once
 
 #include <chrono>
@@ -12,46 +12,45 @@
 
 namespace kivo {
 
-/// Used on one thread, except where said.
+/// Not thread-safe, except where said.
 class ModemMessages {
  public:
-  /// What one look at the modems brought.
+  /// The result of one `read`.
   struct Reading {
-    /// Received texts that are complete; what is no such text, and what cannot be understood, is
-    /// left out.
+    /// Complete messages from the network. Others, and those that cannot be parsed, are left out.
     std::vector<ModemMessage> messages;
-    /// Whether these are all that the modems hold.
+    /// Whether these are all messages on the modems.
     bool everything = false;
   };
 
-  /// Connects to the system bus. A call of ModemManager fails after `timeout`; after a call that
-  /// failed, the modems are looked at again after `pause`, then twice as long each time, five
-  /// minutes at most. ModemManager need not be there, and is not started. Throws std::runtime_error
-  /// with one line when there is no system bus.
+  /// Connects to the system bus. `timeout` is that of each call to ModemManager. After a failure
+  /// the modems are read again after `pause`, which doubles each time, up to five minutes.
+  /// ModemManager need not run, and is not started. Throws std::runtime_error with a one-line
+  /// message when there is no system bus.
   ModemMessages(std::chrono::milliseconds timeout, std::chrono::milliseconds pause);
   ~ModemMessages();
   ModemMessages(const ModemMessages&) = delete;
   ModemMessages& operator=(const ModemMessages&) = delete;
 
-  /// Hears of messages until `stop`. `beforeWaiting` is called before each wait and yields how long
-  /// that may last, none for ever. False when the bus is gone.
+  /// Receives signals about messages until `stop`. Calls `beforeWaiting` before each wait; it
+  /// returns the timeout of the wait, or nullopt for none. Returns false when the bus is gone.
   bool serve(const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting);
 
-  /// How long until there is something to read; none while nothing is known of, or no ModemManager
-  /// is there.
+  /// Returns the time until there is something to read; nullopt when there is no news or no
+  /// ModemManager.
   [[nodiscard]] std::optional<std::chrono::milliseconds> untilReading() const;
 
-  /// Reads, within `serve`, what has come since the last reading. Waits for ModemManager's answers,
-  /// and for `timeout` at most when it does not answer.
+  /// Reads the messages that are new since the last reading. Call it within `serve`. Blocks for
+  /// ModemManager's replies, for at most one timeout when it does not reply.
   Reading read();
 
-  /// Has the next reading read everything.
+  /// Makes the next `read` read all messages.
   void lookAtAll();
 
-  /// Ends a wait of `serve`. From any thread.
+  /// Ends the current wait of `serve`. Thread-safe.
   void wake() noexcept;
 
-  /// Ends `serve`. From any thread and from a signal handler.
+  /// Ends `serve`. Thread-safe and async-signal-safe.
   void stop() noexcept;
 
  private:

@@ -13,7 +13,7 @@ bool isPhoneNumber(std::string_view text) {
          text.find_first_not_of("0123456789+* -.()") == std::string_view::npos;
 }
 
-// A text in the one form in which it is compared.
+// Normalizes a sender for comparison.
 std::string comparable(std::string_view text) {
   text = platform::trimmingWhitespaces(text);
   if (!isPhoneNumber(text)) return std::string(text);
@@ -24,8 +24,8 @@ std::string comparable(std::string_view text) {
   return number.starts_with("00") ? "+" + number.substr(2) : number;
 }
 
-// Whether `text` is `pattern`; takes each * for as little as will do, and for more when the rest
-// does not fit.
+// Whether `text` matches `pattern`. Each * first takes as little as possible, and more when the
+// rest does not match.
 bool fits(std::string_view pattern, std::string_view text) {
   std::size_t at = 0;
   std::size_t read = 0;

@@ -1,4 +1,4 @@
-// Which senders a name in the person's settings means. Reads no settings.
+// Matches senders against the patterns in the user's settings.
 #pragma once
 
 #include <optional>
@@ -7,15 +7,14 @@
 
 namespace kivo::SenderPattern {
 
-/// Whether `pattern` means `sender`. It must be the whole sender, letter for letter, upper and
-/// lower case apart; each * in it stands for any characters, or none. Blanks around either do not
-/// count. In what is all digits, +, * and the marks that part them (blanks, hyphens, dots,
-/// brackets), those marks do not count, and a leading 00 is a +. A number with its country's code
-/// and the same number without are two senders.
+/// Whether `pattern` matches the whole of `sender`, ignoring letter case and surrounding blanks;
+/// each * matches any characters, or none. In phone numbers (digits, +, * and separators) the
+/// separators (blanks, hyphens, dots, parentheses) are ignored, and a leading 00 equals +. A number
+/// with its country code does not match the same number without it.
 bool means(std::string_view pattern, std::string_view sender);
 
-/// Why `pattern` can name no sender, as words after "a sender"; none when it can. It must not be
-/// blank, and must say more than *.
+/// Returns why `pattern` is invalid, as a phrase to follow "a sender"; nullopt when it is valid. A
+/// pattern must not be blank or consist only of *.
 std::optional<std::string> objectionTo(std::string_view pattern);
 
 }  // namespace kivo::SenderPattern

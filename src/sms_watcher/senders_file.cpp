@@ -24,12 +24,12 @@ using linux_platform::Descriptor;
 namespace {
 
 constexpr const char* sendersKey = "senders";
-constexpr std::size_t longest = 1 << 20;  // bytes; nobody has that many banks
+constexpr std::size_t longest = 1 << 20;  // bytes
 constexpr const char* introduction =
     "# The senders whose messages are handed to Kivo: exact, or with * for any characters.\n"
     "# `kivo-phone watch add` and `remove` write this file anew, without other comments.\n";
 
-// All of the file; none when it is longer than anybody's or cannot be read.
+// Returns the content of the file; nullopt when it is too long or cannot be read.
 std::optional<std::string> bytesOf(int file) {
   std::string bytes(longest + 1, '\0');
   std::size_t length = 0;
@@ -49,10 +49,10 @@ std::string atLine(const toml::source_position& position) {
   return "line " + std::to_string(position.line) + ": ";
 }
 
-// The senders of the file, or what is wrong with it.
+// Parses the file; the result has either the senders or the error.
 Content parsed(const std::string& bytes) {
   const toml::parse_result result = toml::parse(bytes);
-  // The library's own words quote the file.
+  // The library's message would quote the file.
   if (!result) return {.error = atLine(result.error().source().begin) + "this is no valid TOML"};
   Content content;
   for (const auto& [key, value] : result.table()) {
@@ -77,7 +77,7 @@ std::string textOf(const std::vector<std::string>& senders) {
   return out.str();
 }
 
-// Writes all of `text`, durably.
+// Writes all of `text` and calls fsync.
 bool writeAll(int file, const std::string& text) {
   for (std::size_t written = 0; written < text.size();) {
     const ssize_t count = ::write(file, text.data() + written, text.size() - written);
@@ -90,7 +90,7 @@ bool writeAll(int file, const std::string& text) {
 
 bool replaceWith(const std::filesystem::path& path, const std::string& text) {
   std::string fresh = path.string() + ".XXXXXX";
-  const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));  // for its owner only
+  const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));  // mode 0600
   if (file.number() < 0) return false;
   std::error_code unknown;
   if (!std::filesystem::exists(path, unknown)) linux_platform::syncFoldersAbove(path.parent_path());

@@ -1,4 +1,4 @@
-// The person's settings file of the senders whose messages are handed on. Matches no sender.
+// Reads and writes the settings file with the senders whose messages are handed on.
 #pragma once
 
 #include <filesystem>
@@ -10,25 +10,26 @@
 
 namespace kivo::SendersFile {
 
-/// kivo/sms-watcher.toml in the folder of the person's settings; none without a home.
+/// Returns the path of kivo/sms-watcher.toml in the user's configuration folder; nullopt without a
+/// home folder.
 std::optional<std::filesystem::path> place();
 
-/// What the file says.
+/// The content of the file.
 struct Content {
-  /// In the file's order; none when there is no file.
+  /// In the file's order; empty when there is no file.
   std::vector<std::string> senders = {};
-  /// When the file was last changed; the epoch when there is none.
+  /// The file's modification time; the epoch when there is no file.
   platform::Moment changed = {};
-  /// Why nothing can be read from the file, in one line without any of its texts; `senders` is
-  /// empty then.
+  /// Why the file cannot be used, in one line that quotes nothing from it. `senders` is empty then.
   std::optional<std::string> error = {};
 };
 
-/// Reads the file at its place. A missing file, and one that names no key, has no senders.
+/// Reads the file. A missing file, or one without a key, has no senders.
 Content read();
 
-/// Writes the file anew with `senders`, durably, or leaves it as it was; makes it, and its folders,
-/// for their owner only. A link is followed, and stays. False when that cannot be done.
+/// Replaces the file atomically and durably, and creates it and its folders for the user only. If
+/// the file is a symbolic link, replaces its target. Returns false when a step failed; the file
+/// then has either its old or its new content.
 bool write(const std::vector<std::string>& senders);
 
 }  // namespace kivo::SendersFile

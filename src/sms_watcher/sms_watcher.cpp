@@ -38,7 +38,7 @@ std::size_t SmsWatcher::take(const std::vector<ModemMessage>& messages, Extent e
   std::size_t tooOld = 0;
   for (const ModemMessage& message : messages) {
     const auto sent = momentSent(message.timestamp);
-    // The same moment may be written otherwise by another version of what reads the modem.
+    // Normalized, since another version of ModemManager may format the same time differently.
     const std::string time =
         sent ? std::to_string(sent->time_since_epoch().count()) : message.timestamp;
     const std::string mark = record_.markOf(message.number, time, message.text);
@@ -49,7 +49,7 @@ std::size_t SmsWatcher::take(const std::vector<ModemMessage>& messages, Extent e
       continue;
     }
     waiting_.add({.mark = mark, .number = message.number, .text = message.text, .sent = sent});
-    notBefore_ = now + pauses_.settle;  // and not for the sake of one that failed
+    notBefore_ = now + pauses_.settle;  // also cancels the wait after a failure
   }
   if (extent == Extent::everything) record_.heldByModems(marks, Date::now());
   return tooOld;

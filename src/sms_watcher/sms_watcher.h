@@ -1,5 +1,5 @@
-// Decides which messages are handed on, in which order and how often it is tried. Reads and hands
-// on none itself.
+// Decides which messages are handed on, in which order, and when to retry. WatchProgram reads and
+// sends them.
 #pragma once
 
 #include <chrono>
@@ -15,47 +15,46 @@
 
 namespace kivo {
 
-/// Used on one thread. A message is known by its sender, the time of its sending and its text: two
-/// that share all three are one.
+/// Not thread-safe. Two messages with the same sender, time and text count as one.
 class SmsWatcher {
  public:
   using Clock = std::chrono::steady_clock;
-  /// How long it waits: `settle` after a message has come, since several come in any order when a
-  /// modem is switched on; after one that could not be handed on `first`, then twice as long each
-  /// time, `longest` at most.
+  /// `settle` is the wait after a new message, since several arrive in any order when a modem is
+  /// switched on. After a failure the wait is `first`, which doubles each time, up to `longest`.
   struct Pauses {
     std::chrono::milliseconds settle = std::chrono::seconds(1);
     std::chrono::milliseconds first = std::chrono::seconds(2);
     std::chrono::milliseconds longest = std::chrono::minutes(5);
   };
-  /// Whether the messages given are all that the modems hold.
+  /// Whether the given messages are all that the modems hold.
   enum class Extent { everything, some };
 
-  /// A message is left where it is when it was sent longer than this before its sender was named:
-  /// what a person has had for years is no news, and would count as paid today. Long enough for
-  /// clocks and time zones that are wrong.
+  /// A message that was sent longer than this before its sender was named is not handed on: it is
+  /// old news and would count as paid today. Long enough for wrong clocks and time zones.
   static constexpr std::chrono::hours reachBack{24};
 
   SmsWatcher(WatcherRecord record, Pauses pauses);
 
-  /// From now on only messages that one of `senders` means are handed on; `changed` is when the
-  /// settings that name them were. Forgets waiting messages of others.
+  /// From now on hands on only messages that match one of `senders`, and drops the waiting ones
+  /// that do not. `changed` is when the settings were last changed.
   void setSenders(const std::vector<std::string>& senders, platform::Moment changed);
 
-  /// Takes those of `messages` that are to be handed on and were not yet; yields how many of named
-  /// senders it left because they are too old.
+  /// Queues those of `messages` that are to be handed on and were not yet. Returns how many from
+  /// named senders it left out because they are too old.
   std::size_t take(const std::vector<ModemMessage>& messages, Extent extent, Clock::time_point now);
 
-  /// How long until a message is to be handed on; none while one is under way or none waits.
+  /// Returns the time until the next message is to be handed on; nullopt while one is in progress
+  /// or when none waits.
   [[nodiscard]] std::optional<std::chrono::milliseconds> untilNext(Clock::time_point now) const;
 
-  /// The text of the next message, which is under way from now on; to be called when it is time.
+  /// Returns the text of the next message, which is then in progress. Call it only when `untilNext`
+  /// is zero.
   std::string beginNext();
 
-  /// The message under way was answered: it is never handed on again. False when that is not
-  /// recorded on the disk, so that the next process would.
+  /// The message in progress was handled and is never handed on again. Returns false when that
+  /// could not be written to disk; the next process would then hand it on again.
   bool answered();
-  /// It was not answered: it is tried again after all others.
+  /// The message in progress failed: it is tried again after all others.
   void failed(Clock::time_point now);
 
  private:

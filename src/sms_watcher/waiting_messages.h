@@ -1,5 +1,4 @@
-// The messages that wait to be handed on, in the order in which they are. Keeps them in memory
-// only.
+// The queue of messages to be handed on, in memory.
 #pragma once
 
 #include <deque>
@@ -11,13 +10,13 @@
 
 namespace kivo {
 
-/// One message that is to be handed on.
+/// One message to be handed on.
 struct WaitingMessage {
-  /// By what the record knows it.
+  /// Its key in WatcherRecord.
   std::string mark;
   std::string number;
   std::string text;
-  /// None when the modem does not say.
+  /// Nullopt when the modem does not report it.
   std::optional<platform::Moment> sent;
 };
 
@@ -26,14 +25,14 @@ class WaitingMessages {
   [[nodiscard]] bool empty() const { return fresh_.empty() && failed_.empty(); }
   [[nodiscard]] bool contains(const std::string& mark) const;
 
-  /// Puts `message` where the time of its sending belongs, those without a time last, before all
-  /// that were put back.
+  /// Inserts `message` by its time, messages without a time last, and before all that were put
+  /// back.
   void add(WaitingMessage message);
-  /// Takes out the one whose turn it is; there must be one.
+  /// Removes and returns the first message; there must be one.
   WaitingMessage takeFirst();
-  /// Puts `message` behind all others, so that one that cannot be handed on keeps up none of them.
+  /// Appends `message` behind all others, so that one that fails does not block them.
   void putBack(WaitingMessage message);
-  /// Drops those that `isMeant` does not hold for.
+  /// Removes the messages for which `isMeant` is false.
   void keep(const std::function<bool(const WaitingMessage&)>& isMeant);
 
  private:

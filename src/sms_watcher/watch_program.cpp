@@ -22,7 +22,7 @@ using std::chrono::milliseconds;
 
 constexpr const char* ownName = "app.kivo.SmsWatcher";
 
-// The text may include an error message from the bus.
+// Escaped, since the text may include an error message from the bus.
 void tell(const std::string& what) {
   std::cerr << "kivo-sms-watcher: " << linux_platform::escapedControls(what) << '\n';
 }
@@ -33,7 +33,7 @@ WatcherRecord openRecord() {
   return std::move(*record);
 }
 
-// The intent answers a text of nobody with a dialog, and drops it.
+// Without a user, the intent would answer with a dialog and drop the text.
 bool isSomebodySignedIn() {
   const auto store = SharedStore::open(appGroup);
   return store && store->readNonEmptyText(StoreKeys::userId) &&
@@ -52,16 +52,16 @@ class WatchProgram {
   milliseconds handOnWhatIsDue();
   void applySettings();
   void readModems();
-  void takeOutcome(milliseconds patience);
+  void takeOutcome(milliseconds timeout);
   bool mayHandOn();
 
   WatchLimits limits_;
   ModemMessages modems_{limits_.modemCall, limits_.pauses.first};
   IntentsClient intents_{ownName, limits_.perform, [this] { modems_.wake(); }};
-  // Only now that no other watcher can be at work on it.
+  // Opened only after the bus name is taken, so that no other watcher uses it.
   SmsWatcher watcher_{openRecord(), limits_.pauses};
   WatchSettings settings_;
-  // What was said last, so that nothing is said over and over.
+  // Remembers what was printed, so that it is not repeated.
   bool saidThatNobodyIsSignedIn_ = false;
   bool saidThatSomeAreTooOld_ = false;
   std::optional<std::string> saidError_;
@@ -78,7 +78,7 @@ int WatchProgram::run() {
   return stopped ? 0 : 1;
 }
 
-// All that there is to do at this moment; yields how long to wait for more.
+// Does the work that is due; returns the timeout of the next wait.
 std::optional<milliseconds> WatchProgram::turn() {
   if (intents_.lost()) {
     modems_.stop();
@@ -102,7 +102,7 @@ void WatchProgram::readModems() {
   tell("messages that were sent more than a day before their sender was named stay where they are");
 }
 
-// Begins to hand on the next message when it is time; yields how long until there is one.
+// Hands on the next message if it is due; returns the time until the next one is.
 milliseconds WatchProgram::handOnWhatIsDue() {
   const auto untilNext = watcher_.untilNext(SmsWatcher::Clock::now());
   if (!untilNext) return limits_.look;  // or until the one under way is answered
@@ -115,12 +115,12 @@ void WatchProgram::applySettings() {
   if (!settings_.refresh() || settings_.broken()) return;
   watcher_.setSenders(settings_.senders(), settings_.changed());
   saidThatSomeAreTooOld_ = false;
-  modems_.lookAtAll();  // the messages of who was named only now
+  modems_.lookAtAll();  // also messages of newly named senders
 }
 
-void WatchProgram::takeOutcome(milliseconds patience) {
+void WatchProgram::takeOutcome(milliseconds timeout) {
   if (!intents_.busy()) return;
-  const auto outcome = intents_.takeOutcome(patience);
+  const auto outcome = intents_.takeOutcome(timeout);
   if (!outcome) return;
   if (!outcome->error) {
     watcher_.answered();

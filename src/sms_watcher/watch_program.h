@@ -1,4 +1,4 @@
-// The program kivo-sms-watcher from its start to its end. Decides nothing about messages.
+// The main loop of kivo-sms-watcher. SmsWatcher decides about messages.
 #pragma once
 
 #include <chrono>
@@ -7,24 +7,23 @@
 
 namespace kivo {
 
-/// How long the program waits for what.
+/// The program's timeouts and intervals.
 struct WatchLimits {
-  /// How often it looks whether the settings were changed or somebody signed in, when nothing else
-  /// wakes it.
+  /// How often to check for changed settings and a sign-in when nothing else wakes it.
   std::chrono::milliseconds look = std::chrono::minutes(1);
-  /// For an answer of ModemManager.
+  /// Timeout of a call to ModemManager.
   std::chrono::milliseconds modemCall = std::chrono::seconds(5);
-  /// For an intent: its own exchange and those of three queued texts take 15 s each at most, the
-  /// store up to 10 s, and the bus has to start the service first.
+  /// Timeout of an intent: its own exchange and those of three queued texts take up to 15 s each,
+  /// the store up to 10 s, and the bus may have to start the service first.
   std::chrono::milliseconds perform = std::chrono::minutes(3);
-  /// For the intent under way when the program is told to end.
+  /// Timeout of the intent in progress when the program is stopped.
   std::chrono::milliseconds end = std::chrono::seconds(3);
   SmsWatcher::Pauses pauses = {};
 };
 
-/// Hands on messages until SIGTERM, SIGINT or SIGHUP, and yields 0 then; yields 1, after one line
-/// on standard error, when a bus or the record of handled messages is not there, when another
-/// program is the watcher, or when a bus goes away.
+/// Hands on messages until SIGTERM, SIGINT or SIGHUP and returns 0. Returns 1, after one line on
+/// standard error, when a bus or the record of handled messages cannot be opened, when another
+/// watcher runs, or when a bus connection is lost.
 int runSmsWatcher(const WatchLimits& limits);
 
 }  // namespace kivo

@@ -11,7 +11,7 @@ namespace {
 
 using SendersFile::Content;
 
-// What the file says, or that it names somebody who can be no sender.
+// The content of the file, with an error when it names an invalid sender.
 Content checkedContent() {
   Content content = SendersFile::read();
   for (const std::string& sender : content.senders) {

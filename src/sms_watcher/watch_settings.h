@@ -1,4 +1,4 @@
-// Whose messages the person has named, as it stands in the settings file now. Changes nothing.
+// The watcher's view of the senders file.
 #pragma once
 
 #include <optional>
@@ -11,15 +11,15 @@ namespace kivo {
 
 class WatchSettings {
  public:
-  /// Reads the settings. True when they are others than at the last call; then one line on standard
-  /// error has said what holds now: whether senders are named, or why the file cannot be used.
+  /// Reads the settings. Returns true when they differ from those of the last call, after one line
+  /// on standard error: how many senders are named, or why the file cannot be used.
   bool refresh();
 
-  /// None while no sender is named, or the file cannot be used.
+  /// Empty while no sender is named or the file cannot be used.
   [[nodiscard]] const std::vector<std::string>& senders() const { return senders_; }
-  /// Whether a file is there that cannot be used, so that it is not known who is named.
+  /// Whether there is a file that cannot be used, so that the named senders are unknown.
   [[nodiscard]] bool broken() const { return error_.has_value(); }
-  /// When the file was last changed.
+  /// The file's modification time.
   [[nodiscard]] platform::Moment changed() const { return changed_; }
 
  private:

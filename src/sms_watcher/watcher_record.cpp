@@ -49,14 +49,14 @@ std::int64_t number(Moment moment) { return moment.time_since_epoch().count(); }
 
 Moment moment(std::int64_t number) { return Moment(std::chrono::microseconds(number)); }
 
-// The value is of the table's second column, whose type may be any.
+// The table's second column may hold any type.
 std::optional<std::string> textUnder(sqlite3* database, const char* key) {
   Statement query(database, "SELECT value FROM defaults WHERE key = ? AND typeof(value) = 'text'");
   if (!query.bind(key).step()) return std::nullopt;
   return query.text(0);
 }
 
-// The salt, made once for ever; none when it can be neither read nor written.
+// Returns the salt, which is created once; nullopt when it can be neither read nor written.
 std::optional<std::string> saltOf(sqlite3* database) {
   if (auto salt = textUnder(database, saltKey)) return salt;
   const auto salt = randomSalt();
@@ -70,7 +70,7 @@ void complainOfDisk() {
   std::cerr << "kivo-sms-watcher: the record of handled messages cannot be used\n";
 }
 
-// Runs `steps` as one transaction; false when it is not durable.
+// Runs `steps` in one transaction; false when it was not committed.
 template <typename Steps>
 bool inTransaction(sqlite3* database, const Steps& steps) {
   Transaction transaction(database);

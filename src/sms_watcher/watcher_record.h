@@ -1,5 +1,5 @@
-// What the watcher of messages keeps on disk: which messages were handled, and since when a sender
-// is named. Holds no text and no number, only salted marks of them.
+// Stores which messages were handled, and since when each sender is named. Contains salted hashes
+// only, no text and no number.
 #pragma once
 
 #include <map>
@@ -13,35 +13,37 @@
 
 namespace kivo {
 
-/// Used on one thread. Each change is durable when its call returns.
+/// Not thread-safe. Each change is durable when its call returns.
 class WatcherRecord {
  public:
-  /// How many messages that no modem holds any more are remembered.
+  /// How many handled messages are remembered after they are gone from the modems.
   static constexpr int mostRemembered = 10'000;
 
-  /// Opens the suite app.kivo.SmsWatcher, making it when there is none; none when that cannot be
-  /// done. `remembered` is for tests.
+  /// Opens the suite app.kivo.SmsWatcher, creating it when absent; nullopt when that fails.
+  /// `remembered` is for tests.
   static std::optional<WatcherRecord> open(int remembered = mostRemembered);
 
   WatcherRecord(WatcherRecord&& other) noexcept;
   WatcherRecord& operator=(WatcherRecord&& other) noexcept;
   ~WatcherRecord();
 
-  /// By what the message is known here: a keyed hash of the three, the same in every process.
+  /// Returns the message's key: a keyed hash of the three arguments, the same in every process.
   [[nodiscard]] std::string markOf(const std::string& number, const std::string& sent,
                                    const std::string& text) const;
 
-  /// True as well when the disk cannot be read: what may have been handled is not handled again.
+  /// Also true when the disk cannot be read, so that no message is handled twice.
   [[nodiscard]] bool isHandled(const std::string& mark) const;
 
-  /// False when that cannot be written.
+  /// Returns false when that cannot be written.
   bool setHandled(const std::string& mark, platform::Moment now);
 
-  /// Tells that the modems hold the messages of `marks`, handled or not, and no others. Forgets the
-  /// oldest of the others beyond the number that is remembered.
+  /// Records that the modems hold exactly the messages of `marks`, handled or not. Of the other
+  /// handled messages, removes the oldest beyond the number that is remembered. A failure is
+  /// reported on standard error.
   void heldByModems(const std::set<std::string>& marks, platform::Moment now);
 
-  /// Since when each of `senders` is named: `named` for one that was not named at the last call.
+  /// Returns since when each of `senders` is named: `named` for one that was not named at the last
+  /// call. Forgets all others.
   std::map<std::string, platform::Moment> namedSince(const std::vector<std::string>& senders,
                                                      platform::Moment named);
 

@@ -1,4 +1,4 @@
-// The values that app, widget and extension share. Knows no value's meaning and locks nothing.
+// Reads and writes the values that app, widget and extension share. Takes no lock.
 #pragma once
 
 #include <optional>
@@ -10,33 +10,34 @@
 
 namespace kivo {
 
-/// A handle, opened and owned by one run and lent to every operation of it. Nothing is cached: each
-/// read sees what any process has flushed. Every read-modify-write can interleave with another
-/// process's, and the last flush wins. A key that was written is never removed. Nothing here throws
-/// or suspends; a call may wait up to 10 s for another process that is writing.
+/// A handle that one run opens and passes to its operations. Nothing is cached: each read sees what
+/// any process has synchronized. A read-modify-write can interleave with another process's, and the
+/// last write wins. Keys are never removed. Nothing here throws or suspends; a call may block up to
+/// 10 s while another process writes, and before that up to 10 s while another handle of this
+/// process does. Not thread-safe.
 class SharedStore {
  public:
-  /// Opens the store of the app group `identifier`; none when that cannot be done, which a line
-  /// on standard error explains.
+  /// Opens the store of the app group `identifier`. On failure prints one line on standard error
+  /// and returns nullopt.
   static std::optional<SharedStore> open(std::string_view identifier);
 
-  /// The text under `key`, valid UTF-8; none when it is absent or holds no text.
+  /// Returns the text under `key`, as valid UTF-8; nullopt when it is absent or not a text.
   [[nodiscard]] std::optional<std::string> readText(StoreKey key) const;
-  /// As `readText`, but none for an empty text too.
+  /// As `readText`, but also nullopt for an empty text.
   [[nodiscard]] std::optional<std::string> readNonEmptyText(StoreKey key) const;
-  /// The number under `key`; 0 when it is absent or holds none.
+  /// Returns the number under `key`; 0 when it is absent or not a number.
   [[nodiscard]] double readFloat(StoreKey key) const;
 
-  /// Writes show in reads through this handle at once, elsewhere after `synchronize`.
+  /// Writes are visible to reads through this handle at once, and elsewhere after `synchronize`.
   void writeText(StoreKey key, std::string_view text);
   void writeFloat(StoreKey key, double value);
 
-  /// Makes the writes before it durable and visible to other processes, all or none. False when
-  /// that failed: a notice for tests, which the system does not act on.
+  /// Commits the pending writes durably and makes them visible to other processes, all or none.
+  /// Returns false when that failed. The extension ignores the result; kivo-phone reports it.
   bool synchronize();
 
-  /// As `synchronize`, but does not wait for the disk: a power cut may undo the writes. Only for
-  /// values whose loss does no harm.
+  /// As `synchronize`, but without an fsync: a power cut may undo the writes. Only for values whose
+  /// loss does no harm.
   bool publish();
 
  private:

@@ -1,5 +1,4 @@
-// The names by which app, widget and extension know each other and share values. Says nothing of
-// their forms, which belong to whoever writes them.
+// The identifiers that app, widget and extension share: app group, bundle and keys of the store.
 #pragma once
 
 #include <string_view>
@@ -9,7 +8,7 @@ namespace kivo {
 /// The app group whose store the three share.
 inline constexpr std::string_view appGroup = "group.app.kivo.expenses";
 
-/// The extension's bundle, in whose name it notifies.
+/// The extension's bundle identifier. Notifications are posted under it.
 inline constexpr std::string_view extensionBundle = "app.kivo.expenses.intents";
 
 /// The name of a value in the shared store.

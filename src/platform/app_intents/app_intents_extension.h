@@ -1,4 +1,4 @@
-// An intents extension as the system loads it. Runs nothing.
+// The declaration of an intents extension.
 #pragma once
 
 #include <functional>
@@ -11,20 +11,20 @@
 
 namespace kivo::platform {
 
-/// All that the system reads of an extension: command line, bus, catalog, prompts and phrases are
-/// made from it alone. The texts live as long as the program.
+/// All that the system knows of an extension: command line, bus interface, catalog, prompts and
+/// phrases are derived from it. Its string views must point to static storage.
 struct AppIntentsExtension {
-  /// As it stands in phrases and on notifications.
+  /// The name in phrases and notifications.
   std::string_view applicationName;
-  /// In whose name the extension notifies.
+  /// The bundle under which the extension posts notifications.
   std::string_view bundleIdentifier;
-  /// Makes an intent of each type, anew for each run.
+  /// Factories, one for each type of intent. Each run creates a new intent.
   std::vector<std::function<std::unique_ptr<AppIntent>()>> intents;
-  /// Makes the list of shortcuts, anew on each request.
+  /// Creates the list of shortcuts.
   std::function<std::vector<AppShortcut>()> appShortcuts;
   ShortcutTileColor shortcutTileColor = ShortcutTileColor::standard;
 
-  /// A new intent of the type `typeName`; null when the extension has none of that name.
+  /// Creates an intent of the type `typeName`; null when the extension has no such type.
   [[nodiscard]] std::unique_ptr<AppIntent> makeIntent(std::string_view typeName) const;
 };
 

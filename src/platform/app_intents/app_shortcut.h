@@ -1,4 +1,4 @@
-// The spoken phrases that an extension offers for its intents. Hears none: that is the voice layer.
+// The spoken phrases that an extension offers for its intents.
 #pragma once
 
 #include <memory>
@@ -10,26 +10,26 @@
 
 namespace kivo::platform {
 
-/// A phrase template: some words and, right after them and at its end, the application's name.
+/// A phrase template: words followed by the application's name.
 struct AppShortcutPhrase {
-  /// With the blank that stands before the name: "Add expense in ".
+  /// Ends with the blank before the name: "Add expense in ".
   std::string_view words;
 
-  /// The phrase as it is said for an application called `applicationName`.
+  /// Returns the phrase with `applicationName` at its end.
   [[nodiscard]] std::string said(std::string_view applicationName) const;
 };
 
-/// An intent as it is offered without any set-up by the person.
+/// An intent that is offered without set-up by the user.
 struct AppShortcut {
-  /// Freshly made, with its parameters empty.
+  /// A new intent with empty parameters.
   std::unique_ptr<AppIntent> intent;
   std::vector<AppShortcutPhrase> phrases;
   LocalizedStringResource shortTitle;
-  /// A symbol of the system's own set, by name.
+  /// The name of one of the system's symbols.
   std::string_view systemImageName;
 };
 
-/// The colour of the tiles on which the system shows shortcuts.
+/// The colour of the shortcuts' tiles.
 enum class ShortcutTileColor { standard };
 
 }  // namespace kivo::platform

@@ -1,11 +1,11 @@
-// What an intent answers to the person. Carries no other value.
+// The result of an intent: a dialog for the user.
 #pragma once
 
 #include <string>
 
 namespace kivo::platform {
 
-/// One sentence, spoken or displayed. UTF-8; may hold line breaks that came from the backend.
+/// One sentence, spoken or displayed, as UTF-8. May contain line breaks from the backend.
 struct IntentDialog {
   std::string text;
 

@@ -11,8 +11,8 @@ namespace {
 
 using ValueType = AnyIntentParameter::ValueType;
 
-// Of the texts that are read as numbers elsewhere, a person means only these: an optional sign,
-// digits with an optional point, an optional exponent.
+// The number parser also accepts hexadecimal, infinity and NaN. A person's number is an optional
+// sign, digits with an optional point, and an optional exponent.
 bool looksLikeADecimalNumber(const std::string& text) {
   return text.find_first_not_of("0123456789+-.eE") == std::string::npos;
 }

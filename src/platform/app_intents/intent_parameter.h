@@ -1,4 +1,4 @@
-// A value that an intent needs before it is performed. Does not ask for it.
+// A parameter of an intent: its declaration and its value.
 #pragma once
 
 #include <optional>
@@ -12,35 +12,35 @@
 
 namespace kivo::platform {
 
-/// A value as a caller hands it over: a text of any bytes, or a number.
+/// A value from a caller: a text of any bytes, or a number.
 using IntentValue = std::variant<std::string, double>;
 
-/// How a form shows a number.
+/// The control for a number in a form.
 enum class ControlStyle { field, slider, stepper };
 
-/// What keyboard a form offers for a text.
+/// The keyboard for a text in a form.
 enum class StringInputOptions { multiline };
 
-/// Whether a value may come from the output of the action before.
+/// Whether the output of the previous action may be used as the value.
 enum class InputConnectionBehavior { standard, never };
 
-/// What a parameter is to the system. What is not set is the framework's default.
+/// The declaration of a parameter. Unset properties have the framework's default.
 struct IntentParameterSettings {
   /// The name that callers use, such as "smsText".
   std::string_view name;
-  /// What a person is asked for, such as "SMS Text".
+  /// The label shown to the user, such as "SMS Text".
   LocalizedStringResource title;
   LocalizedStringResource description;
   std::optional<ControlStyle> controlStyle = std::nullopt;
-  /// The smallest and the largest number that fit, both finite.
+  /// The smallest and the largest number that are accepted, both finite.
   std::optional<std::pair<double, double>> inclusiveRange = std::nullopt;
   std::optional<StringInputOptions> inputOptions = std::nullopt;
-  /// The words in which a person is asked for the value, in place of the title.
+  /// The question that asks the user for the value, instead of the title.
   std::optional<IntentDialog> requestValueDialog = std::nullopt;
   InputConnectionBehavior inputConnectionBehavior = InputConnectionBehavior::standard;
 };
 
-/// What the system knows of a parameter without knowing its type.
+/// A parameter of any type.
 class AnyIntentParameter {
  public:
   enum class ValueType { text, number };
@@ -49,13 +49,15 @@ class AnyIntentParameter {
 
   [[nodiscard]] const IntentParameterSettings& settings() const { return settings_; }
   [[nodiscard]] virtual ValueType valueType() const = 0;
-  /// The value that is used when none is given; none for a value that must be given.
+  /// The value used when the caller gives none; nullopt when the parameter is required.
   [[nodiscard]] virtual std::optional<IntentValue> defaultValue() const = 0;
   [[nodiscard]] virtual bool hasValue() const = 0;
 
-  /// Takes `value`; false, with nothing changed, when it is of another type or does not fit.
+  /// Sets the value. Returns false, with nothing changed, when `value` has another type or is out
+  /// of range.
   virtual bool set(IntentValue value) = 0;
-  /// Takes the value that `text` spells, as typed or piped.
+  /// Parses and sets the value from a typed or piped text. Returns false, with nothing changed,
+  /// when it does not fit.
   virtual bool setFromText(std::string text) = 0;
 
  protected:
@@ -65,7 +67,7 @@ class AnyIntentParameter {
   IntentParameterSettings settings_;
 };
 
-/// A parameter of type `Value`: std::string or double. Required, unless made with a default.
+/// A parameter of type `Value`: std::string or double. Required unless it has a default value.
 template <typename Value>
 class IntentParameter : public AnyIntentParameter {
  public:
@@ -73,9 +75,9 @@ class IntentParameter : public AnyIntentParameter {
                            std::optional<Value> defaultValue = std::nullopt)
       : AnyIntentParameter(std::move(settings)), default_(defaultValue), value_(defaultValue) {}
 
-  /// The value; the system has filled it before it performs the intent. From a caller
-  /// a text is as received, repaired where it is not valid UTF-8, and a number is finite and within
-  /// the range.
+  /// Returns the value, which the system sets before it performs the intent. A text from a caller
+  /// is as received, except that invalid UTF-8 is repaired; a number is finite and within the
+  /// range. Throws std::bad_optional_access when there is no value.
   [[nodiscard]] const Value& value() const { return value_.value(); }
 
   [[nodiscard]] ValueType valueType() const override;
@@ -86,7 +88,7 @@ class IntentParameter : public AnyIntentParameter {
   [[nodiscard]] bool hasValue() const override { return value_.has_value(); }
   bool set(IntentValue value) override;
   bool setFromText(std::string text) override;
-  /// Takes `value` as it is, unjudged, as code does that makes an intent itself.
+  /// Sets `value` without validation, for code that creates an intent itself.
   void assign(Value value) { value_ = std::move(value); }
 
  private:

@@ -1,12 +1,11 @@
-// A text that could be shown in another language. Translates nothing.
+// A text that can be translated.
 #pragma once
 
 #include <string_view>
 
 namespace kivo::platform {
 
-/// Names a text by its words in English, which are shown where there is no translation. The words
-/// live as long as the program.
+/// The English text, which is shown when there is no translation. Points to static storage.
 struct LocalizedStringResource {
   std::string_view key;
 

@@ -1,15 +1,15 @@
-// The platform's asynchronous operation. Says nothing about which threads run it.
+// The platform's asynchronous operation.
 #pragma once
 
 #include <boost/asio/awaitable.hpp>
 
 namespace kivo::platform {
 
-/// An asynchronous operation that yields a `Value`. Awaited once, with co_await; it suspends
-/// without blocking a thread and resumes on any worker of the executor that runs the task.
+/// An asynchronous operation that returns a `Value`. Await it once, with co_await. It suspends
+/// without blocking a thread and resumes on any worker of its executor.
 ///
-/// A task that was cancelled keeps running: cancelling ends the network exchange it waits for,
-/// nothing else. Arguments of a coroutine are passed by value, since it may outlive its caller's
+/// Cancelling a task cancels the network exchange that it waits for, and nothing else: the task
+/// continues. Coroutines take their arguments by value, since they may outlive the caller's
 /// temporaries.
 template <typename Value>
 using Task = boost::asio::awaitable<Value>;

@@ -1,12 +1,12 @@
-// The C locale, for numbers that mean the same on every device. Formats nothing for a person.
+// The C locale, for numbers that look the same on every device.
 #pragma once
 
 #include <locale.h>
 
 namespace kivo::platform {
 
-/// The C locale as an object, made on first use and kept for the life of the process; whatever
-/// locale the process or a thread of it has set changes nothing about it.
+/// Returns the C locale, created on first use and never freed. It does not depend on the locale of
+/// the process or the thread. Thread-safe.
 locale_t cLocale();
 
 }  // namespace kivo::platform

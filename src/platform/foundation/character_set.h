@@ -1,12 +1,12 @@
-// Which characters count as blanks. Knows nothing of line breaks, which do not.
+// Trims blanks. Line breaks do not count as blanks.
 #pragma once
 
 #include <string_view>
 
 namespace kivo::platform {
 
-/// `text` (UTF-8) without leading and trailing horizontal blanks: the tab and the characters of
-/// Unicode's category Zs. The result is a part of `text` and lives as long as it.
+/// Returns `text` (UTF-8) without leading and trailing tabs and characters of Unicode category Zs.
+/// The result points into `text`.
 std::string_view trimmingWhitespaces(std::string_view text);
 
 }  // namespace kivo::platform

@@ -1,24 +1,24 @@
-// What time it is. Does not format: that is DateFormatter and ISO8601DateFormatter.
+// The current time. DateFormatter and ISO8601DateFormatter format it.
 #pragma once
 
 #include <chrono>
 
 namespace kivo::platform {
 
-/// A moment, in UTC, counted from 1970-01-01 00:00.
+/// A point in time: microseconds since 1970-01-01 00:00 UTC.
 using Moment = std::chrono::sys_time<std::chrono::microseconds>;
 
-/// The only clock of the system.
+/// The only clock of the system. Thread-safe.
 class Date {
  public:
-  /// The present moment.
+  /// Returns the current time.
   static Moment now();
 
-  /// Makes `now` answer with `clock` in this process, until the next call. Null is the real clock.
+  /// Replaces the clock of this process, for tests. Null restores the system clock.
   static void setClock(Moment (*clock)());
 };
 
-/// Seconds since 1970-01-01 00:00 UTC, with fractions.
+/// Returns the seconds since 1970-01-01 00:00 UTC, with fractions.
 double secondsSince1970(Moment moment);
 
 }  // namespace kivo::platform

@@ -1,4 +1,4 @@
-// Calendar dates as text. Parses none.
+// Formats calendar dates.
 #pragma once
 
 #include <optional>
@@ -8,16 +8,16 @@
 
 namespace kivo::platform {
 
-/// Formats moments in the device's present time zone, which is looked up anew for each text.
+/// Formats in the device's time zone, which is looked up for each text.
 struct DateFormatter {
-  /// The pattern, in Unicode's date field symbols, for example "yyyy-MM-dd": those for year, month,
-  /// day, hour of 24, minute and second, as numbers. Another letter stops the process.
+  /// A pattern of Unicode date field symbols, for example "yyyy-MM-dd". Supported are y, M, d, H, m
+  /// and s, each written as a number; any other letter stops the process.
   std::string dateFormat;
-  /// An identifier such as "en_US_POSIX", which decides calendar and digits; none for the device's
-  /// current locale (LC_ALL, LC_TIME, LANG).
+  /// A locale identifier such as "en_US_POSIX", which decides calendar and digits; nullopt for the
+  /// device's locale (LC_ALL, LC_TIME, LANG).
   std::optional<std::string> locale = std::nullopt;
 
-  /// The text of `moment`, UTF-8.
+  /// Returns `moment` as UTF-8 text.
   [[nodiscard]] std::string string(Moment moment) const;
 };
 

@@ -6,7 +6,7 @@
 namespace kivo::platform {
 namespace {
 
-// The name of the code, and what it means to a person.
+// The code's name and its description for the user.
 struct Words {
   std::string_view name;
   std::string_view meaning;

@@ -1,4 +1,4 @@
-// The three families of errors that the platform throws. Decides nothing about them.
+// The three families of errors that the platform throws.
 #pragma once
 
 #include <exception>
@@ -6,7 +6,7 @@
 
 namespace kivo::platform {
 
-/// Common to all three: one line of description that never holds any of the data involved.
+/// The common base. `what` is a one-line description that never contains the data involved.
 class DescribedError : public std::exception {
  public:
   [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
@@ -18,7 +18,7 @@ class DescribedError : public std::exception {
   std::string description_;
 };
 
-/// An exchange that did not come to an answer.
+/// A failure of the transport: there is no complete HTTP response.
 class URLError : public DescribedError {
  public:
   enum class Code {
@@ -33,10 +33,10 @@ class URLError : public DescribedError {
     dataLengthExceedsMaximum,
   };
 
-  /// `reason`, if any, says more than the code does, such as what is wrong with a certificate.
+  /// `reason`, if any, is more specific than the code, such as what is wrong with a certificate.
   explicit URLError(Code code, const std::string& reason = "");
   [[nodiscard]] Code code() const { return code_; }
-  /// The description without the code's name, for a person.
+  /// The description without the code's name, to show to the user.
   [[nodiscard]] const std::string& localizedDescription() const { return localizedDescription_; }
 
  private:
@@ -44,7 +44,7 @@ class URLError : public DescribedError {
   std::string localizedDescription_;
 };
 
-/// An error told by its domain and number.
+/// An error identified by a domain and a number.
 class NSError : public DescribedError {
  public:
   NSError(std::string domain, int code, std::string localizedDescription);
@@ -58,13 +58,13 @@ class NSError : public DescribedError {
   std::string localizedDescription_;
 };
 
-/// Data that is no JSON, or JSON that does not fit what is read from it.
+/// Data that is not JSON, or JSON that does not have the expected form.
 class DecodingError : public DescribedError {
  public:
   enum class Kind { keyNotFound, valueNotFound, typeMismatch, dataCorrupted };
 
   /// `path` names the member, outer keys first: "expense.amount", "[2].source"; empty for the whole
-  /// document. `expected` and `found` are names of JSON types, empty where they do not apply.
+  /// document. `expected` and `found` are names of JSON types, or empty where they do not apply.
   DecodingError(Kind kind, std::string path, std::string expected = "", std::string found = "");
   [[nodiscard]] Kind kind() const { return kind_; }
   [[nodiscard]] const std::string& path() const { return path_; }

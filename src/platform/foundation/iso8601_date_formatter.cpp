@@ -9,12 +9,12 @@ namespace {
 
 using namespace std::chrono;
 
-// Takes a text apart from the left; once something does not fit, it stays wrong.
+// Reads a text from the left. After the first mismatch it stays failed.
 class Reader {
  public:
   explicit Reader(std::string_view text) : rest_(text) {}
 
-  /// The number that exactly the next `count` characters, all digits, spell.
+  /// Reads exactly `count` digits.
   int digits(std::size_t count) {
     int value = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -25,7 +25,7 @@ class Reader {
     return value;
   }
 
-  /// The next two digits, which spell less than `limit`.
+  /// Reads two digits whose value is below `limit`.
   int digitsBelow(int limit) {
     const int value = digits(2);
     fits_ = fits_ && value < limit;

@@ -1,4 +1,4 @@
-// Internet date-times as text and back. Knows no other date text.
+// Formats and parses ISO 8601 date-times.
 #pragma once
 
 #include <optional>
@@ -11,11 +11,11 @@ namespace kivo::platform {
 
 class ISO8601DateFormatter {
  public:
-  /// `moment` to the whole second, in UTC: 2026-01-31T09:05:00Z.
+  /// Returns `moment` in UTC, rounded down to the second: 2026-01-31T09:05:00Z.
   static std::string string(Moment moment);
 
-  /// The moment that `text` names, or none. YYYY-MM-DDThh:mm:ss and then Z or an offset such as
-  /// +02:00; a date alone, fractions of a second and days or times that do not exist do not parse.
+  /// Parses YYYY-MM-DDThh:mm:ss followed by Z or an offset such as +02:00. Returns nullopt for
+  /// anything else: a date alone, fractions of a second, and dates or times that do not exist.
   static std::optional<Moment> date(std::string_view text);
 };
 

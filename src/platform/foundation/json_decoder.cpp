@@ -15,7 +15,8 @@ namespace {
 using nlohmann::json;
 using Kind = DecodingError::Kind;
 
-/// Makes the C locale the calling thread's own: the parser reads numbers through the thread's.
+/// Sets the calling thread's locale to C for its lifetime, since the parser reads numbers in the
+/// thread's locale.
 class InCLocale {
  public:
   InCLocale() : before_(uselocale(cLocale())) {}
@@ -27,10 +28,10 @@ class InCLocale {
   locale_t before_;
 };
 
-// A parsed value is only ever looked at where it is: copying or writing one recurses as deep as it
-// is nested, which the document's sender decides.
+// A parsed value is never copied or written: both recurse as deep as it is nested, and the sender
+// of the document decides how deep that is.
 std::shared_ptr<const json> parse(std::string_view document) {
-  // The parser takes a NUL for the end of the document and would not see what follows it.
+  // The parser stops at a NUL and would not see what follows.
   if (document.find('\0') != std::string_view::npos) throw DecodingError(Kind::dataCorrupted, "");
   const InCLocale inCLocale;
   auto value = std::make_shared<const json>(json::parse(document, nullptr, false));
@@ -56,8 +57,8 @@ std::int64_t integer(const json& value, const std::string& path) {
   } else if (value.is_number_integer()) {
     return value.get<std::int64_t>();
   } else {
-    // Both limits are excluded: the upper one does not fit, and what reads as the lower one may
-    // have been written beyond it.
+    // Both limits are excluded: the upper one does not fit, and the text of the lower one may have
+    // been a number below it.
     constexpr auto limit = -static_cast<double>(Limits::min());
     const auto number = value.get<double>();
     if (std::trunc(number) == number && std::fabs(number) < limit) {
@@ -70,7 +71,7 @@ std::int64_t integer(const json& value, const std::string& path) {
 }  // namespace
 
 struct JSONObject::Node {
-  /// Keeps `object`, which is it or a part of it, alive.
+  /// Keeps `object` alive, which is the document or a part of it.
   std::shared_ptr<const json> document;
   const json& object;
   std::string path;
@@ -84,7 +85,7 @@ struct JSONObject::Node {
     return (path.empty() ? "" : path + ".") + std::string(key);
   }
 
-  /// None when the member is absent or null.
+  /// Null when the member is absent or null.
   [[nodiscard]] const json* findPresent(std::string_view key) const {
     const auto member = object.find(key);
     return member == object.end() || member->is_null() ? nullptr : &*member;

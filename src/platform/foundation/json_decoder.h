@@ -1,4 +1,4 @@
-// Reads JSON objects by key, strictly by type. Writes none: that is JSONEncoder.
+// Decodes JSON objects by key and strictly by type. JSONEncoder encodes them.
 #pragma once
 
 #include <cstdint>
@@ -11,25 +11,25 @@
 namespace kivo::platform {
 
 /// One JSON object of a decoded document, which it keeps alive. Members are looked up by exact
-/// name; of doubled members the last one counts; members that nobody asks for are ignored.
+/// name. The last of several members with one name counts; unknown members are ignored.
 ///
-/// Each `decode...` throws a DecodingError that carries the path of the member: keyNotFound when
-/// the member is absent, valueNotFound when it is null, typeMismatch when it is of another type.
-/// The `...IfPresent` forms answer none for an absent or null member instead.
+/// Each `decode...` throws a DecodingError with the member's path: keyNotFound when the member is
+/// absent, valueNotFound when it is null, typeMismatch when it has another type. The `...IfPresent`
+/// forms return nullopt for an absent or null member.
 class JSONObject {
  public:
   [[nodiscard]] bool decodeBool(std::string_view key) const;
   [[nodiscard]] std::string decodeString(std::string_view key) const;
-  /// Any JSON number, as the nearest double.
+  /// Returns any JSON number as the nearest double.
   [[nodiscard]] double decodeDouble(std::string_view key) const;
-  /// An integral number in whatever form it is written (3, 3.0, 3e0) within the signed 64-bit
-  /// range; any other number is dataCorrupted.
+  /// Returns an integral number in any notation (3, 3.0, 3e0) within the signed 64-bit range.
+  /// Throws dataCorrupted for any other number.
   [[nodiscard]] std::int64_t decodeInteger(std::string_view key) const;
   [[nodiscard]] std::optional<std::string> decodeStringIfPresent(std::string_view key) const;
   [[nodiscard]] std::optional<double> decodeDoubleIfPresent(std::string_view key) const;
   [[nodiscard]] std::optional<JSONObject> decodeObjectIfPresent(std::string_view key) const;
 
-  /// How many members it has, whether they are asked for or not.
+  /// Returns the number of distinct members.
   [[nodiscard]] std::size_t memberCount() const;
 
  private:
@@ -39,16 +39,16 @@ class JSONObject {
   std::shared_ptr<const Node> node_;
 };
 
-/// Reads a document (UTF-8, a byte order mark in front is skipped). What is not exactly one JSON
-/// value, surrounded by blanks at most, is dataCorrupted, and so is a number past the range of a
-/// double, wherever it stands. Values may be nested as deep as memory lasts.
+/// Decodes a document (UTF-8, with or without a byte order mark). Throws dataCorrupted when it is
+/// not exactly one JSON value with optional blanks around it, or when a number anywhere in it is
+/// beyond the range of a double. The depth of nesting is limited by memory only.
 class JSONDecoder {
  public:
-  /// The object at the top of `document`; typeMismatch for any other top-level value.
+  /// Returns the object at the top of `document`. Throws typeMismatch for any other value.
   static JSONObject object(std::string_view document);
 
-  /// The objects of the array at the top of `document`, in order; typeMismatch when it is no array
-  /// or one element is no object.
+  /// Returns the objects of the array at the top of `document`, in order. Throws typeMismatch when
+  /// it is not an array or an element is not an object.
   static std::vector<JSONObject> arrayOfObjects(std::string_view document);
 };
 

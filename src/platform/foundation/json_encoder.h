@@ -1,4 +1,4 @@
-// Writes JSON objects member by member. Reads none: that is JSONDecoder.
+// Encodes JSON objects member by member. JSONDecoder decodes them.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace kivo::platform {
 
-/// Builds one JSON object; members are written in the order of the calls, compactly, as UTF-8.
+/// Builds one JSON object as UTF-8 without blanks. Members are written in the order of the calls.
 class JSONEncoder {
  public:
   JSONEncoder();
@@ -20,21 +20,21 @@ class JSONEncoder {
 
   void encodeBool(std::string_view key, bool value);
   void encodeString(std::string_view key, std::string_view value);
-  /// Throws NSError when `value` is infinite or not a number, which JSON cannot carry.
+  /// Throws NSError when `value` is infinite or NaN, which JSON cannot represent.
   void encodeDouble(std::string_view key, double value);
   void encodeInteger(std::string_view key, std::int64_t value);
   void encodeNull(std::string_view key);
   void encodeObject(std::string_view key, JSONEncoder value);
   void encodeObjects(std::string_view key, std::span<const JSONEncoder> values);
   void encodeStrings(std::string_view key, std::span<const std::string> values);
-  /// An empty optional leaves the member out; it is never written as null.
+  /// An empty optional leaves the member out; it is not written as null.
   void encodeStringIfPresent(std::string_view key, const std::optional<std::string>& value);
   void encodeDoubleIfPresent(std::string_view key, std::optional<double> value);
 
-  /// The object's text.
+  /// Returns the object's text.
   [[nodiscard]] std::string text() const;
 
-  /// The text of the array of `objects`.
+  /// Returns the text of an array of `objects`.
   static std::string arrayText(std::span<const JSONEncoder> objects);
 
  private:

@@ -1,4 +1,4 @@
-// The place of an object of which a process has one. Does not own the object.
+// Holds a pointer to the one object of a type that the process uses.
 #pragma once
 
 #include <atomic>
@@ -7,15 +7,16 @@
 
 namespace kivo::platform {
 
-/// Where a platform object that exists once in a process is put by the program that builds it, and
-/// found by everybody else.
+/// The program that builds a platform object installs it here; everything else finds it here.
+/// Thread-safe.
 template <typename Object>
 class ProcessWide {
  public:
-  /// Makes `object` the one of this process. It must live until no task uses it any more.
+  /// Installs `object`, replacing an earlier one. Does not own it: it must live until no task uses
+  /// it.
   static void install(Object& object) { installed_.store(&object); }
 
-  /// The installed object. Using it before a program has installed one stops the process.
+  /// Returns the installed object. Stops the process when there is none.
   static Object& object() {
     Object* const object = installed_.load();
     if (object == nullptr) fatalStop("a platform object is used before it is installed");

@@ -10,7 +10,7 @@
 namespace kivo::platform {
 namespace {
 
-// Standard output may have been made non-blocking by another holder of it.
+// Another process that shares standard output may have made it non-blocking.
 bool becameWritable() {
   pollfd output{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
   return poll(&output, 1, -1) >= 0 || errno == EINTR;

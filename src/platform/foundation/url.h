@@ -1,4 +1,4 @@
-// Which texts are URLs, and their pieces. Opens no connection and judges no endpoint.
+// Parses URLs into their components.
 #pragma once
 
 #include <optional>
@@ -9,19 +9,18 @@ namespace kivo::platform {
 
 /// A parsed RFC 3986 URI reference. Nothing is decoded, normalised or added.
 struct URL {
-  /// Lower case; empty when the text has none.
+  /// Lower case; empty when absent.
   std::string scheme;
-  /// A name or an IPv4 address as written, percent-encodings included, without user information; an
-  /// IPv6 address without its brackets, an IPvFuture address with them. Empty when there is none.
+  /// A name or an IPv4 address as written, with its percent-encodings and without user information;
+  /// an IPv6 address without its brackets; an IPvFuture address with them. Empty when absent.
   std::string host;
-  /// The digits after the colon as written, empty when there are none. Not judged for range.
+  /// The digits after the colon as written; empty when absent. The range is not checked.
   std::string port;
-  /// Path and query as they are sent in a request line, "/" when both are empty.
+  /// Path and query as sent in a request line; "/" when both are empty.
   std::string target;
 
-  /// The URL that `text` spells by the grammar of RFC 3986; none when it is no URI reference. A
-  /// port that is not digits up to "/", "?", "#" or the end, and a host that is not ASCII, do not
-  /// parse.
+  /// Parses `text` by the grammar of RFC 3986; nullopt when it is not a URI reference, when its
+  /// port is not only digits up to "/", "?", "#" or the end, or when its host is not ASCII.
   static std::optional<URL> parse(std::string_view text);
 
   bool operator==(const URL&) const = default;

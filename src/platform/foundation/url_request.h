@@ -1,4 +1,4 @@
-// One HTTP request, as a value. Sends nothing: that is URLSession.
+// One HTTP request. URLSession sends it.
 #pragma once
 
 #include <chrono>
@@ -14,12 +14,12 @@ struct URLRequest {
 
   URL url;
   CachePolicy cachePolicy = CachePolicy::useProtocolCachePolicy;
-  /// How long the whole exchange may take, name lookup included.
+  /// Timeout of the whole exchange, name lookup included.
   std::chrono::milliseconds timeoutInterval = std::chrono::seconds(60);
   std::string httpMethod = "GET";
-  /// Set by the maker of the request; the session adds those that the protocol needs.
+  /// The session adds the ones that HTTP requires.
   std::map<std::string, std::string> headerFields = {};
-  /// Bytes, sent as they are.
+  /// Raw bytes.
   std::string httpBody = {};
 };
 

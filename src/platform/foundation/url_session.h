@@ -1,4 +1,4 @@
-// The process's HTTP session. Judges no status and keeps nothing between exchanges.
+// The process's HTTP session. Does not judge the status of a response.
 #pragma once
 
 #include <string>
@@ -10,29 +10,29 @@
 namespace kivo::platform {
 
 struct HTTPURLResponse {
-  /// Of the final answer, 200 to 999.
+  /// Of the final response, 200 to 999.
   int statusCode = 0;
 };
 
-/// A whole answer.
+/// A complete HTTP response.
 struct URLAnswer {
-  /// The body's bytes, as sent.
+  /// The body, unchanged.
   std::string data;
   HTTPURLResponse response;
 };
 
-/// Any number of exchanges may be under way at once, from any thread.
+/// Thread-safe. Any number of exchanges may be in progress.
 class URLSession {
  public:
   static URLSession& shared() { return ProcessWide<URLSession>::object(); }
 
   virtual ~URLSession() = default;
 
-  /// Sends `request` and yields the whole answer, whatever its status; redirects are not followed.
-  /// Suspends while the exchange runs. Throws URLError when it does not come to an answer: among
-  /// others `timedOut` after the request's time, and `cancelled` when the task is cancelled before
-  /// or during the exchange. Only http and https are spoken, the latter only with a server whose
-  /// certificate and name are right: nothing of the request is sent before that.
+  /// Sends `request` and returns the complete response, whatever its status. Does not follow
+  /// redirects. Suspends during the exchange. Throws URLError when there is no complete response,
+  /// for example `timedOut` after the request's timeout, or `cancelled` when the task is cancelled
+  /// before or during the exchange. Supports http and https only; over https it sends nothing
+  /// before the server's certificate and name are verified.
   virtual Task<URLAnswer> data(URLRequest request) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Makes any bytes valid UTF-8. Detects no other encoding.
+// Repairs text that is not valid UTF-8.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace kivo::platform {
 
-/// `bytes` as valid UTF-8: each maximal ill-formed subpart becomes one U+FFFD, everything else
+/// Returns `bytes` with each maximal ill-formed subpart replaced by one U+FFFD. Everything else
 /// stays, NUL included.
 std::string repairedUtf8(std::string_view bytes);
 

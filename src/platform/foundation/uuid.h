@@ -1,4 +1,4 @@
-// Random identifiers. Parses none.
+// Generates random identifiers.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@ namespace kivo::platform {
 
 class UUID {
  public:
-  /// The text of a new random UUID (version 4, from the kernel's random source): 36 characters,
+  /// Returns a new random UUID (version 4, from the kernel's random source) as 36 characters:
   /// upper-case hexadecimal with hyphens.
   static std::string uuidString();
 };

@@ -1,4 +1,4 @@
-// What a local notification is made of. Shows nothing.
+// The parts of a local notification request.
 #pragma once
 
 #include <chrono>
@@ -7,7 +7,7 @@
 
 namespace kivo::platform {
 
-/// Whether a program may notify, as the person decided. The numbers are the platform's.
+/// The user's permission to notify. The numbers are part of the platform's interface.
 enum class UNAuthorizationStatus : int {
   notDetermined = 0,
   denied = 1,
@@ -31,12 +31,12 @@ struct UNMutableNotificationContent {
 struct UNTimeIntervalNotificationTrigger {
   enum class Repeats { no, yes };
 
-  /// Whether a request may wait for `interval`: for no negative time, and less than a century.
+  /// Whether `interval` is allowed: not negative, and less than 100 years.
   static constexpr bool isPossible(std::chrono::duration<double> interval) {
     return interval >= interval.zero() && interval < std::chrono::years(100);
   }
 
-  /// From the moment the center has the request.
+  /// Counted from the moment when the center accepts the request.
   std::chrono::duration<double> timeInterval;
   Repeats repeats = Repeats::no;
 
@@ -44,7 +44,7 @@ struct UNTimeIntervalNotificationTrigger {
 };
 
 struct UNNotificationRequest {
-  /// A second request with the same identifier shows nothing more.
+  /// A second request with the same identifier shows nothing.
   std::string identifier;
   UNMutableNotificationContent content;
   UNTimeIntervalNotificationTrigger trigger;

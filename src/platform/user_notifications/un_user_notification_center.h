@@ -1,4 +1,4 @@
-// The way to the device's notification center. Never asks the person for permission.
+// The client of the device's notification center. Never asks the user for permission.
 #pragma once
 
 #include <optional>
@@ -14,8 +14,8 @@ struct UNNotificationSettings {
   UNAuthorizationStatus authorizationStatus = UNAuthorizationStatus::notDetermined;
 };
 
-/// Usable from any thread. Its tasks suspend until the center has answered or, since nobody should
-/// wait for a notification, until it has been given up: 1 s at most in all for one run.
+/// Thread-safe. Its tasks suspend until the center replies or a timeout of 1 s. After one timeout
+/// the later calls of the same run fail at once.
 class UNUserNotificationCenter {
  public:
   static UNUserNotificationCenter& currentNotificationCenter() {
@@ -24,11 +24,11 @@ class UNUserNotificationCenter {
 
   virtual ~UNUserNotificationCenter() = default;
 
-  /// The current permission of this program's bundle; not determined when no center answers.
+  /// Returns the permission of this program's bundle; `notDetermined` when no center replies.
   virtual Task<UNNotificationSettings> notificationSettings() = 0;
 
-  /// Hands `request` to the center, which owns it from then on and shows it even when this process
-  /// has ended. Yields an error when the center refuses it or does not answer; never throws.
+  /// Adds `request` to the center, which shows it even when this process has ended by then. Returns
+  /// an error when the center refuses it or does not reply. Never throws.
   virtual Task<std::optional<NSError>> addNotificationRequest(UNNotificationRequest request) = 0;
 };
 

@@ -1,4 +1,4 @@
-// The intent that a call over the bus means, with its parameters. Performs none.
+// Resolves a D-Bus call to an intent with its parameters.
 #pragma once
 
 #include <map>
@@ -11,19 +11,20 @@
 
 namespace kivo::linux_platform {
 
-/// Values by the names of parameters; none for a value that is neither a text nor a number.
+/// Values by the parameters' names; nullopt for a value that is neither a text nor a number.
 using CalledValues = std::map<std::string, std::optional<platform::IntentValue>>;
 
-/// Why a call is refused. The words are one line and hold nothing that the caller has sent: it
-/// could be part of a message.
+/// The refusal of a call. `words` is one line and repeats nothing from the caller, since that could
+/// be part of a message.
 struct CallRefusal {
-  /// A name of `intents_interface`.
+  /// A D-Bus error name from `intents_interface`.
   const char* name;
   std::string words;
 };
 
-/// The intent of the type `typeName`, ready to be performed with `values`. There is no conversion:
-/// a text parameter takes a text, a number parameter a finite number within its range.
+/// Creates the intent `typeName` with `values`, ready to be performed, or returns why the call is
+/// refused. Does not convert values: a text parameter takes a text, a number parameter a finite
+/// number within its range.
 std::variant<std::unique_ptr<platform::AppIntent>, CallRefusal> calledIntent(
     const platform::AppIntentsExtension& extension, const std::string& typeName,
     CalledValues values);

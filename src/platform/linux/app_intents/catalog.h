@@ -1,4 +1,4 @@
-// What an extension offers, written out. Performs nothing.
+// Writes the declaration of an extension as text and as JSON.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace kivo::linux_platform {
 
-/// Intents, parameters and phrases as a person reads them: some lines, without a break at the end.
+/// Returns intents, parameters and phrases as lines for a person, without a final line break.
 std::string catalogText(const platform::AppIntentsExtension& extension);
 
-/// All that is declared, defaults included, as one JSON object on one line;
-/// docs/catalog.schema.json describes it.
+/// Returns the whole declaration, defaults included, as one JSON object on one line.
+/// docs/catalog.schema.json is its schema.
 std::string catalogJSON(const platform::AppIntentsExtension& extension);
 
 }  // namespace kivo::linux_platform

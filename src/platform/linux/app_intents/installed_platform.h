@@ -1,5 +1,4 @@
-// The process-wide objects of the platform, as a process that performs intents needs them. Performs
-// none.
+// Creates and installs the platform's process-wide objects for a process that performs intents.
 #pragma once
 
 #include <functional>
@@ -14,20 +13,19 @@
 
 namespace kivo::linux_platform {
 
-/// Installed from its making on; outlives every task that performs an intent. Its end sends what
-/// has still to be sent on the bus.
+/// The objects are installed by the constructor. Must outlive every task that performs an intent.
+/// The destructor sends what is still unsent on the bus.
 class InstalledPlatform {
  public:
-  /// Begins to connect to the session bus, on a thread that calls `beforehand` first, if any, and
-  /// returns at once.
+  /// Starts to connect to the session bus on its own thread, which first calls `beforehand`, if
+  /// any. Returns at once.
   explicit InstalledPlatform(std::string_view bundleIdentifier,
                              std::function<void()> beforehand = nullptr);
 
-  /// Performs `intent` as a run of its own, and leaves in `dialog` what it answers. Both outlive
-  /// the task.
+  /// Performs `intent` as a run and stores its dialog in `dialog`. Both must outlive the task.
   platform::Task<void> perform(platform::AppIntent& intent, platform::IntentDialog& dialog);
 
-  /// Performs `run` as one run, as `SessionBus::asOneRun`.
+  /// Performs `run` as `SessionBus::asOneRun` does.
   platform::Task<void> asOneRun(platform::Task<void> run);
 
  private:

@@ -31,27 +31,27 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Runs mostly wait. What they do besides are short commits to the store, which wait for each other
-// anyway.
+// Runs mostly wait for the network. Their only other work is short commits to the store, which are
+// serialized anyway.
 constexpr unsigned workers = 4;
 
-// How many runs there can be at a time with the files that a process may have open: a socket, a
-// store, a lookup of a name each. A run that cannot open its store would lose its text, so calls
-// beyond that wait. Beyond 1000 they wait for the sake of memory.
+// The number of runs that the limit of open files allows at a time: each uses a socket, a store and
+// a name lookup. A run that cannot open its store would lose its text, so further calls wait. 1000
+// at most, to limit memory.
 std::size_t mostRunsAtATime() {
   constexpr rlim_t otherFiles = 64;
   constexpr rlim_t filesOfARun = 8;
   constexpr rlim_t most = 1000;
   rlimit limit{};
   if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 1;
-  // What a session grants at first is for programs that still use select.
+  // The soft limit is low for programs that still use select.
   limit.rlim_cur = limit.rlim_max;
   if (setrlimit(RLIMIT_NOFILE, &limit) != 0) getrlimit(RLIMIT_NOFILE, &limit);
   const rlim_t spare = limit.rlim_cur > otherFiles ? limit.rlim_cur - otherFiles : 0;
   return std::clamp<rlim_t>(spare / filesOfARun, 1, most);
 }
 
-// The parameters of a call, {sv} each; a value that is neither a text nor a number is none.
+// The parameters of a call, {sv} each; nullopt for a value that is neither a text nor a number.
 CalledValues readValues(BusReader entries) {
   CalledValues values;
   for (; !entries.atEnd(); entries.skip()) {
@@ -73,7 +73,7 @@ BusConnection connection() {
   return bus;
 }
 
-// All but the runs themselves happens on the thread that calls `serve`.
+// Everything but the runs happens on the thread that calls `serve`, except where said.
 class IntentsService {
  public:
   IntentsService(const platform::AppIntentsExtension& extension,
@@ -82,7 +82,7 @@ class IntentsService {
     executor_.onTermination([this] { stop(); });
   }
 
-  // Throws std::runtime_error with one line when it cannot be had.
+  // Throws std::runtime_error with a one-line message when the name cannot be taken.
   void takeName();
   void serve();
 
@@ -161,7 +161,7 @@ void IntentsService::serve() {
   runs_.clear();  // their tasks belong to the executor, which ends before us
 }
 
-// On a worker.
+// Called on a worker.
 void IntentsService::stop() {
   stopAsked_ = true;
   loop_.wake();
@@ -192,7 +192,7 @@ void IntentsService::start(Place run) {
 }
 
 platform::Task<void> IntentsService::performTelling(Place run) {
-  // Whatever happens: a run that nobody is told of would keep its caller waiting for ever.
+  // Reports the end of the run even if it throws; otherwise its caller would wait for ever.
   struct Telling {
     IntentsService& service;
     Place run;
@@ -248,8 +248,8 @@ void IntentsService::answerEnded() {
   }
 }
 
-// The bus hands us nothing after its answer to this; what it had handed to us before lies in the
-// connection's own queue by then, and the loop handles that before it asks again what to wait for.
+// The bus sends us no calls after its reply to this. Earlier ones are in the connection's queue by
+// then, and the loop handles them before it calls `beforeWaiting` again.
 void IntentsService::giveUpName() {
   dbus_bus_release_name(bus_.get(), intents_interface::object.service, nullptr);
   nameGivenUp_ = true;

@@ -1,4 +1,4 @@
-// The place of an extension's intents on the session bus. Decides nothing about what they do.
+// Serves an extension's intents on the session bus.
 #pragma once
 
 #include <chrono>
@@ -9,12 +9,13 @@
 
 namespace kivo::linux_platform {
 
-/// Takes the intents' name on the session bus and performs what is called there, any number of
-/// calls at a time. Blocks until no call has been under way for `idleLimit`, the bus is gone, or
-/// SIGTERM or SIGINT has come; in the last two cases the exchanges of its runs are cancelled. It
-/// gives up its name first and ends when it has answered every call that had reached it by then:
-/// the calls to come reach a new process. Yields why it could not begin, in one line: there is no
-/// bus, or the name is another program's. Installs the platform; once at a time in a process.
+/// Takes the bus name of the intents and performs the calls to it. Runs as many at a time as file
+/// descriptors allow, 1000 at most; further calls wait. Blocks until no call has been in progress
+/// for `idleLimit`, the bus is gone, or SIGTERM or SIGINT has arrived; in the last two cases it
+/// cancels the network exchanges of its runs. It releases the name before it ends and answers every
+/// call that had arrived by then; later calls start a new process. Returns nullopt, or one line
+/// that says why it could not start, such as no session bus or a name that another program owns.
+/// Installs the platform. Not thread-safe.
 std::optional<std::string> serveIntents(
     const platform::AppIntentsExtension& extension,
     std::chrono::milliseconds idleLimit = std::chrono::seconds(10));

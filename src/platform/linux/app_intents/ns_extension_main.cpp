@@ -1,4 +1,4 @@
-// The extension runtime: from a command line to the command that it names.
+// The extension runtime: the command line of kivo-intents.
 #include <algorithm>
 #include <csignal>
 #include <memory>
@@ -33,8 +33,8 @@ using Kind = CommandParameter::Kind;
 constexpr const char* programName = "kivo-intents";
 constexpr const char* jsonFlag = "--json";
 
-// The first amount of a process has the locale's tables read, which takes ten times as long as
-// writing it. Any will do.
+// The first amount that a process formats loads the locale's tables, which takes ten times as long
+// as formatting. Formatting any amount loads them.
 void readTablesForAmounts() {
   static_cast<void>(platform::NumberFormatter{.currencyCode = ""}.string(0));
 }
@@ -49,7 +49,8 @@ void print(const IntentDialog& dialog, bool asJSON) {
   }
 }
 
-// From now on they stay pending until the process ends with its own status: the dialog was given.
+// From now on these signals stay pending, so that the process ends with its own status: the dialog
+// was printed.
 void blockTerminations() {
   sigset_t terminations;
   sigemptyset(&terminations);
@@ -58,9 +59,9 @@ void blockTerminations() {
   pthread_sigmask(SIG_BLOCK, &terminations, nullptr);
 }
 
-// Performs the intent on a worker and answers its dialog. Yields the exit status.
+// Performs the intent on a worker, prints its dialog and returns the exit status.
 int performAndAnswer(const AppIntentsExtension& extension, AppIntent& intent, bool asJSON) {
-  // The thread for the bus has time to spare until the run speaks on it.
+  // The bus thread has spare time until the run makes its first call.
   InstalledPlatform installed(extension.bundleIdentifier, readTablesForAmounts);
   std::optional<TaskExecutor> executor;
   try {
@@ -76,7 +77,7 @@ int performAndAnswer(const AppIntentsExtension& extension, AppIntent& intent, bo
   return 0;
 }
 
-// The texts for parameters among what was given: the options but for our own.
+// The texts for the intent's parameters: all given options except our own.
 ParameterTexts parameterTexts(const GivenParameters& given) {
   ParameterTexts texts;
   for (const auto& [option, text] : given) {
@@ -131,7 +132,8 @@ Command performCommand(const AppIntentsExtension& extension, AppIntent& declared
   return command;
 }
 
-// Parameters of several intents may have one name; which of them is meant, the sentence decides.
+// Several intents may have a parameter of the same name; the sentence decides which intent is
+// meant.
 bool offers(const Command& command, const std::string& name) {
   return std::any_of(command.parameters.begin(), command.parameters.end(),
                      [&name](const CommandParameter& one) { return one.name == name; });

@@ -18,8 +18,8 @@ std::string optionOf(const AnyIntentParameter& parameter) {
   return "--" + std::string(parameter.settings().name);
 }
 
-// Linux's terminals hand over a line of this many bytes at most (the 255 of MAX_CANON are less than
-// a bank's message) and drop, unseen, what a person typed or pasted beyond it.
+// A Linux terminal passes on at most this many bytes of a line (MAX_CANON, 255, is less than a bank
+// message) and silently drops the rest.
 constexpr std::size_t longestLine = 4095;
 
 std::string question(const AnyIntentParameter& parameter) {
@@ -28,7 +28,7 @@ std::string question(const AnyIntentParameter& parameter) {
   return std::string(settings.title.key) + " (" + std::string(settings.description.key) + "): ";
 }
 
-// What fits `parameter`; every text does.
+// Describes the values that a number parameter accepts.
 std::string whatFits(const AnyIntentParameter& parameter) {
   const auto& range = parameter.settings().inclusiveRange;
   if (!range) return "a number such as 12.5";
@@ -55,7 +55,7 @@ std::optional<std::string> take(AnyIntentParameter& parameter, std::string text)
       return optionOf(parameter) + " cannot be read from standard input";
     }
     text = {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
-    // Half a message could tell of another payment than the whole one.
+    // Part of a message could describe another payment than the whole.
     if (std::ferror(stdin) != 0) return optionOf(parameter) + " could not be read to its end";
   }
   if (parameter.setFromText(std::move(text))) return std::nullopt;

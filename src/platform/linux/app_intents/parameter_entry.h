@@ -1,5 +1,4 @@
-// Fills an intent's parameters from texts and, where a person sits at a terminal, by asking. Knows
-// no intent.
+// Fills an intent's parameters from texts and, on a terminal, by asking the user.
 #pragma once
 
 #include <map>
@@ -10,13 +9,12 @@
 
 namespace kivo::linux_platform {
 
-/// Texts by the names of parameters.
+/// Texts by the parameters' names.
 using ParameterTexts = std::map<std::string, std::string>;
 
-/// Fills the parameters of `intent` from `texts`, where "-" stands for all of standard input. Asks
-/// for a missing one when standard input is a terminal, again and again until it fits. Blocks while
-/// it reads. Yields what is wrong, in words without any value, or none when the intent can be
-/// performed.
+/// Fills the parameters of `intent` from `texts`, where "-" means all of standard input. When
+/// standard input is a terminal, asks for each missing one until it is valid. Blocks while it
+/// reads. Returns what is wrong, without any value, or nullopt when the intent can be performed.
 std::optional<std::string> fillParameters(platform::AppIntent& intent, const ParameterTexts& texts);
 
 }  // namespace kivo::linux_platform

@@ -14,7 +14,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// Those of `before` that `terms` still find.
+// The elements of `before` that `terms` still match.
 Texts stillFound(const platform::AppIntentsExtension& extension, Texts before, const Texts& terms) {
   const Texts found = intentsFound(extension, terms);
   std::erase_if(before, [&found](const std::string& intent) {
@@ -115,7 +115,7 @@ void SearchProvider::answerLaunch(BusReader&, BusAnswer& answer) {
   answer.give();
 }
 
-// The terminal asks for the values: nothing of a message is ever an argument.
+// The terminal asks for the values, so that no part of a message is ever an argument.
 void SearchProvider::open(Texts arguments) {
   arguments.insert(arguments.begin(), std::filesystem::read_symlink("/proc/self/exe").string());
   if (windows_.open(arguments)) return;

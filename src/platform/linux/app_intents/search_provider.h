@@ -1,5 +1,5 @@
-// The intents' shortcuts in the search of the desktop's shell. Performs none: it opens a terminal
-// that does. Included by the .cpp files that speak on the bus, nowhere else.
+// Offers the intents' shortcuts in the desktop's search, and opens a terminal that performs the
+// chosen one. Included only by .cpp files that use D-Bus.
 #pragma once
 
 #include <functional>
@@ -12,17 +12,18 @@
 
 namespace kivo::linux_platform {
 
-/// Answers on `bus`, on the thread that serves it.
+/// Serves the search provider interface on `bus`, on the thread that runs its event loop.
 class SearchProvider {
  public:
-  /// Calls `onCall` at the beginning of each call. `extension` outlives this, and `bus` is served
-  /// no more when this ends. Throws std::runtime_error with one line when the bus cannot be used.
+  /// Calls `onCall` at the beginning of each call. `extension` must outlive this object, and the
+  /// event loop of `bus` must have ended before this object is destroyed. Throws std::runtime_error
+  /// with a one-line message when the bus cannot be used.
   SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                  std::function<void()> onCall);
   SearchProvider(const SearchProvider&) = delete;
   SearchProvider& operator=(const SearchProvider&) = delete;
 
-  /// As `DetachedPrograms::reapEnded`, for the terminals that it has opened.
+  /// As `DetachedPrograms::reapEnded`, for the terminals that it opened.
   bool reapEnded() { return windows_.reapEnded(); }
 
  private:

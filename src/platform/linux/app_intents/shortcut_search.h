@@ -1,4 +1,4 @@
-// Which shortcuts fit what a person types into a search. Shows and performs none.
+// Finds the shortcuts that match the words typed into a search.
 #pragma once
 
 #include <optional>
@@ -10,22 +10,23 @@
 
 namespace kivo::linux_platform {
 
-/// The types of the intents whose shortcut has a phrase in which each word of `terms` begins a
-/// word, in whatever order; of those that search may offer, in the order of the shortcuts. Letter
-/// case and punctuation at a term's end make no difference. None when there is no word in `terms`.
+/// Returns the type names of the intents that have a phrase in which each word of `terms` is the
+/// beginning of a word, in any order. Only intents that search may offer, in the order of their
+/// shortcuts. Ignores letter case and punctuation at the end of a term. Empty when `terms` contains
+/// no word.
 std::vector<std::string> intentsFound(const platform::AppIntentsExtension& extension,
                                       const std::vector<std::string>& terms);
 
-/// What a search shows of an intent.
+/// A search result.
 struct ShownShortcut {
   std::string title;
-  /// A phrase for it.
+  /// One of its phrases.
   std::string description;
-  /// Names of icons; the first that there is counts.
+  /// Icon names, of which the first one that exists is used.
   std::vector<std::string> icons;
 };
 
-/// What a search shows of the intent of the type `typeName`; none when it may not offer it.
+/// Returns the search result for the intent `typeName`; nullopt when search may not offer it.
 std::optional<ShownShortcut> shownShortcut(const platform::AppIntentsExtension& extension,
                                            std::string_view typeName);
 

@@ -5,7 +5,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-// The process's locale has no say in what counts as the same letter.
+// std::tolower would depend on the process's locale.
 char lowered(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }

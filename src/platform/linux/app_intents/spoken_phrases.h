@@ -1,4 +1,4 @@
-// Which intent a sentence means. Hears nothing: the sentence comes as text.
+// Matches a sentence to the intent whose phrase it is.
 #pragma once
 
 #include <memory>
@@ -10,16 +10,16 @@
 
 namespace kivo::linux_platform {
 
-/// `sentence` (UTF-8) without what makes no difference: in lower case, with single blanks between
-/// its words, without punctuation at its end. Letters other than ASCII's stay.
+/// Normalizes `sentence` (UTF-8) for comparison: ASCII letters in lower case, single blanks between
+/// words, no punctuation at the end. Other characters stay.
 std::string plainWords(std::string_view sentence);
 
-/// The intent whose shortcut has `sentence` (UTF-8) for a phrase; null when none has. They are
-/// compared as `plainWords`.
+/// Returns a new intent whose shortcut has the phrase `sentence` (UTF-8), compared by `plainWords`;
+/// null when there is none.
 std::unique_ptr<platform::AppIntent> intentSpokenOf(const platform::AppIntentsExtension& extension,
                                                     std::string_view sentence);
 
-/// All phrases as they are said, in the order in which they are offered.
+/// Returns all phrases with the application's name, in the order of the shortcuts.
 std::vector<std::string> spokenPhrases(const platform::AppIntentsExtension& extension);
 
 }  // namespace kivo::linux_platform

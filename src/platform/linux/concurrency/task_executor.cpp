@@ -21,7 +21,7 @@ namespace asio = boost::asio;
 namespace {
 
 // Without the first line an awaitable throws at its next suspension after a cancellation, and a
-// cancelled run would lose its text instead of putting it into the queue.
+// cancelled run would lose its text instead of queueing it.
 platform::Task<void> uninterrupted(platform::Task<void> task) {
   co_await asio::this_coro::throw_if_cancelled(false);
   co_await std::move(task);
@@ -31,8 +31,8 @@ platform::Task<void> uninterrupted(platform::Task<void> task) {
 
 struct TaskExecutor::Pool {
   explicit Pool(unsigned workers) : threads(workers) {}
-  // From here on a signal that comes before somebody waits for it is kept. False where no
-  // descriptor is left for that.
+  // From here on, a signal that arrives before `waitForTermination` is kept. Returns false when no
+  // file descriptor is left.
   bool catchTerminations() {
     try {
       terminations.emplace(threads, SIGTERM, SIGINT);

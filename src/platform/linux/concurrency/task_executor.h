@@ -1,4 +1,4 @@
-// Runs tasks on worker threads. Decides nothing about what they do.
+// Runs tasks on worker threads.
 #pragma once
 
 #include <chrono>
@@ -9,18 +9,18 @@
 
 namespace kivo::linux_platform {
 
-/// A task under way. Copies speak of the same task. Usable from any thread, while the executor
-/// lives.
+/// A running task. Copies refer to the same task. Thread-safe. Must not be cancelled after its
+/// executor is destroyed.
 class RunningTask {
  public:
-  /// Cancels the exchange that the task waits for, and those it would still begin. The task goes on
-  /// and finishes. Returns at once.
+  /// Cancels the network exchange that the task waits for, and any that it begins later. The task
+  /// continues to its end. Returns at once.
   void cancel();
 
-  /// Blocks the calling thread until the task has ended; throws what the task threw.
+  /// Blocks until the task has ended. Rethrows its exception.
   void wait();
 
-  /// As `wait`, for at most `limit`; true when the task has ended.
+  /// Blocks for at most `limit`. Returns whether the task has ended; rethrows nothing.
   bool waitFor(std::chrono::milliseconds limit);
 
  private:
@@ -30,28 +30,30 @@ class RunningTask {
   std::shared_ptr<State> state_;
 };
 
-/// A pool of worker threads. Steps of one task never run at the same time; different tasks do.
+/// A pool of worker threads. Steps of one task never run at the same time; different tasks run in
+/// parallel.
 class TaskExecutor {
  public:
-  /// Throws std::runtime_error when the threads cannot be started.
+  /// Throws std::runtime_error when a thread cannot be started.
   explicit TaskExecutor(unsigned workers);
-  /// Waits for all tasks that were started. SIGTERM and SIGINT end the process again.
+  /// Waits until all started tasks have ended, then restores the default action of SIGTERM and
+  /// SIGINT.
   ~TaskExecutor();
   TaskExecutor(const TaskExecutor&) = delete;
   TaskExecutor& operator=(const TaskExecutor&) = delete;
 
-  /// Begins `task` on a worker and returns at once.
+  /// Starts `task` on a worker and returns at once.
   RunningTask start(platform::Task<void> task);
 
-  /// From now on the first SIGTERM or SIGINT has `action` called on a worker, and none ends the
-  /// process while the executor lives, unless no file descriptor is left to wait for them with.
-  /// Once.
+  /// Calls `action` on a worker at the first SIGTERM or SIGINT. From now until the executor is
+  /// destroyed these signals do not end the process. Has no effect when no file descriptor is left.
+  /// Call it at most once.
   void onTermination(std::function<void()> action);
 
-  /// Performs `task` on a worker and blocks the calling thread until it has ended; throws what it
-  /// threw. From before it begins until the executor ends, SIGTERM and SIGINT cancel `task` instead
-  /// of ending the process, unless no file descriptor is left to wait for them with.
-  /// Once, and not beside `onTermination`.
+  /// Runs `task` on a worker and blocks until it has ended. Rethrows its exception. From before the
+  /// start of `task` until the executor is destroyed, the first SIGTERM or SIGINT cancels `task`
+  /// and none ends the process, unless no file descriptor is left. Call it at most once, and not
+  /// together with `onTermination`.
   void perform(platform::Task<void> task);
 
  private:

@@ -5,7 +5,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-// The folder that the variable names; none when it is unset, empty or relative.
+// Returns the folder in the variable; nullopt when it is unset, empty or relative.
 std::optional<std::filesystem::path> folderFrom(const char* variable) {
   const char* const value = std::getenv(variable);
   if (value == nullptr) return std::nullopt;
@@ -14,7 +14,7 @@ std::optional<std::filesystem::path> folderFrom(const char* variable) {
   return folder;
 }
 
-// The folder that the variable names, else `inHome` below the home.
+// Returns the folder in the variable, or else `inHome` below the home folder.
 std::optional<std::filesystem::path> folderFromOrInHome(const char* variable,
                                                         const std::filesystem::path& inHome) {
   if (auto folder = folderFrom(variable)) return folder;

@@ -1,4 +1,4 @@
-// Where this person's data and settings lie on the disk. Makes no folder.
+// The user's folders for data, settings and state. Does not create them.
 #pragma once
 
 #include <filesystem>
@@ -6,13 +6,16 @@
 
 namespace kivo::linux_platform {
 
-/// $XDG_DATA_HOME, or ~/.local/share when that is unset, empty or relative; none without a home.
+/// Returns $XDG_DATA_HOME, or ~/.local/share when that is unset, empty or relative; nullopt when
+/// HOME is too.
 std::optional<std::filesystem::path> dataHome();
 
-/// $XDG_CONFIG_HOME, or ~/.config when that is unset, empty or relative; none without a home.
+/// Returns $XDG_CONFIG_HOME, or ~/.config when that is unset, empty or relative; nullopt when HOME
+/// is too.
 std::optional<std::filesystem::path> configHome();
 
-/// $XDG_STATE_HOME, or ~/.local/state when that is unset, empty or relative; none without a home.
+/// Returns $XDG_STATE_HOME, or ~/.local/state when that is unset, empty or relative; nullopt when
+/// HOME is too.
 std::optional<std::filesystem::path> stateHome();
 
 /// The socket of the backend on this machine, kivo/ledger.sock below $XDG_RUNTIME_DIR; none when

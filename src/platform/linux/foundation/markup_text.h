@@ -1,4 +1,4 @@
-// Makes text safe inside markup. Knows no markup of its own.
+// Escapes text for use in markup.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace kivo::linux_platform {
 
-/// `text` with &, < and > written as entities, so that markup around it reads it as it is.
+/// Returns `text` with &, < and > as entities.
 std::string escapedMarkup(std::string_view text);
 
 }  // namespace kivo::linux_platform

@@ -13,7 +13,7 @@ namespace {
 
 std::array<unsigned char, 16> randomBytes() {
   std::array<unsigned char, 16> bytes;
-  // As few bytes as these come whole or not at all; a signal may come before them.
+  // So few bytes come whole or not at all. A signal may interrupt the call before them.
   while (getrandom(bytes.data(), bytes.size(), 0) < 0) {
     if (errno != EINTR) fatalStop("the kernel gives no random bytes");
   }

@@ -13,7 +13,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-/// The addresses of `host`, a line each. Blocks for as long as the system's lookup likes.
+/// Returns the addresses of `host`, one on each line. Blocks without a timeout.
 std::string addressLines(const std::string& host) {
   addrinfo wanted{};
   wanted.ai_family = AF_UNSPEC;
@@ -38,7 +38,7 @@ void lookUp(const std::string& host, int writing) {
   std::size_t sent = 0;
   while (sent < lines.size()) {
     const ssize_t count = send(writing, lines.data() + sent, lines.size() - sent, MSG_NOSIGNAL);
-    if (count < 0 && errno != EINTR) break;  // nobody reads any more
+    if (count < 0 && errno != EINTR) break;  // the reader has closed its end
     if (count > 0) sent += static_cast<std::size_t>(count);
   }
   close(writing);

@@ -1,15 +1,15 @@
-// Finds the addresses of a host name. Does not wait for them, and connects to none.
+// Looks up the addresses of a host name in the background.
 #pragma once
 
 #include <string>
 
 namespace kivo::linux_platform {
 
-/// Begins to look up `host` on a thread of its own, since the system's lookup can neither be
-/// cancelled nor given a limit, and returns a socket to read from, which the caller closes. Out of
-/// it come the addresses in numbers, a line each, in the order in which they are to be tried; then
-/// it ends. A name that is not found has no lines. Nothing waits for a lookup whose socket is
-/// closed, nor does the end of the process. Throws std::system_error without a thread or socket.
+/// Starts to look up `host` on a detached thread, since getaddrinfo can neither be cancelled nor
+/// given a timeout. Returns a socket, which the caller closes. From it the numeric addresses can be
+/// read, one on each line, in the order in which to try them, followed by end of file. An unknown
+/// name gives no lines. Neither closing the socket nor the end of the process waits for the lookup.
+/// Throws std::system_error when the thread or socket cannot be created.
 int startHostLookup(std::string host);
 
 }  // namespace kivo::linux_platform

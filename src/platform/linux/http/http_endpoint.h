@@ -1,4 +1,4 @@
-// What of a URL a connection needs. Makes no connection.
+// The parts of a URL that a connection needs.
 #pragma once
 
 #include <cstdint>

@@ -55,7 +55,7 @@ namespace {
 constexpr int mostInterimAnswers = 16;
 constexpr std::uint32_t longestHeader = 64U << 10U;
 constexpr std::uint64_t longestBody = 1U << 20U;
-// What may wait to be parsed: a header block, or as much of a body as is read at once.
+// Room for unparsed bytes: a header block, or one read of a body.
 constexpr std::size_t readBuffer = longestHeader << 1U;
 
 Code answerFailure(const error_code& error) {
@@ -70,9 +70,9 @@ Code answerFailure(const error_code& error) {
                                                      : Code::networkConnectionLost;
 }
 
-/// One request and its answer. The steps run as a task of their own, on the strand of the task that
-/// asked; that one waits for nothing but `limit`, so that time and cancellation are met in one
-/// place, whatever the steps are waiting for.
+/// One request and its response. The steps run as their own task on the strand of the caller's
+/// task. The caller waits for `limit` only, so that timeout and cancellation are handled in one
+/// place, whatever the steps wait for.
 class Exchange {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -258,7 +258,7 @@ class Exchange {
   beast::tcp_stream connection_;
   beast::basic_stream<asio::local::stream_protocol> local_;
   std::optional<asio::ssl::stream<beast::tcp_stream&>> secured_;
-  /// What a failure of the present step is told as.
+  /// The error code for a failure of the current step.
   Code stage_ = Code::cannotFindHost;
   bool abandoned_ = false;
 };

@@ -1,4 +1,4 @@
-// The HTTP session over sockets and TLS. Knows no endpoint.
+// The HTTP session over sockets and TLS.
 #pragma once
 
 #include <memory>
@@ -9,8 +9,8 @@ namespace kivo::linux_platform {
 
 class ServerTrust;
 
-/// One connection for each exchange, HTTP/1.1. TLS is set up at the first https request. No
-/// cookies, no proxy. A task that uses it runs on a TaskExecutor that ends before it.
+/// HTTP/1.1 with one connection for each exchange. TLS is set up at the first https request. No
+/// cookies, no proxy. Tasks that use it run on a TaskExecutor that must be destroyed before it.
 class HTTPURLSession : public platform::URLSession {
  public:
   HTTPURLSession();

@@ -34,7 +34,7 @@ std::string textOf(const ExchangeOutcome& outcome) {
   return object.text() + "\n";
 }
 
-// A descriptor, or a negative number.
+// Returns a file descriptor, or a negative number.
 int openForWriting(const std::filesystem::path& path) {
   constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
   const int opened = open(path.c_str(), flags, 0600);
@@ -50,7 +50,7 @@ void remember(const ExchangeOutcome& outcome) {
   const Descriptor opened(openForWriting(*path));
   if (opened.number() < 0) return;
   const std::string text = textOf(outcome);
-  // A line that is cut short does not parse, and then counts as none.
+  // A truncated line does not parse and then counts as absent.
   static_cast<void>(!write(opened.number(), text.data(), text.size()));
 }
 

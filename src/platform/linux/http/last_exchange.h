@@ -1,5 +1,5 @@
-// Remembers what the last exchange with the backend came to, for a person who asks why messages
-// wait. Holds nothing of a message, a user or an address.
+// Records the outcome of the last exchange with the backend, to explain why messages wait. Contains
+// no message, user or address.
 #pragma once
 
 #include <optional>
@@ -12,25 +12,25 @@
 
 namespace kivo::linux_platform {
 
-/// What an exchange came to: the status of the answer, or why there was none.
+/// The outcome of an exchange: the HTTP status, or the error when there was no response.
 using ExchangeOutcome = std::variant<int, platform::URLError>;
 
 struct LastExchange {
-  /// To the second.
+  /// Rounded down to the second.
   platform::Moment endedAt;
-  /// The status of the answer; none when there was no answer.
+  /// The HTTP status; nullopt when there was no response.
   std::optional<int> statusCode;
-  /// Why there was no answer, as a sentence without its full stop; else empty.
+  /// Why there was no response, as a sentence without its full stop; otherwise empty.
   std::string failure;
 };
 
-/// A session that leaves exchanges to another one and writes down what each came to, with the
-/// moment of its end, in $XDG_STATE_HOME/kivo/last-exchange (0600), in place of the one before. Not
-/// synced, and left out when it cannot be written. Of two at once, in any process, either one's
-/// stays.
+/// A session that delegates exchanges to another one and writes the outcome and time of each to
+/// $XDG_STATE_HOME/kivo/last-exchange (0600), replacing the previous one. Written without an fsync;
+/// skipped when the file cannot be written. Of two exchanges that end at once, in any process,
+/// either may be kept.
 class RememberingURLSession : public platform::URLSession {
  public:
-  /// `exchanging` outlives every task.
+  /// `exchanging` must outlive every task.
   explicit RememberingURLSession(platform::URLSession& exchanging) : exchanging_(exchanging) {}
 
   platform::Task<platform::URLAnswer> data(platform::URLRequest request) override;
@@ -39,7 +39,7 @@ class RememberingURLSession : public platform::URLSession {
   platform::URLSession& exchanging_;
 };
 
-/// The last one; none when there was none, or when it cannot be read.
+/// Returns the last recorded exchange; nullopt when there is none or it cannot be read.
 std::optional<LastExchange> lastExchange();
 
 }  // namespace kivo::linux_platform

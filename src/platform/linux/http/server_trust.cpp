@@ -18,17 +18,17 @@ using platform::URLError;
 namespace {
 
 asio::ssl::context makeContext() {
-  // TLS has its ciphers by other ways than the names of old, nobody reads OpenSSL's own words, and
-  // the end of the process frees what it holds: together a millisecond.
+  // TLS needs no cipher names, nothing prints OpenSSL's error strings, and the process exit frees
+  // its memory. Skipping these saves a millisecond.
   OPENSSL_init_crypto(OPENSSL_INIT_NO_ADD_ALL_CIPHERS, nullptr);
   OPENSSL_init_ssl(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS | OPENSSL_INIT_NO_LOAD_SSL_STRINGS |
                        OPENSSL_INIT_NO_ATEXIT,
                    nullptr);
   asio::ssl::context fresh(asio::ssl::context::tls_client);
   SSL_CTX_set_min_proto_version(fresh.native_handle(), TLS1_2_VERSION);
-  // Not the file of all certificates, of which reading takes ten times as long as the run.
+  // Not the file of all certificates: reading it takes ten times as long as the run.
   SSL_CTX_set_default_verify_dir(fresh.native_handle());
-  // Unless somebody has named one.
+  // Unless SSL_CERT_FILE is set.
   if (std::getenv(X509_get_default_cert_file_env()) != nullptr) {
     SSL_CTX_set_default_verify_file(fresh.native_handle());
   }

@@ -1,4 +1,5 @@
-// Which servers are trusted over https. Connects to none; included by the .cpp file that does.
+// The TLS context: which servers are trusted over https. Included only by the .cpp file that
+// connects.
 #pragma once
 
 #include <memory>
@@ -12,8 +13,8 @@ class context;
 
 namespace kivo::linux_platform {
 
-/// TLS 1.2 or newer, and the certificates of the system's hashed directory (SSL_CERT_DIR) and of a
-/// file that SSL_CERT_FILE names.
+/// TLS 1.2 or newer. Trusts the certificates of the system's hashed directory (SSL_CERT_DIR) and of
+/// the file in SSL_CERT_FILE, if set.
 class ServerTrust {
  public:
   ServerTrust();
@@ -21,9 +22,9 @@ class ServerTrust {
   ServerTrust(const ServerTrust&) = delete;
   ServerTrust& operator=(const ServerTrust&) = delete;
 
-  /// Yields what secured connections are made with, which lives as long as this. Made by the first
-  /// call, in 2 ms and by reading OpenSSL's configuration; every certificate is read when a server
-  /// first refers to it. From any thread. Throws URLError secureConnectionFailed.
+  /// Returns the TLS context, which lives as long as this object. The first call creates it: that
+  /// takes 2 ms and reads OpenSSL's configuration. A certificate is read when a server first refers
+  /// to it. Thread-safe. Throws URLError secureConnectionFailed.
   boost::asio::ssl::context& context();
 
  private:

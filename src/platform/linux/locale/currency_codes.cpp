@@ -11,7 +11,7 @@ bool isKnownCurrency(std::string_view code) {
   icu::UnicodeString upper = icu::UnicodeString::fromUTF8(
       icu::StringPiece(code.data(), static_cast<std::int32_t>(code.size())));
   upper.toUpper();
-  // ICU looks at the first three letters only, and has no number for what it does not know.
+  // ICU reads only the first three letters, and returns 0 for unknown codes.
   return upper.length() == 3 && ucurr_getNumericCode(upper.getTerminatedBuffer()) != 0;
 }
 

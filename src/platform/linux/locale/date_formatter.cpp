@@ -15,8 +15,8 @@
 namespace kivo::platform {
 namespace {
 
-// The device's zone as it is at that one moment. The C library is asked, since it reads the zone
-// anew and understands every form of TZ; of those ICU's own search knows the names only.
+// The device's UTC offset at `moment`. The C library computes it, since it reads the time zone
+// again each time and supports every form of TZ; ICU's own lookup supports zone names only.
 icu::SimpleTimeZone deviceTimeZone(Moment moment) {
   const std::time_t time = std::chrono::system_clock::to_time_t(moment);
   std::tm local = {};
@@ -25,12 +25,12 @@ icu::SimpleTimeZone deviceTimeZone(Moment moment) {
   return {static_cast<std::int32_t>(local.tm_gmtoff * 1000), icu::UnicodeString()};
 }
 
-// The C library's own test asks the locale, which is no business of a pattern's.
+// std::isalpha would depend on the locale.
 bool isLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-// What a symbol of a pattern stands for, all of them numbers.
+// The calendar field of a pattern's symbol.
 UCalendarDateFields fieldOf(char symbol) {
   switch (symbol) {
     case 'y':
@@ -50,7 +50,8 @@ UCalendarDateFields fieldOf(char symbol) {
   }
 }
 
-// `value` in the digits of a language, from zero to nine, with leading zeros up to `width`.
+// Formats `value` in `digits`, which lists the digits from zero to nine, with leading zeros up to
+// `width`.
 std::string inDigits(std::int32_t value, std::size_t width, const icu::UnicodeString& digits) {
   std::string decimal = std::to_string(value);
   if (decimal.size() < width) decimal.insert(0, width - decimal.size(), '0');
@@ -63,8 +64,8 @@ std::string inDigits(std::int32_t value, std::size_t width, const icu::UnicodeSt
 
 }  // namespace
 
-// ICU's own formatter knows this and all names of days, months, eras and zones as well; making it
-// takes longer than the rest of a run's own work.
+// ICU's own formatter also supports names of days, months, eras and zones; creating it takes longer
+// than the rest of a run's own work.
 std::string DateFormatter::string(Moment moment) const {
   const icu::Locale inLocale((locale ? *locale : linux_platform::deviceLocale("LC_TIME")).c_str());
   UErrorCode status = U_ZERO_ERROR;

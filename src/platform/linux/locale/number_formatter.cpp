@@ -12,7 +12,7 @@ namespace {
 
 bool isAsciiLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-// ICU takes any text for a currency and shows another one for it, "E" as dollars for example.
+// ICU accepts any text as a currency and shows a wrong one: dollars for "E".
 bool isCurrencyCode(const std::string& code) {
   return code.empty() || (code.size() == 3 && std::all_of(code.begin(), code.end(), isAsciiLetter));
 }

@@ -10,14 +10,14 @@ namespace {
 
 bool isValid(std::string_view bytes) {
   UErrorCode found = U_ZERO_ERROR;
-  std::int32_t length = 0;  // with nowhere to write to, it is only counted
+  std::int32_t length = 0;  // without a destination, ICU only counts
   u_strFromUTF8(nullptr, 0, &length, bytes.data(), static_cast<std::int32_t>(bytes.size()), &found);
   return found != U_INVALID_CHAR_FOUND;
 }
 
 }  // namespace
 
-// The way through UTF-16 puts U+FFFD where it is due.
+// ICU's conversion to UTF-16 replaces each ill-formed subpart by U+FFFD.
 std::string repairedUtf8(std::string_view bytes) {
   if (isValid(bytes)) return std::string(bytes);
   std::string repaired;

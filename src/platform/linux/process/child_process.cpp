@@ -24,7 +24,7 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-// Both ends are closed on exec, so that no other child keeps a stream of this one open.
+// Both ends are close-on-exec, so that no other child process keeps a stream of this one open.
 struct Pipe {
   Pipe() {
     if (pipe2(ends.data(), O_CLOEXEC) != 0) fail("pipe");
@@ -71,10 +71,10 @@ pid_t spawn(const ProgramCall& call, const Pipe& input, const Pipe& output, cons
   posix_spawn_file_actions_adddup2(&actions, input.reading(), STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, output.writing(), STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, errors.writing(), STDERR_FILENO);
-  // A socket that a library opened without close-on-exec would live on in the program.
+  // Closes file descriptors that a library opened without close-on-exec.
   posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
 
-  // The program starts with the signals as a shell would leave them, whatever we ignore ourselves.
+  // The program starts with default signals, whatever this process ignores.
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t defaults;
@@ -115,7 +115,7 @@ struct ChildProcess::Streams {
   ProgramResult result;
   std::thread server;
 
-  // Feeds and drains the three streams until the program has closed its outputs, then reaps it.
+  // Serves the three streams until the program's outputs are closed, then reaps it.
   void serve(pid_t id) {
     fcntl(input.writing(), F_SETFL, O_NONBLOCK);
     std::size_t written = 0;

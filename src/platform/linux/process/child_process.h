@@ -1,4 +1,4 @@
-// Runs another program and talks to it through its standard streams. Knows no program.
+// Runs another program and exchanges text with it through its standard streams.
 #pragma once
 
 #include <chrono>
@@ -13,40 +13,42 @@
 
 namespace kivo::linux_platform {
 
-/// What to run, and in which surroundings.
+/// A program, its arguments, its input and its environment.
 struct ProgramCall {
   std::filesystem::path program;
   std::vector<std::string> arguments = {};
-  /// All of its standard input; an empty text is an empty input.
+  /// All of its standard input. Empty means end of file at once.
   std::string input = {};
-  /// Set in its environment on top of ours; none removes a variable.
+  /// Changes to this process's environment. nullopt removes a variable.
   std::map<std::string, std::optional<std::string>> environment = {};
 };
 
-/// How a program ended, with all that it wrote.
+/// The exit status and the output of a program.
 struct ProgramResult {
-  /// Its exit status, or 128 and the number of the signal that ended it, as a shell counts.
+  /// The exit status, or 128 plus the number of the signal that ended the program.
   int status = 0;
   std::string output;
   std::string errors;
 };
 
-/// A program under way. Its streams are served by a thread of ours, so that it never waits for us.
+/// A running program. A thread serves its streams, so that it never blocks on them. Thread-safe,
+/// except for construction and destruction.
 class ChildProcess {
  public:
-  /// Starts `call`; throws std::system_error when that cannot be done.
+  /// Starts the program. Throws std::system_error when that fails.
   explicit ChildProcess(ProgramCall call);
-  /// Kills the program if it still runs.
+  /// Kills the program if it still runs, and waits as `wait`.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   [[nodiscard]] pid_t id() const { return id_; }
-  /// Sends `signal`, unless the program has ended.
+  /// Sends `signal`, unless the program has been reaped.
   void signal(int signal);
-  /// What it has written to standard output so far.
+  /// Returns its standard output so far.
   [[nodiscard]] std::string outputSoFar() const;
-  /// Blocks until it has ended, for at most `limit`; then it is killed and the result says so.
+  /// Blocks until the program has ended and all copies of its output streams are closed, also those
+  /// of its own child processes. Kills it after `limit`; its status then shows SIGKILL.
   ProgramResult wait(std::chrono::milliseconds limit = std::chrono::seconds(60));
 
  private:
@@ -55,11 +57,11 @@ class ChildProcess {
   std::unique_ptr<Streams> streams_;
 };
 
-/// Runs `call` to its end, as `ChildProcess::wait`.
+/// Runs a program and waits for it as `ChildProcess::wait` does.
 ProgramResult runProgram(ProgramCall call,
                          std::chrono::milliseconds limit = std::chrono::seconds(60));
 
-/// The folder that the running program's file is in.
+/// Returns the folder of this process's executable.
 std::filesystem::path programFolder();
 
 }  // namespace kivo::linux_platform

@@ -1,11 +1,11 @@
-// An open file, by its number. Opens none.
+// Owns a file descriptor.
 #pragma once
 
 #include <unistd.h>
 
 namespace kivo::linux_platform {
 
-/// Closes the file at its end; a negative number is none.
+/// Closes the file descriptor when destroyed. A negative number means that there is none.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}

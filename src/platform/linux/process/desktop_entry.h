@@ -1,9 +1,9 @@
-// By which name the desktop knows the application. Opens nothing.
+// The name of the application's desktop file.
 #pragma once
 
 namespace kivo::linux_platform {
 
-/// The name of the desktop file without its ending; icons of the application begin with it.
+/// Without the extension. Names of the application's icons begin with it.
 inline constexpr const char* desktopEntry = "app.kivo.expenses";
 
 }  // namespace kivo::linux_platform

@@ -18,7 +18,7 @@ bool isExecutable(const std::filesystem::path& file) {
   return std::filesystem::is_regular_file(file, none) && access(file.c_str(), X_OK) == 0;
 }
 
-// A session of its own, and what startProcess changes of the signals undone.
+// A new session, and default signals where startProcess changed them.
 class DetachedAttributes {
  public:
   DetachedAttributes() {

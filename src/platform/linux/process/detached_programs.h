@@ -1,4 +1,4 @@
-// Programs that are started and left to themselves. Reads nothing of what they say.
+// Starts programs in the background and reaps them.
 #pragma once
 
 #include <string>
@@ -8,23 +8,22 @@
 
 namespace kivo::linux_platform {
 
-/// Used by one thread at a time. What it has started goes on when it ends.
+/// Not thread-safe. Programs continue when this object is destroyed.
 class DetachedPrograms {
  public:
-  /// Starts the program `call.front()`, as found in PATH, with the other texts as its arguments, in
-  /// a session of its own and with signals as a shell would leave them. False when that cannot be
-  /// done; how the program ends is nobody's business.
+  /// Starts the program `call.front()`, as found in PATH, with the other texts as arguments, in a
+  /// new session and with default signals. Returns false when it cannot be started. Its exit status
+  /// is ignored.
   bool start(std::vector<std::string> call);
 
-  /// Forgets the programs that have ended, so that nothing is left of them. Does not wait. Whether
-  /// some go on.
+  /// Reaps the programs that have ended, without waiting. Returns whether others still run.
   bool reapEnded();
 
  private:
   std::vector<pid_t> programs_;
 };
 
-/// Whether `name` is a program in PATH that can be started, or, with a slash in it, such a file.
+/// Whether `name` is an executable in PATH, or, when it contains a slash, an executable file.
 bool isProgram(const std::string& name);
 
 }  // namespace kivo::linux_platform

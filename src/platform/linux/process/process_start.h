@@ -1,13 +1,14 @@
-// What every program does first. Reads no arguments.
+// The set-up that every program does first.
 #pragma once
 
 namespace kivo::linux_platform {
 
-/// Makes the process safe to work in whatever started it: descriptors 0 to 2 are open (on /dev/null
-/// if need be, so that no output lands in a file opened later), files are made for their owner
-/// only, its memory, in which messages lie, goes to no core dump and no other program of the user,
-/// and a write to a reader that went away, or past a limit on files, fails instead of ending the
-/// program. To be called before anything opens a file or starts a thread.
+/// Makes the process independent of the state that it inherits. Opens file descriptors 0 to 2 on
+/// /dev/null if they are closed, so that no output goes to a file opened later. Sets the umask to
+/// 0077. Disables core dumps and access to its memory by other programs of the user, since the
+/// memory holds messages. Ignores SIGPIPE and SIGXFSZ, so that a write to a closed pipe or past a
+/// file size limit fails instead of ending the process. Call it before anything opens a file or
+/// starts a thread.
 void startProcess();
 
 }  // namespace kivo::linux_platform

@@ -1,4 +1,4 @@
-// What a program offers on its command line, as JSON for programs that make completions of it.
+// Describes a program's command line as JSON, from which the build generates completions.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace kivo::linux_platform {
 
-/// The option that makes a program print its description. No help lists it: it is for the build.
+/// The option that prints the description. For the build; not listed in the help.
 inline constexpr std::string_view describeOption = "--describe";
 
-/// `program` as one JSON object: "name", "purpose" and "commands", each with "name", "purpose" and
-/// "parameters"; each of those with "name", "meaning", "kind" ("required", "optional" or "flag")
-/// and "values", which is empty when any value will do.
+/// Returns `program` as one JSON object: "name", "purpose" and "commands", each with "name",
+/// "purpose" and "parameters"; each parameter with "name", "meaning", "kind" ("required",
+/// "optional" or "flag") and "values", which is empty when any value is allowed.
 std::string descriptionOf(const CommandProgram& program);
 
-/// Prints the description of `program` on standard output; yields the exit status.
+/// Prints the description of `program` on standard output; returns the exit status.
 int printDescription(const CommandProgram& program);
 
 }  // namespace kivo::linux_platform

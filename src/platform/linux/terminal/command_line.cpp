@@ -19,7 +19,7 @@ namespace {
 
 using Kind = CommandParameter::Kind;
 
-// A command as CLI11 knows it; it fills the texts and flags while it parses.
+// A command registered with CLI11, which fills the texts and flags as it parses.
 struct Offered {
   const Command* command = nullptr;
   CLI::App* app = nullptr;
@@ -38,8 +38,9 @@ struct Offered {
   }
 };
 
-// The level of the command line that names the last word of `name`, made on the way. Each takes one
-// command at most, so that the value "queue" does not become a command of that name.
+// Returns the subcommand for the last word of `name`, and creates it and its parents if needed.
+// Each level takes at most one subcommand, so that the value "queue" does not become a command of
+// that name.
 CLI::App& levelOf(CLI::App& root, const std::string& name) {
   const std::size_t blank = name.find(' ');
   const std::string word = name.substr(0, blank);
@@ -74,14 +75,14 @@ bool isOptionName(const std::string& argument) {
          });
 }
 
-// The name in "--name" and "--name=value"; none when the argument is no option.
+// Returns the name in "--name" and "--name=value"; nullopt when the argument is not an option.
 std::optional<std::string> optionNameIn(const std::string& argument) {
   std::string name = argument.substr(0, argument.find('='));
   if (!isOptionName(name)) return std::nullopt;
   return name;
 }
 
-// Anything longer, or with other characters, may be a part of a message, which is never repeated.
+// A longer word, or one with other characters, may be part of a message, which is never repeated.
 bool looksLikeACommand(const std::string& word) {
   constexpr std::size_t longest = 24;
   return word.size() <= longest && std::all_of(word.begin(), word.end(), [](unsigned char letter) {
@@ -89,14 +90,14 @@ bool looksLikeACommand(const std::string& word) {
          });
 }
 
-// What no parameter took, on any level. CLI11 leaves the mark -- as well.
+// The arguments that no parameter took, on any level. CLI11 also leaves "--" among them.
 std::vector<std::string> leftOverOf(const CLI::App& app) {
   std::vector<std::string> leftOver = app.remaining(true);
   leftOver.erase(std::remove(leftOver.begin(), leftOver.end(), "--"), leftOver.end());
   return leftOver;
 }
 
-// The words that may follow those of `group` in the name of a command, "" being the program itself.
+// The words that may follow `group` in the name of a command. "" is the program itself.
 std::vector<std::string> wordsAfter(const CommandProgram& program, const std::string& group) {
   const std::string prefix = group.empty() ? "" : group + " ";
   std::vector<std::string> words;
@@ -128,7 +129,8 @@ std::string describeUnknownOption(const std::string& name, const Command* comman
   return "unknown option " + name + (nearest ? "; did you mean " + *nearest + "?" : "");
 }
 
-// What is wrong with a call of which nothing took `leftOver`. `command` is null when none is named.
+// Describes the error in a call whose `leftOver` no parameter took. `command` is null when the call
+// names none.
 std::string describeLeftOver(const CommandProgram& program, const Command* command,
                              const std::vector<std::string>& leftOver) {
   const std::string group = command == nullptr ? "" : command->name;
@@ -152,8 +154,8 @@ std::optional<std::string> describeMissing(const Offered& offered) {
   return std::nullopt;
 }
 
-// Whether a call with `arguments` can be told from others without `command`. To make all commands
-// known takes longer than to read the call.
+// Whether `command` need not be registered to parse `arguments`. Registering all commands takes
+// longer than parsing the call.
 bool mayBeLeftOut(const Command& command, const std::vector<std::string>& arguments) {
   const std::string word = command.name.substr(command.name.rfind(' ') + 1);
   return std::none_of(arguments.begin(), arguments.end(), [&word](const std::string& argument) {
@@ -172,8 +174,8 @@ bool hasOption(const CommandProgram& program, const std::string& name,
   });
 }
 
-// The arguments after the program's name, with each "--name=" of a known option as two: CLI11 would
-// take the argument after it for its value.
+// The arguments after the program's name. Splits "--name=" of a known option in two: CLI11 would
+// take the next argument as its value.
 std::vector<std::string> argumentsFrom(const CommandProgram& program, int argc, char** argv) {
   const auto takesValue = [&program](const std::string& name) {
     return hasOption(program, name, {Kind::required, Kind::optional});
@@ -209,7 +211,7 @@ std::unique_ptr<CLI::App> rootOf(const CommandProgram& program) {
   return root;
 }
 
-// Prints the help of the group `name`, or of the program when it is empty.
+// Prints the help of the group `name`, or of the program when `name` is empty.
 int helpInsteadOfCommand(const CommandProgram& program, const std::string& name) {
   const std::unique_ptr<CLI::App> root = rootOf(program);
   std::vector<std::unique_ptr<Offered>> all;
@@ -225,7 +227,7 @@ int answerError(const CommandProgram& program, const CLI::App& app, const CLI::P
   }
   const auto* const mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error);
   if (mismatch == nullptr) return badUsage(program, "", "the call cannot be understood");
-  // CLI11's words name the option somewhere among them, and quote no value.
+  // CLI11's message contains the option's name, and no value.
   std::istringstream words(error.what());
   for (std::string word; words >> word;) {
     const std::string name =

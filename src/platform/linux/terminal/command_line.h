@@ -1,4 +1,4 @@
-// From a command line to the command that it names. Knows no program, and runs one command only.
+// Parses a command line and runs the command that it names.
 #pragma once
 
 #include <functional>
@@ -8,37 +8,38 @@
 
 namespace kivo::linux_platform {
 
-/// The exit status of a program that was called in a way that it does not offer.
+/// The exit status for bad usage.
 inline constexpr int exitBadUsage = 64;
 
-/// Something that a command takes.
+/// An option or argument of a command.
 struct CommandParameter {
   enum class Kind { required, optional, flag };
 
-  /// "--user-id" for an option, "KEY" for an argument that is told by its place.
+  /// "--user-id" for an option, "KEY" for a positional argument.
   std::string name;
-  /// What the help says of it.
+  /// Its description in the help.
   std::string meaning;
   Kind kind = Kind::required;
-  /// The values to offer while it is typed; none when any will do. Not checked.
+  /// The values that completion offers; null when any value is allowed. Not enforced.
   std::function<std::vector<std::string>()> values = {};
 };
 
-/// What was given, by the names of the parameters. A flag that was given is there with any text.
+/// The given values by the parameters' names. A given flag has an entry with an unspecified text.
 using GivenParameters = std::map<std::string, std::string>;
 
-/// One thing that a program can be told to do.
+/// One command of a program.
 struct Command {
-  /// "sign-in"; for a command of a group the group's name and a blank go before, "store get".
+  /// "sign-in". The name of a command in a group begins with the group's: "store get".
   std::string name;
-  /// What the help says of it.
+  /// Its description in the help.
   std::string purpose;
   std::vector<CommandParameter> parameters;
-  /// Does it; yields the exit status. None for a group, which stands before its commands.
+  /// Runs the command and returns the exit status. Null for a group, which must come before its
+  /// commands.
   std::function<int(const GivenParameters&)> run;
 };
 
-/// A program that is called with a command.
+/// A program with commands.
 struct CommandProgram {
   std::string name;
   std::string purpose;
@@ -46,14 +47,14 @@ struct CommandProgram {
   std::vector<Command> commands;
 };
 
-/// Runs the command that the command line names and yields its exit status. Answers --help and
-/// --version on standard output with 0. Where no command is named it prints the help on standard
-/// error, and for any other call that does not fit one line; both yield `exitBadUsage`. That line
-/// repeats names of options, and an unknown word in a command's place if it looks like one, never a
-/// value. Values are passed on as they are, byte for byte, an empty one too.
+/// Runs the command that the command line names and returns its exit status. Prints --help and
+/// --version on standard output and returns 0. Returns `exitBadUsage` after printing the help on
+/// standard error when no command is named, and one line for any other bad usage. That line repeats
+/// names of options, and an unknown word in the place of a command if it looks like one, but no
+/// values. Passes values on byte for byte, empty ones too.
 int runCommand(const CommandProgram& program, int argc, char** argv);
 
-/// Writes `what` as one line on standard error, after the name of `program`.
+/// Prints `what` as one line on standard error, after the name of `program`.
 void complain(const std::string& program, const std::string& what);
 
 }  // namespace kivo::linux_platform

@@ -12,7 +12,7 @@ bool isSameLetter(char one, char other) {
          std::tolower(static_cast<unsigned char>(other));
 }
 
-// The Damerau-Levenshtein distance, in the variant that edits no part twice.
+// The Damerau-Levenshtein distance in its optimal string alignment variant.
 std::size_t distance(const std::string& from, const std::string& to) {
   std::vector<std::vector<std::size_t>> edits(from.size() + 1,
                                               std::vector<std::size_t>(to.size() + 1));

@@ -1,4 +1,4 @@
-// Finds what a mistyped word was probably meant to be.
+// Suggests the word that a mistyped one was probably meant to be.
 #pragma once
 
 #include <optional>
@@ -7,9 +7,9 @@
 
 namespace kivo::linux_platform {
 
-/// The one of `candidates` that differs least from `word`, in letters added, left out, changed or
-/// swapped with the next; letter case does not count. None when all differ in more than a third of
-/// the longer word. The first of equally near ones.
+/// Returns the candidate that differs least from `word`, counting letters added, left out, changed
+/// or swapped with the next; letter case is ignored. The first one wins among equals. Returns
+/// nullopt when all differ in more than a third of the longer word.
 std::optional<std::string> nearestWord(const std::string& word,
                                        const std::vector<std::string>& candidates);
 

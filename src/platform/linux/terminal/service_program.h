@@ -1,4 +1,4 @@
-// A program that serves until it is told to end, and takes no command. Serves nothing itself.
+// The main function of a program that serves until it is stopped and takes no command.
 #pragma once
 
 #include <functional>
@@ -8,15 +8,15 @@ namespace kivo::linux_platform {
 
 struct ServiceProgram {
   std::string name;
-  /// What the help says of it: whole lines.
+  /// Its description in the help, as whole lines.
   std::string purpose;
-  /// Yields the exit status. What it throws as std::runtime_error is why it cannot serve.
+  /// Returns the exit status. Throws std::runtime_error with the reason when it cannot serve.
   std::function<int()> serve;
 };
 
-/// Runs the program and yields its exit status: 1, after one line on standard error, when it cannot
-/// serve. Answers --help and --version on standard output with 0, and anything else on the command
-/// line with its usage on standard error and 64.
+/// Runs the program and returns its exit status: 1, after one line on standard error, when it
+/// cannot serve. Prints --help and --version on standard output and returns 0. For any other
+/// argument prints the usage on standard error and returns 64.
 int runService(const ServiceProgram& program, int argc, char** argv);
 
 }  // namespace kivo::linux_platform

@@ -22,7 +22,7 @@ std::string written(const char* form, unsigned unit) {
   return digits.data();
 }
 
-// JSON has \u for the first plane only, and pairs of it for the others.
+// JSON's \u covers the first plane only; other characters are a surrogate pair.
 std::string escape(UChar32 character, Form form) {
   if (character == '\n') return "\\n";
   if (character == '\r') return "\\r";
@@ -34,7 +34,7 @@ std::string escape(UChar32 character, Form form) {
   return written("\\u%04x", U16_LEAD(code)) + written("\\u%04x", U16_TRAIL(code));
 }
 
-// Whether the character is invisible, or of unknown appearance.
+// Whether the character is invisible or its appearance unknown.
 bool isHidden(UChar32 character) {
   if (character < firstNotASCII) return character < 0x20 || character == 0x7f;
   constexpr std::uint32_t hidden = U_GC_CC_MASK | U_GC_CF_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK |
@@ -43,8 +43,8 @@ bool isHidden(UChar32 character) {
          u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
 }
 
-// Persian words and emoji are spelled with these. They have no direction, so they reorder nothing;
-// where they shape no character they would only be invisible.
+// Persian words and emoji are spelled with these. They have no direction, so they reorder nothing.
+// Elsewhere they would only be invisible.
 bool joinsOrDresses(UChar32 character) {
   constexpr UChar32 nonJoiner = 0x200c;
   constexpr UChar32 joiner = 0x200d;
@@ -67,7 +67,7 @@ bool isDirectionMark(UChar32 character) {
   return character == leftToRight || character == rightToLeft || character == arabicLetter;
 }
 
-// No property of a character is asked for while the text is ASCII.
+// Looks up no character properties while the text is ASCII.
 std::string escaped(std::string_view text, Form form) {
   std::string result;
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());

@@ -12,7 +12,7 @@ namespace {
 
 using Call = std::vector<std::string>;
 
-// Outlives an interruption of the program, to let its words be read.
+// The shell survives an interrupt of the program, so that its output can be read.
 std::string shellLines(WindowEnd end) {
   const std::string then = end == WindowEnd::atSuccess ? " && exit" : "";
   return "trap : INT; \"$0\" \"$@\"" + then +
@@ -24,7 +24,7 @@ std::string variable(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-// What stands between a terminal and the program that it is to run, which is not the same for all.
+// The option between a terminal's name and the command to run, which differs between terminals.
 std::string_view separatorOf(const std::string& terminal) {
   static const std::map<std::string, std::string_view> others{
       {"xdg-terminal-exec", ""},
@@ -38,7 +38,7 @@ std::string_view separatorOf(const std::string& terminal) {
   return other == others.end() ? "-e" : other->second;
 }
 
-// A service's programs end with it, and are confined like it.
+// Programs that a systemd service starts end with it and share its sandbox.
 bool isServiceOfSystemd() {
   return variable("SYSTEMD_EXEC_PID") == std::to_string(getpid()) && isProgram("systemd-run");
 }

@@ -1,4 +1,4 @@
-// A window with a terminal, for a program that talks to the person. Is no terminal itself.
+// Opens a terminal window for a program that asks the user for input.
 #pragma once
 
 #include <string>
@@ -8,26 +8,26 @@
 
 namespace kivo::linux_platform {
 
-/// What to tell the person when `TerminalWindows::open` yields false.
+/// The message for the user when `TerminalWindows::open` returns false.
 inline constexpr const char* noTerminalWindow =
     "no terminal can be opened; the variable TERMINAL can name one";
 
-/// When the window closes once its command has ended: when the person has pressed Enter, or at once
-/// unless the command failed.
+/// When the window closes after its command has ended: when the user presses Enter, or at once if
+/// the command succeeded.
 enum class WindowEnd { atEnter, atSuccess };
 
-/// The calls that can show `command` in a window of its own, best first: by xdg-terminal-exec, by
-/// the program that the variable TERMINAL names, by x-terminal-emulator, then by what desktops
-/// bring.
+/// Returns the command lines that can show `command` in a window, in the order to try them:
+/// xdg-terminal-exec, the program in the variable TERMINAL, x-terminal-emulator, then terminals of
+/// common desktops.
 std::vector<std::vector<std::string>> terminalCalls(const std::vector<std::string>& command,
                                                     WindowEnd end = WindowEnd::atEnter);
 
-/// Used by one thread at a time. Its windows stay when it ends.
+/// Not thread-safe. Windows stay open when this object is destroyed.
 class TerminalWindows {
  public:
-  /// Shows `command`, a program and its arguments, by the first of `terminalCalls` whose program
-  /// there is. Where this process is a service of systemd's, the window is a unit of its own: it
-  /// neither ends with the service nor is confined like it. False when there is no such program.
+  /// Shows `command`, a program and its arguments, with the first of `terminalCalls` that is
+  /// installed. When this process is a systemd service, the window runs as its own unit: it neither
+  /// ends with the service nor shares its sandbox. Returns false when no terminal could be started.
   bool open(const std::vector<std::string>& command, WindowEnd end = WindowEnd::atEnter);
 
   /// As `DetachedPrograms::reapEnded`.

@@ -11,14 +11,14 @@ namespace {
 std::size_t columnsOfCharacter(UChar32 character) {
   constexpr std::uint32_t noRoom = U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK | U_GC_CC_MASK;
   if ((U_GET_GC_MASK(character) & noRoom) != 0) return 0;
-  // Drawn within the syllable that a leading consonant begins.
+  // Drawn as part of the syllable that a leading consonant begins.
   const int syllable = u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE);
   if (syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO) return 0;
   const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-// Reads the character at `at`, which moves behind it.
+// Reads the character at `at` and advances `at` past it.
 UChar32 next(std::string_view text, std::size_t& at) {
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   const auto size = static_cast<std::int64_t>(text.size());

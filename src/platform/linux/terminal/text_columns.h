@@ -1,4 +1,4 @@
-// How much room a text takes on a terminal. Escapes nothing: that is terminal_text.
+// Measures, pads and cuts text by terminal columns.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,14 @@
 
 namespace kivo::linux_platform {
 
-/// The columns that `text` (UTF-8) takes: two for wide characters, none for accents, joiners and
-/// the marks of writing direction.
+/// Returns the columns that `text` (UTF-8) takes: two for a wide character, zero for combining
+/// marks, joiners and direction marks.
 std::size_t columnsOf(std::string_view text);
 
-/// `text` followed by as many blanks as fill `columns`; a longer text stays as it is.
+/// Returns `text` padded with blanks to `columns`; a wider text unchanged.
 std::string paddedTo(std::size_t columns, std::string_view text);
 
-/// `text` when it fits in `columns`, else its beginning and an ellipsis that do.
+/// Returns `text` when it fits in `columns`, otherwise its beginning and an ellipsis that fit.
 std::string cutTo(std::size_t columns, std::string_view text);
 
 }  // namespace kivo::linux_platform

@@ -1,5 +1,4 @@
-// The notification center as a program's tasks see it, reached over the session bus. Shows nothing
-// itself.
+// The client of the notification center on the session bus.
 #pragma once
 
 #include <string>
@@ -10,11 +9,11 @@ namespace kivo::linux_platform {
 
 class SessionBus;
 
-/// Its tasks run on a TaskExecutor. Cancelling one ends no call: a notification is still posted.
+/// Its tasks run on a TaskExecutor. Cancelling one does not cancel its call: the notification is
+/// still posted.
 class BusUserNotificationCenter : public platform::UNUserNotificationCenter {
  public:
-  /// Asks and adds in the name of `bundleIdentifier`. `bus` outlives this object, and has the
-  /// timeouts.
+  /// Acts for `bundleIdentifier`. `bus` must outlive this object and defines the timeouts.
   BusUserNotificationCenter(SessionBus& bus, std::string bundleIdentifier);
 
   platform::Task<platform::UNNotificationSettings> notificationSettings() override;

@@ -66,7 +66,7 @@ BusMessage addCall(const std::string& bundle, const platform::UNNotificationRequ
 
 std::optional<NSError> addFailure(const BusMessage& reply) {
   if (!reply) return NSError("UNErrorDomain", 1, "The notification center does not answer");
-  // The error's words could be any program's; its name is a fixed identifier.
+  // Any program could have written the error's message; its name is a fixed identifier.
   const auto error = errorOf(reply);
   if (!error) return std::nullopt;
   return NSError("UNErrorDomain", 2, "The notification center refused: " + *error);

@@ -1,5 +1,5 @@
-// The calls of the phone's notification center, as messages. Sends none; included by the .cpp files
-// that speak on the bus, nowhere else.
+// Builds the D-Bus calls of the notification center and reads their replies. Included only by .cpp
+// files that use D-Bus.
 #pragma once
 
 #include <optional>
@@ -11,11 +11,11 @@
 
 namespace kivo::linux_platform {
 
-// Texts may be any bytes: those that D-Bus cannot carry are replaced by U+FFFD. Each call has a
-// function that reads its reply, which is null when there was none.
+// Texts may be any bytes: U+FFFD replaces those that D-Bus cannot carry. Each call has a function
+// that reads its reply; a null reply means that none came.
 
 BusMessage authorizationStatusCall(const std::string& bundle);
-/// None when the center did not answer with a status.
+/// Returns the status; nullopt when the reply contains none.
 std::optional<platform::UNAuthorizationStatus> statusIn(const BusMessage& reply);
 
 BusMessage setAuthorizationStatusCall(const std::string& bundle,
@@ -24,7 +24,7 @@ BusMessage setAuthorizationStatusCall(const std::string& bundle,
 bool isStored(const BusMessage& reply);
 
 BusMessage addCall(const std::string& bundle, const platform::UNNotificationRequest& request);
-/// None when the center has the request on its disk, else the error.
+/// Returns nullopt when the center has written the request to disk, otherwise the error.
 std::optional<platform::NSError> addFailure(const BusMessage& reply);
 
 }  // namespace kivo::linux_platform

@@ -9,7 +9,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-// The bus may first have to start the center.
+// The bus may have to start the center first.
 constexpr std::chrono::seconds timeout(5);
 
 }  // namespace

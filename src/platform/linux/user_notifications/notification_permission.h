@@ -1,4 +1,4 @@
-// Whether a program may notify, as the phone's settings show and decide it. Shows nothing.
+// Reads and sets the permission to notify, as the phone's settings do.
 #pragma once
 
 #include <optional>
@@ -8,12 +8,12 @@
 
 namespace kivo::linux_platform {
 
-/// The person's decision for `bundle`. Blocks until the center has answered; none when there is
-/// none that answers within 5 s.
+/// Returns the user's decision for `bundle`; nullopt when the center does not reply within 5 s.
+/// Blocks until the reply.
 std::optional<platform::UNAuthorizationStatus> authorizationStatus(std::string_view bundle);
 
-/// Stores the person's decision for `bundle` at the notification center, which keeps it on disk.
-/// Blocks until the center has answered; false when none does within 5 s or it refuses.
+/// Stores the user's decision for `bundle` in the center, durably. Blocks until the reply. Returns
+/// false when the center refuses or does not reply within 5 s.
 bool setAuthorizationStatus(std::string_view bundle, platform::UNAuthorizationStatus status);
 
 }  // namespace kivo::linux_platform

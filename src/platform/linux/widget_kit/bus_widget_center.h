@@ -1,4 +1,4 @@
-// Asks the widgets over the session bus to reload. Waits for nobody.
+// Sends the reload signal to the widgets over the session bus.
 #pragma once
 
 #include "platform/widget_kit/widget_center.h"
@@ -7,10 +7,10 @@ namespace kivo::linux_platform {
 
 class SessionBus;
 
-/// Its signals go out as soon as the bus connection stands; `SessionBus::finish` waits for that.
+/// Signals are sent as soon as the bus is connected. `SessionBus::finish` waits until they are.
 class BusWidgetCenter : public platform::WidgetCenter {
  public:
-  /// `bus` outlives this object.
+  /// `bus` must outlive this object.
   explicit BusWidgetCenter(SessionBus& bus) : bus_(bus) {}
 
   void reloadAllTimelines() override;
