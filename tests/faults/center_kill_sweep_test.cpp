@@ -109,7 +109,7 @@ class AKilledNotificationCenter : public testing::Test {
   int requests_ = 0;
 };
 
-TEST_F(AKilledNotificationCenter, StartedAgainShowsEachRequestThatItHadTaken) {
+TEST_F(AKilledNotificationCenter, ShowsEachAcceptedRequestAfterARestart) {
   testkit::CallNumbers numbers;
   for (const char* const call : testkit::sweptCalls) {
     sweepCall({.call = call, .effect = "signal=SIGKILL"}, numbers);

@@ -69,14 +69,14 @@ class ARunOnADamagedStore : public testkit::SurvivingRuns {
   std::map<std::string, int> dialogs_;
 };
 
-TEST_F(ARunOnADamagedStore, OfNoBytesBeginsANewOne) {
+TEST_F(ARunOnADamagedStore, CreatesANewStoreWhenTheFileIsEmpty) {
   fs::resize_file(file(), 0);
   EXPECT_EQ(survive(), "Please open Kivo app and sign in first");
   signIn();
   EXPECT_EQ(survive(), "Saved offline - will process when connected");
 }
 
-TEST_F(ARunOnADamagedStore, CutAnywhereLivesAndReplacesNoFile) {
+TEST_F(ARunOnADamagedStore, SurvivesATruncatedFileAndReplacesNone) {
   const std::uintmax_t step = testkit::isLongForm() ? 512 : 2560;
   for (std::uintmax_t size = 1; size < whole_.size(); size = size < 512 ? 512 : size + step) {
     SCOPED_TRACE("cut to " + std::to_string(size));
@@ -88,7 +88,7 @@ TEST_F(ARunOnADamagedStore, CutAnywhereLivesAndReplacesNoFile) {
   printDialogs("cut");
 }
 
-TEST_F(ARunOnADamagedStore, WithAFlippedBitLivesAndReplacesNoFile) {
+TEST_F(ARunOnADamagedStore, SurvivesAFlippedBitAndReplacesNoFile) {
   // A changed URL is another backend's, or none's and stops the process: not a matter of the file.
   const std::string url = backend.url();
   std::vector<std::pair<std::size_t, std::size_t>> spared;
@@ -116,7 +116,7 @@ TEST_F(ARunOnADamagedStore, WithAFlippedBitLivesAndReplacesNoFile) {
   printDialogs("flipped bits");
 }
 
-TEST_F(ARunOnADamagedStore, ThatIsNoDatabaseIsRefusedAndLeftAlone) {
+TEST_F(ARunOnADamagedStore, RefusesAFileThatIsNotADatabaseAndKeepsIt) {
   for (const std::string& bytes : {std::string("x"), std::string("no database, but a text"),
                                    std::string(8192, '\xff'), std::string(8192, '\0')}) {
     fs::resize_file(file(), 0);
@@ -125,7 +125,7 @@ TEST_F(ARunOnADamagedStore, ThatIsNoDatabaseIsRefusedAndLeftAlone) {
   }
 }
 
-TEST_F(ARunOnADamagedStore, OfANewerVersionOrAnotherProgramIsRefusedAndLeftAlone) {
+TEST_F(ARunOnADamagedStore, RefusesANewerVersionOrForeignDatabaseAndKeepsIt) {
   for (const char* const change : {"PRAGMA user_version = 2", "PRAGMA user_version = -1",
                                    "PRAGMA application_id = 1", "PRAGMA application_id = 0"}) {
     SCOPED_TRACE(change);

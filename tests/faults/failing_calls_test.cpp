@@ -79,13 +79,13 @@ class ARunWithFailingCalls : public testkit::SurvivingRuns {
   int injected_ = 0;
 };
 
-TEST_F(ARunWithFailingCalls, OfflineKeepsTextAndQueueOrReportsAFailedStore) {
+TEST_F(ARunWithFailingCalls, KeepsTextAndQueueOrReportsAFailedStoreWhenOffline) {
   prepare(Backend::fails);
   sweep();
   printCounts("offline");
 }
 
-TEST_F(ARunWithFailingCalls, ThatWouldBeSavedHasItsTextAtTheBackendOrInTheQueue) {
+TEST_F(ARunWithFailingCalls, HasItsTextAtTheBackendOrInTheQueueWhenOnline) {
   prepare(Backend::saves);
   sweep();
   printCounts("saved and draining");
@@ -97,7 +97,7 @@ Fault withoutThread(int number, Fault::Repeat repeat) {
   return {.call = "clone3", .effect = "error=EAGAIN", .number = number, .repeat = repeat};
 }
 
-TEST_F(ARunWithFailingCalls, IsSavedWithoutNotificationsWhenTheBusGetsNoThread) {
+TEST_F(ARunWithFailingCalls, SavesWithoutNotificationsWhenTheBusGetsNoThread) {
   prepare(Backend::saves);
   const ProgramResult result = look([&](const std::string& text) {
     return processSMSWith(withoutThread(1, Fault::Repeat::once), text);
@@ -107,7 +107,7 @@ TEST_F(ARunWithFailingCalls, IsSavedWithoutNotificationsWhenTheBusGetsNoThread) 
   EXPECT_EQ(saved, 1);
 }
 
-TEST_F(ARunWithFailingCalls, FailsInOneLineWhenNoWorkerCanBeStarted) {
+TEST_F(ARunWithFailingCalls, FailsWithOneLineWhenNoWorkerCanBeStarted) {
   prepare(Backend::saves);
   const ProgramResult result =
       processSMSWith(withoutThread(2, Fault::Repeat::fromThenOn), "Paid 1");
@@ -127,7 +127,7 @@ TEST_F(ARunWithFailingCalls, KeepsItsTextWhenTheHostLookupGetsNoThread) {
   EXPECT_EQ(contents().queue.back().smsText, "Paid 1");
 }
 
-TEST_F(ARunWithFailingCalls, ThatMayOpenFewFilesKeepsItsText) {
+TEST_F(ARunWithFailingCalls, KeepsItsTextWithFewFileDescriptors) {
   prepare(Backend::fails);
   for (int limit = 3; limit <= 40; ++limit) {
     SCOPED_TRACE("descriptors: " + std::to_string(limit));

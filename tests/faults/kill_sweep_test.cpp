@@ -94,7 +94,7 @@ class AKilledRun : public testkit::FaultedProgram {
   int runs_ = 0;
 };
 
-TEST_F(AKilledRun, ThatWasSavedLeavesTheQueueUntouchedAndTheFourTotalsInAgreement) {
+TEST_F(AKilledRun, KeepsQueueAndTotalsConsistentWhenItSaves) {
   keepStore(earlier, farAhead);
   backend.answers(200, testkit::savedAnswer("expense"));
   sweep(90, "at Carrefour", [this](const Run& run) {
@@ -109,7 +109,7 @@ TEST_F(AKilledRun, ThatWasSavedLeavesTheQueueUntouchedAndTheFourTotalsInAgreemen
   });
 }
 
-TEST_F(AKilledRun, ThatWasOfflineQueuesItsTextUnderItsKeyOrLeavesTheQueue) {
+TEST_F(AKilledRun, QueuesItsTextUnderItsKeyOrNotAtAllWhenOffline) {
   keepStore(earlier, 0);
   backend.answers(503, "");
   sweep(90, "Saved offline - will process when connected", [this](const Run& run) {
@@ -128,7 +128,7 @@ TEST_F(AKilledRun, ThatWasOfflineQueuesItsTextUnderItsKeyOrLeavesTheQueue) {
   });
 }
 
-TEST_F(AKilledRun, ThatWasTheFirstOneLeavesAStoreThatTheNextOneCanUse) {
+TEST_F(AKilledRun, LeavesAUsableStoreWhenItIsTheFirst) {
   sweep(100, "Please open Kivo app and sign in first", [this](const Run&) {
     signIn();
     EXPECT_EQ(testkit::RawStore(folders.storeFile()).run("PRAGMA integrity_check"), "ok\n");
@@ -136,7 +136,7 @@ TEST_F(AKilledRun, ThatWasTheFirstOneLeavesAStoreThatTheNextOneCanUse) {
   });
 }
 
-TEST_F(AKilledRun, ThatWasDrainingLosesNoTextAndLeavesALockThatGetsFree) {
+TEST_F(AKilledRun, LosesNoTextAndLeavesALockThatExpiresWhenItDrains) {
   keepStore(earlier, 0);
   backend.answers(200, testkit::savedAnswer("expense"));
   std::size_t sentBefore = 0;

@@ -104,7 +104,7 @@ class ALocale : public testing::TestWithParam<HostAndLocale> {
   }
 };
 
-TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInWhatIsSentAndStored) {
+TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInRequestsAndStore) {
   const auto& [program, locale] = GetParam();
   const Traces plain = traces("kivo-intents", "C");
   const Traces localized = traces(program, locale);
@@ -124,7 +124,7 @@ TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInWhatIsSentAndStored) {
   EXPECT_EQ(localized.day, day == days.end() ? plain.day : day->second);
 }
 
-TEST_P(ALocale, ChangesNothingOfADialogButTheAmount) {
+TEST_P(ALocale, ChangesOnlyTheAmountInADialog) {
   const auto& [program, locale] = GetParam();
   static const std::map<std::string, std::string> amounts = {
       {"C", "TRY\u00a01234567.62"},

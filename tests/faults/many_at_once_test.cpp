@@ -21,7 +21,7 @@ using linux_platform::ProgramResult;
 constexpr int processes = 8;
 constexpr const char* tracked = "Tracked EGP\u00a01.00 at Shop\n";
 
-class ManyAtOnce : public ExtensionProgram {
+class ParallelRuns : public ExtensionProgram {
  protected:
   /// Calls `run` with each worker's and turn's number, the workers side by side.
   template <typename Run>
@@ -65,9 +65,9 @@ void PrintTo(Amount amount, std::ostream* stream) {
   *stream << (amount == Amount::ofTheCap ? "of the cap" : "beyond the cap");
 }
 
-class OfflineRuns : public ManyAtOnce, public testing::WithParamInterface<Amount> {};
+class OfflineRuns : public ParallelRuns, public testing::WithParamInterface<Amount> {};
 
-TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseOnlyOverlapsAndTheCap) {
+TEST_P(OfflineRuns, KeepTheStoreIntactAndLoseTextsOnlyByOverlapOrCap) {
   signIn();
   backend.goAway();
   std::atomic<int> savedOffline = 0;
@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(, OfflineRuns, testing::Values(Amount::ofTheCap, Amount
                            return amount.param == Amount::ofTheCap ? "AtTheCap" : "BeyondTheCap";
                          });
 
-TEST_F(ManyAtOnce, OnlineAndOfflineLeaveAWholeStoreAndSendNoTextUnderTwoKeys) {
+TEST_F(ParallelRuns, KeepTheStoreIntactAndSendEachTextUnderOneKey) {
   UnreliableBackend unreliable(7, 0.3);
   signIn(unreliable.url());
   std::mutex mutex;
@@ -155,7 +155,7 @@ TEST_F(ManyAtOnce, OnlineAndOfflineLeaveAWholeStoreAndSendNoTextUnderTwoKeys) {
             << lost << " lost to overlaps\n";
 }
 
-TEST_F(ManyAtOnce, MakeTheSameStoreWithoutAFailure) {
+TEST_F(ParallelRuns, CreateTheSameStoreWithoutAFailure) {
   const auto phone = linux_platform::programFolder() / "kivo-phone";
   const int rounds = inAskedForm(30, 100);
   for (int round = 0; round < rounds; ++round) {

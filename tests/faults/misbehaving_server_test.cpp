@@ -180,26 +180,26 @@ class AMisbehavingServer : public testing::Test {
   ServerIdentity identity_ = authority_.certify();
 };
 
-TEST_F(AMisbehavingServer, LeavesTheTextQueuedUnlessItsAnswerIsGoodAfterAll) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedUnlessItsAnswerIsValid) {
   meetEach(brokenAnswers(), 8);
 }
 
-TEST_F(AMisbehavingServer, ThatBreaksTheConnectionLeavesTheTextInTheQueue) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedWhenItBreaksTheConnection) {
   meetEach(brokenConnections(), 8);
 }
 
-TEST_F(AMisbehavingServer, LeavesTheTextQueuedAndIsNotFollowedWithoutA200) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedWithoutA200AndItsRedirectUnfollowed) {
   const ScriptedServer elsewhere(answering(httpAnswer(200, trackedBody())));
   meetEach(answersOfEachStatus(elsewhere.url()), 8);
   EXPECT_EQ(elsewhere.connections(), 0);
 }
 
-TEST_F(AMisbehavingServer, ThatKeepsARunWaitingDoesSoForTheLimitAtMost) {
+TEST_F(AMisbehavingServer, DelaysARunByTheTimeoutAtMost) {
   const auto all = slowServers();
   meetEach(all, all.size());
 }
 
-TEST_F(AMisbehavingServer, ThatSendsACompressedBombHasNothingExpanded) {
+TEST_F(AMisbehavingServer, HasItsCompressedBodyLeftCompressed) {
   // 100 MB of zeros, in less than 100 KB.
   const std::string bomb =
       linux_platform::runProgram(
@@ -215,7 +215,7 @@ TEST_F(AMisbehavingServer, ThatSendsACompressedBombHasNothingExpanded) {
            2, 5s);
 }
 
-TEST_F(AMisbehavingServer, ThatNeverTakesTheConnectionIsGivenUpAtTheLimit) {
+TEST_F(AMisbehavingServer, CausesATimeoutWhenItAcceptsNoConnection) {
   const SilentPort silent;
   Phone phone("http://127.0.0.1:" + std::to_string(silent.port()));
   phone.start("");

@@ -93,7 +93,7 @@ TEST_F(ADrainedText, IsInNoFileWhileAnotherProcessHasTheStoreOpen) {
   EXPECT_THAT(stored(), Not(HasSubstr("MARK")));
 }
 
-TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsAReader) {
+TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsALongRead) {
   queueMessage();
   const Holder stays(folders.storeFile(), openOnly);
   Holder other(folders.storeFile(), inTheMiddleOfARead);
@@ -109,7 +109,7 @@ TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsAReader) {
 }
 
 // Kills a draining run at the N-th call of each of these, lets one more run happen, and looks.
-TEST_F(ADrainedText, IsInNoFileAfterAKillAnywhereAndOneMoreRun) {
+TEST_F(ADrainedText, IsInNoFileAfterAKillAndOneMoreRun) {
   int kills = 0;
   int gone = 0;
   const bool isLong = std::getenv("KIVO_LONG") != nullptr;
@@ -181,7 +181,7 @@ TEST_F(AShownNotification, IsInNoFile) {
   EXPECT_TRUE(isGone());
 }
 
-TEST_F(AShownNotification, IsInNoFileWhenItsCenterWasKilledBeforeAndStartedAgain) {
+TEST_F(AShownNotification, IsInNoFileWhenTheCenterWasRestartedBefore) {
   NotificationDisplay display(phone.address());
   add("one", "0.5");
   phone.killCenter();
@@ -190,7 +190,7 @@ TEST_F(AShownNotification, IsInNoFileWhenItsCenterWasKilledBeforeAndStartedAgain
   EXPECT_TRUE(isGone());
 }
 
-TEST_F(AShownNotification, IsInNoFileWhenItsBundleWasDeniedInstead) {
+TEST_F(AShownNotification, IsInNoFileWhenItsBundleIsDenied) {
   add("one", "60.0");
   EXPECT_EQ(phone.callCenter("SetAuthorizationStatus", {"app.kivo.expenses.intents", "1"}).status,
             0);

@@ -57,7 +57,7 @@ class TheStoreOfARun : public testkit::ExtensionProgram {
   }
 };
 
-TEST_F(TheStoreOfARun, IsForItsOwnerOnlyWhateverTheUmask) {
+TEST_F(TheStoreOfARun, IsPrivateToItsOwnerUnderAnyUmask) {
   const testkit::ScriptedServer silent([](testkit::ServerConnection& self) { self.idle(); });
   int runs = 0;
   for (const char* const mask : {"000", "022", "077", "277", "777"}) {
@@ -86,7 +86,7 @@ TEST_F(TheStoreOfARun, IsForItsOwnerOnlyWhateverTheUmask) {
   }
 }
 
-TEST_F(TheStoreOfARun, IsRefusedBehindALinkToAnotherFolder) {
+TEST_F(TheStoreOfARun, IsRefusedWhenItsFolderIsASymbolicLink) {
   signIn();
   moveStoreElsewhere();
   const std::string before = testkit::bytesIn(elsewhere());
@@ -100,7 +100,7 @@ TEST_F(TheStoreOfARun, IsRefusedBehindALinkToAnotherFolder) {
   EXPECT_THAT(backend.requests(), testing::IsEmpty());
 }
 
-TEST_F(TheStoreOfARun, IsRefusedWithALinkInPlaceOfAnyFileEvenADanglingOne) {
+TEST_F(TheStoreOfARun, IsRefusedWhenAnyOfItsFilesIsASymbolicLink) {
   for (const char* const suffix : suffixes) {
     for (const bool dangling : {false, true}) {
       SCOPED_TRACE(std::string(suffix) + (dangling ? " to nowhere" : " to a file"));
@@ -138,7 +138,7 @@ class TheStoreOfTheCenter : public testing::Test {
   mode_t umaskBefore_ = umask(0);
 };
 
-TEST_F(TheStoreOfTheCenter, IsForItsOwnerOnlyWhateverTheUmask) {
+TEST_F(TheStoreOfTheCenter, IsPrivateToItsOwnerUnderAnyUmask) {
   testkit::PrivatePhone phone;
   ASSERT_EQ(phone.callCenter("SetAuthorizationStatus", {"some.bundle", "2"}).status, 0);
   ASSERT_EQ(
@@ -149,7 +149,7 @@ TEST_F(TheStoreOfTheCenter, IsForItsOwnerOnlyWhateverTheUmask) {
   expectPrivate(folder(phone), 3);
 }
 
-TEST_F(TheStoreOfTheCenter, IsRefusedBehindALink) {
+TEST_F(TheStoreOfTheCenter, IsRefusedWhenItIsBehindASymbolicLink) {
   testkit::PrivatePhone phone;
   const fs::path elsewhere = phone.folders().home() / "elsewhere";
   for (const char* const suffix : suffixes) {

@@ -52,7 +52,7 @@ class SequentialRuns : public ExtensionProgram {
   std::size_t longestQueue_ = 0;
 };
 
-TEST_F(SequentialRuns, EndAtTheBackendOncePerKeyWithNoneMissing) {
+TEST_F(SequentialRuns, DeliverEachTextOnceUnderOneKey) {
   std::set<std::string> handedOver;
   for (int number = 0; number < inAskedForm(200, 1000); ++number) {
     const std::string text = "Paid 1.00 at Shop, number " + std::to_string(number);

@@ -86,14 +86,14 @@ class WithACenterThatAnswersSlowly : public testing::Test {
   std::unique_ptr<linux_platform::ChildProcess> center;
 };
 
-TEST_F(WithACenterThatAnswersSlowly, ARunGivesEachOfItsCallsASecond) {
+TEST_F(WithACenterThatAnswersSlowly, ARunAllowsEachCallASecond) {
   startCenter({"0.3"});
   AProcess process;
   process.run({"one", "two", "three", "four"});
   expectAsked("one\ntwo\nthree\nfour\n");
 }
 
-TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatTimedOut) {
+TEST_F(WithACenterThatAnswersSlowly, ARunMakesNoCallAfterATimeout) {
   startCenter({"0.4", "0.4", "0.4", "never", "0"});
   AProcess process;
   const auto took = process.run({"one", "two", "three", "four"});
@@ -103,7 +103,7 @@ TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatTimedOut) {
   EXPECT_LE(process.finish(), 200ms);
 }
 
-TEST_F(WithACenterThatAnswersSlowly, ALaterRunAsksAgain) {
+TEST_F(WithACenterThatAnswersSlowly, ALaterRunCallsTheCenterAgain) {
   startCenter({"never", "0"});
   AProcess process;
   process.run({"one"});
@@ -120,19 +120,19 @@ class WithACenterThatHangs : public testing::Test {
   pid_t center = phone.startCenter();
 };
 
-TEST_F(WithACenterThatHangs, ARunAndTheEndOfItsProcessWaitASecondInAll) {
+TEST_F(WithACenterThatHangs, ARunAndItsExitWaitASecondInTotal) {
   AProcess process;
   expectASecond(process.run());
   EXPECT_LE(process.finish(), 200ms);
 }
 
-TEST_F(WithACenterThatHangs, ALaterRunOfTheProcessHasItsOwnSecond) {
+TEST_F(WithACenterThatHangs, ALaterRunHasItsOwnTimeout) {
   AProcess process;
   expectASecond(process.run());
   expectASecond(process.run());
 }
 
-TEST_F(WithACenterThatHangs, RunsThatOverlapWaitTheirSecondsAtTheSameTime) {
+TEST_F(WithACenterThatHangs, OverlappingRunsWaitInParallel) {
   AProcess process;
   const Clock::time_point start = Clock::now();
   RunningTask first = process.startRun();
@@ -142,7 +142,7 @@ TEST_F(WithACenterThatHangs, RunsThatOverlapWaitTheirSecondsAtTheSameTime) {
   expectASecond(Clock::now() - start);
 }
 
-TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryIsAnsweredAgain) {
+TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryGetsAnAnswer) {
   AProcess process;
   expectASecond(process.run());
   kill(center, SIGCONT);
@@ -151,7 +151,7 @@ TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryIsAnsweredAgain) {
   EXPECT_LE(Clock::now() - start, 500ms);
 }
 
-TEST(WithASilentBus, EachRunWaitsASecondForAllOfIt) {
+TEST(WithASilentBus, EachRunWaitsASecondInTotal) {
   const testkit::PrivateFolders folders;
   const testkit::SilentSocket silent(folders.home() / "silent");
   const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());

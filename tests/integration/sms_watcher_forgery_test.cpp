@@ -29,7 +29,7 @@ class AnotherUser : public testkit::WatchedPhone {
   std::unique_ptr<linux_platform::ChildProcess> other;
 };
 
-TEST_F(AnotherUser, CannotHaveTheWatcherBelieveThatModemManagerIsGone) {
+TEST_F(AnotherUser, CannotForgeTheEndOfModemManager) {
   startModemManager();
   startWatcher();
   sends({"gone"});
@@ -37,7 +37,7 @@ TEST_F(AnotherUser, CannotHaveTheWatcherBelieveThatModemManagerIsGone) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
-TEST_F(AnotherUser, CannotTakeThePlaceOfModemManager) {
+TEST_F(AnotherUser, CannotImpersonateModemManager) {
   startModemManager();
   startWatcher();
   sends({"owner", "message"});
@@ -45,7 +45,7 @@ TEST_F(AnotherUser, CannotTakeThePlaceOfModemManager) {
   expectNobodyAskedIt();
 }
 
-TEST_F(AnotherUser, CannotTakeThePlaceOfAModemManagerThatIsNotThere) {
+TEST_F(AnotherUser, CannotImpersonateAnAbsentModemManager) {
   startWatcher();
   sends({"owner", "message"});
   startModemManager();
@@ -53,7 +53,7 @@ TEST_F(AnotherUser, CannotTakeThePlaceOfAModemManagerThatIsNotThere) {
   expectNobodyAskedIt();
 }
 
-TEST_F(AnotherUser, CannotHaveTheWatcherReadMessages) {
+TEST_F(AnotherUser, CannotMakeTheWatcherReadMessages) {
   startModemManager();
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
@@ -63,7 +63,7 @@ TEST_F(AnotherUser, CannotHaveTheWatcherReadMessages) {
   EXPECT_EQ(modemCalls(), before);
 }
 
-TEST_F(AnotherUser, CannotEndTheWatcherByASignalOfAnotherShape) {
+TEST_F(AnotherUser, CannotCrashTheWatcherWithAMalformedSignal) {
   startModemManager();
   startWatcher();
   sends({"broken"});

@@ -22,7 +22,7 @@ class AReload : public testing::Test {
   testkit::PrivatePhone phone;
 };
 
-TEST_F(AReload, IsHeardThoughItsSenderEndsAtOnce) {
+TEST_F(AReload, IsReceivedWhenItsSenderExitsAtOnce) {
   WidgetReloadListener listener;
   {
     SessionBus bus;  // which still connects
@@ -32,7 +32,7 @@ TEST_F(AReload, IsHeardThoughItsSenderEndsAtOnce) {
   EXPECT_FALSE(listener.waitForReload(50ms));
 }
 
-TEST_F(AReload, IsHeardBeforeItsSenderEnds) {
+TEST_F(AReload, IsReceivedBeforeItsSenderExits) {
   WidgetReloadListener listener;
   SessionBus bus;
   BusWidgetCenter center(bus);
@@ -42,7 +42,7 @@ TEST_F(AReload, IsHeardBeforeItsSenderEnds) {
   }
 }
 
-TEST_F(AReload, IsTheSignalThatOthersMaySend) {
+TEST_F(AReload, CanBeSentByOtherPrograms) {
   WidgetReloadListener listener;
   const auto sent = linux_platform::runProgram(
       {.program = "gdbus",
@@ -61,7 +61,7 @@ TEST_F(AReload, ReachesEveryListener) {
   EXPECT_TRUE(two.waitForReload(10s));
 }
 
-TEST_F(AReload, IsNoLongerWaitedForAfterStop) {
+TEST_F(AReload, StopsBeingAwaitedWhenTheListenerIsStopped) {
   WidgetReloadListener listener;
   auto waiting = std::async(std::launch::async, [&] { return listener.waitForReload(60s); });
   listener.stop();
@@ -71,7 +71,7 @@ TEST_F(AReload, IsNoLongerWaitedForAfterStop) {
   EXPECT_FALSE(listener.lost());
 }
 
-TEST_F(AReload, IsNoLongerWaitedForWhenTheBusHasGone) {
+TEST_F(AReload, StopsBeingAwaitedWhenTheBusEnds) {
   WidgetReloadListener listener;
   EXPECT_FALSE(listener.lost());
   phone.endBus();
@@ -79,7 +79,7 @@ TEST_F(AReload, IsNoLongerWaitedForWhenTheBusHasGone) {
   EXPECT_TRUE(listener.lost());
 }
 
-TEST(WithoutASessionBus, NobodyIsAskedToReloadAndNobodyIsTold) {
+TEST(WithoutASessionBus, AReloadIsSkippedAndAListenerFails) {
   const testkit::PrivateFolders folders;
   EXPECT_THROW(WidgetReloadListener(), std::runtime_error);
   SessionBus bus;
@@ -89,7 +89,7 @@ TEST(WithoutASessionBus, NobodyIsAskedToReloadAndNobodyIsTold) {
   EXPECT_LE(Clock::now() - start, 300ms);
 }
 
-TEST(OnASilentBus, AReloadIsGivenUpAfterASecond) {
+TEST(OnASilentBus, AReloadTimesOutAfterASecond) {
   const testkit::PrivateFolders folders;
   const testkit::SilentSocket silent(folders.home() / "silent");
   const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());

@@ -31,7 +31,7 @@ std::vector<std::string> beginnings(const std::vector<Call>& calls) {
   return texts;
 }
 
-TEST(TheTerminals, AreTriedInThisOrderEachInItsOwnManner) {
+TEST(TerminalEmulators, AreTriedInOrderEachWithItsOwnOption) {
   const ScopedVariable none("TERMINAL", std::nullopt);
   EXPECT_THAT(
       beginnings(terminalCalls({"program"})),
@@ -39,7 +39,7 @@ TEST(TheTerminals, AreTriedInThisOrderEachInItsOwnManner) {
                   "konsole -e", "xfce4-terminal -x", "mate-terminal -x", "foot", "xterm -e"));
 }
 
-TEST(TheTerminals, BeginWithTheOneThatThePersonNamesUnlessTheDesktopKnows) {
+TEST(TerminalEmulators, TryTheTERMINALVariableAfterXdgTerminalExec) {
   for (const auto& [named, call] : std::map<std::string, std::string>{
            {"urxvt", "urxvt -e"},
            {"/opt/my terminal/bin/kgx", "/opt/my terminal/bin/kgx --"},
@@ -54,7 +54,7 @@ TEST(TheTerminals, BeginWithTheOneThatThePersonNamesUnlessTheDesktopKnows) {
   EXPECT_EQ(beginnings(terminalCalls({"program"})).at(1), "x-terminal-emulator -e");
 }
 
-TEST(TheTerminals, AreHandedTheCommandWordByWord) {
+TEST(TerminalEmulators, ReceiveTheCommandAsSeparateArguments) {
   for (const Call& call : terminalCalls({"/a b/program", "perform", "$(rm) \"'"})) {
     const Call last(call.end() - 3, call.end());
     EXPECT_THAT(last, ElementsAre("/a b/program", "perform", "$(rm) \"'"));
@@ -69,7 +69,7 @@ std::string endOf(const char* program, WindowEnd end) {
       .output;
 }
 
-TEST(AWindowsShell, WaitsForEnterUnlessItIsToCloseAtSuccess) {
+TEST(TheShellInAWindow, WaitsForEnterUnlessItClosesOnSuccess) {
   const std::string question = "\nPress Enter to close this window. ";
   EXPECT_EQ(endOf("true", WindowEnd::atEnter), question);
   EXPECT_EQ(endOf("false", WindowEnd::atEnter), question);
@@ -111,7 +111,7 @@ TEST_F(AWindow, IsNotOpenedWithoutATerminal) {
   EXPECT_FALSE(windows_.open({"program"}));
 }
 
-TEST_F(AWindow, IsOpenedByTheFirstTerminalThatThereIs) {
+TEST_F(AWindow, IsOpenedByTheFirstInstalledTerminal) {
   standIn("xterm");
   standIn("konsole");
   ASSERT_TRUE(windows_.open({"program", "an argument"}));
@@ -119,7 +119,7 @@ TEST_F(AWindow, IsOpenedByTheFirstTerminalThatThereIs) {
   EXPECT_THAT(call, ElementsAreArray(terminalCalls({"program", "an argument"}).at(4)));
 }
 
-TEST_F(AWindow, IsOpenedByTheNextTerminalWhereOneCannotBeStarted) {
+TEST_F(AWindow, IsOpenedByTheNextTerminalWhenOneCannotStart) {
   std::ofstream(folder_.path() / "konsole") << "#!/no/such/interpreter\n";
   std::filesystem::permissions(folder_.path() / "konsole", std::filesystem::perms::owner_all);
   standIn("xterm");
@@ -127,7 +127,7 @@ TEST_F(AWindow, IsOpenedByTheNextTerminalWhereOneCannotBeStarted) {
   EXPECT_EQ(called().front(), "xterm");
 }
 
-TEST_F(AWindow, OfAServiceIsAUnitOfItsOwn) {
+TEST_F(AWindow, RunsAsItsOwnUnitWhenAServiceOpensIt) {
   standIn("xterm");
   standIn("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getpid()));
@@ -139,7 +139,7 @@ TEST_F(AWindow, OfAServiceIsAUnitOfItsOwn) {
   EXPECT_EQ(call.back(), "program");
 }
 
-TEST_F(AWindow, OfAProgramThatSomeServiceHasStartedIsNone) {
+TEST_F(AWindow, RunsAsAPlainProcessWhenAChildOfAServiceOpensIt) {
   standIn("xterm");
   standIn("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getppid()));
@@ -147,7 +147,7 @@ TEST_F(AWindow, OfAProgramThatSomeServiceHasStartedIsNone) {
   EXPECT_EQ(called().front(), "xterm");
 }
 
-TEST_F(AWindow, LeavesNothingOfItselfWhenItIsClosed) {
+TEST_F(AWindow, LeavesNoProcessWhenItIsClosed) {
   EXPECT_FALSE(windows_.reapEnded());
   standIn("xterm", "read -r line < '" + (folder_.path() / "close").string() + "'");
   ASSERT_EQ(mkfifo((folder_.path() / "close").c_str(), 0600), 0);

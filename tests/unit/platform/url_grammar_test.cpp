@@ -142,7 +142,7 @@ struct Comparison {
   }
 };
 
-TEST(URLParsing, FollowsTheGrammarOnRandomTexts) {
+TEST(URLParsing, FollowsTheGrammarForRandomTexts) {
   TextMaker maker;
   Comparison comparison;
   for (int made = 0; made < madeTexts && !testing::Test::HasFatalFailure(); ++made) {
@@ -155,7 +155,7 @@ TEST(URLParsing, FollowsTheGrammarOnRandomTexts) {
   EXPECT_GT(comparison.refused, madeTexts / 4);
 }
 
-TEST(URLParsing, FollowsTheGrammarOnEveryShortTextOfDelimiters) {
+TEST(URLParsing, FollowsTheGrammarForShortTextsOfDelimiters) {
   const std::string characters = "a1:/?#[]@%.v";
   Comparison comparison;
   std::vector<std::string> texts{""};
