@@ -1,4 +1,4 @@
-// Runs whose store is on a disk that is full, small, or may only be read.
+// Runs whose store is on a full, small or read-only disk.
 #include <csignal>
 #include <fstream>
 
@@ -32,7 +32,7 @@ class ARunOnABadDisk : public testkit::SurvivingRuns {
     return linux_platform::runProgram(
         {.program = program, .arguments = std::move(arguments), .input = text});
   }
-  /// Without the superuser's leave to write what is read-only.
+  /// Without the privilege of root to write read-only files.
   [[nodiscard]] ProgramResult runUnprivileged(const std::string& text) const {
     if (geteuid() != 0) return processSMS(text);
     return runBy("setpriv", {"--bounding-set", "-all"}, text);
@@ -77,7 +77,7 @@ TEST_F(ARunOnABadDisk, SurvivesAReadOnlyFolderAndLeavesItUnchanged) {
   printCounts("read-only folder");
 }
 
-/// The store's folder is a disk of its own, of 256 KiB.
+/// The folder of the store is a disk of 256 KiB.
 class ARunOnASmallDisk : public ARunOnABadDisk {
  protected:
   void SetUp() override {
@@ -95,7 +95,7 @@ class ARunOnASmallDisk : public ARunOnABadDisk {
   void mountAgain(unsigned long flags, const char* options) {
     ASSERT_EQ(mount("tmpfs", folder().c_str(), "tmpfs", MS_REMOUNT | flags, options), 0);
   }
-  /// Fills the disk but for so many pages.
+  /// Fills the disk except for so many pages.
   void leavePages(int pages) {
     const auto taken = fs::space(folder()).available - static_cast<std::uintmax_t>(pages) * 4096;
     std::ofstream(ballast()) << std::string(taken, 'x');

@@ -1,4 +1,4 @@
-// Runs by a spawner that gives them bad standard streams or no folder to live in.
+// Runs with bad standard streams or without a usable home folder.
 #include <filesystem>
 #include <fstream>
 

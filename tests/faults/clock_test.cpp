@@ -1,4 +1,4 @@
-// A clock that is wrong, is set, or comes to where calendars are odd: nothing is lost for it.
+// Runs with a wrong or changed clock, and at odd places of the calendar, lose nothing.
 #include <map>
 #include <tuple>
 
@@ -102,7 +102,7 @@ TEST_F(AClock, DelaysADrainUntilTheLockExpiresWhenItIsSetBack) {
   EXPECT_EQ(store().readFloat(StoreKeys::smsQueueDrainLock), 0);
 }
 
-// What a run is asked at a time of a zone: the day of the request and of the totals.
+// A moment in a time zone, and the day that request and totals must have.
 struct LocalDay {
   const char* zone;
   const char* time;

@@ -1,4 +1,4 @@
-// Runs whose store's file was damaged, or was never one of theirs.
+// Runs on a damaged or foreign store file.
 #include <algorithm>
 #include <csignal>
 #include <fstream>
@@ -36,8 +36,8 @@ class ARunOnADamagedStore : public testkit::SurvivingRuns {
 
   [[nodiscard]] fs::path file() const { return folders.storeFile(); }
 
-  /// Performs a text on the store as it is now; its dialog, once the process is seen to live and
-  /// the file to be the same one.
+  /// Performs a text on the current store and returns its dialog. Expects that the process does not
+  /// crash and does not replace the file.
   std::string survive() {
     struct stat before {};
     struct stat after {};
@@ -51,7 +51,7 @@ class ARunOnADamagedStore : public testkit::SurvivingRuns {
     ++dialogs_[dialog];
     return dialog;
   }
-  /// As `survive`, and sees that the file was left alone.
+  /// As `survive`, and expects that the file is unchanged.
   void expectRefused() {
     const std::string before = bytesOf(file());
     EXPECT_EQ(survive(), "Failed to access app storage");
@@ -89,7 +89,8 @@ TEST_F(ARunOnADamagedStore, SurvivesATruncatedFileAndReplacesNone) {
 }
 
 TEST_F(ARunOnADamagedStore, SurvivesAFlippedBitAndReplacesNoFile) {
-  // A changed URL is another backend's, or none's and stops the process: not a matter of the file.
+  // A changed URL names another backend or cannot be parsed, which aborts: not a matter of the
+  // file.
   const std::string url = backend.url();
   std::vector<std::pair<std::size_t, std::size_t>> spared;
   for (auto place = whole_.find(url); place != std::string::npos;

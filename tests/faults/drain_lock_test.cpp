@@ -1,4 +1,4 @@
-// Drains of several processes that meet at the one lock.
+// Drains of several processes that compete for the one drain lock.
 #include <csignal>
 #include <future>
 #include <iostream>

@@ -1,4 +1,4 @@
-// Runs some of whose system calls fail: the text, the earlier queue and the dialog.
+// Runs in which system calls fail: the text, the earlier queue and the dialog.
 #include <array>
 #include <fstream>
 #include <iterator>
@@ -13,8 +13,8 @@ using testkit::Fault;
 
 constexpr std::array errorNames{"EACCES", "ENOSPC", "EIO", "EDQUOT", "EMFILE"};
 
-// Whatever the error, a lock that fails counts as another process's and is waited for, up to 10 s:
-// one error will do for it.
+// A failed lock counts as held by another process, whatever the error, and a run waits for it up to
+// 10 s: one error is enough.
 constexpr const char* locking = "fcntl";
 
 // Beside those at which programs are killed: by which descriptors, folders and files are made, and
@@ -28,7 +28,7 @@ class ARunWithFailingCalls : public testkit::SurvivingRuns {
   void sweep() {
     std::vector<std::string> calls(testkit::sweptCalls.begin(), testkit::sweptCalls.end());
     calls.insert(calls.end(), furtherCalls.begin(), furtherCalls.end());
-    // What a run writes by write is standard output, and wakes its own threads with, which cannot
+    // A run uses write for standard output and to wake its own threads with, which cannot
     // fail in earnest.
     std::erase(calls, "write");
     for (const std::string& call : calls) sweepCall({.call = call, .effect = ""});

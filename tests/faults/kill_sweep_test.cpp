@@ -1,4 +1,4 @@
-// A run killed at each of its system calls: what it leaves behind.
+// The store after a run was killed at each of its system calls.
 #include <chrono>
 #include <csignal>
 #include <functional>
@@ -42,8 +42,8 @@ class AKilledRun : public testkit::FaultedProgram {
   };
   using Check = std::function<void(const Run&)>;
 
-  /// Kills a run at call after call until one ends by itself, each on a fresh store, and has every
-  /// one of them looked at. In the long form at least `fewest` must have been killed.
+  /// Kills a run at one call after the other until one ends by itself, each on a fresh store, and
+  /// checks each of them. In the long form at least `fewest` must have been killed.
   void sweep(int fewest, const std::string& dialog, const Check& check) {
     int kills = 0;
     testkit::CallNumbers numbers;

@@ -1,5 +1,5 @@
-// The locale of the device, and of a host that has made it its own: what is sent and stored is the
-// same to the byte, but for the day of the totals, which is told in the device's own way.
+// The locale of the device, and of a host process that sets it: requests and the store are the same
+// byte for byte, except the day of the totals, which follows the locale.
 #include <algorithm>
 #include <map>
 #include <regex>
@@ -18,7 +18,8 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// All that a device's runs leave behind, with each random key replaced by the same word.
+// Everything that the runs on a device send, store and print, with each random key replaced by the
+// same word.
 struct Traces {
   std::vector<std::string> requests;
   std::string stored;

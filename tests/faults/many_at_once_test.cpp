@@ -1,5 +1,4 @@
-// Many runs of the real program at the same time on one store. What overlapping runs may lose, and
-// what they may not.
+// Many runs of the real program at the same time on one store: what overlaps may lose and may not.
 #include <algorithm>
 #include <iostream>
 #include <map>
@@ -93,12 +92,12 @@ TEST_P(OfflineRuns, KeepTheStoreIntactAndLoseTextsOnlyByOverlapOrCap) {
   std::cout << "measured: " << handedOver.size() << " offline runs of 8 processes, " << texts.size()
             << " texts queued\n";
 
-  // Nothing is left behind that would keep a later run from its work.
+  // Nothing remains that would hinder a later run.
   EXPECT_TRUE(isSavedOffline(processSMS("one more")));
   EXPECT_TRUE(queuedTexts().contains("one more"));
 }
 
-// 200 texts are as many as the queue holds: what is missing of them was lost to overlaps.
+// The queue holds 200 texts; those that are missing were lost to overlaps.
 INSTANTIATE_TEST_SUITE_P(, OfflineRuns, testing::Values(Amount::ofTheCap, Amount::beyondTheCap),
                          [](const auto& amount) {
                            return amount.param == Amount::ofTheCap ? "AtTheCap" : "BeyondTheCap";

@@ -1,5 +1,5 @@
-// Where a message must not show: core dumps, arguments of other programs, what the programs say, a
-// terminal's controls.
+// A message does not leak into core dumps, arguments of other programs, printed lines or the
+// controls of a terminal.
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>

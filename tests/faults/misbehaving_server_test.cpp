@@ -1,4 +1,4 @@
-// What the whole program makes of a backend that misbehaves on the wire.
+// The whole program against a backend that misbehaves on the wire.
 #include "misbehaving_server.h"
 
 #include <algorithm>
@@ -18,13 +18,13 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using linux_platform::ProgramResult;
 
-// What an exchange may take, and what a run may take beyond it.
+// The timeout of an exchange, and the time that a run may take beyond it.
 constexpr auto limit = 15s;
 constexpr auto rest = 1s;
 
 constexpr const char* smsText = "Paid 150 at Carrefour";
 
-// A phone of which there may be many at once: a signed-in person's store and a run on it.
+// A phone that can exist many times at once: the store of a signed-in user and a run on it.
 class Phone {
  public:
   explicit Phone(const std::string& url) {
@@ -71,7 +71,7 @@ class AMisbehavingServer : public testing::Test {
  protected:
   AMisbehavingServer() { authority_.addTo(trusted_.path()); }
 
-  /// Has a run meet each of `all`, so many side by side, and checks what it comes to.
+  /// Runs the program against each of `all`, `atOnce` at a time, and checks the outcomes.
   void meetEach(const std::vector<Misbehaviour>& all, std::size_t atOnce,
                 Clock::duration longest = limit + rest) {
     for (std::size_t from = 0; from < all.size(); from += atOnce) {
@@ -99,7 +99,7 @@ class AMisbehavingServer : public testing::Test {
                 std::to_string(server.port())) {}
   };
 
-  /// What this machine needs at this moment to run so many programs at once.
+  /// The time that this machine needs now to run so many programs at once.
   static Clock::duration timeToStart(std::size_t count) {
     const auto before = Clock::now();
     std::vector<std::unique_ptr<linux_platform::ChildProcess>> programs;

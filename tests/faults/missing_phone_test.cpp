@@ -1,5 +1,5 @@
-// Runs on a phone of which parts are missing or bad: the dialogs are the same to the byte, and all
-// that is missing is waited for one second at most.
+// Runs without a working bus or notification center: the dialogs are the same byte for byte, and a
+// run waits one second at most.
 #include <array>
 #include <csignal>
 #include <fstream>
@@ -68,7 +68,7 @@ class ARunWithABadBus : public ExtensionProgram {
 
  private:
   void expect(const std::string& dialog, const std::string& text, Clock::duration wait) {
-    // What a run takes of this machine at this moment.
+    // The time that a run needs on this machine now.
     const auto begin = Clock::now();
     EXPECT_EQ(run({"catalog"}).status, 0);
     const auto start = Clock::now() - begin;
@@ -127,7 +127,7 @@ TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusHangs) {
 
 TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusAcceptsNoConnection) {
   SilentSocket full(folders.home() / "full");
-  full.takeNobodyIn();
+  full.acceptNoConnection();
   answersTheSameOnBus(full.busAddress());
 }
 
@@ -170,7 +170,7 @@ TEST_F(ARunWithABadBus, AnswersTheSameWhenTheCenterCannotBeStarted) {
 
 class ARunWithABadCenter : public ARunWithABadBus {
  protected:
-  /// The real notification center, on a bus where no notification server is.
+  /// The real notification center, on a bus without a notification server.
   void startCenter() {
     bus_ = std::make_unique<PrivateSessionBus>(
         folders.home(),
@@ -188,7 +188,7 @@ class ARunWithABadCenter : public ARunWithABadBus {
     kill(std::stoi(answer.substr(answer.find(' '))), signal);  // (uint32 1234,)
   }
 
-  /// A center that answers as told in Python's words.
+  /// A center whose answers are given as Python code.
   void startOddCenter() {
     bus_ = std::make_unique<PrivateSessionBus>(folders.home());
     address_.emplace("DBUS_SESSION_BUS_ADDRESS", bus_->address());

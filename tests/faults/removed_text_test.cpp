@@ -1,5 +1,5 @@
-// That a text which has left the queue, or was shown, is in no file any more: after the real
-// programs, beside another process that has the store open, and after a kill at any place.
+// A text that left the queue, or was shown, is in no file any more: after the real programs, while
+// another process has the store open, and after a kill at any system call.
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -26,8 +26,8 @@ using testing::SizeIs;
 
 constexpr const char* message = "Your card was charged MARKAMOUNT 7731.19 at MARKMERCHANT";
 
-// Another program that has the database open, so that nobody is the last to close it, and that is
-// in the middle of a read when `statement` begins one. Until its end.
+// Another program that has the database open, so that the last connection is not closed, and that
+// is in the middle of a read when `statement` begins one. Until its end.
 class Holder {
  public:
   Holder(const fs::path& file, const std::string& statement)
@@ -108,7 +108,8 @@ TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsALongRead) {
   EXPECT_THAT(stored(), Not(HasSubstr("MARK")));
 }
 
-// Kills a draining run at the N-th call of each of these, lets one more run happen, and looks.
+// Kills a draining run at the N-th call of each of these, performs one more run, and checks the
+// files.
 TEST_F(ADrainedText, IsInNoFileAfterAKillAndOneMoreRun) {
   int kills = 0;
   int gone = 0;

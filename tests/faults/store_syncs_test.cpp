@@ -1,4 +1,4 @@
-// How often a run waits for the disk, as the calls of the real program tell.
+// The number of fsyncs of a run, counted by strace.
 #include <fstream>
 
 #include "faulted_program.h"

@@ -1,5 +1,5 @@
-// SIGTERM and SIGINT at each system call of a run: it either has not begun, or it ends as it
-// should.
+// SIGTERM and SIGINT at each system call of a run: either it has not begun, or it answers and loses
+// no text.
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -89,7 +89,7 @@ class ARunTerminatedAtAnySystemCall : public ExtensionProgram,
                        [&](const auto& item) { return item.smsText == wanted; });
   }
 
-  /// Expects that `result` is the end of a run that had not begun, or that it tells the truth.
+  /// Expects that `result` is from a run that had not begun, or that its dialog is true.
   void check(const ProgramResult& result, const UnreliableBackend& asked) {
     const bool ended = result.status == 0;
     if (!ended) {

@@ -1,4 +1,4 @@
-// Runs one after the other beside a backend that often fails: they lose exactly nothing.
+// Sequential runs with a backend that often fails: they lose nothing.
 #include "unreliable_backend.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using linux_platform::ProgramResult;
 
-// With these, texts still wait in the queue when the backend has become well.
+// With these, texts are still queued when the backend has recovered.
 const auto seed = static_cast<std::uint64_t>(inAskedForm(3, 5));
 constexpr double failing = 0.3;
 

@@ -123,7 +123,7 @@ TEST_F(AddExpenseByProgram, AMerchantOfAMegabyteWithNULsIsSentAndQueuedWhole) {
   EXPECT_EQ(queue()[0].merchant, merchant);
 }
 
-// What is no call.
+// Usage errors.
 
 TEST_F(AddExpenseByProgram, ABadNumberIsAUsageError) {
   for (const std::string amount :

@@ -1,4 +1,4 @@
-// What kivo-intents makes of its command line.
+// The command line of kivo-intents.
 #include <csignal>
 #include <fstream>
 
@@ -19,14 +19,14 @@ TEST_F(ACommandLine, PrintsTheHelpWhenNoCommandOrIntentIsNamed) {
   expectHelpInsteadOfCommand({"perform"}, "ProcessSMSIntent");
 }
 
-TEST_F(ACommandLine, WithAnUnknownCommandIsAUsageErrorThatSuggestsTheNearest) {
+TEST_F(ACommandLine, RefusesAnUnknownCommandAndSuggestsTheNearest) {
   expectUsageError({"dance"}, "unknown command \"dance\" (see kivo-intents --help)");
   expectUsageError(
       {"preform", "ProcessSMSIntent", "--smsText", "x"},
       "unknown command \"preform\"; did you mean \"perform\"? (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageErrorThatSuggestsTheNearest) {
+TEST_F(ACommandLine, RefusesAnUnknownIntentAndSuggestsTheNearest) {
   expectUsageError({"perform", "DanceIntent", "--smsText", "x"},
                    "unknown command \"perform DanceIntent\" (see kivo-intents perform --help)");
   expectUsageError({"perform", "ProcessSmsIntent", "--smsText", "x"},
@@ -46,27 +46,27 @@ TEST_F(ACommandLine, AcceptsAnEmptyValueAfterAnEqualsSign) {
   EXPECT_THAT(backend.requests(), IsEmpty());
 }
 
-TEST_F(ACommandLine, WithAnUnknownParameterIsAUsageError) {
+TEST_F(ACommandLine, RefusesAnUnknownParameter) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--merchant", "y"},
                    "unknown option --merchant (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
-TEST_F(ACommandLine, WithAnAbbreviatedParameterIsAUsageError) {
+TEST_F(ACommandLine, RefusesAnAbbreviatedParameter) {
   expectUsageError({"perform", "ProcessSMSIntent", "--sms", "x"},
                    "unknown option --sms (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
-TEST_F(ACommandLine, WithADoubledParameterIsAUsageError) {
+TEST_F(ACommandLine, RefusesADuplicateParameter) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--smsText", "y"},
                    "--smsText has no value or is given twice (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithAParameterWithoutAValueIsAUsageError) {
+TEST_F(ACommandLine, RefusesAParameterWithoutAValue) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText"},
                    "--smsText has no value or is given twice (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithoutAParameterAndWithoutATerminalIsAUsageError) {
+TEST_F(ACommandLine, RefusesAMissingParameterWithoutATerminal) {
   expectUsageError({"perform", "ProcessSMSIntent"}, "missing parameter --smsText");
 }
 

@@ -27,7 +27,7 @@ class TheDemonstration : public ::testing::Test {
         {.program = program_, .arguments = std::move(arguments), .input = std::move(input)});
   }
 
-  // On a pseudo-terminal, whose output comes back with its line ends as a terminal gets them.
+  // On a pseudo-terminal, which translates line ends.
   ProgramResult demoOnTerminal(const std::string& arguments,
                                std::optional<std::string> noColour = std::nullopt) {
     return linux_platform::runProgram(

@@ -1,4 +1,4 @@
-// The extraction client over the real HTTP session against a backend that answers as scripted.
+// The extraction client over the real HTTP session, with a scripted backend.
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -229,11 +229,11 @@ TEST_F(AnExtractionOverTheNetwork, SurvivesADeeplyNestedAnswer) {
 
 TEST_F(AnExtractionOverTheNetwork, ThrowsTheErrorOfTheTransport) {
   const testkit::RefusedPort refused;
-  const std::string nobody = "http://127.0.0.1:" + std::to_string(refused.port());
+  const std::string refusing = "http://127.0.0.1:" + std::to_string(refused.port());
   const ScriptedServer noTls([](testkit::ServerConnection& peer) { peer.write(nothingSaved); });
   const std::string noTlsThere = "https://127.0.0.1:" + std::to_string(noTls.port());
   const std::map<std::string, URLError::Code> failures = {
-      {nobody, URLError::Code::cannotConnectToHost},
+      {refusing, URLError::Code::cannotConnectToHost},
       {noTlsThere, URLError::Code::secureConnectionFailed},
       {"example.com", URLError::Code::unsupportedURL},
       {"http://", URLError::Code::unsupportedURL},

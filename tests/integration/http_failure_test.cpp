@@ -1,4 +1,4 @@
-// What becomes of exchanges with servers that fail, lie or never come to an end.
+// Exchanges with servers that fail, lie or never finish.
 #include <chrono>
 #include <string>
 #include <utility>
@@ -42,7 +42,7 @@ TEST_F(AFailingHTTPExchange, RefusesAURLWithoutAHost) {
 
 TEST_F(AFailingHTTPExchange, RefusesAPortOutOfRange) {
   const ScriptedServer server(answering(httpAnswer(200, "{}")));
-  // What is left of these ports when they are cut to 16 bits is the server's port.
+  // Cut to 16 bits, these ports are the port of the server.
   const auto cut = std::to_string(65536 + server.port());
   for (const auto& port : {std::string("0"), std::string("65536"), std::string("99999"), cut,
                            std::string("18446744073709551696")}) {

@@ -1,4 +1,4 @@
-// Exchanges that run out of time, or are cancelled, in each of their stages.
+// Exchanges that time out or are cancelled, at each stage.
 #include <chrono>
 #include <future>
 #include <string>
@@ -21,11 +21,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto limit = 400ms;
-// Neither this nor `limit` may be needed by a good exchange of these tests.
+// A good exchange of these tests needs neither this nor `limit`.
 constexpr auto soon = 3s;
 
 const std::string halfAnAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{";
-// More than the buffers of two sockets take when nobody reads.
+// More than the buffers of two sockets hold without a reader.
 const std::string tooMuchToSend(16 << 20, 'x');
 
 void silent(ServerConnection& connection) { connection.idle(); }

@@ -1,4 +1,4 @@
-// How the session finds the host of a request.
+// The host lookup of the session.
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -31,7 +31,7 @@ class AHostLookup : public testing::Test {
 
 TEST_F(AHostLookup, FindsLocalhost) {
   const ScriptedServer server(answering(httpAnswer(200, "{}")));
-  // It may have ::1 as well, where nobody listens.
+  // It may also resolve to ::1, where no server listens.
   EXPECT_EQ(exchange(session_, post(url("localhost", server.port()))).status(), 200);
   EXPECT_NE(server.requests().at(0).find("\r\nHost: localhost:"), std::string::npos);
 }
@@ -42,7 +42,7 @@ TEST_F(AHostLookup, FailsForAnUnknownName) {
 }
 
 TEST_F(AHostLookup, FailsInTheSystemResolverForAReservedName) {
-  // Without a network the system may take its time to say so.
+  // Without a network the system may take a while to report it.
   const Outcome outcome = exchange(session_, post("http://nonexistent.invalid/", "{}", 2s));
   EXPECT_TRUE(outcome.failure == Failure::cannotFindHost || outcome.failure == Failure::timedOut);
   EXPECT_LT(outcome.took, 5s);

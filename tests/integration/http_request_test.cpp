@@ -1,4 +1,4 @@
-// What the session sends, and which answers it hands on.
+// The requests that the session sends and the answers that it accepts.
 #include <atomic>
 #include <string>
 #include <utility>
@@ -17,7 +17,7 @@ class AnHTTPExchange : public testing::Test {
  protected:
   linux_platform::HTTPURLSession session_;
 
-  /// What comes of a request to a server that answers with `bytes`.
+  /// The outcome of a request to a server that answers with `bytes`.
   Outcome answeredWith(std::string bytes) {
     const ScriptedServer server(answering(std::move(bytes)));
     return exchange(session_, post(server.url() + "/x"));

@@ -1,4 +1,4 @@
-// Which servers the session trusts, and that the others get nothing of a request.
+// The certificates that the session trusts; a server without one gets nothing of a request.
 #include <chrono>
 #include <future>
 #include <string>
@@ -83,7 +83,7 @@ TEST_F(ATLSExchange, SendsTheHostNameInTheHandshake) {
   scriptLookup("api.kivo.test", {"127.0.0.1"});
   std::promise<std::string> wanted;
   const ScriptedServer server(
-      [&wanted](ServerConnection& connection) { wanted.set_value(connection.wantedName()); },
+      [&wanted](ServerConnection& connection) { wanted.set_value(connection.requestedHostName()); },
       {.identity = authority_.certify({.names = "DNS:api.kivo.test,IP:127.0.0.1"})});
   exchange(session_, post("https://api.kivo.test:" + std::to_string(server.port())));
   EXPECT_EQ(wanted.get_future().get(), "api.kivo.test");
@@ -155,7 +155,7 @@ TEST_F(ATLSExchange, AcceptsAWholeAnswerWithoutCloseNotify) {
       [](ServerConnection& connection) {
         connection.readRequest();
         connection.write(httpAnswer(200, "{}"));
-        connection.closeRudely();
+        connection.closeWithoutNotify();
       },
       {.identity = authority_.certify()});
   EXPECT_EQ(exchange(session_, post(server.url())).body(), "{}");
@@ -172,7 +172,7 @@ TEST_F(ATLSExchange, FailsWhenABodyWithoutLengthLacksCloseNotify) {
       [](ServerConnection& connection) {
         connection.readRequest();
         connection.write("HTTP/1.1 200 OK\r\n\r\n{\"a\":1}");
-        connection.closeRudely();
+        connection.closeWithoutNotify();
       },
       {.identity = authority_.certify()});
   EXPECT_EQ(exchange(session_, post(server.url())).failure, Failure::networkConnectionLost);

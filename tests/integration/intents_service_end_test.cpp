@@ -1,4 +1,4 @@
-// How the intents' service ends, and that no call is lost by it.
+// The end of the intents service, which loses no call.
 #include <csignal>
 #include <fstream>
 
@@ -24,7 +24,7 @@ linux_platform::ProgramCall servingShortly() {
           .arguments = {idleLimit}};
 }
 
-// The services of a phone whose intents end after a very short idle time.
+// The services of a phone whose intents service has a very short idle timeout.
 class ShortLivedServices {
  public:
   ShortLivedServices() {

@@ -1,4 +1,4 @@
-// Many calls of the intents' service at a time.
+// Many concurrent calls of the intents service.
 #include <algorithm>
 #include <csignal>
 #include <sstream>

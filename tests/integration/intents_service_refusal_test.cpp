@@ -1,4 +1,4 @@
-// What the intents' service refuses, and what it makes of it: nothing.
+// The calls that the intents service refuses without any effect.
 #include "served_intents.h"
 #include "testkit/extension_program.h"
 

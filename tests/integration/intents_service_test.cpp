@@ -1,4 +1,4 @@
-// The intents on the session bus, called by other people's clients.
+// The intents on the session bus, called by standard clients.
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -34,7 +34,7 @@ class AnIntentsService : public testkit::ServedIntents {
   testkit::ToldBackend backend;
 };
 
-// What all threads of the process have used.
+// The processor time of all threads of the process.
 std::chrono::nanoseconds processorTime(pid_t process) {
   std::int64_t sum = 0;
   for (const auto& thread :
@@ -177,7 +177,7 @@ TEST_F(AnIntentsService, FinishesTheRunWhenItsCallerDisappears) {
 
 TEST_F(AnIntentsService, PerformsACallThatExpectsNoReply) {
   signIn("http://127.0.0.1:1");
-  // The bus starts nothing for a caller that has gone meanwhile.
+  // The bus starts no service for a caller that has disconnected.
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
   const ProgramResult sent = runProgram(
       {.program = "/usr/bin/python3",

@@ -1,4 +1,4 @@
-// What other programs of the same person cannot do to the notification center.
+// The notification center against other programs of the same user.
 #include <fstream>
 
 #include "a_notification_center.h"

@@ -1,4 +1,4 @@
-// The person's decision on its way to the notification center.
+// The user's notification permission, sent to the notification center.
 #include "platform/linux/user_notifications/notification_permission.h"
 
 #include <chrono>

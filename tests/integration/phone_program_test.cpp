@@ -1,4 +1,4 @@
-// The real program kivo-phone, by its command line, without a bus.
+// The real program kivo-phone, by its command line and without a bus.
 #include <fstream>
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// What sign-in, status and queue send of kivo-phone find out about a backend.
+// The checks of a backend by sign-in, status and queue send of kivo-phone.
 #include <atomic>
 
 #include <gmock/gmock.h>
@@ -54,7 +54,7 @@ class ASignedInPhone : public testing::Test {
   static std::vector<PendingSmsItem> queued() {
     return PendingSmsQueue::load(SharedStore::open(appGroup).value());
   }
-  /// Expects what sign-in says of a server with `identity`.
+  /// Expects these lines of sign-in for a server with `identity`.
   static void expectFound(testkit::ServerIdentity identity, const std::string& words) {
     const ScriptedServer server(answering(httpAnswer(405, "{}")),
                                 {.identity = std::move(identity)});

@@ -1,4 +1,4 @@
-// That nothing of a message shows in what a failing run writes.
+// A failing run prints nothing of the message.
 #include <csignal>
 
 #include "testkit/extension_program.h"

@@ -1,5 +1,5 @@
-// The real program with the real notification center on a session bus, seen from the desktop and
-// from a widget.
+// The real program with the real notification center on a session bus, observed by the desktop and
+// a widget.
 #include <chrono>
 #include <csignal>
 #include <thread>

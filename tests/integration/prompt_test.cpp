@@ -1,4 +1,4 @@
-// How kivo-intents asks, on a terminal, for what it was not given.
+// The prompts of kivo-intents on a terminal for missing parameters.
 #include "testkit/extension_program.h"
 
 namespace kivo {

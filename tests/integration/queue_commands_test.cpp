@@ -1,4 +1,4 @@
-// What kivo-phone does with the texts that wait, by its command line, without a bus.
+// The queue commands of kivo-phone, by its command line and without a bus.
 #include <filesystem>
 #include <fstream>
 

@@ -1,5 +1,4 @@
-// The shortcuts in the search of the desktop's shell: what is found, and that the service lives as
-// long as somebody searches.
+// The shortcuts in the search of the desktop shell: the results, and the lifetime of the service.
 #include "served_intents.h"
 #include "testkit/extension_program.h"
 
@@ -14,7 +13,7 @@ using linux_platform::runProgram;
 
 class ASearchOnTheBus : public testkit::ServedIntents {
  protected:
-  // What a client that calls as the shell does prints.
+  // The output of a client that calls as the shell does.
   static std::string search(const std::vector<std::string>& arguments) {
     ProgramCall call = client("search_as_shell.py", arguments);
     call.environment["KIVO_SEARCH_PROVIDER"] = KIVO_SEARCH_PROVIDER;

@@ -1,4 +1,4 @@
-// The terminal that opens for a result of a search: how it is called, and what a person does in it.
+// The terminal window that opens for a search result: its command line and its use.
 #include <fstream>
 #include <sstream>
 
@@ -100,7 +100,7 @@ TEST_F(ASearchWindow, LeavesNoProcessWhenItIsClosed) {
   EXPECT_EQ(service(), process);
 }
 
-// A real pseudo terminal, and somebody who types into it.
+// A real pseudo-terminal, and a user who types into it.
 class ARealSearchWindow : public ASearchWindow {
  protected:
   ARealSearchWindow() {

@@ -1,4 +1,4 @@
-// How the watcher ends, and what it says when it cannot begin.
+// The end of the watcher, and its messages when it cannot start.
 #include <csignal>
 
 #include <time.h>

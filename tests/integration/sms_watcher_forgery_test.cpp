@@ -1,4 +1,4 @@
-// What another user of the machine can make the watcher believe, on a bus with the usual policy.
+// Signals and names that another user of the machine forges, on a bus with the usual policy.
 #include <unistd.h>
 
 #include "watched_phone.h"
@@ -24,7 +24,7 @@ class AnotherUser : public testkit::WatchedPhone {
     ASSERT_TRUE(testkit::eventually([this] { return !other->outputSoFar().empty(); }));
     ASSERT_THAT(other->outputSoFar(), StartsWith("sent\n"));
   }
-  void expectNobodyAskedIt() { EXPECT_EQ(other->outputSoFar(), "sent\n"); }
+  void expectNoCallArrived() { EXPECT_EQ(other->outputSoFar(), "sent\n"); }
 
   std::unique_ptr<linux_platform::ChildProcess> other;
 };
@@ -42,7 +42,7 @@ TEST_F(AnotherUser, CannotImpersonateModemManager) {
   startWatcher();
   sends({"owner", "message"});
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
-  expectNobodyAskedIt();
+  expectNoCallArrived();
 }
 
 TEST_F(AnotherUser, CannotImpersonateAnAbsentModemManager) {
@@ -50,7 +50,7 @@ TEST_F(AnotherUser, CannotImpersonateAnAbsentModemManager) {
   sends({"owner", "message"});
   startModemManager();
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
-  expectNobodyAskedIt();
+  expectNoCallArrived();
 }
 
 TEST_F(AnotherUser, CannotMakeTheWatcherReadMessages) {

@@ -1,5 +1,5 @@
-// The watcher over restarts and failures: no message is lost, and none is handed on twice but where
-// it cannot be known.
+// The watcher across restarts and failures: no message is lost, and none is handed on twice unless
+// an answer could not be recorded.
 #include <csignal>
 #include <fstream>
 #include <iterator>
@@ -24,7 +24,7 @@ using testkit::sent;
 
 class AHandedOnMessage : public testkit::WatchedPhone {
  protected:
-  // Nothing changes in it over the restarts of whatever reads it.
+  // It stays the same across restarts of its readers.
   const std::string paid = message("1", "Paid 150");
 
   AHandedOnMessage() {
@@ -44,7 +44,7 @@ TEST_F(AHandedOnMessage, IsNotHandedOnAgainByTheNextWatcher) {
 TEST_F(AHandedOnMessage, IsNotHandedOnAgainAfterAKill) {
   receive(message("2", "Paid 151"));
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
-  // The next one's turn shows that the answer to the last was recorded.
+  // The next message is handed on only after the last answer was recorded.
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150", "Paid 151"));
   killWatcher();
   startWatcher();
@@ -57,7 +57,7 @@ TEST_F(AHandedOnMessage, IsNotHandedOnAgainAfterAKill) {
 
 TEST_F(AHandedOnMessage, IsRecognisedAfterModemManagerReusesItsPath) {
   endModemManager();
-  // Its path is another message's now, and it has that of none before.
+  // Another message has its path now, and its own path is new.
   startModemManager({message("1", "Paid 151"), R"("path":"7",)" + paid.substr(paid.find(',') + 1)});
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150", "Paid 151"));
@@ -127,7 +127,7 @@ TEST_F(AnUnansweredMessage, IsRetriedWhenTheIntentsFail) {
   startWatcher();
   EXPECT_THAT(waitForHandedOn(3), Contains("Paid 150").Times(testing::Ge(3)));
   intentsDo("answer");
-  // It would be tried again within 200 ms.
+  // A retry would come within 200 ms.
   EXPECT_TRUE(eventually([&] {
     const std::size_t tried = handedOn().size();
     std::this_thread::sleep_for(600ms);

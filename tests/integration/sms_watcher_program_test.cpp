@@ -1,5 +1,5 @@
-// The installed programs together: kivo-phone names a sender, the watcher hears of its message, the
-// intents that the bus starts record it.
+// The installed programs together: kivo-phone names a sender, the watcher reads its message, and
+// the intents service that the bus starts processes it.
 #include <csignal>
 #include <fstream>
 

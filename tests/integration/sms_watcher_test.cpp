@@ -1,4 +1,4 @@
-// Whose messages the watcher hands on, and which of them.
+// The messages that the watcher hands on, and their senders.
 #include "store/shared_store.h"
 #include "watched_phone.h"
 
@@ -191,7 +191,7 @@ TEST_F(AnSmsWatcher, SkipsMessagesFromADayBeforeTheirSenderWasNamed) {
                      message("3", "This morning", "MyBank", sent(6h))});
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("This morning"));
-  // Those that a modem tells of when it is switched on are no newer.
+  // Messages that a modem announces when it is switched on are as old.
   receive(message("4", "Three days ago", "MyBank", sent(72h)));
   receive(message("5", "Now"));
   EXPECT_THAT(waitForHandedOn(3), ElementsAre("This morning", "One more", "Now"));

@@ -1,4 +1,4 @@
-// kivo-intents say: the intent that a phrase means, performed.
+// kivo-intents say: performs the intent of a phrase.
 #include "testkit/extension_program.h"
 
 namespace kivo {

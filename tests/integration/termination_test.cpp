@@ -1,4 +1,4 @@
-// What SIGTERM and SIGINT do to a run.
+// A run that receives SIGTERM or SIGINT.
 #include <chrono>
 #include <condition_variable>
 #include <csignal>

@@ -1,4 +1,4 @@
-// A third intent, declared by one class and registered by one line, is offered everywhere.
+// A third intent, declared by one class and registered by one line, is available everywhere.
 #include "testkit/extension_program.h"
 
 namespace kivo {

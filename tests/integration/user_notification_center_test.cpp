@@ -1,4 +1,4 @@
-// The notification center as the extension's tasks reach it over the session bus.
+// The notification center as the extension calls it over the session bus.
 #include <csignal>
 #include <ctime>
 
@@ -31,7 +31,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* bundle = "app.kivo.expenses.intents";
 
-// The part of a process that performs a run, as far as notifications go.
+// The notification calls of a process that performs a run.
 struct IntentRun {
   SessionBus bus;
   BusUserNotificationCenter center{bus, bundle};
@@ -107,7 +107,7 @@ TEST_F(ExpenseNotifications, AreShownTwiceForTwoEqualTexts) {
   EXPECT_EQ(display.waitForShown(2, 10s).size(), 2U);
 }
 
-TEST_F(ExpenseNotifications, MayHaveEmptyTexts) {
+TEST_F(ExpenseNotifications, CanHaveEmptyTexts) {
   allow(UNAuthorizationStatus::authorized);
   NotificationDisplay display(phone.address());
   IntentRun run;
@@ -190,7 +190,7 @@ TEST_F(ExpenseNotifications, FailAtOnceWhenTheBusEnds) {
   EXPECT_TRUE(run.add().has_value());
 }
 
-// A center of which the test decides what it answers.
+// A center whose answers the test chooses.
 class AMisbehavingCenter : public ExpenseNotifications {
  protected:
   void SetUp() override {

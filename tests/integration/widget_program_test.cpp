@@ -35,7 +35,7 @@ class AWidgetProgram : public testing::Test {
     return runProgram({.program = phoneProgram(), .arguments = std::move(arguments)});
   }
 
-  // What the program shows on a terminal of its own with these variables.
+  // The output of the program on a terminal with these variables.
   static std::string shown(const std::optional<std::string>& terminal,
                            const std::optional<std::string>& noColour = std::nullopt) {
     return runProgram(
@@ -68,7 +68,7 @@ TEST_F(AWidgetProgram, PrintsNoBoldWithNoColorOrADumbTerminal) {
   }
 }
 
-// Where the only program is a terminal, which notes what it is to run.
+// A PATH with only a terminal, which records the command that it is to run.
 class AWidgetWindow : public AWidgetProgram {
  protected:
   void haveTerminal() {
@@ -88,7 +88,7 @@ class AWidgetWindow : public AWidgetProgram {
                        .arguments = std::move(arguments),
                        .environment = {{"PATH", programs().string()}, {"TERMINAL", std::nullopt}}});
   }
-  // The words of the command that the terminal was to run, which is then forgotten.
+  // The arguments of the command that the terminal was to run; clears the record.
   std::vector<std::string> called() {
     testkit::eventually([this] { return std::filesystem::exists(noted()); });
     std::vector<std::string> words;

@@ -1,4 +1,4 @@
-// The reload signal from the extension to whoever draws the widgets.
+// The reload signal from the extension to the programs that draw widgets.
 #include <future>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What a run of AddExpenseIntent checks before it sends anything, and what it sends.
+// The checks of AddExpenseIntent before it sends anything, and its request.
 #include <filesystem>
 #include <fstream>
 #include <limits>

@@ -1,5 +1,4 @@
-// What a run of AddExpenseIntent does when the backend cannot be asked, or answers with anything
-// but success.
+// AddExpenseIntent when the backend cannot be reached, or answers with an error.
 #include <limits>
 
 #include "unit/intents/an_added_expense.h"
@@ -101,7 +100,7 @@ TEST_F(AnAddedExpenseThatFails, IsRetriedUnderTheSameKeyAfterTheNextSuccess) {
   EXPECT_EQ(phone_.text(StoreKeys::todayTotal), "150.0") << "a drained expense is not counted";
 }
 
-// JSON cannot carry it, and so nothing of the list: an accepted loss.
+// JSON cannot express it, so the whole list is lost: an accepted loss.
 TEST_F(AnAddedExpenseThatFails, EmptiesTheQueueWhenItsAmountIsInfinite) {
   const auto output = performFailing(std::numeric_limits<double>::infinity());
   EXPECT_EQ(output.dialog, savedOffline);

@@ -1,4 +1,4 @@
-// What a run of AddExpenseIntent makes of each answer of the backend.
+// AddExpenseIntent for each answer of the backend.
 #include "unit/intents/an_added_expense.h"
 
 namespace kivo {
@@ -13,7 +13,7 @@ using testkit::TestPhone;
 
 const std::string tracked = "Tracked EGP\u00a0150.00 at Carrefour";
 
-// What was not saved.
+// Answers with nothing saved.
 
 TEST_F(AnAddedExpense, IsReportedAsNotTrackedForAnyReason) {
   for (const auto* const body :
@@ -37,7 +37,7 @@ TEST_F(AnAddedExpense, IsReportedAsNotTrackedWhenAnExpenseIsNotSaved) {
   expectNothingButTheExchange();
 }
 
-// What was saved.
+// Answers with a saved expense.
 
 class OfEveryType : public AnAddedExpense,
                     public ::testing::WithParamInterface<std::optional<std::string>> {};

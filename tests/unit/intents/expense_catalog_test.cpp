@@ -1,4 +1,4 @@
-// What the extension declares to the system.
+// The declarations of the extension to the system.
 #include <array>
 #include <string>
 #include <thread>

@@ -1,4 +1,4 @@
-// What a run checks before it sends anything, and what it sends.
+// The checks of ProcessSMSIntent before it sends anything, and its request.
 #include <filesystem>
 #include <fstream>
 

@@ -1,4 +1,4 @@
-// What a run does when the backend cannot be asked, or answers with anything but success.
+// ProcessSMSIntent when the backend cannot be reached, or answers with an error.
 #include <functional>
 
 #include <gmock/gmock.h>
@@ -149,7 +149,7 @@ TEST_F(ABankSMSThatFails, IsQueuedWhenTheAnswerCannotBeDecoded) {
   EXPECT_EQ(queued().size(), 1u);
 }
 
-// The error line, for every kind of failure, when all that is secret carries a mark.
+// The error line for every kind of failure, with all secrets marked.
 
 struct Failure {
   std::string name;

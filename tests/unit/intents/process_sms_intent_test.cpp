@@ -1,4 +1,4 @@
-// What a run makes of each answer of the backend.
+// ProcessSMSIntent for each answer of the backend.
 #include "intents/process_sms_intent.h"
 
 #include "testkit/written_output.h"
@@ -14,7 +14,7 @@ using testkit::queuedItem;
 using testkit::savedBody;
 using testkit::TestPhone;
 
-// What was not saved.
+// Answers with nothing saved.
 
 TEST_F(ABankSMS, IsNotTrackedWhenTheTransactionWasDeclined) {
   EXPECT_EQ(performAnswered(testkit::declinedBody), "Transaction was declined - not tracked");
@@ -63,7 +63,7 @@ TEST_F(ABankSMS, IsTrackedWhenSavedWithAReason) {
             "Tracked EGP\u00a01.00 at d");
 }
 
-// What was saved.
+// Answers with a saved transaction.
 
 TEST_F(ABankSMS, IsTrackedWhenItIsAnExpense) {
   EXPECT_EQ(performSaved(savedBody({.type = "expense"})), "Tracked EGP\u00a0150.00 at Carrefour");

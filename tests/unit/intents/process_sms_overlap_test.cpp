@@ -1,4 +1,4 @@
-// Several runs at once, and runs that are cancelled.
+// Concurrent and cancelled runs.
 #include <algorithm>
 #include <thread>
 

@@ -1,4 +1,4 @@
-// How much the notification center keeps.
+// The size limits of the notification center.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ constexpr const char* bundle = "app.kivo.expenses.intents";
 
 class AFullNotificationCenter : public testing::Test {
  protected:
-  // Finds `count` requests with bodies of `size` bytes on the disk, all due.
+  // Starts a center with `count` stored requests whose bodies have `size` bytes, all due.
   void startWith(std::size_t count, std::size_t size) {
     std::vector<PendingNotification> all(count);
     for (std::size_t number = 0; number < count; ++number) {

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 constexpr const char* bundle = "app.kivo.expenses.intents";
 Moment present;
 
-// Lets no file of this process grow.
+// Prevents all files of this process from growing.
 class FullDisk {
  public:
   FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -51,7 +51,7 @@ class TheNotificationCenter : public testing::Test {
   }
   void TearDown() override { Date::setClock(nullptr); }
 
-  // What a new process does.
+  // A restart of the process.
   void restart() {
     center.reset();
     answers.clear();
@@ -73,7 +73,7 @@ class TheNotificationCenter : public testing::Test {
 
   testkit::PrivateFolders folders;
   std::optional<NotificationCenter> center;
-  // What was shown, and the way to answer for each of them.
+  // The shown titles, and for each of them the callback for the outcome.
   std::vector<std::string> titles;
   std::vector<std::function<void(ShowOutcome)>> answers;
 };

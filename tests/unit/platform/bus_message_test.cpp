@@ -1,4 +1,4 @@
-// The values of a message, as they are written and read one after the other.
+// The values of a message, written and read one after the other.
 #include "platform/linux/bus/bus_message.h"
 
 #include <gmock/gmock.h>

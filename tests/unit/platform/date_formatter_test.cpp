@@ -30,7 +30,7 @@ class ADateFormatter : public testing::Test {
     return DateFormatter{.dateFormat = "yyyy-MM-dd"}.string(moment);
   }
 
-  /// `moment` on a device whose TZ is `zone`, none for a device without one.
+  /// `moment` on a device whose TZ is `zone`, or is unset.
   static std::string timeIn(const std::optional<std::string>& zone, Moment moment) {
     const ScopedVariable variable("TZ", zone);
     return DateFormatter{.dateFormat = "yyyy-MM-dd HH:mm:ss", .locale = "en_US_POSIX"}.string(
@@ -136,7 +136,7 @@ TEST_F(ADateFormatter, RoundsDownToTheSecondBefore1970) {
   EXPECT_EQ(timeIn("UTC", Moment(-1us)), "1969-12-31 23:59:59");
 }
 
-// The library's formatter, which knows every pattern there is, and is slow to make for that.
+// ICU's formatter, which supports every pattern and is therefore slow to create.
 std::string byLibrary(const icu::Locale& locale, const std::string& pattern, Moment moment) {
   UErrorCode status = U_ZERO_ERROR;
   icu::SimpleDateFormat formatter(icu::UnicodeString::fromUTF8(pattern), locale, status);

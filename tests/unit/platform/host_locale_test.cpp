@@ -1,4 +1,4 @@
-// A host that sets its own locale, in C or in C++, changes none of the platform's texts.
+// The platform's texts do not change when the host process sets its own locale in C or C++.
 #include <clocale>
 #include <cstdio>
 #include <filesystem>

@@ -26,7 +26,7 @@ class ANumberFormatter : public testing::Test {
   testkit::PrivateFolders folders_;
 };
 
-// Between a code and its number stands a no-break space.
+// A no-break space separates a code from its number.
 TEST_F(ANumberFormatter, FollowsTheSymbolGroupingAndDigitsOfTheLocale) {
   EXPECT_EQ(money("EGP", 1234.5), "EGP\u00A01,234.50");
   EXPECT_EQ(money("USD", 1234.5), "$1,234.50");

@@ -13,7 +13,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-// Standard input holds a text and is no terminal.
+// Standard input is a text and not a terminal.
 class ParametersFromTexts : public ::testing::Test {
  protected:
   ParametersFromTexts() : standardInput_(dup(STDIN_FILENO)), before_(std::cin.rdbuf()) {

@@ -9,7 +9,7 @@ namespace {
 
 class ASpokenSentence : public ::testing::Test {
  protected:
-  // The type of the intent that `sentence` means; empty for none.
+  // The type of the intent that `sentence` matches; empty for none.
   [[nodiscard]] std::string meant(std::string_view sentence) const {
     const auto intent = intentSpokenOf(extension_, sentence);
     return intent ? std::string(intent->typeName()) : "";

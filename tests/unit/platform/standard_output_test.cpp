@@ -22,7 +22,7 @@ class StandardOutput : public testing::Test {
     close(before_);
   }
 
-  /// What `writing` writes to standard output, a pipe whose ends have `flags`.
+  /// The bytes that `writing` writes to standard output, a pipe whose ends have `flags`.
   static std::string captured(const std::function<void()>& writing, int flags = 0) {
     int ends[2] = {-1, -1};
     EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);

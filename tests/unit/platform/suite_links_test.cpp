@@ -1,4 +1,4 @@
-// Links and foreign files in the places where a suite lies.
+// Symbolic links and foreign files in place of the files of a suite.
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -21,10 +21,10 @@ class ASymbolicLink : public SuiteTest {
 
   [[nodiscard]] fs::path elsewhere() const { return folders_.home() / "elsewhere"; }
 
-  // A suite that is whole, of which a part can be moved away.
+  // An intact suite, of which a part can be moved away.
   void leaveSuite() const { leaveBehind("('key', 'value')"); }
 
-  // A file of somebody, with a mode that must stay, and a link to it at `place`.
+  // A foreign file, with a mode that must not change, and a link to it at `place`.
   void linkToFileFrom(const fs::path& place) const {
     std::ofstream(elsewhere() / "target") << "theirs";
     fs::permissions(elsewhere() / "target", fs::perms(0644));

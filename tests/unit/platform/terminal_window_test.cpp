@@ -61,7 +61,7 @@ TEST(TerminalEmulators, ReceiveTheCommandAsSeparateArguments) {
   }
 }
 
-// What the shell in the window prints when `program` has ended, to a person who presses Enter.
+// The output of the shell in the window when `program` has ended and the user presses Enter.
 std::string endOf(const char* program, WindowEnd end) {
   const Call call = terminalCalls({program}, end).back();
   return runProgram(
@@ -77,10 +77,10 @@ TEST(TheShellInAWindow, WaitsForEnterUnlessItClosesOnSuccess) {
   EXPECT_EQ(endOf("false", WindowEnd::atSuccess), question);
 }
 
-// A folder that is all of PATH, in which stand-ins note how they are called.
+// A folder as the whole PATH, in which fake programs record their arguments.
 class AWindow : public testing::Test {
  protected:
-  void standIn(const std::string& name, const std::string& more = "") {
+  void installFake(const std::string& name, const std::string& more = "") {
     std::ofstream(folder_.path() / name)
         << "#!/bin/sh\nfor word in \"${0##*/}\" \"$@\"; do printf '%s\\n' \"$word\"; done > '"
         << (folder_.path() / "called").string() << ".new'\n"
@@ -112,8 +112,8 @@ TEST_F(AWindow, IsNotOpenedWithoutATerminal) {
 }
 
 TEST_F(AWindow, IsOpenedByTheFirstInstalledTerminal) {
-  standIn("xterm");
-  standIn("konsole");
+  installFake("xterm");
+  installFake("konsole");
   ASSERT_TRUE(windows_.open({"program", "an argument"}));
   const Call call = called();
   EXPECT_THAT(call, ElementsAreArray(terminalCalls({"program", "an argument"}).at(4)));
@@ -122,14 +122,14 @@ TEST_F(AWindow, IsOpenedByTheFirstInstalledTerminal) {
 TEST_F(AWindow, IsOpenedByTheNextTerminalWhenOneCannotStart) {
   std::ofstream(folder_.path() / "konsole") << "#!/no/such/interpreter\n";
   std::filesystem::permissions(folder_.path() / "konsole", std::filesystem::perms::owner_all);
-  standIn("xterm");
+  installFake("xterm");
   ASSERT_TRUE(windows_.open({"program"}));
   EXPECT_EQ(called().front(), "xterm");
 }
 
 TEST_F(AWindow, RunsAsItsOwnUnitWhenAServiceOpensIt) {
-  standIn("xterm");
-  standIn("systemd-run");
+  installFake("xterm");
+  installFake("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getpid()));
   ASSERT_TRUE(windows_.open({"program"}));
   const Call call = called();
@@ -140,8 +140,8 @@ TEST_F(AWindow, RunsAsItsOwnUnitWhenAServiceOpensIt) {
 }
 
 TEST_F(AWindow, RunsAsAPlainProcessWhenAChildOfAServiceOpensIt) {
-  standIn("xterm");
-  standIn("systemd-run");
+  installFake("xterm");
+  installFake("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getppid()));
   ASSERT_TRUE(windows_.open({"program"}));
   EXPECT_EQ(called().front(), "xterm");
@@ -149,7 +149,7 @@ TEST_F(AWindow, RunsAsAPlainProcessWhenAChildOfAServiceOpensIt) {
 
 TEST_F(AWindow, LeavesNoProcessWhenItIsClosed) {
   EXPECT_FALSE(windows_.reapEnded());
-  standIn("xterm", "read -r line < '" + (folder_.path() / "close").string() + "'");
+  installFake("xterm", "read -r line < '" + (folder_.path() / "close").string() + "'");
   ASSERT_EQ(mkfifo((folder_.path() / "close").c_str(), 0600), 0);
   ASSERT_TRUE(windows_.open({"program"}));
   called();

@@ -46,7 +46,7 @@ TEST(TextColumns, MatchWcwidthForVisibleCharacters) {
   int compared = 0;
   for (UChar32 character = ' '; character <= 0x10ffff; ++character) {
     const bool isSurrogate = character >= 0xd800 && character <= 0xdfff;
-    // Digits in circles and hexagrams, of whose width there are two opinions.
+    // Circled digits and hexagrams, for which the widths differ.
     const bool disputed = (character >= 0x3248 && character <= 0x324f) ||
                           (character >= 0x4dc0 && character <= 0x4dff);
     if (isSurrogate || disputed) continue;

@@ -1,4 +1,4 @@
-// What a queue makes of stored text that it did not write itself.
+// Reading a stored queue that another program wrote.
 #include <gmock/gmock.h>
 
 #include "testkit/written_output.h"
@@ -42,7 +42,7 @@ TEST_F(AQueue, IsEmptyWhenItIsStoredAsANumber) {
   EXPECT_THAT(load(), IsEmpty());
 }
 
-// What a stored queue may look like that cannot be read.
+// Stored queues that cannot be read.
 class ABrokenQueue : public AQueue, public ::testing::WithParamInterface<std::string> {};
 
 TEST_P(ABrokenQueue, ReadsAsEmptyAndStaysUntilTheNextItemReplacesIt) {

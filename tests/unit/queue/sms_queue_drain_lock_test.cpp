@@ -1,4 +1,4 @@
-// In which order a drain takes its steps, how its lock behaves, and what a cancelled one leaves.
+// The order of a drain's steps, its lock, and the queue after a cancelled drain.
 #include <chrono>
 
 #include "testkit/backend_answers.h"

@@ -1,4 +1,4 @@
-// Which items a drain sends, what becomes of them, and what the person is told.
+// The items that a drain sends, their outcomes, and its notifications.
 #include "queue/sms_queue_drainer.h"
 
 #include <chrono>
@@ -17,7 +17,7 @@ using testkit::notSavedBody;
 using testkit::queuedItem;
 using testkit::savedBody;
 
-// The way of the items.
+// The order of the items.
 
 TEST_F(ADrain, SendsTheOldestItemsInOrderAndNoMoreThanAsked) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")});
@@ -170,7 +170,7 @@ TEST_F(ADrain, LeavesAnUnreadableQueueUnchanged) {
   EXPECT_EQ(lock(), 0.0);
 }
 
-// What the person is told.
+// Notifications.
 
 TEST_F(ADrain, AnnouncesEveryTypeExceptIncomeAsAnExpense) {
   for (const std::optional<std::string>& type :
@@ -199,7 +199,7 @@ TEST_F(ADrain, FormatsAmountsInTheCurrencyOfTheStore) {
               ElementsAre("💸 Expense Tracked | $12.50 at Carrefour (Groceries)"));
 }
 
-TEST_F(ADrain, RemovesATextThatIsNotSavedSilently) {
+TEST_F(ADrain, SilentlyRemovesATextThatIsNotSaved) {
   EXPECT_THAT(toldOf(notSavedBody), IsEmpty());
   EXPECT_THAT(toldOf(testkit::declinedBody), IsEmpty());
   EXPECT_THAT(toldOf(testkit::savedWithoutExpenseBody), IsEmpty());

@@ -33,7 +33,7 @@ class TheSmsWatcher : public testing::Test {
   std::size_t take(const std::vector<ModemMessage>& messages) {
     return watcher.take(messages, Extent::some, now);
   }
-  // What is handed on at this moment, when each is answered.
+  // The messages that are handed on now, when each is answered.
   std::vector<std::string> handedOn() {
     std::vector<std::string> texts;
     while (watcher.untilNext(now) == 0ms) {

@@ -22,7 +22,7 @@ class AWatchSettingsFile : public testing::Test {
     std::filesystem::create_directories(folders.home() / "config" / "kivo");
     std::ofstream(folders.home() / "config" / "kivo" / "sms-watcher.toml") << text;
   }
-  // What it says on standard error; "same" when nothing changed.
+  // Its output on standard error; "same" when nothing changed.
   std::string refresh() {
     bool changed = false;
     const auto written = writtenBy([&] { changed = settings.refresh(); });

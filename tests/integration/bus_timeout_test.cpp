@@ -1,4 +1,4 @@
-// How long the runs of a process wait for a bus, or a center, that does not answer.
+// The time that the runs of a process wait for a bus or a notification center that does not answer.
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using linux_platform::RunningTask;
 using platform::UNUserNotificationCenter;
 using Clock = std::chrono::steady_clock;
 
-// A process that performs runs, as far as notifications go.
+// The notification calls of a process that performs runs.
 class AProcess {
  public:
   AProcess() { platform::ProcessWide<UNUserNotificationCenter>::install(center_); }
@@ -65,7 +65,7 @@ void expectASecond(Clock::duration took) {
   EXPECT_LE(took, 1300ms);
 }
 
-// A center that answers its calls after these seconds, as slow_center.py has them.
+// A center that answers its calls after these delays in seconds; slow_center.py defines the format.
 class WithACenterThatAnswersSlowly : public testing::Test {
  protected:
   void startCenter(std::vector<std::string> pauses) {
@@ -76,7 +76,7 @@ class WithACenterThatAnswersSlowly : public testing::Test {
         [this] { return phone.processOf("app.kivo.NotificationCenter").has_value(); }));
   }
 
-  // What it prints reaches us by a pipe, a moment later than its answers.
+  // Its output arrives through a pipe, a moment later than its answers.
   void expectAsked(const std::string& titles) const {
     testkit::eventually([&] { return center->outputSoFar().size() >= titles.size(); });
     EXPECT_EQ(center->outputSoFar(), titles);
