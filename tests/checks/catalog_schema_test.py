@@ -70,7 +70,7 @@ class CatalogSchema(unittest.TestCase):
     def test_is_a_schema(self):
         jsonschema.Draft202012Validator.check_schema(SCHEMA)
 
-    def test_describes_what_the_program_prints(self):
+    def test_describes_the_output_of_the_program(self):
         self.validator.validate(self.catalog)
         self.assertEqual([intent["type"] for intent in self.catalog["intents"]],
                          ["AddExpenseIntent", "ProcessSMSIntent"])
@@ -82,7 +82,7 @@ class CatalogSchema(unittest.TestCase):
         types = {intent["type"] for intent in self.catalog["intents"]}
         self.assertEqual({shortcut["intent"] for shortcut in self.catalog["appShortcuts"]}, types)
 
-    def test_a_spoiled_catalog_fails(self):
+    def test_an_invalid_catalog_fails(self):
         for name, spoil in SPOILERS.items():
             with self.subTest(name):
                 catalog = copy.deepcopy(self.catalog)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that each test that a document names, as `ASuite.DoesSomething`, stands in the sources."""
+"""Checks that each test that a document names, as `ASuite.DoesSomething`, exists."""
 import pathlib
 import re
 import sys
@@ -20,7 +20,7 @@ def main():
             named += 1
             if test not in tests:
                 absent.append(f"{document.relative_to(ROOT)}: no test is called {'.'.join(test)}")
-    print("\n".join(absent) or f"{named} named tests stand in the sources")
+    print("\n".join(absent) or f"{named} named tests exist")
     sys.exit(1 if absent or not named else 0)
 
 

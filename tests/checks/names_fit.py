@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that ctest's lines fit a terminal: it makes all of them as long as the longest name asks for.
+"""Checks that the lines of ctest fit a terminal: the longest name sets the length of all of them.
 
     names_fit.py CTEST BUILD
 """

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Shows that each rule of the room check can fail."""
+"""Checks that each rule of the room check can fail."""
 import pathlib
 import tempfile
 import unittest
@@ -30,7 +30,7 @@ class RoomCheck(unittest.TestCase):
     def assert_broken(self, line):
         self.assertEqual(list(rooms.check(self.root)), [line])
 
-    def test_a_tree_along_the_arrows_passes(self):
+    def test_includes_along_the_arrows_pass(self):
         self.write("src/queue/item.h", '#include <string>\n#include "store/shared_store.h"\n')
         self.assertEqual(list(rooms.check(self.root)), [])
 
@@ -56,7 +56,7 @@ class RoomCheck(unittest.TestCase):
         self.assert_broken("src/platform/linux/process/start.h: platform/linux/process may not include "
                            '"platform/linux/bus/bus_loop.h"')
 
-    def test_a_circle_of_folders_is_found(self):
+    def test_a_cycle_of_folders_fails(self):
         self.assertTrue(rooms.has_circle({"a": {"b"}, "b": {"c"}, "c": {"b"}}))
         self.assertFalse(rooms.has_circle({"a": {"b", "c"}, "b": {"c"}, "c": set()}))
 
@@ -65,15 +65,15 @@ class RoomCheck(unittest.TestCase):
         self.assert_broken(
             "src/platform/foundation/url.h: platform may not include <boost/url/url.hpp>")
 
-    def test_an_include_by_a_relative_name_fails(self):
+    def test_a_relative_include_fails(self):
         self.write("src/queue/item.h", '#include "other.h"\n')
         self.assert_broken('src/queue/item.h: includes "other.h", which is in no room')
 
-    def test_a_folder_that_is_no_room_fails(self):
+    def test_an_unknown_room_fails(self):
         self.write("src/utils/strings.h", "")
         self.assert_broken("src/utils/strings.h: is in no room")
 
-    def test_a_folder_that_is_no_framework_fails(self):
+    def test_an_unknown_framework_folder_fails(self):
         self.write("src/platform/misc/x.h", "")
         self.assert_broken("src/platform/misc/x.h: is in no folder of platform")
 
@@ -91,7 +91,7 @@ class RoomCheck(unittest.TestCase):
         self.write("src/queue/forgotten.cpp", "")
         self.assert_broken("src/queue/forgotten.cpp: is in no target")
 
-    def test_an_exception_that_nobody_needs_fails(self):
+    def test_an_unused_exception_fails(self):
         self.write("src/platform/foundation/json_encoder.cpp", "")
         self.assert_broken("src/platform/foundation/json_encoder.cpp: "
                            "no longer needs its exception for <nlohmann/json.hpp>")

@@ -30,7 +30,7 @@ class AnInstallation(unittest.TestCase):
                        check=True, capture_output=True, timeout=60, env={**os.environ, "DESTDIR": folder.name})
         self.share = pathlib.Path(folder.name) / "usr/share"
 
-    def test_has_the_description_that_the_shell_reads(self):
+    def test_has_the_file_that_the_shell_reads(self):
         file = self.share / "gnome-shell/search-providers/app.kivo.expenses.search-provider.ini"
         description = configparser.ConfigParser()
         description.optionxform = str
@@ -42,7 +42,7 @@ class AnInstallation(unittest.TestCase):
             "Version": "2",
         })
 
-    def test_has_an_icon_for_each_shortcut_and_no_other(self):
+    def test_has_exactly_one_icon_for_each_shortcut(self):
         icons = self.share / "icons/hicolor/scalable/apps"
         names = {f"app.kivo.expenses.{shortcut['systemImageName']}.svg" for shortcut in shortcuts()}
         self.assertEqual({icon.name for icon in icons.iterdir()}, names)
@@ -51,7 +51,7 @@ class AnInstallation(unittest.TestCase):
             self.assertEqual(root.tag, "{http://www.w3.org/2000/svg}svg")
             self.assertEqual(root.get("viewBox"), "0 0 64 64")
 
-    def test_can_be_read_by_everybody(self):
+    def test_is_readable_for_all_users(self):
         for file in self.share.rglob("*"):
             self.assertEqual(file.stat().st_mode & 0o777, 0o644 if file.is_file() else 0o755, file)
 

@@ -1,4 +1,4 @@
-// Whether the long form of a test is asked for. Measures nothing.
+// Chooses between the long and the short form of a test.
 #pragma once
 
 #include <cstdlib>

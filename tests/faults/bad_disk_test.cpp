@@ -1,4 +1,4 @@
-// Runs whose store is on a disk that is full, small, or may only be read.
+// Runs whose store is on a full, small or read-only disk.
 #include <csignal>
 #include <fstream>
 
@@ -32,7 +32,7 @@ class ARunOnABadDisk : public testkit::SurvivingRuns {
     return linux_platform::runProgram(
         {.program = program, .arguments = std::move(arguments), .input = text});
   }
-  /// Without the superuser's leave to write what is read-only.
+  /// Without the privilege of root to write read-only files.
   [[nodiscard]] ProgramResult runUnprivileged(const std::string& text) const {
     if (geteuid() != 0) return processSMS(text);
     return runBy("setpriv", {"--bounding-set", "-all"}, text);
@@ -41,7 +41,7 @@ class ARunOnABadDisk : public testkit::SurvivingRuns {
   const int step = testkit::isLongForm() ? 1 : 6;
 };
 
-TEST_F(ARunOnABadDisk, WhoseFilesMayNotGrowKeepsItsTextOrSaysThatTheStoreFailed) {
+TEST_F(ARunOnABadDisk, KeepsItsTextOrReportsAFailedStoreAtAFileSizeLimit) {
   prepare(Backend::fails);
   for (int limit = 0; limit <= 96 * 1024; limit += 1024 * step) {
     SCOPED_TRACE("bytes: " + std::to_string(limit));
@@ -55,7 +55,7 @@ TEST_F(ARunOnABadDisk, WhoseFilesMayNotGrowKeepsItsTextOrSaysThatTheStoreFailed)
   EXPECT_GT(queued, 0);
 }
 
-TEST_F(ARunOnABadDisk, WhoseFileIsReadOnlyLivesAndLeavesItAsItIs) {
+TEST_F(ARunOnABadDisk, SurvivesAReadOnlyFileAndLeavesItUnchanged) {
   prepare(Backend::fails);
   look([&](const std::string& text) {
     fs::permissions(folders.storeFile(), fs::perms::owner_read);
@@ -65,7 +65,7 @@ TEST_F(ARunOnABadDisk, WhoseFileIsReadOnlyLivesAndLeavesItAsItIs) {
   printCounts("read-only file");
 }
 
-TEST_F(ARunOnABadDisk, WhoseFolderIsReadOnlyLivesAndLeavesItAsItIs) {
+TEST_F(ARunOnABadDisk, SurvivesAReadOnlyFolderAndLeavesItUnchanged) {
   prepare(Backend::fails);
   look([&](const std::string& text) {
     fs::permissions(folder(), fs::perms::owner_read | fs::perms::owner_exec);
@@ -77,7 +77,7 @@ TEST_F(ARunOnABadDisk, WhoseFolderIsReadOnlyLivesAndLeavesItAsItIs) {
   printCounts("read-only folder");
 }
 
-/// The store's folder is a disk of its own, of 256 KiB.
+/// The folder of the store is a disk of 256 KiB.
 class ARunOnASmallDisk : public ARunOnABadDisk {
  protected:
   void SetUp() override {
@@ -95,7 +95,7 @@ class ARunOnASmallDisk : public ARunOnABadDisk {
   void mountAgain(unsigned long flags, const char* options) {
     ASSERT_EQ(mount("tmpfs", folder().c_str(), "tmpfs", MS_REMOUNT | flags, options), 0);
   }
-  /// Fills the disk but for so many pages.
+  /// Fills the disk except for so many pages.
   void leavePages(int pages) {
     const auto taken = fs::space(folder()).available - static_cast<std::uintmax_t>(pages) * 4096;
     std::ofstream(ballast()) << std::string(taken, 'x');
@@ -106,7 +106,7 @@ class ARunOnASmallDisk : public ARunOnABadDisk {
   bool mounted_ = false;
 };
 
-TEST_F(ARunOnASmallDisk, ThatFillsItLosesNoTextWithoutSayingSo) {
+TEST_F(ARunOnASmallDisk, ReportsEachTextThatItLosesWhenTheDiskFills) {
   signIn();
   backend.answers(503, "");
   std::vector<std::string> kept;
@@ -134,7 +134,7 @@ TEST_F(ARunOnASmallDisk, ThatFillsItLosesNoTextWithoutSayingSo) {
   EXPECT_EQ(contents().integrity, "ok\n");
 }
 
-TEST_F(ARunOnASmallDisk, ThatIsNearlyFullKeepsItsTextOrSaysThatTheStoreFailed) {
+TEST_F(ARunOnASmallDisk, KeepsItsTextOrReportsAFailedStoreWithFewFreePages) {
   prepare(Backend::fails);
   for (int pages = 0; pages < 40; pages += step) {
     SCOPED_TRACE("free pages: " + std::to_string(pages));
@@ -151,7 +151,7 @@ TEST_F(ARunOnASmallDisk, ThatIsNearlyFullKeepsItsTextOrSaysThatTheStoreFailed) {
   EXPECT_GT(queued, 0);
 }
 
-TEST_F(ARunOnASmallDisk, WithNoRoomForANewStoreSaysSoAndFindsItUsableLater) {
+TEST_F(ARunOnASmallDisk, CreatesTheStoreLaterWhenThereIsNoRoomYet) {
   for (int pages = 0; pages < 40; pages += step) {
     SCOPED_TRACE("free pages: " + std::to_string(pages));
     for (const auto& entry : fs::directory_iterator(folder())) fs::remove(entry);
@@ -165,7 +165,7 @@ TEST_F(ARunOnASmallDisk, WithNoRoomForANewStoreSaysSoAndFindsItUsableLater) {
   }
 }
 
-TEST_F(ARunOnASmallDisk, ThatMayOnlyBeReadLivesAndLeavesTheStoreAsItIs) {
+TEST_F(ARunOnASmallDisk, SurvivesAReadOnlyMountAndLeavesTheStoreUnchanged) {
   prepare(Backend::fails);
   look([&](const std::string& text) {
     mountAgain(MS_RDONLY, nullptr);

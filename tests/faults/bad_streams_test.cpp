@@ -1,4 +1,4 @@
-// Runs by a spawner that gives them bad standard streams or no folder to live in.
+// Runs with bad standard streams or without a usable home folder.
 #include <filesystem>
 #include <fstream>
 
@@ -14,9 +14,9 @@ constexpr const char* savedOffline =
     "ProcessSMSIntent error: URLError cannotConnectToHost: The host did not take the connection\n"
     "Saved offline - will process when connected\n";
 
-class ARunInBadSurroundings : public ExtensionProgram {
+class ARunInABadEnvironment : public ExtensionProgram {
  protected:
-  ARunInBadSurroundings() {
+  ARunInABadEnvironment() {
     signIn();
     backend.goAway();
   }
@@ -50,7 +50,7 @@ class ARunInBadSurroundings : public ExtensionProgram {
   int number_ = 0;
 };
 
-TEST_F(ARunInBadSurroundings, QueuesItsTextWhateverBecomesOfItsOutput) {
+TEST_F(ARunInABadEnvironment, QueuesItsTextWithRedirectedOrFullStreams) {
   for (const char* const command :
        {"$RUN > /dev/full", "$RUN 2> /dev/full", "$RUN > /dev/full 2>&1", "$RUN < /dev/null",
         "$RUN < /", "$RUN > /dev/null 2>&1 < /dev/null"}) {
@@ -64,7 +64,7 @@ TEST_F(ARunInBadSurroundings, QueuesItsTextWhateverBecomesOfItsOutput) {
   }
 }
 
-TEST_F(ARunInBadSurroundings, QueuesItsTextThoughNobodyReadsItsOutput) {
+TEST_F(ARunInABadEnvironment, QueuesItsTextWhenThePipeHasNoReader) {
   EXPECT_EQ(shell("$RUN | true").output, "");
   expectQueued();
   // A pipe that is full, and whose reader goes after a while.
@@ -72,7 +72,7 @@ TEST_F(ARunInBadSurroundings, QueuesItsTextThoughNobodyReadsItsOutput) {
   expectQueued();
 }
 
-TEST_F(ARunInBadSurroundings, QueuesItsTextWithAnyOfItsStreamsClosed) {
+TEST_F(ARunInABadEnvironment, QueuesItsTextWithStandardStreamsClosed) {
   for (unsigned closed = 1; closed < 8; ++closed) {
     std::string command = "$RUN";
     if ((closed & 1U) != 0) command += " <&-";
@@ -87,7 +87,7 @@ TEST_F(ARunInBadSurroundings, QueuesItsTextWithAnyOfItsStreamsClosed) {
   }
 }
 
-TEST_F(ARunInBadSurroundings, WithoutAnyHomeHasNoStorageAndWritesNowhere) {
+TEST_F(ARunInABadEnvironment, ReportsNoStorageAndWritesNothingWithoutAHome) {
   const TemporaryFolder here;
   const std::string inHere = "cd " + here.path().string() + " && $RUN";
   for (const std::optional<std::string>& home :
@@ -108,14 +108,14 @@ TEST_F(ARunInBadSurroundings, WithoutAnyHomeHasNoStorageAndWritesNowhere) {
   EXPECT_TRUE(std::filesystem::is_empty(here.path()));
 }
 
-TEST_F(ARunInBadSurroundings, WithoutAHomeUsesTheDataFolderAlone) {
+TEST_F(ARunInABadEnvironment, UsesXdgDataHomeWithoutAHome) {
   EXPECT_EQ(shell("$RUN", {{"HOME", std::nullopt}}).output, savedOffline);
   expectQueued();
   EXPECT_EQ(shell("$RUN", {{"HOME", "relative"}}).output, savedOffline);
   expectQueued();
 }
 
-TEST_F(ARunInBadSurroundings, WithRelativeFoldersUsesTheHome) {
+TEST_F(ARunInABadEnvironment, IgnoresRelativeXdgFolders) {
   const std::string relative = "relative/folder";
   const std::string own = (folders.home() / ".local" / "share").string();
   {

@@ -1,4 +1,5 @@
-// The notification center killed at each of its system calls: whether it shows all it has taken.
+// The notification center, killed at each of its system calls, shows every request that it
+// accepted.
 #include <algorithm>
 #include <csignal>
 #include <iostream>
@@ -25,7 +26,8 @@ class AKilledNotificationCenter : public testing::Test {
     display_.emplace(phone_.address());
   }
 
-  /// Kills the center at call after call of that name until one ends as it is told, each with a
+  /// Kills the center at one call of that name after the other until one ends when terminated, each
+  /// with a
   /// new store.
   void sweepCall(Fault fault, testkit::CallNumbers& numbers) {
     for (fault.number = numbers.first(); fault.number < 1000; fault.number += numbers.step()) {
@@ -44,7 +46,7 @@ class AKilledNotificationCenter : public testing::Test {
   std::size_t taken_ = 0;
 
  private:
-  /// A center from its start over three requests, and their showing, to its end.
+  /// A center from its start, through three requests and their notifications, to its end.
   int runWith(const Fault& fault) {
     phone_.killCenter();
     std::filesystem::remove_all(storeFile().parent_path());
@@ -109,7 +111,7 @@ class AKilledNotificationCenter : public testing::Test {
   int requests_ = 0;
 };
 
-TEST_F(AKilledNotificationCenter, StartedAgainShowsEachRequestThatItHadTaken) {
+TEST_F(AKilledNotificationCenter, ShowsEachAcceptedRequestAfterARestart) {
   testkit::CallNumbers numbers;
   for (const char* const call : testkit::sweptCalls) {
     sweepCall({.call = call, .effect = "signal=SIGKILL"}, numbers);

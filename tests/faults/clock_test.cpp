@@ -1,4 +1,4 @@
-// A clock that is wrong, is set, or comes to where calendars are odd: nothing is lost for it.
+// Runs with a wrong or changed clock, and at odd places of the calendar, lose nothing.
 #include <map>
 #include <tuple>
 
@@ -15,7 +15,7 @@ using testkit::secondsOf;
 
 class AClock : public testkit::TimedProgram {};
 
-TEST_F(AClock, ThatIsSetAnHourForthAndBackLosesNoText) {
+TEST_F(AClock, LosesNoTextWhenItIsSetForwardAndBack) {
   const std::int64_t noon = secondsOf("2026-06-15T12:00:00Z");
   constexpr std::int64_t hour = 3600;
   std::map<std::string, std::string> textsByKey;
@@ -38,14 +38,14 @@ TEST_F(AClock, ThatIsSetAnHourForthAndBackLosesNoText) {
   EXPECT_THAT(textsByKey, IsEmpty());
 }
 
-TEST_F(AClock, ThatIsSetBackByAnHourMakesNoDuplicateOfAnEqualText) {
+TEST_F(AClock, MakesNoDuplicateWhenItIsSetBackAnHour) {
   const std::int64_t noon = secondsOf("2026-06-15T12:00:00Z");
   queueAt(noon, "Paid 5");
   queueAt(noon - 3600, "Paid 5");
   EXPECT_THAT(queuedTexts(), ElementsAre("Paid 5", "Paid 5"));
 }
 
-TEST_F(AClock, CountsAnEqualTextAsADuplicateForLessThanAMinuteEitherWay) {
+TEST_F(AClock, MakesAnEqualTextADuplicateForLessThanAMinute) {
   const std::int64_t noon = secondsOf("2026-06-15T12:00:00Z");
   for (const auto& [apart, kept] : std::vector<std::pair<std::int64_t, std::size_t>>{
            {0, 1}, {59, 1}, {60, 2}, {61, 2}, {-59, 1}, {-60, 2}, {-61, 2}}) {
@@ -57,7 +57,7 @@ TEST_F(AClock, CountsAnEqualTextAsADuplicateForLessThanAMinuteEitherWay) {
   }
 }
 
-TEST_F(AClock, AtTheBeginningOfItsTimeDrainsOnlyAfterThirtySeconds) {
+TEST_F(AClock, AllowsADrainThirtySecondsAfterTheEpoch) {
   queueAt(5, "queued");
   EXPECT_EQ(queue().at(0).queuedAt, "1970-01-01T00:00:05Z");
   EXPECT_EQ(queue().at(0).expenseDate, "1970-01-01");
@@ -68,7 +68,7 @@ TEST_F(AClock, AtTheBeginningOfItsTimeDrainsOnlyAfterThirtySeconds) {
   EXPECT_THAT(queue(), IsEmpty());
 }
 
-TEST_F(AClock, WorksPastTheSecondsThatFitInto32Bits) {
+TEST_F(AClock, WorksBeyond32BitSeconds) {
   for (const char* const last : {"2038-01-19T03:14:07Z", "2106-02-07T06:28:15Z"}) {
     const std::int64_t seconds = secondsOf(last);
     queueAt(seconds, "in the last second");
@@ -83,7 +83,7 @@ TEST_F(AClock, WorksPastTheSecondsThatFitInto32Bits) {
   }
 }
 
-TEST_F(AClock, ThatWasSetBackHoldsADrainUntilThirtySecondsAfterTheLock) {
+TEST_F(AClock, DelaysADrainUntilTheLockExpiresWhenItIsSetBack) {
   const std::int64_t noon = secondsOf("2026-06-15T12:00:00Z");
   const std::int64_t taken = noon + 3600;
   queueAt(noon, "queued");
@@ -102,7 +102,7 @@ TEST_F(AClock, ThatWasSetBackHoldsADrainUntilThirtySecondsAfterTheLock) {
   EXPECT_EQ(store().readFloat(StoreKeys::smsQueueDrainLock), 0);
 }
 
-// What a run is asked at a time of a zone: the day of the request and of the totals.
+// A moment in a time zone, and the day that request and totals must have.
 struct LocalDay {
   const char* zone;
   const char* time;
@@ -115,7 +115,7 @@ struct LocalDay {
 
 class ALocalDay : public AClock, public testing::WithParamInterface<LocalDay> {};
 
-TEST_P(ALocalDay, IsTheOneOfTheZoneInTheRequestTheQueueAndTheTotals) {
+TEST_P(ALocalDay, FollowsTheZoneInRequestQueueAndTotals) {
   const auto& [zone, time, day] = GetParam();
   queueAt(secondsOf(time), "queued", zone);
   EXPECT_EQ(queue().at(0).expenseDate, day);
@@ -152,7 +152,7 @@ INSTANTIATE_TEST_SUITE_P(
         LocalDay{"Africa/Cairo", "2026-10-29T21:00:00Z", "2026-10-29"},
         LocalDay{"Africa/Cairo", "2026-10-29T22:00:00Z", "2026-10-30"}));
 
-TEST_F(AClock, CountsTheHourThatComesTwiceToOneDay) {
+TEST_F(AClock, CountsTheRepeatedHourToOneDay) {
   const std::int64_t first = secondsOf("2026-10-29T20:30:00Z");
   for (const std::int64_t time : {first, first + 3600}) saveAt(time, "saved", "Africa/Cairo");
   EXPECT_EQ(text(StoreKeys::todayCount), "2");
@@ -162,7 +162,7 @@ TEST_F(AClock, CountsTheHourThatComesTwiceToOneDay) {
   EXPECT_EQ(text(StoreKeys::monthlyTotal), "450.0");
 }
 
-TEST_F(AClock, TellsDuplicatesByTheTimeThatPassesAndNotByTheOneThatIsShown) {
+TEST_F(AClock, DetectsDuplicatesByUtcNotByLocalTime) {
   const std::int64_t gap = secondsOf("2026-03-29T01:00:00Z");
   queueAt(gap - 1, "over the hour that is missing", "Europe/Berlin");
   queueAt(gap, "over the hour that is missing", "Europe/Berlin");

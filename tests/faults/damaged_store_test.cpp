@@ -1,4 +1,4 @@
-// Runs whose store's file was damaged, or was never one of theirs.
+// Runs on a damaged or foreign store file.
 #include <algorithm>
 #include <csignal>
 #include <fstream>
@@ -36,8 +36,8 @@ class ARunOnADamagedStore : public testkit::SurvivingRuns {
 
   [[nodiscard]] fs::path file() const { return folders.storeFile(); }
 
-  /// Performs a text on the store as it is now; its dialog, once the process is seen to live and
-  /// the file to be the same one.
+  /// Performs a text on the current store and returns its dialog. Expects that the process does not
+  /// crash and does not replace the file.
   std::string survive() {
     struct stat before {};
     struct stat after {};
@@ -51,7 +51,7 @@ class ARunOnADamagedStore : public testkit::SurvivingRuns {
     ++dialogs_[dialog];
     return dialog;
   }
-  /// As `survive`, and sees that the file was left alone.
+  /// As `survive`, and expects that the file is unchanged.
   void expectRefused() {
     const std::string before = bytesOf(file());
     EXPECT_EQ(survive(), "Failed to access app storage");
@@ -69,14 +69,14 @@ class ARunOnADamagedStore : public testkit::SurvivingRuns {
   std::map<std::string, int> dialogs_;
 };
 
-TEST_F(ARunOnADamagedStore, OfNoBytesBeginsANewOne) {
+TEST_F(ARunOnADamagedStore, CreatesANewStoreWhenTheFileIsEmpty) {
   fs::resize_file(file(), 0);
   EXPECT_EQ(survive(), "Please open Kivo app and sign in first");
   signIn();
   EXPECT_EQ(survive(), "Saved offline - will process when connected");
 }
 
-TEST_F(ARunOnADamagedStore, CutAnywhereLivesAndReplacesNoFile) {
+TEST_F(ARunOnADamagedStore, SurvivesATruncatedFileAndReplacesNone) {
   const std::uintmax_t step = testkit::isLongForm() ? 512 : 2560;
   for (std::uintmax_t size = 1; size < whole_.size(); size = size < 512 ? 512 : size + step) {
     SCOPED_TRACE("cut to " + std::to_string(size));
@@ -88,8 +88,9 @@ TEST_F(ARunOnADamagedStore, CutAnywhereLivesAndReplacesNoFile) {
   printDialogs("cut");
 }
 
-TEST_F(ARunOnADamagedStore, WithAFlippedBitLivesAndReplacesNoFile) {
-  // A changed URL is another backend's, or none's and stops the process: not a matter of the file.
+TEST_F(ARunOnADamagedStore, SurvivesAFlippedBitAndReplacesNoFile) {
+  // A changed URL names another backend or cannot be parsed, which aborts: not a matter of the
+  // file.
   const std::string url = backend.url();
   std::vector<std::pair<std::size_t, std::size_t>> spared;
   for (auto place = whole_.find(url); place != std::string::npos;
@@ -116,7 +117,7 @@ TEST_F(ARunOnADamagedStore, WithAFlippedBitLivesAndReplacesNoFile) {
   printDialogs("flipped bits");
 }
 
-TEST_F(ARunOnADamagedStore, ThatIsNoDatabaseIsRefusedAndLeftAlone) {
+TEST_F(ARunOnADamagedStore, RefusesAFileThatIsNotADatabaseAndKeepsIt) {
   for (const std::string& bytes : {std::string("x"), std::string("no database, but a text"),
                                    std::string(8192, '\xff'), std::string(8192, '\0')}) {
     fs::resize_file(file(), 0);
@@ -125,7 +126,7 @@ TEST_F(ARunOnADamagedStore, ThatIsNoDatabaseIsRefusedAndLeftAlone) {
   }
 }
 
-TEST_F(ARunOnADamagedStore, OfANewerVersionOrAnotherProgramIsRefusedAndLeftAlone) {
+TEST_F(ARunOnADamagedStore, RefusesANewerVersionOrForeignDatabaseAndKeepsIt) {
   for (const char* const change : {"PRAGMA user_version = 2", "PRAGMA user_version = -1",
                                    "PRAGMA application_id = 1", "PRAGMA application_id = 0"}) {
     SCOPED_TRACE(change);

@@ -1,4 +1,4 @@
-// Drains of several processes that meet at the one lock.
+// Drains of several processes that compete for the one drain lock.
 #include <csignal>
 #include <future>
 #include <iostream>
@@ -60,7 +60,7 @@ class DrainsWithOneLock : public ExtensionProgram {
   std::shared_future<void> mayAnswer_ = release.get_future().share();
 };
 
-TEST_F(DrainsWithOneLock, SendEachItemOnceAndTheSecondDoesNotWait) {
+TEST_F(DrainsWithOneLock, SendEachItemOnceWithoutWaitingForTheLock) {
   const ScriptedServer server(holdingTheFirst());
   signIn(server.url());
   waiting({"a", "b", "c"});
@@ -84,7 +84,7 @@ TEST_F(DrainsWithOneLock, SendEachItemOnceAndTheSecondDoesNotWait) {
   EXPECT_EQ(storeDisagreement(folders.storeFile()), "");
 }
 
-TEST_F(DrainsWithOneLock, OfWhichOneWasKilledGoOnThirtySecondsAfterItTookTheLock) {
+TEST_F(DrainsWithOneLock, TakeTheLockOfAKilledDrainAfterThirtySeconds) {
   const ScriptedServer server(holdingTheFirst());
   signIn(server.url());
   waiting({"a", "b", "c"});
@@ -109,7 +109,7 @@ TEST_F(DrainsWithOneLock, OfWhichOneWasKilledGoOnThirtySecondsAfterItTookTheLock
 }
 
 // The lock is no atomic one: drains that begin at the very same time may both take it.
-TEST_F(DrainsWithOneLock, ThatRaceForItStoreEachItemOnce) {
+TEST_F(DrainsWithOneLock, StoreEachItemOnceWhenTheyRaceForTheLock) {
   const int rounds = inAskedForm(10, 50);
   int sentTwice = 0;
   UnreliableBackend idempotent(1, 0);

@@ -1,4 +1,4 @@
-// Runs some of whose system calls fail: the text, the earlier queue and the dialog.
+// Runs in which system calls fail: the text, the earlier queue and the dialog.
 #include <array>
 #include <fstream>
 #include <iterator>
@@ -13,8 +13,8 @@ using testkit::Fault;
 
 constexpr std::array errorNames{"EACCES", "ENOSPC", "EIO", "EDQUOT", "EMFILE"};
 
-// Whatever the error, a lock that fails counts as another process's and is waited for, up to 10 s:
-// one error will do for it.
+// A failed lock counts as held by another process, whatever the error, and a run waits for it up to
+// 10 s: one error is enough.
 constexpr const char* locking = "fcntl";
 
 // Beside those at which programs are killed: by which descriptors, folders and files are made, and
@@ -28,7 +28,7 @@ class ARunWithFailingCalls : public testkit::SurvivingRuns {
   void sweep() {
     std::vector<std::string> calls(testkit::sweptCalls.begin(), testkit::sweptCalls.end());
     calls.insert(calls.end(), furtherCalls.begin(), furtherCalls.end());
-    // What a run writes by write is standard output, and wakes its own threads with, which cannot
+    // A run uses write for standard output and to wake its own threads with, which cannot
     // fail in earnest.
     std::erase(calls, "write");
     for (const std::string& call : calls) sweepCall({.call = call, .effect = ""});
@@ -79,13 +79,13 @@ class ARunWithFailingCalls : public testkit::SurvivingRuns {
   int injected_ = 0;
 };
 
-TEST_F(ARunWithFailingCalls, OfflineKeepsTextAndQueueOrReportsAFailedStore) {
+TEST_F(ARunWithFailingCalls, KeepsTextAndQueueOrReportsAFailedStoreWhenOffline) {
   prepare(Backend::fails);
   sweep();
   printCounts("offline");
 }
 
-TEST_F(ARunWithFailingCalls, ThatWouldBeSavedHasItsTextAtTheBackendOrInTheQueue) {
+TEST_F(ARunWithFailingCalls, HasItsTextAtTheBackendOrInTheQueueWhenOnline) {
   prepare(Backend::saves);
   sweep();
   printCounts("saved and draining");
@@ -97,7 +97,7 @@ Fault withoutThread(int number, Fault::Repeat repeat) {
   return {.call = "clone3", .effect = "error=EAGAIN", .number = number, .repeat = repeat};
 }
 
-TEST_F(ARunWithFailingCalls, IsSavedWithoutNotificationsWhenTheBusGetsNoThread) {
+TEST_F(ARunWithFailingCalls, SavesWithoutNotificationsWhenTheBusGetsNoThread) {
   prepare(Backend::saves);
   const ProgramResult result = look([&](const std::string& text) {
     return processSMSWith(withoutThread(1, Fault::Repeat::once), text);
@@ -107,7 +107,7 @@ TEST_F(ARunWithFailingCalls, IsSavedWithoutNotificationsWhenTheBusGetsNoThread) 
   EXPECT_EQ(saved, 1);
 }
 
-TEST_F(ARunWithFailingCalls, FailsInOneLineWhenNoWorkerCanBeStarted) {
+TEST_F(ARunWithFailingCalls, FailsWithOneLineWhenNoWorkerCanBeStarted) {
   prepare(Backend::saves);
   const ProgramResult result =
       processSMSWith(withoutThread(2, Fault::Repeat::fromThenOn), "Paid 1");
@@ -127,7 +127,7 @@ TEST_F(ARunWithFailingCalls, KeepsItsTextWhenTheHostLookupGetsNoThread) {
   EXPECT_EQ(contents().queue.back().smsText, "Paid 1");
 }
 
-TEST_F(ARunWithFailingCalls, ThatMayOpenFewFilesKeepsItsText) {
+TEST_F(ARunWithFailingCalls, KeepsItsTextWithFewFileDescriptors) {
   prepare(Backend::fails);
   for (int limit = 3; limit <= 40; ++limit) {
     SCOPED_TRACE("descriptors: " + std::to_string(limit));

@@ -82,7 +82,7 @@ void FaultedProgram::keepStore(const std::vector<PendingSmsItem>& queued, double
     PendingSmsQueue::save(queued, opened);
   }
   kept_ = folders.home() / "kept.sqlite3";
-  // Another program, which is the last to close it, moves the log into the file.
+  // Another program, the last to close the database, checkpoints the WAL.
   RawStore(folders.storeFile()).run("SELECT count(*) FROM defaults");
   std::filesystem::copy_file(folders.storeFile(), kept_);
 }
@@ -124,7 +124,7 @@ StoreContents FaultedProgram::contents() const {
 void FaultedProgram::expectWhole(const StoreContents& found) const {
   EXPECT_EQ(found.integrity, "ok\n");
   EXPECT_EQ(found.queueCount, std::to_string(found.queue.size()));
-  // Never one of the four without the others: what a saved run makes of them begins a new day.
+  // A run must write all four or none.
   if (found.totals != earlierTotals) {
     EXPECT_THAT(found.totals, testing::MatchesRegex("20..-..-.. 150.0 1 450.0"));
     EXPECT_THAT(found.totals, testing::Not(testing::StartsWith("2026-01-01")));

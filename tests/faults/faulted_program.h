@@ -1,5 +1,4 @@
-// The real kivo-intents with a fault in one of its system calls, as strace injects it. Judges no
-// outcome.
+// The real kivo-intents with a fault that strace injects into one of its system calls.
 #pragma once
 
 #include <array>
@@ -11,7 +10,7 @@
 
 namespace kivo::testkit {
 
-/// What happens at which system call of a program.
+/// A fault, and the system call at which it happens.
 struct Fault {
   enum class Repeat { once, fromThenOn };
   enum class Where { anywhere, onTheStore };
@@ -20,34 +19,34 @@ struct Fault {
   std::string call;
   /// In strace's words: "signal=SIGKILL" or "error=ENOSPC".
   std::string effect;
-  /// Happens at the call of that number, from 1, which each thread counts for itself.
+  /// The number of the call at which it happens, from 1, counted per thread.
   int number = 1;
   Repeat repeat = Repeat::once;
-  /// On the store alone, other calls of that name are not counted.
+  /// Counts only calls on files of the store.
   Where where = Where::anywhere;
 };
 
-/// The calls at which programs are killed: all by which a store, a bus or a backend is reached.
+/// The calls at which programs are killed: those that access the store, the bus or the backend.
 inline constexpr std::array sweptCalls{"openat",    "write",    "pwrite64", "fsync", "fdatasync",
                                        "ftruncate", "unlink",   "rename",   "fcntl", "sendto",
                                        "sendmsg",   "recvfrom", "recvmsg",  "close"};
 
-/// The fault in strace's words, for messages.
+/// The fault in the syntax of strace, for messages.
 std::string wordsFor(const Fault& fault);
 
 /// Whether the long form of these tests is asked for.
 bool isLongForm();
 
-/// `call` with the fault in it; strace notes in `trace` what it did to the calls of that name.
+/// `call` with the fault injected; strace logs its effect on the calls of that name to `trace`.
 linux_platform::ProgramCall withFault(const Fault& fault, const linux_platform::ProgramCall& call,
                                       const std::filesystem::path& storeFile,
                                       const std::filesystem::path& trace = "/dev/null");
 
-/// Why no fault can be injected here; empty when it can.
+/// The reason why no fault can be injected here; empty when it can.
 std::string whyNoFaults();
 
-/// Steps through the numbers of calls: each in the long form, and in the short one every few,
-/// beginning elsewhere for each call.
+/// Steps through the numbers of calls: all of them in the long form, and every few in the short
+/// form, starting at another number for each call.
 class CallNumbers {
  public:
   CallNumbers();
@@ -60,7 +59,7 @@ class CallNumbers {
   int offset_ = 0;
 };
 
-/// The values of the store as its file has them.
+/// The values in the file of the store.
 struct StoreContents {
   std::string integrity;
   std::vector<PendingSmsItem> queue;
@@ -70,31 +69,31 @@ struct StoreContents {
   std::string totals;
 };
 
-/// A program with faults before a store that is put back as it was for each run. Skips its tests,
-/// saying why, where no fault can be injected.
+/// A program with faults on a store that is restored for each run. Skips its tests, with the
+/// reason, where no fault can be injected.
 class FaultedProgram : public ExtensionProgram {
  protected:
   static constexpr const char* earlierTotals = "2026-01-01 100.0 2 300.0";
 
   void SetUp() override;
 
-  /// Fills the store for every run: signed in, these items queued, the lock and earlier totals.
+  /// Fills the store for every run: a sign-in, these queued items, the lock and earlier totals.
   void keepStore(const std::vector<PendingSmsItem>& queued, double lock);
-  /// Puts the store's file back as it was kept; takes it away when none was.
+  /// Restores the file of the store; removes it when none was kept.
   void restoreStore() const;
   /// Performs ProcessSMSIntent on `text`, given on standard input, with the fault.
   [[nodiscard]] linux_platform::ProgramResult processSMSWith(const Fault& fault,
                                                              const std::string& text) const;
 
-  /// What strace has noted of the last such run.
+  /// The log of strace for the last such run.
   [[nodiscard]] std::filesystem::path traceFile() const { return folders.home() / "trace"; }
 
-  /// Reads the store through another door than the program's own, then by the program's own.
+  /// Reads the store with SQL first, then as the program does.
   [[nodiscard]] StoreContents contents() const;
-  /// Holds after every fault that did not damage the file itself.
+  /// Expects the conditions that hold after every fault that did not damage the file itself.
   void expectWhole(const StoreContents& found) const;
 
-  /// The keys under which `text` came to the backend.
+  /// The keys under which the backend received `text`.
   [[nodiscard]] std::vector<std::string> keysAtBackend(const std::string& text) const;
 
  private:

@@ -1,4 +1,4 @@
-// A run killed at each of its system calls: what it leaves behind.
+// The store after a run was killed at each of its system calls.
 #include <chrono>
 #include <csignal>
 #include <functional>
@@ -42,8 +42,8 @@ class AKilledRun : public testkit::FaultedProgram {
   };
   using Check = std::function<void(const Run&)>;
 
-  /// Kills a run at call after call until one ends by itself, each on a fresh store, and has every
-  /// one of them looked at. In the long form at least `fewest` must have been killed.
+  /// Kills a run at one call after the other until one ends by itself, each on a fresh store, and
+  /// checks each of them. In the long form at least `fewest` must have been killed.
   void sweep(int fewest, const std::string& dialog, const Check& check) {
     int kills = 0;
     testkit::CallNumbers numbers;
@@ -94,7 +94,7 @@ class AKilledRun : public testkit::FaultedProgram {
   int runs_ = 0;
 };
 
-TEST_F(AKilledRun, ThatWasSavedLeavesTheQueueUntouchedAndTheFourTotalsInAgreement) {
+TEST_F(AKilledRun, KeepsQueueAndTotalsConsistentWhenItSaves) {
   keepStore(earlier, farAhead);
   backend.answers(200, testkit::savedAnswer("expense"));
   sweep(90, "at Carrefour", [this](const Run& run) {
@@ -109,7 +109,7 @@ TEST_F(AKilledRun, ThatWasSavedLeavesTheQueueUntouchedAndTheFourTotalsInAgreemen
   });
 }
 
-TEST_F(AKilledRun, ThatWasOfflineQueuesItsTextUnderItsKeyOrLeavesTheQueue) {
+TEST_F(AKilledRun, QueuesItsTextUnderItsKeyOrNotAtAllWhenOffline) {
   keepStore(earlier, 0);
   backend.answers(503, "");
   sweep(90, "Saved offline - will process when connected", [this](const Run& run) {
@@ -128,7 +128,7 @@ TEST_F(AKilledRun, ThatWasOfflineQueuesItsTextUnderItsKeyOrLeavesTheQueue) {
   });
 }
 
-TEST_F(AKilledRun, ThatWasTheFirstOneLeavesAStoreThatTheNextOneCanUse) {
+TEST_F(AKilledRun, LeavesAUsableStoreWhenItIsTheFirst) {
   sweep(100, "Please open Kivo app and sign in first", [this](const Run&) {
     signIn();
     EXPECT_EQ(testkit::RawStore(folders.storeFile()).run("PRAGMA integrity_check"), "ok\n");
@@ -136,7 +136,7 @@ TEST_F(AKilledRun, ThatWasTheFirstOneLeavesAStoreThatTheNextOneCanUse) {
   });
 }
 
-TEST_F(AKilledRun, ThatWasDrainingLosesNoTextAndLeavesALockThatGetsFree) {
+TEST_F(AKilledRun, LosesNoTextAndLeavesALockThatExpiresWhenItDrains) {
   keepStore(earlier, 0);
   backend.answers(200, testkit::savedAnswer("expense"));
   std::size_t sentBefore = 0;

@@ -1,5 +1,5 @@
-// The locale of the device, and of a host that has made it its own: what is sent and stored is the
-// same to the byte, but for the day of the totals, which is told in the device's own way.
+// The locale of the device, and of a host process that sets it: requests and the store are the same
+// byte for byte, except the day of the totals, which follows the locale.
 #include <algorithm>
 #include <map>
 #include <regex>
@@ -18,7 +18,8 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// All that a device's runs leave behind, with each random key replaced by the same word.
+// Everything that the runs on a device send, store and print, with each random key replaced by the
+// same word.
 struct Traces {
   std::vector<std::string> requests;
   std::string stored;
@@ -104,7 +105,7 @@ class ALocale : public testing::TestWithParam<HostAndLocale> {
   }
 };
 
-TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInWhatIsSentAndStored) {
+TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInRequestsAndStore) {
   const auto& [program, locale] = GetParam();
   const Traces plain = traces("kivo-intents", "C");
   const Traces localized = traces(program, locale);
@@ -124,7 +125,7 @@ TEST_P(ALocale, ChangesOnlyTheDayOfTheTotalsInWhatIsSentAndStored) {
   EXPECT_EQ(localized.day, day == days.end() ? plain.day : day->second);
 }
 
-TEST_P(ALocale, ChangesNothingOfADialogButTheAmount) {
+TEST_P(ALocale, ChangesOnlyTheAmountInADialog) {
   const auto& [program, locale] = GetParam();
   static const std::map<std::string, std::string> amounts = {
       {"C", "TRY\u00a01234567.62"},

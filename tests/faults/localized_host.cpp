@@ -1,5 +1,5 @@
-// kivo-intents inside a process that has made the environment's locale its own, in C and in C++, as
-// a host may have. Ends with status 70 when there is no such locale.
+// kivo-intents inside a process that sets the locale of the environment in C and in C++, as a host
+// may. Ends with status 70 when the locale does not exist.
 #include <clocale>
 #include <locale>
 #include <stdexcept>

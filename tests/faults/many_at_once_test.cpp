@@ -1,5 +1,4 @@
-// Many runs of the real program at the same time on one store. What overlapping runs may lose, and
-// what they may not.
+// Many runs of the real program at the same time on one store: what overlaps may lose and may not.
 #include <algorithm>
 #include <iostream>
 #include <map>
@@ -21,7 +20,7 @@ using linux_platform::ProgramResult;
 constexpr int processes = 8;
 constexpr const char* tracked = "Tracked EGP\u00a01.00 at Shop\n";
 
-class ManyAtOnce : public ExtensionProgram {
+class ParallelRuns : public ExtensionProgram {
  protected:
   /// Calls `run` with each worker's and turn's number, the workers side by side.
   template <typename Run>
@@ -65,9 +64,9 @@ void PrintTo(Amount amount, std::ostream* stream) {
   *stream << (amount == Amount::ofTheCap ? "of the cap" : "beyond the cap");
 }
 
-class OfflineRuns : public ManyAtOnce, public testing::WithParamInterface<Amount> {};
+class OfflineRuns : public ParallelRuns, public testing::WithParamInterface<Amount> {};
 
-TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseOnlyOverlapsAndTheCap) {
+TEST_P(OfflineRuns, KeepTheStoreIntactAndLoseTextsOnlyByOverlapOrCap) {
   signIn();
   backend.goAway();
   std::atomic<int> savedOffline = 0;
@@ -93,18 +92,18 @@ TEST_P(OfflineRuns, LeaveAWholeStoreAndLoseOnlyOverlapsAndTheCap) {
   std::cout << "measured: " << handedOver.size() << " offline runs of 8 processes, " << texts.size()
             << " texts queued\n";
 
-  // Nothing is left behind that would keep a later run from its work.
+  // Nothing remains that would hinder a later run.
   EXPECT_TRUE(isSavedOffline(processSMS("one more")));
   EXPECT_TRUE(queuedTexts().contains("one more"));
 }
 
-// 200 texts are as many as the queue holds: what is missing of them was lost to overlaps.
+// The queue holds 200 texts; those that are missing were lost to overlaps.
 INSTANTIATE_TEST_SUITE_P(, OfflineRuns, testing::Values(Amount::ofTheCap, Amount::beyondTheCap),
                          [](const auto& amount) {
                            return amount.param == Amount::ofTheCap ? "AtTheCap" : "BeyondTheCap";
                          });
 
-TEST_F(ManyAtOnce, OnlineAndOfflineLeaveAWholeStoreAndSendNoTextUnderTwoKeys) {
+TEST_F(ParallelRuns, KeepTheStoreIntactAndSendEachTextUnderOneKey) {
   UnreliableBackend unreliable(7, 0.3);
   signIn(unreliable.url());
   std::mutex mutex;
@@ -155,7 +154,7 @@ TEST_F(ManyAtOnce, OnlineAndOfflineLeaveAWholeStoreAndSendNoTextUnderTwoKeys) {
             << lost << " lost to overlaps\n";
 }
 
-TEST_F(ManyAtOnce, MakeTheSameStoreWithoutAFailure) {
+TEST_F(ParallelRuns, CreateTheSameStoreWithoutAFailure) {
   const auto phone = linux_platform::programFolder() / "kivo-phone";
   const int rounds = inAskedForm(30, 100);
   for (int round = 0; round < rounds; ++round) {

@@ -1,5 +1,5 @@
-// Where a message must not show: core dumps, arguments of other programs, what the programs say, a
-// terminal's controls.
+// A message does not leak into core dumps, arguments of other programs, printed lines or the
+// controls of a terminal.
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -58,7 +58,7 @@ class AMessage : public testkit::ExtensionProgram {
   }
 };
 
-TEST_F(AMessage, IsInNoCoreDumpOfARunThatStopsOnPurpose) {
+TEST_F(AMessage, IsInNoCoreDumpOfARunThatAborts) {
   signIn("http://exa mple");  // cannot be parsed, which stops the process
   const std::string input = folders.home() / "message";
   std::ofstream(input) << message;
@@ -77,7 +77,7 @@ TEST_F(AMessage, IsInNoCoreDumpOfARunThatStopsOnPurpose) {
   EXPECT_FALSE(WCOREDUMP(status));
 }
 
-TEST_F(AMessage, IsInNoCoreDumpOfACenterThatIsMadeToDump) {
+TEST_F(AMessage, IsInNoCoreDumpOfTheNotificationCenter) {
   if (!WCOREDUMP(statusOf([] { std::abort(); }))) {
     GTEST_SKIP() << "no process dumps core on this machine";
   }
@@ -98,7 +98,7 @@ TEST_F(AMessage, IsInNoCoreDumpOfACenterThatIsMadeToDump) {
   EXPECT_FALSE(WCOREDUMP(status));
 }
 
-TEST_F(AMessage, IsInTheArgumentsOfNoProgramThatARunStarts) {
+TEST_F(AMessage, IsInNoArgumentOfAChildProcess) {
   signIn();
   backend.answers(200, testkit::savedAnswer("expense"));
   const std::string calls = folders.home() / "calls";
@@ -115,7 +115,7 @@ TEST_F(AMessage, IsInTheArgumentsOfNoProgramThatARunStarts) {
   EXPECT_THAT(traced, Not(HasSubstr("MARK")));
 }
 
-TEST_F(AMessage, IsNotExecutedByATerminalThatShowsTheQueueOrTheStore) {
+TEST_F(AMessage, IsEscapedWhenATerminalShowsTheQueueOrTheStore) {
   signIn();
   backend.goAway();
   const std::string hostile =
@@ -160,7 +160,7 @@ class ANotifiedMessage : public testing::Test {
   testkit::PrivatePhone phone;
 };
 
-TEST_F(ANotifiedMessage, IsNoPartOfWhatTheLinkOpenerIsStartedWith) {
+TEST_F(ANotifiedMessage, IsNotPassedToTheLinkOpener) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("0.0").status, 0);
   const auto shown = display.waitForShown(1, std::chrono::seconds(10));
@@ -171,7 +171,7 @@ TEST_F(ANotifiedMessage, IsNoPartOfWhatTheLinkOpenerIsStartedWith) {
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://"));
 }
 
-TEST_F(ANotifiedMessage, IsNoPartOfWhatTheCenterSays) {
+TEST_F(ANotifiedMessage, IsNotPrintedByTheCenter) {
   ChildProcess center({.program = linux_platform::programFolder() / "kivo-notification-center"});
   ASSERT_TRUE(testkit::eventually([&] {
     return phone

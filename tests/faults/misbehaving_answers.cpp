@@ -12,7 +12,7 @@ std::vector<Misbehaviour> brokenAnswers() {
   const std::string interim = "HTTP/1.1 100 Continue\r\n\r\n";
   const std::string block(8192, 'x');
   return {
-      // Good answers in unusual clothes.
+      // Valid answers in unusual formats.
       {"HTTP/1.0", answering("HTTP/1.0 200 OK\r\n\r\n" + body), Ending::tracked},
       {"HTTP/1.0 with a length", answering("HTTP/1.0" + good.substr(8)), Ending::tracked},
       {"no length, ended by the close", answering("HTTP/1.1 200 OK\r\n\r\n" + body),
@@ -43,7 +43,7 @@ std::vector<Misbehaviour> brokenAnswers() {
       {"ignored after interim answers",
        answering(repeated(interim, 3) + httpAnswer(200, R"({"saved":false})")), Ending::ignored},
 
-      // Lengths and chunks that lie.
+      // Wrong lengths and chunks.
       {"a length too short", answering(withLength(body.size() - 1, body)), Ending::savedOffline,
        undecodable},
       {"a length too long", answering(withLength(body.size() + 1, body)), Ending::savedOffline,
@@ -70,7 +70,7 @@ std::vector<Misbehaviour> brokenAnswers() {
        Ending::savedOffline, noHTTP},
       {"no last chunk", answering(chunkedHead + chunk(body)), Ending::savedOffline, lost},
 
-      // Answers without an end.
+      // Endless answers.
       {"an endless status line", endless("HTTP/1.1 200 ", block), Ending::savedOffline, tooLarge},
       {"an endless header", endless("HTTP/1.1 200 OK\r\nA: ", block), Ending::savedOffline,
        tooLarge},
@@ -86,7 +86,7 @@ std::vector<Misbehaviour> brokenAnswers() {
       {"17 interim answers", answering(repeated(interim, 17) + good), Ending::savedOffline, noHTTP},
       {"a storm of interim answers", endless("", interim), Ending::savedOffline, noHTTP},
 
-      // What is no HTTP/1.
+      // Not HTTP/1.
       {"the preface of HTTP/2", answering("PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n"), Ending::savedOffline,
        noHTTP},
       {"settings of HTTP/2",

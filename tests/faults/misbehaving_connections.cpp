@@ -13,7 +13,7 @@ std::vector<Misbehaviour> brokenConnections() {
     return [=](ServerConnection& connection) {
       connection.readRequest();
       connection.write(bytes);
-      connection.closeRudely();
+      connection.closeWithoutNotify();
     };
   };
   const auto alerting = [](const std::string& bytes) -> Script {

@@ -1,5 +1,4 @@
-// The ways in which a backend misbehaves on the wire, each with what a run has to make of it.
-// Runs nothing.
+// The ways in which a backend misbehaves on the wire, each with the expected outcome of a run.
 #pragma once
 
 #include <chrono>
@@ -10,13 +9,13 @@
 
 namespace kivo::testkit {
 
-/// What a run ends in.
+/// The outcome of a run.
 enum class Ending {
   tracked,
   ignored,
   declined,
   savedOffline,
-  /// The answer was whole and good when the connection broke: either it was read or it was not.
+  /// The answer was complete and valid when the connection broke; it may have been read or not.
   trackedOrSavedOffline,
 };
 
@@ -26,21 +25,21 @@ struct Misbehaviour {
   std::string name;
   Script script;
   Ending ending = Ending::savedOffline;
-  /// What the line about a failure begins with after the intent's name.
+  /// The beginning of the error line, after the name of the intent.
   std::string error = {};
-  /// By TLS with an identity that is trusted.
+  /// Over TLS with a trusted certificate.
   Transport transport = Transport::plain;
 };
 
-/// Those that a run ends by itself.
+/// Those that a run detects without a timeout.
 std::vector<Misbehaviour> brokenAnswers();
 std::vector<Misbehaviour> brokenConnections();
-/// `elsewhere` is where the redirects among them lead to.
+/// `elsewhere` is the target of the redirects among them.
 std::vector<Misbehaviour> answersOfEachStatus(const std::string& elsewhere);
-/// Those that only the limit ends, and those that end shortly before it.
+/// Those that only the timeout ends, and those that end shortly before it.
 std::vector<Misbehaviour> slowServers();
 
-/// The body that has a run answer that 150 were tracked at Carrefour.
+/// The body after which a run answers that 150 were tracked at Carrefour.
 std::string trackedBody();
 
 }  // namespace kivo::testkit

@@ -1,4 +1,4 @@
-// What the whole program makes of a backend that misbehaves on the wire.
+// The whole program against a backend that misbehaves on the wire.
 #include "misbehaving_server.h"
 
 #include <algorithm>
@@ -18,13 +18,13 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using linux_platform::ProgramResult;
 
-// What an exchange may take, and what a run may take beyond it.
+// The timeout of an exchange, and the time that a run may take beyond it.
 constexpr auto limit = 15s;
 constexpr auto rest = 1s;
 
 constexpr const char* smsText = "Paid 150 at Carrefour";
 
-// A phone of which there may be many at once: a signed-in person's store and a run on it.
+// A phone that can exist many times at once: the store of a signed-in user and a run on it.
 class Phone {
  public:
   explicit Phone(const std::string& url) {
@@ -71,7 +71,7 @@ class AMisbehavingServer : public testing::Test {
  protected:
   AMisbehavingServer() { authority_.addTo(trusted_.path()); }
 
-  /// Has a run meet each of `all`, so many side by side, and checks what it comes to.
+  /// Runs the program against each of `all`, `atOnce` at a time, and checks the outcomes.
   void meetEach(const std::vector<Misbehaviour>& all, std::size_t atOnce,
                 Clock::duration longest = limit + rest) {
     for (std::size_t from = 0; from < all.size(); from += atOnce) {
@@ -99,7 +99,7 @@ class AMisbehavingServer : public testing::Test {
                 std::to_string(server.port())) {}
   };
 
-  /// What this machine needs at this moment to run so many programs at once.
+  /// The time that this machine needs now to run so many programs at once.
   static Clock::duration timeToStart(std::size_t count) {
     const auto before = Clock::now();
     std::vector<std::unique_ptr<linux_platform::ChildProcess>> programs;
@@ -180,26 +180,26 @@ class AMisbehavingServer : public testing::Test {
   ServerIdentity identity_ = authority_.certify();
 };
 
-TEST_F(AMisbehavingServer, LeavesTheTextQueuedUnlessItsAnswerIsGoodAfterAll) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedUnlessItsAnswerIsValid) {
   meetEach(brokenAnswers(), 8);
 }
 
-TEST_F(AMisbehavingServer, ThatBreaksTheConnectionLeavesTheTextInTheQueue) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedWhenItBreaksTheConnection) {
   meetEach(brokenConnections(), 8);
 }
 
-TEST_F(AMisbehavingServer, LeavesTheTextQueuedAndIsNotFollowedWithoutA200) {
+TEST_F(AMisbehavingServer, LeavesTheTextQueuedWithoutA200AndItsRedirectUnfollowed) {
   const ScriptedServer elsewhere(answering(httpAnswer(200, trackedBody())));
   meetEach(answersOfEachStatus(elsewhere.url()), 8);
   EXPECT_EQ(elsewhere.connections(), 0);
 }
 
-TEST_F(AMisbehavingServer, ThatKeepsARunWaitingDoesSoForTheLimitAtMost) {
+TEST_F(AMisbehavingServer, DelaysARunByTheTimeoutAtMost) {
   const auto all = slowServers();
   meetEach(all, all.size());
 }
 
-TEST_F(AMisbehavingServer, ThatSendsACompressedBombHasNothingExpanded) {
+TEST_F(AMisbehavingServer, HasItsCompressedBodyLeftCompressed) {
   // 100 MB of zeros, in less than 100 KB.
   const std::string bomb =
       linux_platform::runProgram(
@@ -215,7 +215,7 @@ TEST_F(AMisbehavingServer, ThatSendsACompressedBombHasNothingExpanded) {
            2, 5s);
 }
 
-TEST_F(AMisbehavingServer, ThatNeverTakesTheConnectionIsGivenUpAtTheLimit) {
+TEST_F(AMisbehavingServer, CausesATimeoutWhenItAcceptsNoConnection) {
   const SilentPort silent;
   Phone phone("http://127.0.0.1:" + std::to_string(silent.port()));
   phone.start("");

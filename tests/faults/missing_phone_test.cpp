@@ -1,5 +1,5 @@
-// Runs on a phone of which parts are missing or bad: the dialogs are the same to the byte, and all
-// that is missing is waited for one second at most.
+// Runs without a working bus or notification center: the dialogs are the same byte for byte, and a
+// run waits one second at most.
 #include <array>
 #include <csignal>
 #include <fstream>
@@ -31,9 +31,9 @@ constexpr const char* centerName = "app.kivo.NotificationCenter";
 constexpr const char* centerPath = "/app/kivo/NotificationCenter";
 constexpr const char* centerInterface = "app.kivo.NotificationCenter1";
 
-class ARunWithoutTheRestOfThePhone : public ExtensionProgram {
+class ARunWithABadBus : public ExtensionProgram {
  protected:
-  ARunWithoutTheRestOfThePhone() { signIn(); }
+  ARunWithABadBus() { signIn(); }
 
   /// An offline run, and then an online one that drains its text: both have to post.
   void answersTheSame(const std::string& surroundings, Clock::duration wait = 1s) {
@@ -68,7 +68,7 @@ class ARunWithoutTheRestOfThePhone : public ExtensionProgram {
 
  private:
   void expect(const std::string& dialog, const std::string& text, Clock::duration wait) {
-    // What a run takes of this machine at this moment.
+    // The time that a run needs on this machine now.
     const auto begin = Clock::now();
     EXPECT_EQ(run({"catalog"}).status, 0);
     const auto start = Clock::now() - begin;
@@ -83,7 +83,7 @@ class ARunWithoutTheRestOfThePhone : public ExtensionProgram {
   }
 };
 
-TEST_F(ARunWithoutTheRestOfThePhone, HasNoBusToReach) {
+TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusCannotBeReached) {
   std::ofstream(folders.home() / "file") << "no socket";
   for (const std::string& address :
        {std::string(), std::string("nonsense"), std::string("unix:path=/nonexistent/bus"),
@@ -98,7 +98,7 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasNoBusToReach) {
   answersTheSame("no runtime folder either");
 }
 
-TEST_F(ARunWithoutTheRestOfThePhone, StartsNoBusOfItsOwn) {
+TEST_F(ARunWithABadBus, StartsNoBusItself) {
   const auto trace = folders.home() / "trace";
   const ScopedVariable display("DISPLAY", ":0");
   for (const char* const address : {"autolaunch:", "unix:path=/nonexistent/bus;autolaunch:"}) {
@@ -116,7 +116,7 @@ TEST_F(ARunWithoutTheRestOfThePhone, StartsNoBusOfItsOwn) {
   }
 }
 
-TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatHangs) {
+TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusHangs) {
   const SilentSocket silent(folders.home() / "silent");
   answersTheSameOnBus(silent.busAddress());
   PrivateSessionBus bus(folders.home());
@@ -125,13 +125,13 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatHangs) {
   bus.daemon().signal(SIGCONT);
 }
 
-TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatTakesNobodyIn) {
+TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusAcceptsNoConnection) {
   SilentSocket full(folders.home() / "full");
-  full.takeNobodyIn();
+  full.acceptNoConnection();
   answersTheSameOnBus(full.busAddress());
 }
 
-TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatSpeaksNonsense) {
+TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusSendsGarbage) {
   for (const std::string& words :
        {std::string(), std::string("OK\r\n"), std::string("HTTP/1.1\r\n"),
         std::string("REJECTED EXTERNAL\r\n"), std::string(100'000, 'x'),
@@ -145,7 +145,7 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatSpeaksNonsense) {
   }
 }
 
-TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatDiesMeanwhile) {
+TEST_F(ARunWithABadBus, AnswersTheSameWhenTheBusDiesMeanwhile) {
   for (const auto pause : {0ms, 5ms, 20ms, 100ms, 500ms}) {
     const TemporaryFolder folder;
     PrivateSessionBus bus(folder.path());
@@ -159,7 +159,7 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasABusThatDiesMeanwhile) {
   }
 }
 
-TEST_F(ARunWithoutTheRestOfThePhone, HasACenterThatCannotBeStarted) {
+TEST_F(ARunWithABadBus, AnswersTheSameWhenTheCenterCannotBeStarted) {
   const PrivateSessionBus none(folders.home());
   answersTheSameOnBus(none.address());
   for (const char* const command : {"/nonexistent", "/bin/false", "/bin/true", "/bin/sleep 5"}) {
@@ -168,9 +168,9 @@ TEST_F(ARunWithoutTheRestOfThePhone, HasACenterThatCannotBeStarted) {
   }
 }
 
-class ARunBesideABadCenter : public ARunWithoutTheRestOfThePhone {
+class ARunWithABadCenter : public ARunWithABadBus {
  protected:
-  /// The real notification center, on a bus where no notification server is.
+  /// The real notification center, on a bus without a notification server.
   void startCenter() {
     bus_ = std::make_unique<PrivateSessionBus>(
         folders.home(),
@@ -188,7 +188,7 @@ class ARunBesideABadCenter : public ARunWithoutTheRestOfThePhone {
     kill(std::stoi(answer.substr(answer.find(' '))), signal);  // (uint32 1234,)
   }
 
-  /// A center that answers as told in Python's words.
+  /// A center whose answers are given as Python code.
   void startOddCenter() {
     bus_ = std::make_unique<PrivateSessionBus>(folders.home());
     address_.emplace("DBUS_SESSION_BUS_ADDRESS", bus_->address());
@@ -220,12 +220,12 @@ class ARunBesideABadCenter : public ARunWithoutTheRestOfThePhone {
   std::unique_ptr<linux_platform::ChildProcess> mock_;
 };
 
-TEST_F(ARunBesideABadCenter, HasNoNotificationServer) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWithoutANotificationServer) {
   startCenter();
   answersTheSame("no notification server");
 }
 
-TEST_F(ARunBesideABadCenter, HasNoPermission) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWithoutPermission) {
   startCenter();
   using enum platform::UNAuthorizationStatus;
   for (const auto status : {notDetermined, denied, provisional, ephemeral}) {
@@ -234,14 +234,14 @@ TEST_F(ARunBesideABadCenter, HasNoPermission) {
   }
 }
 
-TEST_F(ARunBesideABadCenter, HasOneThatHangs) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWhenTheCenterHangs) {
   startCenter();
   signalCenter(SIGSTOP);
   answersTheSame("a center that hangs");
   signalCenter(SIGKILL);
 }
 
-TEST_F(ARunBesideABadCenter, HasOneThatDiesWhenAsked) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWhenTheCenterDiesDuringACall) {
   startCenter();
   for (const auto pause : {0ms, 10ms, 300ms}) {
     signalCenter(SIGSTOP);
@@ -254,7 +254,7 @@ TEST_F(ARunBesideABadCenter, HasOneThatDiesWhenAsked) {
   }
 }
 
-TEST_F(ARunBesideABadCenter, HasOneThatRefuses) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWhenTheCenterRefuses) {
   startOddCenter();
   const char* const no = "raise dbus.exceptions.DBusException('no', name='org.example.No')";
   answers("AuthorizationStatus", "s", "i", no);
@@ -264,7 +264,7 @@ TEST_F(ARunBesideABadCenter, HasOneThatRefuses) {
   answersTheSame("no notification");
 }
 
-TEST_F(ARunBesideABadCenter, HasOneThatAnswersNonsense) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWhenTheCenterAnswersGarbage) {
   startOddCenter();
   answersTheSame("no method at all");
   const std::array nonsense{std::pair("s", "ret = 'authorized'"),    std::pair("i", "ret = 5"),
@@ -279,7 +279,7 @@ TEST_F(ARunBesideABadCenter, HasOneThatAnswersNonsense) {
   answersTheSame("something for a notification");
 }
 
-TEST_F(ARunBesideABadCenter, HasOneThatAnswersJustTooLate) {
+TEST_F(ARunWithABadCenter, AnswersTheSameWhenTheCenterAnswersAfterTheTimeout) {
   startOddCenter();
   answers("AuthorizationStatus", "s", "i", "import time; time.sleep(1.2); ret = 2");
   answers("Add", "ssa{sv}db", "", "import time; time.sleep(1.2)");

@@ -1,5 +1,5 @@
-// That a text which has left the queue, or was shown, is in no file any more: after the real
-// programs, beside another process that has the store open, and after a kill at any place.
+// A text that left the queue, or was shown, is in no file any more: after the real programs, while
+// another process has the store open, and after a kill at any system call.
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -26,8 +26,8 @@ using testing::SizeIs;
 
 constexpr const char* message = "Your card was charged MARKAMOUNT 7731.19 at MARKMERCHANT";
 
-// Another program that has the database open, so that nobody is the last to close it, and that is
-// in the middle of a read when `statement` begins one. Until its end.
+// Another program that has the database open, so that the last connection is not closed, and that
+// is in the middle of a read when `statement` begins one. Until its end.
 class Holder {
  public:
   Holder(const fs::path& file, const std::string& statement)
@@ -93,7 +93,7 @@ TEST_F(ADrainedText, IsInNoFileWhileAnotherProcessHasTheStoreOpen) {
   EXPECT_THAT(stored(), Not(HasSubstr("MARK")));
 }
 
-TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsAReader) {
+TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsALongRead) {
   queueMessage();
   const Holder stays(folders.storeFile(), openOnly);
   Holder other(folders.storeFile(), inTheMiddleOfARead);
@@ -108,8 +108,9 @@ TEST_F(ADrainedText, IsInNoFileAfterTheRunThatFollowsAReader) {
   EXPECT_THAT(stored(), Not(HasSubstr("MARK")));
 }
 
-// Kills a draining run at the N-th call of each of these, lets one more run happen, and looks.
-TEST_F(ADrainedText, IsInNoFileAfterAKillAnywhereAndOneMoreRun) {
+// Kills a draining run at the N-th call of each of these, performs one more run, and checks the
+// files.
+TEST_F(ADrainedText, IsInNoFileAfterAKillAndOneMoreRun) {
   int kills = 0;
   int gone = 0;
   const bool isLong = std::getenv("KIVO_LONG") != nullptr;
@@ -181,7 +182,7 @@ TEST_F(AShownNotification, IsInNoFile) {
   EXPECT_TRUE(isGone());
 }
 
-TEST_F(AShownNotification, IsInNoFileWhenItsCenterWasKilledBeforeAndStartedAgain) {
+TEST_F(AShownNotification, IsInNoFileWhenTheCenterWasRestartedBefore) {
   NotificationDisplay display(phone.address());
   add("one", "0.5");
   phone.killCenter();
@@ -190,7 +191,7 @@ TEST_F(AShownNotification, IsInNoFileWhenItsCenterWasKilledBeforeAndStartedAgain
   EXPECT_TRUE(isGone());
 }
 
-TEST_F(AShownNotification, IsInNoFileWhenItsBundleWasDeniedInstead) {
+TEST_F(AShownNotification, IsInNoFileWhenItsBundleIsDenied) {
   add("one", "60.0");
   EXPECT_EQ(phone.callCenter("SetAuthorizationStatus", {"app.kivo.expenses.intents", "1"}).status,
             0);

@@ -1,5 +1,4 @@
-// What the wire carries when a server misbehaves, and the errors that runs tell of it. Serves
-// nothing.
+// Scripts of misbehaving servers, and the errors that runs report for them.
 #pragma once
 
 #include <chrono>
@@ -56,7 +55,7 @@ inline Script silentAfter(const std::string& bytes) {
   };
 }
 
-/// Reads the request, sends `bytes` and, once they are read for sure, resets the connection.
+/// Reads the request, sends `bytes` and resets the connection once they have been read.
 inline Script resetAfter(const std::string& bytes, std::chrono::milliseconds pause = 300ms) {
   return [=](ServerConnection& connection) {
     connection.readRequest();
@@ -66,7 +65,7 @@ inline Script resetAfter(const std::string& bytes, std::chrono::milliseconds pau
   };
 }
 
-/// Reads the request, sends `begin` at once and of `rest` a byte a second.
+/// Reads the request, sends `begin` at once and then one byte of `rest` per second.
 inline Script dripping(const std::string& begin, const std::string& rest) {
   return [=](ServerConnection& connection) {
     connection.readRequest();

@@ -1,4 +1,4 @@
-// Who gets at the files of the real programs: modes, and links in their place.
+// Access to the files of the real programs: file modes, and symbolic links in their place.
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -23,7 +23,7 @@ using testing::HasSubstr;
 
 constexpr const char* refusal = "Failed to access app storage\n";
 
-// The files of a suite, each by what its name ends in.
+// The suffixes of the files of a suite.
 constexpr const char* suffixes[] = {"", "-wal", "-shm", "-journal", "-unerased"};
 
 unsigned modeOf(const fs::path& path) {
@@ -32,7 +32,7 @@ unsigned modeOf(const fs::path& path) {
   return found.st_mode & 07777U;
 }
 
-// That the folder is 0700 and its files, of which there are `count`, are 0600.
+// Expects that the folder is 0700 and its `count` files are 0600.
 void expectPrivate(const fs::path& folder, std::size_t count) {
   EXPECT_EQ(modeOf(folder), 0700U) << folder;
   std::size_t files = 0;
@@ -48,7 +48,7 @@ class TheStoreOfARun : public testkit::ExtensionProgram {
   [[nodiscard]] fs::path folder() const { return folders.storeFile().parent_path(); }
   [[nodiscard]] fs::path elsewhere() const { return folders.home() / "elsewhere"; }
 
-  // A store of somebody else outside, with modes that have to stay.
+  // A store outside the data folder, with modes that must not change.
   void moveStoreElsewhere() const {
     fs::create_directories(elsewhere().parent_path());
     fs::rename(folder(), elsewhere());
@@ -57,13 +57,13 @@ class TheStoreOfARun : public testkit::ExtensionProgram {
   }
 };
 
-TEST_F(TheStoreOfARun, IsForItsOwnerOnlyWhateverTheUmask) {
+TEST_F(TheStoreOfARun, IsPrivateToItsOwnerUnderAnyUmask) {
   const testkit::ScriptedServer silent([](testkit::ServerConnection& self) { self.idle(); });
   int runs = 0;
   for (const char* const mask : {"000", "022", "077", "277", "777"}) {
     SCOPED_TRACE(mask);
     fs::remove_all(folders.dataHome());
-    // Nobody is signed in, so that this run makes the store and ends.
+    // Without a sign-in, this run creates the store and ends.
     const auto perform = [&] {
       return ProgramCall{.program = "sh",
                          .arguments = {"-c",
@@ -75,7 +75,7 @@ TEST_F(TheStoreOfARun, IsForItsOwnerOnlyWhateverTheUmask) {
     EXPECT_THAT(linux_platform::runProgram(perform()).output, HasSubstr("sign in first"));
     expectPrivate(folder(), 3);
     signIn(silent.url());
-    // Another program, which is the last to close it, empties the log and takes it away.
+    // Another program, the last to close the database, checkpoints and removes the WAL.
     testkit::RawStore(folders.storeFile()).run("SELECT count(*) FROM defaults");
     expectPrivate(folder(), 1);
     ChildProcess dying(perform());
@@ -86,7 +86,7 @@ TEST_F(TheStoreOfARun, IsForItsOwnerOnlyWhateverTheUmask) {
   }
 }
 
-TEST_F(TheStoreOfARun, IsRefusedBehindALinkToAnotherFolder) {
+TEST_F(TheStoreOfARun, IsRefusedWhenItsFolderIsASymbolicLink) {
   signIn();
   moveStoreElsewhere();
   const std::string before = testkit::bytesIn(elsewhere());
@@ -100,7 +100,7 @@ TEST_F(TheStoreOfARun, IsRefusedBehindALinkToAnotherFolder) {
   EXPECT_THAT(backend.requests(), testing::IsEmpty());
 }
 
-TEST_F(TheStoreOfARun, IsRefusedWithALinkInPlaceOfAnyFileEvenADanglingOne) {
+TEST_F(TheStoreOfARun, IsRefusedWhenAnyOfItsFilesIsASymbolicLink) {
   for (const char* const suffix : suffixes) {
     for (const bool dangling : {false, true}) {
       SCOPED_TRACE(std::string(suffix) + (dangling ? " to nowhere" : " to a file"));
@@ -138,7 +138,7 @@ class TheStoreOfTheCenter : public testing::Test {
   mode_t umaskBefore_ = umask(0);
 };
 
-TEST_F(TheStoreOfTheCenter, IsForItsOwnerOnlyWhateverTheUmask) {
+TEST_F(TheStoreOfTheCenter, IsPrivateToItsOwnerUnderAnyUmask) {
   testkit::PrivatePhone phone;
   ASSERT_EQ(phone.callCenter("SetAuthorizationStatus", {"some.bundle", "2"}).status, 0);
   ASSERT_EQ(
@@ -149,7 +149,7 @@ TEST_F(TheStoreOfTheCenter, IsForItsOwnerOnlyWhateverTheUmask) {
   expectPrivate(folder(phone), 3);
 }
 
-TEST_F(TheStoreOfTheCenter, IsRefusedBehindALink) {
+TEST_F(TheStoreOfTheCenter, IsRefusedWhenItIsBehindASymbolicLink) {
   testkit::PrivatePhone phone;
   const fs::path elsewhere = phone.folders().home() / "elsewhere";
   for (const char* const suffix : suffixes) {

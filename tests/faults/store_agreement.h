@@ -1,4 +1,4 @@
-// Whether a store's file is whole and what belongs together in it agrees. Judges no single value.
+// Checks that the file of a store is intact and that its values are consistent.
 #pragma once
 
 #include <filesystem>
@@ -8,8 +8,8 @@
 
 namespace kivo::testkit {
 
-/// Empty when the file is whole, the queue's count is the queue's length and the four totals are
-/// there together or not at all; else what is not so.
+/// Empty when the file is intact, the stored count equals the length of the queue, and the four
+/// totals are all present or all absent; else a description of the problem.
 inline std::string storeDisagreement(const std::filesystem::path& file) {
   RawStore store(file);
   std::string disagreement;

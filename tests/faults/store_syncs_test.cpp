@@ -1,4 +1,4 @@
-// How often a run waits for the disk, as the calls of the real program tell.
+// The number of fsyncs of a run, counted by strace.
 #include <fstream>
 
 #include "faulted_program.h"
@@ -7,7 +7,7 @@
 namespace kivo::testkit {
 namespace {
 
-class TheSyncsOfARun : public FaultedProgram {
+class TheFsyncsOfARun : public FaultedProgram {
  protected:
   int syncs(const std::string& text) const {
     const linux_platform::ProgramResult result = linux_platform::runProgram(
@@ -27,7 +27,7 @@ class TheSyncsOfARun : public FaultedProgram {
 
 // One for the commit of the totals, and one for the folder: SQLite syncs it with the first sync of
 // each connection's WAL, which a killed run may have created. The drain lock needs none.
-TEST_F(TheSyncsOfARun, ThatSavesAreTwo) {
+TEST_F(TheFsyncsOfARun, AreTwoWhenItSaves) {
   signIn();
   backend.answers(200, savedAnswer("expense"));
   syncs("Paid 1");
@@ -35,7 +35,7 @@ TEST_F(TheSyncsOfARun, ThatSavesAreTwo) {
 }
 
 // The commit and the folder.
-TEST_F(TheSyncsOfARun, ThatQueuesItsTextAreTwo) {
+TEST_F(TheFsyncsOfARun, AreTwoWhenItQueuesItsText) {
   signIn();
   backend.goAway();
   syncs("Paid 1");
@@ -45,7 +45,7 @@ TEST_F(TheSyncsOfARun, ThatQueuesItsTextAreTwo) {
 // The folder for the note that an erasure is owed; the header of the WAL, which the run before has
 // truncated, and the folder once more; the commit; the WAL and the database for the checkpoint; the
 // truncated WAL before the note is removed.
-TEST_F(TheSyncsOfARun, ThatDropsTheOldestTextForItsOwnAreSeven) {
+TEST_F(TheFsyncsOfARun, AreSevenWhenAFullQueueDropsItsOldestText) {
   std::vector<PendingSmsItem> items;
   for (std::size_t count = 0; count < PendingSmsQueue::capacity; ++count) {
     items.push_back(queuedItem(std::to_string(10'000'000 + count)));

@@ -1,4 +1,4 @@
-// What must hold of a run that something failed under, whatever it was. Fails nothing itself.
+// The conditions that must hold after a run in which any call failed.
 #pragma once
 
 #include <functional>
@@ -10,32 +10,32 @@
 
 namespace kivo::testkit {
 
-/// The dialogs that a run of ProcessSMSIntent on a text may end with, but for the amount in one.
+/// The dialogs with which a run of ProcessSMSIntent on a text may end, without an amount.
 bool isStatedDialog(const std::string& dialog);
 
-/// The last line that the program answered; empty when there is none.
+/// The last line of the program's output; empty when there is none.
 std::string dialogOf(const linux_platform::ProgramResult& result);
 
-/// So many items "E1", "E2" ...
+/// `count` items "E1", "E2" ...
 std::vector<PendingSmsItem> queuedItems(int count);
 
-/// Runs in an extension whose store has earlier texts, and what became of them and the new one.
+/// Performs runs on a store with earlier texts, and counts the outcomes for these and the new text.
 class SurvivingRuns : public FaultedProgram {
  protected:
   enum class Backend { saves, fails };
 
-  /// Has the backend answer like that, and keeps a store with earlier texts.
+  /// Configures the backend, and fills a store with earlier texts.
   void prepare(Backend backend);
 
-  /// Puts the store back, performs a new text by `perform`, and has the run and all it leaves
-  /// looked at; its result.
+  /// Restores the store, performs a new text by `perform`, checks the run and the store, and
+  /// returns the result of the run.
   linux_platform::ProgramResult look(
       const std::function<linux_platform::ProgramResult(const std::string& text)>& perform);
 
-  /// So many that the queue fills pages of its own, which have to be read.
+  /// Enough that the queue fills pages of its own, which must be read.
   std::vector<PendingSmsItem> earlier = queuedItems(64);
 
-  // How many runs ended how.
+  // The number of runs per outcome.
   int runs = 0;
   int neverBegan = 0;
   int refused = 0;

@@ -1,5 +1,5 @@
-// SIGTERM and SIGINT at each system call of a run: it either has not begun, or it ends as it
-// should.
+// SIGTERM and SIGINT at each system call of a run: either it has not begun, or it answers and loses
+// no text.
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -25,8 +25,8 @@ struct Termination {
 
 void PrintTo(const Termination& termination, std::ostream* stream) { *stream << termination.name; }
 
-class ARunTerminatedAtAnyCall : public ExtensionProgram,
-                                public testing::WithParamInterface<Termination> {
+class ARunTerminatedAtAnySystemCall : public ExtensionProgram,
+                                      public testing::WithParamInterface<Termination> {
  protected:
   static constexpr const char* text = "Paid 1.00 at Shop, now";
   static constexpr const char* tracked = "Tracked EGP\u00a01.00 at Shop\n";
@@ -89,7 +89,7 @@ class ARunTerminatedAtAnyCall : public ExtensionProgram,
                        [&](const auto& item) { return item.smsText == wanted; });
   }
 
-  /// Expects that `result` is the end of a run that had not begun, or that it tells the truth.
+  /// Expects that `result` is from a run that had not begun, or that its dialog is true.
   void check(const ProgramResult& result, const UnreliableBackend& asked) {
     const bool ended = result.status == 0;
     if (!ended) {
@@ -116,7 +116,7 @@ class ARunTerminatedAtAnyCall : public ExtensionProgram,
   int savedOffline = 0;
 };
 
-TEST_P(ARunTerminatedAtAnyCall, WithAQueueToDrainAnswersAndLosesNothing) {
+TEST_P(ARunTerminatedAtAnySystemCall, AnswersAndLosesNoQueuedTextWhenItDrains) {
   atEachCall([this](const char* systemCall, int number) {
     const UnreliableBackend healthy(1, 0);
     signIn(healthy.url());
@@ -134,7 +134,7 @@ TEST_P(ARunTerminatedAtAnyCall, WithAQueueToDrainAnswersAndLosesNothing) {
   EXPECT_GT(savedOffline, 0);
 }
 
-TEST_P(ARunTerminatedAtAnyCall, OfflineAnswersAndQueuesTheText) {
+TEST_P(ARunTerminatedAtAnySystemCall, AnswersAndQueuesTheTextWhenOffline) {
   atEachCall([this](const char* systemCall, int number) {
     const UnreliableBackend untouched(1, 0);
     signIn("http://127.0.0.1:1");
@@ -147,7 +147,7 @@ TEST_P(ARunTerminatedAtAnyCall, OfflineAnswersAndQueuesTheText) {
   EXPECT_GT(savedOffline, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(, ARunTerminatedAtAnyCall,
+INSTANTIATE_TEST_SUITE_P(, ARunTerminatedAtAnySystemCall,
                          testing::Values(Termination{"SIGTERM", SIGTERM},
                                          Termination{"SIGINT", SIGINT}),
                          [](const auto& termination) { return termination.param.name; });

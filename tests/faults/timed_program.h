@@ -1,4 +1,4 @@
-// The real kivo-intents at a time and in a zone that a test chooses. Changes no clock but its own.
+// The real kivo-intents at a time and in a time zone that a test chooses.
 #pragma once
 
 #include <cstdint>
@@ -15,14 +15,14 @@ std::int64_t secondsOf(const std::string& time);
 /// The reverse.
 std::string timeOf(std::int64_t seconds);
 
-/// A text of a request's body.
+/// The text member of the body of a request.
 std::string memberOf(const HttpRequest& request, std::string_view member);
 
 class TimedProgram : public ExtensionProgram {
  protected:
   void SetUp() override { signIn(); }
 
-  /// Performs ProcessSMSIntent on `text`; the clock stands still at `seconds`.
+  /// Performs ProcessSMSIntent on `text` with the clock stopped at `seconds`.
   [[nodiscard]] linux_platform::ProgramResult runAt(std::int64_t seconds, const std::string& text,
                                                     const std::string& zone = "UTC") const;
   /// The same without a backend: expects that `text` is saved offline.

@@ -148,8 +148,8 @@ void UnreliableBackend::serve() {
 }
 
 void UnreliableBackend::exchange(int socket) {
-  const timeval patience{.tv_sec = 10, .tv_usec = 0};
-  setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  const timeval timeout{.tv_sec = 10, .tv_usec = 0};
+  setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
   const std::string body = readBody(socket);
   if (body.empty()) return closeAfter(socket, "");  // the peer went before it asked for anything
   Fault fault = Fault::none;

@@ -1,5 +1,5 @@
-// An extraction endpoint that stores each key once and fails as often as it is told to. Recognises
-// nothing: every text is an expense of 1 at Shop.
+// An extraction endpoint that stores each key once and fails as often as configured. It returns an
+// expense of 1 at Shop for every text.
 #pragma once
 
 #include <condition_variable>
@@ -14,14 +14,13 @@
 
 namespace kivo::testkit {
 
-/// How it fails a request.
+/// The ways in which it fails a request.
 enum class Fault { none, refused, resetAfterCommit, status500, garbage, closedWithoutAnswer };
 
-/// Takes one connection after the other, on a thread of its own. Its operations may be called from
-/// any thread.
+/// Accepts one connection after the other on a thread of its own. Thread-safe.
 class UnreliableBackend {
  public:
-  /// Fails with `probability` from 0 to 1, each fault alike; what comes is fixed by `seed`.
+  /// Fails with `probability` from 0 to 1, each fault equally often; `seed` fixes the sequence.
   UnreliableBackend(std::uint64_t seed, double probability);
   ~UnreliableBackend();
   UnreliableBackend(const UnreliableBackend&) = delete;
@@ -29,17 +28,17 @@ class UnreliableBackend {
 
   [[nodiscard]] std::string url() const;
 
-  /// Decides on the fate of the connection to come. A refused one is seen by nobody: all are
+  /// Chooses the fault of the next connection. It does not see a refused one: all are
   /// refused from then on until the next call.
   void beginRun();
-  /// Fails no more, from the connection to come on.
+  /// Stops failing, from the next connection on.
   void heal();
 
   /// The text stored under each key.
   [[nodiscard]] std::map<std::string, std::string> stored() const;
-  /// How many requests came with a key that was stored under another text.
+  /// The number of requests with a key that was stored with another text.
   [[nodiscard]] int contradictions() const;
-  /// How many requests met with each fault, or with none. The refused ones are not among them.
+  /// The number of requests for each fault, and for none. Refused ones are not counted.
   [[nodiscard]] std::map<Fault, int> met() const;
 
  private:
@@ -60,7 +59,7 @@ class UnreliableBackend {
   std::map<Fault, int> met_;
   int contradictions_ = 0;
   bool ending_ = false;
-  RefusedPort port_;  // stays ours while nobody listens
+  RefusedPort port_;  // keeps the port while nothing listens
   int listening_ = -1;
   std::thread thread_;
 };

@@ -1,4 +1,4 @@
-// Runs one after the other beside a backend that often fails: they lose exactly nothing.
+// Sequential runs with a backend that often fails: they lose nothing.
 #include "unreliable_backend.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using linux_platform::ProgramResult;
 
-// With these, texts still wait in the queue when the backend has become well.
+// With these, texts are still queued when the backend has recovered.
 const auto seed = static_cast<std::uint64_t>(inAskedForm(3, 5));
 constexpr double failing = 0.3;
 
@@ -52,7 +52,7 @@ class SequentialRuns : public ExtensionProgram {
   std::size_t longestQueue_ = 0;
 };
 
-TEST_F(SequentialRuns, EndAtTheBackendOncePerKeyWithNoneMissing) {
+TEST_F(SequentialRuns, DeliverEachTextOnceUnderOneKey) {
   std::set<std::string> handedOver;
   for (int number = 0; number < inAskedForm(200, 1000); ++number) {
     const std::string text = "Paid 1.00 at Shop, number " + std::to_string(number);

@@ -1,4 +1,4 @@
-// The real notification center on a private bus, and what a program can ask of it.
+// The real notification center on a private bus, and the calls that a program can make.
 #pragma once
 
 #include <string>

@@ -20,7 +20,7 @@ class AddExpenseByProgram : public testkit::ExtensionProgram {
   }
 };
 
-TEST_F(AddExpenseByProgram, ASavedOneIsTrackedAndCounted) {
+TEST_F(AddExpenseByProgram, ASavedExpenseIsTrackedAndCounted) {
   signIn();
   backend.answers(200, testkit::savedAnswer("expense"));
   expectAnswered(add("25", "Cafe"),
@@ -30,7 +30,7 @@ TEST_F(AddExpenseByProgram, ASavedOneIsTrackedAndCounted) {
   EXPECT_EQ(text(StoreKeys::todayCount), "1");
 }
 
-TEST_F(AddExpenseByProgram, ASavedIncomeIsStillAnExpense) {
+TEST_F(AddExpenseByProgram, ASavedIncomeIsTrackedAsAnExpense) {
   signIn();
   backend.answers(200, testkit::savedAnswer("income"));
   expectAnswered(add("1e3", "Cafe"),
@@ -39,14 +39,14 @@ TEST_F(AddExpenseByProgram, ASavedIncomeIsStillAnExpense) {
   EXPECT_EQ(text(StoreKeys::todayTotal), "150.0");
 }
 
-TEST_F(AddExpenseByProgram, OneThatIsNotSavedFailedToBeTracked) {
+TEST_F(AddExpenseByProgram, AnExpenseThatIsNotSavedIsReportedAsNotTracked) {
   signIn();
   backend.answers(200, R"({"saved":false,"reason":"declined"})");
   expectAnswered(add("25", "Cafe"), "Failed to track expense");
   EXPECT_THAT(queue(), IsEmpty());
 }
 
-TEST_F(AddExpenseByProgram, OneOfNothingIsNoExpense) {
+TEST_F(AddExpenseByProgram, AZeroOrNegativeAmountIsRefused) {
   signIn();
   for (const auto* const amount : {"0", "-0", "-5", "-.5"}) {
     expectAnswered(add(amount, "Cafe"), "No expense to track");
@@ -55,11 +55,11 @@ TEST_F(AddExpenseByProgram, OneOfNothingIsNoExpense) {
   expectNothingSentOrStored();
 }
 
-TEST_F(AddExpenseByProgram, OneOfAPersonWhoIsNotSignedInAsksToSignIn) {
+TEST_F(AddExpenseByProgram, ASignedOutUserIsAskedToSignIn) {
   expectAnswered(add("25", "Cafe"), "Please open Kivo app and sign in first");
 }
 
-TEST_F(AddExpenseByProgram, ABackendOutOfReachQueuesItWithAmountAndMerchant) {
+TEST_F(AddExpenseByProgram, AnUnreachableBackendLeavesTheExpenseQueued) {
   signIn();
   backend.goAway();
   expectAnswered(add("12.5", " Cafe "),
@@ -96,14 +96,14 @@ TEST_F(AddExpenseByProgram, AnswersAsOneJSONObjectWhenAskedTo) {
 
 // The merchant from standard input.
 
-TEST_F(AddExpenseByProgram, AMerchantMayComeFromStandardInputByteForByte) {
+TEST_F(AddExpenseByProgram, AMerchantIsReadFromStandardInputByteForByte) {
   signIn();
   const std::string merchant("Caf\xc3\xa9\0 \n\n", 9);
   expectAnswered(addWithMerchantPiped(merchant), "Failed to track expense");
   EXPECT_THAT(sent("sms_text"), ElementsAre("Paid 25.0 EGP at " + merchant));
 }
 
-TEST_F(AddExpenseByProgram, ABrokenMerchantIsRepaired) {
+TEST_F(AddExpenseByProgram, AMerchantOfInvalidUtf8IsRepaired) {
   signIn();
   expectAnswered(addWithMerchantPiped("Caf\xff \xe2\x82"), "Failed to track expense");
   expectAnswered(add("25", "Caf\xe9"), "Failed to track expense");
@@ -123,7 +123,7 @@ TEST_F(AddExpenseByProgram, AMerchantOfAMegabyteWithNULsIsSentAndQueuedWhole) {
   EXPECT_EQ(queue()[0].merchant, merchant);
 }
 
-// What is no call.
+// Usage errors.
 
 TEST_F(AddExpenseByProgram, ABadNumberIsAUsageError) {
   for (const std::string amount :
@@ -138,7 +138,7 @@ TEST_F(AddExpenseByProgram, AnAmountFromStandardInputIsAUsageError) {
                    "--amount cannot be read from standard input", "12.5");
 }
 
-TEST_F(AddExpenseByProgram, BothFromStandardInputIsAUsageError) {
+TEST_F(AddExpenseByProgram, TwoParametersFromStandardInputAreAUsageError) {
   expectUsageError({"perform", "AddExpenseIntent", "--amount", "-", "--merchant", "-"},
                    "only one parameter can be read from standard input", "12.5");
 }

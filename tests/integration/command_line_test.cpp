@@ -1,4 +1,4 @@
-// What kivo-intents makes of its command line.
+// The command line of kivo-intents.
 #include <csignal>
 #include <fstream>
 
@@ -19,14 +19,14 @@ TEST_F(ACommandLine, PrintsTheHelpWhenNoCommandOrIntentIsNamed) {
   expectHelpInsteadOfCommand({"perform"}, "ProcessSMSIntent");
 }
 
-TEST_F(ACommandLine, WithAnUnknownCommandIsAUsageErrorThatSuggestsTheNearest) {
+TEST_F(ACommandLine, RefusesAnUnknownCommandAndSuggestsTheNearest) {
   expectUsageError({"dance"}, "unknown command \"dance\" (see kivo-intents --help)");
   expectUsageError(
       {"preform", "ProcessSMSIntent", "--smsText", "x"},
       "unknown command \"preform\"; did you mean \"perform\"? (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageErrorThatSuggestsTheNearest) {
+TEST_F(ACommandLine, RefusesAnUnknownIntentAndSuggestsTheNearest) {
   expectUsageError({"perform", "DanceIntent", "--smsText", "x"},
                    "unknown command \"perform DanceIntent\" (see kivo-intents perform --help)");
   expectUsageError({"perform", "ProcessSmsIntent", "--smsText", "x"},
@@ -34,7 +34,7 @@ TEST_F(ACommandLine, WithAnUnknownIntentIsAUsageErrorThatSuggestsTheNearest) {
                    "ProcessSMSIntent\"? (see kivo-intents perform --help)");
 }
 
-TEST_F(ACommandLine, TakesNothingAfterAnEqualsSignAsAnEmptyValue) {
+TEST_F(ACommandLine, AcceptsAnEmptyValueAfterAnEqualsSign) {
   signIn();
   const ProgramResult sms = run({"perform", "ProcessSMSIntent", "--smsText=", "--json"});
   EXPECT_EQ(sms.status, 0);
@@ -46,38 +46,38 @@ TEST_F(ACommandLine, TakesNothingAfterAnEqualsSignAsAnEmptyValue) {
   EXPECT_THAT(backend.requests(), IsEmpty());
 }
 
-TEST_F(ACommandLine, WithAnUnknownParameterIsAUsageError) {
+TEST_F(ACommandLine, RefusesAnUnknownParameter) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--merchant", "y"},
                    "unknown option --merchant (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
-TEST_F(ACommandLine, WithAnAbbreviatedParameterIsAUsageError) {
+TEST_F(ACommandLine, RefusesAnAbbreviatedParameter) {
   expectUsageError({"perform", "ProcessSMSIntent", "--sms", "x"},
                    "unknown option --sms (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
-TEST_F(ACommandLine, WithADoubledParameterIsAUsageError) {
+TEST_F(ACommandLine, RefusesADuplicateParameter) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText", "x", "--smsText", "y"},
                    "--smsText has no value or is given twice (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithAParameterWithoutAValueIsAUsageError) {
+TEST_F(ACommandLine, RefusesAParameterWithoutAValue) {
   expectUsageError({"perform", "ProcessSMSIntent", "--smsText"},
                    "--smsText has no value or is given twice (see kivo-intents --help)");
 }
 
-TEST_F(ACommandLine, WithoutAParameterAndWithoutATerminalIsAUsageError) {
+TEST_F(ACommandLine, RefusesAMissingParameterWithoutATerminal) {
   expectUsageError({"perform", "ProcessSMSIntent"}, "missing parameter --smsText");
 }
 
-TEST_F(ACommandLine, WithATextThatSomebodyForgotToQuoteDoesNotRepeatIt) {
+TEST_F(ACommandLine, DoesNotRepeatAnUnquotedText) {
   expectUsageError(
       {"perform", "ProcessSMSIntent", "--smsText", "Paid", "7731", "at", "Secret"},
       "there is an argument too many; a text with blanks needs quotes, and -- goes before one that "
       "begins with a minus (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
-TEST_F(ACommandLine, TakesATextThatBeginsLikeAnOption) {
+TEST_F(ACommandLine, AcceptsATextThatBeginsLikeAnOption) {
   signIn();
   EXPECT_EQ(run({"perform", "ProcessSMSIntent", "--smsText", "--json"}).output,
             "SMS ignored - not a transaction\n");
@@ -85,7 +85,7 @@ TEST_F(ACommandLine, TakesATextThatBeginsLikeAnOption) {
   EXPECT_THAT(backend.requests()[0].body, HasSubstr(R"("sms_text":"--json")"));
 }
 
-TEST_F(ACommandLine, TakesAnEmptyText) {
+TEST_F(ACommandLine, AcceptsAnEmptyText) {
   EXPECT_EQ(run({"perform", "ProcessSMSIntent", "--smsText", ""}).output, "No SMS text provided\n");
 }
 
@@ -101,11 +101,11 @@ TEST_F(ACommandLine, AnswersAsOneJSONObjectWhenAskedTo) {
                                                "\n"));
 }
 
-TEST_F(ACommandLine, SaysItsVersion) {
+TEST_F(ACommandLine, PrintsItsVersion) {
   EXPECT_EQ(run({"--version"}).output, "kivo-intents 0.1.0\n");
 }
 
-TEST_F(ACommandLine, HelpsAtEachLevel) {
+TEST_F(ACommandLine, HasHelpAtEachLevel) {
   EXPECT_THAT(run({"--help"}).output, HasSubstr("perform"));
   EXPECT_THAT(run({"perform", "--help"}).output, HasSubstr("ProcessSMSIntent"));
   const ProgramResult result = run({"perform", "ProcessSMSIntent", "--help"});
@@ -133,7 +133,7 @@ TEST_F(ACommandLine, ShowsCharactersThatReorderADialogEscapedOnATerminal) {
               HasSubstr(" at Cafe \u202e05.7\u2069\n"));
 }
 
-TEST_F(ACommandLine, ShowsAnAmountOfARightToLeftLocaleWithoutItsMarksOnATerminal) {
+TEST_F(ACommandLine, OmitsDirectionMarksOfAnAmountOnATerminal) {
   const testkit::ScopedVariable egyptian("LC_ALL", "ar_EG.UTF-8");
   signIn();
   backend.answers(200, testkit::savedAnswer("expense"));
@@ -143,14 +143,14 @@ TEST_F(ACommandLine, ShowsAnAmountOfARightToLeftLocaleWithoutItsMarksOnATerminal
               HasSubstr("Tracked \u200f١٥٠٫٠٠\u00a0ج.م.\u200f at Carrefour"));
 }
 
-TEST_F(ACommandLine, LeavesADialogAsItIsForAPipe) {
+TEST_F(ACommandLine, LeavesADialogUnescapedInAPipe) {
   signIn();
   backend.answers(200, R"({"saved":true,"expense":{"id":"1","description":"A\nB","amount":1,)"
                        R"("category":"","expense_date":""}})");
   EXPECT_THAT(processSMS("x").output, testing::EndsWith(" at A\nB\n"));
 }
 
-TEST_F(ACommandLine, OfASpawnerThatClosedTheStandardStreamsKeepsTheStoreClean) {
+TEST_F(ACommandLine, KeepsTheStoreIntactWithStandardStreamsClosed) {
   signIn();
   backend.goAway();
   const ProgramResult result = linux_platform::runProgram(
@@ -163,7 +163,7 @@ TEST_F(ACommandLine, OfASpawnerThatClosedTheStandardStreamsKeepsTheStoreClean) {
   EXPECT_THAT(bytes, testing::Not(HasSubstr("Saved offline")));
 }
 
-TEST_F(ACommandLine, WhoseReaderWentAwayIsStillPerformed) {
+TEST_F(ACommandLine, IsPerformedAfterItsReaderCloses) {
   signIn();
   backend.goAway();
   EXPECT_EQ(
@@ -175,7 +175,7 @@ TEST_F(ACommandLine, WhoseReaderWentAwayIsStillPerformed) {
   EXPECT_THAT(queue(), SizeIs(1));
 }
 
-TEST_F(ACommandLine, WhoseStandardInputCannotBeReadToItsEndSendsNothing) {
+TEST_F(ACommandLine, SendsNothingWhenStandardInputCannotBeRead) {
   signIn();
   const std::string program = (linux_platform::programFolder() / "kivo-intents").string();
   const ProgramResult result = linux_platform::runProgram(

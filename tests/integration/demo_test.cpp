@@ -27,7 +27,7 @@ class TheDemonstration : public ::testing::Test {
         {.program = program_, .arguments = std::move(arguments), .input = std::move(input)});
   }
 
-  // On a pseudo-terminal, whose output comes back with its line ends as a terminal gets them.
+  // On a pseudo-terminal, which translates line ends.
   ProgramResult demoOnTerminal(const std::string& arguments,
                                std::optional<std::string> noColour = std::nullopt) {
     return linux_platform::runProgram(
@@ -50,7 +50,7 @@ class TheDemonstration : public ::testing::Test {
   testkit::ScopedVariable temporaryFolder_{"TMPDIR", temporary_.path().string()};
 };
 
-TEST_F(TheDemonstration, TellsItsStoryAsExpected) {
+TEST_F(TheDemonstration, ShowsTheExpectedDialogs) {
   const ProgramResult result = demo({});
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
   EXPECT_EQ(result.errors, "");
@@ -73,7 +73,7 @@ TEST_F(TheDemonstration, TellsItsStoryAsExpected) {
   expectPlainText(result.output);
 }
 
-TEST_F(TheDemonstration, BeginsWithSomebodyWhoSignsIn) {
+TEST_F(TheDemonstration, BeginsWithASignIn) {
   const ProgramResult result = demo({});
   const std::size_t signIn =
       result.output.find("\nSign in\n  User         demo-user\n  Backend      http://127.0.0.1:");
@@ -81,7 +81,7 @@ TEST_F(TheDemonstration, BeginsWithSomebodyWhoSignsIn) {
   EXPECT_LT(signIn, result.output.find("Bank SMS"));
 }
 
-TEST_F(TheDemonstration, LeavesNothingBehindAndShowsNoPrivatePath) {
+TEST_F(TheDemonstration, LeavesNoFileAndPrintsNoPrivatePath) {
   const ProgramResult result = demo({"Paid 25.0 EGP at Cafe"});
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
   EXPECT_TRUE(std::filesystem::is_empty(temporary_.path()));
@@ -89,7 +89,7 @@ TEST_F(TheDemonstration, LeavesNothingBehindAndShowsNoPrivatePath) {
   EXPECT_THAT(result.output + result.errors, Not(HasSubstr("/kivo-")));
 }
 
-TEST_F(TheDemonstration, ProcessesATextOfOnesOwn) {
+TEST_F(TheDemonstration, ProcessesATextFromItsArguments) {
   const ProgramResult result = demo({"Purchase of SAR 86.50 at Oasis Coffee"});
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
   EXPECT_THAT(result.output, HasSubstr("Dialog       Tracked SAR\u00A086.50 at Oasis Coffee\n"));
@@ -105,14 +105,14 @@ TEST_F(TheDemonstration, ProcessesAnyBytesFromStandardInput) {
   expectPlainText(result.output);
 }
 
-TEST_F(TheDemonstration, ShowsWhatIsNoTransaction) {
+TEST_F(TheDemonstration, ShowsThatATextIsNotATransaction) {
   const ProgramResult result = demo({"--", "Lunch at 1?"});
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
   EXPECT_THAT(result.output, HasSubstr("Dialog       SMS ignored - not a transaction\n"));
   EXPECT_THAT(result.output, Not(HasSubstr("Notification")));
 }
 
-TEST_F(TheDemonstration, WritesAmountsByTheLanguageOfItsUser) {
+TEST_F(TheDemonstration, FormatsAmountsByTheLocale) {
   const testkit::ScopedVariable german("LC_ALL", "de_DE.UTF-8");
   EXPECT_THAT(demo({"Card payment of EUR 1,234.56 at Hotel Alpenblick"}).output,
               HasSubstr("Tracked 1.234,56\u00A0€ at Hotel Alpenblick\n"));
@@ -145,7 +145,7 @@ TEST_F(TheDemonstration, EndsCleanlyWhenItIsInterrupted) {
   EXPECT_TRUE(std::filesystem::is_empty(temporary_.path()));
 }
 
-TEST_F(TheDemonstration, ExplainsItselfAndRefusesWhatItDoesNotKnow) {
+TEST_F(TheDemonstration, PrintsHelpAndRefusesUnknownOptions) {
   EXPECT_THAT(demo({"--help"}).output, HasSubstr("Usage: kivo-demo"));
   EXPECT_THAT(demo({"--version"}).output, ContainsRegex("^kivo-demo [0-9.]+\n$"));
   for (const auto& arguments : {std::vector<std::string>{"--unknown"}, {"two", "words"}}) {

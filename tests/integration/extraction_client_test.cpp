@@ -1,4 +1,4 @@
-// The extraction client over the real HTTP session against a backend that answers as scripted.
+// The extraction client over the real HTTP session, with a scripted backend.
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -122,7 +122,7 @@ TEST_F(AnExtractionOverTheNetwork, SendsExactlyFourStrings) {
                             {"idempotency_key", "0E1F2A3B-0000-4000-8000-00000000ABCD"}}));
 }
 
-TEST_F(AnExtractionOverTheNetwork, SendsItsBodyWithoutBlanks) {
+TEST_F(AnExtractionOverTheNetwork, SendsCompactJSON) {
   const ScriptedServer server(testkit::answering(nothingSaved));
   extract(server.url());
   const std::string body = bodyOf(server.requests().at(0));
@@ -149,14 +149,14 @@ TEST_F(AnExtractionOverTheNetwork, SendsEveryTextUnchanged) {
   }
 }
 
-TEST_F(AnExtractionOverTheNetwork, SendsTheSameKeyAndDateAgain) {
+TEST_F(AnExtractionOverTheNetwork, SendsTheSameKeyAndDateOnARetry) {
   const ScriptedServer server(testkit::answering(httpAnswer(503, "{}")));
   EXPECT_TRUE(failure<NSError>(server.url()));
   EXPECT_TRUE(failure<NSError>(server.url()));
   EXPECT_EQ(bodyOf(server.requests().at(0)), bodyOf(server.requests().at(1)));
 }
 
-TEST_F(AnExtractionOverTheNetwork, YieldsTheWholeAnswer) {
+TEST_F(AnExtractionOverTheNetwork, ReturnsTheWholeAnswer) {
   const ScriptedServer server(testkit::answering(httpAnswer(
       200,
       R"({"saved":true,"transaction_type":"income","more":[1],"expense":{"id":"7",)"
@@ -172,12 +172,12 @@ TEST_F(AnExtractionOverTheNetwork, YieldsTheWholeAnswer) {
                                                                .expense_date = "2024-05-06"}}));
 }
 
-TEST_F(AnExtractionOverTheNetwork, YieldsThatNothingWasSaved) {
+TEST_F(AnExtractionOverTheNetwork, ReturnsThatNothingWasSaved) {
   const ScriptedServer server(testkit::answering(nothingSaved));
   EXPECT_EQ(extract(server.url()), SMSExtractionResponse{.saved = false});
 }
 
-TEST_F(AnExtractionOverTheNetwork, FailsAsSuchAtEveryStatusBut200) {
+TEST_F(AnExtractionOverTheNetwork, FailsForEveryStatusExcept200) {
   for (const int status : {201, 202, 204, 299, 301, 308, 400, 401, 404, 429, 500, 503}) {
     const auto error = failureAt<NSError>(httpAnswer(status, R"({"saved":true})"));
     ASSERT_TRUE(error) << status;
@@ -188,14 +188,14 @@ TEST_F(AnExtractionOverTheNetwork, FailsAsSuchAtEveryStatusBut200) {
   }
 }
 
-TEST_F(AnExtractionOverTheNetwork, FailsInDecodingAtAnErrorObject) {
+TEST_F(AnExtractionOverTheNetwork, FailsToDecodeAnErrorObject) {
   const auto error = failureAt<DecodingError>(httpAnswer(200, R"({"error":"no such user"})"));
   ASSERT_TRUE(error);
   EXPECT_EQ(error->kind(), DecodingError::Kind::keyNotFound);
   EXPECT_EQ(error->path(), "saved");
 }
 
-TEST_F(AnExtractionOverTheNetwork, FailsInDecodingAtWhatIsNotJSON) {
+TEST_F(AnExtractionOverTheNetwork, FailsToDecodeInvalidJSON) {
   for (const char* const body :
        {"", " ", "<html></html>", "{\"saved\":fal", "{\"saved\":false}x"}) {
     const auto error = failureAt<DecodingError>(httpAnswer(200, body));
@@ -204,7 +204,7 @@ TEST_F(AnExtractionOverTheNetwork, FailsInDecodingAtWhatIsNotJSON) {
   }
 }
 
-TEST_F(AnExtractionOverTheNetwork, FailsInDecodingAtWrongTypes) {
+TEST_F(AnExtractionOverTheNetwork, FailsToDecodeWrongTypes) {
   const std::string expense =
       R"({"saved":true,"expense":{"id":"7","description":"d","amount":"5","category":"c",)"
       R"("expense_date":"e"}})";
@@ -217,7 +217,7 @@ TEST_F(AnExtractionOverTheNetwork, FailsInDecodingAtWrongTypes) {
   }
 }
 
-TEST_F(AnExtractionOverTheNetwork, SurvivesAnAnswerNestedAsDeepAsItsSizeAllows) {
+TEST_F(AnExtractionOverTheNetwork, SurvivesADeeplyNestedAnswer) {
   const std::string opened(500 * 1000, '[');
   const std::string closed(500 * 1000, ']');
   EXPECT_TRUE(failureAt<DecodingError>(httpAnswer(200, opened)));
@@ -227,13 +227,13 @@ TEST_F(AnExtractionOverTheNetwork, SurvivesAnAnswerNestedAsDeepAsItsSizeAllows) 
   EXPECT_FALSE(extract(server.url()).saved);
 }
 
-TEST_F(AnExtractionOverTheNetwork, HandsOnTheFailureOfTheTransport) {
+TEST_F(AnExtractionOverTheNetwork, ThrowsTheErrorOfTheTransport) {
   const testkit::RefusedPort refused;
-  const std::string nobody = "http://127.0.0.1:" + std::to_string(refused.port());
+  const std::string refusing = "http://127.0.0.1:" + std::to_string(refused.port());
   const ScriptedServer noTls([](testkit::ServerConnection& peer) { peer.write(nothingSaved); });
   const std::string noTlsThere = "https://127.0.0.1:" + std::to_string(noTls.port());
   const std::map<std::string, URLError::Code> failures = {
-      {nobody, URLError::Code::cannotConnectToHost},
+      {refusing, URLError::Code::cannotConnectToHost},
       {noTlsThere, URLError::Code::secureConnectionFailed},
       {"example.com", URLError::Code::unsupportedURL},
       {"http://", URLError::Code::unsupportedURL},
@@ -283,7 +283,7 @@ TEST_F(AnExtractionOverTheNetwork, TimesOutAfterFifteenSeconds) {
   EXPECT_LT(took, 20s);
 }
 
-TEST_F(AnExtractionOverTheNetwork, StopsTheProcessAtABaseThatDoesNotParse) {
+TEST_F(AnExtractionOverTheNetwork, AbortsWhenTheBaseURLCannotBeParsed) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   for (const char* const base :
        {"http://my secret host", "http://secret:abc", "http://sécret.test", "http://secret/%zz"}) {

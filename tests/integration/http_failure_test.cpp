@@ -1,4 +1,4 @@
-// What becomes of exchanges with servers that fail, lie or never come to an end.
+// Exchanges with servers that fail, lie or never finish.
 #include <chrono>
 #include <string>
 #include <utility>
@@ -26,23 +26,23 @@ class AFailingHTTPExchange : public testing::Test {
   Outcome answeredWith(std::string bytes) { return with(answering(std::move(bytes))); }
 };
 
-TEST_F(AFailingHTTPExchange, KnowsOnlyHTTPAndHTTPS) {
+TEST_F(AFailingHTTPExchange, RefusesOtherSchemesThanHTTPAndHTTPS) {
   for (const char* const url :
        {"kivo://127.0.0.1/x", "ftp://127.0.0.1/x", "example.com/x", "//127.0.0.1/x", ""}) {
     EXPECT_EQ(exchange(session_, post(url)).failure, Failure::unsupportedURL) << url;
   }
 }
 
-TEST_F(AFailingHTTPExchange, NeedsAHost) {
+TEST_F(AFailingHTTPExchange, RefusesAURLWithoutAHost) {
   for (const char* const url :
        {"http://", "http:///x", "https://:443/x", "http:127.0.0.1", "http://user@/x"}) {
     EXPECT_EQ(exchange(session_, post(url)).failure, Failure::unsupportedURL) << url;
   }
 }
 
-TEST_F(AFailingHTTPExchange, NeedsAPortThatExists) {
+TEST_F(AFailingHTTPExchange, RefusesAPortOutOfRange) {
   const ScriptedServer server(answering(httpAnswer(200, "{}")));
-  // What is left of these ports when they are cut to 16 bits is the server's port.
+  // Cut to 16 bits, these ports are the port of the server.
   const auto cut = std::to_string(65536 + server.port());
   for (const auto& port : {std::string("0"), std::string("65536"), std::string("99999"), cut,
                            std::string("18446744073709551696")}) {
@@ -53,7 +53,7 @@ TEST_F(AFailingHTTPExchange, NeedsAPortThatExists) {
   EXPECT_EQ(server.connections(), 0);
 }
 
-TEST_F(AFailingHTTPExchange, FindsNobodyAtARefusedPort) {
+TEST_F(AFailingHTTPExchange, CannotConnectToARefusedPort) {
   const RefusedPort port;
   EXPECT_EQ(exchange(session_, post("http://127.0.0.1:" + std::to_string(port.port()))).failure,
             Failure::cannotConnectToHost);
@@ -107,7 +107,7 @@ TEST_F(AFailingHTTPExchange, IsLostWhenTheLastChunkIsMissing) {
   }
 }
 
-TEST_F(AFailingHTTPExchange, TakesNoBrokenChunk) {
+TEST_F(AFailingHTTPExchange, RefusesABrokenChunk) {
   const std::string head = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
   for (const char* const chunks :
        {"x\r\n{}\r\n0\r\n\r\n", "2\r\n{}}\r\n0\r\n\r\n", "-1\r\n{}\r\n0\r\n\r\n",
@@ -116,7 +116,7 @@ TEST_F(AFailingHTTPExchange, TakesNoBrokenChunk) {
   }
 }
 
-TEST_F(AFailingHTTPExchange, TakesNothingButHTTP) {
+TEST_F(AFailingHTTPExchange, RefusesAnAnswerThatIsNotHTTP) {
   for (const char* const bytes :
        {"garbage\r\n\r\n", "SSH-2.0-server\r\n", "HTTP/9.9 200 OK\r\n\r\n",
         "HTTP/1.1 20 OK\r\n\r\n", "HTTP/1.1 2000 OK\r\n\r\n", "HTTP/1.1 abc OK\r\n\r\n",
@@ -131,7 +131,7 @@ TEST_F(AFailingHTTPExchange, TakesNothingButHTTP) {
   }
 }
 
-TEST_F(AFailingHTTPExchange, TakesNoHeaderBlockOfMoreThan64KiB) {
+TEST_F(AFailingHTTPExchange, RefusesHeadersOfMoreThan64KiB) {
   const auto withHeader = [](std::size_t length) {
     std::string head = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n";
     head += "X: " + std::string(length - head.size() - 7, 'x') + "\r\n\r\n";
@@ -142,7 +142,7 @@ TEST_F(AFailingHTTPExchange, TakesNoHeaderBlockOfMoreThan64KiB) {
   EXPECT_EQ(answeredWith(withHeader(1024 * 1024)).failure, Failure::dataLengthExceedsMaximum);
 }
 
-TEST_F(AFailingHTTPExchange, TakesNoBodyOfMoreThanOneMiB) {
+TEST_F(AFailingHTTPExchange, RefusesABodyOfMoreThanOneMiB) {
   const std::string most(1024 * 1024, 'x');
   EXPECT_EQ(answeredWith(httpAnswer(200, most)).body(), most);
   EXPECT_EQ(answeredWith("HTTP/1.1 200 OK\r\n\r\n" + most).body(), most);
@@ -151,7 +151,7 @@ TEST_F(AFailingHTTPExchange, TakesNoBodyOfMoreThanOneMiB) {
             Failure::dataLengthExceedsMaximum);
 }
 
-TEST_F(AFailingHTTPExchange, TakesNoEndlessAnswer) {
+TEST_F(AFailingHTTPExchange, RefusesAnEndlessAnswer) {
   const auto endlessly = [this](const std::string& head, const std::string& repeated) {
     return with([&](ServerConnection& connection) {
       connection.readRequest();

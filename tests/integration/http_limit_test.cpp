@@ -1,4 +1,4 @@
-// Exchanges that run out of time, or are cancelled, in each of their stages.
+// Exchanges that time out or are cancelled, at each stage.
 #include <chrono>
 #include <future>
 #include <string>
@@ -21,11 +21,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto limit = 400ms;
-// Neither this nor `limit` may be needed by a good exchange of these tests.
+// A good exchange of these tests needs neither this nor `limit`.
 constexpr auto soon = 3s;
 
 const std::string halfAnAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{";
-// More than the buffers of two sockets take when nobody reads.
+// More than the buffers of two sockets hold without a reader.
 const std::string tooMuchToSend(16 << 20, 'x');
 
 void silent(ServerConnection& connection) { connection.idle(); }
@@ -41,7 +41,7 @@ void silentWithinTheAnswer(ServerConnection& connection) {
   connection.idle();
 }
 
-class AnEndlessExchange : public testing::Test {
+class AStalledExchange : public testing::Test {
  protected:
   linux_platform::HTTPURLSession session_;
 
@@ -66,33 +66,33 @@ class AnEndlessExchange : public testing::Test {
   }
 };
 
-TEST_F(AnEndlessExchange, TimesOutWhileConnecting) {
+TEST_F(AStalledExchange, TimesOutWhileConnecting) {
   const SilentPort port;
   timesOut(post("http://127.0.0.1:" + std::to_string(port.port())));
 }
 
-TEST_F(AnEndlessExchange, TimesOutInTheHandshake) {
+TEST_F(AStalledExchange, TimesOutDuringTheHandshake) {
   const ScriptedServer server(silent);
   timesOut(post("https://127.0.0.1:" + std::to_string(server.port())));
 }
 
-TEST_F(AnEndlessExchange, TimesOutWhileSending) {
+TEST_F(AStalledExchange, TimesOutWhileSending) {
   const ScriptedServer server(silent);
   timesOut(post(server.url(), tooMuchToSend));
 }
 
-TEST_F(AnEndlessExchange, TimesOutWhileItWaitsForTheAnswer) {
+TEST_F(AStalledExchange, TimesOutWithoutAnAnswer) {
   const ScriptedServer server(silentAfterTheRequest);
   timesOut(post(server.url()));
   EXPECT_EQ(server.requests().size(), 1U);
 }
 
-TEST_F(AnEndlessExchange, TimesOutWithinTheAnswer) {
+TEST_F(AStalledExchange, TimesOutWhenTheAnswerStops) {
   const ScriptedServer server(silentWithinTheAnswer);
   timesOut(post(server.url()));
 }
 
-TEST_F(AnEndlessExchange, TimesOutThoughTheAnswerDripsIn) {
+TEST_F(AStalledExchange, TimesOutWhenTheAnswerTricklesIn) {
   const ScriptedServer server([](ServerConnection& connection) {
     connection.readRequest();
     connection.drip(httpAnswer(200, std::string(1000, 'x')), 50ms);
@@ -100,7 +100,7 @@ TEST_F(AnEndlessExchange, TimesOutThoughTheAnswerDripsIn) {
   timesOut(post(server.url()));
 }
 
-TEST_F(AnEndlessExchange, TimesOutThoughInterimAnswersDripIn) {
+TEST_F(AStalledExchange, TimesOutWhenInterimAnswersTrickleIn) {
   const ScriptedServer server([](ServerConnection& connection) {
     connection.readRequest();
     while (!connection.idle(100ms)) connection.write("HTTP/1.1 100 Continue\r\n\r\n");
@@ -108,7 +108,7 @@ TEST_F(AnEndlessExchange, TimesOutThoughInterimAnswersDripIn) {
   timesOut(post(server.url()));
 }
 
-TEST_F(AnEndlessExchange, EndsWithTheConnectionClosed) {
+TEST_F(AStalledExchange, ClosesTheConnectionAtTheTimeout) {
   std::promise<bool> closed;
   const ScriptedServer server([&closed](ServerConnection& connection) {
     connection.readRequest();
@@ -118,21 +118,21 @@ TEST_F(AnEndlessExchange, EndsWithTheConnectionClosed) {
   EXPECT_TRUE(closed.get_future().get());
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledInTheLookup) {
+TEST_F(AStalledExchange, EndsWhenCancelledDuringTheLookup) {
   scriptHangingLookup("hanging.test");
   auto running = start("http://hanging.test/");
   std::this_thread::sleep_for(100ms);
   endsWhenCancelled(running);
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledWhileConnecting) {
+TEST_F(AStalledExchange, EndsWhenCancelledWhileConnecting) {
   const SilentPort port;
   auto running = start("http://127.0.0.1:" + std::to_string(port.port()));
   std::this_thread::sleep_for(100ms);
   endsWhenCancelled(running);
 }
 
-TEST_F(AnEndlessExchange, ConnectsToNoFurtherAddressOnceCancelled) {
+TEST_F(AStalledExchange, TriesNoOtherAddressOnceCancelled) {
   const ScriptedServer second(silentAfterTheRequest, {.address = "127.0.0.3"});
   const SilentPort first("127.0.0.2", second.port());
   scriptLookup("half-silent.test", {"127.0.0.2", "127.0.0.3"});
@@ -143,7 +143,7 @@ TEST_F(AnEndlessExchange, ConnectsToNoFurtherAddressOnceCancelled) {
   EXPECT_EQ(second.connections(), 0);
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledInTheHandshake) {
+TEST_F(AStalledExchange, EndsWhenCancelledDuringTheHandshake) {
   const ScriptedServer server(silent);
   auto running = start("https://127.0.0.1:" + std::to_string(server.port()));
   EXPECT_TRUE(server.waitForConnections(1));
@@ -151,7 +151,7 @@ TEST_F(AnEndlessExchange, EndsWhenCancelledInTheHandshake) {
   endsWhenCancelled(running);
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledWhileSending) {
+TEST_F(AStalledExchange, EndsWhenCancelledWhileSending) {
   const ScriptedServer server(silent);
   auto running = start(server.url(), tooMuchToSend);
   EXPECT_TRUE(server.waitForConnections(1));
@@ -159,14 +159,14 @@ TEST_F(AnEndlessExchange, EndsWhenCancelledWhileSending) {
   endsWhenCancelled(running);
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledWhileItWaitsForTheAnswer) {
+TEST_F(AStalledExchange, EndsWhenCancelledBeforeTheAnswer) {
   const ScriptedServer server(silentAfterTheRequest);
   auto running = start(server.url());
   EXPECT_TRUE(server.waitForRequests(1));
   endsWhenCancelled(running);
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledWithinTheAnswer) {
+TEST_F(AStalledExchange, EndsWhenCancelledDuringTheAnswer) {
   const ScriptedServer server(silentWithinTheAnswer);
   auto running = start(server.url());
   EXPECT_TRUE(server.waitForRequests(1));
@@ -174,7 +174,7 @@ TEST_F(AnEndlessExchange, EndsWhenCancelledWithinTheAnswer) {
   endsWhenCancelled(running);
 }
 
-TEST_F(AnEndlessExchange, EndsWhenCancelledAtAnyMoment) {
+TEST_F(AStalledExchange, EndsWhenCancelledAtAnyMoment) {
   const ScriptedServer server(silentWithinTheAnswer);
   for (auto pause = 0us; pause < 2ms; pause += 40us) {
     auto running = start(server.url());
@@ -195,7 +195,7 @@ platform::Task<void> askTwice(platform::URLSession* session, std::string url,
   }
 }
 
-TEST_F(AnEndlessExchange, IsNotBegunByATaskThatWasCancelled) {
+TEST_F(AStalledExchange, IsNotStartedByACancelledTask) {
   const ScriptedServer server(silentAfterTheRequest);
   std::vector<Failure> failures;
   auto running = executor().start(askTwice(&session_, server.url(), &failures));

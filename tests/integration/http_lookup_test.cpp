@@ -1,4 +1,4 @@
-// How the session finds the host of a request.
+// The host lookup of the session.
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -31,38 +31,38 @@ class AHostLookup : public testing::Test {
 
 TEST_F(AHostLookup, FindsLocalhost) {
   const ScriptedServer server(answering(httpAnswer(200, "{}")));
-  // It may have ::1 as well, where nobody listens.
+  // It may also resolve to ::1, where no server listens.
   EXPECT_EQ(exchange(session_, post(url("localhost", server.port()))).status(), 200);
   EXPECT_NE(server.requests().at(0).find("\r\nHost: localhost:"), std::string::npos);
 }
 
-TEST_F(AHostLookup, OfANameThatDoesNotExistFails) {
+TEST_F(AHostLookup, FailsForAnUnknownName) {
   scriptLookup("unknown.test", {});
   EXPECT_EQ(exchange(session_, post("http://unknown.test/")).failure, Failure::cannotFindHost);
 }
 
-TEST_F(AHostLookup, BySystemOfANameThatCannotExistFails) {
-  // Without a network the system may take its time to say so.
+TEST_F(AHostLookup, FailsInTheSystemResolverForAReservedName) {
+  // Without a network the system may take a while to report it.
   const Outcome outcome = exchange(session_, post("http://nonexistent.invalid/", "{}", 2s));
   EXPECT_TRUE(outcome.failure == Failure::cannotFindHost || outcome.failure == Failure::timedOut);
   EXPECT_LT(outcome.took, 5s);
 }
 
-TEST_F(AHostLookup, OfANameThatIsNoneFails) {
+TEST_F(AHostLookup, FailsForAnInvalidName) {
   for (const char* const url : {"http://h%61st/", "http://a_b..c/"}) {
     const Outcome outcome = exchange(session_, post(url, "{}", 2s));
     EXPECT_TRUE(outcome.failure == Failure::cannotFindHost || outcome.failure == Failure::timedOut);
   }
 }
 
-TEST_F(AHostLookup, IsMadeForANameThatBeginsLikeAnAddress) {
+TEST_F(AHostLookup, ResolvesANameThatBeginsLikeAnAddress) {
   const ScriptedServer named(answering(httpAnswer(200, "named")), {.address = "127.0.0.3"});
   const RefusedPort address("127.0.0.1", named.port());
   scriptLookup("127.0.0.1.nip.test", {"127.0.0.3"});
   EXPECT_EQ(exchange(session_, post(url("127.0.0.1.nip.test", named.port()))).body(), "named");
 }
 
-TEST_F(AHostLookup, YieldsAddressesThatAreAllTriedInOrder) {
+TEST_F(AHostLookup, HasAllItsAddressesTriedInOrder) {
   const ScriptedServer last(answering(httpAnswer(200, "last")), {.address = "127.0.0.3"});
   const RefusedPort first("127.0.0.1", last.port());
   const RefusedPort second("::1", last.port());
@@ -70,7 +70,7 @@ TEST_F(AHostLookup, YieldsAddressesThatAreAllTriedInOrder) {
   EXPECT_EQ(exchange(session_, post(url("three.test", last.port()))).body(), "last");
 }
 
-TEST_F(AHostLookup, YieldsAddressesOfWhichTheFirstGoodOneIsTaken) {
+TEST_F(AHostLookup, HasItsFirstWorkingAddressUsed) {
   const ScriptedServer first(answering(httpAnswer(200, "first")), {.address = "127.0.0.2"});
   const ScriptedServer second(answering(httpAnswer(200, "second")),
                               {.address = "127.0.0.3", .port = first.port()});
@@ -79,7 +79,7 @@ TEST_F(AHostLookup, YieldsAddressesOfWhichTheFirstGoodOneIsTaken) {
   EXPECT_EQ(second.connections(), 0);
 }
 
-TEST_F(AHostLookup, YieldsASilentAddressThatLeavesTimeForTheNext) {
+TEST_F(AHostLookup, LeavesTimeForTheNextAddressAfterASilentOne) {
   const ScriptedServer second(answering(httpAnswer(200, "{}")), {.address = "127.0.0.3"});
   const SilentPort first("127.0.0.2", second.port());
   scriptLookup("half-silent.test", {"127.0.0.2", "127.0.0.3"});
@@ -89,7 +89,7 @@ TEST_F(AHostLookup, YieldsASilentAddressThatLeavesTimeForTheNext) {
   EXPECT_GE(outcome.took, 400ms);
 }
 
-TEST_F(AHostLookup, YieldsAddressesOfWhichNoneTakesTheConnection) {
+TEST_F(AHostLookup, CannotConnectWhenEachAddressRefuses) {
   const RefusedPort first("127.0.0.2");
   const RefusedPort second("127.0.0.3", first.port());
   scriptLookup("refused.test", {"127.0.0.2", "127.0.0.3"});
@@ -97,7 +97,7 @@ TEST_F(AHostLookup, YieldsAddressesOfWhichNoneTakesTheConnection) {
             Failure::cannotConnectToHost);
 }
 
-TEST_F(AHostLookup, IsPartOfTheTimeOfTheExchange) {
+TEST_F(AHostLookup, CountsTowardsTheTimeoutOfTheExchange) {
   scriptHangingLookup("hanging.test");
   const Outcome outcome = exchange(session_, post("http://hanging.test/", "{}", 300ms));
   EXPECT_EQ(outcome.failure, Failure::timedOut);
@@ -105,7 +105,7 @@ TEST_F(AHostLookup, IsPartOfTheTimeOfTheExchange) {
   EXPECT_LT(outcome.took, 2s);
 }
 
-TEST_F(AHostLookup, HoldsUpNoOtherExchange) {
+TEST_F(AHostLookup, DoesNotDelayOtherExchanges) {
   scriptHangingLookup("hanging.test");
   const ScriptedServer server(answering(httpAnswer(200, "{}")));
   std::vector<RunningExchange> hanging;
@@ -125,7 +125,7 @@ platform::Task<void> ask(platform::URLSession* session, std::string url) {
   }
 }
 
-TEST_F(AHostLookup, HoldsUpTheEndOfNoProcess) {
+TEST_F(AHostLookup, DoesNotDelayTheEndOfTheProcess) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EXIT(

@@ -1,4 +1,4 @@
-// Which servers the session trusts, and that the others get nothing of a request.
+// The certificates that the session trusts; a server without one gets nothing of a request.
 #include <chrono>
 #include <future>
 #include <string>
@@ -19,9 +19,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class ATrustedExchange : public testing::Test {
+class ATLSExchange : public testing::Test {
  protected:
-  ATrustedExchange() { authority_.addTo(trusted_.path()); }
+  ATLSExchange() { authority_.addTo(trusted_.path()); }
 
   /// The outcome of a request to a server with `identity`, by `host`.
   Outcome askServerWith(ServerIdentity identity, const std::string& host = "127.0.0.1") {
@@ -47,7 +47,7 @@ class ATrustedExchange : public testing::Test {
   std::vector<std::string> requests_;
 };
 
-TEST_F(ATrustedExchange, IsMadeWithACertificateOfAKnownAuthority) {
+TEST_F(ATLSExchange, SucceedsWithACertificateOfAKnownAuthority) {
   const Outcome outcome = askServerWith(authority_.certify());
   EXPECT_EQ(outcome.status(), 200);
   EXPECT_EQ(outcome.body(), "{}");
@@ -55,7 +55,7 @@ TEST_F(ATrustedExchange, IsMadeWithACertificateOfAKnownAuthority) {
   EXPECT_TRUE(requests_[0].ends_with("secret"));
 }
 
-TEST_F(ATrustedExchange, IsMadeByName) {
+TEST_F(ATLSExchange, ChecksTheCertificateAgainstTheHostName) {
   scriptLookup("api.kivo.test", {"127.0.0.1"});
   EXPECT_EQ(
       askServerWith(authority_.certify({.names = "DNS:api.kivo.test"}), "api.kivo.test").status(),
@@ -65,7 +65,7 @@ TEST_F(ATrustedExchange, IsMadeByName) {
       200);
 }
 
-TEST_F(ATrustedExchange, IsRefusedToAnotherName) {
+TEST_F(ATLSExchange, RefusesACertificateForAnotherName) {
   scriptLookup("api.kivo.test", {"127.0.0.1"});
   refuses(authority_.certify({.names = "DNS:other.test"}), "api.kivo.test");
   refuses(authority_.certify({.names = "DNS:kivo.test"}), "api.kivo.test");
@@ -74,16 +74,16 @@ TEST_F(ATrustedExchange, IsRefusedToAnotherName) {
   refuses(authority_.certify({.names = "IP:127.0.0.1"}), "api.kivo.test");
 }
 
-TEST_F(ATrustedExchange, IsRefusedToANameThatOnlyTheCertificatesSubjectHas) {
+TEST_F(ATLSExchange, IgnoresTheNameInTheCertificatesSubject) {
   scriptLookup(ServerClaim::subject, {"127.0.0.1"});
   refuses(authority_.certify({.names = "IP:127.0.0.1"}), ServerClaim::subject);
 }
 
-TEST_F(ATrustedExchange, TellsTheServerWhichNameItWants) {
+TEST_F(ATLSExchange, SendsTheHostNameInTheHandshake) {
   scriptLookup("api.kivo.test", {"127.0.0.1"});
   std::promise<std::string> wanted;
   const ScriptedServer server(
-      [&wanted](ServerConnection& connection) { wanted.set_value(connection.wantedName()); },
+      [&wanted](ServerConnection& connection) { wanted.set_value(connection.requestedHostName()); },
       {.identity = authority_.certify({.names = "DNS:api.kivo.test,IP:127.0.0.1"})});
   exchange(session_, post("https://api.kivo.test:" + std::to_string(server.port())));
   EXPECT_EQ(wanted.get_future().get(), "api.kivo.test");
@@ -92,37 +92,37 @@ TEST_F(ATrustedExchange, TellsTheServerWhichNameItWants) {
   EXPECT_EQ(wanted.get_future().get(), "");
 }
 
-TEST_F(ATrustedExchange, IsRefusedToAnotherAddress) {
+TEST_F(ATLSExchange, RefusesACertificateForAnotherAddress) {
   refuses(authority_.certify({.names = "IP:127.0.0.2"}));
   refuses(authority_.certify({.names = "DNS:127.0.0.1"}));
   refuses(authority_.certify({.names = "DNS:localhost"}));
 }
 
-TEST_F(ATrustedExchange, IsRefusedOutsideTheCertificatesTime) {
+TEST_F(ATLSExchange, RefusesAnExpiredOrFutureCertificate) {
   refuses(authority_.certify({.validFrom = -2, .validUntil = -1}));
   refuses(authority_.certify({.validFrom = 1, .validUntil = 2}));
 }
 
-TEST_F(ATrustedExchange, IsRefusedToAServerThatCertifiesItself) {
-  refuses(TestAuthority::selfSigned());
+TEST_F(ATLSExchange, RefusesASelfSignedCertificate) { refuses(TestAuthority::selfSigned()); }
+
+TEST_F(ATLSExchange, RefusesACertificateOfAnUnknownAuthority) {
+  refuses(TestAuthority().certify());
 }
 
-TEST_F(ATrustedExchange, IsRefusedToAnUnknownAuthority) { refuses(TestAuthority().certify()); }
-
-TEST_F(ATrustedExchange, IsRefusedToAnyoneWhenNoAuthorityIsKnown) {
+TEST_F(ATLSExchange, RefusesEveryCertificateWithoutAKnownAuthority) {
   const TemporaryFolder empty;
   const ScopedVariable folder("SSL_CERT_DIR", empty.path().string());
   refuses(authority_.certify());
 }
 
-TEST_F(ATrustedExchange, IsRefusedToATLSTooOld) {
+TEST_F(ATLSExchange, RefusesAnOldVersionOfTLS) {
   const ScriptedServer server(answering(httpAnswer(200, "{}")),
                               {.identity = authority_.certify(), .onlyOldTls = true});
   EXPECT_EQ(exchange(session_, post(server.url())).failure, Failure::secureConnectionFailed);
   EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(ATrustedExchange, IsRefusedToAServerWithoutTLS) {
+TEST_F(ATLSExchange, RefusesAServerWithoutTLS) {
   std::string received;
   {
     const ScriptedServer server([&received](ServerConnection& connection) {
@@ -138,7 +138,7 @@ TEST_F(ATrustedExchange, IsRefusedToAServerWithoutTLS) {
   EXPECT_EQ(received.find("POST"), std::string::npos);
 }
 
-TEST_F(ATrustedExchange, FailsWhenTheServerEndsTheHandshake) {
+TEST_F(ATLSExchange, FailsWhenTheServerClosesDuringTheHandshake) {
   for (const bool hard : {false, true}) {
     const ScriptedServer server([hard](ServerConnection& connection) {
       connection.idle(50ms);
@@ -150,35 +150,35 @@ TEST_F(ATrustedExchange, FailsWhenTheServerEndsTheHandshake) {
   }
 }
 
-TEST_F(ATrustedExchange, TakesAWholeAnswerThoughTheServerLeavesWithoutGoodBye) {
+TEST_F(ATLSExchange, AcceptsAWholeAnswerWithoutCloseNotify) {
   const ScriptedServer server(
       [](ServerConnection& connection) {
         connection.readRequest();
         connection.write(httpAnswer(200, "{}"));
-        connection.closeRudely();
+        connection.closeWithoutNotify();
       },
       {.identity = authority_.certify()});
   EXPECT_EQ(exchange(session_, post(server.url())).body(), "{}");
 }
 
-TEST_F(ATrustedExchange, ReadsABodyWithoutLengthToTheServersGoodBye) {
+TEST_F(ATLSExchange, ReadsABodyWithoutLengthUpToCloseNotify) {
   const ScriptedServer server(answering("HTTP/1.1 200 OK\r\n\r\n{\"a\":1}"),
                               {.identity = authority_.certify()});
   EXPECT_EQ(exchange(session_, post(server.url())).body(), R"({"a":1})");
 }
 
-TEST_F(ATrustedExchange, IsLostWhenABodyWithoutLengthEndsWithoutGoodBye) {
+TEST_F(ATLSExchange, FailsWhenABodyWithoutLengthLacksCloseNotify) {
   const ScriptedServer server(
       [](ServerConnection& connection) {
         connection.readRequest();
         connection.write("HTTP/1.1 200 OK\r\n\r\n{\"a\":1}");
-        connection.closeRudely();
+        connection.closeWithoutNotify();
       },
       {.identity = authority_.certify()});
   EXPECT_EQ(exchange(session_, post(server.url())).failure, Failure::networkConnectionLost);
 }
 
-TEST_F(ATrustedExchange, IsLostWhenTheAnswerIsCutShort) {
+TEST_F(ATLSExchange, FailsWhenTheAnswerIsCutShort) {
   const std::string whole = httpAnswer(200, "{\"a\":1}");
   for (const std::size_t length : {std::size_t{0}, std::size_t{20}, whole.size() - 1}) {
     const ScriptedServer server(answering(whole.substr(0, length)),
@@ -187,7 +187,7 @@ TEST_F(ATrustedExchange, IsLostWhenTheAnswerIsCutShort) {
   }
 }
 
-TEST_F(ATrustedExchange, TimesOutAndIsCancelledLikeAnyOther) {
+TEST_F(ATLSExchange, CanTimeOutAndBeCancelled) {
   const ScriptedServer server(
       [](ServerConnection& connection) {
         connection.readRequest();
@@ -201,7 +201,7 @@ TEST_F(ATrustedExchange, TimesOutAndIsCancelledLikeAnyOther) {
   EXPECT_EQ(running.wait().failure, Failure::cancelled);
 }
 
-TEST_F(ATrustedExchange, RunsBesideManyOthersFromTheFirstOn) {
+TEST_F(ATLSExchange, RunsInParallelWithManyOthers) {
   const ScriptedServer server(
       [](ServerConnection& connection) {
         const std::string request = connection.readRequest();

@@ -1,4 +1,4 @@
-// How the intents' service ends, and that no call is lost by it.
+// The end of the intents service, which loses no call.
 #include <csignal>
 #include <fstream>
 
@@ -24,7 +24,7 @@ linux_platform::ProgramCall servingShortly() {
           .arguments = {idleLimit}};
 }
 
-// The services of a phone whose intents end after a very short idle time.
+// The services of a phone whose intents service has a very short idle timeout.
 class ShortLivedServices {
  public:
   ShortLivedServices() {
@@ -44,14 +44,14 @@ class AnIdleService : public ShortLivedServices, public testkit::ServedIntents {
   AnIdleService() : ServedIntents(folder()) {}
 };
 
-TEST_F(AnIdleService, EndsWithSuccess) {
+TEST_F(AnIdleService, ExitsWithStatusZero) {
   ChildProcess program(servingShortly());
   const ProgramResult result = program.wait(10s);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output + result.errors, "");
 }
 
-TEST_F(AnIdleService, WaitsForACallThatTakesLonger) {
+TEST_F(AnIdleService, WaitsForACallThatOutlastsTheIdleTimeout) {
   const testkit::ScriptedServer server([](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle(500ms);
@@ -61,7 +61,7 @@ TEST_F(AnIdleService, WaitsForACallThatTakesLonger) {
   EXPECT_EQ(processSMS("Paid").output, replyWith("SMS ignored - not a transaction"));
 }
 
-TEST_F(AnIdleService, LosesNoneOf200CallsThatComeWhenItEnds) {
+TEST_F(AnIdleService, Answers200CallsThatArriveWhileItExits) {
   const ProgramResult result =
       runProgram(client("calls_at_the_idle_end.py", {"200", idleLimit}), 110s);
   int answered = 0;
@@ -95,7 +95,7 @@ class ATerminatedService : public testkit::ServedIntents, public testing::WithPa
   }};
 };
 
-TEST_P(ATerminatedService, WithNothingToDoEndsAtOnce) {
+TEST_P(ATerminatedService, ExitsAtOnceWhenIdle) {
   ChildProcess program(serving());
   ASSERT_TRUE(isServed());
   program.signal(GetParam());
@@ -119,7 +119,7 @@ TEST_P(ATerminatedService, KeepsTheTextOfItsRunAndAnswersItsCaller) {
   EXPECT_EQ(queue()[0].smsText, "Paid 150");
 }
 
-TEST_P(ATerminatedService, AnswersAllOfItsManyCallers) {
+TEST_P(ATerminatedService, AnswersEachOfItsManyCallers) {
   signIn(server.url());
   ChildProcess program(serving());
   ASSERT_TRUE(isServed());
@@ -131,7 +131,7 @@ TEST_P(ATerminatedService, AnswersAllOfItsManyCallers) {
               testing::EndsWith("\n20 Saved offline - will process when connected\n"));
 }
 
-TEST_P(ATerminatedService, LeavesItsNameToTheNextCallAtOnce) {
+TEST_P(ATerminatedService, ReleasesItsBusNameForTheNextCall) {
   signIn(server.url());
   ChildProcess busy(
       client("call_intents.py", {"perform", "ProcessSMSIntent", "smsText", "text", "Paid 150"}));
@@ -151,7 +151,7 @@ INSTANTIATE_TEST_SUITE_P(, ATerminatedService, testing::Values(SIGTERM, SIGINT),
 
 class AFatalStop : public testkit::ServedIntents {};
 
-TEST_F(AFatalStop, EndsTheProcessAndTheCallWithAnError) {
+TEST_F(AFatalStop, EndsTheProcessAndFailsTheCall) {
   signIn("http://not a url");
   ChildProcess program(serving());
   ASSERT_TRUE(isServed());
@@ -161,7 +161,7 @@ TEST_F(AFatalStop, EndsTheProcessAndTheCallWithAnError) {
   EXPECT_NE(result.errors, "");
 }
 
-TEST_F(AFatalStop, LeavesTheNextCallToANewProcess) {
+TEST_F(AFatalStop, LetsTheNextCallStartANewProcess) {
   testkit::ToldBackend backend;
   signIn(backend.url());
   EXPECT_EQ(processSMS("Code 1").output, replyWith("SMS ignored - not a transaction"));

@@ -1,4 +1,4 @@
-// Many calls of the intents' service at a time.
+// Many concurrent calls of the intents service.
 #include <algorithm>
 #include <csignal>
 #include <sstream>
@@ -92,7 +92,7 @@ TEST_F(ABusyService, Tracks500ExpensesAtATime) {
   expectModest(load);
 }
 
-TEST_F(ABusyService, ThatMayOpenFewFilesLetsCallsWaitAndFailsNone) {
+TEST_F(ABusyService, DelaysCallsWithFewFileDescriptorsAndFailsNone) {
   const testkit::ScriptedServer server([&](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle(20ms);
@@ -107,7 +107,7 @@ TEST_F(ABusyService, ThatMayOpenFewFilesLetsCallsWaitAndFailsNone) {
   EXPECT_EQ(program.wait().status, 0);
 }
 
-TEST_F(ABusyService, ThatIsTerminatedPerformsTheCallsThatStillWait) {
+TEST_F(ABusyService, PerformsTheWaitingCallsWhenTerminated) {
   const testkit::ScriptedServer server([&](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle();
@@ -123,7 +123,7 @@ TEST_F(ABusyService, ThatIsTerminatedPerformsTheCallsThatStillWait) {
               testing::EndsWith("\n50 Saved offline - will process when connected\n"));
 }
 
-TEST_F(ABusyService, ThatLosesItsBusKeepsTheTextsThatStillWait) {
+TEST_F(ABusyService, KeepsTheWaitingTextsWhenTheBusEnds) {
   const testkit::ScriptedServer server([&](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle();

@@ -1,4 +1,4 @@
-// What the intents' service refuses, and what it makes of it: nothing.
+// The calls that the intents service refuses without any effect.
 #include "served_intents.h"
 #include "testkit/extension_program.h"
 
@@ -32,7 +32,7 @@ class ARefusedCall : public testkit::ServedIntents {
   testkit::ToldBackend backend;
 };
 
-TEST_F(ARefusedCall, NamesAnIntentThatThereIsNot) {
+TEST_F(ARefusedCall, ReportsAnUnknownIntent) {
   for (const char* const intent : {"Paid 150 at Cafe", "", "processsmsintent", "ProcessSMS"}) {
     expectRefused(intent, "{'smsText': <'Paid 150'>}", "UnknownIntent",
                   "the intents are: AddExpenseIntent, ProcessSMSIntent");
@@ -40,7 +40,7 @@ TEST_F(ARefusedCall, NamesAnIntentThatThereIsNot) {
   expectNothingDone();
 }
 
-TEST_F(ARefusedCall, NamesAParameterThatTheIntentDoesNotHave) {
+TEST_F(ARefusedCall, ReportsAnUnknownParameter) {
   expectRefused("ProcessSMSIntent", "{'smsText': <'Paid 150'>, 'Paid 7': <'x'>}",
                 "UnknownParameter", "the intent's parameters are: smsText");
   expectRefused("AddExpenseIntent", "{'smsText': <'Paid 150'>}", "UnknownParameter",
@@ -48,7 +48,7 @@ TEST_F(ARefusedCall, NamesAParameterThatTheIntentDoesNotHave) {
   expectNothingDone();
 }
 
-TEST_F(ARefusedCall, LacksAParameter) {
+TEST_F(ARefusedCall, ReportsAMissingParameter) {
   expectRefused("ProcessSMSIntent", "@a{sv} {}", "MissingParameter", "smsText is missing");
   expectRefused("AddExpenseIntent", "{'amount': <1.5>}", "MissingParameter", "merchant is missing");
   expectRefused("AddExpenseIntent", "{'merchant': <'Cafe'>}", "MissingParameter",
@@ -56,7 +56,7 @@ TEST_F(ARefusedCall, LacksAParameter) {
   expectNothingDone();
 }
 
-TEST_F(ARefusedCall, HasAValueOfAnotherType) {
+TEST_F(ARefusedCall, ReportsAValueOfTheWrongType) {
   for (const char* const value :
        {"<150.0>", "<150>", "<true>", "<['Paid']>", "<b'Paid'>", "<objectpath '/Paid'>",
         "<signature 's'>", "<<'Paid'>>", "<{'Paid': <'x'>}>"}) {
@@ -72,7 +72,7 @@ TEST_F(ARefusedCall, HasAValueOfAnotherType) {
   expectNothingDone();
 }
 
-TEST_F(ARefusedCall, HasANumberThatIsNotFinite) {
+TEST_F(ARefusedCall, ReportsANumberThatIsNotFinite) {
   for (const char* const number : {"inf", "-inf", "nan"}) {
     const ProgramResult result =
         runProgram(client("call_intents.py", {"perform", "AddExpenseIntent", "amount", "number",
@@ -82,14 +82,14 @@ TEST_F(ARefusedCall, HasANumberThatIsNotFinite) {
   expectNothingDone();
 }
 
-TEST_F(ARefusedCall, IsRefusedToPythonByTheSameNames) {
+TEST_F(ARefusedCall, HasTheSameErrorNamesInPython) {
   EXPECT_EQ(runProgram(client("call_intents.py", {"perform", "Nothing"})).output,
             "app.kivo.Intents1.Error.UnknownIntent\n");
   EXPECT_EQ(runProgram(client("call_intents.py", {"perform", "ProcessSMSIntent"})).output,
             "app.kivo.Intents1.Error.MissingParameter\n");
 }
 
-TEST_F(ARefusedCall, IsToBusctlAnErrorInWords) {
+TEST_F(ARefusedCall, IsReadableInBusctl) {
   const ProgramResult result = runProgram(
       {.program = "busctl",
        .arguments = {"--user", "call", testkit::intentsName, "/app/kivo/expenses/Intents",
@@ -98,7 +98,7 @@ TEST_F(ARefusedCall, IsToBusctlAnErrorInWords) {
   EXPECT_THAT(result.errors, HasSubstr("smsText is missing"));
 }
 
-TEST_F(ARefusedCall, OfAnotherShapeReachesNoIntent) {
+TEST_F(ARefusedCall, ReachesNoIntentWithAWrongSignature) {
   const auto call = [this](const char* method, std::vector<std::string> arguments) {
     return phone
         .call(testkit::intentsName, "/app/kivo/expenses/Intents",
@@ -111,7 +111,7 @@ TEST_F(ARefusedCall, OfAnotherShapeReachesNoIntent) {
   expectNothingDone();
 }
 
-TEST_F(ARefusedCall, WithBrokenTextIsDroppedByTheBusAndTheServiceLivesOn) {
+TEST_F(ARefusedCall, WithInvalidUtf8IsDroppedByTheBus) {
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
   const pid_t process = service();
   EXPECT_EQ(runProgram(client("call_with_broken_text.py", {})).output, "dropped\n");

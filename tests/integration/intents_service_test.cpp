@@ -1,4 +1,4 @@
-// The intents on the session bus, called by other people's clients.
+// The intents on the session bus, called by standard clients.
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -34,7 +34,7 @@ class AnIntentsService : public testkit::ServedIntents {
   testkit::ToldBackend backend;
 };
 
-// What all threads of the process have used.
+// The processor time of all threads of the process.
 std::chrono::nanoseconds processorTime(pid_t process) {
   std::int64_t sum = 0;
   for (const auto& thread :
@@ -47,7 +47,7 @@ std::chrono::nanoseconds processorTime(pid_t process) {
   return std::chrono::nanoseconds(sum);
 }
 
-TEST_F(AnIntentsService, IsStartedByTheBusForACallByGdbus) {
+TEST_F(AnIntentsService, IsStartedByTheBusWhenGdbusCalls) {
   signIn(backend.url());
   backend.answers(200, testkit::savedAnswer("expense"));
   const ProgramResult result = processSMS("Paid 150");
@@ -58,7 +58,7 @@ TEST_F(AnIntentsService, IsStartedByTheBusForACallByGdbus) {
   EXPECT_EQ(store().readText(StoreKeys::todayTotal), "150.0");
 }
 
-TEST_F(AnIntentsService, AnswersPython) {
+TEST_F(AnIntentsService, AnswersAPythonClient) {
   signIn(backend.url());
   backend.answers(200, testkit::savedAnswer("expense"));
   const ProgramResult result =
@@ -76,7 +76,7 @@ TEST_F(AnIntentsService, AnswersBusctl) {
   EXPECT_EQ(result.output, "s \"SMS ignored - not a transaction\"\n") << result.errors;
 }
 
-TEST_F(AnIntentsService, TellsTheCatalogThatTheCommandTells) {
+TEST_F(AnIntentsService, ReturnsTheSameCatalogAsTheCommand) {
   const ProgramResult command =
       runProgram({.program = linux_platform::programFolder() / "kivo-intents",
                   .arguments = {"catalog", "--json"}});
@@ -84,7 +84,7 @@ TEST_F(AnIntentsService, TellsTheCatalogThatTheCommandTells) {
   EXPECT_THAT(command.output, HasSubstr("ProcessSMSIntent"));
 }
 
-TEST_F(AnIntentsService, DescribesItselfToClients) {
+TEST_F(AnIntentsService, SupportsIntrospection) {
   const std::string described = phone
                                     .call(intentsName, "/app/kivo/expenses/Intents",
                                           "org.freedesktop.DBus.Introspectable.Introspect")
@@ -94,7 +94,7 @@ TEST_F(AnIntentsService, DescribesItselfToClients) {
   EXPECT_THAT(described, HasSubstr(R"(<arg type="s" name="json" direction="out"/>)"));
 }
 
-TEST_F(AnIntentsService, AnswersACallThatNamesNoInterface) {
+TEST_F(AnIntentsService, AnswersACallWithoutAnInterface) {
   const ProgramResult called = runProgram(
       {.program = "/usr/bin/python3",
        .arguments = {"-c",
@@ -109,7 +109,7 @@ TEST_F(AnIntentsService, AnswersACallThatNamesNoInterface) {
   EXPECT_THAT(called.output, HasSubstr(R"(<interface name="app.kivo.Intents1">)"));
 }
 
-TEST_F(AnIntentsService, SpendsNoProcessorTimeWhileNothingHappens) {
+TEST_F(AnIntentsService, UsesNoCpuWhileIdle) {
   signIn("http://127.0.0.1:1");  // so that both of its connections were in use
   EXPECT_EQ(processSMS("Paid").output, replyWith("Saved offline - will process when connected"));
   const auto before = processorTime(service());
@@ -117,7 +117,7 @@ TEST_F(AnIntentsService, SpendsNoProcessorTimeWhileNothingHappens) {
   EXPECT_LT(processorTime(service()) - before, 100ms);
 }
 
-TEST_F(AnIntentsService, CarriesATextOfAMebibyte) {
+TEST_F(AnIntentsService, AcceptsATextOfOneMebibyte) {
   signIn("http://127.0.0.1:1");
   const std::string text(1 << 20, 'x');
   // Past what a command line holds: from a file of python's.
@@ -134,7 +134,7 @@ TEST_F(AnIntentsService, CarriesATextOfAMebibyte) {
   EXPECT_EQ(queue()[0].smsText, text);
 }
 
-TEST_F(AnIntentsService, AnswersWithWhatTheBusCannotCarryReplaced) {
+TEST_F(AnIntentsService, ReplacesCharactersThatAreInvalidOnTheBus) {
   signIn(backend.url());
   backend.answers(200, R"({"saved":true,"transaction_type":"expense","expense":{"id":"1",)"
                        R"("description":"a\u0000b\ufffez","amount":1.0,"category":"C",)"
@@ -158,7 +158,7 @@ TEST_F(AnIntentsService, AnswersALaterCallWhileAnEarlierOneWaits) {
   EXPECT_EQ(slow.outputSoFar(), "");
 }
 
-TEST_F(AnIntentsService, FinishesTheRunOfACallerThatDisappears) {
+TEST_F(AnIntentsService, FinishesTheRunWhenItsCallerDisappears) {
   const testkit::ScriptedServer server([](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle(300ms);
@@ -175,9 +175,9 @@ TEST_F(AnIntentsService, FinishesTheRunOfACallerThatDisappears) {
   EXPECT_EQ(service(), process);
 }
 
-TEST_F(AnIntentsService, PerformsACallThatWantsNoReply) {
+TEST_F(AnIntentsService, PerformsACallThatExpectsNoReply) {
   signIn("http://127.0.0.1:1");
-  // The bus starts nothing for a caller that has gone meanwhile.
+  // The bus starts no service for a caller that has disconnected.
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
   const ProgramResult sent = runProgram(
       {.program = "/usr/bin/python3",
@@ -193,7 +193,7 @@ TEST_F(AnIntentsService, PerformsACallThatWantsNoReply) {
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
 }
 
-TEST_F(AnIntentsService, WaitsInEachOfItsRunsASecondForACenterThatHangs) {
+TEST_F(AnIntentsService, WaitsASecondPerRunForAHangingCenter) {
   signIn("http://127.0.0.1:1");
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
   const pid_t center = phone.startCenter();
@@ -208,7 +208,7 @@ TEST_F(AnIntentsService, WaitsInEachOfItsRunsASecondForACenterThatHangs) {
   kill(center, SIGKILL);
 }
 
-TEST_F(AnIntentsService, IsOneAtATime) {
+TEST_F(AnIntentsService, ExitsWhenAnotherOwnsTheBusName) {
   EXPECT_EQ(processSMS(" ").output, replyWith("No SMS text provided"));
   const pid_t first = service();
   const ProgramResult second = runProgram(serving());
@@ -218,14 +218,14 @@ TEST_F(AnIntentsService, IsOneAtATime) {
   EXPECT_EQ(service(), first);
 }
 
-TEST_F(AnIntentsService, EndsWhenTheBusGoes) {
+TEST_F(AnIntentsService, EndsWhenTheBusEnds) {
   ChildProcess program(serving());
   ASSERT_TRUE(isServed());
   phone.endBus();
   EXPECT_EQ(program.wait(10s).status, 0);
 }
 
-TEST_F(AnIntentsService, KeepsTheTextsOfItsRunsWhenTheBusGoes) {
+TEST_F(AnIntentsService, KeepsTheTextsOfItsRunsWhenTheBusEnds) {
   const testkit::ScriptedServer server([](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle();
@@ -243,7 +243,7 @@ TEST_F(AnIntentsService, KeepsTheTextsOfItsRunsWhenTheBusGoes) {
   EXPECT_EQ(queue()[0].smsText, "Paid 150");
 }
 
-TEST(WithoutASessionBus, ServingEndsWithOneLine) {
+TEST(WithoutASessionBus, TheServiceExitsWithOneLine) {
   const testkit::PrivateFolders folders;
   const ProgramResult result = runProgram(
       {.program = linux_platform::programFolder() / "kivo-intents", .arguments = {"serve"}});

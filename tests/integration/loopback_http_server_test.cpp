@@ -58,7 +58,7 @@ TEST_F(ALoopbackHttpServer, HandsOverTheRequestAndSendsTheAnswer) {
 
 TEST_F(ALoopbackHttpServer, AnswersFailuresOfItsHandler) { EXPECT_EQ(post("throw"), 500); }
 
-TEST_F(ALoopbackHttpServer, TakesNoBodyPastItsLimit) {
+TEST_F(ALoopbackHttpServer, RefusesABodyAboveItsLimit) {
   EXPECT_EQ(post(std::string(8U << 20U, 'x')), 201);
   EXPECT_EQ(exchanges_, 1);
   // The answer may be lost, since the rest of the body meets a closed connection.

@@ -1,4 +1,4 @@
-// What other programs of the same person cannot do to the notification center.
+// The notification center against other programs of the same user.
 #include <fstream>
 
 #include "a_notification_center.h"
@@ -17,7 +17,7 @@ constexpr int mostMemory = 2 << 20;
 constexpr int mostMemory = 150 << 10;
 #endif
 
-class AFloodedNotificationCenter : public ANotificationCenter {
+class AnAttackedNotificationCenter : public ANotificationCenter {
  protected:
   // Sends the center alone a signal, as any other program of the person can.
   static void forge(const std::string& path, const std::string& signal,
@@ -55,7 +55,7 @@ class AFloodedNotificationCenter : public ANotificationCenter {
   }
 };
 
-TEST_F(AFloodedNotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) {
+TEST_F(AnAttackedNotificationCenter, IgnoresForgedActionSignals) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", "{'userInfo': <{'deepLink': 'kivo-expenses://1'}>}").status, 0);
   ASSERT_EQ(add("two", "{'userInfo': <{'deepLink': 'kivo-expenses://2'}>}").status, 0);
@@ -68,7 +68,7 @@ TEST_F(AFloodedNotificationCenter, OpensNothingThatAnotherProgramSaysWasChosen) 
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://2"));
 }
 
-TEST_F(AFloodedNotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
+TEST_F(AnAttackedNotificationCenter, SurvivesMalformedSignals) {
   NotificationDisplay display(phone.address());
   const pid_t before = phone.startCenter();
   forgeOfDesktop("ActionInvoked", {"string:one"});
@@ -78,7 +78,7 @@ TEST_F(AFloodedNotificationCenter, GoesOnAfterSignalsOfAnotherShape) {
   EXPECT_EQ(phone.startCenter(), before);
 }
 
-TEST_F(AFloodedNotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) {
+TEST_F(AnAttackedNotificationCenter, RefusesRequestsAbove2MiBWithoutMuchMemory) {
   const pid_t center = phone.startCenter();
   const std::string large = std::to_string(30 << 20);
   const std::string refused = "org.freedesktop.DBus.Error.LimitsExceeded\n";
@@ -91,7 +91,7 @@ TEST_F(AFloodedNotificationCenter, RefusesRequestsOfMoreThan2MiBInLittleMemory) 
   EXPECT_LT(peakMemory(center), mostMemory);
 }
 
-TEST_F(AFloodedNotificationCenter, RefusesRequestsBeyond32MiBOfWaitingOnes) {
+TEST_F(AnAttackedNotificationCenter, RefusesRequestsWhen32MiBArePending) {
   std::string answers;
   for (int number = 1; number <= 16; ++number) answers += "kept\n";
   answers += "org.freedesktop.DBus.Error.LimitsExceeded\n";

@@ -18,11 +18,11 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-TEST_F(ANotificationCenter, AnswersNotDeterminedForABundleThatWasNeverSet) {
+TEST_F(ANotificationCenter, ReportsNotDeterminedForANewBundle) {
   EXPECT_EQ(status("app.never.set"), "(0,)\n");
 }
 
-TEST_F(ANotificationCenter, KeepsAPermissionPerBundleOverARestart) {
+TEST_F(ANotificationCenter, KeepsThePermissionOfEachBundleAcrossARestart) {
   EXPECT_EQ(phone.callCenter("SetAuthorizationStatus", {bundle, "2"}).output, "()\n");
   EXPECT_EQ(phone.callCenter("SetAuthorizationStatus", {"app.other", "1"}).output, "()\n");
   phone.killCenter();
@@ -30,7 +30,7 @@ TEST_F(ANotificationCenter, KeepsAPermissionPerBundleOverARestart) {
   EXPECT_EQ(status("app.other"), "(1,)\n");
 }
 
-TEST_F(ANotificationCenter, RefusesAStatusThatThereIsNot) {
+TEST_F(ANotificationCenter, RefusesAnUnknownStatus) {
   for (const char* const number : {"5", "-1", "2147483647"}) {
     const ProgramResult result = phone.callCenter("SetAuthorizationStatus", {bundle, "--", number});
     EXPECT_THAT(result.errors, HasSubstr("InvalidArgs")) << number;
@@ -38,7 +38,7 @@ TEST_F(ANotificationCenter, RefusesAStatusThatThereIsNot) {
   EXPECT_EQ(status(bundle), "(0,)\n");
 }
 
-TEST_F(ANotificationCenter, ShowsARequestAboutASecondLaterThoughItsSenderHasGone) {
+TEST_F(ANotificationCenter, ShowsARequestASecondLaterAfterItsSenderExits) {
   NotificationDisplay display(phone.address());
   phone.startCenter();
   const auto before = std::chrono::steady_clock::now();
@@ -51,7 +51,7 @@ TEST_F(ANotificationCenter, ShowsARequestAboutASecondLaterThoughItsSenderHasGone
   EXPECT_LE(shown[0].shownAt - after, 2s);
 }
 
-TEST_F(ANotificationCenter, SaysAllThatTheDesktopNeeds) {
+TEST_F(ANotificationCenter, SendsNameTitleBodyAndActionToTheDesktop) {
   NotificationDisplay display(phone.address(), {"body", "actions"});
   ASSERT_EQ(add("one").status, 0);
   const auto shown = display.waitForShown(1, 10s);
@@ -66,7 +66,7 @@ TEST_F(ANotificationCenter, SaysAllThatTheDesktopNeeds) {
   EXPECT_EQ(shown[0].expiresAfter, -1);
 }
 
-TEST_F(ANotificationCenter, EscapesTheBodyAndNothingElseForAServerWithBodyMarkup) {
+TEST_F(ANotificationCenter, EscapesOnlyTheBodyForAServerWithBodyMarkup) {
   NotificationDisplay display(phone.address(), {"body", "body-markup"});
   ASSERT_EQ(add("one", "{'title': <'<b>&</b>'>, 'body': <'a < b & c > d &amp; \"'>}").status, 0);
   const auto shown = display.waitForShown(1, 10s);
@@ -75,7 +75,7 @@ TEST_F(ANotificationCenter, EscapesTheBodyAndNothingElseForAServerWithBodyMarkup
   EXPECT_EQ(shown[0].body, "a &lt; b &amp; c &gt; d &amp;amp; \"");
 }
 
-TEST_F(ANotificationCenter, NamesASoundExactlyWhereTheServerHasSound) {
+TEST_F(ANotificationCenter, SendsASoundOnlyToAServerWithSound) {
   NotificationDisplay display(phone.address(), {"sound"});
   ASSERT_EQ(add("one").status, 0);
   const auto shown = display.waitForShown(1, 10s);
@@ -84,7 +84,7 @@ TEST_F(ANotificationCenter, NamesASoundExactlyWhereTheServerHasSound) {
                                                    Pair("sound-name", "message-new-instant")));
 }
 
-TEST_F(ANotificationCenter, PassesEmptyTextsThrough) {
+TEST_F(ANotificationCenter, ShowsEmptyTexts) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", "{'title': <''>, 'body': <''>}").status, 0);
   const auto shown = display.waitForShown(1, 10s);
@@ -94,7 +94,7 @@ TEST_F(ANotificationCenter, PassesEmptyTextsThrough) {
   EXPECT_THAT(shown[0].actions, IsEmpty());
 }
 
-TEST_F(ANotificationCenter, ShowsOnceWhatItHadWhenItWasKilled) {
+TEST_F(ANotificationCenter, ShowsAPendingRequestOnceAfterAKill) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", link, "1.0").status, 0);
   phone.killCenter();
@@ -112,7 +112,7 @@ TEST_F(ANotificationCenter, ShowsOnceWhatItHadWhenItWasKilled) {
   EXPECT_EQ(display.waitForShown(2, 500ms).size(), 1U);
 }
 
-TEST_F(ANotificationCenter, WaitsForAServerThatIsNotThereYet) {
+TEST_F(ANotificationCenter, WaitsForANotificationServerToStart) {
   ASSERT_EQ(add("one").status, 0);
   ASSERT_EQ(add("two").status, 0);
   std::this_thread::sleep_for(200ms);
@@ -123,7 +123,7 @@ TEST_F(ANotificationCenter, WaitsForAServerThatIsNotThereYet) {
   EXPECT_TRUE(testkit::eventually([&] { return pending() == "(@as [],)\n"; }));
 }
 
-TEST_F(ANotificationCenter, ShowsNothingTwiceForADoubledIdentifier) {
+TEST_F(ANotificationCenter, ShowsADuplicateIdentifierOnce) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", link, "0.3").status, 0);
   ASSERT_EQ(add("one", link, "0.3").status, 0);
@@ -135,7 +135,7 @@ TEST_F(ANotificationCenter, ShowsNothingTwiceForADoubledIdentifier) {
   EXPECT_EQ(display.waitForShown(2, 500ms).size(), 1U);
 }
 
-TEST_F(ANotificationCenter, LeavesNothingOnTheDiskOfWhatWasShown) {
+TEST_F(ANotificationCenter, RemovesAShownRequestFromTheDisk) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one").status, 0);
   ASSERT_EQ(display.waitForShown(1, 10s).size(), 1U);
@@ -146,7 +146,7 @@ TEST_F(ANotificationCenter, LeavesNothingOnTheDiskOfWhatWasShown) {
   EXPECT_TRUE(testkit::eventually([&] { return onDisk() == "[]"; })) << onDisk();
 }
 
-TEST_F(ANotificationCenter, OpensTheDeepLinkOfTheNotificationThatIsChosen) {
+TEST_F(ANotificationCenter, OpensTheDeepLinkOfAClickedNotification) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one").status, 0);
   const auto shown = display.waitForShown(1, 10s);
@@ -158,7 +158,7 @@ TEST_F(ANotificationCenter, OpensTheDeepLinkOfTheNotificationThatIsChosen) {
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://"));
 }
 
-TEST_F(ANotificationCenter, OpensNothingThatCouldBeAnOptionOrAFile) {
+TEST_F(ANotificationCenter, DoesNotOpenADeepLinkThatIsAnOptionOrAFile) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", "{'userInfo': <{'deepLink': '--manual'}>}").status, 0);
   ASSERT_EQ(add("two", "{'userInfo': <{'deepLink': '/etc/passwd'}>}").status, 0);
@@ -169,7 +169,7 @@ TEST_F(ANotificationCenter, OpensNothingThatCouldBeAnOptionOrAFile) {
   EXPECT_THAT(phone.openedLinks(1), ElementsAre("kivo-expenses://"));
 }
 
-TEST_F(ANotificationCenter, RefusesContentThatItDoesNotKnow) {
+TEST_F(ANotificationCenter, RefusesUnknownContent) {
   for (const char* const content :
        {"{'subtitle': <'x'>}", "{'title': <1>}", "{'body': <['x']>}", "{'sound': <'loud'>}",
         "{'sound': <true>}", "{'userInfo': <{'badge': 1}>}", "{'userInfo': <'deepLink'>}"}) {
@@ -179,7 +179,7 @@ TEST_F(ANotificationCenter, RefusesContentThatItDoesNotKnow) {
   EXPECT_EQ(pending(), "(@as [],)\n");
 }
 
-TEST_F(ANotificationCenter, RefusesATriggerThatItCannotKeep) {
+TEST_F(ANotificationCenter, RefusesAnInvalidTrigger) {
   for (const char* const interval : {"-1.0", "-inf", "inf", "nan", "1e300"}) {
     EXPECT_THAT(add("one", link, interval).errors, HasSubstr("InvalidArgs")) << interval;
   }
@@ -187,13 +187,13 @@ TEST_F(ANotificationCenter, RefusesATriggerThatItCannotKeep) {
   EXPECT_EQ(pending(), "(@as [],)\n");
 }
 
-TEST_F(ANotificationCenter, TakesNothingOfADeniedBundle) {
+TEST_F(ANotificationCenter, RefusesRequestsOfADeniedBundle) {
   phone.callCenter("SetAuthorizationStatus", {bundle, "1"});
   EXPECT_THAT(add("one").errors, HasSubstr("org.freedesktop.DBus.Error.AccessDenied"));
   EXPECT_EQ(pending(), "(@as [],)\n");
 }
 
-TEST_F(ANotificationCenter, ShowsByTheServerOfAThirdParty) {
+TEST_F(ANotificationCenter, ShowsOnAThirdPartyServer) {
   linux_platform::ChildProcess server(
       {.program = "/usr/bin/python3",
        .arguments = {"-u", "-m", "dbusmock", "--template", "notification_daemon"}});
@@ -213,7 +213,7 @@ TEST_F(ANotificationCenter, EndsWithTheBus) {
   EXPECT_TRUE(testkit::PrivatePhone::hasEnded(center));
 }
 
-TEST_F(ANotificationCenter, EndsWhenItIsAskedTo) {
+TEST_F(ANotificationCenter, EndsWhenTerminated) {
   const pid_t center = phone.startCenter();
   kill(center, SIGTERM);
   EXPECT_TRUE(testkit::PrivatePhone::hasEnded(center));
@@ -229,7 +229,7 @@ class TheCenterProgram : public testing::Test {
   }
 };
 
-TEST_F(TheCenterProgram, EndsAtOnceWhereAnotherIsTheCenter) {
+TEST_F(TheCenterProgram, ExitsWhenAnotherOwnsTheBusName) {
   testkit::PrivatePhone phone;
   phone.startCenter();
   const ProgramResult second = run();
@@ -237,20 +237,20 @@ TEST_F(TheCenterProgram, EndsAtOnceWhereAnotherIsTheCenter) {
   EXPECT_THAT(second.errors, HasSubstr("another program is app.kivo.NotificationCenter\n"));
 }
 
-TEST_F(TheCenterProgram, EndsAtOnceWithoutABus) {
+TEST_F(TheCenterProgram, ExitsWithoutABus) {
   const testkit::PrivateFolders folders;
   const ProgramResult result = run();
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "kivo-notification-center: there is no session bus\n");
 }
 
-TEST_F(TheCenterProgram, EndsAtOnceWhereItCanKeepNothing) {
+TEST_F(TheCenterProgram, ExitsWhenItsStoreCannotBeOpened) {
   testkit::PrivatePhone phone;
   const testkit::ScopedVariable nowhere("XDG_DATA_HOME", "/dev/null/data");
   EXPECT_EQ(run().status, 1);
 }
 
-TEST_F(TheCenterProgram, SaysWhatItIs) {
+TEST_F(TheCenterProgram, PrintsHelpAndVersion) {
   EXPECT_THAT(run({"--help"}).output, HasSubstr("Usage: kivo-notification-center"));
   EXPECT_THAT(run({"--version"}).output, testing::StartsWith("kivo-notification-center "));
   EXPECT_EQ(run({"--unknown"}).status, 64);

@@ -1,4 +1,4 @@
-// The person's decision on its way to the notification center.
+// The user's notification permission, sent to the notification center.
 #include "platform/linux/user_notifications/notification_permission.h"
 
 #include <chrono>
@@ -16,21 +16,21 @@ using platform::UNAuthorizationStatus;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-TEST(ADecisionOfThePerson, IsStoredForTheBundleThatItIsAbout) {
+TEST(ANotificationPermission, IsStoredPerBundle) {
   testkit::PrivatePhone phone;
   EXPECT_TRUE(setAuthorizationStatus("app.one", UNAuthorizationStatus::ephemeral));
   EXPECT_EQ(phone.callCenter("AuthorizationStatus", {"app.one"}).output, "(4,)\n");
   EXPECT_EQ(phone.callCenter("AuthorizationStatus", {"app.two"}).output, "(0,)\n");
 }
 
-TEST(ADecisionOfThePerson, IsRefusedAtOnceWithoutABus) {
+TEST(ANotificationPermission, FailsAtOnceWithoutABus) {
   const testkit::PrivateFolders folders;
   const Clock::time_point start = Clock::now();
   EXPECT_FALSE(setAuthorizationStatus("app.one", UNAuthorizationStatus::denied));
   EXPECT_LE(Clock::now() - start, 300ms);
 }
 
-TEST(ADecisionOfThePerson, IsGivenUpAfterFiveSecondsOnASilentBus) {
+TEST(ANotificationPermission, TimesOutAfterFiveSecondsOnASilentBus) {
   const testkit::PrivateFolders folders;
   const testkit::SilentSocket silent(folders.home() / "silent");
   const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());

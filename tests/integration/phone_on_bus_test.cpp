@@ -44,7 +44,7 @@ class APhoneOnABus : public testing::Test {
   testkit::PrivatePhone phone;
 };
 
-TEST_F(APhoneOnABus, DecidesWhetherKivoMayNotify) {
+TEST_F(APhoneOnABus, SetsTheNotificationPermission) {
   const std::vector<std::pair<std::string, std::string>> statuses{{"authorized", "(2,)\n"},
                                                                   {"denied", "(1,)\n"},
                                                                   {"not-determined", "(0,)\n"},
@@ -60,7 +60,7 @@ TEST_F(APhoneOnABus, DecidesWhetherKivoMayNotify) {
   }
 }
 
-TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAReloadIsAskedFor) {
+TEST_F(APhoneOnABus, RedrawsTheWidgetOnAReload) {
   spend(5);
   ChildProcess watching(watch());
   ASSERT_TRUE(shows(watching, "Today          $5.00\nExpenses       1\n"));
@@ -71,7 +71,7 @@ TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAReloadIsAskedFor) {
   EXPECT_EQ(watching.wait(std::chrono::seconds(10)).status, 0);
 }
 
-TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAMessageIsQueuedThoughNoReloadIsAskedFor) {
+TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAMessageIsQueuedWithoutAReload) {
   spend(5);
   ChildProcess watching(watch());
   ASSERT_TRUE(shows(watching, "Waiting        0\nSigned in      no\n"));
@@ -86,7 +86,7 @@ TEST_F(APhoneOnABus, RedrawsTheWidgetWhenAMessageIsQueuedThoughNoReloadIsAskedFo
   EXPECT_TRUE(shows(watching, "Waiting        1\nSigned in      no\n"));
 }
 
-TEST_F(APhoneOnABus, RedrawsTheWidgetWhenThePersonSignsIn) {
+TEST_F(APhoneOnABus, RedrawsTheWidgetOnASignIn) {
   ChildProcess watching(watch());
   ASSERT_TRUE(shows(watching, "Signed in      no\n"));
   linux_platform::runProgram({.program = phoneProgram(),
@@ -94,7 +94,7 @@ TEST_F(APhoneOnABus, RedrawsTheWidgetWhenThePersonSignsIn) {
   EXPECT_TRUE(shows(watching, "Signed in      yes\n"));
 }
 
-TEST_F(APhoneOnABus, EndsAWatchOnAnyEndSignalWithoutAnError) {
+TEST_F(APhoneOnABus, EndsAWatchWithoutAnErrorOnASignal) {
   for (const int signal : {SIGINT, SIGTERM}) {
     ChildProcess watching(watch());
     ASSERT_TRUE(shows(watching, "Running total"));
@@ -105,7 +105,7 @@ TEST_F(APhoneOnABus, EndsAWatchOnAnyEndSignalWithoutAnError) {
   }
 }
 
-TEST_F(APhoneOnABus, EndsAWatchWhenTheBusGoes) {
+TEST_F(APhoneOnABus, EndsAWatchWhenTheBusEnds) {
   ChildProcess watching(watch());
   ASSERT_TRUE(shows(watching, "Running total"));
   phone.endBus();

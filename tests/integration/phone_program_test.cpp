@@ -1,4 +1,4 @@
-// The real program kivo-phone, by its command line, without a bus.
+// The real program kivo-phone, by its command line and without a bus.
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -77,7 +77,7 @@ TEST_F(APhone, SignsInToOneBackendOnly) {
   EXPECT_EQ(stored(StoreKeys::userId), std::nullopt);
 }
 
-TEST_F(APhone, SignsInWithTheValuesAsGiven) {
+TEST_F(APhone, StoresTheValuesOfASignInUnchanged) {
   const ProgramResult result =
       run({"sign-in", "--user-id", " u\tü ", "--url", "https://127.0.0.1:1/", "--currency", "usd"});
   EXPECT_EQ(result.status, 0);
@@ -88,12 +88,12 @@ TEST_F(APhone, SignsInWithTheValuesAsGiven) {
   EXPECT_EQ(stored(StoreKeys::currency), "usd");
 }
 
-TEST_F(APhone, RepairsTextThatIsNotUtf8) {
+TEST_F(APhone, RepairsInvalidUtf8) {
   EXPECT_EQ(run({"sign-in", "--user-id", "a\xff", "--url", "http://127.0.0.1:1"}).status, 0);
   EXPECT_EQ(stored(StoreKeys::userId), "a\uFFFD");
 }
 
-TEST_F(APhone, LeavesTheCurrencyAloneWhenNoneIsGiven) {
+TEST_F(APhone, KeepsTheCurrencyWhenNoOtherIsGiven) {
   EXPECT_EQ(run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1"}).status, 0);
   EXPECT_EQ(stored(StoreKeys::currency), std::nullopt);
   run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1", "--currency", "USD"});
@@ -101,7 +101,7 @@ TEST_F(APhone, LeavesTheCurrencyAloneWhenNoneIsGiven) {
   EXPECT_EQ(stored(StoreKeys::currency), "USD");
 }
 
-TEST_F(APhone, StoresACurrencyThatIsGivenEmpty) {
+TEST_F(APhone, StoresAnEmptyCurrency) {
   EXPECT_EQ(
       run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1", "--currency", ""}).status,
       0);
@@ -115,7 +115,7 @@ TEST_F(APhone, SignsInWithAnEmptyValueAfterAnEqualsSign) {
   EXPECT_EQ(stored(StoreKeys::currency), "EGP");
 }
 
-TEST_F(APhone, RefusesAUrlThatWouldStopEveryRunAndStoresNothing) {
+TEST_F(APhone, RefusesAUrlThatCannotBeParsedAndStoresNothing) {
   for (const char* const url : {"http://host:abc", "http://a b", "http://[::1", "http://käse"}) {
     expectFailure({"sign-in", "--user-id", "u", "--url", url}, 64,
                   std::string("invalid --url \"") + url + "\": this is no URL; nothing was stored");
@@ -123,7 +123,7 @@ TEST_F(APhone, RefusesAUrlThatWouldStopEveryRunAndStoresNothing) {
   EXPECT_EQ(stored(StoreKeys::userId), std::nullopt);
 }
 
-TEST_F(APhone, SaysWhenASignInLeadsNowhere) {
+TEST_F(APhone, WarnsWhenASignInCannotWork) {
   EXPECT_THAT(run({"sign-in", "--user-id", "", "--url", "http://127.0.0.1:1"}).output,
               HasSubstr("counts as signed out"));
   EXPECT_THAT(run({"sign-in", "--user-id", "u", "--url", "example.com"}).output,
@@ -135,7 +135,7 @@ TEST_F(APhone, RefusesAnUnknownNotificationStatus) {
                 "STATUS is one of authorized, denied, not-determined, provisional, ephemeral");
 }
 
-TEST_F(APhone, SignsOutByEmptyingWhatAMainAppWroteAndRemovesNothing) {
+TEST_F(APhone, EmptiesUserAndBackendOnSignOutAndKeepsTheRest) {
   run({"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1", "--currency", "USD"});
   EXPECT_EQ(run({"sign-out"}).output, "Signed out.\n");
   EXPECT_EQ(stored(StoreKeys::userId), "");
@@ -161,18 +161,18 @@ TEST_F(APhone, StoresAndPrintsValues) {
             "smsQueueDrainLock  float    1000.0\n");
 }
 
-TEST_F(APhone, HasNothingToPrintForAnAbsentKey) {
+TEST_F(APhone, ReportsAnAbsentKey) {
   expectFailure({"store", "get", "absent"}, 1, "nothing is stored under this key");
 }
 
-TEST_F(APhone, TellsAnEmptyTextFromAnAbsentOne) {
+TEST_F(APhone, DistinguishesAnEmptyTextFromAnAbsentOne) {
   run({"store", "set", "key", ""});
   const ProgramResult result = run({"store", "get", "key"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output, "\n");
 }
 
-TEST_F(APhone, StoresNoFloatThatIsNoFiniteNumber) {
+TEST_F(APhone, RefusesAFloatThatIsNotFinite) {
   for (const char* const value : {"", "abc", "1 ", "nan", "inf"}) {
     expectFailure({"store", "set", "--float", "key", value}, 64,
                   "VALUE is no finite number; nothing was stored");
@@ -180,7 +180,7 @@ TEST_F(APhone, StoresNoFloatThatIsNoFiniteNumber) {
   expectFailure({"store", "get", "key"}, 1, "nothing is stored under this key");
 }
 
-TEST_F(APhone, CannotDoAnythingWithoutAStore) {
+TEST_F(APhone, ReportsThatTheStoreCannotBeOpened) {
   std::ofstream(folders_.dataHome()) << "a file where the folder should be";
   for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
            {"sign-in", "--user-id", "u", "--url", "http://127.0.0.1:1"},
@@ -196,7 +196,7 @@ TEST_F(APhone, CannotDoAnythingWithoutAStore) {
   }
 }
 
-TEST_F(APhone, ExplainsItself) {
+TEST_F(APhone, PrintsHelpAndVersionAndSuggestsCommands) {
   EXPECT_THAT(run({"--help"}).output, HasSubstr("sign-in"));
   EXPECT_THAT(run({"--version"}).output, testing::StartsWith("kivo-phone "));
   const ProgramResult alone = run({});
@@ -211,7 +211,7 @@ TEST_F(APhone, ExplainsItself) {
                 "STATUS is one of authorized, denied, not-determined, provisional, ephemeral");
 }
 
-TEST_F(APhone, SaysWhenStandardOutputIsFull) {
+TEST_F(APhone, ReportsThatStandardOutputIsFull) {
   const ProgramResult result = linux_platform::runProgram(
       {.program = "sh", .arguments = {"-c", "exec \"$0\" queue >/dev/full", phoneProgram()}});
   EXPECT_EQ(result.status, 1);
@@ -236,7 +236,7 @@ TEST_F(APhone, ShowsTheQueue) {
   EXPECT_THAT(listing, HasSubstr("2 times      Paid EGP 12\\nat Cafe\n"));
 }
 
-TEST_F(APhone, SaysThatAQueueCannotBeRead) {
+TEST_F(APhone, ReportsAQueueThatCannotBeRead) {
   for (const char* const broken : {"[{}]", "no JSON"}) {
     run({"store", "set", "pendingSmsQueue", broken});
     expectFailure({"queue"}, 1,
@@ -255,7 +255,7 @@ TEST_F(APhone, EscapesControlCharactersOnATerminalOnly) {
   EXPECT_EQ(linux_platform::runProgram(onTerminal("store get key")).output, "a\\x1b[2Jb\r\n");
 }
 
-TEST_F(APhone, CutsTheTextsOfTheQueueToTheTerminal) {
+TEST_F(APhone, CutsQueuedTextsToTheWidthOfTheTerminal) {
   SharedStore store = open();
   PendingSmsQueue::save({{.id = "A",
                           .smsText = std::string(200, 'x'),
@@ -268,11 +268,11 @@ TEST_F(APhone, CutsTheTextsOfTheQueueToTheTerminal) {
               testing::EndsWith("1  unknown  not yet      " + std::string(34, 'x') + "…\r\n"));
 }
 
-TEST_F(APhone, CannotDecideOnNotificationsWithoutACenter) {
+TEST_F(APhone, ReportsThatTheCenterDoesNotAnswer) {
   expectFailure({"notifications", "authorized"}, 1, "the notification center does not answer");
 }
 
-TEST_F(APhone, CannotWatchTheWidgetWithoutABus) {
+TEST_F(APhone, ReportsThatTheWidgetNeedsABus) {
   expectFailure({"widget", "--watch"}, 1, "there is no session bus");
 }
 

@@ -1,4 +1,4 @@
-// What sign-in, status and queue send of kivo-phone find out about a backend.
+// The checks of a backend by sign-in, status and queue send of kivo-phone.
 #include <atomic>
 
 #include <gmock/gmock.h>
@@ -54,7 +54,7 @@ class ASignedInPhone : public testing::Test {
   static std::vector<PendingSmsItem> queued() {
     return PendingSmsQueue::load(SharedStore::open(appGroup).value());
   }
-  /// Expects what sign-in says of a server with `identity`.
+  /// Expects these lines of sign-in for a server with `identity`.
   static void expectFound(testkit::ServerIdentity identity, const std::string& words) {
     const ScriptedServer server(answering(httpAnswer(405, "{}")),
                                 {.identity = std::move(identity)});
@@ -70,7 +70,7 @@ class ASignedInPhone : public testing::Test {
   testkit::ScopedVariable file_{"SSL_CERT_FILE", "/dev/null"};
 };
 
-TEST_F(ASignedInPhone, SaysThatTheBackendAnswers) {
+TEST_F(ASignedInPhone, ReportsThatTheBackendAnswers) {
   const ScriptedServer server(answering(httpAnswer(405, "{}")));
   EXPECT_EQ(signIn(server.url()).output,
             "Signed in at " + server.url() + "\nThe backend answers, with HTTP status 405.\n");
@@ -80,7 +80,7 @@ TEST_F(ASignedInPhone, SaysThatTheBackendAnswers) {
   EXPECT_THAT(requests[0], Not(HasSubstr("person-17")));
 }
 
-TEST_F(ASignedInPhone, SaysWhatAnUnexpectedStatusMayMean) {
+TEST_F(ASignedInPhone, ExplainsAnUnexpectedStatus) {
   for (const auto& [status, words] :
        std::vector<std::pair<int, std::string>>{{404, "check the base URL"},
                                                 {301, "redirects are not followed"},
@@ -90,7 +90,7 @@ TEST_F(ASignedInPhone, SaysWhatAnUnexpectedStatusMayMean) {
   }
 }
 
-TEST_F(ASignedInPhone, SaysThatTheBackendCannotBeReachedAndStoresTheSignIn) {
+TEST_F(ASignedInPhone, StoresTheSignInWhenTheBackendIsUnreachable) {
   const ProgramResult result = signIn(nowhere);
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output,
@@ -98,18 +98,18 @@ TEST_F(ASignedInPhone, SaysThatTheBackendCannotBeReachedAndStoresTheSignIn) {
   EXPECT_EQ(run({"store", "get", "supabaseUrl"}).output, std::string(nowhere) + "\n");
 }
 
-TEST_F(ASignedInPhone, SaysThatTheHostNameIsNotFound) {
+TEST_F(ASignedInPhone, ReportsThatTheHostNameIsNotFound) {
   EXPECT_THAT(signIn("https://backend.invalid").output, HasSubstr("The host name was not found"));
 }
 
-TEST_F(ASignedInPhone, SaysWhetherTheCertificateIsTrustedAndWhyNot) {
+TEST_F(ASignedInPhone, ReportsWhetherTheCertificateIsTrustedAndWhyNot) {
   expectFound(authority_.certify(), "Its certificate is trusted.\n");
   expectFound(authority_.certify({.validFrom = -3, .validUntil = -1}), "certificate has expired");
   expectFound(authority_.certify({.names = "DNS:other.test"}), "IP address mismatch");
   expectFound(testkit::TestAuthority::selfSigned(), "self-signed certificate");
 }
 
-TEST_F(ASignedInPhone, WarnsOfClearTextToAnotherMachineOnly) {
+TEST_F(ASignedInPhone, WarnsOfClearTextExceptOnLoopback) {
   for (const char* const url : {"http://backend.invalid", "http://127.0.0.1.nip.invalid"}) {
     EXPECT_THAT(signIn(url).output, HasSubstr("in clear text to another machine"));
   }
@@ -118,7 +118,7 @@ TEST_F(ASignedInPhone, WarnsOfClearTextToAnotherMachineOnly) {
   }
 }
 
-TEST_F(ASignedInPhone, WarnsOfACurrencyThatIsNone) {
+TEST_F(ASignedInPhone, WarnsOfAnUnknownCurrency) {
   for (const char* const code : {"EURO", "XYZ", "", "E"}) {
     EXPECT_THAT(signIn(nowhere, code).output, HasSubstr("is no currency code of ISO 4217"));
   }
@@ -127,7 +127,7 @@ TEST_F(ASignedInPhone, WarnsOfACurrencyThatIsNone) {
   }
 }
 
-TEST_F(ASignedInPhone, ShowsAsItsStatusWhereItIsSignedInAndWhatItMay) {
+TEST_F(ASignedInPhone, ShowsBackendAndPermissionInItsStatus) {
   const ScriptedServer server(answering(httpAnswer(405, "{}")));
   signIn(server.url());
   run({"notifications", "authorized"});
@@ -140,7 +140,7 @@ TEST_F(ASignedInPhone, ShowsAsItsStatusWhereItIsSignedInAndWhatItMay) {
                 "Waiting        none\n");
 }
 
-TEST_F(ASignedInPhone, ShowsAsItsStatusThatNobodyIsSignedIn) {
+TEST_F(ASignedInPhone, ShowsInItsStatusThatItIsSignedOut) {
   EXPECT_THAT(run({"status"}).output,
               StartsWith("Signed in      no; kivo-phone sign-in does it\n"));
   signIn(nowhere);
@@ -148,7 +148,7 @@ TEST_F(ASignedInPhone, ShowsAsItsStatusThatNobodyIsSignedIn) {
   EXPECT_THAT(run({"status"}).output, StartsWith("Signed in      no"));
 }
 
-TEST_F(ASignedInPhone, ShowsAsItsStatusWhyTheLastTextFailed) {
+TEST_F(ASignedInPhone, ShowsInItsStatusWhyTheLastTextFailed) {
   signIn(nowhere);
   processSMS("Paid 1");
   EXPECT_THAT(run({"status"}).output,
@@ -169,13 +169,13 @@ TEST_F(ASignedInPhone, ShowsAsItsStatusWhyTheLastTextFailed) {
                         "status 200, but with no answer that can be read\n"));
 }
 
-TEST_F(ASignedInPhone, ShowsThePermissionToNotify) {
+TEST_F(ASignedInPhone, ShowsTheNotificationPermission) {
   EXPECT_EQ(run({"notifications"}).output, "Notifications: not-determined\n");
   run({"notifications", "denied"});
   EXPECT_EQ(run({"notifications"}).output, "Notifications: denied\n");
 }
 
-TEST_F(ASignedInPhone, SendsAllTextsThatWaitWhenAsked) {
+TEST_F(ASignedInPhone, SendsAllQueuedTexts) {
   const ScriptedServer server(answering(httpAnswer(200, testkit::savedBody())));
   signIn(server.url());
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")});
@@ -187,7 +187,7 @@ TEST_F(ASignedInPhone, SendsAllTextsThatWaitWhenAsked) {
   EXPECT_EQ(run({"queue", "send"}).output, "Nothing waits to be sent.\n");
 }
 
-TEST_F(ASignedInPhone, CountsNoAttemptWhileTheBackendCannotBeReached) {
+TEST_F(ASignedInPhone, CountsNoRetryWhileTheBackendIsUnreachable) {
   signIn(nowhere);
   queue({queuedItem("A", 3)});
   const ProgramResult result = run({"queue", "send"});
@@ -197,7 +197,7 @@ TEST_F(ASignedInPhone, CountsNoAttemptWhileTheBackendCannotBeReached) {
   EXPECT_EQ(queued(), std::vector{queuedItem("A", 3)});
 }
 
-TEST_F(ASignedInPhone, KeepsTextsThatTheBackendRefusesAndSaysWhy) {
+TEST_F(ASignedInPhone, KeepsRefusedTextsAndReportsTheReason) {
   const ScriptedServer server(answering(httpAnswer(400, "{}")));
   signIn(server.url());
   queue({queuedItem("A"), queuedItem("B", 10), queuedItem("C", 4)});
@@ -210,7 +210,7 @@ TEST_F(ASignedInPhone, KeepsTextsThatTheBackendRefusesAndSaysWhy) {
   EXPECT_EQ(queued(), (std::vector{queuedItem("A", 1), queuedItem("C", 5)}));
 }
 
-TEST_F(ASignedInPhone, TriesNoFurtherTextWhenOneIsNotAnswered) {
+TEST_F(ASignedInPhone, StopsSendingAfterATextWithoutAnAnswer) {
   std::atomic<int> connections = 0;
   const ScriptedServer server([&connections](testkit::ServerConnection& connection) {
     connection.readRequest();
@@ -225,7 +225,7 @@ TEST_F(ASignedInPhone, TriesNoFurtherTextWhenOneIsNotAnswered) {
   EXPECT_EQ(queued(), (std::vector{queuedItem("B"), queuedItem("A", 1)}));
 }
 
-TEST_F(ASignedInPhone, SendsNothingBesideAnotherDrain) {
+TEST_F(ASignedInPhone, SendsNothingDuringAnotherDrain) {
   const ScriptedServer server(answering(httpAnswer(200, testkit::savedBody())));
   signIn(server.url());
   queue({queuedItem("A")});
@@ -239,7 +239,7 @@ TEST_F(ASignedInPhone, SendsNothingBesideAnotherDrain) {
   EXPECT_THAT(queued(), SizeIs(1));
 }
 
-TEST_F(ASignedInPhone, SendsNothingForNobody) {
+TEST_F(ASignedInPhone, SendsNothingWhenSignedOut) {
   queue({queuedItem("A")});
   EXPECT_EQ(run({"queue", "send"}).errors,
             "kivo-phone: nobody is signed in; kivo-phone sign-in comes first\n");

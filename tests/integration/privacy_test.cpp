@@ -1,4 +1,4 @@
-// That nothing of a message shows in what a failing run writes.
+// A failing run prints nothing of the message.
 #include <csignal>
 
 #include "testkit/extension_program.h"
@@ -44,13 +44,13 @@ class AFailingRun : public testkit::ExtensionProgram {
   }
 };
 
-TEST_F(AFailingRun, TellsNothingOfTheMessageForAnyStatus) {
+TEST_F(AFailingRun, RevealsNothingOfTheMessageForAnyStatus) {
   for (const int status : {201, 204, 301, 400, 401, 404, 429, 500, 503}) {
     expectDiscreetAbout(status, R"({"error":"Marktext 7731.19 Markuser"})");
   }
 }
 
-TEST_F(AFailingRun, TellsNothingOfTheMessageForAnAnswerThatDoesNotFit) {
+TEST_F(AFailingRun, RevealsNothingOfTheMessageForAnInvalidAnswer) {
   const std::string rest = R"("description":"Markmerchant","category":"Mark","expense_date":"")";
   for (const std::string& body : {
            std::string("Marktext 7731.19"),
@@ -70,19 +70,19 @@ TEST_F(AFailingRun, TellsNothingOfTheMessageForAnAnswerThatDoesNotFit) {
   }
 }
 
-TEST_F(AFailingRun, TellsNothingOfTheMessageWithoutABackend) {
+TEST_F(AFailingRun, RevealsNothingOfTheMessageWithoutABackend) {
   backend.goAway();
   expectDiscreet(processSMS(message));
 }
 
-TEST_F(AFailingRun, TellsNothingOfTheMessageWhenTheURLCannotBeParsed) {
+TEST_F(AFailingRun, RevealsNothingOfTheMessageWhenTheURLIsInvalid) {
   signIn("http://Markuser 7731.19");
   const ProgramResult result = processSMS(message);
   EXPECT_EQ(result.status, 128 + SIGABRT);
   expectDiscreet(result);
 }
 
-TEST_F(AFailingRun, TellsNothingOfTheMessageWhenTheStoreCannotBeWritten) {
+TEST_F(AFailingRun, RevealsNothingOfTheMessageWhenTheStoreFails) {
   backend.goAway();
   const ProgramResult result = after("ulimit -f 200", message + std::string(300'000, '.'));
   EXPECT_THAT(result.output, HasSubstr("Saved offline - will process when connected"));
@@ -90,7 +90,7 @@ TEST_F(AFailingRun, TellsNothingOfTheMessageWhenTheStoreCannotBeWritten) {
   expectDiscreet(result);
 }
 
-TEST_F(AFailingRun, TellsNothingOfTheMessageWhenItIsCalledWrongly) {
+TEST_F(AFailingRun, RevealsNothingOfTheMessageOnAUsageError) {
   expectDiscreet(
       run({"perform", "ProcessSMSIntent", "--smsText", "Marktext", "7731.19", "Markmerchant"}));
   expectDiscreet(run({"perform", "ProcessSMSIntent", "Marktext 7731.19 Markmerchant"}));

@@ -63,14 +63,14 @@ TEST_F(ProcessSMSByProgram, ADeclinedTransactionIsNotTracked) {
   EXPECT_THAT(queue(), IsEmpty());
 }
 
-TEST_F(ProcessSMSByProgram, ATextThatIsNoTransactionIsIgnored) {
+TEST_F(ProcessSMSByProgram, ATextWithoutATransactionIsIgnored) {
   signIn();
   backend.answers(200, R"({"saved":false})");
   expectAnswered(processSMS("Your code is 1234"), "SMS ignored - not a transaction");
   EXPECT_THAT(queue(), IsEmpty());
 }
 
-TEST_F(ProcessSMSByProgram, ATextOfBlanksIsNoText) {
+TEST_F(ProcessSMSByProgram, ATextOfBlanksCountsAsEmpty) {
   signIn();
   expectAnswered(processSMS(" \t\u00a0\u3000"), "No SMS text provided");
   EXPECT_THAT(backend.requests(), IsEmpty());
@@ -82,7 +82,7 @@ TEST_F(ProcessSMSByProgram, ATextOfLineBreaksOnlyIsSent) {
   ASSERT_THAT(backend.requests(), SizeIs(1));
 }
 
-TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaidWithTheReason) {
+TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsReportedWithTheReason) {
   std::filesystem::create_directories(folders.home());
   std::ofstream(folders.dataHome()) << "a file where the folder should be";
   const ProgramResult result = processSMS("Paid 150");
@@ -93,13 +93,13 @@ TEST_F(ProcessSMSByProgram, AStoreThatCannotBeOpenedIsSaidWithTheReason) {
                 " cannot be created: Not a directory\n");
 }
 
-TEST_F(ProcessSMSByProgram, APersonWhoIsNotSignedInIsAskedToSignIn) {
+TEST_F(ProcessSMSByProgram, ASignedOutUserIsAskedToSignIn) {
   expectAnswered(processSMS("Paid 150"), "Please open Kivo app and sign in first");
   signIn("");
   expectAnswered(processSMS("Paid 150"), "Please open Kivo app and sign in first");
 }
 
-TEST_F(ProcessSMSByProgram, ABackendOutOfReachLeavesTheTextInTheQueue) {
+TEST_F(ProcessSMSByProgram, AnUnreachableBackendLeavesTheTextQueued) {
   signIn();
   backend.goAway();
   expectSavedOffline(processSMS(" Paid 150 \n"),
@@ -124,7 +124,7 @@ TEST_F(ProcessSMSByProgram, AStatusOtherThan200LeavesTheTextQueuedUnderItsKey) {
   EXPECT_EQ(queue()[0].expenseDate, sent.decodeString("expense_date"));
 }
 
-TEST_F(ProcessSMSByProgram, AnAnswerThatDoesNotFitLeavesTheTextInTheQueue) {
+TEST_F(ProcessSMSByProgram, AnInvalidAnswerLeavesTheTextQueued) {
   signIn();
   backend.answers(200, R"({"error":"down"})");
   expectSavedOffline(processSMS("Paid 150"), "DecodingError keyNotFound at saved");
@@ -135,7 +135,7 @@ TEST_F(ProcessSMSByProgram, AnAnswerThatDoesNotFitLeavesTheTextInTheQueue) {
   EXPECT_THAT(queue(), SizeIs(3));
 }
 
-TEST_F(ProcessSMSByProgram, ALaterSavedRunSendsWhatWaitsUnderItsOwnKey) {
+TEST_F(ProcessSMSByProgram, ALaterSavedRunSendsQueuedTextsUnderTheirKeys) {
   signIn();
   backend.goAway();
   EXPECT_EQ(processSMS("Paid 1").status, 0);
@@ -174,7 +174,7 @@ TEST_F(ProcessSMSByProgram, AHostNameThatBeginsLikeAnAddressIsLookedUp) {
   EXPECT_THAT(queue(), SizeIs(1));
 }
 
-TEST_F(ProcessSMSByProgram, BrokenTextIsRepairedAndSent) {
+TEST_F(ProcessSMSByProgram, InvalidUtf8IsRepairedAndSent) {
   signIn();
   expectAnswered(processSMS("Paid \xff 150 \xe2\x82"), "SMS ignored - not a transaction");
   ASSERT_THAT(backend.requests(), SizeIs(1));

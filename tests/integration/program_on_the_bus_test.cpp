@@ -1,5 +1,5 @@
-// The real program with the real notification center on a session bus, seen from the desktop and
-// from a widget.
+// The real program with the real notification center on a session bus, observed by the desktop and
+// a widget.
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -33,7 +33,7 @@ class ARunOnTheBus : public testkit::ExtensionProgram {
   NotificationDisplay display{bus.address()};
 };
 
-TEST_F(ARunOnTheBus, ThatSavesAnExpenseShowsItAndReloadsTheWidget) {
+TEST_F(ARunOnTheBus, ShowsASavedExpenseAndReloadsTheWidget) {
   backend.answers(200, testkit::savedAnswer("expense"));
   testkit::ReloadListener widget;
   EXPECT_THAT(processSMS("Paid 150").output, testing::StartsWith("Tracked "));
@@ -45,7 +45,7 @@ TEST_F(ARunOnTheBus, ThatSavesAnExpenseShowsItAndReloadsTheWidget) {
   EXPECT_EQ(shown[0].body, AmountFormatter::format(store(), 150) + " at Carrefour (Groceries)");
 }
 
-TEST_F(ARunOnTheBus, ThatReceivesAnIncomeShowsIt) {
+TEST_F(ARunOnTheBus, ShowsASavedIncome) {
   backend.answers(200, testkit::savedAnswer("income", "Salary"));
   EXPECT_THAT(processSMS("Salary").output, testing::StartsWith("Received "));
   const auto shown = display.waitForShown(1, 10s);
@@ -54,7 +54,7 @@ TEST_F(ARunOnTheBus, ThatReceivesAnIncomeShowsIt) {
   EXPECT_EQ(shown[0].body, AmountFormatter::format(store(), 150) + " from Carrefour (Salary)");
 }
 
-TEST_F(ARunOnTheBus, ThatSavesOfflineSaysSoAndDoesNotReloadTheWidget) {
+TEST_F(ARunOnTheBus, NotifiesWhenOfflineWithoutReloadingTheWidget) {
   backend.goAway();
   testkit::ReloadListener widget;
   EXPECT_EQ(processSMS("Paid 150").status, 0);
@@ -65,7 +65,7 @@ TEST_F(ARunOnTheBus, ThatSavesOfflineSaysSoAndDoesNotReloadTheWidget) {
   EXPECT_FALSE(widget.waitForReload(0s));
 }
 
-TEST_F(ARunOnTheBus, ThatDrainsShowsItsOwnTransactionFirst) {
+TEST_F(ARunOnTheBus, ShowsItsOwnTransactionBeforeTheDrainedOnes) {
   backend.goAway();
   EXPECT_EQ(processSMS("Paid 1").status, 0);
   backend.comeBack();
@@ -77,14 +77,14 @@ TEST_F(ARunOnTheBus, ThatDrainsShowsItsOwnTransactionFirst) {
   EXPECT_EQ(shown[2].summary, "💸 Expense Tracked");
 }
 
-TEST_F(ARunOnTheBus, ThatIsIgnoredOrDeclinedShowsNothing) {
+TEST_F(ARunOnTheBus, ShowsNothingWhenIgnoredOrDeclined) {
   EXPECT_EQ(processSMS("Your code is 1234").status, 0);
   backend.answers(200, R"({"saved":false,"reason":"declined"})");
   EXPECT_EQ(processSMS("Declined").status, 0);
   EXPECT_THAT(display.waitForShown(1, 2s), IsEmpty());
 }
 
-TEST_F(ARunOnTheBus, WithoutPermissionShowsNothingAndAnswersTheSame) {
+TEST_F(ARunOnTheBus, ShowsNothingWithoutPermissionAndAnswersTheSame) {
   for (const auto status :
        {platform::UNAuthorizationStatus::notDetermined, platform::UNAuthorizationStatus::denied,
         platform::UNAuthorizationStatus::provisional, platform::UNAuthorizationStatus::ephemeral}) {
@@ -95,7 +95,7 @@ TEST_F(ARunOnTheBus, WithoutPermissionShowsNothingAndAnswersTheSame) {
   EXPECT_THAT(display.waitForShown(1, 2s), IsEmpty());
 }
 
-TEST_F(ARunOnTheBus, WhoseBusIsFrozenWaitsASecondAtMost) {
+TEST_F(ARunOnTheBus, WaitsASecondAtMostForAHangingBus) {
   backend.answers(200, testkit::savedAnswer("expense"));
   bus.daemon().signal(SIGSTOP);
   const auto before = std::chrono::steady_clock::now();
@@ -107,7 +107,7 @@ TEST_F(ARunOnTheBus, WhoseBusIsFrozenWaitsASecondAtMost) {
   EXPECT_LT(duration, 4s);  // one second, and what a slow machine needs
 }
 
-TEST_F(ARunOnTheBus, WhoseBusThawsWithinTheSecondShowsItAndReloadsTheWidget) {
+TEST_F(ARunOnTheBus, NotifiesAndReloadsWhenTheBusRecoversInTime) {
   backend.answers(200, testkit::savedAnswer("expense"));
   testkit::ReloadListener widget;
   bus.daemon().signal(SIGSTOP);

@@ -1,4 +1,4 @@
-// How kivo-intents asks, on a terminal, for what it was not given.
+// The prompts of kivo-intents on a terminal for missing parameters.
 #include "testkit/extension_program.h"
 
 namespace kivo {
@@ -35,13 +35,13 @@ TEST_F(APrompt, AsksForTheAmountThenForTheMerchant) {
   EXPECT_THAT(sent("sms_text"), ElementsAre("Paid 12.5 EGP at Cafe Nilo"));
 }
 
-TEST_F(APrompt, AsksForWhatIsMissingOnly) {
+TEST_F(APrompt, AsksOnlyForMissingParameters) {
   const ProgramResult result = onTerminal("perform AddExpenseIntent --merchant Cafe", "5\n");
   EXPECT_THAT(result.output, Not(HasSubstr("Merchant (")));
   EXPECT_THAT(sent("sms_text"), ElementsAre("Paid 5.0 EGP at Cafe"));
 }
 
-TEST_F(APrompt, AsksAgainForANumberThatDoesNotFit) {
+TEST_F(APrompt, AsksAgainAfterAnInvalidNumber) {
   const ProgramResult result = onTerminal("perform AddExpenseIntent", "\n12,5\n٥\n12.5\nCafe\n");
   EXPECT_EQ(result.status, 0);
   std::size_t complaints = 0;
@@ -55,13 +55,13 @@ TEST_F(APrompt, AsksAgainForANumberThatDoesNotFit) {
   EXPECT_THAT(sent("sms_text"), ElementsAre("Paid 12.5 EGP at Cafe"));
 }
 
-TEST_F(APrompt, TakesAnEmptyTextAsOne) {
+TEST_F(APrompt, AcceptsAnEmptyText) {
   EXPECT_THAT(onTerminal("perform AddExpenseIntent --amount 5", "\n").output,
               HasSubstr("No expense to track"));
   expectNothingSentOrStored();
 }
 
-TEST_F(APrompt, WithoutAnAnswerIsAUsageError) {
+TEST_F(APrompt, ReportsAUsageErrorWithoutAnAnswer) {
   for (const auto& [typed, missing] : {std::pair("", "--amount"), {"12.5\n", "--merchant"}}) {
     const ProgramResult result = onTerminal("perform AddExpenseIntent", typed);
     EXPECT_EQ(result.status, 64);
@@ -71,13 +71,13 @@ TEST_F(APrompt, WithoutAnAnswerIsAUsageError) {
   expectNothingSentOrStored();
 }
 
-TEST_F(APrompt, TakesALineAsLongAsATerminalCarries) {
+TEST_F(APrompt, AcceptsTheLongestLineOfATerminal) {
   const std::string text(4094, 'x');
   EXPECT_EQ(onTerminal("perform ProcessSMSIntent", text + "\n").status, 0);
   EXPECT_THAT(sent("sms_text"), ElementsAre(text));
 }
 
-TEST_F(APrompt, RefusesALineThatATerminalMayHaveCut) {
+TEST_F(APrompt, RefusesALineThatTheTerminalMayHaveTruncated) {
   for (const std::size_t length : {4095U, 4096U, 5000U}) {
     const ProgramResult result =
         onTerminal("perform ProcessSMSIntent", std::string(length, 'x') + "\n");
@@ -90,12 +90,12 @@ TEST_F(APrompt, RefusesALineThatATerminalMayHaveCut) {
   expectNothingSentOrStored();
 }
 
-TEST_F(APrompt, RepairsBrokenText) {
+TEST_F(APrompt, RepairsInvalidUtf8) {
   EXPECT_EQ(onTerminal("perform ProcessSMSIntent", "Caf\xff\n").status, 0);
   EXPECT_THAT(sent("sms_text"), ElementsAre("Caf\ufffd"));
 }
 
-TEST_F(APrompt, IsNotMadeForWhatStandardInputIsToGive) {
+TEST_F(APrompt, IsSkippedForAParameterFromStandardInput) {
   const ProgramResult result =
       onTerminal("perform AddExpenseIntent --amount 5 --merchant -", "Cafe\nNilo\n\x04");
   EXPECT_EQ(result.status, 0);

@@ -1,4 +1,4 @@
-// What kivo-phone does with the texts that wait, by its command line, without a bus.
+// The queue commands of kivo-phone, by its command line and without a bus.
 #include <filesystem>
 #include <fstream>
 
@@ -85,7 +85,7 @@ class AQueueOfTexts : public testing::Test {
   testkit::PrivateFolders folders;
 };
 
-TEST_F(AQueueOfTexts, ShowsAllOfOneAsItIsToAPipe) {
+TEST_F(AQueueOfTexts, ShowsAWholeTextUnescapedInAPipe) {
   const ProgramResult result = run({"show", "2"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output, StartsWith("Waiting "));
@@ -100,7 +100,7 @@ TEST_F(AQueueOfTexts, ShowsControlCharactersEscapedOnATerminal) {
               HasSubstr("Your card was charged\\nEGP 7731.19 \\x1b[2J at MARKMERCHANT\r\n"));
 }
 
-TEST_F(AQueueOfTexts, CountsAsItsListingDoes) {
+TEST_F(AQueueOfTexts, NumbersItsTextsAsItsListingDoes) {
   EXPECT_THAT(run({}).output, HasSubstr("\n2  "));
   EXPECT_THAT(run({}).output, HasSubstr("Your card"));
   for (const char* const command : {"show", "drop"}) {
@@ -118,7 +118,7 @@ TEST_F(AQueueOfTexts, CountsAsItsListingDoes) {
   expectFailure({"show", "1"}, 1, "nothing waits to be sent");
 }
 
-TEST_F(AQueueOfTexts, IsExportedAsJSONThatReadsBack) {
+TEST_F(AQueueOfTexts, IsExportedAsJSONThatCanBeReadBack) {
   const ProgramResult result = run({"export"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output, EndsWith("]\n"));
@@ -132,7 +132,7 @@ TEST_F(AQueueOfTexts, IsExportedAsJSONThatReadsBack) {
   EXPECT_EQ(run({"export"}).output, "[]\n");
 }
 
-TEST_F(AQueueOfTexts, LosesOneWithoutAskingWhereThatIsSaid) {
+TEST_F(AQueueOfTexts, DropsATextWithoutAskingWithYes) {
   const ProgramResult result = run({"drop", "2", "--yes"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output, "Dropped.\n");
@@ -142,12 +142,12 @@ TEST_F(AQueueOfTexts, LosesOneWithoutAskingWhereThatIsSaid) {
   EXPECT_THAT(testkit::bytesIn(folders.storeFile().parent_path()), Not(HasSubstr("MARKMERCHANT")));
 }
 
-TEST_F(AQueueOfTexts, LosesNoneWithoutATerminalToAskAt) {
+TEST_F(AQueueOfTexts, DropsNothingWithoutATerminalToAskOn) {
   expectFailure({"drop", "1"}, 64, "there is no terminal to ask at; --yes drops without asking");
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
-TEST_F(AQueueOfTexts, LosesTheOneThatWasShownWhenThePersonAgrees) {
+TEST_F(AQueueOfTexts, DropsTheShownTextOnConfirmation) {
   for (const char* const answer : {"y\n", "Y\n", "yes\n"}) {
     queue({queuedItem("A"), queuedItem("B")});
     const ProgramResult result = answering("drop 1", answer);
@@ -159,7 +159,7 @@ TEST_F(AQueueOfTexts, LosesTheOneThatWasShownWhenThePersonAgrees) {
   }
 }
 
-TEST_F(AQueueOfTexts, LosesNoneWhenThePersonDoesNotAgree) {
+TEST_F(AQueueOfTexts, DropsNothingWithoutConfirmation) {
   for (const char* const answer : {"n\n", "\n", "yep\n", ""}) {
     const ProgramResult result = answering("drop 2", answer);
     EXPECT_EQ(result.status, 1);
@@ -169,7 +169,7 @@ TEST_F(AQueueOfTexts, LosesNoneWhenThePersonDoesNotAgree) {
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
-TEST_F(AQueueOfTexts, LosesTheOneThatWasShownWhenTheQueueMovesMeanwhile) {
+TEST_F(AQueueOfTexts, DropsTheShownTextWhenTheQueueMovesMeanwhile) {
   ChildProcess program(atTerminal("drop 1"));
   std::ofstream typed(typing());
   ASSERT_TRUE(testkit::eventually(
@@ -181,7 +181,7 @@ TEST_F(AQueueOfTexts, LosesTheOneThatWasShownWhenTheQueueMovesMeanwhile) {
   EXPECT_THAT(queued(), ElementsAre("E:0", "F:0"));
 }
 
-TEST_F(AQueueOfTexts, LosesNoneWhenTheOneThatWasShownHasBeenSentMeanwhile) {
+TEST_F(AQueueOfTexts, DropsNothingWhenTheShownTextWasSentMeanwhile) {
   ChildProcess program(atTerminal("drop 1"));
   std::ofstream typed(typing());
   ASSERT_TRUE(testkit::eventually(
@@ -196,7 +196,7 @@ TEST_F(AQueueOfTexts, LosesNoneWhenTheOneThatWasShownHasBeenSentMeanwhile) {
   EXPECT_THAT(queued(), ElementsAre("B:2", "C:0"));
 }
 
-TEST_F(AQueueOfTexts, LosesNoneWhileADrainHasIt) {
+TEST_F(AQueueOfTexts, DropsNothingWhileADrainHoldsTheLock) {
   {
     SharedStore store = open();
     store.writeFloat(StoreKeys::smsQueueDrainLock,
@@ -208,7 +208,7 @@ TEST_F(AQueueOfTexts, LosesNoneWhileADrainHasIt) {
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
-TEST_F(AQueueOfTexts, LosesNoneWhenTheStoreCannotBeWritten) {
+TEST_F(AQueueOfTexts, DropsNothingWhenTheStoreCannotBeWritten) {
   const SharedStore holder = open();  // keeps the files that a first handle would have to make
   const ProgramResult result =
       runProgram({.program = "sh",
@@ -222,7 +222,7 @@ TEST_F(AQueueOfTexts, LosesNoneWhenTheStoreCannotBeWritten) {
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
-TEST_F(AQueueOfTexts, ThatIsStoredAsNoTextCannotBeRead) {
+TEST_F(AQueueOfTexts, ReportsAStoredValueOfTheWrongType) {
   for (const char* const value : {"7", "1.5", "x'5B5D'"}) {
     testkit::RawStore(folders.storeFile())
         .run(std::string("UPDATE defaults SET value = ") + value +
@@ -235,7 +235,7 @@ TEST_F(AQueueOfTexts, ThatIsStoredAsNoTextCannotBeRead) {
   }
 }
 
-TEST_F(AQueueOfTexts, ThatCannotBeReadIsLeftAsItIs) {
+TEST_F(AQueueOfTexts, IsLeftUnchangedWhenItCannotBeRead) {
   for (const char* const broken : {"[{}]", "no JSON", R"([{"id":"A"}])"}) {
     {
       SharedStore store = open();
@@ -252,7 +252,7 @@ TEST_F(AQueueOfTexts, ThatCannotBeReadIsLeftAsItIs) {
   }
 }
 
-TEST_F(AQueueOfTexts, CannotBeReachedWithoutAStore) {
+TEST_F(AQueueOfTexts, ReportsThatTheStoreCannotBeOpened) {
   std::filesystem::remove_all(folders.storeFile().parent_path());
   std::ofstream(folders.storeFile().parent_path()) << "a file where the folder should be";
   for (const std::vector<std::string>& arguments :

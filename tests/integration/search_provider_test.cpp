@@ -1,5 +1,4 @@
-// The shortcuts in the search of the desktop's shell: what is found, and that the service lives as
-// long as somebody searches.
+// The shortcuts in the search of the desktop shell: the results, and the lifetime of the service.
 #include "served_intents.h"
 #include "testkit/extension_program.h"
 
@@ -14,7 +13,7 @@ using linux_platform::runProgram;
 
 class ASearchOnTheBus : public testkit::ServedIntents {
  protected:
-  // What a client that calls as the shell does prints.
+  // The output of a client that calls as the shell does.
   static std::string search(const std::vector<std::string>& arguments) {
     ProgramCall call = client("search_as_shell.py", arguments);
     call.environment["KIVO_SEARCH_PROVIDER"] = KIVO_SEARCH_PROVIDER;
@@ -24,7 +23,7 @@ class ASearchOnTheBus : public testkit::ServedIntents {
   }
 };
 
-TEST_F(ASearchOnTheBus, FindsTheIntentByItsPhraseInTheServiceThatItStarts) {
+TEST_F(ASearchOnTheBus, StartsTheServiceAndFindsTheIntentByItsPhrase) {
   EXPECT_EQ(search({"initial", "Add expense in Kivo"}), "AddExpenseIntent\n");
   EXPECT_EQ(search({"initial", "process bank sms in kivo"}), "ProcessSMSIntent\n");
   EXPECT_EQ(search({"initial", "kivo EXPENSE ad"}), "AddExpenseIntent\n");
@@ -33,7 +32,7 @@ TEST_F(ASearchOnTheBus, FindsTheIntentByItsPhraseInTheServiceThatItStarts) {
   EXPECT_EQ(search({"initial", ""}), "\n");
 }
 
-TEST_F(ASearchOnTheBus, NarrowsWhatItHasFound) {
+TEST_F(ASearchOnTheBus, NarrowsItsResults) {
   const std::string both = "AddExpenseIntent,ProcessSMSIntent";
   EXPECT_EQ(search({"further", both, "track sms"}), "ProcessSMSIntent\n");
   EXPECT_EQ(search({"further", both, "track"}), "AddExpenseIntent\nProcessSMSIntent\n");
@@ -49,13 +48,13 @@ TEST_F(ASearchOnTheBus, ShowsTitlePhraseAndIcon) {
             "app.kivo.expenses.message.fill,app.kivo.expenses\n");
 }
 
-TEST_F(ASearchOnTheBus, OpensNoWindowForAResultThatThereIsNot) {
+TEST_F(ASearchOnTheBus, RefusesToOpenAnUnknownResult) {
   EXPECT_THAT(
       search({"activate", "Other", "track"}),
       testing::HasSubstr("org.freedesktop.DBus.Error.InvalidArgs: there is no such result"));
 }
 
-TEST_F(ASearchOnTheBus, SaysWhenThereIsNoTerminal) {
+TEST_F(ASearchOnTheBus, ReportsThatThereIsNoTerminal) {
   ProgramCall withoutTerminal = serving();
   withoutTerminal.environment = {{"PATH", "/no/such/folder"}, {"TERMINAL", std::nullopt}};
   ChildProcess program(withoutTerminal);
@@ -68,10 +67,10 @@ TEST_F(ASearchOnTheBus, SaysWhenThereIsNoTerminal) {
 }
 
 // Any of the calls keeps a service with an idle time of 4 s alive for another 4 s.
-class ACallOfASearch : public ASearchOnTheBus,
-                       public testing::WithParamInterface<std::vector<std::string>> {};
+class ASearchCall : public ASearchOnTheBus,
+                    public testing::WithParamInterface<std::vector<std::string>> {};
 
-TEST_P(ACallOfASearch, KeepsTheServiceAlive) {
+TEST_P(ASearchCall, KeepsTheServiceAlive) {
   ChildProcess program({.program = linux_platform::programFolder() / "kivo-short-lived-intents",
                         .arguments = {"4000"},
                         .environment = {{"PATH", "/no/such/folder"}, {"TERMINAL", std::nullopt}}});
@@ -85,7 +84,7 @@ TEST_P(ACallOfASearch, KeepsTheServiceAlive) {
   EXPECT_GE(std::chrono::steady_clock::now() - called, 3900ms);
 }
 
-INSTANTIATE_TEST_SUITE_P(OfEachKind, ACallOfASearch,
+INSTANTIATE_TEST_SUITE_P(OfEachKind, ASearchCall,
                          testing::Values(std::vector<std::string>{"initial", "track"},
                                          std::vector<std::string>{"further", "Other", "track"},
                                          std::vector<std::string>{"metas", "AddExpenseIntent"},

@@ -1,4 +1,4 @@
-// The terminal that opens for a result of a search: how it is called, and what a person does in it.
+// The terminal window that opens for a search result: its command line and its use.
 #include <fstream>
 #include <sstream>
 
@@ -57,7 +57,7 @@ class ASearchWindow : public testkit::ServedIntents {
 
 constexpr const char* words = "for word in \"$@\"; do printf '%s\\n' \"$word\"; done";
 
-TEST_F(ASearchWindow, PerformsTheIntentThatWasChosen) {
+TEST_F(ASearchWindow, PerformsTheChosenIntent) {
   haveTerminal(noting(words));
   search({"activate", "ProcessSMSIntent", "bank sms"});
   EXPECT_THAT(called(), ElementsAre("/bin/sh", "-c",
@@ -65,7 +65,7 @@ TEST_F(ASearchWindow, PerformsTheIntentThatWasChosen) {
                                     "perform", "ProcessSMSIntent"));
 }
 
-TEST_F(ASearchWindow, ShowsTheCatalogToWhoAsksForMore) {
+TEST_F(ASearchWindow, ShowsTheCatalogForMoreResults) {
   haveTerminal(noting(words));
   search({"launch", "kivo 1234"});
   EXPECT_THAT(called(),
@@ -73,7 +73,7 @@ TEST_F(ASearchWindow, ShowsTheCatalogToWhoAsksForMore) {
                           (linux_platform::programFolder() / "kivo-intents").string(), "catalog"));
 }
 
-TEST_F(ASearchWindow, StandsOnItsOwn) {
+TEST_F(ASearchWindow, RunsInItsOwnSession) {
   haveTerminal(noting("read -r one two three four five session rest < /proc/$$/stat\nprintf "
                       "'%s\\n' $$ $session") +
                "sleep 60\n");
@@ -89,7 +89,7 @@ TEST_F(ASearchWindow, StandsOnItsOwn) {
   kill(-window, SIGKILL);
 }
 
-TEST_F(ASearchWindow, LeavesNothingOfItselfWhenItIsClosed) {
+TEST_F(ASearchWindow, LeavesNoProcessWhenItIsClosed) {
   haveTerminal(noting(words));
   search({"activate", "AddExpenseIntent", "add"});
   called();
@@ -100,7 +100,7 @@ TEST_F(ASearchWindow, LeavesNothingOfItselfWhenItIsClosed) {
   EXPECT_EQ(service(), process);
 }
 
-// A real pseudo terminal, and somebody who types into it.
+// A real pseudo-terminal, and a user who types into it.
 class ARealSearchWindow : public ASearchWindow {
  protected:
   ARealSearchWindow() {
@@ -121,7 +121,7 @@ class ARealSearchWindow : public ASearchWindow {
   testkit::ToldBackend backend;
 };
 
-TEST_F(ARealSearchWindow, AsksForTheValuesAndStaysUntilTheDialogIsRead) {
+TEST_F(ARealSearchWindow, AsksForTheValuesAndWaitsForEnter) {
   search({"activate", "AddExpenseIntent", "Add expense in Kivo"});
   ASSERT_TRUE(shows("Amount (Transaction amount): ")) << shown();
   type("12.5\n");
@@ -136,7 +136,7 @@ TEST_F(ARealSearchWindow, AsksForTheValuesAndStaysUntilTheDialogIsRead) {
   EXPECT_TRUE(shows("\nclosed\n"));
 }
 
-TEST_F(ARealSearchWindow, ShowsTheDialogOfARunThatIsInterrupted) {
+TEST_F(ARealSearchWindow, ShowsTheDialogOfAnInterruptedRun) {
   const testkit::ScriptedServer silent([](testkit::ServerConnection& connection) {
     connection.readRequest();
     connection.idle();

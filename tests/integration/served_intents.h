@@ -1,5 +1,5 @@
-// The intents as they are called over a private session bus, which starts the real programs. Calls
-// them through other people's clients only.
+// The intents service on a private session bus, which starts the real programs. The tests call it
+// through standard clients.
 #pragma once
 
 #include <chrono>
@@ -35,14 +35,14 @@ class ServedIntents : public ::testing::Test {
   linux_platform::ProgramResult perform(const std::string& intent, const std::string& parameters);
   /// Performs ProcessSMSIntent by gdbus on a text without quotes.
   linux_platform::ProgramResult processSMS(const std::string& text);
-  /// The process that has the name, which must be taken.
+  /// The process that owns the bus name, which must be owned.
   pid_t service();
-  /// How a script of the folder clients/ is called.
+  /// The call of a script in the folder clients/.
   static linux_platform::ProgramCall client(const std::string& script,
                                             std::vector<std::string> arguments);
-  /// How `kivo-intents serve` is called by hand.
+  /// The call of `kivo-intents serve` by hand.
   static linux_platform::ProgramCall serving();
-  /// Waits until the name is taken, for at most 10 s; whether it is.
+  /// Waits until the bus name is owned, for at most 10 s; returns whether it is.
   bool isServed();
 
   static SharedStore store();
@@ -52,7 +52,7 @@ class ServedIntents : public ::testing::Test {
   PrivatePhone phone;
 };
 
-/// What gdbus prints of the reply with `dialog`, which has no quotes.
+/// The output of gdbus for a reply with `dialog`, which has no quotes.
 std::string replyWith(const std::string& dialog);
 
 /// The value of a line of /proc/<process>/status, such as "Threads"; its unit is left out.

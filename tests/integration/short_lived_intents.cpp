@@ -1,4 +1,4 @@
-// The service of the intents with an idle limit for tests, in milliseconds, as its only argument.
+// The intents service with an idle timeout for tests, in milliseconds, as its only argument.
 #include <chrono>
 #include <string>
 

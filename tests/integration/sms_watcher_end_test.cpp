@@ -1,4 +1,4 @@
-// How the watcher ends, and what it says when it cannot begin.
+// The end of the watcher, and its messages when it cannot start.
 #include <csignal>
 
 #include <time.h>
@@ -31,7 +31,7 @@ class ARunningWatcher : public testkit::WatchedPhone {
   }
 };
 
-TEST_F(ARunningWatcher, EndsAtOnceWhenItHasNothingToDo) {
+TEST_F(ARunningWatcher, EndsAtOnceWhenIdle) {
   startModemManager();
   startWatcher();
   EXPECT_LT(ending(), 2s);
@@ -50,7 +50,7 @@ TEST_F(ARunningWatcher, EndsSoonWhileAnIntentHangs) {
   EXPECT_LT(ending(), 6s);  // it gives the intent 3 s
 }
 
-TEST_F(ARunningWatcher, TakesTheAnswerThatIsUnderWayBeforeItEnds) {
+TEST_F(ARunningWatcher, ReceivesThePendingAnswerBeforeItEnds) {
   intentsDo("slow");
   startModemManager({message("1", "Paid 150")});
   startWatcher();
@@ -85,7 +85,7 @@ TEST_F(ARunningWatcher, EndsWithTheSystemBus) {
   EXPECT_THAT(result.errors, HasSubstr("kivo-sms-watcher: the system bus is gone\n"));
 }
 
-TEST_F(ARunningWatcher, LetsNoOtherWatcherIn) {
+TEST_F(ARunningWatcher, RefusesASecondWatcher) {
   startWatcher();
   ChildProcess second({.program = linux_platform::programFolder() / "kivo-sms-watcher"});
   const ProgramResult result = second.wait(20s);
@@ -93,7 +93,7 @@ TEST_F(ARunningWatcher, LetsNoOtherWatcherIn) {
   EXPECT_EQ(result.errors, "kivo-sms-watcher: another program is app.kivo.SmsWatcher\n");
 }
 
-TEST_F(ARunningWatcher, IsIdleWhileItWaits) {
+TEST_F(ARunningWatcher, UsesNoCpuWhileItWaits) {
   startModemManager();
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
@@ -111,7 +111,7 @@ TEST_F(ARunningWatcher, IsIdleWhileItWaits) {
   EXPECT_LT(used() - before, 300ms);
 }
 
-class AWatcherThatCannotBegin : public testkit::WatchedPhone {
+class AWatcherThatCannotStart : public testkit::WatchedPhone {
  protected:
   static ProgramResult run() {
     return linux_platform::runProgram(
@@ -119,21 +119,21 @@ class AWatcherThatCannotBegin : public testkit::WatchedPhone {
   }
 };
 
-TEST_F(AWatcherThatCannotBegin, SaysThatThereIsNoSystemBus) {
+TEST_F(AWatcherThatCannotStart, ReportsThatThereIsNoSystemBus) {
   const testkit::ScopedVariable nowhere("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/dev/null/bus");
   const ProgramResult result = run();
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "kivo-sms-watcher: there is no system bus\n");
 }
 
-TEST_F(AWatcherThatCannotBegin, SaysThatThereIsNoSessionBus) {
+TEST_F(AWatcherThatCannotStart, ReportsThatThereIsNoSessionBus) {
   const testkit::ScopedVariable nowhere("DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/bus");
   const ProgramResult result = run();
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "kivo-sms-watcher: there is no session bus\n");
 }
 
-TEST_F(AWatcherThatCannotBegin, SaysThatItCanKeepNoRecord) {
+TEST_F(AWatcherThatCannotStart, ReportsThatItCannotKeepItsRecord) {
   const testkit::ScopedVariable nowhere("XDG_DATA_HOME", "/dev/null/data");
   const ProgramResult result = run();
   EXPECT_EQ(result.status, 1);

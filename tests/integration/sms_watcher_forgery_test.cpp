@@ -1,4 +1,4 @@
-// What another user of the machine can make the watcher believe, on a bus with the usual policy.
+// Signals and names that another user of the machine forges, on a bus with the usual policy.
 #include <unistd.h>
 
 #include "watched_phone.h"
@@ -24,12 +24,12 @@ class AnotherUser : public testkit::WatchedPhone {
     ASSERT_TRUE(testkit::eventually([this] { return !other->outputSoFar().empty(); }));
     ASSERT_THAT(other->outputSoFar(), StartsWith("sent\n"));
   }
-  void expectNobodyAskedIt() { EXPECT_EQ(other->outputSoFar(), "sent\n"); }
+  void expectNoCallArrived() { EXPECT_EQ(other->outputSoFar(), "sent\n"); }
 
   std::unique_ptr<linux_platform::ChildProcess> other;
 };
 
-TEST_F(AnotherUser, CannotHaveTheWatcherBelieveThatModemManagerIsGone) {
+TEST_F(AnotherUser, CannotForgeTheEndOfModemManager) {
   startModemManager();
   startWatcher();
   sends({"gone"});
@@ -37,23 +37,23 @@ TEST_F(AnotherUser, CannotHaveTheWatcherBelieveThatModemManagerIsGone) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
-TEST_F(AnotherUser, CannotTakeThePlaceOfModemManager) {
+TEST_F(AnotherUser, CannotImpersonateModemManager) {
   startModemManager();
   startWatcher();
   sends({"owner", "message"});
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
-  expectNobodyAskedIt();
+  expectNoCallArrived();
 }
 
-TEST_F(AnotherUser, CannotTakeThePlaceOfAModemManagerThatIsNotThere) {
+TEST_F(AnotherUser, CannotImpersonateAnAbsentModemManager) {
   startWatcher();
   sends({"owner", "message"});
   startModemManager();
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
-  expectNobodyAskedIt();
+  expectNoCallArrived();
 }
 
-TEST_F(AnotherUser, CannotHaveTheWatcherReadMessages) {
+TEST_F(AnotherUser, CannotMakeTheWatcherReadMessages) {
   startModemManager();
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
@@ -63,7 +63,7 @@ TEST_F(AnotherUser, CannotHaveTheWatcherReadMessages) {
   EXPECT_EQ(modemCalls(), before);
 }
 
-TEST_F(AnotherUser, CannotEndTheWatcherByASignalOfAnotherShape) {
+TEST_F(AnotherUser, CannotCrashTheWatcherWithAMalformedSignal) {
   startModemManager();
   startWatcher();
   sends({"broken"});

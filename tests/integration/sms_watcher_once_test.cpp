@@ -1,5 +1,5 @@
-// The watcher over restarts and failures: no message is lost, and none is handed on twice but where
-// it cannot be known.
+// The watcher across restarts and failures: no message is lost, and none is handed on twice unless
+// an answer could not be recorded.
 #include <csignal>
 #include <fstream>
 #include <iterator>
@@ -24,7 +24,7 @@ using testkit::sent;
 
 class AHandedOnMessage : public testkit::WatchedPhone {
  protected:
-  // Nothing changes in it over the restarts of whatever reads it.
+  // It stays the same across restarts of its readers.
   const std::string paid = message("1", "Paid 150");
 
   AHandedOnMessage() {
@@ -44,7 +44,7 @@ TEST_F(AHandedOnMessage, IsNotHandedOnAgainByTheNextWatcher) {
 TEST_F(AHandedOnMessage, IsNotHandedOnAgainAfterAKill) {
   receive(message("2", "Paid 151"));
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
-  // The next one's turn shows that the answer to the last was recorded.
+  // The next message is handed on only after the last answer was recorded.
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150", "Paid 151"));
   killWatcher();
   startWatcher();
@@ -55,15 +55,15 @@ TEST_F(AHandedOnMessage, IsNotHandedOnAgainAfterAKill) {
   EXPECT_EQ(std::count(texts.begin(), texts.end(), "Paid 151"), 1);
 }
 
-TEST_F(AHandedOnMessage, IsKnownAgainAfterARestartOfModemManagerThatReusesItsPath) {
+TEST_F(AHandedOnMessage, IsRecognisedAfterModemManagerReusesItsPath) {
   endModemManager();
-  // Its path is another message's now, and it has that of none before.
+  // Another message has its path now, and its own path is new.
   startModemManager({message("1", "Paid 151"), R"("path":"7",)" + paid.substr(paid.find(',') + 1)});
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150", "Paid 151"));
 }
 
-TEST_F(AHandedOnMessage, IsKnownAgainWhenItsTimeIsWrittenOtherwise) {
+TEST_F(AHandedOnMessage, IsRecognisedWhenItsTimeHasAnotherFormat) {
   endModemManager();
   std::string otherwise = paid;
   otherwise.replace(otherwise.rfind("Z\""), 2, "+00\"");
@@ -71,7 +71,7 @@ TEST_F(AHandedOnMessage, IsKnownAgainWhenItsTimeIsWrittenOtherwise) {
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150"));
 }
 
-TEST_F(AHandedOnMessage, IsKnownAgainWhenItsModemComesBack) {
+TEST_F(AHandedOnMessage, IsRecognisedWhenItsModemComesBack) {
   modem(R"("do":"remove_modem","modem":"0")");
   modem(R"("do":"add_modem","modem":"0","its_messages":[{)" + paid + "},{" +
         message("2", "Paid 151") + "}]");
@@ -79,18 +79,18 @@ TEST_F(AHandedOnMessage, IsKnownAgainWhenItsModemComesBack) {
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150", "Paid 151"));
 }
 
-TEST_F(AHandedOnMessage, IsKnownAgainWhenItIsAnnouncedTwice) {
+TEST_F(AHandedOnMessage, IsRecognisedWhenItIsAnnouncedTwice) {
   modem(R"("do":"announce","path":"1")");
   modem(R"("do":"change","path":"1","properties":{"State":3})");
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150"));
 }
 
-TEST_F(AHandedOnMessage, DiffersFromTheSameTextAtAnotherTime) {
+TEST_F(AHandedOnMessage, IsNotConfusedWithTheSameTextAtAnotherTime) {
   receive(message("2", "Paid 150", "MyBank", sent(30s)));
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 150"));
 }
 
-TEST_F(AHandedOnMessage, IsNowhereInTheRecordOrTheLog) {
+TEST_F(AHandedOnMessage, IsNotInTheRecordOrTheLog) {
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150"));
   intentsDo("fail");
   receive(message("2", "MARKTEXT"));
@@ -116,18 +116,18 @@ TEST_F(AHandedOnMessage, IsNowhereInTheRecordOrTheLog) {
   EXPECT_GT(files, 0);
 }
 
-class AMessageThatIsNotAnswered : public testkit::WatchedPhone {
+class AnUnansweredMessage : public testkit::WatchedPhone {
  protected:
-  AMessageThatIsNotAnswered() { startModemManager({message("1", "Paid 150")}); }
+  AnUnansweredMessage() { startModemManager({message("1", "Paid 150")}); }
 };
 
-TEST_F(AMessageThatIsNotAnswered, IsTriedAgainWhenTheIntentsFailed) {
+TEST_F(AnUnansweredMessage, IsRetriedWhenTheIntentsFail) {
   startIntents();
   intentsDo("fail");
   startWatcher();
   EXPECT_THAT(waitForHandedOn(3), Contains("Paid 150").Times(testing::Ge(3)));
   intentsDo("answer");
-  // It would be tried again within 200 ms.
+  // A retry would come within 200 ms.
   EXPECT_TRUE(eventually([&] {
     const std::size_t tried = handedOn().size();
     std::this_thread::sleep_for(600ms);
@@ -139,7 +139,7 @@ TEST_F(AMessageThatIsNotAnswered, IsTriedAgainWhenTheIntentsFailed) {
             "(app.kivo.Intents1.Error.UnknownIntent)\n");
 }
 
-TEST_F(AMessageThatIsNotAnswered, IsTriedAgainWhenTheIntentsHang) {
+TEST_F(AnUnansweredMessage, IsRetriedWhenTheIntentsHang) {
   startIntents();
   intentsDo("hang");
   startWatcher(500ms);
@@ -150,7 +150,7 @@ TEST_F(AMessageThatIsNotAnswered, IsTriedAgainWhenTheIntentsHang) {
   EXPECT_EQ(handedOn()[0], "Paid 150");
 }
 
-TEST_F(AMessageThatIsNotAnswered, IsTriedAgainWhenTheIntentsDie) {
+TEST_F(AnUnansweredMessage, IsRetriedWhenTheIntentsDie) {
   startIntents();
   intentsDo("die");
   startWatcher();
@@ -160,7 +160,7 @@ TEST_F(AMessageThatIsNotAnswered, IsTriedAgainWhenTheIntentsDie) {
   EXPECT_TRUE(eventually([&] { return handedOn().size() >= 2; }, 60s));
 }
 
-TEST_F(AMessageThatIsNotAnswered, WaitsForIntentsThatAreNotThereYet) {
+TEST_F(AnUnansweredMessage, WaitsForTheIntentsToStart) {
   startWatcher();
   receive(message("2", "Paid 151"));
   std::this_thread::sleep_for(500ms);
@@ -168,7 +168,7 @@ TEST_F(AMessageThatIsNotAnswered, WaitsForIntentsThatAreNotThereYet) {
   EXPECT_THAT(waitForHandedOn(2), testing::UnorderedElementsAre("Paid 150", "Paid 151"));
 }
 
-TEST_F(AMessageThatIsNotAnswered, DoesNotKeepUpThoseThatComeAfterIt) {
+TEST_F(AnUnansweredMessage, DoesNotDelayLaterMessages) {
   startIntents();
   intentsDo("fail");
   startWatcher();
@@ -177,7 +177,7 @@ TEST_F(AMessageThatIsNotAnswered, DoesNotKeepUpThoseThatComeAfterIt) {
   EXPECT_TRUE(eventually([&] { return testing::Value(handedOn(), Contains("Paid 151")); }, 60s));
 }
 
-TEST_F(AMessageThatIsNotAnswered, IsHandedOnByTheNextWatcher) {
+TEST_F(AnUnansweredMessage, IsHandedOnByTheNextWatcher) {
   startIntents();
   intentsDo("hang");
   startWatcher();
@@ -188,7 +188,7 @@ TEST_F(AMessageThatIsNotAnswered, IsHandedOnByTheNextWatcher) {
   EXPECT_EQ(waitForHandedOn(2).size(), 2U);
 }
 
-TEST_F(AMessageThatIsNotAnswered, IsHandedOnAgainWhenItsAnswerWasNotRecorded) {
+TEST_F(AnUnansweredMessage, IsRetriedWhenItsAnswerCouldNotBeRecorded) {
   startIntents();
   startWatcher();
   handedOnBeforeOneMore();
@@ -214,7 +214,7 @@ TEST_F(AMessageThatIsNotAnswered, IsHandedOnAgainWhenItsAnswerWasNotRecorded) {
       eventually([&] { return testing::Value(handedOn(), Contains("Paid 151").Times(2)); }, 60s));
 }
 
-TEST_F(AMessageThatIsNotAnswered, OutlivesItsDeletionFromTheModem) {
+TEST_F(AnUnansweredMessage, IsRetriedAfterItsDeletionFromTheModem) {
   startIntents();
   intentsDo("fail");
   startWatcher();
@@ -225,12 +225,12 @@ TEST_F(AMessageThatIsNotAnswered, OutlivesItsDeletionFromTheModem) {
   EXPECT_GT(waitForHandedOn(tried + 1).size(), tried);
 }
 
-class AnAwayWatcher : public testkit::WatchedPhone {
+class AWatcherThatCatchesUp : public testkit::WatchedPhone {
  protected:
-  AnAwayWatcher() { startIntents(); }
+  AWatcherThatCatchesUp() { startIntents(); }
 };
 
-TEST_F(AnAwayWatcher, ReadsWhatArrivedMeanwhile) {
+TEST_F(AWatcherThatCatchesUp, ReadsMessagesThatArrivedWhileItWasStopped) {
   startModemManager({message("1", "Paid 150")});
   startWatcher();
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
@@ -241,7 +241,7 @@ TEST_F(AnAwayWatcher, ReadsWhatArrivedMeanwhile) {
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("Paid 150", "Paid 151"));
 }
 
-TEST_F(AnAwayWatcher, HandsOnWhatCameWithAModemManagerThatStartsLater) {
+TEST_F(AWatcherThatCatchesUp, HandsOnMessagesOfAModemManagerThatStartsLater) {
   startWatcher();
   startModemManager({message("1", "Paid 150")});
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
@@ -250,7 +250,7 @@ TEST_F(AnAwayWatcher, HandsOnWhatCameWithAModemManagerThatStartsLater) {
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
 }
 
-TEST_F(AnAwayWatcher, HandsOnWhatAModemBringsThatIsPluggedInLater) {
+TEST_F(AWatcherThatCatchesUp, HandsOnMessagesOfAModemThatIsPluggedInLater) {
   startModemManager();
   startWatcher();
   modem(R"("do":"add_modem","modem":"1","its_messages":[{)" + message("5", "Paid 150") + "}]");
@@ -259,16 +259,16 @@ TEST_F(AnAwayWatcher, HandsOnWhatAModemBringsThatIsPluggedInLater) {
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
 }
 
-class AModemManagerInTrouble : public testkit::WatchedPhone,
-                               public testing::WithParamInterface<const char*> {
+class AFailingModemManager : public testkit::WatchedPhone,
+                             public testing::WithParamInterface<const char*> {
  protected:
-  AModemManagerInTrouble() { startIntents(); }
+  AFailingModemManager() { startIntents(); }
   void fault(const std::string& kind) {
     modem(std::string(R"("do":"fault","method":")") + GetParam() + R"(","fault":")" + kind + "\"");
   }
 };
 
-TEST_P(AModemManagerInTrouble, IsAskedAgainWhenItFailed) {
+TEST_P(AFailingModemManager, IsAskedAgainAfterAnError) {
   startModemManager({message("1", "Paid 150")});
   fault("org.freedesktop.ModemManager1.Error.Core.WrongState");
   startWatcher();
@@ -278,7 +278,7 @@ TEST_P(AModemManagerInTrouble, IsAskedAgainWhenItFailed) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
-TEST_P(AModemManagerInTrouble, IsAskedAgainWhenItHung) {
+TEST_P(AFailingModemManager, IsAskedAgainAfterATimeout) {
   startModemManager({message("1", "Paid 150")});
   fault("hang");
   startWatcher(30s, 300ms);
@@ -288,7 +288,7 @@ TEST_P(AModemManagerInTrouble, IsAskedAgainWhenItHung) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, AModemManagerInTrouble,
+INSTANTIATE_TEST_SUITE_P(, AFailingModemManager,
                          testing::Values("GetManagedObjects", "List", "GetAll"),
                          [](const auto& method) { return std::string(method.param); });
 

@@ -1,5 +1,5 @@
-// The installed programs together: kivo-phone names a sender, the watcher hears of its message, the
-// intents that the bus starts record it.
+// The installed programs together: kivo-phone names a sender, the watcher reads its message, and
+// the intents service that the bus starts processes it.
 #include <csignal>
 #include <fstream>
 
@@ -28,7 +28,7 @@ class AnInstalledWatcher : public testkit::WatchedPhone {
   testkit::ToldBackend backend;
 };
 
-TEST_F(AnInstalledWatcher, HasAMessageRecordedByTheIntents) {
+TEST_F(AnInstalledWatcher, HandsAMessageToTheIntentsService) {
   signIn(backend.url());
   backend.answers(200, testkit::savedAnswer("expense"));
   startModemManager();
@@ -46,7 +46,7 @@ TEST_F(AnInstalledWatcher, HasAMessageRecordedByTheIntents) {
   EXPECT_EQ(program.wait(20s).status, 0);
 }
 
-TEST_F(AnInstalledWatcher, SaysWhatItIs) {
+TEST_F(AnInstalledWatcher, PrintsHelpAndVersion) {
   const auto run = [](const std::string& option) {
     return linux_platform::runProgram(
         {.program = linux_platform::programFolder() / "kivo-sms-watcher", .arguments = {option}});
@@ -94,7 +94,7 @@ TEST_F(NamingSenders, RemovesThemAgain) {
   EXPECT_EQ(watch({"list"}).output, "Other\n");
 }
 
-TEST_F(NamingSenders, RefusesNobodyAndEverybody) {
+TEST_F(NamingSenders, RefusesAnEmptySenderAndAStarAlone) {
   for (const char* const sender : {"", "  ", "*", " ** "}) {
     EXPECT_EQ(watch({"add", sender}).status, 64) << sender;
   }
@@ -102,7 +102,7 @@ TEST_F(NamingSenders, RefusesNobodyAndEverybody) {
   EXPECT_FALSE(std::filesystem::exists(file()));
 }
 
-TEST_F(NamingSenders, MakesAFileForItsOwnerOnly) {
+TEST_F(NamingSenders, CreatesAFileThatOnlyItsOwnerCanRead) {
   watch({"add", "MyBank"});
   struct stat found {};
   ASSERT_EQ(stat(file().c_str(), &found), 0);
@@ -111,7 +111,7 @@ TEST_F(NamingSenders, MakesAFileForItsOwnerOnly) {
   EXPECT_EQ(found.st_mode & 0777, 0700U);
 }
 
-TEST_F(NamingSenders, OverwritesNoFileThatCannotBeRead) {
+TEST_F(NamingSenders, DoesNotOverwriteAFileThatCannotBeRead) {
   write("senders = [");
   for (const auto& arguments :
        std::vector<std::vector<std::string>>{{"add", "MyBank"}, {"remove", "MyBank"}, {"list"}}) {
@@ -125,7 +125,7 @@ TEST_F(NamingSenders, OverwritesNoFileThatCannotBeRead) {
   EXPECT_EQ(line, "senders = [");
 }
 
-TEST_F(NamingSenders, KeepsALinkToTheFile) {
+TEST_F(NamingSenders, KeepsASymbolicLinkToTheFile) {
   const auto real = folders.home() / "elsewhere.toml";
   std::ofstream(real) << "senders = ['MyBank']\n";
   std::filesystem::create_directories(file().parent_path());
@@ -135,7 +135,7 @@ TEST_F(NamingSenders, KeepsALinkToTheFile) {
   EXPECT_EQ(watch({"list"}).output, "MyBank\nOther\n");
 }
 
-TEST_F(NamingSenders, SaysWhenItCannotWrite) {
+TEST_F(NamingSenders, ReportsThatTheFileCannotBeWritten) {
   std::ofstream(folders.home() / "config") << "in the way";
   const ProgramResult result = watch({"add", "MyBank"});
   EXPECT_EQ(result.status, 1);

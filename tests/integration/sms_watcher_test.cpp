@@ -1,4 +1,4 @@
-// Whose messages the watcher hands on, and which of them.
+// The messages that the watcher hands on, and their senders.
 #include "store/shared_store.h"
 #include "watched_phone.h"
 
@@ -27,13 +27,13 @@ TEST_F(AnSmsWatcher, HandsOnAMessageOfANamedSender) {
   EXPECT_EQ(endWatcher().status, 0);
 }
 
-TEST_F(AnSmsWatcher, HandsOnATextLetterForLetter) {
+TEST_F(AnSmsWatcher, HandsOnATextUnchanged) {
   startModemManager({message("1", R"( بنك نيلو: تم خصم ١٥٠٫٠٠ ج.م\t💸 \u2028é )")});
   startWatcher();
   EXPECT_THAT(waitForHandedOn(1), ElementsAre(" بنك نيلو: تم خصم ١٥٠٫٠٠ ج.م\\t💸 \u2028é "));
 }
 
-TEST_F(AnSmsWatcher, LeavesTheMessagesOfOthersAlone) {
+TEST_F(AnSmsWatcher, IgnoresMessagesOfOtherSenders) {
   startModemManager({message("1", "Dinner?", "+201001234567")});
   startWatcher();
   receive(message("2", "Dinner at eight?", "MyBankers"));
@@ -42,7 +42,7 @@ TEST_F(AnSmsWatcher, LeavesTheMessagesOfOthersAlone) {
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
 }
 
-TEST_F(AnSmsWatcher, KnowsASenderByAPattern) {
+TEST_F(AnSmsWatcher, MatchesASenderByAPattern) {
   writeSettings("senders = ['*Bank*', '0020 100-*']");
   startModemManager();
   startWatcher();
@@ -52,7 +52,7 @@ TEST_F(AnSmsWatcher, KnowsASenderByAPattern) {
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("One", "Two"));
 }
 
-TEST_F(AnSmsWatcher, ReadsNothingAndSaysSoOnceUntilASenderIsNamed) {
+TEST_F(AnSmsWatcher, ReadsNothingUntilASenderIsNamedAndReportsItOnce) {
   writeSettings("");
   startModemManager({message("1", "Paid 150")});
   startWatcher();
@@ -73,7 +73,7 @@ TEST_F(AnSmsWatcher, ReadsNothingWithoutSettings) {
   EXPECT_EQ(modemCalls(), "('[]',)\n");
 }
 
-TEST_F(AnSmsWatcher, TakesUpASenderThatIsNamedWhileItRuns) {
+TEST_F(AnSmsWatcher, FollowsASenderThatIsAddedWhileItRuns) {
   writeSettings("");
   startModemManager({message("1", "Paid 150")});
   startWatcher();
@@ -83,7 +83,7 @@ TEST_F(AnSmsWatcher, TakesUpASenderThatIsNamedWhileItRuns) {
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
 }
 
-TEST_F(AnSmsWatcher, LetsGoOfASenderThatIsRemovedWhileItRuns) {
+TEST_F(AnSmsWatcher, IgnoresASenderThatIsRemovedWhileItRuns) {
   writeSettings(R"(senders = ["MyBank", "Other"])");
   startModemManager();
   startWatcher();
@@ -110,7 +110,7 @@ TEST_F(AnSmsWatcher, HandsOnNothingWhileItsSettingsAreBroken) {
   EXPECT_THAT(errors, Not(HasSubstr("MARKSENDER")));
 }
 
-TEST_F(AnSmsWatcher, KeepsWhatCameWhileItsSettingsWereBroken) {
+TEST_F(AnSmsWatcher, HandsOnEarlierMessagesOnceItsSettingsAreFixed) {
   startModemManager();
   startWatcher();
   receive(message("1", "Paid 150"));
@@ -141,7 +141,7 @@ TEST_F(AnSmsWatcher, FindsItsSettingsInTheHomeWhenTheVariableIsEmptyOrRelative) 
   EXPECT_THAT(handedOn(), ElementsAre("Home ", "Home config"));
 }
 
-TEST_F(AnSmsWatcher, WaitsUntilAllPartsOfAMessageAreThere) {
+TEST_F(AnSmsWatcher, WaitsForAllPartsOfAMessage) {
   startModemManager();
   startWatcher();
   receive(message("1", "Paid", "MyBank", R"("State":2)"));
@@ -150,7 +150,7 @@ TEST_F(AnSmsWatcher, WaitsUntilAllPartsOfAMessageAreThere) {
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("One more", "Paid 150 at Cafe"));
 }
 
-TEST_F(AnSmsWatcher, SkipsWhatIsNoReceivedText) {
+TEST_F(AnSmsWatcher, SkipsDraftsReportsAndSentMessages) {
   startModemManager({
       message("1", "Draft", "MyBank", R"("State":1,"PduType":2)"),
       message("2", "Sending", "MyBank", R"("State":4,"PduType":2)"),
@@ -166,7 +166,7 @@ TEST_F(AnSmsWatcher, SkipsWhatIsNoReceivedText) {
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("By CDMA"));
 }
 
-TEST_F(AnSmsWatcher, LeavesAloneWhatItCannotUnderstand) {
+TEST_F(AnSmsWatcher, SkipsMalformedMessages) {
   startModemManager({
       message("1", "State", "MyBank", R"("State":"three")"),
       message("2", "Kind", "MyBank", R"("PduType":true)"),
@@ -185,13 +185,13 @@ TEST_F(AnSmsWatcher, LeavesAloneWhatItCannotUnderstand) {
               testing::UnorderedElementsAre("Time", "No time", "Odd time", "Sound"));
 }
 
-TEST_F(AnSmsWatcher, LeavesMessagesThatAreOlderThanTheNamingOfTheirSender) {
+TEST_F(AnSmsWatcher, SkipsMessagesFromADayBeforeTheirSenderWasNamed) {
   startModemManager({message("1", "Last year", "MyBank", sent(24h * 365)),
                      message("2", "Two days ago", "MyBank", sent(48h)),
                      message("3", "This morning", "MyBank", sent(6h))});
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), ElementsAre("This morning"));
-  // Those that a modem tells of when it is switched on are no newer.
+  // Messages that a modem announces when it is switched on are as old.
   receive(message("4", "Three days ago", "MyBank", sent(72h)));
   receive(message("5", "Now"));
   EXPECT_THAT(waitForHandedOn(3), ElementsAre("This morning", "One more", "Now"));
@@ -201,7 +201,7 @@ TEST_F(AnSmsWatcher, LeavesMessagesThatAreOlderThanTheNamingOfTheirSender) {
             "named stay where they are\n");
 }
 
-TEST_F(AnSmsWatcher, HandsOnWhatAModemTellsOfThatDoesNotListItsMessagesYet) {
+TEST_F(AnSmsWatcher, HandsOnASignalledMessageWhileListingFails) {
   startModemManager();
   modem(
       R"("do":"fault","method":"List","fault":"org.freedesktop.ModemManager1.Error.Core.WrongState")");
@@ -210,7 +210,7 @@ TEST_F(AnSmsWatcher, HandsOnWhatAModemTellsOfThatDoesNotListItsMessagesYet) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
 }
 
-TEST_F(AnSmsWatcher, ReachesBackNoFurtherForASenderThatIsNamedLater) {
+TEST_F(AnSmsWatcher, SkipsOldMessagesOfASenderThatIsNamedLater) {
   startModemManager({message("1", "Two days ago", "Other", sent(48h))});
   startWatcher();
   EXPECT_THAT(handedOnBeforeOneMore(), IsEmpty());
@@ -219,7 +219,7 @@ TEST_F(AnSmsWatcher, ReachesBackNoFurtherForASenderThatIsNamedLater) {
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("One more", "Now"));
 }
 
-TEST_F(AnSmsWatcher, HandsOnHundredsOfMessagesOneByOneInTheOrderOfTheirTime) {
+TEST_F(AnSmsWatcher, HandsOnHundredsOfMessagesInOrderOfTime) {
   constexpr int count = 300;
   std::vector<std::string> messages;
   std::vector<std::string> expected;
@@ -234,7 +234,7 @@ TEST_F(AnSmsWatcher, HandsOnHundredsOfMessagesOneByOneInTheOrderOfTheirTime) {
   EXPECT_EQ(waitForHandedOn(count), expected);
 }
 
-TEST_F(AnSmsWatcher, PerformsOneAtATime) {
+TEST_F(AnSmsWatcher, PerformsOneMessageAtATime) {
   intentsDo("slow");
   startModemManager(
       {message("1", "One", "MyBank", sent(3s)), message("2", "Two", "MyBank", sent(2s))});
@@ -254,7 +254,7 @@ TEST_F(AnSmsWatcher, OnlyReadsMessages) {
   EXPECT_THAT(calls, Not(HasSubstr("Delete")));
 }
 
-TEST_F(AnSmsWatcher, HoldsMessagesUntilSomebodyIsSignedIn) {
+TEST_F(AnSmsWatcher, HoldsMessagesUntilTheUserSignsIn) {
   SharedStore store = SharedStore::open(appGroup).value();
   store.writeText(StoreKeys::userId, "");
   ASSERT_TRUE(store.synchronize());

@@ -1,4 +1,4 @@
-// kivo-intents say: the intent that a phrase means, performed.
+// kivo-intents say: performs the intent of a phrase.
 #include "testkit/extension_program.h"
 
 namespace kivo {
@@ -23,7 +23,7 @@ TEST_F(ASpokenPhrase, IsAnsweredAsOneJSONObjectWhenAskedTo) {
                  R"({"dialog":"No expense to track"})");
 }
 
-TEST_F(ASpokenPhrase, ThatIsNoneIsAnsweredWithAllThatThereAre) {
+TEST_F(ASpokenPhrase, ListsAllPhrasesWhenUnknown) {
   expectUsageError({"say", "Buy me a coffee with Kivo", "--smsText", "x"},
                    "that is none of the phrases:\n"
                    "  Add expense in Kivo\n"
@@ -35,7 +35,7 @@ TEST_F(ASpokenPhrase, ThatIsNoneIsAnsweredWithAllThatThereAre) {
                    "  Track SMS transaction in Kivo");
 }
 
-TEST_F(ASpokenPhrase, TakesNoParameterOfAnotherIntent) {
+TEST_F(ASpokenPhrase, RefusesAParameterOfAnotherIntent) {
   expectUsageError(
       {"say", "Log expense to Kivo", "--amount", "5", "--merchant", "Cafe", "--smsText", "x"},
       "unknown parameter --smsText");
@@ -43,17 +43,17 @@ TEST_F(ASpokenPhrase, TakesNoParameterOfAnotherIntent) {
                    "unknown parameter --amount");
 }
 
-TEST_F(ASpokenPhrase, WithoutItsParametersIsAUsageErrorWhereNobodyCanBeAsked) {
+TEST_F(ASpokenPhrase, NeedsItsParametersWithoutATerminal) {
   expectUsageError({"say", "Log expense to Kivo"}, "missing parameter --amount");
 }
 
-TEST_F(ASpokenPhrase, MayBeAskedForItsParametersOnATerminal) {
+TEST_F(ASpokenPhrase, PromptsForItsParametersOnATerminal) {
   signIn();
   EXPECT_EQ(onTerminal("say 'log expense to kivo'", "12.5\nCafe\n").status, 0);
   EXPECT_THAT(sent("sms_text"), ElementsAre("Paid 12.5 EGP at Cafe"));
 }
 
-TEST_F(ASpokenPhrase, LeftOutIsAUsageError) {
+TEST_F(ASpokenPhrase, IsRequiredByTheCommand) {
   expectUsageError({"say"}, "SENTENCE is missing (see kivo-intents say --help)");
 }
 

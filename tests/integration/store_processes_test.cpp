@@ -40,7 +40,7 @@ class AStoreOfSeveralProcesses : public testing::Test {
   testkit::PrivateFolders folders_;
 };
 
-TEST_F(AStoreOfSeveralProcesses, GivesATextOfOneToAnotherAfterAFlushAndNotBefore) {
+TEST_F(AStoreOfSeveralProcesses, ShowsAWriteToOthersOnlyAfterItsFlush) {
   OtherProcess writer([](OtherProcess& self) {
     SharedStore store = open();
     store.writeText(keyA, "text");
@@ -63,7 +63,7 @@ TEST_F(AStoreOfSeveralProcesses, GivesATextOfOneToAnotherAfterAFlushAndNotBefore
   EXPECT_EQ(writer.end(), 0);
 }
 
-TEST_F(AStoreOfSeveralProcesses, IsMadeByEightAtOnceEachTime) {
+TEST_F(AStoreOfSeveralProcesses, IsCreatedByEightProcessesAtOnce) {
   for (int round = 0; round < 20; ++round) {
     const testkit::TemporaryFolder data;
     const testkit::ScopedVariable variable("XDG_DATA_HOME", (data.path() / "new").string());
@@ -84,7 +84,7 @@ TEST_F(AStoreOfSeveralProcesses, IsMadeByEightAtOnceEachTime) {
   }
 }
 
-TEST_F(AStoreOfSeveralProcesses, WaitsForAnotherThatHoldsTheWriteLock) {
+TEST_F(AStoreOfSeveralProcesses, WaitsForTheWriteLockOfAnotherProcess) {
   open();
   OtherProcess holder([this](OtherProcess& self) {
     testkit::RawStore raw(folders_.storeFile());
@@ -101,7 +101,7 @@ TEST_F(AStoreOfSeveralProcesses, WaitsForAnotherThatHoldsTheWriteLock) {
   EXPECT_EQ(holder.end(), 0);
 }
 
-TEST_F(AStoreOfSeveralProcesses, GivesUpAWriteAfterTenSecondsInOneLine) {
+TEST_F(AStoreOfSeveralProcesses, ReportsAWriteTimeoutAfterTenSecondsInOneLine) {
   open();
   OtherProcess holder([this](OtherProcess& self) {
     testkit::RawStore raw(folders_.storeFile());
@@ -124,7 +124,7 @@ TEST_F(AStoreOfSeveralProcesses, GivesUpAWriteAfterTenSecondsInOneLine) {
   EXPECT_EQ(open().readText(keyA), std::nullopt);
 }
 
-TEST_F(AStoreOfSeveralProcesses, OpensAndReadsAtOnceWhileAnotherWrites) {
+TEST_F(AStoreOfSeveralProcesses, OpensAndReadsWithoutWaitingForAWriter) {
   ASSERT_TRUE(write(keyA, "before"));
   OtherProcess holder([this](OtherProcess& self) {
     testkit::RawStore raw(folders_.storeFile());
@@ -143,7 +143,7 @@ TEST_F(AStoreOfSeveralProcesses, OpensAndReadsAtOnceWhileAnotherWrites) {
   EXPECT_EQ(open().readText(keyA), "after");
 }
 
-TEST_F(AStoreOfSeveralProcesses, LosesNothingWhenEightWriteAtOnce) {
+TEST_F(AStoreOfSeveralProcesses, LosesNothingWhenEightProcessesWriteAtOnce) {
   open();
   std::vector<std::unique_ptr<OtherProcess>> writers;
   for (int number = 0; number < 8; ++number) {
@@ -161,7 +161,7 @@ TEST_F(AStoreOfSeveralProcesses, LosesNothingWhenEightWriteAtOnce) {
   EXPECT_EQ(Defaults::initWithSuiteName(appGroup)->dictionaryRepresentation().size(), 80U);
 }
 
-TEST_F(AStoreOfSeveralProcesses, KeepsTheEarlierStateWhenOneDiesBeforeItsFlush) {
+TEST_F(AStoreOfSeveralProcesses, KeepsItsStateWhenAWriterDiesBeforeItsFlush) {
   ASSERT_TRUE(write(keyA, "earlier"));
   OtherProcess dying([](OtherProcess& self) {
     SharedStore store = open();
@@ -175,7 +175,7 @@ TEST_F(AStoreOfSeveralProcesses, KeepsTheEarlierStateWhenOneDiesBeforeItsFlush) 
   EXPECT_EQ(open().readText(keyA), "earlier");
 }
 
-TEST_F(AStoreOfSeveralProcesses, NeverShowsHalfAWriteGroupOfOneThatDied) {
+TEST_F(AStoreOfSeveralProcesses, NeverShowsHalfAWriteGroupOfADeadWriter) {
   open();
   for (int round = 0; round < 20; ++round) {
     OtherProcess dying([](OtherProcess& self) {
@@ -199,7 +199,7 @@ TEST_F(AStoreOfSeveralProcesses, NeverShowsHalfAWriteGroupOfOneThatDied) {
   EXPECT_TRUE(write(keyA, "still writable"));
 }
 
-TEST_F(AStoreOfSeveralProcesses, ShowsAWriteGroupWholeToOneThatReadsMeanwhile) {
+TEST_F(AStoreOfSeveralProcesses, ShowsWriteGroupsWholeToAConcurrentReader) {
   open();
   OtherProcess writer([](OtherProcess& self) {
     SharedStore store = open();
@@ -222,7 +222,7 @@ TEST_F(AStoreOfSeveralProcesses, ShowsAWriteGroupWholeToOneThatReadsMeanwhile) {
   writer.kill();
 }
 
-TEST_F(AStoreOfSeveralProcesses, KeepsTheEarlierStateWhenTheDiskIsFull) {
+TEST_F(AStoreOfSeveralProcesses, KeepsItsStateWhenTheDiskIsFull) {
   ASSERT_TRUE(write(keyA, "earlier"));
   const std::string errors = folders_.home() / "errors";
   OtherProcess full([&errors](OtherProcess&) {

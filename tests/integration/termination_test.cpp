@@ -1,4 +1,4 @@
-// What SIGTERM and SIGINT do to a run.
+// A run that receives SIGTERM or SIGINT.
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
@@ -49,7 +49,7 @@ class ATerminatedRun : public testkit::ExtensionProgram, public testing::WithPar
   HeldBackend held;
 };
 
-TEST_P(ATerminatedRun, DuringItsRequestKeepsTheTextAndSaysSo) {
+TEST_P(ATerminatedRun, QueuesTheTextOfItsPendingRequest) {
   signIn(held.url());
   ChildProcess program(call({"perform", "ProcessSMSIntent", "--smsText", "-"}, "Paid 150"));
   ASSERT_TRUE(held.waitForRequests(1));
@@ -65,7 +65,7 @@ TEST_P(ATerminatedRun, DuringItsRequestKeepsTheTextAndSaysSo) {
   EXPECT_EQ(queue()[0].smsText, "Paid 150");
 }
 
-TEST_P(ATerminatedRun, DuringItsDrainCountsTheItemsAsFailedAndAnswers) {
+TEST_P(ATerminatedRun, CountsTheItemsOfItsDrainAsFailedAndAnswers) {
   signIn("http://127.0.0.1:1");
   EXPECT_EQ(processSMS("Paid 1").status, 0);
   EXPECT_EQ(processSMS("Paid 2").status, 0);
@@ -83,7 +83,7 @@ TEST_P(ATerminatedRun, DuringItsDrainCountsTheItemsAsFailedAndAnswers) {
   EXPECT_EQ(store().readFloat(StoreKeys::smsQueueDrainLock), 0);
 }
 
-TEST_P(ATerminatedRun, SignalledManyTimesEndsAsOne) {
+TEST_P(ATerminatedRun, IgnoresFurtherSignals) {
   signIn(held.url());
   ChildProcess program(call({"perform", "ProcessSMSIntent", "--smsText", "-"}, "Paid 150"));
   ASSERT_TRUE(held.waitForRequests(1));

@@ -1,4 +1,4 @@
-// The process entry of an extension with further intents than kivo-intents has.
+// The main function of an extension with more intents than kivo-intents.
 #include <unistd.h>
 
 #include "testkit/rate_merchant_intent.h"
@@ -6,7 +6,7 @@
 namespace kivo {
 namespace {
 
-/// Answers whether it is performed on the main thread, whose number is that of the process.
+/// Answers whether it runs on the main thread, whose id is that of the process.
 class TellThreadIntent : public platform::AppIntent {
  public:
   [[nodiscard]] std::string_view typeName() const override { return "TellThreadIntent"; }

@@ -1,4 +1,4 @@
-// A third intent, declared by one class and registered by one line, is offered everywhere.
+// A third intent, declared by one class and registered by one line, is available everywhere.
 #include "testkit/extension_program.h"
 
 namespace kivo {
@@ -26,22 +26,22 @@ TEST_F(AThirdIntent, IsPerformedFromTheCommandLine) {
                  "Cafe: 5.0, no remark");
 }
 
-TEST_F(AThirdIntent, IsPerformedOnAWorkerAndNeverOnTheMainThread) {
+TEST_F(AThirdIntent, IsPerformedOnAWorkerThread) {
   expectAnswered(run({"perform", "TellThreadIntent"}), "worker");
 }
 
-TEST_F(AThirdIntent, IsHelpedWith) {
+TEST_F(AThirdIntent, HasHelp) {
   EXPECT_THAT(run({"perform", "--help"}).output, HasSubstr("Rate Merchant"));
   EXPECT_THAT(run({"perform", "RateMerchantIntent", "--help"}).output,
               HasSubstr("How good it was"));
 }
 
-TEST_F(AThirdIntent, HasItsRangeHeeded) {
+TEST_F(AThirdIntent, HasItsRangeEnforced) {
   expectUsageError({"perform", "RateMerchantIntent", "--merchant", "Cafe", "--stars", "12.5"},
                    "--stars needs a number from 1.0 to 5.0");
 }
 
-TEST_F(AThirdIntent, AsksInItsOwnWords) {
+TEST_F(AThirdIntent, PromptsWithItsOwnDescriptions) {
   const ProgramResult result = onTerminal("perform RateMerchantIntent", "Cafe\n9\n3\n");
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output, HasSubstr("Merchant (Who is rated): "));
@@ -50,7 +50,7 @@ TEST_F(AThirdIntent, AsksInItsOwnWords) {
   EXPECT_THAT(result.output, HasSubstr("Cafe: 3.0, no remark"));
 }
 
-TEST_F(AThirdIntent, IsSpokenToThoughAnotherHasAParameterOfTheSameName) {
+TEST_F(AThirdIntent, IsPerformedByAPhraseDespiteASharedParameterName) {
   expectAnswered(run({"say", "rate a shop in kivo", "--merchant", "Cafe", "--stars", "2"}),
                  "Cafe: 2.0, no remark");
   signIn();
@@ -58,7 +58,7 @@ TEST_F(AThirdIntent, IsSpokenToThoughAnotherHasAParameterOfTheSameName) {
                  "Failed to track expense");
 }
 
-TEST_F(AThirdIntent, LeavesTheOthersAsTheyAre) {
+TEST_F(AThirdIntent, DoesNotChangeTheOtherIntents) {
   signIn();
   expectAnswered(processSMS("Paid 150"), "SMS ignored - not a transaction");
 }

@@ -1,4 +1,4 @@
-// The notification center as the extension's tasks reach it over the session bus.
+// The notification center as the extension calls it over the session bus.
 #include <csignal>
 #include <ctime>
 
@@ -31,7 +31,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* bundle = "app.kivo.expenses.intents";
 
-// The part of a process that performs a run, as far as notifications go.
+// The notification calls of a process that performs a run.
 struct IntentRun {
   SessionBus bus;
   BusUserNotificationCenter center{bus, bundle};
@@ -69,7 +69,7 @@ class ExpenseNotifications : public testing::Test {
   testkit::PrivatePhone phone;
 };
 
-TEST_F(ExpenseNotifications, AreShownWhenThePersonHasAuthorizedThem) {
+TEST_F(ExpenseNotifications, AreShownWhenAuthorized) {
   allow(UNAuthorizationStatus::authorized);
   NotificationDisplay display(phone.address());
   IntentRun run;
@@ -80,7 +80,7 @@ TEST_F(ExpenseNotifications, AreShownWhenThePersonHasAuthorizedThem) {
   EXPECT_EQ(shown[0].body, "E£85.50 at Café & Söhne (Groceries)");
 }
 
-TEST_F(ExpenseNotifications, AreScheduledForNoOtherPermission) {
+TEST_F(ExpenseNotifications, AreNotScheduledWithoutAuthorization) {
   using enum UNAuthorizationStatus;
   for (const UNAuthorizationStatus status : {notDetermined, denied, provisional, ephemeral}) {
     allow(status);
@@ -91,14 +91,14 @@ TEST_F(ExpenseNotifications, AreScheduledForNoOtherPermission) {
   }
 }
 
-TEST_F(ExpenseNotifications, AreNotScheduledForABundleThatWasNeverAsked) {
+TEST_F(ExpenseNotifications, AreNotScheduledWhenThePermissionIsNotDetermined) {
   IntentRun run;
   EXPECT_EQ(run.status(), UNAuthorizationStatus::notDetermined);
   run.post();
   EXPECT_EQ(pending(), "(@as [],)\n");
 }
 
-TEST_F(ExpenseNotifications, AreTwoWhenTwoHaveTheSameWords) {
+TEST_F(ExpenseNotifications, AreShownTwiceForTwoEqualTexts) {
   allow(UNAuthorizationStatus::authorized);
   NotificationDisplay display(phone.address());
   IntentRun run;
@@ -107,7 +107,7 @@ TEST_F(ExpenseNotifications, AreTwoWhenTwoHaveTheSameWords) {
   EXPECT_EQ(display.waitForShown(2, 10s).size(), 2U);
 }
 
-TEST_F(ExpenseNotifications, MayHaveEmptyTexts) {
+TEST_F(ExpenseNotifications, CanHaveEmptyTexts) {
   allow(UNAuthorizationStatus::authorized);
   NotificationDisplay display(phone.address());
   IntentRun run;
@@ -117,7 +117,7 @@ TEST_F(ExpenseNotifications, MayHaveEmptyTexts) {
   EXPECT_EQ(shown[0].summary + shown[0].body, "");
 }
 
-TEST_F(ExpenseNotifications, CarryTheDeepLinkAndNothingElse) {
+TEST_F(ExpenseNotifications, CarryOnlyTheDeepLink) {
   allow(UNAuthorizationStatus::authorized);
   IntentRun run;
   run.post();
@@ -126,7 +126,7 @@ TEST_F(ExpenseNotifications, CarryTheDeepLinkAndNothingElse) {
               HasSubstr(R"("userInfo":"[{\"key\":\"deepLink\",\"value\":\"kivo-expenses://\"}]")"));
 }
 
-TEST_F(ExpenseNotifications, AreShownThoughTheRunIsCancelled) {
+TEST_F(ExpenseNotifications, AreShownWhenTheRunIsCancelled) {
   allow(UNAuthorizationStatus::authorized);
   NotificationDisplay display(phone.address());
   IntentRun run;
@@ -136,7 +136,7 @@ TEST_F(ExpenseNotifications, AreShownThoughTheRunIsCancelled) {
   EXPECT_EQ(display.waitForShown(1, 10s).size(), 1U);
 }
 
-TEST_F(ExpenseNotifications, ArriveWithWhatTheBusCannotCarryReplaced) {
+TEST_F(ExpenseNotifications, HaveCharactersThatAreInvalidOnTheBusReplaced) {
   NotificationDisplay display(phone.address());
   IntentRun run;
   const std::string title("a\0b\xFF\xEF\xBF\xBE\xEF\xB7\x90\xED\xA0\x80z", 14);
@@ -147,7 +147,7 @@ TEST_F(ExpenseNotifications, ArriveWithWhatTheBusCannotCarryReplaced) {
   EXPECT_THAT(shown[0].summary, testing::EndsWith("\uFFFD\uFFFD\uFFFDz"));
 }
 
-TEST_F(ExpenseNotifications, AreAnErrorOfTheirOwnWhereTheCenterRefusesThem) {
+TEST_F(ExpenseNotifications, ReportTheErrorWhenTheCenterRefusesThem) {
   allow(UNAuthorizationStatus::denied);
   IntentRun run;
   const auto error = run.add();
@@ -155,7 +155,7 @@ TEST_F(ExpenseNotifications, AreAnErrorOfTheirOwnWhereTheCenterRefusesThem) {
   EXPECT_THAT(error->localizedDescription(), HasSubstr("AccessDenied"));
 }
 
-TEST_F(ExpenseNotifications, WaitWithoutWorkThoughTheRunIsCancelled) {
+TEST_F(ExpenseNotifications, UseNoCpuWhileACancelledRunWaits) {
   const pid_t center = phone.startCenter();
   kill(center, SIGSTOP);
   IntentRun run;
@@ -168,7 +168,7 @@ TEST_F(ExpenseNotifications, WaitWithoutWorkThoughTheRunIsCancelled) {
   kill(center, SIGKILL);
 }
 
-TEST_F(ExpenseNotifications, AreGivenUpAtOnceWhenTheCenterDies) {
+TEST_F(ExpenseNotifications, FailAtOnceWhenTheCenterDies) {
   const pid_t center = phone.startCenter();
   kill(center, SIGSTOP);
   IntentRun run;
@@ -179,7 +179,7 @@ TEST_F(ExpenseNotifications, AreGivenUpAtOnceWhenTheCenterDies) {
   task.waitFor(10s);
 }
 
-TEST_F(ExpenseNotifications, AreGivenUpAtOnceWhenTheBusGoes) {
+TEST_F(ExpenseNotifications, FailAtOnceWhenTheBusEnds) {
   kill(phone.startCenter(), SIGSTOP);
   IntentRun run;
   auto task = testkit::executor().start(ExpenseNotifier::post("Title", "Body"));
@@ -190,8 +190,8 @@ TEST_F(ExpenseNotifications, AreGivenUpAtOnceWhenTheBusGoes) {
   EXPECT_TRUE(run.add().has_value());
 }
 
-// A center of which the test decides what it answers.
-class AnOddCenter : public ExpenseNotifications {
+// A center whose answers the test chooses.
+class AMisbehavingCenter : public ExpenseNotifications {
  protected:
   void SetUp() override {
     ASSERT_TRUE(testkit::eventually([this] { return phone.processOf(service).has_value(); }));
@@ -211,7 +211,7 @@ class AnOddCenter : public ExpenseNotifications {
                      "app.kivo.NotificationCenter1"}}};
 };
 
-TEST_F(AnOddCenter, ThatAnswersNoStatusCountsAsNotDetermined) {
+TEST_F(AMisbehavingCenter, CountsAsNotDeterminedWithAnInvalidStatus) {
   answers("AuthorizationStatus", "s", "s", "ret = 'authorized'");
   EXPECT_EQ(IntentRun().status(), UNAuthorizationStatus::notDetermined);
   answers("AuthorizationStatus", "s", "i", "ret = 5");
@@ -226,7 +226,7 @@ TEST_F(AnOddCenter, ThatAnswersNoStatusCountsAsNotDetermined) {
   EXPECT_EQ(IntentRun().status(), UNAuthorizationStatus::authorized);
 }
 
-TEST_F(AnOddCenter, ThatFailsToAddLeavesNoTrace) {
+TEST_F(AMisbehavingCenter, CausesNoOutputWhenItRefusesANotification) {
   answers("AuthorizationStatus", "s", "i", "ret = 2");
   answers("Add", "ssa{sv}db", "",
           "raise dbus.exceptions.DBusException('no', name='org.example.Full')");
@@ -241,7 +241,7 @@ TEST_F(AnOddCenter, ThatFailsToAddLeavesNoTrace) {
   EXPECT_THAT(error->localizedDescription(), HasSubstr("org.example.Full"));
 }
 
-TEST(WithoutASessionBus, PermissionIsNotDeterminedAndNothingIsWaitedFor) {
+TEST(WithoutASessionBus, PermissionIsNotDeterminedWithoutAWait) {
   const testkit::PrivateFolders folders;
   const auto took = timeOf([] {
     IntentRun run;
@@ -252,7 +252,7 @@ TEST(WithoutASessionBus, PermissionIsNotDeterminedAndNothingIsWaitedFor) {
   EXPECT_LE(took, 300ms);
 }
 
-TEST(OnASilentBus, AProcessThatAskedNothingEndsAtOnce) {
+TEST(OnASilentBus, AProcessWithoutCallsEndsAtOnce) {
   const testkit::PrivateFolders folders;
   const testkit::SilentSocket silent(folders.home() / "silent");
   const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());

@@ -110,12 +110,11 @@ void WatchedPhone::intentsDo(const std::string& does) {
   std::filesystem::rename(fresh, behaviour());
 }
 
-void WatchedPhone::startWatcher(std::chrono::milliseconds performPatience,
-                                std::chrono::milliseconds modemPatience) {
-  watcher = std::make_unique<ChildProcess>(
-      ProgramCall{.program = linux_platform::programFolder() / "kivo-impatient-sms-watcher",
-                  .arguments = {std::to_string(performPatience.count()),
-                                std::to_string(modemPatience.count())}});
+void WatchedPhone::startWatcher(std::chrono::milliseconds performTimeout,
+                                std::chrono::milliseconds modemTimeout) {
+  watcher = std::make_unique<ChildProcess>(ProgramCall{
+      .program = linux_platform::programFolder() / "kivo-short-timeout-sms-watcher",
+      .arguments = {std::to_string(performTimeout.count()), std::to_string(modemTimeout.count())}});
   const auto isThere = [this] { return phone.processOf(watcherName) == watcher->id(); };
   if (!eventually(isThere, std::chrono::seconds(60))) {
     throw std::runtime_error("no watcher: " + watcher->wait(std::chrono::seconds(1)).errors);

@@ -1,5 +1,5 @@
-// The real watcher of messages on private buses, between a ModemManager and a service of the
-// intents that do as a test wants. Performs no intent itself.
+// The real SMS watcher on private buses, between a scripted ModemManager and a scripted intents
+// service.
 #pragma once
 
 #include <chrono>
@@ -17,49 +17,50 @@ namespace kivo::testkit {
 
 inline constexpr const char* watcherName = "app.kivo.SmsWatcher";
 
-/// The members of a message that a network delivered, as JSON without its braces; `properties` are
-/// further ones, or others in place of them.
+/// The members of a received message, as JSON without its braces; `properties` are added or replace
+/// others.
 std::string message(const std::string& path, const std::string& text,
                     const std::string& number = "MyBank", const std::string& properties = "");
 
-/// The time so long ago, as a modem writes it.
+/// The time that lies `ago` back, as a modem writes it.
 std::string timeAgo(std::chrono::seconds ago);
 
-/// As JSON, after `message`.
+/// A property for `message`: the time of sending.
 inline std::string sent(std::chrono::seconds ago) {
   return R"("Timestamp":")" + timeAgo(ago) + R"(")";
 }
 
 class WatchedPhone : public ::testing::Test {
  protected:
-  /// Somebody is signed in, MyBank is named, and no service is there yet.
+  /// A user is signed in, MyBank is named, and no service runs yet.
   WatchedPhone();
   /// With the services that the files in `services` describe.
   explicit WatchedPhone(const std::filesystem::path& services);
   ~WatchedPhone() override;
 
-  /// Starts a ModemManager whose first modem holds `messages`, and waits until it is there.
+  /// Starts a ModemManager whose first modem holds `messages`, and waits until it owns its bus
+  /// name.
   void startModemManager(const std::vector<std::string>& messages = {});
-  /// Kills it, and waits until its name is free.
+  /// Kills it, and waits until its bus name is free.
   void endModemManager();
-  /// Has the ModemManager do `command`, the members of a JSON object; its answer.
+  /// Sends the ModemManager `command`, the members of a JSON object; returns its answer.
   std::string modem(const std::string& command);
   void receive(const std::string& message) {
     modem(R"("do":"receive","message":{)" + message + "}");
   }
   std::string modemCalls() { return modem(R"("do":"calls")"); }
 
-  /// Starts the service of the intents, and waits until it is there.
+  /// Starts the intents service, and waits until it owns its bus name.
   void startIntents();
-  /// What it does with calls from now on.
+  /// The behaviour of the intents service from now on.
   void intentsDo(const std::string& behaviour);
 
-  /// Starts the watcher, with short patience, and waits until it is at work.
-  void startWatcher(std::chrono::milliseconds performPatience = std::chrono::seconds(30),
-                    std::chrono::milliseconds modemPatience = std::chrono::seconds(10));
-  /// Ends the watcher by SIGTERM; what it has written.
+  /// Starts the watcher with short timeouts, and waits until it is ready.
+  void startWatcher(std::chrono::milliseconds performTimeout = std::chrono::seconds(30),
+                    std::chrono::milliseconds modemTimeout = std::chrono::seconds(10));
+  /// Ends the watcher by SIGTERM; returns its output.
   linux_platform::ProgramResult endWatcher();
-  /// Ends the watcher where it stands.
+  /// Kills the watcher.
   void killWatcher();
 
   /// Starts the Python program `script` of the clients' folder.
@@ -73,15 +74,15 @@ class WatchedPhone : public ::testing::Test {
   static std::filesystem::path settingsFile();
   static void signIn(const std::string& url);
 
-  /// The texts that ProcessSMSIntent was asked to perform, in order; an X stands for a call of
-  /// another shape, or one that began before the last had ended.
+  /// The texts that ProcessSMSIntent was called with, in order; an X is a call of another
+  /// signature, or one that began before the last had ended.
   [[nodiscard]] std::vector<std::string> handedOn();
-  /// Waits until there are `count` of them; all that there are.
+  /// Waits until there are `count` of them; returns all.
   std::vector<std::string> waitForHandedOn(std::size_t count);
   /// Whether the last of them has ended.
   bool lastIsAnswered();
-  /// Has the watcher hand on one message more, and waits for it: what came before it is then
-  /// decided. All that were handed on before.
+  /// Makes the watcher hand on one more message, and waits for it: all earlier messages are
+  /// processed then. Returns the texts that were handed on before.
   std::vector<std::string> handedOnBeforeOneMore();
 
   PrivatePhone phone;

@@ -35,7 +35,7 @@ class AWidgetProgram : public testing::Test {
     return runProgram({.program = phoneProgram(), .arguments = std::move(arguments)});
   }
 
-  // What the program shows on a terminal of its own with these variables.
+  // The output of the program on a terminal with these variables.
   static std::string shown(const std::optional<std::string>& terminal,
                            const std::optional<std::string>& noColour = std::nullopt) {
     return runProgram(
@@ -49,7 +49,7 @@ class AWidgetProgram : public testing::Test {
   testkit::PrivateFolders folders_;
 };
 
-TEST_F(AWidgetProgram, PrintsLinesOfNamesAndValuesInAPipe) {
+TEST_F(AWidgetProgram, PrintsLinesOfNamesAndValuesToAPipe) {
   EXPECT_EQ(run({"widget"}).output,
             "Today          $0.00\nExpenses       0\nRunning total  $0.00\n"
             "Waiting        0\nSigned in      no\n");
@@ -60,7 +60,7 @@ TEST_F(AWidgetProgram, ShowsAFrameWithBoldFiguresOnATerminal) {
   EXPECT_THAT(shown("xterm", ""), HasSubstr("\x1b[1m$0.00\x1b[0m"));
 }
 
-TEST_F(AWidgetProgram, ShowsNothingInBoldWhereNoColorIsSetOrTheTerminalCannot) {
+TEST_F(AWidgetProgram, PrintsNoBoldWithNoColorOrADumbTerminal) {
   for (const std::string& plain :
        {shown("xterm", "1"), shown("dumb"), shown(""), shown(std::nullopt)}) {
     EXPECT_THAT(plain, HasSubstr("│ Running total  $0.00      │\r\n"));
@@ -68,7 +68,7 @@ TEST_F(AWidgetProgram, ShowsNothingInBoldWhereNoColorIsSetOrTheTerminalCannot) {
   }
 }
 
-// Where the only program is a terminal, which notes what it is to run.
+// A PATH with only a terminal, which records the command that it is to run.
 class AWidgetWindow : public AWidgetProgram {
  protected:
   void haveTerminal() {
@@ -88,7 +88,7 @@ class AWidgetWindow : public AWidgetProgram {
                        .arguments = std::move(arguments),
                        .environment = {{"PATH", programs().string()}, {"TERMINAL", std::nullopt}}});
   }
-  // The words of the command that the terminal was to run, which is then forgotten.
+  // The arguments of the command that the terminal was to run; clears the record.
   std::vector<std::string> called() {
     testkit::eventually([this] { return std::filesystem::exists(noted()); });
     std::vector<std::string> words;
@@ -99,14 +99,14 @@ class AWidgetWindow : public AWidgetProgram {
   }
 };
 
-TEST_F(AWidgetWindow, OpensWithTheWatchedWidget) {
+TEST_F(AWidgetWindow, ShowsTheWidgetAndWatchesIt) {
   haveTerminal();
   const ProgramResult result = open({});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_THAT(called(), ElementsAre(phoneProgram(), "widget", "--watch"));
 }
 
-TEST_F(AWidgetWindow, OpensTheSameForEveryLinkOfKivo) {
+TEST_F(AWidgetWindow, OpensForEveryKivoLink) {
   haveTerminal();
   for (const char* const link : {"kivo-expenses://", "kivo-expenses:", "kivo-expenses:--help",
                                  "kivo-expenses://x --version\n$(reboot)"}) {
@@ -119,13 +119,13 @@ TEST_F(AWidgetWindow, OpensTheSameForEveryLinkOfKivo) {
   }
 }
 
-TEST_F(AWidgetWindow, OpensWithoutALinkAsAMenuAsksForIt) {
+TEST_F(AWidgetWindow, OpensWithoutALinkForADesktopMenu) {
   haveTerminal();
   EXPECT_EQ(open({"--"}).status, 0);
   EXPECT_THAT(called(), ElementsAre(phoneProgram(), "widget", "--watch"));
 }
 
-TEST_F(AWidgetWindow, OpensForNoOtherLink) {
+TEST_F(AWidgetWindow, RefusesOtherLinks) {
   haveTerminal();
   for (const char* const link : {"https://kivo.example", "file:///etc/passwd", "--watch", ""}) {
     const ProgramResult result = open({"--", link});
@@ -135,7 +135,7 @@ TEST_F(AWidgetWindow, OpensForNoOtherLink) {
   EXPECT_FALSE(std::filesystem::exists(noted()));
 }
 
-TEST_F(AWidgetWindow, SaysThatThereIsNoTerminal) {
+TEST_F(AWidgetWindow, ReportsThatThereIsNoTerminal) {
   const ProgramResult result = open({});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors,

@@ -1,4 +1,4 @@
-// The reload signal from the extension to whoever draws the widgets.
+// The reload signal from the extension to the programs that draw widgets.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ class AReload : public testing::Test {
   testkit::PrivatePhone phone;
 };
 
-TEST_F(AReload, IsHeardThoughItsSenderEndsAtOnce) {
+TEST_F(AReload, IsReceivedWhenItsSenderExitsAtOnce) {
   testkit::ReloadListener listener;
   {
     SessionBus bus;  // which still connects
@@ -31,7 +31,7 @@ TEST_F(AReload, IsHeardThoughItsSenderEndsAtOnce) {
   EXPECT_FALSE(listener.waitForReload(50ms));
 }
 
-TEST_F(AReload, IsHeardBeforeItsSenderEnds) {
+TEST_F(AReload, IsReceivedBeforeItsSenderExits) {
   testkit::ReloadListener listener;
   SessionBus bus;
   BusWidgetCenter center(bus);
@@ -41,7 +41,7 @@ TEST_F(AReload, IsHeardBeforeItsSenderEnds) {
   }
 }
 
-TEST_F(AReload, IsTheSignalThatOthersMaySend) {
+TEST_F(AReload, CanBeSentByOtherPrograms) {
   testkit::ReloadListener listener;
   const auto sent = linux_platform::runProgram(
       {.program = "gdbus",
@@ -69,7 +69,7 @@ TEST(WithoutASessionBus, AReloadIsDroppedAtOnce) {
   EXPECT_LE(Clock::now() - start, 300ms);
 }
 
-TEST(OnASilentBus, AReloadIsGivenUpAfterASecond) {
+TEST(OnASilentBus, AReloadTimesOutAfterASecond) {
   const testkit::PrivateFolders folders;
   const testkit::SilentSocket silent(folders.home() / "silent");
   const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());

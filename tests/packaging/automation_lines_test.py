@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs lines of docs/automation.md as they stand there. What only a phone has is a stand-in."""
+"""Runs commands of docs/automation.md unchanged, with fakes of the programs that only a phone has."""
 import json
 import os
 import pathlib
@@ -44,7 +44,7 @@ class AutomationLines(unittest.TestCase):
         self.assertEqual(self.run_lines("Any program that can pipe"), "Tracked EGP\u00a0150.00 at Cafe\n")
         self.assertEqual(self.kivo.backend.texts(1), [text])
 
-    def test_termux_hands_each_message_of_the_bank_over_once(self):
+    def test_termux_hands_over_each_bank_message_once(self):
         texts = ["first \\ \"'$(id)\n line ", "بمبلغ ١٨٬٥٠٠ 💳", "third\n"]
         inbox = [message(12, "MyBank", texts[1]), message(11, "Mother", "Call me"), message(9, "MyBank", texts[0])]
         self.stand_in("ssh", 'while [ "$1" != computer ]; do shift; done; shift; exec sh -c "$*"')
@@ -62,7 +62,7 @@ class AutomationLines(unittest.TestCase):
         self.run_lines("Termux, on an Android phone")
         self.assertEqual([one["sms_text"] for one in self.kivo.backend.requests], texts)
 
-    def test_kde_connect_hands_each_message_of_the_bank_over_once(self):
+    def test_kde_connect_hands_over_each_bank_message_once(self):
         texts = ["first\nline بمبلغ 💳 \\n $(id)", "second\n\n"]
         told = [(texts[0], "MyBank", 1, 12), ("Call me", "Mother", 1, 13), ("what I sent", "MyBank", 2, 14),
                 (texts[0], "MyBank", 1, 12), (texts[1], "MyBank", 1, 15)]

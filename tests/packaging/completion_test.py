@@ -55,7 +55,7 @@ class Completions(unittest.TestCase):
     def described(cls, program):
         return json.loads(cls.kivo.run(program, "--describe"))
 
-    def test_what_is_expected_is_what_a_person_would(self):
+    def test_the_expected_words_are_complete(self):
         self.assertEqual(self.expected["kivo-notification-center"], {"--": {"--help", "--version"}})
         phone = self.expected["kivo-phone"]
         self.assertEqual(phone["notifications "],
@@ -75,7 +75,7 @@ class Completions(unittest.TestCase):
         self.assertEqual(intents["say "], set(phrases))
         self.assertEqual(len(intents["say "]), len(phrases))
 
-    def test_a_description_has_the_commands_and_options_of_the_help(self):
+    def test_a_description_lists_the_commands_and_options_of_the_help(self):
         for program in PROGRAMS:
             described = {(name, one["name"]) for name, command in commands(self.described(program)).items()
                          for one in command["parameters"] if one["name"].startswith("--")}
@@ -92,7 +92,7 @@ class Completions(unittest.TestCase):
             found |= self.helped(program, f"{command} {word}".strip())
         return found
 
-    def test_fish_offers_what_is_declared(self):
+    def test_fish_completes_the_declared_words(self):
         for program in PROGRAMS:
             for words, offered in self.expected[program].items():
                 with self.subTest(program=program, words=words):
@@ -108,7 +108,7 @@ class Completions(unittest.TestCase):
                                  text=True, timeout=60).stdout
         return {line.split("\t")[0] for line in printed.splitlines()}
 
-    def test_bash_offers_what_is_declared(self):
+    def test_bash_completes_the_declared_words(self):
         shell = Terminal(["bash", "--norc", "--noprofile", "-i"], self.kivo.environment)
         self.addCleanup(shell.close)
         files = [str(self.share / "bash-completion/completions" / program) for program in PROGRAMS]
@@ -118,7 +118,7 @@ class Completions(unittest.TestCase):
         self.assertEqual(self.words(shell, "kivo-intents", "say 'Log ", "\t"), ["say", "Log expense to Kivo"])
         self.assertEqual(self.words(shell, "kivo-phone", "queue drop 1 ", "\t"), ["queue", "drop", "1", "--yes"])
 
-    def test_zsh_offers_what_is_declared(self):
+    def test_zsh_completes_the_declared_words(self):
         shell = Terminal(["zsh", "-f", "-i"], self.kivo.environment)
         self.addCleanup(shell.close)
         shell.type(f"unsetopt zle_bracketed_paste prompt_sp; fpath=({self.share}/zsh/vendor-completions $fpath);"

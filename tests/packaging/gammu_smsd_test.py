@@ -80,7 +80,7 @@ checksignal = 0
         words = " ".join(f"'{sender}'" for sender in senders)
         return f"exec {PREFIX / HANDLER} {words} -- #"
 
-    def test_hands_over_the_messages_of_the_named_senders_whole(self):
+    def test_hands_over_whole_messages_of_the_named_senders(self):
         long_text = "card 💳 " + ARABIC * 4
         split_emoji = "x" * 66 + "💳 paid\n\n"
         latin = "Your card was charged € 150.00 at @Café; $(id) `id` \"q\" 'q' \\ %s \n done\n"
@@ -92,12 +92,12 @@ checksignal = 0
             self.assertEqual(self.kivo.backend.texts(3), sorted([long_text, split_emoji, latin]))
         self.assertNotIn("charged", self.log())
 
-    def test_hands_over_each_part_that_came_of_a_message_that_stays_incomplete(self):
+    def test_hands_over_the_received_parts_of_an_incomplete_message(self):
         messages = parts("MyBank", "A" * 67 + "B" * 67 + "C" * 9, 3)
         with self.daemon([messages[0], messages[2]], self.handler("MyBank")):
             self.assertEqual(self.kivo.backend.texts(2), ["A" * 67, "C" * 9])
 
-    def test_hands_over_no_part_of_another_sender_that_has_the_reference_of_a_banks(self):
+    def test_hands_over_no_part_of_another_sender_with_the_same_reference(self):
         bank, mother = parts("MyBank", "A" * 67 + "B" * 9, 3), parts("Mother", "C" * 67 + "D" * 9, 3)
         for name, messages, expected in [("first", [bank[0], mother[1]], "A" * 67), ("second", [mother[0], bank[1]], "B" * 9)]:
             with self.subTest(name):
@@ -105,11 +105,11 @@ checksignal = 0
                 with self.daemon(messages, self.handler("MyBank")):
                     self.assertEqual(self.kivo.backend.texts(1), [expected])
 
-    def test_takes_no_sender_for_the_dashes_that_end_the_senders(self):
+    def test_ignores_a_sender_named_like_the_end_of_options(self):
         with self.daemon([message("--", units("attack")), message("MyBank", units("after it"))], self.handler("MyBank")):
             self.assertEqual(self.kivo.backend.texts(1), ["after it"])
 
-    def test_runs_nothing_that_a_sender_is_named_after(self):
+    def test_runs_no_shell_command_in_the_name_of_a_sender(self):
         attacks = ["a;>pwned", "a|>pwned", "$(>pwned)", "a\n>pwned\n", "& >pwned #", "*"]
         messages = [message(sender, units("attack")) for sender in attacks]
         with self.daemon(messages + [message("MyBank", units("after it"))], self.handler("MyBank")):
@@ -117,7 +117,7 @@ checksignal = 0
         self.assertEqual(self.log().count("Starting run on receive"), len(attacks) + 1)
         self.assertEqual([found.name for found in self.folder.rglob("pwned")], [])
 
-    def test_hands_nothing_over_where_the_shell_would_read_the_sender(self):
+    def test_refuses_a_handler_line_that_passes_the_sender_to_the_shell(self):
         unsafe = self.handler("MyBank").removesuffix(" #")
         with self.daemon([message("MyBank", units("text"))], unsafe):
             self.assertEqual(self.kivo.backend.texts(1, seconds=8), [])

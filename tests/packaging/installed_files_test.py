@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Has each installed file judged by the tool that knows its kind."""
+"""Checks each installed file with the tool for its format."""
 import configparser
 import gzip
 import os
@@ -40,7 +40,7 @@ class InstalledFiles(unittest.TestCase):
         cls.services = sorted((cls.share / "dbus-1/services").iterdir())
         cls.units = PREFIX / "lib/systemd/user"
 
-    def test_the_programs_are_there_and_look_for_no_library_beside_the_systems(self):
+    def test_the_programs_are_installed_without_a_library_search_path(self):
         names = {program.name for program in self.programs}
         self.assertIn(names, [PROGRAMS, PROGRAMS - {"kivo-sms-watcher"}])
         for program in self.programs:
@@ -48,7 +48,7 @@ class InstalledFiles(unittest.TestCase):
             self.assertIn("NEEDED", dynamic)
             self.assertNotRegex(dynamic, "RPATH|RUNPATH")
 
-    def test_the_desktop_knows_the_application(self):
+    def test_the_desktop_entry_is_valid(self):
         desktop = self.share / "applications/app.kivo.expenses.desktop"
         self.assertEqual(judge("desktop-file-validate", "--warn-kde", desktop), ("", 0))
         entry = unit_file(desktop)["Desktop Entry"]
@@ -60,13 +60,13 @@ class InstalledFiles(unittest.TestCase):
         self.assertEqual(entry["Exec"].split()[1:], ["open", "--", "%u"])
         self.assertEqual(entry["Terminal"], "false")
 
-    def test_the_icon_can_be_drawn(self):
+    def test_the_icon_can_be_rendered(self):
         icon = self.share / "icons/hicolor/scalable/apps/app.kivo.expenses.svg"
         drawn = pathlib.Path(self.kivo.folder) / "icon.png"
         self.assertEqual(judge("rsvg-convert", "--width", "64", icon, "--output", drawn), ("", 0))
         self.assertGreater(drawn.stat().st_size, 500)
 
-    def test_the_icon_is_there_for_desktops_that_draw_no_svg(self):
+    def test_the_icon_is_installed_as_png_in_all_sizes(self):
         icons = self.share / "icons/hicolor"
         sizes = {path.parents[1].name: path for path in icons.rglob("apps/app.kivo.expenses.png")}
         self.assertEqual(set(sizes), {f"{side}x{side}" for side in (16, 22, 24, 32, 48, 64, 128, 256)})
@@ -77,13 +77,13 @@ class InstalledFiles(unittest.TestCase):
             self.assertEqual(f"{width}x{height}", size)
             self.assertNotIn(b"tIME", content)  # the same bytes each time
 
-    def test_software_centers_know_the_application(self):
+    def test_the_metadata_for_software_centers_is_valid(self):
         said, status = judge("appstreamcli", "validate", "--no-net", "--pedantic",
                              self.share / "metainfo/app.kivo.expenses.metainfo.xml")
         self.assertEqual(status, 0, said)
         self.assertNotRegex(said, r"(?m)^[EW]:")
 
-    def test_each_program_has_a_manual_page_that_tells_of_every_command_and_option(self):
+    def test_each_manual_page_describes_every_command_and_option(self):
         for program in self.programs:
             page = self.share / f"man/man1/{program.name}.1.gz"
             source = gzip.decompress(page.read_bytes()).decode()
@@ -103,7 +103,7 @@ class InstalledFiles(unittest.TestCase):
             found |= {name} | self.offered(program, (*command, name))
         return found
 
-    def test_the_service_manager_takes_the_units(self):
+    def test_the_systemd_units_are_valid(self):
         units = [unit for unit in self.units.iterdir() if unit.is_file()]
         self.assertGreaterEqual(len(units), 2)
         for unit in units:
@@ -121,7 +121,7 @@ class InstalledFiles(unittest.TestCase):
                        "XDG_RUNTIME_DIR": str(self.kivo.folder), "SYSTEMD_UNIT_PATH": folders}
         return judge("systemd-analyze", "verify", "--user", "--man=no", unit, env=environment)
 
-    def test_bus_and_service_manager_start_the_same(self):
+    def test_the_bus_and_systemd_start_the_same_programs(self):
         self.assertEqual(len(self.services), 2)
         for file in self.services:
             service = unit_file(file)["D-BUS Service"]
@@ -131,13 +131,13 @@ class InstalledFiles(unittest.TestCase):
             self.assertEqual(service["Exec"].replace('"', ""), unit["ExecStart"])
             self.assertIn(pathlib.Path(unit["ExecStart"].split()[0]), self.programs)
 
-    def test_what_opens_links_is_not_confined(self):
+    def test_the_unit_that_opens_links_is_not_sandboxed(self):
         # A browser that it starts would inherit that, and would end with it.
         unit = unit_file(self.units / "kivo-notification-center.service")["Service"]
         self.assertEqual(set(unit), {"Type", "BusName", "ExecStart", "KillMode", "UMask"})
         self.assertEqual(unit["KillMode"], "process")
 
-    def test_the_watcher_runs_for_whoever_names_senders(self):
+    def test_the_watcher_starts_for_every_user(self):
         if not (PREFIX / "bin/kivo-sms-watcher").exists():
             self.skipTest("this build has no watcher")
         for name in ("kivo-sms-watcher.service", "kivo-sms-watcher.path"):
@@ -153,7 +153,7 @@ class InstalledFiles(unittest.TestCase):
         families = [line for line in lines if line.startswith("RestrictAddressFamilies=")]
         self.assertEqual(families[-2:], ["RestrictAddressFamilies=", "RestrictAddressFamilies=AF_UNIX"])
 
-    def test_permissions_are_not_what_the_umask_said(self):
+    def test_permissions_do_not_depend_on_the_umask(self):
         found = sorted(PREFIX.rglob("*"))  # installed under 077
         self.assertGreater(len(found), 40)
         for path in found:

@@ -1,5 +1,5 @@
-"""The installed Kivo in $KIVO_INSTALLED, with a home of its own and a backend on loopback that it is
-signed in to. Uses nobody's home, bus or network."""
+"""The installed Kivo in $KIVO_INSTALLED, with a private home and a sign-in at a loopback backend.
+Does not use the home, bus or network of the user."""
 import contextlib
 import os
 import pathlib

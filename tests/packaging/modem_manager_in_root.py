@@ -1,4 +1,4 @@
-"""A system bus at a socket in a folder, and on it what stands in for ModemManager."""
+"""A system bus at a socket in a folder, with a fake ModemManager."""
 import json
 import os
 import pathlib

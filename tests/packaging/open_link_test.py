@@ -38,14 +38,14 @@ class AnOpenedLink(unittest.TestCase):
         self.desktop.click(notification)
         self.expect_widget()
 
-    def test_the_window_closes_when_the_widget_is_ended(self):
+    def test_the_window_closes_when_the_widget_ends(self):
         self.track()
         self.desktop.launch("gio", "open", "kivo-expenses://")
         self.expect_widget()
         self.desktop.press("ctrl+c", *self.desktop.windows("XTerm"))
         wait_for(lambda: not self.desktop.windows("XTerm"), "the terminal is closed")
 
-    def test_a_desktop_of_its_own_opener_shows_the_widget(self):
+    def test_a_desktop_with_its_own_opener_shows_the_widget(self):
         self.track()
         self.desktop.launch("gio", "open", "kivo-expenses://")
         self.expect_widget()
@@ -55,7 +55,7 @@ class AnOpenedLink(unittest.TestCase):
         self.desktop.launch("gio", "launch", self.desktop.entry)
         self.expect_widget()
 
-    def test_a_link_from_elsewhere_brings_no_options_with_it(self):
+    def test_a_foreign_link_cannot_pass_options(self):
         self.track()
         made = self.desktop.home / "made"
         self.desktop.launch("xdg-open", f"kivo-expenses:x --version $(touch {made}) `touch {made}`; touch {made}")

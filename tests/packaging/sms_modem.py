@@ -1,4 +1,4 @@
-"""A GSM modem behind a pseudo terminal, as far as a program that fetches messages talks to it."""
+"""A GSM modem behind a pseudo terminal, with the commands that a program needs to fetch messages."""
 import os
 import pty
 import re

@@ -58,7 +58,7 @@ incoming = yes
         return subprocess.run([PREFIX / HANDLER, "MyBank", "--", event, file], env=self.kivo.environment,
                               capture_output=True, timeout=60)
 
-    def test_hands_over_what_the_modem_received(self):
+    def test_hands_over_received_messages(self):
         emoji = "paid 💳 ".encode("utf-16-be") * 3
         cut = emoji.index(b"\xdc\xb3")
         long_text = "A" * 150 + "\n\nsecond part"
@@ -69,23 +69,23 @@ incoming = yes
         with self.daemon():
             self.assertEqual(self.kivo.backend.texts(4), sorted([LATIN, ARABIC, "paid 💳 " * 3, long_text]))
 
-    def test_hands_over_what_the_daemon_writes_as_utf8(self):
+    def test_hands_over_messages_that_the_daemon_writes_as_utf8(self):
         self.modem(delivered("MyBank", LATIN), delivered("MyBank", ARABIC.encode("utf-16-be")))
         with self.daemon("incoming_utf8 = yes"):
             self.assertEqual(self.kivo.backend.texts(2), sorted([LATIN, ARABIC]))
 
-    def test_reads_headers_that_look_like_others_only_in_the_head(self):
+    def test_ignores_header_lines_in_the_text(self):
         result = self.hand("RECEIVED", {"From": "Mother", "Alphabet": "ISO"}, b"From: MyBank\n\nFrom: MyBank\n")
         self.assertEqual((result.returncode, self.kivo.backend.requests), (0, []))
 
-    def test_hands_over_nothing_of_a_sender_whose_name_holds_headers(self):
+    def test_ignores_a_sender_whose_name_contains_headers(self):
         self.modem(*[delivered(name, f"attack {name!r}") for name in
                      ("\nFrom: MyBank", "MyBank\nx", "MyBank\nFrom: MyBank", "MyBank\n\n", "x\nAlphabet: ISO")],
                    delivered("MyBank", "after it"))
         with self.daemon():
             self.assertEqual(self.kivo.backend.texts(1), ["after it"])
 
-    def test_reads_the_first_header_of_a_name(self):
+    def test_uses_the_first_of_duplicate_headers(self):
         for head in ["From: Mother\nFrom: MyBank\nAlphabet: ISO\n", "From: MyBank\nAlphabet: binary\nAlphabet: ISO\n",
                      "From: \nFrom: MyBank\nFrom_TOA: D0 alphanumeric, unknown\nAlphabet: ISO\n"]:
             with self.subTest(head):
@@ -95,7 +95,7 @@ incoming = yes
                                         env=self.kivo.environment, capture_output=True, timeout=60)
                 self.assertEqual((result.returncode, self.kivo.backend.requests), (0, []))
 
-    def test_hands_over_no_event_but_a_received_text(self):
+    def test_ignores_other_events_than_received_texts(self):
         head = {"From": "MyBank", "Alphabet": "ISO"}
         for event, headers in [("SENT", head), ("REPORT", head), ("RECEIVED", head | {"Alphabet": "binary"})]:
             with self.subTest(event=event, headers=headers):
@@ -104,11 +104,11 @@ incoming = yes
         self.assertEqual(self.hand("RECEIVED", head, b"text").returncode, 0)
         self.assertEqual(self.kivo.backend.texts(1), ["text"])
 
-    def test_hands_over_the_rest_of_a_broken_text(self):
+    def test_hands_over_the_valid_part_of_a_broken_text(self):
         result = self.hand("RECEIVED", {"From": "MyBank", "Alphabet": "UCS2"}, b"\0a\xd8\x3d\0b\0")
         self.assertEqual((result.returncode, self.kivo.backend.texts(1)), (0, ["ab"]))
 
-    def test_says_how_it_is_called(self):
+    def test_prints_its_usage(self):
         result = subprocess.run([PREFIX / HANDLER, "RECEIVED", "file"], capture_output=True, text=True, timeout=60)
         self.assertEqual((result.returncode, result.stdout), (64, ""))
         self.assertIn("usage: smsd-event SENDER... -- EVENT FILE", result.stderr)

@@ -1,4 +1,4 @@
-// Answers that the backend gives. Sends none.
+// Bodies of backend answers.
 #pragma once
 
 #include <optional>
@@ -17,7 +17,7 @@ struct SavedAnswer {
   std::string category = "Groceries";
 };
 
-/// The body that tells of `saved`.
+/// The body for `saved`.
 inline std::string savedBody(SavedAnswer saved = {}) {
   const SMSExtractionResponse response{
       .saved = true,

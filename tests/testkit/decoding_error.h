@@ -1,4 +1,4 @@
-// Catches the error of a reading that has to fail. Judges no error.
+// Catches the error of a decoding that must fail.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace kivo::testkit {
 
-/// The DecodingError that `reading`, any callable, throws. The test has failed when it throws none.
+/// The DecodingError that the callable `reading` throws. The test fails when it throws none.
 template <typename Reading>
 platform::DecodingError decodingErrorOf(Reading reading) {
   try {

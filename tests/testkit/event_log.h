@@ -1,4 +1,4 @@
-// What happened on the phone, in order, with what the store held then. Makes nothing happen.
+// The events on the phone in order, each with the contents of the store at that moment.
 #pragma once
 
 #include <functional>
@@ -14,10 +14,10 @@
 
 namespace kivo::testkit {
 
-/// All that the shared store holds, as another process sees it.
+/// The contents of the shared store, as another process sees them.
 using StoreContents = std::map<std::string, platform::UserDefaults::Value>;
 
-/// What lies under `key`; none when that is absent or of the other kind.
+/// The value of `key`; absent when there is none or it has the other type.
 std::optional<std::string> textIn(const StoreContents& contents, StoreKey key);
 std::optional<double> floatIn(const StoreContents& contents, StoreKey key);
 
@@ -25,20 +25,20 @@ std::optional<double> floatIn(const StoreContents& contents, StoreKey key);
 /// read) or "notification" (one was handed over).
 struct Event {
   std::string what;
-  /// What was durable at that moment.
+  /// The contents of the store at that moment, as another process sees them.
   StoreContents store;
 };
 
-/// Usable from any thread.
+/// Thread-safe.
 class EventLog {
  public:
-  /// `look` tells what the store holds.
+  /// `look` returns the contents of the store.
   explicit EventLog(std::function<StoreContents()> look) : look_(std::move(look)) {}
 
   void add(std::string what);
 
   [[nodiscard]] std::vector<Event> events() const;
-  /// The events' names alone.
+  /// The names of the events.
   [[nodiscard]] std::vector<std::string> names() const;
   /// The first event called `name`; throws when there is none.
   [[nodiscard]] Event first(const std::string& name) const;

@@ -1,4 +1,4 @@
-// The real kivo-intents in private folders beside a loopback backend. Has no session bus.
+// The real kivo-intents in private folders with a loopback backend and without a session bus.
 #pragma once
 
 #include <atomic>
@@ -18,12 +18,12 @@
 
 namespace kivo::testkit {
 
-/// A backend that answers as it is told and remembers what it was asked.
+/// A backend with scripted answers that records its requests.
 class ToldBackend {
  public:
   using Answer = HttpAnswer;
 
-  /// What the next requests are answered with.
+  /// The answer to the next requests.
   void answers(int status, std::string body) {
     const std::lock_guard lock(mutex_);
     answer_ = {.status = status, .body = std::move(body)};
@@ -48,36 +48,36 @@ class ToldBackend {
   }};
 };
 
-/// A body that tells of a saved transaction.
+/// The body for a saved transaction.
 std::string savedAnswer(const std::string& type, const std::string& category = "Groceries");
 
 class ExtensionProgram : public ::testing::Test {
  protected:
   [[nodiscard]] std::string programFile() const;
-  /// How the program is called with `arguments`.
+  /// The call of the program with `arguments`.
   [[nodiscard]] linux_platform::ProgramCall call(std::vector<std::string> arguments,
                                                  std::string input = "") const;
   [[nodiscard]] linux_platform::ProgramResult run(std::vector<std::string> arguments,
                                                   std::string input = "") const;
-  /// Runs the program on a terminal of its own, typing `typed`; its output and its errors come
-  /// together, as a person sees them, with what was typed.
+  /// Runs the program on a pseudo-terminal, typing `typed`. Its output contains the errors and the
+  /// echo of the typed text.
   [[nodiscard]] linux_platform::ProgramResult onTerminal(const std::string& arguments,
                                                          const std::string& typed) const;
   /// Expects exit status 64, the help with `line` in it on standard error, and no output.
   void expectHelpInsteadOfCommand(const std::vector<std::string>& arguments,
                                   const std::string& line) const;
-  /// Signs somebody in, and expects that the program, called so, complains of `error` in one line,
-  /// answers and sends nothing and stores nothing.
+  /// Signs in, and expects that the program, called so, prints `error` in one line, prints no
+  /// answer, and sends and stores nothing.
   void expectUsageError(const std::vector<std::string>& arguments, const std::string& error,
                         const std::string& input = "");
-  /// The same for a program that has ended and may have asked or repeated something before.
+  /// The same for a program that has ended and may have prompted or echoed something before.
   void expectNothingSentOrStored();
   /// Expects that `result` is `output` and a line break, with nothing on standard error.
   static void expectAnswered(const linux_platform::ProgramResult& result,
                              const std::string& output);
   /// The text member `key` of each request's body.
   [[nodiscard]] std::vector<std::string> sent(const std::string& key) const;
-  /// What the store holds under `key`; "-" for none.
+  /// The stored value of `key`; "-" for none.
   [[nodiscard]] std::string text(StoreKey key) const;
 
   /// Performs ProcessSMSIntent on `text`, given on standard input.

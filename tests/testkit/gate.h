@@ -1,5 +1,4 @@
-// Holds tasks back until a test lets them go on, so that runs can be made to overlap. Blocks no
-// worker.
+// Holds tasks until a test releases them, so that runs overlap. Blocks no worker.
 #pragma once
 
 #include <condition_variable>
@@ -12,23 +11,23 @@
 
 namespace kivo::testkit {
 
-/// Open at first. Usable from any thread; must outlive the tasks that come to it.
+/// Open at first. Thread-safe; must outlive the tasks that reach it.
 class Gate {
  public:
   /// From now on tasks are held.
   void close();
-  /// Lets all go on, those held and those to come.
+  /// Releases all tasks, the held ones and later ones.
   void open();
-  /// Lets the task go on that has been held longest; there must be one.
+  /// Releases the task that has been held longest; there must be one.
   void letOneThrough();
 
-  /// Blocks the calling thread until, in all, `count` tasks have come while it was closed; stops
-  /// the process when that takes more than 60 s.
+  /// Blocks the calling thread until `count` tasks in total have reached the closed gate; aborts
+  /// after 60 s.
   void waitForArrivals(std::size_t count);
 
-  /// Suspends the calling task until it may go on, cancelled or not.
+  /// Suspends the calling task until it is released, cancelled or not.
   platform::Task<void> pass();
-  /// As `pass`, but ends at once when the task is cancelled, before or meanwhile: false then.
+  /// As `pass`, but returns false at once when the task is or becomes cancelled.
   platform::Task<bool> passUnlessCancelled();
 
  private:

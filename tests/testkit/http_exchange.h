@@ -1,4 +1,4 @@
-// Runs single exchanges of the platform's HTTP session in a test. Judges no answer.
+// Runs single exchanges of the platform's HTTP session in a test.
 #pragma once
 
 #include <chrono>
@@ -13,7 +13,7 @@ namespace kivo::testkit {
 
 using Failure = platform::URLError::Code;
 
-/// How an exchange ended: with an answer or with a failure, never both.
+/// The outcome of an exchange: an answer or a failure, never both.
 struct Outcome {
   std::optional<platform::URLAnswer> answer;
   std::optional<Failure> failure;
@@ -25,17 +25,17 @@ struct Outcome {
   [[nodiscard]] std::string body() const { return answer ? answer->data : "no answer"; }
 };
 
-/// A POST of `body` to `url`, which must parse, that may take `limit`.
+/// A POST of `body` to `url`, which must parse, with the timeout `limit`.
 platform::URLRequest post(const std::string& url, std::string body = "{}",
                           std::chrono::milliseconds limit = std::chrono::seconds(10));
 
-/// An exchange under way on the tests' executor. Its session must outlive it.
+/// A running exchange on the executor of the tests. Its session must outlive it.
 class RunningExchange {
  public:
   RunningExchange(platform::URLSession& session, platform::URLRequest request);
   /// Cancels the task that waits for the exchange.
   void cancel() { task_.cancel(); }
-  /// Waits for its end, which has to come within 60 s.
+  /// Waits for its end, which must come within 60 s.
   Outcome wait();
 
  private:

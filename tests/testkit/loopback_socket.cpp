@@ -79,7 +79,7 @@ SilentPort::~SilentPort() {
   for (const int each : sockets_) close(each);
 }
 
-// Bound, so that nobody else gets the port, but not listening.
+// Bound, so that no other program gets the port, but not listening.
 RefusedPort::RefusedPort(const std::string& address, std::uint16_t port)
     : socket_(boundSocket(Address(address, port))), port_(portOf(socket_)) {}
 

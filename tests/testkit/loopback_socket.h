@@ -1,4 +1,4 @@
-// Sockets of the loopback interface that listen, stay silent or refuse. Serves nothing.
+// Loopback sockets that listen, stay silent or refuse connections.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ int listeningSocket(const std::string& address, std::uint16_t port, int backlog)
 /// The port that `socket` is bound to.
 std::uint16_t portOf(int socket);
 
-/// A port on which connections are neither taken nor refused, while it lives.
+/// While it lives, a port on which connections are neither accepted nor refused.
 class SilentPort {
  public:
   explicit SilentPort(const std::string& address = "127.0.0.1", std::uint16_t port = 0);
@@ -28,7 +28,7 @@ class SilentPort {
   std::uint16_t port_;
 };
 
-/// A port on which connections are refused, while it lives.
+/// While it lives, a port on which connections are refused.
 class RefusedPort {
  public:
   explicit RefusedPort(const std::string& address = "127.0.0.1", std::uint16_t port = 0);

@@ -1,4 +1,4 @@
-// A second process that takes its steps together with a test. Runs no other program.
+// A second process that runs in step with a test.
 #pragma once
 
 #include <array>
@@ -9,28 +9,28 @@
 
 namespace kivo::testkit {
 
-/// A copy of this process that runs a function. To be started while this process has no store
-/// open: SQLite does not survive a fork.
+/// A fork of this process that runs a function. Start it while this process has no store open:
+/// SQLite does not survive a fork.
 class OtherProcess {
  public:
-  /// Starts the process; its exit status is 0 when `work` yields true, else 1.
+  /// Starts the process; its exit status is 0 when `work` returns true, else 1.
   explicit OtherProcess(const std::function<bool(OtherProcess&)>& work);
   /// Kills it if it still runs.
   ~OtherProcess();
   OtherProcess(const OtherProcess&) = delete;
   OtherProcess& operator=(const OtherProcess&) = delete;
 
-  /// In the other process: says that it has come this far.
+  /// In the other process: reports that it reached this point.
   void reached();
-  /// In the other process: waits until the test goes on, for at most `limit`.
+  /// In the other process: waits for `goOn` of the test, for at most `limit`.
   void waitForTest(std::chrono::milliseconds limit = std::chrono::seconds(60));
 
-  /// In the test: waits until the other process says `reached`, for at most 60 s.
+  /// In the test: waits for `reached` of the other process, for at most 60 s.
   void waitForIt();
-  /// In the test: lets the other process go on.
+  /// In the test: lets the other process continue.
   void goOn();
 
-  /// In the test: its status as waitpid gives it, once it has ended.
+  /// In the test: waits for its end; returns its status as waitpid gives it.
   int end();
   /// The same, after SIGKILL.
   int kill();

@@ -1,4 +1,4 @@
-// Surroundings of a test that nobody else shares. Starts no program.
+// Private folders and environment variables of a test.
 #pragma once
 
 #include <filesystem>
@@ -8,7 +8,7 @@
 
 namespace kivo::testkit {
 
-/// A temporary folder, removed with all that is in it.
+/// A temporary folder, removed with its contents.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -22,7 +22,7 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-/// Sets a variable of this process's environment, or removes it, until the end of its life.
+/// Sets or removes an environment variable of this process while it lives.
 class ScopedVariable {
  public:
   ScopedVariable(std::string name, const std::optional<std::string>& value);
@@ -35,9 +35,9 @@ class ScopedVariable {
   std::optional<std::string> before_;
 };
 
-/// A home folder of its own, with XDG_DATA_HOME and the like inside it, for this process and, by
-/// `environment`, for programs that it starts. There is no session bus in it, the locale is
-/// en_US.UTF-8 and the time zone UTC.
+/// A private home folder, with XDG_DATA_HOME and the like inside it, for this process and, by
+/// `environment`, for programs that it starts. It has no session bus, the locale en_US.UTF-8 and
+/// the time zone UTC.
 class PrivateFolders {
  public:
   PrivateFolders();
@@ -46,11 +46,11 @@ class PrivateFolders {
   PrivateFolders& operator=(const PrivateFolders&) = delete;
 
   [[nodiscard]] const std::filesystem::path& home() const { return home_.path(); }
-  /// What XDG_DATA_HOME names.
+  /// The value of XDG_DATA_HOME.
   [[nodiscard]] std::filesystem::path dataHome() const { return home() / "data"; }
-  /// The shared store's file.
+  /// The file of the shared store.
   [[nodiscard]] std::filesystem::path storeFile() const;
-  /// The variables that make these folders a program's own; none removes one.
+  /// The variables that give a program these folders; none removes one.
   [[nodiscard]] std::map<std::string, std::optional<std::string>> environment() const;
 
  private:

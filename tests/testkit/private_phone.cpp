@@ -33,7 +33,7 @@ bool isCenter(pid_t process) {
   return std::string("kivo-notification-center").starts_with(name) && !name.empty();
 }
 
-// Whether the process is no more, or at least has ended though whoever inherited it has not looked
+// Whether the process has ended, though its parent may not have waited for it
 // yet: "1234 (name) Z ...".
 bool isOver(pid_t process) {
   std::string line;
@@ -54,7 +54,7 @@ PrivatePhone::PrivatePhone(const std::filesystem::path& services)
 }
 
 PrivatePhone::~PrivatePhone() {
-  // Also one that a test has stopped, and that would outlive its bus.
+  // Also one that a test has stopped; it would outlive its bus.
   if (!center_ && bus_)
     center_ = processOf(linux_platform::notification_center_interface::object.service);
   if (!center_ || !isCenter(*center_)) return;

@@ -1,5 +1,5 @@
-// A phone of a test's own: private folders and a private session bus that starts the programs of
-// this build tree. Shows nothing: a test brings its own display.
+// A private phone: folders and a session bus that starts the programs of this build tree. A test
+// adds its own display of notifications.
 #pragma once
 
 #include <chrono>
@@ -19,12 +19,12 @@ namespace kivo::testkit {
 
 class PrivatePhone {
  public:
-  /// Has the services of this build tree. The folder of a stand-in for xdg-open comes first in
-  /// PATH; it notes what it is asked to open.
+  /// Has the services of this build tree. A fake xdg-open comes first in PATH; it records the links
+  /// that it is to open.
   PrivatePhone();
   /// Has the services that the files in `services` describe instead.
   explicit PrivatePhone(const std::filesystem::path& services);
-  /// Ends the bus, and the notification center if it is still there.
+  /// Ends the bus, and the notification center if it still runs.
   ~PrivatePhone();
   PrivatePhone(const PrivatePhone&) = delete;
   PrivatePhone& operator=(const PrivatePhone&) = delete;
@@ -32,8 +32,8 @@ class PrivatePhone {
   [[nodiscard]] PrivateFolders& folders() { return folders_; }
   [[nodiscard]] const std::string& address() const { return bus_->address(); }
 
-  /// Calls a method from another process, as a foreign program does; `arguments` in GVariant's
-  /// text form. Status 0 with the reply's text, or an error's words on its standard error.
+  /// Calls a method from another process, as a foreign program does; `arguments` in the text format
+  /// of GVariant. Status 0 with the text of the reply, or an error message on its standard error.
   linux_platform::ProgramResult call(const std::string& service, const std::string& path,
                                      const std::string& method,
                                      std::vector<std::string> arguments = {});
@@ -41,16 +41,16 @@ class PrivatePhone {
   linux_platform::ProgramResult callCenter(const std::string& method,
                                            std::vector<std::string> arguments);
 
-  /// The process that has `service`'s name on the bus; none when nobody has it.
+  /// The process that owns the bus name `service`; absent when there is none.
   std::optional<pid_t> processOf(const std::string& service);
-  /// The process of the notification center, which is started if need be.
+  /// The process of the notification center, started if necessary.
   pid_t startCenter();
-  /// Kills the process of the notification center and waits until its name is free.
+  /// Kills the notification center and waits until its bus name is free.
   void killCenter();
-  /// Waits until that process has ended, for at most 10 s; whether it has.
+  /// Waits until the process has ended, for at most 10 s; returns whether it has.
   static bool hasEnded(pid_t process);
 
-  /// The links that were opened, a line each, once there are `count` of them or 5 s are over.
+  /// The opened links, one per line, once there are `count` of them or after 5 s.
   std::vector<std::string> openedLinks(std::size_t count);
 
   /// The process of the bus.
@@ -66,8 +66,8 @@ class PrivatePhone {
   std::optional<pid_t> center_;
 };
 
-/// Waits until `condition` holds, looking every few milliseconds, for at most `limit`; whether it
-/// does.
+/// Polls `condition` every few milliseconds until it holds, for at most `limit`; returns whether it
+/// holds.
 template <typename Condition>
 bool eventually(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
   const auto end = std::chrono::steady_clock::now() + limit;

@@ -1,4 +1,4 @@
-// A system bus of a test's own, under the policy that Debian gives the real one.
+// A private system bus under the default policy of Debian.
 #pragma once
 
 #include <memory>
@@ -9,8 +9,9 @@
 
 namespace kivo::testkit {
 
-/// Every user may connect and send signals. Only this user may own ModemManager's name and call it;
-/// only `nobody` may own `otherUsersName`, which everybody may call. Nobody else may call anybody.
+/// Every user may connect and send signals. Only this user may own the name of ModemManager and
+/// call it. Only the user `nobody` may own `otherUsersName`, which every user may call. All other
+/// calls are denied.
 class PrivateSystemBus {
  public:
   static constexpr const char* otherUsersName = "org.example.OtherUser";

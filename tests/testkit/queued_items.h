@@ -1,4 +1,4 @@
-// Items of the offline queue for tests. Stores none.
+// Items of the offline queue for tests.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace kivo::testkit {
 
-/// An item of an earlier day, with a text of its own.
+/// An item of an earlier day, with its own text.
 inline PendingSmsItem queuedItem(const std::string& id, std::int64_t retryCount = 0) {
   return {.id = id,
           .smsText = "text " + id,

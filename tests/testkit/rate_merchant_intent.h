@@ -1,5 +1,5 @@
-// An intent that the extension does not have, for tests that a further one is one class and one
-// line of registration. Sends and stores nothing.
+// An intent that the extension does not have, for tests that an additional intent needs one class
+// and one line of registration.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,8 @@
 
 namespace kivo::testkit {
 
-/// Answers what it was given. Has all that a parameter can have, and one of another intent's name.
+/// Answers its parameters. Uses every setting of a parameter, and shares a parameter name with
+/// another intent.
 class RateMerchantIntent : public platform::AppIntent {
  public:
   platform::IntentParameter<std::string> merchant{
@@ -56,7 +57,7 @@ class RateMerchantIntent : public platform::AppIntent {
   }
 };
 
-/// The extension's shortcuts and one for rating.
+/// The shortcuts of the extension and one for this intent.
 inline std::vector<platform::AppShortcut> shortcutsWithRating() {
   auto shortcuts = ExpenseIntentsExtension::make().appShortcuts();
   shortcuts.push_back({.intent = std::make_unique<RateMerchantIntent>(),

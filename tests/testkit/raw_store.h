@@ -1,4 +1,4 @@
-// The shared store's file as any other program sees it, through SQL. Knows no rule of the store.
+// The file of the shared store as any other program sees it, through SQL.
 #pragma once
 
 #include <filesystem>
@@ -6,8 +6,8 @@
 
 namespace kivo::testkit {
 
-/// A database file opened on its own, made when there is none. Throws std::runtime_error with
-/// SQLite's words when a statement fails. Waits for nobody.
+/// A connection to a database file, which is created when it does not exist. Throws
+/// std::runtime_error with the message of SQLite when a statement fails. Does not wait for locks.
 class RawStore {
  public:
   explicit RawStore(const std::filesystem::path& file);
@@ -15,8 +15,8 @@ class RawStore {
   RawStore(const RawStore&) = delete;
   RawStore& operator=(const RawStore&) = delete;
 
-  /// Runs the statements of `sql`; the answer is all rows of all of them, columns separated by "|",
-  /// each row ended by a line feed.
+  /// Runs the statements of `sql`; returns all rows of all of them, columns separated by "|", each
+  /// row ended by a line feed.
   std::string run(const std::string& sql);
 
  private:

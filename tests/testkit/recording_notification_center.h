@@ -1,4 +1,4 @@
-// A notification center that remembers what it was handed. Shows nothing.
+// A notification center that records its requests and shows nothing.
 #pragma once
 
 #include <mutex>
@@ -12,8 +12,7 @@
 
 namespace kivo::testkit {
 
-/// Fully authorized at first. As with the real one, cancelling a task does not cut its post short.
-/// Usable from any thread.
+/// Authorized at first. As with the real one, a cancelled task still posts. Thread-safe.
 class RecordingNotificationCenter : public platform::UNUserNotificationCenter {
  public:
   explicit RecordingNotificationCenter(EventLog& log) : log_(log) {}
@@ -26,12 +25,11 @@ class RecordingNotificationCenter : public platform::UNUserNotificationCenter {
   platform::Task<std::optional<platform::NSError>> addNotificationRequest(
       platform::UNNotificationRequest request) override;
 
-  /// Where reading the settings, respectively a request that has been recorded, is held when a test
-  /// closes it.
+  /// Gates that hold, when a test closes them, the reading of the settings and a recorded request.
   Gate& settingsGate() { return settingsGate_; }
   Gate& addGate() { return addGate_; }
 
-  /// What was handed over, refused or not.
+  /// The requests, refused or not.
   [[nodiscard]] std::vector<platform::UNNotificationRequest> requests() const;
   /// "title | body" of each.
   [[nodiscard]] std::vector<std::string> told() const;

@@ -1,4 +1,4 @@
-// An HTTP session that answers as a test tells it and remembers what it was asked. Sends nothing.
+// An HTTP session with scripted answers that records its requests and sends nothing.
 #pragma once
 
 #include <cstddef>
@@ -16,12 +16,12 @@
 
 namespace kivo::testkit {
 
-/// Answers with the script's entries, one for each request in the order in which they begin. A
-/// request for which there is none fails the test. Cancelled, before or while it is held, a request
-/// ends as the real session's do. Usable from any thread.
+/// Answers each request with the next entry of the script, in the order in which they begin. A
+/// request without an entry fails the test. A cancelled request, held or not, ends as with the real
+/// session. Thread-safe.
 class RecordingURLSession : public platform::URLSession {
  public:
-  /// Makes an answer, or throws; runs on the task's worker once the request has passed the gate.
+  /// Returns an answer, or throws; runs on the task's worker once the request has passed the gate.
   using Answerer = std::function<platform::URLAnswer(const platform::URLRequest&)>;
 
   explicit RecordingURLSession(EventLog& log) : log_(log) {}
@@ -35,14 +35,14 @@ class RecordingURLSession : public platform::URLSession {
 
   platform::Task<platform::URLAnswer> data(platform::URLRequest request) override;
 
-  /// Where requests that have begun are held when a test closes it.
+  /// The gate that holds requests that have begun, when a test closes it.
   Gate& gate() { return gate_; }
 
   [[nodiscard]] std::vector<platform::URLRequest> requests() const;
   [[nodiscard]] platform::URLRequest onlyRequest() const;
   /// The text member `key` of each request's body.
   [[nodiscard]] std::vector<std::string> sent(const std::string& key) const;
-  /// How many requests were under way at the same time, at most.
+  /// The largest number of concurrent requests.
   [[nodiscard]] std::size_t mostAtOnce() const;
   /// The threads on which requests began.
   [[nodiscard]] std::set<std::thread::id> threads() const;

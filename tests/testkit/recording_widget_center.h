@@ -1,4 +1,4 @@
-// A widget center that counts. Reloads nothing.
+// A widget center that counts its reloads.
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,7 @@
 
 namespace kivo::testkit {
 
-/// Usable from any thread.
+/// Thread-safe.
 class RecordingWidgetCenter : public platform::WidgetCenter {
  public:
   explicit RecordingWidgetCenter(EventLog& log) : log_(log) {}

@@ -14,7 +14,7 @@ namespace {
 
 struct Scripts {
   std::mutex mutex;
-  /// No addresses at all is a lookup that hangs.
+  /// Without addresses the lookup hangs.
   std::map<std::string, std::optional<std::vector<std::string>>> hosts;
 };
 

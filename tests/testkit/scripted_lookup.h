@@ -1,4 +1,4 @@
-// Host names whose lookup a test scripts. Other names are looked up as always.
+// Host names with a scripted lookup. Other names are resolved by the system.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace kivo::testkit {
 
-/// Puts itself in the place of the C library's `getaddrinfo` in a program that uses this. From now
-/// on `host` has `addresses`, numeric ones, in this order; none means that it is not found.
+/// Replaces `getaddrinfo` of the C library in a program that uses this. From now on `host` has the
+/// numeric `addresses`, in this order; without any it is not found.
 void scriptLookup(const std::string& host, std::vector<std::string> addresses);
 
-/// From now on the lookup of `host` does not come back.
+/// From now on the lookup of `host` hangs.
 void scriptHangingLookup(const std::string& host);
 
 }  // namespace kivo::testkit

@@ -94,9 +94,9 @@ class SocketConnection : public ServerConnection {
   SocketConnection(int socket, ScriptedServer::State& state) : socket_(socket), state_(state) {}
 
   ~SocketConnection() override {
-    if (tls_ != nullptr && !rude_) SSL_shutdown(tls_.get());
+    if (tls_ != nullptr && !closesAbruptly_) SSL_shutdown(tls_.get());
     // Closing with something unread would reset the connection, and take the answer along.
-    if (!rude_) {
+    if (!closesAbruptly_) {
       shutdown(socket_, SHUT_WR);
       for (std::string rest(4096, '\0'); recv(socket_, rest.data(), rest.size(), 0) > 0;) continue;
     }
@@ -110,11 +110,11 @@ class SocketConnection : public ServerConnection {
     tls_.reset(SSL_new(state_.tls.get()));
     SSL_set_fd(tls_.get(), socket_);
     if (SSL_accept(tls_.get()) == 1) return true;
-    rude_ = true;
+    closesAbruptly_ = true;
     return false;
   }
 
-  std::string wantedName() const override {
+  std::string requestedHostName() const override {
     const char* const name =
         tls_ == nullptr ? nullptr : SSL_get_servername(tls_.get(), TLSEXT_NAMETYPE_host_name);
     return name == nullptr ? "" : name;
@@ -153,12 +153,12 @@ class SocketConnection : public ServerConnection {
   void reset() override {
     const linger atOnce{.l_onoff = 1, .l_linger = 0};
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-    rude_ = true;
+    closesAbruptly_ = true;
   }
 
-  void closeRudely() override { rude_ = true; }
+  void closeWithoutNotify() override { closesAbruptly_ = true; }
 
-  // OpenSSL has no call for it, but complains so when it reads a record that nobody encrypted.
+  // OpenSSL has no call for it, but sends it when it reads an unencrypted record.
   void sendFatalAlert() override {
     if (tls_ == nullptr) return;
     const std::string record = std::string("\x17\x03\x03\x00\x20", 5) + std::string(32, 'x');
@@ -189,7 +189,7 @@ class SocketConnection : public ServerConnection {
   ScriptedServer::State& state_;
   Tls tls_{nullptr, SSL_free};
   std::string received_;
-  bool rude_ = false;
+  bool closesAbruptly_ = false;
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The time, as a test sets it. Moves only when told.
+// A clock that a test sets. It moves only when it is set.
 #pragma once
 
 #include <chrono>
@@ -7,7 +7,7 @@
 
 namespace kivo::testkit {
 
-/// Stops the process's clock at a moment, until the end of its life. There is one at a time.
+/// Stops the clock of the process while it lives. There is one at a time.
 class SetClock {
  public:
   explicit SetClock(platform::Moment moment);
@@ -15,7 +15,7 @@ class SetClock {
   SetClock(const SetClock&) = delete;
   SetClock& operator=(const SetClock&) = delete;
 
-  /// Usable from any thread, as is the clock.
+  /// Thread-safe, as is the clock.
   void set(platform::Moment moment);
   void advance(std::chrono::microseconds by);
 };

@@ -27,7 +27,7 @@ SilentSocket::SilentSocket(const std::filesystem::path& path)
     : path_(path), descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   const sockaddr_un address = addressOf(path);
   const auto* const general = reinterpret_cast<const sockaddr*>(&address);
-  // Those who connect wait in the queue for ever: nobody accepts them.
+  // The backlog is full: later connections block.
   if (bind(descriptor_, general, sizeof address) != 0 || listen(descriptor_, 16) != 0) {
     throw std::runtime_error("cannot listen at " + path.string());
   }
@@ -39,7 +39,7 @@ bool SilentSocket::waitForConnection() const {
   return poll(&waiting, 1, tenSeconds) == 1;
 }
 
-void SilentSocket::takeNobodyIn() {
+void SilentSocket::acceptNoConnection() {
   const sockaddr_un address = addressOf(path_);
   const auto* const general = reinterpret_cast<const sockaddr*>(&address);
   do {

@@ -1,4 +1,4 @@
-// A socket that takes connections and says nothing, as a bus that hangs.
+// A socket that accepts connections and never answers, like a bus that hangs.
 #pragma once
 
 #include <filesystem>
@@ -11,17 +11,17 @@ namespace kivo::testkit {
 
 class SilentSocket {
  public:
-  /// Listens at `path`, which is no file yet and short enough for a socket.
+  /// Listens at `path`, which does not exist yet and is short enough for a socket.
   explicit SilentSocket(const std::filesystem::path& path);
   ~SilentSocket();
   SilentSocket(const SilentSocket&) = delete;
   SilentSocket& operator=(const SilentSocket&) = delete;
 
-  /// Waits until somebody has connected; false after 10 s.
+  /// Waits for a connection; returns false after 10 s.
   [[nodiscard]] bool waitForConnection() const;
 
-  /// From now on whoever connects has to wait for it.
-  void takeNobodyIn();
+  /// From now on connections block.
+  void acceptNoConnection();
 
   /// For DBUS_SESSION_BUS_ADDRESS.
   [[nodiscard]] std::string busAddress() const { return "unix:path=" + path_.string(); }

@@ -1,4 +1,4 @@
-// What lies in a folder's files, byte for byte. Understands no format.
+// The bytes of the files in a folder.
 #pragma once
 
 #include <filesystem>
@@ -8,9 +8,9 @@
 
 namespace kivo::testkit {
 
-/// All bytes of all files of `folder`, one after the other; a file that goes away meanwhile counts
-/// as far as it was read. Drops every lock that this process holds on one of them, so that it is
-/// called where this process has no store open that it writes to.
+/// All bytes of all files of `folder`, one after the other; a file that disappears meanwhile counts
+/// as far as it was read. Drops every POSIX lock of this process on these files: call it while this
+/// process writes to no store in `folder`.
 inline std::string bytesIn(const std::filesystem::path& folder) {
   std::string bytes;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {

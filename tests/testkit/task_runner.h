@@ -1,4 +1,4 @@
-// Runs tasks of the extension to their end in a test, on workers as in the real process.
+// Runs tasks of the extension to their end, on workers as in the real process.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,7 @@
 
 namespace kivo::testkit {
 
-/// The executor that the tests of this process share.
+/// The executor of the tests of this process.
 linux_platform::TaskExecutor& executor();
 
 template <typename Value>
@@ -18,7 +18,7 @@ platform::Task<void> keepResult(platform::Task<Value> task, std::optional<Value>
   *result = co_await std::move(task);
 }
 
-/// Waits for `task`, at most 60 s, and yields what it yields or throws what it throws.
+/// Waits for `task`, at most 60 s; returns its result or throws its exception.
 template <typename Value>
 Value await(platform::Task<Value> task) {
   std::optional<Value> result;

@@ -1,4 +1,4 @@
-// A certificate authority for tests, and what it certifies. Trusted by nobody who is not told to.
+// A certificate authority for tests, and its certificates.
 #pragma once
 
 #include <filesystem>
@@ -13,14 +13,14 @@ struct ServerIdentity {
   std::string key;
 };
 
-/// What to certify.
+/// The contents of a certificate.
 struct ServerClaim {
-  /// The name in the subject of every certificate, which counts for nothing.
+  /// The name in the subject of every certificate, which must be ignored.
   static constexpr const char* subject = "subject.kivo.test";
 
-  /// Names and addresses as OpenSSL spells them: "DNS:localhost,IP:127.0.0.1".
+  /// Names and addresses in the syntax of OpenSSL: "DNS:localhost,IP:127.0.0.1".
   std::string names = "DNS:localhost,IP:127.0.0.1,IP:::1";
-  /// Days from now at which it begins and ends to be valid.
+  /// The validity in days from now.
   int validFrom = -1;
   int validUntil = 1;
 };
@@ -32,13 +32,13 @@ class TestAuthority {
   TestAuthority(const TestAuthority&) = delete;
   TestAuthority& operator=(const TestAuthority&) = delete;
 
-  /// An identity certified by this authority.
+  /// An identity signed by this authority.
   [[nodiscard]] ServerIdentity certify(const ServerClaim& claim = {}) const;
-  /// An identity that nobody but itself has certified.
+  /// A self-signed identity.
   static ServerIdentity selfSigned(const ServerClaim& claim = {});
 
-  /// Puts its certificate into `folder` under the name by which a directory of trusted
-  /// certificates (SSL_CERT_DIR) is searched.
+  /// Writes its certificate into `folder` under the name that OpenSSL looks up in a directory of
+  /// trusted certificates (SSL_CERT_DIR).
   void addTo(const std::filesystem::path& folder) const;
 
  private:

@@ -1,5 +1,5 @@
-// A phone on which somebody is signed in: a real store in a private folder, and recording stand-ins
-// for network, notifications and widgets. Runs no intent.
+// A phone with a signed-in user: a real store in a private folder, and recording fakes of network,
+// notifications and widgets.
 #pragma once
 
 #include <optional>
@@ -16,8 +16,8 @@
 
 namespace kivo::testkit {
 
-/// The stand-ins are this process's platform objects from its making on; it must outlive every task
-/// that uses them. There is one at a time. Its clock stands still.
+/// The fakes are the platform objects of this process from its construction on; it must outlive
+/// every task that uses them. There is one at a time. Its clock is stopped.
 struct TestPhone {
   static constexpr std::string_view userId = "user-0815";
   static constexpr std::string_view supabaseUrl = "https://backend.example";
@@ -26,9 +26,9 @@ struct TestPhone {
 
   TestPhone();
 
-  /// A handle of its own; throws when the store cannot be opened.
+  /// A new handle; throws when the store cannot be opened.
   static SharedStore openStore();
-  /// What is durable; empty when the store cannot be opened.
+  /// The contents of the store, as another process sees them; empty when it cannot be opened.
   static StoreContents contents();
   static std::optional<std::string> text(StoreKey key);
   static std::optional<double> number(StoreKey key);

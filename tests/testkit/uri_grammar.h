@@ -1,4 +1,5 @@
-// Reads URI references by the grammar of RFC 3986, rule by rule, to compare a parser with.
+// Parses URI references by the grammar of RFC 3986, rule by rule, as a reference for another
+// parser.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +10,12 @@
 
 namespace kivo::testkit {
 
-/// The longest text that `readByGrammar` takes, in bytes.
+/// The longest text that `readByGrammar` accepts, in bytes.
 inline constexpr std::size_t longestUriText = 63;
 
-/// The pieces that the grammar finds in `text`; none when it is no URI reference. Throws
-/// std::logic_error when there is more than one way to read it, std::length_error when it is longer
-/// than `longestUriText`.
+/// The components of `text` by the grammar; absent when it is not a URI reference. Throws
+/// std::logic_error when it is ambiguous, std::length_error when it is longer than
+/// `longestUriText`.
 std::optional<platform::URL> readByGrammar(std::string_view text);
 
 }  // namespace kivo::testkit

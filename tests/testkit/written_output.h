@@ -1,4 +1,4 @@
-// What this process writes while a test has it do something. Hides nothing of the time after it.
+// Captures the output of this process.
 #pragma once
 
 #include <string>
@@ -15,8 +15,8 @@ struct WrittenOutput {
   bool operator==(const WrittenOutput&) const = default;
 };
 
-/// Does `action` and yields what was written to standard output and standard error meanwhile. A
-/// check that fails inside `action` would go unseen: check afterwards.
+/// Performs `action` and returns its output on standard output and standard error. A check that
+/// fails inside `action` would be hidden: check afterwards.
 template <typename Action>
 WrittenOutput writtenBy(Action&& action) {
   ::testing::internal::CaptureStdout();

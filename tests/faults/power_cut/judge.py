@@ -1,4 +1,4 @@
-"""Holds the state of a store after a power cut against the rule of docs/reliability.md."""
+"""Checks the state of a store after a power cut against the rule of docs/reliability.md."""
 import json
 import pathlib
 import re

@@ -1,4 +1,4 @@
-"""The real programs in private folders, beside a loopback backend, with every run recorded."""
+"""The real programs in private folders, with a loopback backend; records every run."""
 import contextlib
 import http.server
 import json

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Cuts the power of recorded runs at any moment, and judges each state that the disk may then have.
+"""Cuts the power of recorded runs at any moment, and checks each state that the disk may then have.
 
 Needs the programs in the folder that KIVO_PROGRAMS names. KIVO_LONG=1 judges 30,000 states.
 """
@@ -143,7 +143,7 @@ class APowerCut(unittest.TestCase):
         self.performs(6, "Saved offline")
         self.expect_kept(recording)
 
-    def test_loses_no_text_of_a_full_queue_and_brings_back_none_that_was_dropped(self):
+    def test_loses_no_text_of_a_full_queue_and_restores_no_dropped_one(self):
         self.expect_kept(self.recorded("full_queue"))
 
     def test_loses_no_totals_while_the_wal_is_checkpointed_and_truncated(self):
@@ -157,7 +157,7 @@ class APowerCut(unittest.TestCase):
         self.performs(4, "Tracked")
         self.expect_kept(recording)
 
-    def test_brings_back_no_text_that_a_person_removed(self):
+    def test_restores_no_text_that_the_user_removed(self):
         self.phone.sign_in()
         self.phone.fill_queue(4)
         recording = self.phone.record()
@@ -165,7 +165,7 @@ class APowerCut(unittest.TestCase):
             self.phone.phone("queue", "drop", "--yes", "2")
         self.expect_kept(recording)
 
-    def test_leaves_the_commits_of_runs_side_by_side_in_their_order(self):
+    def test_keeps_the_order_of_the_commits_of_parallel_runs(self):
         self.phone.sign_in()
         self.phone.fill_queue(199)
         recording = self.phone.record()
@@ -173,7 +173,7 @@ class APowerCut(unittest.TestCase):
             self.phone.perform_together(3)
         self.expect_kept(recording, several=True)
 
-    def test_loses_nothing_after_a_run_that_was_killed_at_a_sync(self):
+    def test_loses_nothing_after_a_run_that_was_killed_at_an_fsync(self):
         recording = self.phone.record()
         for kill in range(1, 14):
             self.phone.perform(kill)
@@ -183,7 +183,7 @@ class APowerCut(unittest.TestCase):
             self.performs(1, "Saved offline")
         self.expect_kept(recording)
 
-    def test_loses_nothing_after_a_run_on_a_full_queue_that_was_killed_at_a_sync(self):
+    def test_loses_nothing_after_a_kill_at_an_fsync_with_a_full_queue(self):
         self.phone.sign_in()
         self.phone.fill_queue(200)
         recording = self.phone.record()
@@ -192,7 +192,7 @@ class APowerCut(unittest.TestCase):
         self.performs(1, "Saved offline")
         self.expect_kept(recording)
 
-    def test_that_comes_after_another_one_loses_nothing(self):
+    def test_loses_nothing_after_another_power_cut(self):
         first = self.recorded("full_queue")
         chosen = list(states(first, 600, seed=2))[::60 if LONG else 200]
         for number, (_, state) in enumerate(chosen):
@@ -202,7 +202,7 @@ class APowerCut(unittest.TestCase):
             self.performs(2, "Saved offline")
             self.expect_kept(recording, count=STATES // len(chosen))
 
-    def test_loses_no_notification_that_the_center_has_taken(self):
+    def test_loses_no_notification_that_the_center_accepted(self):
         recording = self.phone.record()
         with self.phone.notification_center() as call:
             call("SetAuthorizationStatus", "2")
@@ -241,7 +241,7 @@ class APowerCut(unittest.TestCase):
         self.assertTrue(self.violations(self.recorded("ledger_session"), count=400, store=LEDGER,
                                         ignores_sync=lambda path: path.endswith("-wal")))
 
-    def test_leaves_the_senders_of_the_watcher_as_they_were_or_as_they_are(self):
+    def test_leaves_the_old_or_the_new_senders_of_the_watcher(self):
         recording = self.phone.record()
         for sender in ("Bank", "Card", "Shop"):
             self.phone.phone("watch", "add", sender)
@@ -272,31 +272,31 @@ class APowerCut(unittest.TestCase):
             self.assertIn(text, found["pendingSmsQueue"])
             self.assertEqual(found["pendingSmsQueueCount"], "200")
 
-    # The test can see: each sync is needed, and a disk that ignores it breaks the rule.
+    # Checks of the test itself: each fsync is needed, and a disk that ignores it breaks the rule.
 
-    def test_is_seen_to_lose_totals_when_the_header_of_the_wal_is_not_synced(self):
+    def test_loses_totals_without_an_fsync_of_the_wal_header(self):
         recording, moments = without_wal_syncs_after(
             self.recorded("long_wal"), lambda event: event[0] == "write" and event[2] == 0)
         self.assertTrue(self.violations(recording, count=1500, moments=moments))
 
-    def test_is_seen_to_bring_back_texts_when_the_truncated_wal_is_not_synced(self):
+    def test_restores_texts_without_an_fsync_of_the_truncated_wal(self):
         recording, moments = without_wal_syncs_after(
             self.recorded("full_queue"), lambda event: event[0] == "truncate")
         self.assertTrue(self.violations(recording, count=500, moments=moments))
 
-    def test_is_seen_to_lose_texts_on_a_disk_that_ignores_syncs_of_the_wal(self):
+    def test_loses_texts_when_the_disk_ignores_fsyncs_of_the_wal(self):
         self.assertTrue(self.violations(self.recorded("long_wal"), count=400,
                                         ignores_sync=lambda path: path.endswith("-wal")))
 
-    def test_is_seen_to_lose_texts_on_a_disk_that_ignores_syncs_of_the_database(self):
+    def test_loses_texts_when_the_disk_ignores_fsyncs_of_the_database(self):
         self.assertTrue(self.violations(self.recorded("long_wal"), count=400,
                                         ignores_sync=lambda path: path.endswith("sqlite3")))
 
-    def test_is_seen_to_lose_texts_on_a_disk_that_ignores_syncs_of_the_folders_above(self):
+    def test_loses_texts_when_the_disk_ignores_fsyncs_of_parent_folders(self):
         self.assertTrue(self.violations(self.recorded("first_run"), count=200,
                                         ignores_sync=lambda path: path in ("data", ".")))
 
-    def test_is_seen_to_lose_texts_on_a_disk_that_ignores_syncs_of_the_folder(self):
+    def test_loses_texts_when_the_disk_ignores_fsyncs_of_the_folder(self):
         folder = os.path.dirname(GROUP)
         self.assertTrue(self.violations(self.recorded("first_run"), count=200,
                                         ignores_sync=lambda path: path == folder))

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Calls the intents by python3-dbus, as a script of somebody else's does.
+"""Calls the intents by python3-dbus, as a user's script does.
 
     call_intents.py catalog
     call_intents.py perform INTENT [NAME TYPE VALUE]...   TYPE is text or number

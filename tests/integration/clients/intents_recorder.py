@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The intents' service, performing nothing: it notes what it is asked for.
+"""A fake intents service that records its calls.
 
     intents_recorder.py NOTES BEHAVIOUR
 

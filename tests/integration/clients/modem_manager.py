@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""ModemManager as far as text messages go, on the bus that DBUS_SYSTEM_BUS_ADDRESS names.
+"""A fake ModemManager with text messages, on the bus that DBUS_SYSTEM_BUS_ADDRESS names.
 
     modem_manager.py MODEMS       a JSON object: {"0": [MESSAGE, ...], ...}
 

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""A notification center on the session bus that takes its time.
+"""A notification center on the session bus that answers slowly.
 
     slow_center.py SECONDS...
 

@@ -44,7 +44,7 @@ class AnExtraction : public ::testing::Test {
   testkit::TestPhone phone_;
 };
 
-TEST_F(AnExtraction, GoesToTheEndpointBelowTheBaseURL) {
+TEST_F(AnExtraction, PostsToTheEndpointBelowTheBaseURL) {
   const auto url = requestFor("text", "https://backend.example:8443/base").url;
   EXPECT_EQ(url.scheme, "https");
   EXPECT_EQ(url.host, "backend.example");
@@ -57,7 +57,7 @@ TEST_F(AnExtraction, AddsNoSlashToABaseWithoutOne) {
             "/functions/v1/sms-extraction");
 }
 
-TEST_F(AnExtraction, TakesNoSlashFromABaseThatEndsInOne) {
+TEST_F(AnExtraction, KeepsTheSlashAtTheEndOfTheBase) {
   EXPECT_EQ(requestFor("text", "http://backend.example/").url.target,
             "//functions/v1/sms-extraction");
 }
@@ -67,7 +67,7 @@ TEST_F(AnExtraction, NeitherEncodesNorDecodesTheBase) {
             "/a%2Fb?c=d/functions/v1/sms-extraction");
 }
 
-TEST_F(AnExtraction, GoesToTheSessionEvenWhenItsBaseNamesNoEndpoint) {
+TEST_F(AnExtraction, ReachesTheSessionWithoutAValidEndpoint) {
   for (const auto* const base : {"backend.example", "http://", "kivo://host"}) {
     phone_.session.willFail(URLError(URLError::Code::unsupportedURL));
     EXPECT_THROW(extract("text", base), URLError) << base;
@@ -75,7 +75,7 @@ TEST_F(AnExtraction, GoesToTheSessionEvenWhenItsBaseNamesNoEndpoint) {
   EXPECT_EQ(phone_.session.requests().size(), 3u);
 }
 
-TEST_F(AnExtraction, IsAPostThatTakesFifteenSecondsAtMost) {
+TEST_F(AnExtraction, IsAPostWithATimeoutOfFifteenSeconds) {
   const auto request = requestFor();
   EXPECT_EQ(request.httpMethod, "POST");
   EXPECT_EQ(request.timeoutInterval, 15s);
@@ -104,13 +104,13 @@ TEST_F(AnExtraction, SendsTheTextUnchanged) {
   EXPECT_THAT(phone_.session.sent("sms_text"), ElementsAre(text));
 }
 
-TEST_F(AnExtraction, SendsATextWithANULWhole) {
+TEST_F(AnExtraction, SendsATextThatContainsNUL) {
   const std::string text("before\0after", 12);
   requestFor(text);
   EXPECT_THAT(phone_.session.sent("sms_text"), ElementsAre(text));
 }
 
-TEST_F(AnExtraction, YieldsWhatTheBackendSaved) {
+TEST_F(AnExtraction, ReturnsTheSavedExpense) {
   phone_.session.willAnswer(R"({"saved":true,"transaction_type":"expense","expense":{"id":"e1",)"
                             R"("description":"Carrefour","amount":150,"category":"Groceries",)"
                             R"("expense_date":"2026-01-31"},"unknown":[1,{"deep":null}]})");
@@ -121,12 +121,12 @@ TEST_F(AnExtraction, YieldsWhatTheBackendSaved) {
   EXPECT_EQ(extract(), expected);
 }
 
-TEST_F(AnExtraction, YieldsAnAnswerThatNothingWasSaved) {
+TEST_F(AnExtraction, ReturnsThatNothingWasSaved) {
   phone_.session.willAnswer(testkit::notSavedBody);
   EXPECT_EQ(extract(), SMSExtractionResponse{.saved = false});
 }
 
-TEST_F(AnExtraction, TakesOnlyStatus200ForAnAnswer) {
+TEST_F(AnExtraction, FailsForEveryStatusExcept200) {
   for (const int status : {201, 202, 204, 206, 299, 301, 302, 307, 400, 401, 404, 429, 500, 503}) {
     phone_.session.willAnswer(testkit::savedBody(), status);
     try {
@@ -141,7 +141,7 @@ TEST_F(AnExtraction, TakesOnlyStatus200ForAnAnswer) {
   }
 }
 
-TEST_F(AnExtraction, PassesTheSessionsErrorOnUnchanged) {
+TEST_F(AnExtraction, ThrowsTheErrorOfTheSessionUnchanged) {
   using Code = URLError::Code;
   for (const Code code :
        {Code::cancelled, Code::timedOut, Code::unsupportedURL, Code::cannotFindHost,
@@ -168,7 +168,7 @@ void expectDecodingError(DecodingError::Kind kind, const std::string& path) {
   }
 }
 
-TEST_F(AnExtraction, PassesADecodingErrorOnUnchanged) {
+TEST_F(AnExtraction, ThrowsADecodingErrorUnchanged) {
   using Kind = DecodingError::Kind;
   phone_.session.willAnswer(R"({"error":"no such function"})");
   expectDecodingError(Kind::keyNotFound, "saved");
@@ -185,13 +185,13 @@ TEST_F(AnExtraction, PassesADecodingErrorOnUnchanged) {
   expectDecodingError(Kind::dataCorrupted, "");
 }
 
-TEST_F(AnExtraction, SendsOneRequestAndNeverTriesAgain) {
+TEST_F(AnExtraction, SendsOneRequestWithoutARetry) {
   phone_.session.willAnswer("", 503);
   EXPECT_THROW(extract(), NSError);
   EXPECT_EQ(phone_.session.requests().size(), 1u);
 }
 
-TEST_F(AnExtraction, LeavesStoreWidgetAndOutputAlone) {
+TEST_F(AnExtraction, DoesNotTouchStoreWidgetOrOutput) {
   const auto before = phone_.contents();
   phone_.session.willFail(URLError(URLError::Code::timedOut));
   bool failed = false;
@@ -226,7 +226,7 @@ TEST_F(AnExtraction, BlocksNoWorkerWhileItWaits) {
   for (const auto& result : results) EXPECT_TRUE(result.has_value());
 }
 
-TEST_F(AnExtraction, EndsAsATransportFailureWhenItsTaskIsCancelled) {
+TEST_F(AnExtraction, ThrowsATransportErrorWhenItsTaskIsCancelled) {
   phone_.session.willAnswer(testkit::savedBody());
   phone_.session.gate().close();
   std::optional<SMSExtractionResponse> result;
@@ -244,7 +244,7 @@ TEST_F(AnExtraction, EndsAsATransportFailureWhenItsTaskIsCancelled) {
 
 using AnExtractionDeathTest = AnExtraction;
 
-TEST_F(AnExtractionDeathTest, StopsTheProcessWhenTheBaseIsNoURL) {
+TEST_F(AnExtractionDeathTest, AbortsWhenTheBaseURLCannotBeParsed) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const ScopedVariable inside("TMPDIR", phone_.folders.home().string());
   EXPECT_DEATH(extract("text", "https://bad host"), "^fatal: the stored base URL");
@@ -256,33 +256,33 @@ class TheExpenseDate : public ::testing::Test {
   testkit::TestPhone phone_;
 };
 
-TEST_F(TheExpenseDate, IsTheLocalDayThoughUTCIsStillTheDayBefore) {
+TEST_F(TheExpenseDate, IsTheLocalDayWhenUTCIsADayBehind) {
   const ScopedVariable zone("TZ", "Etc/GMT-2");
   phone_.clock.set(utc(2026, 1, 31, 22, 30));
   EXPECT_EQ(SMSExtractionClient::currentExpenseDate(), "2026-02-01");
 }
 
-TEST_F(TheExpenseDate, IsTheLocalDayThoughUTCIsAlreadyTheNext) {
+TEST_F(TheExpenseDate, IsTheLocalDayWhenUTCIsADayAhead) {
   const ScopedVariable zone("TZ", "America/New_York");
   phone_.clock.set(utc(2026, 2, 1, 4, 59, 59));
   EXPECT_EQ(SMSExtractionClient::currentExpenseDate(), "2026-01-31");
 }
 
-TEST_F(TheExpenseDate, FollowsAChangeOfTheZoneUnderARunningProcess) {
+TEST_F(TheExpenseDate, FollowsATimeZoneChangeInARunningProcess) {
   phone_.clock.set(utc(2026, 1, 31, 22, 30));
   EXPECT_EQ(SMSExtractionClient::currentExpenseDate(), "2026-01-31");
   const ScopedVariable zone("TZ", "Asia/Tokyo");
   EXPECT_EQ(SMSExtractionClient::currentExpenseDate(), "2026-02-01");
 }
 
-TEST_F(TheExpenseDate, IsGregorianInASCIIDigitsWhateverTheLocale) {
+TEST_F(TheExpenseDate, IsGregorianInASCIIDigitsInEveryLocale) {
   for (const auto* const name : {"th_TH.UTF-8", "fa_IR.UTF-8", "ar_EG.UTF-8", "C", ""}) {
     const ScopedVariable locale("LC_ALL", name);
     EXPECT_EQ(SMSExtractionClient::currentExpenseDate(), "2026-01-31") << name;
   }
 }
 
-TEST_F(TheExpenseDate, NamesTheYearOfTheDayNotOfItsWeek) {
+TEST_F(TheExpenseDate, UsesTheCalendarYearNotTheWeekYear) {
   phone_.clock.set(utc(2025, 12, 29, 12));
   EXPECT_EQ(SMSExtractionClient::currentExpenseDate(), "2025-12-29");
 }

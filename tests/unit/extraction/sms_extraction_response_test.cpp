@@ -52,7 +52,7 @@ std::string withMember(const std::string& member, const std::string& valueText) 
   return R"({"saved":true,"expense":{)" + members + "}}";
 }
 
-TEST(AnExtractionResponse, OfSavedAloneHasNothingElse) {
+TEST(AnExtractionResponse, NeedsOnlyTheMemberSaved) {
   const auto response = SMSExtractionResponse::decode(R"({"saved": false})");
   EXPECT_FALSE(response.saved);
   EXPECT_EQ(response.reason, std::nullopt);
@@ -68,13 +68,13 @@ TEST(AnExtractionResponse, HoldsWhatTheBackendStored) {
   EXPECT_EQ(response.expense, coffee);
 }
 
-TEST(AnExtractionResponse, MayBeSavedWithoutAnExpense) {
+TEST(AnExtractionResponse, CanBeSavedWithoutAnExpense) {
   const auto response = SMSExtractionResponse::decode(R"({"saved": true})");
   EXPECT_TRUE(response.saved);
   EXPECT_EQ(response.expense, std::nullopt);
 }
 
-TEST(AnExtractionResponse, MustSayWhetherItWasSavedAsABoolean) {
+TEST(AnExtractionResponse, NeedsABooleanSaved) {
   expectError("{}", Kind::keyNotFound, "saved");
   expectError(R"({"saved": null})", Kind::valueNotFound, "saved");
   for (const auto* const value : {"1", "0", "\"true\"", "[]", "{}"}) {
@@ -98,14 +98,14 @@ TEST(AnExtractionResponse, MustBeJSON) {
   }
 }
 
-TEST(AnExtractionResponse, TakesNullAndAbsentOptionalTextsForEmpty) {
+TEST(AnExtractionResponse, ReadsNullAndAbsentOptionalTextsAsAbsent) {
   EXPECT_EQ(SMSExtractionResponse::decode(R"({"saved":false,"reason":null})").reason, std::nullopt);
   EXPECT_EQ(
       SMSExtractionResponse::decode(R"({"saved":false,"transaction_type":null})").transaction_type,
       std::nullopt);
 }
 
-TEST(AnExtractionResponse, KeepsOptionalTextsAsTheyStand) {
+TEST(AnExtractionResponse, KeepsOptionalTextsUnchanged) {
   const auto response = SMSExtractionResponse::decode(
       R"({"saved":false,"reason":" Declined ","transaction_type":""})");
   EXPECT_EQ(response.reason, " Declined ");
@@ -121,12 +121,12 @@ TEST(AnExtractionResponse, RefusesOptionalTextsOfAnotherType) {
   }
 }
 
-TEST(AnExtractionResponse, TakesANullExpenseForNone) {
+TEST(AnExtractionResponse, ReadsANullExpenseAsAbsent) {
   EXPECT_EQ(SMSExtractionResponse::decode(R"({"saved":true,"expense":null})").expense,
             std::nullopt);
 }
 
-TEST(AnExtractionResponse, RefusesAnExpenseThatIsNoObject) {
+TEST(AnExtractionResponse, RefusesAnExpenseThatIsNotAnObject) {
   for (const auto* const value : {"5", "true", "[]", "\"e\""}) {
     expectError(std::string(R"({"saved":true,"expense":)") + value + "}", Kind::typeMismatch,
                 "expense");
@@ -145,14 +145,14 @@ TEST(AnExtractionResponse, NeedsEveryMemberOfItsExpense) {
   }
 }
 
-TEST(AnExtractionResponse, NeedsItsExpensesTextsAsTexts) {
+TEST(AnExtractionResponse, RefusesExpenseTextsOfAnotherType) {
   for (const std::string member : {"id", "description", "category", "expense_date"}) {
     expectError(withMember(member, "17"), Kind::typeMismatch, "expense." + member);
     EXPECT_TRUE(SMSExtractionResponse::decode(withMember(member, "\"\"")).expense) << member;
   }
 }
 
-TEST(AnExtractionResponse, TakesAnAmountWrittenAsAnyNumber) {
+TEST(AnExtractionResponse, AcceptsAnAmountInAnyNumberFormat) {
   const auto amount = [](const std::string& text) {
     return SMSExtractionResponse::decode(withMember("amount", text)).expense->amount;
   };
@@ -168,7 +168,7 @@ TEST(AnExtractionResponse, RefusesAnAmountWrittenAsAText) {
   EXPECT_EQ(errorOf(withMember("amount", "\"250\"")).found(), "string");
 }
 
-TEST(AnExtractionResponse, RefusesAnAmountPastTheRangeOfADouble) {
+TEST(AnExtractionResponse, RefusesAnAmountBeyondTheRangeOfADouble) {
   EXPECT_EQ(errorOf(withMember("amount", "1e400")).kind(), Kind::dataCorrupted);
 }
 
@@ -188,7 +188,7 @@ TEST(AnExtractionResponse, NamesTheFirstMemberThatFails) {
       Kind::typeMismatch, "expense.category");
 }
 
-TEST(AnExtractionResponse, IgnoresMembersThatItDoesNotKnow) {
+TEST(AnExtractionResponse, IgnoresUnknownMembers) {
   const auto response = SMSExtractionResponse::decode(
       R"({"version":[1,{"a":null}],"Saved":0,"transactionType":5,"0":true,"saved":true,)"
       R"("expense":{"id":"1","ID":2,"description":"d","amount":1,"currency":null,"category":"c",)"
@@ -200,12 +200,12 @@ TEST(AnExtractionResponse, IgnoresMembersThatItDoesNotKnow) {
                 .id = "1", .description = "d", .amount = 1, .category = "c", .expense_date = "x"}));
 }
 
-TEST(AnExtractionResponse, FindsItsMembersInExactSpellingOnly) {
+TEST(AnExtractionResponse, MatchesMemberNamesExactly) {
   expectError(R"({"Saved":true,"SAVED":true})", Kind::keyNotFound, "saved");
   expectError(R"({"saved":true,"expense":{"Id":"1"}})", Kind::keyNotFound, "expense.id");
 }
 
-TEST(AnExtractionResponse, IsWrittenWithoutItsEmptyOptionals) {
+TEST(AnExtractionResponse, IsWrittenWithoutAbsentMembers) {
   EXPECT_EQ(SMSExtractionResponse{.saved = false}.encode(), R"({"saved":false})");
   EXPECT_EQ((SMSExtractionResponse{.saved = false, .reason = "declined"}.encode()),
             R"({"saved":false,"reason":"declined"})");
@@ -220,7 +220,7 @@ TEST(AnExtractionResponse, IsWrittenInTheOrderOfItsFields) {
             R"("expense_date":"2026-01-31"}})");
 }
 
-TEST(AnExtractionResponse, ReadsBackAsItWasWritten) {
+TEST(AnExtractionResponse, SurvivesARoundTrip) {
   const SavedExpense odd{.id = "",
                          .description = "line\nbreak \\ \u0001 💸",
                          .amount = -0.1 - 0.2,
@@ -252,7 +252,7 @@ TEST(ASavedExpense, IsWrittenWithAllFiveMembers) {
       R"({"id":"","description":"","amount":250.0,"category":"","expense_date":""})");
 }
 
-TEST(ASavedExpense, ReadsBackAsItWasWritten) {
+TEST(ASavedExpense, SurvivesARoundTrip) {
   EXPECT_EQ(SavedExpense::decode(JSONDecoder::object(coffee.encode().text())), coffee);
 }
 

@@ -35,25 +35,27 @@ TEST_F(AnAmount, HasTheCurrencysNumberOfDecimals) {
   EXPECT_EQ(shownIn("KWD", 1.5), "KWD\u00a01.500");
 }
 
-TEST_F(AnAmount, ReadsTheSameWhenItIsNegative) {
+TEST_F(AnAmount, IsWrittenWithoutItsSign) {
   EXPECT_EQ(shownIn("USD", -12.5), "$12.50");
   EXPECT_EQ(shownIn("USD", -0.0), shownIn("USD", 0.0));
 }
 
-TEST_F(AnAmount, OfAnEmptyCurrencyIsNotInEgyptianPounds) { EXPECT_EQ(shownIn("", 150), "¤150.00"); }
+TEST_F(AnAmount, IsNotInEgyptianPoundsWithAnEmptyCurrency) {
+  EXPECT_EQ(shownIn("", 150), "¤150.00");
+}
 
 TEST_F(AnAmount, FollowsAChangeOfTheCurrencyAtOnce) {
   EXPECT_EQ(shownIn("USD", 1), "$1.00");
   EXPECT_EQ(shownIn("EUR", 1), "€1.00");
 }
 
-TEST_F(AnAmount, MayBeInACurrencyThatNobodyKnows) {
+TEST_F(AnAmount, AcceptsAnUnknownCurrencyCode) {
   EXPECT_EQ(shownIn("XQQ", 150), "XQQ\u00a0150.00");
 }
 
-TEST_F(AnAmount, HasACodeInLowerCasePassedOn) { EXPECT_EQ(shownIn("usd", 1), "$1.00"); }
+TEST_F(AnAmount, AcceptsALowerCaseCurrencyCode) { EXPECT_EQ(shownIn("usd", 1), "$1.00"); }
 
-TEST_F(AnAmount, IsAPlainNumberWhenTheCodeIsNone) {
+TEST_F(AnAmount, IsAPlainNumberWithAnInvalidCode) {
   EXPECT_EQ(shownIn("EURO", 250), "250.0");
   EXPECT_EQ(shownIn("E", 250), "250.0");
   EXPECT_EQ(shownIn(" USD", 12.5), "12.5") << "a code is not trimmed";
@@ -65,7 +67,7 @@ TEST_F(AnAmount, IsInEgyptianPoundsWhenTheCurrencyIsStoredAsANumber) {
   EXPECT_EQ(shown(150), "EGP\u00a0150.00");
 }
 
-TEST_F(AnAmount, LeavesTheStoreAsItWas) {
+TEST_F(AnAmount, LeavesTheStoreUnchanged) {
   const auto before = phone_.contents();
   shown(150);
   store_.synchronize();
@@ -84,7 +86,7 @@ void PrintTo(const Reading& reading, std::ostream* out) {
 
 class InALocale : public AnAmount, public ::testing::WithParamInterface<Reading> {};
 
-TEST_P(InALocale, AnAmountIsWrittenAsThere) {
+TEST_P(InALocale, AnAmountHasItsLocalFormat) {
   const ScopedVariable locale("LC_ALL", GetParam().locale);
   EXPECT_EQ(shownIn(GetParam().currency, -1234.5), GetParam().text);
 }
@@ -101,12 +103,12 @@ INSTANTIATE_TEST_SUITE_P(Readings, InALocale,
                            return reading.param.currency + std::to_string(reading.index);
                          });
 
-TEST_F(AnAmount, HasTheLocalesDigits) {
+TEST_F(AnAmount, IsWrittenInTheDigitsOfTheLocale) {
   const ScopedVariable locale("LC_ALL", "ar_EG.UTF-8");
   EXPECT_THAT(shownIn("EGP", -1234.5), ::testing::HasSubstr("١٬٢٣٤٫٥٠"));
 }
 
-TEST_F(AnAmount, FollowsTheVariableForMoneyBeforeTheGeneralOne) {
+TEST_F(AnAmount, PrefersLcMonetaryToLang) {
   const ScopedVariable all("LC_ALL", std::nullopt);
   const ScopedVariable monetary("LC_MONETARY", "de_DE.UTF-8");
   const ScopedVariable general("LANG", "en_US.UTF-8");

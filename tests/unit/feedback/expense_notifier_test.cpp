@@ -34,21 +34,21 @@ class AnExpenseNotifier : public ::testing::Test {
   testkit::TestPhone phone_;
 };
 
-TEST_F(AnExpenseNotifier, HandsOverTitleAndBodyAsTheyAre) {
+TEST_F(AnExpenseNotifier, PassesTitleAndBodyUnchanged) {
   await(ExpenseNotifier::post(" 💸 Expense\tTracked ", "EGP 1 at Café\n(Food) "));
   ASSERT_THAT(handedOver(), SizeIs(1));
   EXPECT_EQ(handedOver()[0].content.title, " 💸 Expense\tTracked ");
   EXPECT_EQ(handedOver()[0].content.body, "EGP 1 at Café\n(Food) ");
 }
 
-TEST_F(AnExpenseNotifier, PassesEmptyTextsThrough) {
+TEST_F(AnExpenseNotifier, PassesEmptyTexts) {
   await(ExpenseNotifier::post("", ""));
   ASSERT_THAT(handedOver(), SizeIs(1));
   EXPECT_EQ(handedOver()[0].content.title, "");
   EXPECT_EQ(handedOver()[0].content.body, "");
 }
 
-TEST_F(AnExpenseNotifier, OpensTheAppByNothingButTheDeepLink) {
+TEST_F(AnExpenseNotifier, AddsOnlyTheDeepLink) {
   await(ExpenseNotifier::post("title", "body"));
   const std::map<std::string, std::string> deepLink = {{"deepLink", "kivo-expenses://"}};
   ASSERT_THAT(handedOver(), SizeIs(1));
@@ -61,7 +61,7 @@ TEST_F(AnExpenseNotifier, UsesTheDefaultSound) {
   EXPECT_EQ(handedOver()[0].content.sound, platform::UNNotificationSound::defaultSound);
 }
 
-TEST_F(AnExpenseNotifier, IsDueOnceASecondLater) {
+TEST_F(AnExpenseNotifier, SchedulesOneNotificationASecondLater) {
   await(ExpenseNotifier::post("title", "body"));
   ASSERT_THAT(handedOver(), SizeIs(1));
   EXPECT_EQ(handedOver()[0].trigger.timeInterval.count(), 1.0);
@@ -76,7 +76,7 @@ TEST_F(AnExpenseNotifier, NamesTheRequestByACanonicalUpperCaseUUID) {
   EXPECT_TRUE(std::regex_match(handedOver()[0].identifier, canonical));
 }
 
-TEST_F(AnExpenseNotifier, GivesEqualTextsTwoNotifications) {
+TEST_F(AnExpenseNotifier, PostsEqualTextsTwice) {
   await(ExpenseNotifier::post("title", "body"));
   await(ExpenseNotifier::post("title", "body"));
   ASSERT_THAT(handedOver(), SizeIs(2));
@@ -88,7 +88,7 @@ TEST_F(AnExpenseNotifier, ReadsThePermissionFirst) {
   EXPECT_THAT(phone_.log.names(), ElementsAre("settings", "notification"));
 }
 
-TEST_F(AnExpenseNotifier, ReadsThePermissionAnewEachTime) {
+TEST_F(AnExpenseNotifier, ReadsThePermissionEachTime) {
   phone_.notifications.setStatus(UNAuthorizationStatus::denied);
   await(ExpenseNotifier::post("title", "unseen"));
   phone_.notifications.setStatus(UNAuthorizationStatus::authorized);
@@ -96,7 +96,7 @@ TEST_F(AnExpenseNotifier, ReadsThePermissionAnewEachTime) {
   EXPECT_THAT(phone_.notifications.told(), ElementsAre("title | seen"));
 }
 
-TEST_F(AnExpenseNotifier, ReturnsNormallyAndSilentlyWhenTheCenterRefuses) {
+TEST_F(AnExpenseNotifier, ReturnsSilentlyWhenTheCenterRefuses) {
   phone_.notifications.willRefuse();
   const auto before = phone_.contents();
   const auto written = testkit::writtenBy([] { await(ExpenseNotifier::post("title", "body")); });
@@ -106,7 +106,7 @@ TEST_F(AnExpenseNotifier, ReturnsNormallyAndSilentlyWhenTheCenterRefuses) {
   EXPECT_EQ(phone_.contents(), before);
 }
 
-TEST_F(AnExpenseNotifier, ReturnsOnlyWhenTheCenterHasTheRequest) {
+TEST_F(AnExpenseNotifier, ReturnsAfterTheCenterHasTheRequest) {
   phone_.notifications.addGate().close();
   auto posting = testkit::executor().start(ExpenseNotifier::post("title", "body"));
   phone_.notifications.addGate().waitForArrivals(1);
@@ -115,7 +115,7 @@ TEST_F(AnExpenseNotifier, ReturnsOnlyWhenTheCenterHasTheRequest) {
   posting.wait();
 }
 
-TEST_F(AnExpenseNotifier, IsNotCutShortWhenItsTaskIsCancelled) {
+TEST_F(AnExpenseNotifier, FinishesWhenItsTaskIsCancelled) {
   phone_.notifications.settingsGate().close();
   auto posting = testkit::executor().start(ExpenseNotifier::post("title", "body"));
   phone_.notifications.settingsGate().waitForArrivals(1);
@@ -128,7 +128,7 @@ TEST_F(AnExpenseNotifier, IsNotCutShortWhenItsTaskIsCancelled) {
 class WithoutFullPermission : public AnExpenseNotifier,
                               public ::testing::WithParamInterface<UNAuthorizationStatus> {};
 
-TEST_P(WithoutFullPermission, NothingIsHandedOver) {
+TEST_P(WithoutFullPermission, NoNotificationIsPosted) {
   phone_.notifications.setStatus(GetParam());
   await(ExpenseNotifier::post("title", "body"));
   EXPECT_THAT(handedOver(), IsEmpty());

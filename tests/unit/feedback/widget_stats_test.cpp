@@ -66,7 +66,7 @@ TEST_F(WidgetFigures, AddUpOnTheSameDay) {
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "175.5", "2", "175.5"}));
 }
 
-TEST_F(WidgetFigures, StartTheDayAfreshButKeepTheRunningTotal) {
+TEST_F(WidgetFigures, ResetOnANewDayExceptTheRunningTotal) {
   record(150);
   record(25.5);
   phone_.clock.set(utc(2026, 2, 1, 8));
@@ -74,20 +74,20 @@ TEST_F(WidgetFigures, StartTheDayAfreshButKeepTheRunningTotal) {
   EXPECT_EQ(figures(), (Figures{"2026-02-01", "10.0", "1", "185.5"})) << "new month included";
 }
 
-TEST_F(WidgetFigures, StayYesterdaysUntilTheFirstExpenseOfTheDay) {
+TEST_F(WidgetFigures, StayUnchangedUntilTheFirstExpenseOfTheDay) {
   record(150);
   phone_.clock.set(utc(2026, 2, 1, 8));
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "150.0", "1", "150.0"}));
 }
 
-TEST_F(WidgetFigures, KeepTheRunningTotalOverTheYears) {
+TEST_F(WidgetFigures, KeepTheRunningTotalAcrossYears) {
   record(150);
   phone_.clock.set(utc(2027, 6, 15, 8));
   record(1);
   EXPECT_EQ(figures(), (Figures{"2027-06-15", "1.0", "1", "151.0"}));
 }
 
-TEST_F(WidgetFigures, StartAfreshWhenTheClockIsSetBackADay) {
+TEST_F(WidgetFigures, ResetWhenTheClockIsSetBackADay) {
   record(150);
   phone_.clock.set(utc(2026, 1, 30, 8));
   record(1);
@@ -103,7 +103,7 @@ TEST_F(WidgetFigures, ChangeDayAtLocalMidnight) {
   EXPECT_EQ(figures(), (Figures{"2026-02-01", "2.0", "1", "3.0"}));
 }
 
-TEST_F(WidgetFigures, StartAfreshWhenTheLocalesCalendarChangesTheDaysText) {
+TEST_F(WidgetFigures, ResetWhenTheLocaleChangesTheWrittenDay) {
   record(1);
   const ScopedVariable locale("LC_ALL", "th_TH.UTF-8");
   record(2);
@@ -112,58 +112,58 @@ TEST_F(WidgetFigures, StartAfreshWhenTheLocalesCalendarChangesTheDaysText) {
   EXPECT_EQ(figures(), (Figures{"2569-01-31", "5.0", "2", "6.0"}));
 }
 
-TEST_F(WidgetFigures, NameTheDayInTheLocalesDigits) {
+TEST_F(WidgetFigures, WriteTheDayInTheDigitsOfTheLocale) {
   const ScopedVariable locale("LC_ALL", "ar_EG.UTF-8");
   record(1);
   record(1);
   EXPECT_EQ(figures(), (Figures{"٢٠٢٦-٠١-٣١", "2.0", "2", "2.0"}));
 }
 
-TEST_F(WidgetFigures, GoDownByANegativeAmountWhichCountsAsOneExpense) {
+TEST_F(WidgetFigures, SubtractANegativeAmountAndCountIt) {
   record(150);
   record(-200.5);
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "-50.5", "2", "-50.5"}));
 }
 
-TEST_F(WidgetFigures, AreNotCutToTheCurrencysDecimals) {
+TEST_F(WidgetFigures, AreNotRoundedToTheDecimalsOfTheCurrency) {
   record(0.1);
   record(0.2);
   EXPECT_EQ(figures().total, "0.30000000000000004");
   EXPECT_EQ(figures().running, "0.30000000000000004");
 }
 
-TEST_F(WidgetFigures, TakeExponentFormWhenTheyAreHuge) {
+TEST_F(WidgetFigures, HaveAnExponentWhenTheyAreHuge) {
   record(1e16);
   EXPECT_EQ(figures().total, "1e+16");
   record(0);
   EXPECT_EQ(figures().total, "1e+16") << "and are read back from it";
 }
 
-TEST_F(WidgetFigures, CountATotalWithBlanksAroundItAsNothing) {
+TEST_F(WidgetFigures, ReadATotalWithBlanksAsZero) {
   EXPECT_EQ(totalAfterStored(" 100.0"), "1.0");
   EXPECT_EQ(totalAfterStored("100.0 "), "1.0");
   EXPECT_EQ(totalAfterStored("\n100.0"), "1.0");
   EXPECT_EQ(totalAfterStored("100.0\n"), "1.0");
 }
 
-TEST_F(WidgetFigures, ReadATotalInExponentForm) {
+TEST_F(WidgetFigures, ReadATotalWithAnExponent) {
   EXPECT_EQ(totalAfterStored("1e3"), "1001.0");
   EXPECT_EQ(totalAfterStored("0x10"), "17.0");
 }
 
-TEST_F(WidgetFigures, CountAnUnreadableTotalAsNothing) {
+TEST_F(WidgetFigures, ReadAnInvalidTotalAsZero) {
   EXPECT_EQ(totalAfterStored(""), "1.0");
   EXPECT_EQ(totalAfterStored("abc"), "1.0");
   EXPECT_EQ(totalAfterStored("12,5"), "1.0");
   EXPECT_EQ(totalAfterStored("12.5x"), "1.0");
 }
 
-TEST_F(WidgetFigures, ReadTotalsByThePointWhateverTheLocale) {
+TEST_F(WidgetFigures, ReadADecimalPointInEveryLocale) {
   const ScopedVariable locale("LC_ALL", "de_DE.UTF-8");
   EXPECT_EQ(totalAfterStored("12.5"), "13.5");
 }
 
-TEST_F(WidgetFigures, ReadTheRunningTotalBySameRules) {
+TEST_F(WidgetFigures, ReadTheRunningTotalByTheSameRules) {
   put(StoreKeys::monthlyTotal, "1e3");
   record(1);
   EXPECT_EQ(figures().running, "1001.0");
@@ -177,7 +177,7 @@ TEST_F(WidgetFigures, ReadASignedCount) {
   EXPECT_EQ(countAfterStored("-5"), "-4");
 }
 
-TEST_F(WidgetFigures, CountFromOneWhenTheStoredCountIsUnreadable) {
+TEST_F(WidgetFigures, CountFromOneWhenTheStoredCountIsInvalid) {
   for (const auto* const text : {"abc", "", "+", " 5", "5 ", "5.0", "9223372036854775808"}) {
     EXPECT_EQ(countAfterStored(text), "1") << text;
   }
@@ -187,21 +187,21 @@ TEST_F(WidgetFigures, CountUpToTheLargestNumber) {
   EXPECT_EQ(countAfterStored("9223372036854775806"), "9223372036854775807");
 }
 
-TEST_F(WidgetFigures, StartAMissingTotalAtZeroButGoOnCounting) {
+TEST_F(WidgetFigures, StartAMissingTotalAtZeroAndKeepTheCount) {
   beginToday();
   put(StoreKeys::todayCount, "4");
   record(7);
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "7.0", "5", "7.0"}));
 }
 
-TEST_F(WidgetFigures, StartAMissingCountAtOneButGoOnAdding) {
+TEST_F(WidgetFigures, StartAMissingCountAtOneAndKeepTheTotal) {
   beginToday();
   put(StoreKeys::todayTotal, "4.5");
   record(7);
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "11.5", "1", "7.0"}));
 }
 
-TEST_F(WidgetFigures, StoredAsNumbersCountAsMissing) {
+TEST_F(WidgetFigures, CountAsMissingWhenTheyAreStoredAsNumbers) {
   beginToday();
   phone_.put(StoreKeys::todayTotal, 100.0);
   phone_.put(StoreKeys::todayCount, 5.0);
@@ -210,7 +210,7 @@ TEST_F(WidgetFigures, StoredAsNumbersCountAsMissing) {
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "1.0", "1", "1.0"}));
 }
 
-TEST_F(WidgetFigures, AreWrittenWithoutAskingTheWidgetToReload) {
+TEST_F(WidgetFigures, DoNotReloadTheWidget) {
   record(1);
   EXPECT_EQ(phone_.widget.reloads(), 0);
 }
@@ -226,7 +226,7 @@ TEST_F(WidgetFigures, ChangeNoOtherKey) {
   EXPECT_EQ(phone_.contents(), expected);
 }
 
-TEST_F(WidgetFigures, LoseAnExpenseWhenTwoRunsWriteAtTheSameTime) {
+TEST_F(WidgetFigures, LoseAnExpenseWhenTwoRunsWriteAtOnce) {
   SharedStore early = phone_.openStore();
   WidgetStats::recordExpense(early, 1);
   early.writeText(StoreKeys::todayTotal, "101.0");  // as a run that has read 1.0 and adds 100
@@ -238,7 +238,7 @@ TEST_F(WidgetFigures, LoseAnExpenseWhenTwoRunsWriteAtTheSameTime) {
 
 using WidgetFiguresDeathTest = WidgetFigures;
 
-TEST_F(WidgetFiguresDeathTest, StopTheProcessRatherThanCountPastTheLargestNumber) {
+TEST_F(WidgetFiguresDeathTest, AbortWhenTheCountOverflows) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const ScopedVariable inside("TMPDIR", phone_.folders.home().string());
   beginToday();

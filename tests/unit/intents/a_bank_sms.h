@@ -1,4 +1,4 @@
-// A bank's message, processed on a test's phone. Asserts nothing.
+// A bank SMS, processed on a test phone.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@ class ABankSMS : public ASignedInPhone {
     phone_.session.willAnswer(std::move(body));
     return perform();
   }
-  /// As above, and the queued text is sent again to no avail.
+  /// As above, and the retry of the queued text is not saved.
   std::string performSaved(std::string body) {
     willAnswerThenDrain(std::move(body));
     return perform();

@@ -1,5 +1,5 @@
-// A test's phone on which somebody is signed in and one text waits in the queue, and what an intent
-// may have done to it. Performs none.
+// A test phone on which a user is signed in and one text is queued, with checks of the effects of
+// an intent.
 #pragma once
 
 #include <optional>
@@ -25,7 +25,7 @@ class ASignedInPhone : public ::testing::Test {
     before_ = phone_.contents();
   }
 
-  /// The backend will answer `body`, and that the queued text, sent again, was not saved.
+  /// The backend will answer `body`, and will not save the retried text of the queue.
   void willAnswerThenDrain(std::string body) {
     phone_.session.willAnswer(std::move(body));
     phone_.session.willAnswer(testkit::notSavedBody);
@@ -34,12 +34,12 @@ class ASignedInPhone : public ::testing::Test {
     return PendingSmsQueue::load(testkit::TestPhone::openStore());
   }
 
-  /// Nothing was sent, told, counted or queued.
+  /// Expects that nothing was sent, posted, counted or queued.
   void expectNothingDone() {
     EXPECT_THAT(phone_.log.names(), ::testing::IsEmpty());
     EXPECT_EQ(phone_.contents(), before_);
   }
-  /// The backend was asked and nothing else happened.
+  /// Expects one exchange with the backend and no other effect.
   void expectNothingButTheExchange() {
     EXPECT_THAT(phone_.log.names(), ::testing::ElementsAre("exchange"));
     EXPECT_EQ(phone_.contents(), before_);
@@ -56,8 +56,8 @@ class ASignedInPhone : public ::testing::Test {
     EXPECT_THAT(queued(), ::testing::IsEmpty());
     EXPECT_EQ(phone_.session.requests().size(), 2u);
   }
-  /// An expense of 150 was counted, then the widget reloaded, then the person was told, and then
-  /// the queued text was sent again.
+  /// Expects these steps: an expense of 150 is counted, the widget reloads, a notification is
+  /// posted, the queued text is retried.
   void expectStepsOfASavedExpenseInOrder() {
     ASSERT_THAT(phone_.log.names(), ::testing::ElementsAre("exchange", "reload", "settings",
                                                            "notification", "exchange"));

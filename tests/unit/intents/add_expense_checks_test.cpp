@@ -1,4 +1,4 @@
-// What a run of AddExpenseIntent checks before it sends anything, and what it sends.
+// The checks of AddExpenseIntent before it sends anything, and its request.
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -15,23 +15,23 @@ using testkit::TestPhone;
 
 using Limits = std::numeric_limits<double>;
 
-TEST_F(AnAddedExpense, OfNothingOrLessIsNoExpense) {
+TEST_F(AnAddedExpense, IsRefusedWithAZeroOrNegativeAmount) {
   for (const double amount : {0.0, -0.0, -0.01, -25.0, -Limits::infinity()}) {
     EXPECT_EQ(perform(amount), "No expense to track") << amount;
   }
   expectNothingDone();
 }
 
-TEST_F(AnAddedExpense, OfWhatIsNotANumberIsNoExpense) {
+TEST_F(AnAddedExpense, IsRefusedWithNaN) {
   EXPECT_EQ(perform(Limits::quiet_NaN()), "No expense to track");
   expectNothingDone();
 }
 
-TEST_F(AnAddedExpense, OfTheSmallestAmountAboveNothingIsSent) {
+TEST_F(AnAddedExpense, IsSentWithTheSmallestPositiveAmount) {
   EXPECT_EQ(textSent(Limits::denorm_min()), "Paid 5e-324 EGP at Cafe");
 }
 
-TEST_F(AnAddedExpense, AtAMerchantOfBlanksOnlyIsNoExpense) {
+TEST_F(AnAddedExpense, IsRefusedWithAMerchantOfBlanks) {
   for (const auto* const blanks :
        {"", " ", "\t", " \t ", "\u00a0", "\u3000", "\u2009\u202f", "\u1680\u205f"}) {
     EXPECT_EQ(perform(25, blanks), "No expense to track");
@@ -39,7 +39,7 @@ TEST_F(AnAddedExpense, AtAMerchantOfBlanksOnlyIsNoExpense) {
   expectNothingDone();
 }
 
-TEST_F(AnAddedExpense, AtAMerchantOfLineBreaksOnlyIsSent) {
+TEST_F(AnAddedExpense, IsSentWithAMerchantOfLineBreaks) {
   EXPECT_EQ(textSent(25, "\n"), "Paid 25.0 EGP at \n");
   EXPECT_EQ(textSent(25, " \r\n\t"), "Paid 25.0 EGP at  \r\n\t");
   EXPECT_EQ(textSent(25, "\u2028"), "Paid 25.0 EGP at \u2028");
@@ -54,7 +54,7 @@ TEST_F(AnAddedExpense, IsCheckedBeforeTheStoreIsOpened) {
   EXPECT_THAT(phone_.log.names(), IsEmpty());
 }
 
-TEST_F(AnAddedExpense, IsNotSentForSomebodyWhoIsNotSignedIn) {
+TEST_F(AnAddedExpense, IsNotSentWhenSignedOut) {
   const std::string askToSignIn = "Please open Kivo app and sign in first";
   phone_.put(StoreKeys::userId, "");
   EXPECT_EQ(perform(), askToSignIn);
@@ -80,7 +80,7 @@ TEST_F(AnAddedExpense, IsSentOnceWithKeyDateAndCredentials) {
               ElementsAre(::testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")));
 }
 
-TEST_F(AnAddedExpense, HasAKeyOfItsOwnAtEachRun) {
+TEST_F(AnAddedExpense, HasANewKeyInEachRun) {
   performAnswered(notSavedBody);
   performAnswered(notSavedBody);
   const auto keys = phone_.session.sent("idempotency_key");
@@ -89,24 +89,24 @@ TEST_F(AnAddedExpense, HasAKeyOfItsOwnAtEachRun) {
 
 // The sentence.
 
-TEST_F(AnAddedExpense, IsSentInPoundsWhenNoCurrencyIsStored) {
+TEST_F(AnAddedExpense, IsSentInPoundsWithoutAStoredCurrency) {
   EXPECT_EQ(phone_.text(StoreKeys::currency), std::nullopt);
   EXPECT_EQ(textSent(25), "Paid 25.0 EGP at Cafe");
 }
 
-TEST_F(AnAddedExpense, IsSentInPoundsWhenTheStoredCurrencyIsNoText) {
+TEST_F(AnAddedExpense, IsSentInPoundsWhenTheCurrencyIsNotAText) {
   phone_.put(StoreKeys::currency, 840.0);
   EXPECT_EQ(textSent(25), "Paid 25.0 EGP at Cafe");
 }
 
-TEST_F(AnAddedExpense, IsSentInTheCurrencyExactlyAsItIsStored) {
+TEST_F(AnAddedExpense, IsSentWithTheStoredCurrencyUnchanged) {
   phone_.put(StoreKeys::currency, "usd ");
   EXPECT_EQ(textSent(25), "Paid 25.0 usd  at Cafe");
   phone_.put(StoreKeys::currency, "");
   EXPECT_EQ(textSent(25), "Paid 25.0  at Cafe");
 }
 
-TEST_F(AnAddedExpense, IsSentWithTheShortestDigitsThatReadBack) {
+TEST_F(AnAddedExpense, IsSentWithTheShortestDigitsThatRoundTrip) {
   EXPECT_EQ(textSent(12.5), "Paid 12.5 EGP at Cafe");
   EXPECT_EQ(textSent(0.1 + 0.2), "Paid 0.30000000000000004 EGP at Cafe");
   EXPECT_EQ(textSent(1234567), "Paid 1234567.0 EGP at Cafe") << "no grouping";

@@ -1,5 +1,4 @@
-// What a run of AddExpenseIntent does when the backend cannot be asked, or answers with anything
-// but success.
+// AddExpenseIntent when the backend cannot be reached, or answers with an error.
 #include <limits>
 
 #include "unit/intents/an_added_expense.h"
@@ -17,7 +16,7 @@ const std::string savedOffline = "Saved offline - will process when connected";
 
 using AnAddedExpenseThatFails = AnAddedExpense;
 
-TEST_F(AnAddedExpenseThatFails, IsQueuedAsSentWithItsAmountAndMerchant) {
+TEST_F(AnAddedExpenseThatFails, IsQueuedWithAmountAndMerchant) {
   phone_.put(StoreKeys::currency, "USD");
   EXPECT_EQ(performFailing(12.5, " Cafe \n").dialog, savedOffline);
   const PendingSmsItem expected{.id = phone_.session.sent("idempotency_key").at(0),
@@ -33,7 +32,7 @@ TEST_F(AnAddedExpenseThatFails, IsQueuedAsSentWithItsAmountAndMerchant) {
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueueCount), "2");
 }
 
-TEST_F(AnAddedExpenseThatFails, KeepsTheDateOfTheRequestButTheTimeOfTheQueuing) {
+TEST_F(AnAddedExpenseThatFails, HasTheDateOfItsRequestAndTheTimeItWasQueued) {
   phone_.clock.set(testkit::utc(2026, 1, 31, 23, 59, 50));
   phone_.session.willDo([this](const platform::URLRequest&) -> platform::URLAnswer {
     phone_.clock.advance(std::chrono::seconds(15));
@@ -44,7 +43,7 @@ TEST_F(AnAddedExpenseThatFails, KeepsTheDateOfTheRequestButTheTimeOfTheQueuing) 
   EXPECT_EQ(queued().back().queuedAt, "2026-02-01T00:00:05Z");
 }
 
-TEST_F(AnAddedExpenseThatFails, WritesOneLineWithoutAnythingSecret) {
+TEST_F(AnAddedExpenseThatFails, PrintsOneLineWithoutSecrets) {
   phone_.put(StoreKeys::userId, "MARK-user");
   const auto transport = performFailing(150.25, "MARK").written;
   EXPECT_EQ(transport.out, std::string("AddExpenseIntent error: ") +
@@ -62,14 +61,14 @@ TEST_F(AnAddedExpenseThatFails, WritesOneLineWithoutAnythingSecret) {
             "AddExpenseIntent error: DecodingError keyNotFound at saved\n");
 }
 
-TEST_F(AnAddedExpenseThatFails, IsQueuedBeforeThePersonIsTold) {
+TEST_F(AnAddedExpenseThatFails, IsQueuedBeforeTheNotification) {
   performFailing();
   EXPECT_THAT(phone_.log.names(), ElementsAre("exchange", "settings", "notification"));
   EXPECT_EQ(testkit::textIn(phone_.log.first("settings").store, StoreKeys::pendingSmsQueueCount),
             "2");
 }
 
-TEST_F(AnAddedExpenseThatFails, NeitherReloadsNorCountsNorDrains) {
+TEST_F(AnAddedExpenseThatFails, DoesNotReloadCountOrDrain) {
   performFailing();
   EXPECT_EQ(phone_.widget.reloads(), 0);
   expectTotalsLeftAlone();
@@ -77,7 +76,7 @@ TEST_F(AnAddedExpenseThatFails, NeitherReloadsNorCountsNorDrains) {
   EXPECT_EQ(phone_.number(StoreKeys::smsQueueDrainLock), std::nullopt);
 }
 
-TEST_F(AnAddedExpenseThatFails, IsToldInTheSameWordsAsABankSMS) {
+TEST_F(AnAddedExpenseThatFails, HasTheSameTextsAsABankSMS) {
   EXPECT_EQ(performFailing().dialog, savedOffline);
   phone_.session.willAnswer("", 500);
   std::string dialogOfTheSMS;
@@ -87,7 +86,7 @@ TEST_F(AnAddedExpenseThatFails, IsToldInTheSameWordsAsABankSMS) {
   EXPECT_THAT(phone_.notifications.told(), ElementsAre(told, told));
 }
 
-TEST_F(AnAddedExpenseThatFails, IsSentAgainUnderTheSameKeyAfterTheNextSuccess) {
+TEST_F(AnAddedExpenseThatFails, IsRetriedUnderTheSameKeyAfterTheNextSuccess) {
   performFailing();
   for (int request = 0; request < 3; ++request) phone_.session.willAnswer(savedBody());
   phone_.clock.advance(std::chrono::hours(24));
@@ -101,15 +100,15 @@ TEST_F(AnAddedExpenseThatFails, IsSentAgainUnderTheSameKeyAfterTheNextSuccess) {
   EXPECT_EQ(phone_.text(StoreKeys::todayTotal), "150.0") << "a drained expense is not counted";
 }
 
-// JSON cannot carry it, and so nothing of the list: an accepted loss.
-TEST_F(AnAddedExpenseThatFails, WithAnInfiniteAmountEmptiesTheQueueButNotItsCount) {
+// JSON cannot express it, so the whole list is lost: an accepted loss.
+TEST_F(AnAddedExpenseThatFails, EmptiesTheQueueWhenItsAmountIsInfinite) {
   const auto output = performFailing(std::numeric_limits<double>::infinity());
   EXPECT_EQ(output.dialog, savedOffline);
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueue), "[]");
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueueCount), "2");
 }
 
-TEST_F(AnAddedExpenseThatFails, QueuesItsSentenceWhenItIsCancelled) {
+TEST_F(AnAddedExpenseThatFails, IsQueuedWhenItIsCancelled) {
   phone_.session.willAnswer(savedBody());
   phone_.session.gate().close();
   const auto written = testkit::writtenBy([&] {

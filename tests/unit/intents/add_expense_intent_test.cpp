@@ -1,4 +1,4 @@
-// What a run of AddExpenseIntent makes of each answer of the backend.
+// AddExpenseIntent for each answer of the backend.
 #include "unit/intents/an_added_expense.h"
 
 namespace kivo {
@@ -13,9 +13,9 @@ using testkit::TestPhone;
 
 const std::string tracked = "Tracked EGP\u00a0150.00 at Carrefour";
 
-// What was not saved.
+// Answers with nothing saved.
 
-TEST_F(AnAddedExpense, ThatIsNotSavedFailedToBeTrackedWhateverTheReason) {
+TEST_F(AnAddedExpense, IsReportedAsNotTrackedForAnyReason) {
   for (const auto* const body :
        {R"({"saved":false})", R"({"saved":false,"reason":null})", R"({"saved":false,"reason":""})",
         R"({"saved":false,"reason":"declined"})", R"({"saved":false,"reason":"otp"})"}) {
@@ -25,24 +25,24 @@ TEST_F(AnAddedExpense, ThatIsNotSavedFailedToBeTrackedWhateverTheReason) {
   EXPECT_EQ(phone_.contents(), before_);
 }
 
-TEST_F(AnAddedExpense, SavedWithoutAnExpenseFailedToBeTracked) {
+TEST_F(AnAddedExpense, IsReportedAsNotTrackedWithoutAnExpense) {
   EXPECT_EQ(performAnswered(testkit::savedWithoutExpenseBody), "Failed to track expense");
   expectNothingButTheExchange();
 }
 
-TEST_F(AnAddedExpense, NotSavedThoughItHasAnExpenseFailedToBeTracked) {
+TEST_F(AnAddedExpense, IsReportedAsNotTrackedWhenAnExpenseIsNotSaved) {
   EXPECT_EQ(performAnswered(R"({"saved":false,"expense":{"id":"e","description":"d","amount":1,)"
                             R"("category":"c","expense_date":"x"}})"),
             "Failed to track expense");
   expectNothingButTheExchange();
 }
 
-// What was saved.
+// Answers with a saved expense.
 
 class OfEveryType : public AnAddedExpense,
                     public ::testing::WithParamInterface<std::optional<std::string>> {};
 
-TEST_P(OfEveryType, AnAddedExpenseIsAnExpenseAndCounted) {
+TEST_P(OfEveryType, AnAddedExpenseIsTrackedAndCounted) {
   EXPECT_EQ(performSaved(savedBody({.type = GetParam()})), tracked);
   EXPECT_THAT(totals(), ElementsAre("150.0", "1", "150.0"))
       << "the amount that the backend answered";
@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(Types, OfEveryType,
 class InAnExcludedCategory : public AnAddedExpense,
                              public ::testing::WithParamInterface<std::string> {};
 
-TEST_P(InAnExcludedCategory, AnAddedExpenseIsToldButNotCounted) {
+TEST_P(InAnExcludedCategory, AnAddedExpenseIsTrackedButNotCounted) {
   EXPECT_EQ(performSaved(savedBody({.category = GetParam()})), tracked);
   expectTotalsLeftAlone();
   EXPECT_THAT(phone_.notifications.told(), ElementsAre("💸 Expense Tracked | EGP\u00a0150.00 at "
@@ -69,18 +69,18 @@ TEST_P(InAnExcludedCategory, AnAddedExpenseIsToldButNotCounted) {
 INSTANTIATE_TEST_SUITE_P(Categories, InAnExcludedCategory,
                          ::testing::Values("__system_transfer__", "Credit Card Settlement"));
 
-TEST_F(AnAddedExpense, InACategoryThatIsExcludedButForItsCaseIsCounted) {
+TEST_F(AnAddedExpense, IsCountedInAnExcludedCategoryOfAnotherCase) {
   performSaved(savedBody({.category = "credit card settlement"}));
   EXPECT_THAT(totals(), ElementsAre("150.0", "1", "150.0"));
 }
 
-TEST_F(AnAddedExpense, SavedWithAReasonIsStillTracked) {
+TEST_F(AnAddedExpense, IsTrackedWhenSavedWithAReason) {
   EXPECT_EQ(performSaved(R"({"saved":true,"reason":"declined","expense":{"id":"e",)"
                          R"("description":"d","amount":1,"category":"c","expense_date":"x"}})"),
             "Tracked EGP\u00a01.00 at d");
 }
 
-TEST_F(AnAddedExpense, HasItsAmountFormattedAnewForTheDialog) {
+TEST_F(AnAddedExpense, HasItsAmountFormattedAgainForTheDialog) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willDo([](const platform::URLRequest&) {
     TestPhone::put(StoreKeys::currency, "USD");  // the app changes it while the queue drains
@@ -91,14 +91,14 @@ TEST_F(AnAddedExpense, HasItsAmountFormattedAnewForTheDialog) {
               ElementsAre("💸 Expense Tracked | EGP\u00a0150.00 at Carrefour (Groceries)"));
 }
 
-TEST_F(AnAddedExpense, IsAnsweredTheSameWhenNothingCanBeShown) {
+TEST_F(AnAddedExpense, GetsTheSameAnswerWithoutNotifications) {
   phone_.notifications.setStatus(platform::UNAuthorizationStatus::denied);
   EXPECT_EQ(performSaved(savedBody()), tracked);
   EXPECT_THAT(phone_.notifications.told(), IsEmpty());
   expectReloadedAndDrained();
 }
 
-TEST_F(AnAddedExpense, HasThreeQueuedTextsSentAgainAtMost) {
+TEST_F(AnAddedExpense, RetriesThreeQueuedTextsAtMost) {
   SharedStore store = phone_.openStore();
   PendingSmsQueue::save({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")},
                         store);
@@ -113,7 +113,7 @@ TEST_F(AnAddedExpense, TakesItsStepsInOrder) {
   expectStepsOfASavedExpenseInOrder();
 }
 
-TEST_F(AnAddedExpense, IsAnsweredOnlyAfterTheDrain) {
+TEST_F(AnAddedExpense, GetsItsAnswerAfterTheDrain) {
   willAnswerThenDrain(savedBody());
   phone_.session.gate().close();
   StartedRun run = addExpense();
@@ -125,7 +125,7 @@ TEST_F(AnAddedExpense, IsAnsweredOnlyAfterTheDrain) {
   EXPECT_EQ(run.dialog(), tracked);
 }
 
-TEST_F(AnAddedExpense, WritesNoLineWhenAllIsWell) {
+TEST_F(AnAddedExpense, PrintsNothingOnSuccess) {
   willAnswerThenDrain(savedBody());
   EXPECT_EQ(performCaptured().written, testkit::WrittenOutput{});
 }

@@ -1,4 +1,4 @@
-// An expense of 25 at Cafe, unless a test says otherwise, added on a test's phone. Asserts nothing.
+// An added expense, of 25 at Cafe by default, on a test phone.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@
 
 namespace kivo {
 
-/// A run of AddExpenseIntent with any amount, be it one that no caller could give.
+/// A run of AddExpenseIntent with any amount, even one that no caller could pass.
 inline StartedRun addExpense(double amount = 25, std::string merchant = "Cafe") {
   auto intent = std::make_unique<AddExpenseIntent>();
   intent->amount.assign(amount);
@@ -30,7 +30,7 @@ class AnAddedExpense : public ASignedInPhone {
     phone_.session.willAnswer(std::move(body));
     return perform();
   }
-  /// As above, and the queued text is sent again to no avail.
+  /// As above, and the retry of the queued text is not saved.
   std::string performSaved(std::string body) {
     willAnswerThenDrain(std::move(body));
     return perform();
@@ -49,8 +49,7 @@ class AnAddedExpense : public ASignedInPhone {
     phone_.session.willFail(platform::URLError(platform::URLError::Code::timedOut));
     return performCaptured(amount, merchant);
   }
-  /// What was sent as the text of the first request that an expense of `amount` at `merchant`
-  /// makes.
+  /// The text of the first request for an expense of `amount` at `merchant`.
   std::string textSent(double amount, std::string merchant = "Cafe") {
     phone_.session.willAnswer(testkit::notSavedBody);
     perform(amount, std::move(merchant));

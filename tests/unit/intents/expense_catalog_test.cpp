@@ -1,4 +1,4 @@
-// What the extension declares to the system.
+// The declarations of the extension to the system.
 #include <array>
 #include <string>
 #include <thread>
@@ -22,7 +22,7 @@ using platform::LocalizedStringResource;
 using ::testing::ElementsAre;
 using ValueType = AnyIntentParameter::ValueType;
 
-TEST(TheExtension, OffersItsTwoIntentsAnewOnEachRequest) {
+TEST(TheExtension, CreatesItsTwoIntentsOnEachRequest) {
   const auto extension = ExpenseIntentsExtension::make();
   EXPECT_EQ(extension.applicationName, "Kivo");
   ASSERT_EQ(extension.intents.size(), 2u);
@@ -50,12 +50,12 @@ void expectDefaults(const AppIntent& intent) {
   EXPECT_EQ(metadata.persistentIdentifier, std::nullopt);
 }
 
-TEST(AnIntent, LeavesTheRestToTheFramework) {
+TEST(AnIntent, HasDefaultsForAllOtherMetadata) {
   expectDefaults(AddExpenseIntent());
   expectDefaults(ProcessSMSIntent());
 }
 
-TEST(AnIntentsTitle, IsWhatAPersonReads) {
+TEST(AnIntentsTitle, IsTheTextShownToUsers) {
   EXPECT_EQ(AddExpenseIntent().title(), LocalizedStringResource{"Add Expense"});
   EXPECT_EQ(ProcessSMSIntent().title(), LocalizedStringResource{"Process Bank SMS"});
 }
@@ -66,7 +66,7 @@ TEST(AnIntentsTitle, IsTheSameObjectOnEachRequest) {
 }
 
 // Run by itself, as ctest does, this is the first request; the thread sanitizer watches it.
-TEST(AnIntentsTitle, IsMadeOnceThoughThreadsAskForItAtTheSameTime) {
+TEST(AnIntentsTitle, IsCreatedOnceForConcurrentThreads) {
   std::array<const LocalizedStringResource*, 8> seen{};
   {
     std::vector<std::jthread> threads;
@@ -156,7 +156,7 @@ TEST(TheShortcuts, EndEachPhraseWithTheApplicationsName) {
                           "Track SMS transaction in |"));
 }
 
-TEST(TheShortcuts, AreBuiltOnEachRequestWithFreshIntents) {
+TEST(TheShortcuts, HaveNewIntentsOnEachRequest) {
   const auto extension = ExpenseIntentsExtension::make();
   const auto first = extension.appShortcuts();
   platform::parameterNamed(*first[0].intent, "merchant")->setFromText("Cafe");

@@ -1,4 +1,4 @@
-// What a run checks before it sends anything, and what it sends.
+// The checks of ProcessSMSIntent before it sends anything, and its request.
 #include <filesystem>
 #include <fstream>
 
@@ -12,7 +12,7 @@ using ::testing::IsEmpty;
 using testkit::notSavedBody;
 using testkit::TestPhone;
 
-TEST_F(ABankSMS, OfBlanksOnlyIsNoText) {
+TEST_F(ABankSMS, IsRefusedWhenItIsOnlyBlanks) {
   for (const auto* const blanks :
        {"", " ", "\t", " \t ", "\u00a0", "\u3000", "\u2009\u202f", "\u1680\u205f"}) {
     EXPECT_EQ(perform(blanks), "No SMS text provided");
@@ -20,7 +20,7 @@ TEST_F(ABankSMS, OfBlanksOnlyIsNoText) {
   expectNothingDone();
 }
 
-TEST_F(ABankSMS, OfLineBreaksOnlyIsSent) {
+TEST_F(ABankSMS, IsSentWhenItIsOnlyLineBreaks) {
   for (const auto* const text : {"\n", "\r\n", " \n\t", "\u2028", "\v", "\u200b"}) {
     EXPECT_EQ((phone_.session.willAnswer(notSavedBody), perform(text)),
               "SMS ignored - not a transaction");
@@ -29,7 +29,7 @@ TEST_F(ABankSMS, OfLineBreaksOnlyIsSent) {
               ElementsAre("\n", "\r\n", " \n\t", "\u2028", "\v", "\u200b"));
 }
 
-TEST_F(ABankSMS, IsSentWithTheBlanksAroundIt) {
+TEST_F(ABankSMS, IsSentWithItsSurroundingBlanks) {
   phone_.session.willAnswer(notSavedBody);
   perform(" \t\u00a0Paid 150\u3000\n ");
   EXPECT_THAT(phone_.session.sent("sms_text"), ElementsAre(" \t\u00a0Paid 150\u3000\n "));
@@ -44,14 +44,14 @@ TEST_F(ABankSMS, IsSentOnceWithKeyDateAndCredentials) {
               ElementsAre(::testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")));
 }
 
-TEST_F(ABankSMS, HasAKeyOfItsOwnAtEachRun) {
+TEST_F(ABankSMS, HasANewKeyInEachRun) {
   performAnswered(notSavedBody);
   performAnswered(notSavedBody);
   const auto keys = phone_.session.sent("idempotency_key");
   EXPECT_NE(keys[0], keys[1]);
 }
 
-TEST_F(ABankSMS, IsNotSentForSomebodyWhoIsNotSignedIn) {
+TEST_F(ABankSMS, IsNotSentWhenSignedOut) {
   const std::string askToSignIn = "Please open Kivo app and sign in first";
   phone_.put(StoreKeys::userId, "");
   EXPECT_EQ(perform(), askToSignIn);
@@ -66,7 +66,7 @@ TEST_F(ABankSMS, IsNotSentForSomebodyWhoIsNotSignedIn) {
   EXPECT_THAT(phone_.log.names(), IsEmpty());
 }
 
-TEST(APhoneWithoutSignIn, SendsNothing) {
+TEST(APhoneWithoutSignIn, SendsNoMessage) {
   TestPhone phone;
   std::filesystem::remove_all(phone.folders.dataHome());
   EXPECT_EQ(StartedRun("Paid 150").dialog(), "Please open Kivo app and sign in first");
@@ -75,7 +75,7 @@ TEST(APhoneWithoutSignIn, SendsNothing) {
   EXPECT_THAT(phone.log.names(), IsEmpty());
 }
 
-TEST_F(ABankSMS, IsSentForAUserIdOfBlanks) {
+TEST_F(ABankSMS, IsSentWithAUserIdOfBlanks) {
   phone_.put(StoreKeys::userId, " ");
   performAnswered(notSavedBody);
   EXPECT_THAT(phone_.session.sent("user_id"), ElementsAre(" "));
@@ -89,7 +89,7 @@ TEST_F(ABankSMS, IsNotSentWhenTheStoreCannotBeOpened) {
   EXPECT_EQ(perform(" "), "No SMS text provided") << "the text is looked at first";
 }
 
-TEST_F(ABankSMS, FollowsANewSignInAtTheNextRun) {
+TEST_F(ABankSMS, UsesANewSignInInTheNextRun) {
   performAnswered(notSavedBody);
   phone_.put(StoreKeys::userId, "somebody-else");
   phone_.put(StoreKeys::supabaseUrl, "http://elsewhere.example");

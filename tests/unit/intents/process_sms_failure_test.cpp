@@ -1,4 +1,4 @@
-// What a run does when the backend cannot be asked, or answers with anything but success.
+// ProcessSMSIntent when the backend cannot be reached, or answers with an error.
 #include <functional>
 
 #include <gmock/gmock.h>
@@ -60,14 +60,14 @@ TEST_F(ABankSMSThatFails, IsQueuedUnderTheKeyAndDateOfItsRequest) {
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueueCount), "1");
 }
 
-TEST_F(ABankSMSThatFails, LeavesAmountAndMerchantOut) {
+TEST_F(ABankSMSThatFails, IsQueuedWithoutAmountAndMerchant) {
   perform();
   const auto text = phone_.text(StoreKeys::pendingSmsQueue).value();
   EXPECT_THAT(text, Not(HasSubstr("amount")));
   EXPECT_THAT(text, Not(HasSubstr("merchant")));
 }
 
-TEST_F(ABankSMSThatFails, KeepsTheDateOfTheRequestButTheTimeOfTheQueuing) {
+TEST_F(ABankSMSThatFails, HasTheDateOfItsRequestAndTheTimeItWasQueued) {
   phone_.clock.set(testkit::utc(2026, 1, 31, 23, 59, 50));
   phone_.session.willDo([this](const platform::URLRequest&) -> platform::URLAnswer {
     phone_.clock.advance(std::chrono::seconds(15));
@@ -79,20 +79,20 @@ TEST_F(ABankSMSThatFails, KeepsTheDateOfTheRequestButTheTimeOfTheQueuing) {
   EXPECT_EQ(queued()[0].queuedAt, "2026-02-01T00:00:05Z");
 }
 
-TEST_F(ABankSMSThatFails, IsToldAsSavedOffline) {
+TEST_F(ABankSMSThatFails, PostsThatItIsSavedOffline) {
   perform();
   EXPECT_THAT(phone_.notifications.told(),
               ElementsAre("📡 Expense Saved Offline | Will be processed when you're back online"));
 }
 
-TEST_F(ABankSMSThatFails, IsQueuedBeforeThePersonIsTold) {
+TEST_F(ABankSMSThatFails, IsQueuedBeforeTheNotification) {
   perform();
   EXPECT_THAT(phone_.log.names(), ElementsAre("exchange", "settings", "notification"));
   EXPECT_EQ(testkit::textIn(phone_.log.first("settings").store, StoreKeys::pendingSmsQueueCount),
             "1");
 }
 
-TEST_F(ABankSMSThatFails, IsAnsweredAfterThePersonIsTold) {
+TEST_F(ABankSMSThatFails, GetsItsAnswerAfterTheNotification) {
   phone_.session.willAnswer("", 500);
   phone_.notifications.addGate().close();
   StartedRun run("Paid 150");
@@ -102,7 +102,7 @@ TEST_F(ABankSMSThatFails, IsAnsweredAfterThePersonIsTold) {
   EXPECT_EQ(run.dialog(), savedOffline);
 }
 
-TEST_F(ABankSMSThatFails, NeitherReloadsNorCountsNorDrains) {
+TEST_F(ABankSMSThatFails, DoesNotReloadCountOrDrain) {
   SharedStore store = phone_.openStore();
   PendingSmsQueue::save({testkit::queuedItem("waiting")}, store);
   perform();
@@ -113,7 +113,7 @@ TEST_F(ABankSMSThatFails, NeitherReloadsNorCountsNorDrains) {
   EXPECT_EQ(queued().front(), testkit::queuedItem("waiting"));
 }
 
-TEST_F(ABankSMSThatFails, IsSentAgainUnderTheSameKeyAfterTheNextSuccess) {
+TEST_F(ABankSMSThatFails, IsRetriedUnderTheSameKeyAfterTheNextSuccess) {
   perform();
   phone_.session.willAnswer(testkit::savedBody());
   phone_.session.willAnswer(testkit::savedBody({.amount = 7}));
@@ -137,19 +137,19 @@ TEST_F(ABankSMSThatFails, IsQueuedOnceWhenItFailsTwiceWithinAMinute) {
   EXPECT_EQ(queued().size(), 2u);
 }
 
-TEST_F(ABankSMSThatFails, IsQueuedAndAnsweredThoughNotificationsAreForbidden) {
+TEST_F(ABankSMSThatFails, IsQueuedAndAnsweredWithoutNotifications) {
   phone_.notifications.setStatus(platform::UNAuthorizationStatus::denied);
   EXPECT_EQ(perform(), savedOffline);
   EXPECT_EQ(queued().size(), 1u);
 }
 
-TEST_F(ABankSMSThatFails, IsQueuedWhenItIsTheBackendsAnswerThatCannotBeRead) {
+TEST_F(ABankSMSThatFails, IsQueuedWhenTheAnswerCannotBeDecoded) {
   phone_.session.willAnswer("<html>");
   EXPECT_EQ(performCaptured().written.out, "ProcessSMSIntent error: DecodingError dataCorrupted\n");
   EXPECT_EQ(queued().size(), 1u);
 }
 
-// The error line, for every kind of failure, when all that is secret carries a mark.
+// The error line for every kind of failure, with all secrets marked.
 
 struct Failure {
   std::string name;
@@ -207,7 +207,7 @@ std::vector<Failure> failures() {
 
 class AFailure : public ABankSMSThatFails, public ::testing::WithParamInterface<Failure> {};
 
-TEST_P(AFailure, IsWrittenAsOneLineWithoutAnythingSecret) {
+TEST_P(AFailure, IsPrintedInOneLineWithoutSecrets) {
   phone_.put(StoreKeys::userId, "MARK-user");
   GetParam().arrange(phone_.session);
   const auto output = performCaptured("Paid 150.25 at MARK");

@@ -1,4 +1,4 @@
-// What a run makes of each answer of the backend.
+// ProcessSMSIntent for each answer of the backend.
 #include "intents/process_sms_intent.h"
 
 #include "testkit/written_output.h"
@@ -14,14 +14,14 @@ using testkit::queuedItem;
 using testkit::savedBody;
 using testkit::TestPhone;
 
-// What was not saved.
+// Answers with nothing saved.
 
-TEST_F(ABankSMS, ThatTheBankDeclinedIsNotTracked) {
+TEST_F(ABankSMS, IsNotTrackedWhenTheTransactionWasDeclined) {
   EXPECT_EQ(performAnswered(testkit::declinedBody), "Transaction was declined - not tracked");
   expectNothingButTheExchange();
 }
 
-TEST_F(ABankSMS, ThatIsNoTransactionIsIgnored) {
+TEST_F(ABankSMS, IsIgnoredWhenItIsNotATransaction) {
   for (const auto* const body :
        {R"({"saved":false})", R"({"saved":false,"reason":null})", R"({"saved":false,"reason":""})",
         R"({"saved":false,"reason":"otp"})"}) {
@@ -31,41 +31,41 @@ TEST_F(ABankSMS, ThatIsNoTransactionIsIgnored) {
   EXPECT_EQ(phone_.contents(), before_);
 }
 
-TEST_F(ABankSMS, IsDeclinedOnlyInExactlyThatWord) {
+TEST_F(ABankSMS, IsDeclinedOnlyWithTheExactReason) {
   for (const auto* const reason : {"Declined", "DECLINED", "declined ", "decline"}) {
     EXPECT_EQ(performAnswered(R"({"saved":false,"reason":")" + std::string(reason) + R"("})"),
               "SMS ignored - not a transaction");
   }
 }
 
-TEST_F(ABankSMS, SavedWithoutAnExpenseIsIgnored) {
+TEST_F(ABankSMS, IsIgnoredWhenSavedWithoutAnExpense) {
   EXPECT_EQ(performAnswered(R"({"saved":true,"transaction_type":"expense","expense":null})"),
             "SMS ignored - not a transaction");
   expectNothingButTheExchange();
 }
 
-TEST_F(ABankSMS, SavedWithoutAnExpenseMayBeDeclined) {
+TEST_F(ABankSMS, CanBeDeclinedWhenSavedWithoutAnExpense) {
   EXPECT_EQ(performAnswered(R"({"saved":true,"reason":"declined"})"),
             "Transaction was declined - not tracked");
   expectNothingButTheExchange();
 }
 
-TEST_F(ABankSMS, NotSavedThoughItHasAnExpenseIsIgnored) {
+TEST_F(ABankSMS, IsIgnoredWhenAnExpenseIsNotSaved) {
   EXPECT_EQ(performAnswered(R"({"saved":false,"expense":{"id":"e","description":"d","amount":1,)"
                             R"("category":"c","expense_date":"x"}})"),
             "SMS ignored - not a transaction");
   expectNothingButTheExchange();
 }
 
-TEST_F(ABankSMS, SavedWithAReasonIsStillSaved) {
+TEST_F(ABankSMS, IsTrackedWhenSavedWithAReason) {
   EXPECT_EQ(performSaved(R"({"saved":true,"reason":"declined","expense":{"id":"e",)"
                          R"("description":"d","amount":1,"category":"c","expense_date":"x"}})"),
             "Tracked EGP\u00a01.00 at d");
 }
 
-// What was saved.
+// Answers with a saved transaction.
 
-TEST_F(ABankSMS, OfAnExpenseIsTracked) {
+TEST_F(ABankSMS, IsTrackedWhenItIsAnExpense) {
   EXPECT_EQ(performSaved(savedBody({.type = "expense"})), "Tracked EGP\u00a0150.00 at Carrefour");
   EXPECT_THAT(totals(), ElementsAre("150.0", "1", "150.0"));
   EXPECT_THAT(phone_.notifications.told(),
@@ -73,7 +73,7 @@ TEST_F(ABankSMS, OfAnExpenseIsTracked) {
   expectReloadedAndDrained();
 }
 
-TEST_F(ABankSMS, WithoutATypeIsAnExpense) {
+TEST_F(ABankSMS, IsAnExpenseWithoutAType) {
   EXPECT_EQ(performSaved(savedBody()), "Tracked EGP\u00a0150.00 at Carrefour");
   EXPECT_THAT(totals(), ElementsAre("150.0", "1", "150.0"));
   EXPECT_THAT(phone_.notifications.told(),
@@ -81,7 +81,7 @@ TEST_F(ABankSMS, WithoutATypeIsAnExpense) {
   expectReloadedAndDrained();
 }
 
-TEST_F(ABankSMS, OfIncomeIsReceivedAndNotCounted) {
+TEST_F(ABankSMS, IsReceivedAndNotCountedWhenItIsIncome) {
   EXPECT_EQ(performSaved(savedBody({.type = "income", .description = "Employer"})),
             "Received EGP\u00a0150.00 from Employer");
   expectTotalsLeftAlone();
@@ -118,17 +118,17 @@ TEST_P(OfAnExcludedCategory, ABankSMSIsTrackedButNotCounted) {
 INSTANTIATE_TEST_SUITE_P(Categories, OfAnExcludedCategory,
                          ::testing::Values("__system_transfer__", "Credit Card Settlement"));
 
-TEST_F(ABankSMS, OfACategoryThatIsExcludedButForItsCaseIsCounted) {
+TEST_F(ABankSMS, IsCountedInAnExcludedCategoryOfAnotherCase) {
   performSaved(savedBody({.category = "credit card settlement"}));
   EXPECT_THAT(totals(), ElementsAre("150.0", "1", "150.0"));
 }
 
-TEST_F(ABankSMS, OfANegativeAmountIsToldWithoutTheSignButCountedWithIt) {
+TEST_F(ABankSMS, ShowsANegativeAmountUnsignedAndCountsItSigned) {
   EXPECT_EQ(performSaved(savedBody({.amount = -20.5})), "Tracked EGP\u00a020.50 at Carrefour");
   EXPECT_THAT(totals(), ElementsAre("-20.5", "1", "-20.5"));
 }
 
-TEST_F(ABankSMS, FormatsTheAmountAnewForTheDialog) {
+TEST_F(ABankSMS, FormatsTheAmountAgainForTheDialog) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willDo([](const platform::URLRequest&) {
     TestPhone::put(StoreKeys::currency, "USD");  // the app changes it while the queue drains
@@ -139,14 +139,14 @@ TEST_F(ABankSMS, FormatsTheAmountAnewForTheDialog) {
               ElementsAre("💸 Expense Tracked | EGP\u00a0150.00 at Carrefour (Groceries)"));
 }
 
-TEST_F(ABankSMS, IsAnsweredTheSameWhenNothingCanBeShown) {
+TEST_F(ABankSMS, GetsTheSameAnswerWithoutNotifications) {
   phone_.notifications.setStatus(platform::UNAuthorizationStatus::denied);
   EXPECT_EQ(performSaved(savedBody()), "Tracked EGP\u00a0150.00 at Carrefour");
   EXPECT_THAT(phone_.notifications.told(), IsEmpty());
   expectReloadedAndDrained();
 }
 
-TEST_F(ABankSMS, HasThreeQueuedTextsSentAgainAtMost) {
+TEST_F(ABankSMS, RetriesThreeQueuedTextsAtMost) {
   SharedStore store = phone_.openStore();
   PendingSmsQueue::save({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")},
                         store);
@@ -156,7 +156,7 @@ TEST_F(ABankSMS, HasThreeQueuedTextsSentAgainAtMost) {
   EXPECT_EQ(testkit::idsAndCounts(PendingSmsQueue::load(store)), std::vector<std::string>{"D:0"});
 }
 
-TEST_F(ABankSMS, IsAnsweredAfterADrainWhoseTextsFail) {
+TEST_F(ABankSMS, GetsItsAnswerWhenTheDrainFails) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willAnswer("", 500);
   EXPECT_EQ(perform(), "Tracked EGP\u00a0150.00 at Carrefour");
@@ -169,7 +169,7 @@ TEST_F(ABankSMS, TakesItsStepsInOrder) {
   expectStepsOfASavedExpenseInOrder();
 }
 
-TEST_F(ABankSMS, IsAnsweredOnlyAfterTheDrain) {
+TEST_F(ABankSMS, GetsItsAnswerAfterTheDrain) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willAnswer(notSavedBody);
   phone_.session.gate().close();
@@ -182,7 +182,7 @@ TEST_F(ABankSMS, IsAnsweredOnlyAfterTheDrain) {
   EXPECT_EQ(run.dialog(), "Tracked EGP\u00a0150.00 at Carrefour");
 }
 
-TEST_F(ABankSMS, WritesNoLineWhenAllIsWell) {
+TEST_F(ABankSMS, PrintsNothingOnSuccess) {
   const auto written = testkit::writtenBy([&] { performSaved(savedBody()); });
   EXPECT_EQ(written.out, "");
   EXPECT_EQ(written.err, "");

@@ -1,4 +1,4 @@
-// Several runs at once, and runs that are cancelled.
+// Concurrent and cancelled runs.
 #include <algorithm>
 #include <thread>
 
@@ -44,7 +44,7 @@ class Runs : public ::testing::Test {
 
 using TwoRuns = Runs;
 
-TEST_F(TwoRuns, HaveTheirExchangesUnderWayAtTheSameTime) {
+TEST_F(TwoRuns, ExchangeWithTheBackendInParallel) {
   phone_.session.willAnswer(notSavedBody);
   phone_.session.willAnswer(notSavedBody);
   phone_.session.gate().close();
@@ -57,7 +57,7 @@ TEST_F(TwoRuns, HaveTheirExchangesUnderWayAtTheSameTime) {
   EXPECT_EQ(other.dialog(), "SMS ignored - not a transaction");
 }
 
-TEST_F(TwoRuns, MayEndInTheOtherOrder) {
+TEST_F(TwoRuns, CanEndInTheOppositeOrder) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willAnswer(notSavedBody);
   phone_.notifications.addGate().close();
@@ -70,7 +70,7 @@ TEST_F(TwoRuns, MayEndInTheOtherOrder) {
   EXPECT_EQ(early.dialog(), tracked);
 }
 
-TEST_F(TwoRuns, HaveKeysOfTheirOwnForTheSameText) {
+TEST_F(TwoRuns, HaveDifferentKeysForTheSameText) {
   phone_.session.willAnswer(notSavedBody);
   phone_.session.willAnswer(notSavedBody);
   phone_.session.gate().close();
@@ -82,7 +82,7 @@ TEST_F(TwoRuns, HaveKeysOfTheirOwnForTheSameText) {
   EXPECT_NE(keys[0], keys[1]);
 }
 
-TEST_F(TwoRuns, CountBothExpensesOrOnlyTheLaterWritten) {
+TEST_F(TwoRuns, CountBothExpensesOrOnlyTheLastWritten) {
   phone_.session.willAnswer(savedBody({.amount = 1}));
   phone_.session.willAnswer(savedBody({.amount = 10}));
   phone_.session.gate().close();
@@ -119,7 +119,7 @@ TEST_F(TwoRuns, DrainTheQueueOnce) {
 
 using AnAcceptedLoss = Runs;
 
-TEST_F(AnAcceptedLoss, IsATextQueuedWhileAnotherRunDrains) {
+TEST_F(AnAcceptedLoss, IncludesATextQueuedWhileAnotherRunDrains) {
   queue({queuedItem("A")});
   phone_.session.willAnswer(savedBody());
   phone_.session.willAnswer(notSavedBody);
@@ -143,7 +143,7 @@ TEST_F(AnAcceptedLoss, IsATextQueuedWhileAnotherRunDrains) {
 
 using ARun = Runs;
 
-TEST_F(ARun, StaysOffTheMainThread) {
+TEST_F(ARun, NeverUsesTheMainThread) {
   phone_.session.willAnswer(savedBody());
   EXPECT_EQ(StartedRun("Paid 150").dialog(), tracked);
   EXPECT_THAT(phone_.session.threads(), Not(Contains(std::this_thread::get_id())));
@@ -191,7 +191,7 @@ TEST_F(ACancelledRun, WritesItsErrorLine) {
   EXPECT_EQ(written.err, "");
 }
 
-TEST_F(ACancelledRun, StillPostsThatItsTextIsSavedOffline) {
+TEST_F(ACancelledRun, PostsThatItsTextIsSavedOffline) {
   phone_.session.willAnswer("", 500);
   phone_.notifications.settingsGate().close();
   StartedRun run("Paid 150");
@@ -215,7 +215,7 @@ TEST_F(ACancelledRun, WaitsForTheCenterToTakeTheNotification) {
   expectFailurePathDone(run);
 }
 
-TEST_F(ACancelledRun, TellsOfASavedExpenseAndCountsTheDrainsItemsAsFailed) {
+TEST_F(ACancelledRun, NotifiesOfASavedExpenseAndFailsItsDrain) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")});
   for (int request = 0; request < 4; ++request) phone_.session.willAnswer(savedBody());
   phone_.notifications.settingsGate().close();
@@ -230,7 +230,7 @@ TEST_F(ACancelledRun, TellsOfASavedExpenseAndCountsTheDrainsItemsAsFailed) {
   EXPECT_EQ(phone_.text(StoreKeys::todayCount), "1");
 }
 
-TEST_F(ACancelledRun, KeepsWhatItsDrainHadDone) {
+TEST_F(ACancelledRun, KeepsTheProgressOfItsDrain) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C")});
   for (int request = 0; request < 4; ++request) phone_.session.willAnswer(savedBody());
   phone_.session.gate().close();
@@ -246,7 +246,7 @@ TEST_F(ACancelledRun, KeepsWhatItsDrainHadDone) {
   EXPECT_THAT(idsAndCounts(queued()), ElementsAre("B:1", "C:1"));
 }
 
-TEST_F(ACancelledRun, ThatHasEndedChangesNothing) {
+TEST_F(ACancelledRun, ChangesNothingWhenItHasEnded) {
   phone_.session.willAnswer(savedBody());
   StartedRun run("Paid 150");
   EXPECT_EQ(run.dialog(), tracked);
@@ -256,7 +256,7 @@ TEST_F(ACancelledRun, ThatHasEndedChangesNothing) {
   EXPECT_EQ(phone_.contents(), before);
 }
 
-TEST_F(ACancelledRun, LeavesOtherRunsAlone) {
+TEST_F(ACancelledRun, DoesNotAffectOtherRuns) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willAnswer(notSavedBody);
   phone_.session.gate().close();

@@ -1,4 +1,4 @@
-// A run of an intent that may still be under way. Answers nothing itself.
+// A run of an intent that may still be in progress.
 #pragma once
 
 #include <memory>
@@ -11,12 +11,13 @@
 
 namespace kivo {
 
-/// Performs an intent, filled by then, on the tests' executor. Its end is waited for.
+/// Performs an intent with its parameters set, on the executor of the tests. The destructor waits
+/// for its end.
 class StartedRun {
  public:
   explicit StartedRun(std::unique_ptr<platform::AppIntent> intent)
       : intent_(std::move(intent)), running_(start()) {}
-  /// Performs a fresh ProcessSMSIntent with `text`.
+  /// Performs a new ProcessSMSIntent with `text`.
   explicit StartedRun(std::string text) : StartedRun(processing(std::move(text))) {}
   ~StartedRun() { running_.wait(); }
   StartedRun(const StartedRun&) = delete;

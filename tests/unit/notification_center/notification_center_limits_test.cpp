@@ -1,4 +1,4 @@
-// How much the notification center keeps.
+// The size limits of the notification center.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ constexpr const char* bundle = "app.kivo.expenses.intents";
 
 class AFullNotificationCenter : public testing::Test {
  protected:
-  // Finds `count` requests with bodies of `size` bytes on the disk, all due.
+  // Starts a center with `count` stored requests whose bodies have `size` bytes, all due.
   void startWith(std::size_t count, std::size_t size) {
     std::vector<PendingNotification> all(count);
     for (std::size_t number = 0; number < count; ++number) {
@@ -43,7 +43,7 @@ class AFullNotificationCenter : public testing::Test {
   std::vector<std::function<void(ShowOutcome)>> answers;
 };
 
-TEST_F(AFullNotificationCenter, RefusesARequestBeyond32MiBOfWaitingOnes) {
+TEST_F(AFullNotificationCenter, RefusesARequestWhen32MiBArePending) {
   startWith(500, 66'000);
   EXPECT_EQ(add("large", 2'000'000), AddOutcome::noRoom);
   ASSERT_THAT(pending(), SizeIs(500));
@@ -52,7 +52,7 @@ TEST_F(AFullNotificationCenter, RefusesARequestBeyond32MiBOfWaitingOnes) {
   EXPECT_EQ(pending().back(), "small");
 }
 
-TEST_F(AFullNotificationCenter, CountsWhatItTakesToEscapeAText) {
+TEST_F(AFullNotificationCenter, CountsTheEscapedSizeOfAText) {
   startWith(0, 0);
   platform::UNNotificationRequest request{
       .identifier = "one", .content = {}, .trigger = {.timeInterval = 1h}};
@@ -60,7 +60,7 @@ TEST_F(AFullNotificationCenter, CountsWhatItTakesToEscapeAText) {
   EXPECT_EQ(center->add(bundle, std::move(request)), AddOutcome::noRoom);
 }
 
-TEST_F(AFullNotificationCenter, RemembersFewerShownOnesWithVeryLongIdentifiers) {
+TEST_F(AFullNotificationCenter, RemembersFewerShownRequestsWithLongIdentifiers) {
   startWith(0, 0);
   const std::string rest(400'000, 'x');
   for (const char* const first : {"a", "b", "c"}) {

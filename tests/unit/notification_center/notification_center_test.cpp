@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 constexpr const char* bundle = "app.kivo.expenses.intents";
 Moment present;
 
-// Lets no file of this process grow.
+// Prevents all files of this process from growing.
 class FullDisk {
  public:
   FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -51,7 +51,7 @@ class TheNotificationCenter : public testing::Test {
   }
   void TearDown() override { Date::setClock(nullptr); }
 
-  // What a new process does.
+  // A restart of the process.
   void restart() {
     center.reset();
     answers.clear();
@@ -73,7 +73,7 @@ class TheNotificationCenter : public testing::Test {
 
   testkit::PrivateFolders folders;
   std::optional<NotificationCenter> center;
-  // What was shown, and the way to answer for each of them.
+  // The shown titles, and for each of them the callback for the outcome.
   std::vector<std::string> titles;
   std::vector<std::function<void(ShowOutcome)>> answers;
 };
@@ -88,7 +88,7 @@ TEST_F(TheNotificationCenter, ShowsNothingBeforeItIsDue) {
   EXPECT_THAT(titles, ElementsAre("one"));
 }
 
-TEST_F(TheNotificationCenter, WaitsForTheNextOneThatIsDue) {
+TEST_F(TheNotificationCenter, WaitsForTheNextDueRequest) {
   EXPECT_EQ(center->showDue(), std::nullopt);
   add("late", 60s);
   add("soon", 2s);
@@ -98,7 +98,7 @@ TEST_F(TheNotificationCenter, WaitsForTheNextOneThatIsDue) {
   EXPECT_THAT(titles, ElementsAre("soon"));
 }
 
-TEST_F(TheNotificationCenter, ShowsARequestOnceWhileItsServerThinks) {
+TEST_F(TheNotificationCenter, ShowsARequestOnceWhileTheServerIsBusy) {
   add("one", 0s);
   center->showDue();
   center->showDue();
@@ -108,7 +108,7 @@ TEST_F(TheNotificationCenter, ShowsARequestOnceWhileItsServerThinks) {
   EXPECT_THAT(center->pending(bundle), IsEmpty());
 }
 
-TEST_F(TheNotificationCenter, ShowsAfterARestartWhatIsOverdue) {
+TEST_F(TheNotificationCenter, ShowsOverdueRequestsAfterARestart) {
   add("one");
   add("two");
   present += 1h;
@@ -117,7 +117,7 @@ TEST_F(TheNotificationCenter, ShowsAfterARestartWhatIsOverdue) {
   EXPECT_THAT(titles, ElementsAre("one", "two"));
 }
 
-TEST_F(TheNotificationCenter, ShowsNoMoreAfterARestartWhatWasShown) {
+TEST_F(TheNotificationCenter, DoesNotRepeatShownRequestsAfterARestart) {
   add("one", 0s);
   center->showDue();
   answers.at(0)(ShowOutcome::shown);
@@ -128,7 +128,7 @@ TEST_F(TheNotificationCenter, ShowsNoMoreAfterARestartWhatWasShown) {
   EXPECT_THAT(titles, ElementsAre("one"));
 }
 
-TEST_F(TheNotificationCenter, KeepsTheContentOfARequestOverARestart) {
+TEST_F(TheNotificationCenter, KeepsTheContentOfARequestAcrossARestart) {
   platform::UNNotificationRequest request{
       .identifier = "one", .content = {}, .trigger = {.timeInterval = 1500ms}};
   request.content.title = "💸 \"quoted\"";
@@ -139,7 +139,7 @@ TEST_F(TheNotificationCenter, KeepsTheContentOfARequestOverARestart) {
   EXPECT_EQ(pendingNotifications(textOf(all)), all);
 }
 
-TEST_F(TheNotificationCenter, WaitsNoLongerThanTheIntervalWhenTheClockIsSetBack) {
+TEST_F(TheNotificationCenter, WaitsTheIntervalAtMostWhenTheClockIsSetBack) {
   add("one");
   present -= 24h;
   EXPECT_THAT(center->showDue(), Optional(1000ms));
@@ -148,7 +148,7 @@ TEST_F(TheNotificationCenter, WaitsNoLongerThanTheIntervalWhenTheClockIsSetBack)
   EXPECT_THAT(titles, ElementsAre("one"));
 }
 
-TEST_F(TheNotificationCenter, TriesAgainAfterAWhileWhatTheServerRefused) {
+TEST_F(TheNotificationCenter, RetriesARefusedRequestAfterADelay) {
   add("one", 0s);
   center->showDue();
   answers.at(0)(ShowOutcome::failed);
@@ -159,7 +159,7 @@ TEST_F(TheNotificationCenter, TriesAgainAfterAWhileWhatTheServerRefused) {
   EXPECT_THAT(titles, ElementsAre("one", "one"));
 }
 
-TEST_F(TheNotificationCenter, TriesAgainAtOnceWhenAServerAppears) {
+TEST_F(TheNotificationCenter, RetriesAtOnceWhenAServerStarts) {
   add("refused", 0s);
   center->showDue();
   answers.at(0)(ShowOutcome::failed);
@@ -168,7 +168,7 @@ TEST_F(TheNotificationCenter, TriesAgainAtOnceWhenAServerAppears) {
   EXPECT_THAT(titles, ElementsAre("refused", "refused"));
 }
 
-TEST_F(TheNotificationCenter, AsksNobodyWhileThereIsNoServer) {
+TEST_F(TheNotificationCenter, MakesNoAttemptWithoutAServer) {
   add("one", 0s);
   center->showDue();
   answers.at(0)(ShowOutcome::noServer);
@@ -182,7 +182,7 @@ TEST_F(TheNotificationCenter, AsksNobodyWhileThereIsNoServer) {
   EXPECT_THAT(titles, ElementsAre("one", "one", "two"));
 }
 
-TEST_F(TheNotificationCenter, TakesAnIdentifierOfEachBundleOnce) {
+TEST_F(TheNotificationCenter, AcceptsAnIdentifierOncePerBundle) {
   add("one");
   EXPECT_EQ(add("one"), AddOutcome::kept);
   add("one", 1s, "app.other");
@@ -190,7 +190,7 @@ TEST_F(TheNotificationCenter, TakesAnIdentifierOfEachBundleOnce) {
   EXPECT_THAT(center->pending("app.other"), ElementsAre("one"));
 }
 
-TEST_F(TheNotificationCenter, LetsTheOldestGoWhenTooManyWait) {
+TEST_F(TheNotificationCenter, DropsTheOldestRequestAbove500) {
   for (int number = 0; number <= 500; ++number) add(std::to_string(number));
   EXPECT_EQ(center->pending(bundle).size(), 500U);
   EXPECT_EQ(center->pending(bundle).front(), "1");
@@ -199,7 +199,7 @@ TEST_F(TheNotificationCenter, LetsTheOldestGoWhenTooManyWait) {
   EXPECT_EQ(center->pending(bundle).size(), 500U);
 }
 
-TEST_F(TheNotificationCenter, KnowsThePermissionOfEachBundle) {
+TEST_F(TheNotificationCenter, KeepsThePermissionOfEachBundle) {
   EXPECT_EQ(center->authorizationStatus(bundle), UNAuthorizationStatus::notDetermined);
   EXPECT_TRUE(center->setAuthorizationStatus(bundle, UNAuthorizationStatus::provisional));
   restart();
@@ -207,7 +207,7 @@ TEST_F(TheNotificationCenter, KnowsThePermissionOfEachBundle) {
   EXPECT_EQ(center->authorizationStatus("app.other"), UNAuthorizationStatus::notDetermined);
 }
 
-TEST_F(TheNotificationCenter, DropsWhatWaitsOfABundleThatIsDenied) {
+TEST_F(TheNotificationCenter, DropsPendingRequestsOfADeniedBundle) {
   add("one");
   add("other", 1s, "app.other");
   center->setAuthorizationStatus(bundle, UNAuthorizationStatus::denied);
@@ -217,7 +217,7 @@ TEST_F(TheNotificationCenter, DropsWhatWaitsOfABundleThatIsDenied) {
   EXPECT_THAT(center->pending("app.other"), ElementsAre("other"));
 }
 
-TEST_F(TheNotificationCenter, SaysSoWhenItCannotKeepARequest) {
+TEST_F(TheNotificationCenter, ReportsARequestThatItCannotStore) {
   {
     const FullDisk full;
     EXPECT_EQ(add("one"), AddOutcome::notKept);
@@ -228,7 +228,7 @@ TEST_F(TheNotificationCenter, SaysSoWhenItCannotKeepARequest) {
   EXPECT_EQ(add("one"), AddOutcome::kept);
 }
 
-TEST_F(TheNotificationCenter, CountsADamagedRecordAsNone) {
+TEST_F(TheNotificationCenter, TreatsADamagedRecordAsEmpty) {
   {
     auto suite = platform::UserDefaults::initWithSuiteName("app.kivo.NotificationCenter").value();
     suite.setObject("pendingNotifications", "[{\"bundle\":1}]");
@@ -245,7 +245,7 @@ TEST_F(TheNotificationCenter, CountsADamagedRecordAsNone) {
   EXPECT_EQ(add("one"), AddOutcome::kept);
 }
 
-TEST_F(TheNotificationCenter, CountsARecordWithAnImpossibleIntervalAsDamaged) {
+TEST_F(TheNotificationCenter, TreatsARecordWithAnInvalidIntervalAsDamaged) {
   add("one");
   {
     auto suite = platform::UserDefaults::initWithSuiteName("app.kivo.NotificationCenter").value();

@@ -22,13 +22,13 @@ PendingSmsItem waiting(std::string smsText, std::string queuedAt, std::int64_t r
           .source = "sms"};
 }
 
-TEST(AnAge, IsJustNowBelowAMinuteAndInTheFuture) {
+TEST(AnAge, IsJustNowBelowAMinuteOrInTheFuture) {
   EXPECT_EQ(QueueListing::ageText(-1h), "just now");
   EXPECT_EQ(QueueListing::ageText(0s), "just now");
   EXPECT_EQ(QueueListing::ageText(59s), "just now");
 }
 
-TEST(AnAge, IsToldInWholeMinutesHoursAndDays) {
+TEST(AnAge, IsShownInWholeMinutesHoursOrDays) {
   EXPECT_EQ(QueueListing::ageText(60s), "1 min");
   EXPECT_EQ(QueueListing::ageText(59min + 59s), "59 min");
   EXPECT_EQ(QueueListing::ageText(1h), "1 h");
@@ -37,11 +37,11 @@ TEST(AnAge, IsToldInWholeMinutesHoursAndDays) {
   EXPECT_EQ(QueueListing::ageText(24h * 400), "400 days");
 }
 
-TEST(AQueueListing, SaysKindlyThatNothingWaits) {
+TEST(AQueueListing, ShowsThatNothingWaits) {
   EXPECT_EQ(QueueListing::text({}, now, anyWidth), "Nothing waits to be sent.\n");
 }
 
-TEST(AQueueListing, ShowsWhatWaitsHowLongAndHowOftenItWasTried) {
+TEST(AQueueListing, ShowsEachTextWithItsAgeAndRetries) {
   EXPECT_EQ(QueueListing::text({waiting("Paid EGP 12 at Cafe", "2026-01-31T08:15:00Z"),
                                 waiting("Paid EGP 7", "2026-01-29T08:00:00Z", 1),
                                 waiting("Paid EGP 9", "2026-01-31T09:00:00+02:00", 9)},
@@ -55,7 +55,7 @@ TEST(AQueueListing, ShowsWhatWaitsHowLongAndHowOftenItWasTried) {
 }
 
 // When each row measured all of them, 8000 took 40 s.
-TEST(AQueueListing, OfThousandsOfTextsTakesTimeInProportion) {
+TEST(AQueueListing, TakesLinearTimeForThousandsOfTexts) {
   const std::vector<PendingSmsItem> many(5000, waiting("Paid EGP 7", "2026-01-29T08:00:00Z"));
   const auto start = std::chrono::steady_clock::now();
   const std::string listing = QueueListing::text(many, now, anyWidth);
@@ -63,7 +63,7 @@ TEST(AQueueListing, OfThousandsOfTextsTakesTimeInProportion) {
   EXPECT_EQ(std::count(listing.begin(), listing.end(), '\n'), 5003);
 }
 
-TEST(AQueueListing, OfOneTextSpeaksOfOne) {
+TEST(AQueueListing, UsesTheSingularForOneText) {
   EXPECT_EQ(QueueListing::text({waiting("x", "2026-01-31T09:00:00Z")}, now, anyWidth),
             "1 text waits to be sent.\n"
             "\n"
@@ -71,7 +71,7 @@ TEST(AQueueListing, OfOneTextSpeaksOfOne) {
             "1  just now  not yet      x\n");
 }
 
-TEST(AQueueListing, DoesNotKnowTheAgeOfATimeThatCannotBeRead) {
+TEST(AQueueListing, ShowsAnUnknownAgeForAnInvalidTime) {
   EXPECT_EQ(QueueListing::text({waiting("x", "yesterday")}, now, anyWidth),
             "1 text waits to be sent.\n"
             "\n"
@@ -85,13 +85,13 @@ TEST(AQueueListing, KeepsEachTextOnItsLine) {
   EXPECT_TRUE(listing.ends_with("not yet      a\\nb\\x1b[2Jc\n")) << listing;
 }
 
-TEST(AQueueListing, CutsTextsToTheWidthOfTheScreen) {
+TEST(AQueueListing, CutsTextsToTheWidthOfTheTerminal) {
   const std::string listing = QueueListing::text(
       {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 48);
   EXPECT_TRUE(listing.ends_with("just now  not yet      123456789 123456789 1…\n")) << listing;
 }
 
-TEST(AQueueListing, LeavesSomeOfTheTextOnTheNarrowestScreen) {
+TEST(AQueueListing, KeepsSomeOfTheTextOnANarrowTerminal) {
   const std::string listing = QueueListing::text(
       {waiting("123456789 123456789 123456789", "2026-01-31T09:00:00Z")}, now, 5);
   EXPECT_TRUE(listing.ends_with("123456789 123456789…\n")) << listing;
@@ -104,7 +104,7 @@ TEST(AQueueListing, PadsItsNumbers) {
   EXPECT_TRUE(listing.ends_with("\n10  just now  not yet      x\n")) << listing;
 }
 
-TEST(TheDetailsOfAText, AreALineForEachValueAndTheWholeText) {
+TEST(TheDetailsOfAText, HaveALineForEachValueAndTheWholeText) {
   EXPECT_EQ(QueueListing::details(waiting("Paid EGP 12\nat Cafe", "2026-01-31T08:15:00Z", 1), now,
                                   QueueListing::Controls::asTheyAre),
             "Waiting      45 min, since 2026-01-31T08:15:00Z\n"
@@ -116,7 +116,7 @@ TEST(TheDetailsOfAText, AreALineForEachValueAndTheWholeText) {
             "Paid EGP 12\nat Cafe\n");
 }
 
-TEST(TheDetailsOfAText, TellAmountAndMerchantOfAPaymentByHand) {
+TEST(TheDetailsOfAText, ShowAmountAndMerchantOfAnAddedExpense) {
   PendingSmsItem item = waiting("Paid 12.5 EGP at Cafe", "2026-01-31T08:15:00Z");
   item.source = "apple_pay";
   item.amount = 12.5;

@@ -35,51 +35,51 @@ class ARemoval : public testing::Test {
   testkit::TestPhone phone;
 };
 
-TEST_F(ARemoval, TakesTheTextOutAndCounts) {
+TEST_F(ARemoval, RemovesTheTextAndUpdatesTheCount) {
   EXPECT_EQ(remove(queuedItem("B", 2), 1), Outcome::removed);
   EXPECT_THAT(queued(), ElementsAre("A:0", "C:0"));
   EXPECT_EQ(phone.text(StoreKeys::pendingSmsQueueCount), "2");
   EXPECT_EQ(phone.number(StoreKeys::smsQueueDrainLock), 0);
 }
 
-TEST_F(ARemoval, FindsATextThatHasMovedUp) {
+TEST_F(ARemoval, FindsATextThatMovedUp) {
   queue({queuedItem("B", 2), queuedItem("C")});
   EXPECT_EQ(remove(queuedItem("B", 2), 1), Outcome::removed);
   EXPECT_THAT(queued(), ElementsAre("C:0"));
 }
 
-TEST_F(ARemoval, FindsATextThatADrainHasPutAtTheBack) {
+TEST_F(ARemoval, FindsATextThatADrainMovedToTheBack) {
   queue({queuedItem("B", 2), queuedItem("C"), queuedItem("A", 1)});
   EXPECT_EQ(remove(queuedItem("A", 0), 0), Outcome::removed);
   EXPECT_THAT(queued(), ElementsAre("B:2", "C:0"));
 }
 
-TEST_F(ARemoval, LeavesAnotherTextInThePlaceOfTheOneThatWasShown) {
+TEST_F(ARemoval, DoesNotRemoveAnotherTextAtTheSameIndex) {
   EXPECT_EQ(remove(queuedItem("D"), 1), Outcome::gone);
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
   EXPECT_EQ(phone.number(StoreKeys::smsQueueDrainLock), 0);
 }
 
-TEST_F(ARemoval, KnowsATextByMoreThanItsIdentifier) {
+TEST_F(ARemoval, ComparesMoreThanTheIdentifier) {
   PendingSmsItem other = queuedItem("B", 2);
   other.smsText = "another text";
   EXPECT_EQ(remove(other, 1), Outcome::gone);
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 
-TEST_F(ARemoval, OfOneOfTwoEqualTextsLeavesTheOther) {
+TEST_F(ARemoval, RemovesOneOfTwoEqualTexts) {
   queue({queuedItem("A"), queuedItem("B", 1), queuedItem("A", 5)});
   EXPECT_EQ(remove(queuedItem("A", 5), 2), Outcome::removed);
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:1"));
 }
 
-TEST_F(ARemoval, FindsNothingInAQueueThatCannotBeReadAndLeavesItAsItIs) {
+TEST_F(ARemoval, LeavesAnUnreadableQueueUnchanged) {
   phone.put(StoreKeys::pendingSmsQueue, "no JSON");
   EXPECT_EQ(remove(queuedItem("A"), 0), Outcome::gone);
   EXPECT_EQ(phone.text(StoreKeys::pendingSmsQueue), "no JSON");
 }
 
-TEST_F(ARemoval, WaitsForNoDrainAndDisturbsNone) {
+TEST_F(ARemoval, IsRefusedWhileADrainHoldsTheLock) {
   const double now = platform::secondsSince1970(platform::Date::now());
   phone.put(StoreKeys::smsQueueDrainLock, now - 29);
   EXPECT_EQ(remove(queuedItem("A"), 0), Outcome::busy);
@@ -90,7 +90,7 @@ TEST_F(ARemoval, WaitsForNoDrainAndDisturbsNone) {
   EXPECT_EQ(remove(queuedItem("A"), 0), Outcome::removed);
 }
 
-TEST_F(ARemoval, TakesTheTextOutOfTheFilesToo) {
+TEST_F(ARemoval, ErasesTheTextFromTheFiles) {
   PendingSmsItem told = queuedItem("D");
   told.smsText = "Your card was charged MARKAMOUNT at MARKMERCHANT";
   queue({queuedItem("A"), told});

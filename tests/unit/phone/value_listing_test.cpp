@@ -19,7 +19,7 @@ TEST(AValueListing, ShowsKeyTypeAndValueInColumns) {
             "unknown            other    (neither text nor number)\n");
 }
 
-TEST(AValueListing, SaysThatThereIsNothing) {
+TEST(AValueListing, ShowsThatNothingIsStored) {
   EXPECT_EQ(ValueListing::text({}, Controls::escaped), "Nothing is stored.\n");
 }
 
@@ -34,7 +34,7 @@ TEST(AValueListing, EscapesControlCharactersOnlyWhenAsked) {
             "key  text     x\n");
 }
 
-TEST(AValueText, IsNoneForWhatIsNeitherTextNorNumber) {
+TEST(AValueText, IsAbsentForAValueThatIsNotATextOrNumber) {
   EXPECT_EQ(ValueListing::valueText(std::monostate{}), std::nullopt);
   EXPECT_EQ(ValueListing::valueText(1e16), "1e+16");
   EXPECT_EQ(ValueListing::valueText(std::int64_t{-3}), "-3");

@@ -31,14 +31,14 @@ TEST_F(AWidget, ShowsZerosInPoundsOnAnEmptyStore) {
   EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"EGP\u00a00.00", 0, "EGP\u00a00.00"}));
 }
 
-TEST_F(AWidget, ShowsTheFiguresOfTodayInThePersonsCurrency) {
+TEST_F(AWidget, ShowsTheFiguresOfTodayInTheStoredCurrency) {
   store_.writeText(StoreKeys::currency, "USD");
   WidgetStats::recordExpense(store_, 1200);
   WidgetStats::recordExpense(store_, 25.5);
   EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"$1,225.50", 2, "$1,225.50"}));
 }
 
-TEST_F(AWidget, StartsANewDayEmptyButKeepsTheRunningTotal) {
+TEST_F(AWidget, ResetsOnANewDayExceptTheRunningTotal) {
   store_.writeText(StoreKeys::currency, "USD");
   WidgetStats::recordExpense(store_, 150);
   platform::Date::setClock(february1);
@@ -51,7 +51,7 @@ TEST_F(AWidget, ShowsNegativeTotalsAsNegative) {
   EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"-$20.00", 1, "-$20.00"}));
 }
 
-TEST_F(AWidget, CountsUnreadableFiguresAsZero) {
+TEST_F(AWidget, ReadsInvalidFiguresAsZero) {
   store_.writeText(StoreKeys::currency, "USD");
   store_.writeText(StoreKeys::todayDateKey, WidgetStats::today());
   store_.writeText(StoreKeys::todayTotal, " 5");
@@ -60,7 +60,7 @@ TEST_F(AWidget, CountsUnreadableFiguresAsZero) {
   EXPECT_EQ(WidgetView::read(store_), (WidgetFigures{"$0.00", 0, "$0.00"}));
 }
 
-TEST_F(AWidget, KnowsHowManyMessagesWait) {
+TEST_F(AWidget, CountsTheQueuedMessages) {
   EXPECT_EQ(WidgetView::read(store_).waitingMessages, 0);
   store_.writeText(StoreKeys::pendingSmsQueueCount, "3");
   EXPECT_EQ(WidgetView::read(store_).waitingMessages, 3);
@@ -70,7 +70,7 @@ TEST_F(AWidget, KnowsHowManyMessagesWait) {
   }
 }
 
-TEST_F(AWidget, CountsAsSignedInWithAUserAndABackendOnly) {
+TEST_F(AWidget, NeedsUserAndBackendToBeSignedIn) {
   EXPECT_FALSE(WidgetView::read(store_).signedIn);
   store_.writeText(StoreKeys::userId, "42");
   EXPECT_FALSE(WidgetView::read(store_).signedIn);
@@ -92,14 +92,14 @@ TEST_F(AWidget, IsAFrameOfEqualLinesOnATerminal) {
             "╰──────────────────────────╯\n");
 }
 
-TEST_F(AWidget, ShowsNothingThatReordersItsFigures) {
+TEST_F(AWidget, HasNoBidirectionalControls) {
   const std::string box = WidgetView::asBox({"\u200f٥٫٠٠ ج.م.\u200f", 1, "\u202e5", 0, true},
                                             WidgetView::Figures::plain);
   EXPECT_NE(box.find("│ ٥٫٠٠ ج.م.                │\n"), std::string::npos) << box;
   EXPECT_NE(box.find("│ Running total  \\u202e5   │\n"), std::string::npos) << box;
 }
 
-TEST_F(AWidget, GrowsWithItsFigures) {
+TEST_F(AWidget, GrowsWithTheWidthOfItsFigures) {
   EXPECT_EQ(WidgetView::asBox({"د.إ", 0, "$1,234,567,890.00", 0, true}, Figures::plain),
             "╭──────────────────────────────────╮\n"
             "│ Kivo · today                     │\n"
@@ -123,7 +123,7 @@ TEST_F(AWidget, ShowsItsFiguresInBold) {
             "╰──────────────────────────╯\n");
 }
 
-TEST_F(AWidget, SaysThatMessagesWait) {
+TEST_F(AWidget, ShowsThatMessagesWait) {
   EXPECT_THAT(WidgetView::asBox({"$5.00", 1, "$5.00", 3, true}, Figures::plain),
               EndsWith("│ Running total  $5.00       │\n"
                        "│                            │\n"
@@ -133,7 +133,7 @@ TEST_F(AWidget, SaysThatMessagesWait) {
               HasSubstr("│ 1 message waits to be sent │\n"));
 }
 
-TEST_F(AWidget, SaysHowToSignInWhenNobodyIs) {
+TEST_F(AWidget, ShowsHowToSignInWhenSignedOut) {
   EXPECT_THAT(WidgetView::asBox({"$5.00", 1, "$5.00", 0, false}, Figures::plain),
               EndsWith("│ Running total  $5.00      │\n"
                        "│                           │\n"
@@ -142,7 +142,7 @@ TEST_F(AWidget, SaysHowToSignInWhenNobodyIs) {
                        "╰───────────────────────────╯\n"));
 }
 
-TEST_F(AWidget, IsPlainLinesElsewhere) {
+TEST_F(AWidget, IsPlainLinesWithoutATerminal) {
   EXPECT_EQ(WidgetView::asLines({"$5.00", 1, "$12.00", 3, true}),
             "Today          $5.00\n"
             "Expenses       1\n"

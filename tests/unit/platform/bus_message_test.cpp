@@ -1,4 +1,4 @@
-// The values of a message, as they are written and read one after the other.
+// The values of a message, written and read one after the other.
 #include "platform/linux/bus/bus_message.h"
 
 #include <gmock/gmock.h>
@@ -25,7 +25,7 @@ std::string signatureOf(const BusMessage& message) {
   return dbus_message_get_signature(message.get());
 }
 
-TEST(ABusMessage, YieldsItsValuesInTheirOrder) {
+TEST(ABusMessage, ReturnsItsValuesInOrder) {
   const BusMessage message = messageOf([](BusWriter& values) {
     values.text("شركة");
     values.integer(-7);
@@ -47,7 +47,7 @@ TEST(ABusMessage, YieldsItsValuesInTheirOrder) {
   EXPECT_EQ(reader.text(), std::nullopt);
 }
 
-TEST(ABusMessage, YieldsNothingForAValueOfAnotherTypeAndStaysThere) {
+TEST(ABusMessage, DoesNotAdvancePastAValueOfAnotherType) {
   const BusMessage message = messageOf([](BusWriter& values) { values.integer(3); });
   BusReader reader(message.get());
   EXPECT_EQ(reader.text(), std::nullopt);
@@ -55,14 +55,14 @@ TEST(ABusMessage, YieldsNothingForAValueOfAnotherTypeAndStaysThere) {
   EXPECT_EQ(reader.integer(), 3);
 }
 
-TEST(ABusMessage, HoldsNothingAtFirst) {
+TEST(ABusMessage, IsEmptyAtFirst) {
   const BusMessage message = messageOf([](BusWriter&) {});
   BusReader reader(message.get());
   EXPECT_TRUE(reader.atEnd());
   EXPECT_EQ(reader.integer(), std::nullopt);
 }
 
-TEST(ABusMessage, CarriesAnyBytesAsText) {
+TEST(ABusMessage, MakesAnyBytesValidUtf8) {
   const BusMessage message = messageOf([](BusWriter& values) {
     values.text("Caf\xC3");
     values.text(std::string_view("a\0b", 3));
@@ -76,7 +76,7 @@ TEST(ABusMessage, CarriesAnyBytesAsText) {
   EXPECT_THAT(entry.inside().text(), testing::Optional(testing::StartsWith("\uFFFD")));
 }
 
-TEST(ABusMessage, HoldsEntriesStructuresAndVariantsOfTheirTypes) {
+TEST(ABusMessage, HoldsDictEntriesStructsAndVariants) {
   const BusMessage message = messageOf([](BusWriter& values) {
     values.array("{ss}", [](BusWriter& entries) { entries.entry("key", "value"); });
     values.array("{sv}", [](BusWriter& entries) {

@@ -35,41 +35,41 @@ std::pair<std::string, std::string> refusal(const std::string& typeName, CalledV
   return {refused->name, refused->words};
 }
 
-TEST(ACalledIntent, HasTheTextAsItCame) {
+TEST(ACalledIntent, ReceivesItsTextUnchanged) {
   const auto intent = ready<ProcessSMSIntent>({{"smsText", " Paid\n150 "}});
   ASSERT_NE(intent, nullptr);
   EXPECT_EQ(intent->smsText.value(), " Paid\n150 ");
 }
 
-TEST(ACalledIntent, MayHaveAnEmptyText) {
+TEST(ACalledIntent, AcceptsAnEmptyText) {
   EXPECT_NE(ready<ProcessSMSIntent>({{"smsText", ""}}), nullptr);
 }
 
-TEST(ACalledIntent, HasEachParameterUnderItsName) {
+TEST(ACalledIntent, ReceivesEachParameterByItsName) {
   const auto intent = ready<AddExpenseIntent>({{"merchant", "Cafe"}, {"amount", -0.5}});
   ASSERT_NE(intent, nullptr);
   EXPECT_EQ(intent->merchant.value(), "Cafe");
   EXPECT_EQ(intent->amount.value(), -0.5);
 }
 
-TEST(ACalledIntent, IsRefusedUnderANameThatNoIntentHas) {
+TEST(ACalledIntent, IsRefusedUnderAnUnknownName) {
   EXPECT_EQ(refusal("processSMSIntent", {}),
             std::pair(std::string(wire::unknownIntent),
                       std::string("the intents are: AddExpenseIntent, ProcessSMSIntent")));
 }
 
-TEST(ACalledIntent, IsRefusedWithAParameterThatItDoesNotHave) {
+TEST(ACalledIntent, IsRefusedWithAnUnknownParameter) {
   EXPECT_EQ(refusal("AddExpenseIntent", {{"Secret", "Cafe"}}),
             std::pair(std::string(wire::unknownParameter),
                       std::string("the intent's parameters are: amount, merchant")));
 }
 
-TEST(ACalledIntent, IsRefusedWithoutAParameter) {
+TEST(ACalledIntent, IsRefusedWithAMissingParameter) {
   EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", 1.0}}),
             std::pair(std::string(wire::missingParameter), std::string("merchant is missing")));
 }
 
-TEST(ACalledIntent, IsRefusedWithAValueOfAnotherTypeAndNothingIsConverted) {
+TEST(ACalledIntent, IsRefusedWithAValueOfAnotherType) {
   const std::pair text(std::string(wire::invalidParameter),
                        std::string("smsText must be a text (s)"));
   EXPECT_EQ(refusal("ProcessSMSIntent", {{"smsText", 1.5}}), text);
@@ -89,7 +89,7 @@ TEST(ACalledIntent, IsRefusedWithANumberThatIsNotFinite) {
   }
 }
 
-TEST(ACalledIntent, IsToldOfWrongParametersBeforeMissingOnes) {
+TEST(ACalledIntent, ReportsWrongParametersBeforeMissingOnes) {
   EXPECT_EQ(refusal("AddExpenseIntent", {{"x", 1.0}, {"amount", "1"}}).first,
             wire::unknownParameter);
   EXPECT_EQ(refusal("AddExpenseIntent", {{"amount", "1"}}).first, wire::invalidParameter);

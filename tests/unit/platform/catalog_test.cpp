@@ -13,7 +13,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-TEST(TheCatalog, ReadsAsAShortList) {
+TEST(TheCatalog, ListsIntentsParametersAndPhrases) {
   EXPECT_EQ(catalogText(ExpenseIntentsExtension::make()),
             R"(AddExpenseIntent - Add Expense
   --amount    double  Amount    Transaction amount
@@ -30,7 +30,7 @@ ProcessSMSIntent - Process Bank SMS
   "Track SMS transaction in Kivo")");
 }
 
-TEST(TheCatalog, ListsAFurtherIntentWhoseNamesAreLong) {
+TEST(TheCatalog, ListsAnIntentWithLongNames) {
   EXPECT_THAT(catalogText(testkit::ExtensionWithRating::make()), EndsWith(R"(
 
 RateMerchantIntent - Rate Merchant
@@ -40,7 +40,7 @@ RateMerchantIntent - Rate Merchant
   "Rate a shop in Kivo")"));
 }
 
-TEST(TheCatalog, OfNothingIsEmpty) {
+TEST(TheCatalog, IsEmptyWithoutIntents) {
   const platform::AppIntentsExtension nothing{
       .applicationName = "Kivo", .bundleIdentifier = "b", .intents = {}, .appShortcuts = [] {
         return std::vector<platform::AppShortcut>();
@@ -51,7 +51,7 @@ TEST(TheCatalog, OfNothingIsEmpty) {
             R"("shortcutTileColor":"default"})");
 }
 
-TEST(TheCatalogAsJSON, SaysWhatIsDeclaredAndWhatIsDefault) {
+TEST(TheCatalogAsJSON, HasDeclaredAndDefaultValues) {
   const std::string json = catalogJSON(ExpenseIntentsExtension::make());
   EXPECT_THAT(json, StartsWith(R"({"applicationName":"Kivo",)"
                                R"("bundleIdentifier":"app.kivo.expenses.intents",)"));
@@ -71,7 +71,7 @@ TEST(TheCatalogAsJSON, SaysWhatIsDeclaredAndWhatIsDefault) {
   EXPECT_THAT(json, Not(HasSubstr("\n")));
 }
 
-TEST(TheCatalogAsJSON, SaysAllThatAFurtherIntentDeclares) {
+TEST(TheCatalogAsJSON, HasEverySettingThatAnIntentDeclares) {
   const std::string json = catalogJSON(testkit::ExtensionWithRating::make());
   EXPECT_THAT(json, HasSubstr(R"({"type":"RateMerchantIntent","title":"Rate Merchant",)"
                               R"("description":"Keeps an opinion","openAppWhenRun":false,)"

@@ -9,18 +9,18 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(TrimmingWhitespaces, TakesBlanksFromBothEndsOnly) {
+TEST(TrimmingWhitespaces, RemovesBlanksFromBothEndsOnly) {
   EXPECT_EQ(trimmingWhitespaces(" \t paid  10 \t"), "paid  10");
   EXPECT_EQ(trimmingWhitespaces("paid"), "paid");
   EXPECT_EQ(trimmingWhitespaces(""), "");
 }
 
-TEST(TrimmingWhitespaces, LeavesNothingOfBlanksAlone) {
+TEST(TrimmingWhitespaces, ReducesATextOfBlanksToNothing) {
   EXPECT_EQ(trimmingWhitespaces(" "), "");
   EXPECT_EQ(trimmingWhitespaces(" \t \t"), "");
 }
 
-TEST(TrimmingWhitespaces, KnowsEveryHorizontalBlank) {
+TEST(TrimmingWhitespaces, RemovesEveryHorizontalBlank) {
   for (const auto* const blank :
        {"\t", " ", "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005",
         "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"}) {
@@ -29,7 +29,7 @@ TEST(TrimmingWhitespaces, KnowsEveryHorizontalBlank) {
   }
 }
 
-TEST(TrimmingWhitespaces, LeavesLineBreaksAndWhatOnlyLooksBlank) {
+TEST(TrimmingWhitespaces, KeepsLineBreaksAndZeroWidthCharacters) {
   // Among them the zero-width ones, which are no blanks: U+180E, U+200B to U+200F, U+2060, U+FEFF.
   for (const auto* const character :
        {"\n", "\r", "\v", "\f", "\u0085", "\u2028", "\u2029", "\u180E", "\u200B", "\u200C",
@@ -40,7 +40,7 @@ TEST(TrimmingWhitespaces, LeavesLineBreaksAndWhatOnlyLooksBlank) {
   EXPECT_EQ(trimmingWhitespaces(" \n "), "\n");
 }
 
-TEST(TrimmingWhitespaces, YieldsAPartOfTheTextItself) {
+TEST(TrimmingWhitespaces, ReturnsAViewOfTheText) {
   const std::string text = "  a ";
   EXPECT_EQ(trimmingWhitespaces(text).data(), text.data() + 2);
 }

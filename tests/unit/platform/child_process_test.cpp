@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(AChildProcess, YieldsItsOutputErrorsAndStatus) {
+TEST(AChildProcess, ReturnsItsOutputErrorsAndStatus) {
   const auto result =
       runProgram({.program = "sh", .arguments = {"-c", "echo out; echo err >&2; exit 7"}});
   EXPECT_EQ(result.output, "out\n");
@@ -20,12 +20,12 @@ TEST(AChildProcess, YieldsItsOutputErrorsAndStatus) {
   EXPECT_EQ(result.status, 7);
 }
 
-TEST(AChildProcess, IsFedAllOfItsInput) {
+TEST(AChildProcess, ReceivesAllItsInput) {
   const std::string megabyte(1 << 20, 'x');
   EXPECT_EQ(runProgram({.program = "cat", .input = megabyte}).output, megabyte);
 }
 
-TEST(AChildProcess, MayEndWithoutReadingItsInput) {
+TEST(AChildProcess, CanEndWithoutReadingItsInput) {
   const std::string megabyte(1 << 20, 'x');
   EXPECT_EQ(runProgram({.program = "true", .input = megabyte}).status, 0);
 }
@@ -37,7 +37,7 @@ TEST(AChildProcess, SeesTheChangedEnvironment) {
   EXPECT_EQ(result.output, "none here\n");
 }
 
-TEST(AChildProcess, InheritsNoFileButItsStreams) {
+TEST(AChildProcess, InheritsOnlyTheStandardStreams) {
   const int opened = fcntl(STDERR_FILENO, F_DUPFD, 100);  // stays open on exec
   const std::string question = "test -e /proc/$$/fd/" + std::to_string(opened) + " && echo open";
   const auto result = runProgram({.program = "sh", .arguments = {"-c", question + "; echo asked"}});
@@ -46,11 +46,11 @@ TEST(AChildProcess, InheritsNoFileButItsStreams) {
   EXPECT_EQ(result.output, "asked\n");
 }
 
-TEST(AChildProcess, IsKilledWhenItTakesTooLong) {
+TEST(AChildProcess, IsKilledAtItsTimeout) {
   EXPECT_EQ(runProgram({.program = "sleep", .arguments = {"60"}}, 50ms).status, 128 + SIGKILL);
 }
 
-TEST(AChildProcess, ThatDoesNotExistIsAnError) {
+TEST(AChildProcess, FailsWhenTheProgramDoesNotExist) {
   EXPECT_THROW(runProgram({.program = "/nonexistent/program"}), std::system_error);
 }
 

@@ -11,7 +11,7 @@ using testing::Pair;
 using testing::UnorderedElementsAre;
 using Kind = CommandParameter::Kind;
 
-class ACommandLineOfCommands : public testing::Test {
+class ACommandLineParser : public testing::Test {
  protected:
   // Runs the words after the program's name and yields the exit status.
   int run(std::vector<std::string> words) {
@@ -69,20 +69,20 @@ class ACommandLineOfCommands : public testing::Test {
   std::string errors;
 };
 
-TEST_F(ACommandLineOfCommands, RunsTheNamedCommandAndYieldsItsStatus) {
+TEST_F(ACommandLineParser, RunsTheNamedCommandAndReturnsItsStatus) {
   EXPECT_EQ(run({"enter", "--name", "Ada"}), 7);
   EXPECT_EQ(ran, "enter");
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", "Ada")));
   EXPECT_EQ(output + errors, "");
 }
 
-TEST_F(ACommandLineOfCommands, RunsACommandOfAGroup) {
+TEST_F(ACommandLineParser, RunsACommandOfAGroup) {
   EXPECT_EQ(run({"box", "list"}), 7);
   EXPECT_EQ(ran, "box list");
   EXPECT_THAT(given, IsEmpty());
 }
 
-TEST_F(ACommandLineOfCommands, PassesFlagsAndOptionsInAnyOrder) {
+TEST_F(ACommandLineParser, PassesFlagsAndOptionsInAnyOrder) {
   run({"box", "put", "--soft", "here", "it"});
   EXPECT_THAT(given,
               UnorderedElementsAre(Pair("WHERE", "here"), Pair("WHAT", "it"), Pair("--soft", "")));
@@ -90,7 +90,7 @@ TEST_F(ACommandLineOfCommands, PassesFlagsAndOptionsInAnyOrder) {
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", "Ada"), Pair("--title", "Dr")));
 }
 
-TEST_F(ACommandLineOfCommands, PassesValuesAsTheyAre) {
+TEST_F(ACommandLineParser, PassesValuesUnchanged) {
   for (const char* const value : {"", " ", "[]", "[a,b]", "{}", "\"quoted\"", "'x'", "a=b", "%% $x",
                                   "a\nb", "\xff", "-5", "list", "box", "enter"}) {
     run({"box", "put", "here", value});
@@ -101,12 +101,12 @@ TEST_F(ACommandLineOfCommands, PassesValuesAsTheyAre) {
   }
 }
 
-TEST_F(ACommandLineOfCommands, TakesWhatFollowsTwoHyphensAsValues) {
+TEST_F(ACommandLineParser, TreatsArgumentsAfterTwoHyphensAsValues) {
   run({"box", "put", "--", "here", "--soft"});
   EXPECT_THAT(given, UnorderedElementsAre(Pair("WHERE", "here"), Pair("WHAT", "--soft")));
 }
 
-TEST_F(ACommandLineOfCommands, AnswersHelpAndVersionWithoutRunningAnything) {
+TEST_F(ACommandLineParser, PrintsHelpAndVersionWithoutRunningACommand) {
   EXPECT_EQ(run({"--version"}), 0);
   EXPECT_EQ(output, "tool 1.2.3\n");
   EXPECT_EQ(run({"--help"}), 0);
@@ -116,7 +116,7 @@ TEST_F(ACommandLineOfCommands, AnswersHelpAndVersionWithoutRunningAnything) {
   EXPECT_EQ(ran + errors, "");
 }
 
-TEST_F(ACommandLineOfCommands, TakesAnEmptyValueAfterAnEqualsSignAsTheValue) {
+TEST_F(ACommandLineParser, AcceptsAnEmptyValueAfterAnEqualsSign) {
   EXPECT_EQ(run({"enter", "--name=", "--title", "Dr"}), 7);
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", ""), Pair("--title", "Dr")));
   EXPECT_EQ(run({"enter", "--title=", "--name="}), 7);
@@ -128,14 +128,14 @@ TEST_F(ACommandLineOfCommands, TakesAnEmptyValueAfterAnEqualsSignAsTheValue) {
                  "--name has no value or is given twice (see tool --help)");
 }
 
-TEST_F(ACommandLineOfCommands, PassesAValueThatEndsWithAnEqualsSignAsItIs) {
+TEST_F(ACommandLineParser, KeepsAnEqualsSignAtTheEndOfAValue) {
   run({"enter", "--name", "--title="});
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", "--title=")));
   run({"box", "put", "--", "here", "--name="});
   EXPECT_THAT(given, UnorderedElementsAre(Pair("WHERE", "here"), Pair("WHAT", "--name=")));
 }
 
-TEST_F(ACommandLineOfCommands, PrintsTheHelpOnStandardErrorWhenNoCommandIsNamed) {
+TEST_F(ACommandLineParser, PrintsTheHelpOnStandardErrorWithoutACommand) {
   EXPECT_EQ(run({}), exitBadUsage);
   EXPECT_THAT(errors, HasSubstr("Tries things."));
   EXPECT_THAT(errors, HasSubstr("enter"));
@@ -145,7 +145,7 @@ TEST_F(ACommandLineOfCommands, PrintsTheHelpOnStandardErrorWhenNoCommandIsNamed)
   EXPECT_EQ(output + ran, "");
 }
 
-TEST_F(ACommandLineOfCommands, RepeatsAnUnknownCommandAndSuggestsTheNearest) {
+TEST_F(ACommandLineParser, RepeatsAnUnknownCommandAndSuggestsTheNearest) {
   expectBadUsage({"dance"}, "unknown command \"dance\" (see tool --help)");
   expectBadUsage({"etner", "--name", "Ada"},
                  "unknown command \"etner\"; did you mean \"enter\"? (see tool --help)");
@@ -158,18 +158,18 @@ TEST_F(ACommandLineOfCommands, RepeatsAnUnknownCommandAndSuggestsTheNearest) {
                  "unknown command \"bxo\"; did you mean \"box\"? (see tool --help)");
 }
 
-TEST_F(ACommandLineOfCommands, DoesNotRepeatAMessageInPlaceOfACommand) {
+TEST_F(ACommandLineParser, DoesNotRepeatATextGivenAsACommand) {
   expectBadUsage({"Paid EGP 150"}, "unknown command (see tool --help)");
   expectBadUsage({"box", "Paid EGP 150"}, "unknown command (see tool box --help)");
   expectBadUsage({"4111111111111111111111111111111111"}, "unknown command (see tool --help)");
 }
 
-TEST_F(ACommandLineOfCommands, RefusesACallWithoutWhatItNeeds) {
+TEST_F(ACommandLineParser, ReportsMissingArguments) {
   expectBadUsage({"enter"}, "--name is missing (see tool enter --help)");
   expectBadUsage({"box", "put", "here"}, "WHAT is missing (see tool box put --help)");
 }
 
-TEST_F(ACommandLineOfCommands, RefusesAnUnknownOption) {
+TEST_F(ACommandLineParser, RefusesAnUnknownOption) {
   expectBadUsage({"enter", "--name", "Ada", "--colour", "x"},
                  "unknown option --colour (see tool enter --help)");
   expectBadUsage({"enter", "--name", "Ada", "--titel=Dr"},
@@ -177,14 +177,14 @@ TEST_F(ACommandLineOfCommands, RefusesAnUnknownOption) {
   expectBadUsage({"--colour"}, "unknown option --colour (see tool --help)");
 }
 
-TEST_F(ACommandLineOfCommands, RefusesAnOptionThatIsDoubledOrHasNoValue) {
+TEST_F(ACommandLineParser, RefusesADuplicateOptionOrOneWithoutAValue) {
   expectBadUsage({"enter", "--name", "Ada", "--name", "Bob"},
                  "--name has no value or is given twice (see tool --help)");
   expectBadUsage({"enter", "--name"}, "--name has no value or is given twice (see tool --help)");
   expectBadUsage({"box", "put", "a", "b", "--soft=3"}, "--soft takes no value (see tool --help)");
 }
 
-TEST_F(ACommandLineOfCommands, NeverRepeatsWhatWasGivenTooMuch) {
+TEST_F(ACommandLineParser, DoesNotRepeatSuperfluousArguments) {
   for (const std::vector<std::string>& words :
        std::vector<std::vector<std::string>>{{"enter", "--name", "Ada", "secret"},
                                              {"box", "put", "a", "b", "--", "secret"},

@@ -30,7 +30,7 @@ class ADateFormatter : public testing::Test {
     return DateFormatter{.dateFormat = "yyyy-MM-dd"}.string(moment);
   }
 
-  /// `moment` on a device whose TZ is `zone`, none for a device without one.
+  /// `moment` on a device whose TZ is `zone`, or is unset.
   static std::string timeIn(const std::optional<std::string>& zone, Moment moment) {
     const ScopedVariable variable("TZ", zone);
     return DateFormatter{.dateFormat = "yyyy-MM-dd HH:mm:ss", .locale = "en_US_POSIX"}.string(
@@ -41,7 +41,7 @@ class ADateFormatter : public testing::Test {
   testkit::PrivateFolders folders_;
 };
 
-TEST_F(ADateFormatter, GivesTheLocalDateAtHalfPastMidnightTwoHoursAheadOfUtc) {
+TEST_F(ADateFormatter, ReturnsTheLocalDateAheadOfUtc) {
   for (const auto* const zone : {"Africa/Cairo", "EET-2", "<+02>-2", "Europe/Athens"}) {
     const ScopedVariable variable("TZ", zone);
     EXPECT_EQ(fixedDay(lateInJanuary), "2026-02-01") << zone;
@@ -49,13 +49,13 @@ TEST_F(ADateFormatter, GivesTheLocalDateAtHalfPastMidnightTwoHoursAheadOfUtc) {
   }
 }
 
-TEST_F(ADateFormatter, GivesTheLocalDateLateInTheDayBehindUtc) {
+TEST_F(ADateFormatter, ReturnsTheLocalDateBehindUtc) {
   const ScopedVariable variable("TZ", "America/New_York");
   EXPECT_EQ(fixedDay(sys_days{2026y / March / 1} + 4h + 59min), "2026-02-28");
   EXPECT_EQ(fixedDay(sys_days{2026y / March / 1} + 5h), "2026-03-01");
 }
 
-TEST_F(ADateFormatter, GivesAsciiDigitsInAFixedLocaleWhateverTheDevices) {
+TEST_F(ADateFormatter, WritesAsciiDigitsInAFixedLocale) {
   for (const auto* const locale : {"th_TH.UTF-8", "fa_IR.UTF-8", "ar_EG.UTF-8", "ar_SA", "bn_BD",
                                    "my_MM", "ja_JP.eucJP", "C", "POSIX", "broken"}) {
     const ScopedVariable all("LC_ALL", locale);
@@ -65,7 +65,7 @@ TEST_F(ADateFormatter, GivesAsciiDigitsInAFixedLocaleWhateverTheDevices) {
   }
 }
 
-TEST_F(ADateFormatter, TakesCalendarAndDigitsFromTheDevice) {
+TEST_F(ADateFormatter, FollowsTheCalendarAndDigitsOfTheDevice) {
   EXPECT_EQ(deviceDay("en_US.UTF-8", lateInJanuary), "2026-01-31");
   EXPECT_EQ(deviceDay("th_TH.UTF-8", lateInJanuary), "2569-01-31");
   EXPECT_EQ(deviceDay("fa_IR", lateInJanuary), "۱۴۰۴-۱۱-۱۱");
@@ -73,7 +73,7 @@ TEST_F(ADateFormatter, TakesCalendarAndDigitsFromTheDevice) {
   EXPECT_EQ(deviceDay("C", lateInJanuary), "2026-01-31");
 }
 
-TEST_F(ADateFormatter, ReadsTheDevicesLocaleForDates) {
+TEST_F(ADateFormatter, FollowsTheDateLocaleOfTheDevice) {
   const ScopedVariable all("LC_ALL", std::nullopt);
   const ScopedVariable time("LC_TIME", "th_TH.UTF-8");
   const ScopedVariable monetary("LC_MONETARY", "ar_EG.UTF-8");
@@ -81,7 +81,7 @@ TEST_F(ADateFormatter, ReadsTheDevicesLocaleForDates) {
   EXPECT_EQ(DateFormatter{.dateFormat = "yyyy"}.string(lateInJanuary), "2569");
 }
 
-TEST_F(ADateFormatter, UnderstandsEveryFormOfTheTimeZoneVariable) {
+TEST_F(ADateFormatter, AcceptsEveryFormatOfTZ) {
   EXPECT_EQ(timeIn("UTC", lateInJanuary), "2026-01-31 22:30:00");
   EXPECT_EQ(timeIn("Europe/Berlin", lateInJanuary), "2026-01-31 23:30:00");
   EXPECT_EQ(timeIn("Europe/Berlin", lateInJuly), "2026-08-01 00:30:00");
@@ -98,14 +98,14 @@ TEST_F(ADateFormatter, UnderstandsEveryFormOfTheTimeZoneVariable) {
   EXPECT_EQ(timeIn("CET-1CEST,M3.5.0,M10.5.0/3", lateInJuly), "2026-08-01 00:30:00");
 }
 
-TEST_F(ADateFormatter, TakesAnEmptyOrUnreadableTimeZoneVariableForUtc) {
+TEST_F(ADateFormatter, UsesUtcWhenTZIsEmptyOrInvalid) {
   for (const auto* const zone :
        {"", ":", "garbage", "Nowhere/Town", "/nonexistent/zone", "+05:30"}) {
     EXPECT_EQ(timeIn(zone, lateInJuly), "2026-07-31 22:30:00") << zone;
   }
 }
 
-TEST_F(ADateFormatter, TakesTheSystemsZoneWhenThereIsNoVariable) {
+TEST_F(ADateFormatter, UsesTheSystemTimeZoneWithoutTZ) {
   const ScopedVariable none("TZ", std::nullopt);
   const std::time_t time = system_clock::to_time_t(lateInJuly);
   std::tm local = {};
@@ -116,7 +116,7 @@ TEST_F(ADateFormatter, TakesTheSystemsZoneWhenThereIsNoVariable) {
   EXPECT_EQ(timeIn(std::nullopt, lateInJuly), expected);
 }
 
-TEST_F(ADateFormatter, ReadsTheZoneAnewForEachText) {
+TEST_F(ADateFormatter, ReadsTheTimeZoneForEachText) {
   const DateFormatter formatter{.dateFormat = "HH", .locale = "en_US_POSIX"};
   for (int i = 0; i < 3; ++i) {
     const ScopedVariable berlin("TZ", "Europe/Berlin");
@@ -126,17 +126,17 @@ TEST_F(ADateFormatter, ReadsTheZoneAnewForEachText) {
   }
 }
 
-TEST_F(ADateFormatter, TurnsTheClockAtTheMomentItIsTurned) {
+TEST_F(ADateFormatter, FollowsTheStartOfDaylightSavingTime) {
   const Moment springForward = sys_days{2026y / March / 29} + 1h;
   EXPECT_EQ(timeIn("Europe/Berlin", springForward - 1us), "2026-03-29 01:59:59");
   EXPECT_EQ(timeIn("Europe/Berlin", springForward), "2026-03-29 03:00:00");
 }
 
-TEST_F(ADateFormatter, RoundsDownToTheSecondBefore1970Too) {
+TEST_F(ADateFormatter, RoundsDownToTheSecondBefore1970) {
   EXPECT_EQ(timeIn("UTC", Moment(-1us)), "1969-12-31 23:59:59");
 }
 
-// The library's formatter, which knows every pattern there is, and is slow to make for that.
+// ICU's formatter, which supports every pattern and is therefore slow to create.
 std::string byLibrary(const icu::Locale& locale, const std::string& pattern, Moment moment) {
   UErrorCode status = U_ZERO_ERROR;
   icu::SimpleDateFormat formatter(icu::UnicodeString::fromUTF8(pattern), locale, status);
@@ -147,7 +147,7 @@ std::string byLibrary(const icu::Locale& locale, const std::string& pattern, Mom
   return U_SUCCESS(status) ? text.toUTF8String(result) : "";
 }
 
-TEST_F(ADateFormatter, WritesAsTheLibrarysOwnInEveryLocale) {
+TEST_F(ADateFormatter, MatchesIcuInEveryLocale) {
   const ScopedVariable zone("TZ", "UTC");
   const std::string pattern = "yyyy-MM-dd HH:mm:ss";
   std::int32_t count = 0;

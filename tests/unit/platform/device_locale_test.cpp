@@ -26,7 +26,7 @@ std::string localeFor(const char* category, const Variables& variables) {
   return deviceLocale(category);
 }
 
-TEST(ADeviceLocale, IsNamedByTheFirstVariableThatIsNotEmpty) {
+TEST(ADeviceLocale, IsTheFirstVariableThatIsNotEmpty) {
   EXPECT_EQ(localeFor("LC_TIME", {"a_A", "b_B", "c_C", "d_D"}), "a_A");
   EXPECT_EQ(localeFor("LC_MONETARY", {"a_A", "b_B", "c_C", "d_D"}), "a_A");
   EXPECT_EQ(localeFor("LC_TIME", {std::nullopt, "b_B", "c_C", "d_D"}), "b_B");
@@ -36,7 +36,7 @@ TEST(ADeviceLocale, IsNamedByTheFirstVariableThatIsNotEmpty) {
   EXPECT_EQ(localeFor("LC_MONETARY", {std::nullopt, std::nullopt, std::nullopt, "d_D"}), "d_D");
 }
 
-TEST(ADeviceLocale, IsThatOfTheProgramsTextsWhereNoneIsNamed) {
+TEST(ADeviceLocale, IsEnUsPosixByDefault) {
   EXPECT_EQ(localeFor("LC_TIME", {}), "en_US_POSIX");
   EXPECT_EQ(localeFor("LC_MONETARY", {"", "", "", ""}), "en_US_POSIX");
   for (const auto* const name : {"C", "POSIX", "C.UTF-8", "C.utf8", "POSIX.UTF-8"}) {
@@ -44,7 +44,7 @@ TEST(ADeviceLocale, IsThatOfTheProgramsTextsWhereNoneIsNamed) {
   }
 }
 
-TEST(ADeviceLocale, LeavesOutCodesetAndModifier) {
+TEST(ADeviceLocale, OmitsCodesetAndModifier) {
   EXPECT_EQ(localeFor("LC_TIME", {"de_DE.UTF-8"}), "de_DE");
   EXPECT_EQ(localeFor("LC_TIME", {"de_DE@euro"}), "de_DE");
   EXPECT_EQ(localeFor("LC_TIME", {"de_DE.ISO-8859-15@euro"}), "de_DE");

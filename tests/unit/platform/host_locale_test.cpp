@@ -1,4 +1,4 @@
-// A host that sets its own locale, in C or in C++, changes none of the platform's texts.
+// The platform's texts do not change when the host process sets its own locale in C or C++.
 #include <clocale>
 #include <cstdio>
 #include <filesystem>
@@ -66,19 +66,19 @@ void compileLocale(const std::filesystem::path& folder) {
                      (folder / "source").string(), (folder / "arabic").string()}});
 }
 
-class AHostsLocale : public testing::Test {
+class TheLocaleOfTheHostProcess : public testing::Test {
  private:
   testkit::PrivateFolders folders_;
 };
 
-TEST_F(AHostsLocale, InCppChangesNothing) {
+TEST_F(TheLocaleOfTheHostProcess, DoesNotMatterWhenSetInCpp) {
   const std::locale before =
       std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
   expectTheUsualTexts();
   std::locale::global(before);
 }
 
-TEST_F(AHostsLocale, InCChangesNothing) {
+TEST_F(TheLocaleOfTheHostProcess, DoesNotMatterWhenSetInC) {
   const testkit::TemporaryFolder folder;
   compileLocale(folder.path());
   const testkit::ScopedVariable path("LOCPATH", folder.path().string());

@@ -13,20 +13,20 @@ HTTPEndpoint endpoint(const char* url) {
   return HTTPEndpoint::of(platform::URL::parse(url).value());
 }
 
-TEST(AnHTTPEndpoint, HasTheUsualPortOfItsScheme) {
+TEST(AnHTTPEndpoint, HasTheDefaultPortOfItsScheme) {
   EXPECT_EQ(endpoint("http://host/").port, 80);
   EXPECT_FALSE(endpoint("http://host/").secure);
   EXPECT_EQ(endpoint("https://host:/").port, 443);
   EXPECT_TRUE(endpoint("https://host/").secure);
 }
 
-TEST(AnHTTPEndpoint, HasThePortThatIsWritten) {
+TEST(AnHTTPEndpoint, HasThePortOfItsURL) {
   EXPECT_EQ(endpoint("https://host:1/").port, 1);
   EXPECT_EQ(endpoint("https://host:65535/").port, 65535);
   EXPECT_EQ(endpoint("https://host:0008443/").port, 8443);
 }
 
-TEST(AnHTTPEndpoint, NamesAPortOnlyWhenItIsNotTheUsualOne) {
+TEST(AnHTTPEndpoint, OmitsTheDefaultPortInTheHostHeader) {
   EXPECT_EQ(endpoint("http://host/").authority, "host");
   EXPECT_EQ(endpoint("http://host:80/").authority, "host");
   EXPECT_EQ(endpoint("https://host:443/").authority, "host");
@@ -34,7 +34,7 @@ TEST(AnHTTPEndpoint, NamesAPortOnlyWhenItIsNotTheUsualOne) {
   EXPECT_EQ(endpoint("https://host:80/").authority, "host:80");
 }
 
-TEST(AnHTTPEndpoint, NamesAnIPv6AddressInBrackets) {
+TEST(AnHTTPEndpoint, WritesAnIPv6AddressInBrackets) {
   EXPECT_EQ(endpoint("http://[::1]/").authority, "[::1]");
   EXPECT_EQ(endpoint("http://[::1]:8080/").authority, "[::1]:8080");
 }
@@ -55,7 +55,7 @@ TEST(AnHTTPEndpoint, IsFoundByTheURLThatASocketHas) {
   EXPECT_EQ(endpoint((urlOfSocket(path) + "/x").c_str()).socketPath, path);
 }
 
-TEST(AnHTTPEndpoint, IsNotNamedByEveryURL) {
+TEST(AnHTTPEndpoint, NeedsAnHTTPURLWithAValidHostAndPort) {
   const std::string tooLong = "http+unix://%2F" + std::string(107, 'a');
   for (const char* const url :
        {"kivo://host/", "host/path", "http:///path", "http://user@:80/", "http://host:0/",

@@ -17,7 +17,7 @@ IntentParameter<std::string> textParameter() {
   return IntentParameter<std::string>({.name = "text", .title = {"Text"}, .description = {""}});
 }
 
-TEST(ANumberParameter, IsSpelledInDigitsWithAnOptionalSignPointAndExponent) {
+TEST(ANumberParameter, AcceptsDigitsSignPointAndExponent) {
   const std::vector<std::pair<std::string, double>> spellings{
       {"12.5", 12.5},  {"+5", 5},     {"-5", -5},  {"1e3", 1000}, {"1E3", 1000},
       {"2.5e-1", .25}, {"1e+2", 100}, {".5", .5},  {"5.", 5},     {"007", 7},
@@ -30,7 +30,7 @@ TEST(ANumberParameter, IsSpelledInDigitsWithAnOptionalSignPointAndExponent) {
   }
 }
 
-TEST(ANumberParameter, IsNoOtherText) {
+TEST(ANumberParameter, RefusesOtherTexts) {
   for (const std::string text :
        {"",    " ",   " 5",  "5 ",    "5\n",   "\t5", "0x10",  "0x1p3",  "inf", "-inf", "INFINITY",
         "nan", "NaN", "1,5", "1 000", "1'000", "1_0", "1e999", "-1e999", "٥",   "５",   "5€",
@@ -43,14 +43,14 @@ TEST(ANumberParameter, IsNoOtherText) {
   EXPECT_FALSE(numberParameter().setFromText(std::string("5\0007", 3)));
 }
 
-TEST(ANumberParameter, TakesAVeryLongNumber) {
+TEST(ANumberParameter, AcceptsAVeryLongNumber) {
   auto parameter = numberParameter();
   EXPECT_TRUE(parameter.setFromText(std::string(100'000, '0') + "7"));
   EXPECT_EQ(parameter.value(), 7);
   EXPECT_FALSE(parameter.setFromText(std::string(100'000, '7')));
 }
 
-TEST(ANumberParameter, KeepsItsValueWhenAnotherIsRefused) {
+TEST(ANumberParameter, KeepsItsValueWhenANewOneIsRefused) {
   auto parameter = numberParameter();
   parameter.setFromText("5");
   EXPECT_FALSE(parameter.setFromText("five"));
@@ -60,7 +60,7 @@ TEST(ANumberParameter, KeepsItsValueWhenAnotherIsRefused) {
   EXPECT_EQ(parameter.value(), 5);
 }
 
-TEST(ANumberParameter, TakesTheEndsOfItsRangeAndWhatIsBetween) {
+TEST(ANumberParameter, AcceptsItsRangeInclusively) {
   IntentParameter<double> parameter({.name = "stars",
                                      .title = {"Stars"},
                                      .description = {""},
@@ -73,13 +73,13 @@ TEST(ANumberParameter, TakesTheEndsOfItsRangeAndWhatIsBetween) {
   EXPECT_EQ(parameter.value(), 5);
 }
 
-TEST(ANumberParameter, TakesAnythingFromCodeThatAssignsIt) {
+TEST(ANumberParameter, CanBeAssignedAnyNumberInCode) {
   auto parameter = numberParameter();
   parameter.assign(Limits::infinity());
   EXPECT_EQ(parameter.value(), Limits::infinity());
 }
 
-TEST(ATextParameter, TakesATextAsItIs) {
+TEST(ATextParameter, KeepsATextUnchanged) {
   auto parameter = textParameter();
   for (const std::string& text :
        {std::string(), std::string(" \n"), std::string("-"), std::string("a\0b", 3),
@@ -89,7 +89,7 @@ TEST(ATextParameter, TakesATextAsItIs) {
   }
 }
 
-TEST(ATextParameter, RepairsWhatIsNotUTF8) {
+TEST(ATextParameter, RepairsInvalidUTF8) {
   auto parameter = textParameter();
   EXPECT_TRUE(parameter.setFromText("Caf\xff \xe2\x82"));
   EXPECT_EQ(parameter.value(), "Caf\ufffd \ufffd");
@@ -97,7 +97,7 @@ TEST(ATextParameter, RepairsWhatIsNotUTF8) {
   EXPECT_EQ(parameter.value(), "\ufffd");
 }
 
-TEST(ATextParameter, TakesNoNumber) {
+TEST(ATextParameter, RefusesANumber) {
   auto parameter = textParameter();
   EXPECT_FALSE(parameter.set(5.0));
   EXPECT_FALSE(parameter.hasValue());

@@ -11,7 +11,7 @@ using namespace std::string_literals;
 
 constexpr Moment lateInJanuary = sys_days{2026y / January / 31} + 9h + 5min + 7s;
 
-TEST(AnInternetDateTime, IsWrittenInUtcToTheWholeSecond) {
+TEST(AnISO8601DateTime, IsWrittenInUtcWithWholeSeconds) {
   EXPECT_EQ(ISO8601DateFormatter::string(lateInJanuary), "2026-01-31T09:05:07Z");
   EXPECT_EQ(ISO8601DateFormatter::string(lateInJanuary + 999999us), "2026-01-31T09:05:07Z");
   EXPECT_EQ(ISO8601DateFormatter::string(Moment(0us)), "1970-01-01T00:00:00Z");
@@ -21,13 +21,13 @@ TEST(AnInternetDateTime, IsWrittenInUtcToTheWholeSecond) {
   EXPECT_EQ(ISO8601DateFormatter::string(sys_days{987y / May / 4}), "0987-05-04T00:00:00Z");
 }
 
-TEST(AnInternetDateTime, ReadsBackAsTheMomentItWasWrittenFrom) {
+TEST(AnISO8601DateTime, RoundTripsToTheSameMoment) {
   for (Moment moment = lateInJanuary; moment < lateInJanuary + 24h * 900; moment += 37h + 11s) {
     EXPECT_EQ(ISO8601DateFormatter::date(ISO8601DateFormatter::string(moment)), moment);
   }
 }
 
-TEST(AnInternetDateTime, IsReadWithItsOffset) {
+TEST(AnISO8601DateTime, IsReadWithItsOffset) {
   EXPECT_EQ(ISO8601DateFormatter::date("2026-01-31T09:05:07Z"), lateInJanuary);
   EXPECT_EQ(ISO8601DateFormatter::date("2026-01-31T11:05:07+02:00"), lateInJanuary);
   EXPECT_EQ(ISO8601DateFormatter::date("2026-01-31T03:35:07-05:30"), lateInJanuary);
@@ -36,14 +36,14 @@ TEST(AnInternetDateTime, IsReadWithItsOffset) {
   EXPECT_EQ(ISO8601DateFormatter::date("2026-01-31T09:05:07-00:00"), lateInJanuary);
 }
 
-TEST(AnInternetDateTime, MayNameAnyDayThatExists) {
+TEST(AnISO8601DateTime, AcceptsEveryExistingDay) {
   EXPECT_TRUE(ISO8601DateFormatter::date("2024-02-29T00:00:00Z"));
   EXPECT_TRUE(ISO8601DateFormatter::date("2000-02-29T23:59:59Z"));
   EXPECT_TRUE(ISO8601DateFormatter::date("0001-01-01T00:00:00Z"));
   EXPECT_TRUE(ISO8601DateFormatter::date("9999-12-31T23:59:59-23:59"));
 }
 
-TEST(AnInternetDateTime, NamesNoDayOrTimeThatDoesNotExist) {
+TEST(AnISO8601DateTime, RefusesADayOrTimeThatDoesNotExist) {
   for (const auto* const text :
        {"2026-02-30T00:00:00Z", "2026-02-29T00:00:00Z", "1900-02-29T00:00:00Z",
         "2026-04-31T00:00:00Z", "2026-00-10T00:00:00Z", "2026-13-10T00:00:00Z",
@@ -54,7 +54,7 @@ TEST(AnInternetDateTime, NamesNoDayOrTimeThatDoesNotExist) {
   }
 }
 
-TEST(AnInternetDateTime, IsReadInNoOtherForm) {
+TEST(AnISO8601DateTime, IsNotReadFromAnotherFormat) {
   for (const auto& text : {""s,
                            "Z"s,
                            "2026-01-31"s,

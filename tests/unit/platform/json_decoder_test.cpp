@@ -28,12 +28,12 @@ TEST(AJSONObject, KeepsAnEscapedNulInAText) {
   EXPECT_EQ(JSONDecoder::object(R"({"text":"a\u0000b"})").decodeString("text"), "a\0b"s);
 }
 
-TEST(AJSONObject, FindsMembersByExactNameOnly) {
+TEST(AJSONObject, MatchesMemberNamesExactly) {
   const auto object = JSONDecoder::object(R"({"Saved": true, "saved ": true, "0": true})");
   EXPECT_EQ(decodingErrorOf([&] { return object.decodeBool("saved"); }).kind(), Kind::keyNotFound);
 }
 
-TEST(AJSONObject, TellsAnAbsentMemberFromANullAndFromAnotherType) {
+TEST(AJSONObject, DistinguishesAbsentNullAndWrongType) {
   const auto object = JSONDecoder::object(R"({"null": null, "number": 1})");
   const auto absent = decodingErrorOf([&] { return object.decodeBool("absent"); });
   EXPECT_EQ(absent.kind(), Kind::keyNotFound);
@@ -70,7 +70,7 @@ TEST(AJSONObject, NamesEveryTypeThatItFinds) {
             "object");
 }
 
-TEST(AJSONObject, AnswersNoneForAnAbsentOrNullMember) {
+TEST(AJSONObject, ReturnsNulloptForAnAbsentOrNullMember) {
   const auto object = JSONDecoder::object(R"({"null": null})");
   for (const auto* const key : {"absent", "null"}) {
     EXPECT_EQ(object.decodeStringIfPresent(key), std::nullopt);
@@ -79,7 +79,7 @@ TEST(AJSONObject, AnswersNoneForAnAbsentOrNullMember) {
   }
 }
 
-TEST(AJSONObject, RefusesAnotherTypeEvenWhereAMemberMayBeAbsent) {
+TEST(AJSONObject, RefusesTheWrongTypeOfAnOptionalMember) {
   const auto object = JSONDecoder::object(R"({"member": true})");
   EXPECT_EQ(decodingErrorOf([&] { return object.decodeStringIfPresent("member"); }).kind(),
             Kind::typeMismatch);
@@ -89,7 +89,7 @@ TEST(AJSONObject, RefusesAnotherTypeEvenWhereAMemberMayBeAbsent) {
             Kind::typeMismatch);
 }
 
-TEST(AJSONObject, PutsTheOuterKeysInFrontOfAMembersPath) {
+TEST(AJSONObject, PrefixesTheErrorPathWithOuterKeys) {
   const auto top = JSONDecoder::object(R"({"expense": {"amount": "5", "inner": {}}})");
   const auto expense = top.decodeObjectIfPresent("expense");
   ASSERT_TRUE(expense);
@@ -115,7 +115,7 @@ TEST(AJSONObject, KeepsItsDocumentAlive) {
   EXPECT_EQ(inner->decodeString("text"), "still here");
 }
 
-TEST(AJSONObject, TakesTheLastOfDoubledMembers) {
+TEST(AJSONObject, UsesTheLastOfDuplicateMembers) {
   const auto object = JSONDecoder::object(
       R"({"a": "first", "a": 2, "b": 1, "b": null, "c": {"x": 1}, "c": {"y": 2}})");
   EXPECT_EQ(object.decodeDouble("a"), 2);
@@ -147,7 +147,7 @@ TEST(AJSONObject, ReadsEveryNumberAsTheNearestDouble) {
   }
 }
 
-TEST(AJSONObject, AcceptsIntegralNumbersInWhateverFormTheyAreWritten) {
+TEST(AJSONObject, AcceptsIntegersInEveryNumberFormat) {
   const auto read = [](const std::string& number) {
     return JSONDecoder::object(R"({"n":)" + number + "}").decodeInteger("n");
   };
@@ -163,7 +163,7 @@ TEST(AJSONObject, AcceptsIntegralNumbersInWhateverFormTheyAreWritten) {
   EXPECT_EQ(read("-9223372036854775808"), std::numeric_limits<std::int64_t>::min());
 }
 
-TEST(AJSONObject, RefusesNumbersThatAreNotIntegralOrDoNotFit) {
+TEST(AJSONObject, RefusesIntegersWithAFractionOrOutOfRange) {
   for (const auto* const number :
        {"3.5", "-0.5", "1e-1", "9223372036854775808", "18446744073709551615",
         "18446744073709551616", "-9223372036854775809", "1e19", "-1e19", "1e300"}) {

@@ -22,7 +22,7 @@ std::string nested(std::size_t depth, char open, char close) {
   return std::string(depth, open) + std::string(depth, close);
 }
 
-TEST(AJSONDocument, MustHoldAnObjectAtTheTop) {
+TEST(AJSONDocument, NeedsAnObjectAtTheTop) {
   for (const auto& [document, found] :
        {std::pair("[]", "array"), std::pair("\"text\"", "string"), std::pair("1", "number"),
         std::pair("true", "boolean"), std::pair("null", "null")}) {
@@ -34,7 +34,7 @@ TEST(AJSONDocument, MustHoldAnObjectAtTheTop) {
   }
 }
 
-TEST(AJSONDocument, ThatIsNoJSONIsCorrupted) {
+TEST(AJSONDocument, IsCorruptedWhenItIsNotJSON) {
   for (const auto* const document : {"",
                                      " ",
                                      "{",
@@ -73,7 +73,7 @@ TEST(AJSONDocument, IsCorruptedByANulAnywhere) {
   }
 }
 
-TEST(AJSONDocument, IsCorruptedByBytesThatAreNoUtf8) {
+TEST(AJSONDocument, IsCorruptedByInvalidUtf8) {
   for (const auto* const bytes : {"\xff", "\xc3", "\xc0\xaf", "\xed\xa0\x80", "\xf4\x90\x80\x80"}) {
     EXPECT_EQ(documentError("{\"a\":\""s + bytes + "\"}").kind(), Kind::dataCorrupted);
     EXPECT_EQ(documentError("{\""s + bytes + "\":1}").kind(), Kind::dataCorrupted);
@@ -81,7 +81,7 @@ TEST(AJSONDocument, IsCorruptedByBytesThatAreNoUtf8) {
   }
 }
 
-TEST(AJSONDocument, IsCorruptedByANumberPastTheRangeOfADoubleWhereverItStands) {
+TEST(AJSONDocument, IsCorruptedByAnyNumberBeyondTheRangeOfADouble) {
   for (const auto& number : {"1e309"s, "-1e400"s, std::string(400, '9')}) {
     for (const auto& document :
          {"{\"saved\":true,\"ignored\":" + number + "}", "{\"a\":[[{\"b\":" + number + "}]]}",
@@ -91,11 +91,11 @@ TEST(AJSONDocument, IsCorruptedByANumberPastTheRangeOfADoubleWhereverItStands) {
   }
 }
 
-TEST(AJSONDocument, MayBeginWithAByteOrderMark) {
+TEST(AJSONDocument, CanBeginWithAByteOrderMark) {
   EXPECT_TRUE(JSONDecoder::object("\xEF\xBB\xBF{\"a\":true}").decodeBool("a"));
 }
 
-TEST(AJSONDocument, MayBeNestedAMillionDeepInAnIgnoredMember) {
+TEST(AJSONDocument, CanBeNestedAMillionDeepInAnIgnoredMember) {
   constexpr std::size_t depth = 1'000'000;
   const auto object =
       JSONDecoder::object(R"({"ignored":)" + nested(depth, '[', ']') + R"(,"saved":true})");
@@ -103,25 +103,25 @@ TEST(AJSONDocument, MayBeNestedAMillionDeepInAnIgnoredMember) {
   EXPECT_EQ(decodingErrorOf([&] { return object.decodeString("ignored"); }).found(), "array");
 }
 
-TEST(AJSONDocument, MayBeNestedAMillionDeepInObjects) {
+TEST(AJSONDocument, CanBeNestedAMillionDeepInObjects) {
   std::string document;
   for (int i = 0; i < 1'000'000; ++i) document += R"({"a":)";
   document += "1" + std::string(1'000'000, '}');
   EXPECT_TRUE(JSONDecoder::object(document).decodeObjectIfPresent("a").has_value());
 }
 
-TEST(AJSONDocument, ThatIsNestedDeepAndCutOffIsCorrupted) {
+TEST(AJSONDocument, IsCorruptedWhenItIsDeeplyNestedAndTruncated) {
   EXPECT_EQ(documentError(R"({"a":)" + std::string(1'000'000, '[')).kind(), Kind::dataCorrupted);
   EXPECT_EQ(documentError(std::string(1'000'000, '[')).kind(), Kind::dataCorrupted);
 }
 
-TEST(AJSONDocument, DropsADeeplyNestedMemberThatALaterOneReplaces) {
+TEST(AJSONDocument, ReplacesADeeplyNestedMemberWithALaterOne) {
   const auto object =
       JSONDecoder::object(R"({"a":)" + nested(1'000'000, '[', ']') + R"(,"a":false})");
   EXPECT_FALSE(object.decodeBool("a"));
 }
 
-TEST(AJSONArray, YieldsItsObjectsInOrder) {
+TEST(AJSONArray, ReturnsItsObjectsInOrder) {
   const auto objects = JSONDecoder::arrayOfObjects(R"([{"n":1},{"n":2},{"n":3}])");
   ASSERT_EQ(objects.size(), 3u);
   for (std::size_t i = 0; i < 3; ++i) {
@@ -130,7 +130,7 @@ TEST(AJSONArray, YieldsItsObjectsInOrder) {
   EXPECT_TRUE(JSONDecoder::arrayOfObjects("[]").empty());
 }
 
-TEST(AJSONArray, HoldsObjectsOnly) {
+TEST(AJSONArray, RefusesElementsThatAreNotObjects) {
   const auto error = decodingErrorOf([] { JSONDecoder::arrayOfObjects(R"([{}, {}, 5])"); });
   EXPECT_EQ(error.kind(), Kind::typeMismatch);
   EXPECT_EQ(error.path(), "[2]");
@@ -150,7 +150,7 @@ TEST(AJSONArray, MustBeAtTheTop) {
             Kind::dataCorrupted);
 }
 
-TEST(ADecodingError, HoldsNothingOfTheData) {
+TEST(ADecodingError, ContainsNothingOfTheData) {
   const auto object = JSONDecoder::object(R"({"amount": "secret"})");
   const std::string line = decodingErrorOf([&] { return object.decodeDouble("amount"); }).what();
   EXPECT_EQ(line, "DecodingError typeMismatch at amount: expected number, found string");

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(AJSONEncoder, WritesMembersCompactlyInTheOrderOfTheCalls) {
+TEST(AJSONEncoder, WritesMembersCompactlyInCallOrder) {
   JSONEncoder inner;
   inner.encodeInteger("n", -1);
   JSONEncoder object;
@@ -28,7 +28,7 @@ TEST(AJSONEncoder, WritesMembersCompactlyInTheOrderOfTheCalls) {
 
 TEST(AJSONEncoder, WritesAnEmptyObject) { EXPECT_EQ(JSONEncoder().text(), "{}"); }
 
-TEST(AJSONEncoder, LeavesEmptyOptionalsOut) {
+TEST(AJSONEncoder, OmitsAbsentOptionals) {
   JSONEncoder object;
   object.encodeStringIfPresent("text", std::nullopt);
   object.encodeDoubleIfPresent("number", std::nullopt);
@@ -38,7 +38,7 @@ TEST(AJSONEncoder, LeavesEmptyOptionalsOut) {
   EXPECT_EQ(object.text(), R"({"text":"","number":0.0})");
 }
 
-TEST(AJSONEncoder, WritesTextsThatReadBackUnchanged) {
+TEST(AJSONEncoder, WritesTextsThatRoundTrip) {
   for (const auto& text :
        {""s, "\"quoted\" back\\slash /slash"s, "line\nbreak\r\ttab"s, "\x01\x1f\x7f"s, "nul\0in"s,
         "جنيه ١٢٫٥ 💸 é"s, "\u2028\u2029\uFFFD\U0010FFFF"s}) {
@@ -54,13 +54,13 @@ TEST(AJSONEncoder, EscapesKeysLikeTexts) {
   EXPECT_EQ(object.text(), R"({"a\"b":true})");
 }
 
-TEST(AJSONEncoder, WritesATextOfBrokenBytesRepaired) {
+TEST(AJSONEncoder, RepairsTextsThatAreNotUtf8) {
   JSONEncoder object;
   object.encodeString("text", "a\xff");
   EXPECT_EQ(object.text(), "{\"text\":\"a\uFFFD\"}");
 }
 
-TEST(AJSONEncoder, WritesNumbersThatReadBackAsTheSameDouble) {
+TEST(AJSONEncoder, WritesDoublesThatRoundTrip) {
   for (const double number :
        {0.0, -0.0, 0.1, 0.1 + 0.2, 1.0 / 3, 150.0, -12.5, 1e16, 1e-5, 1e300, 5e-324,
         123456789.123456789, 9007199254740993.0, std::numeric_limits<double>::max(),

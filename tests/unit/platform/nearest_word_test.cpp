@@ -8,14 +8,14 @@ namespace {
 const std::vector<std::string> commands{"sign-in", "sign-out", "status", "queue",
                                         "ProcessSMSIntent"};
 
-TEST(TheNearestWord, DiffersInALetterAddedLeftOutChangedOrSwapped) {
+TEST(TheNearestWord, ToleratesAddedMissingChangedOrSwappedLetters) {
   EXPECT_EQ(nearestWord("queuee", commands), "queue");
   EXPECT_EQ(nearestWord("quue", commands), "queue");
   EXPECT_EQ(nearestWord("quaue", commands), "queue");
   EXPECT_EQ(nearestWord("sing-in", commands), "sign-in");
 }
 
-TEST(TheNearestWord, IsFoundWhateverTheLetterCase) {
+TEST(TheNearestWord, IsFoundInAnyLetterCase) {
   EXPECT_EQ(nearestWord("processsmsintent", commands), "ProcessSMSIntent");
 }
 

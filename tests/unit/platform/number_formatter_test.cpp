@@ -26,8 +26,8 @@ class ANumberFormatter : public testing::Test {
   testkit::PrivateFolders folders_;
 };
 
-// Between a code and its number stands a no-break space.
-TEST_F(ANumberFormatter, WritesSymbolGroupingAndDigitsAsTheLocaleDoes) {
+// A no-break space separates a code from its number.
+TEST_F(ANumberFormatter, FollowsTheSymbolGroupingAndDigitsOfTheLocale) {
   EXPECT_EQ(money("EGP", 1234.5), "EGP\u00A01,234.50");
   EXPECT_EQ(money("USD", 1234.5), "$1,234.50");
   EXPECT_EQ(money("EUR", 1234.5, "de_DE.UTF-8"), "1.234,50\u00A0€");
@@ -37,23 +37,23 @@ TEST_F(ANumberFormatter, WritesSymbolGroupingAndDigitsAsTheLocaleDoes) {
   EXPECT_EQ(money("EGP", 1234.5, "C"), "EGP\u00A01234.50");
 }
 
-TEST_F(ANumberFormatter, WritesAsManyDecimalsAsTheCurrencyHas) {
+TEST_F(ANumberFormatter, WritesTheDecimalsOfTheCurrency) {
   EXPECT_EQ(money("JPY", 1234.5), "¥1,234");
   EXPECT_EQ(money("KWD", 1.2345), "KWD\u00A01.234");
   EXPECT_EQ(money("EGP", 250), "EGP\u00A0250.00");
   EXPECT_EQ(money("EGP", 0.1 + 0.2), "EGP\u00A00.30");
 }
 
-TEST_F(ANumberFormatter, TakesACodeInEitherCase) {
+TEST_F(ANumberFormatter, AcceptsACodeInAnyLetterCase) {
   EXPECT_EQ(money("egp", 1), money("EGP", 1));
   EXPECT_EQ(money("uSd", 1), "$1.00");
 }
 
-TEST_F(ANumberFormatter, WritesAnUnknownCodeAsItIs) {
+TEST_F(ANumberFormatter, WritesAnUnknownCodeUnchanged) {
   EXPECT_EQ(money("QQQ", 1234.5), "QQQ\u00A01,234.50");
 }
 
-TEST_F(ANumberFormatter, WritesTheGeneralSignForAnEmptyCode) {
+TEST_F(ANumberFormatter, WritesTheGenericCurrencySignForAnEmptyCode) {
   EXPECT_EQ(money("", 1234.5), "¤1,234.50");
   for (const auto* const locale : {"de_DE", "ar_EG", "C", "broken"}) {
     EXPECT_THAT(money("", 1, locale),
@@ -61,7 +61,7 @@ TEST_F(ANumberFormatter, WritesTheGeneralSignForAnEmptyCode) {
   }
 }
 
-TEST_F(ANumberFormatter, HasNoTextForWhatIsNoCode) {
+TEST_F(ANumberFormatter, ReturnsNulloptForAnInvalidCode) {
   for (const auto* const code :
        {"E", "EG", "EGPX", "EURO", "E1P", "EG ", " EG", "123", "£", "€€€", "ЕГП", "US$", "E\nP"}) {
     EXPECT_EQ(NumberFormatter{.currencyCode = code}.string(1), std::nullopt) << code;
@@ -69,13 +69,13 @@ TEST_F(ANumberFormatter, HasNoTextForWhatIsNoCode) {
   EXPECT_EQ(NumberFormatter{.currencyCode = std::string("E\0P", 3)}.string(1), std::nullopt);
 }
 
-TEST_F(ANumberFormatter, WritesLargeAndInfiniteSums) {
+TEST_F(ANumberFormatter, WritesLargeAndInfiniteAmounts) {
   EXPECT_EQ(money("EGP", 1e20), "EGP\u00A0100,000,000,000,000,000,000.00");
   EXPECT_THAT(money("EGP", std::numeric_limits<double>::infinity()), HasSubstr("∞"));
   EXPECT_THAT(money("EGP", std::numeric_limits<double>::quiet_NaN()), HasSubstr("NaN"));
 }
 
-TEST_F(ANumberFormatter, ReadsTheDevicesLocaleForMoney) {
+TEST_F(ANumberFormatter, FollowsTheMonetaryLocaleOfTheDevice) {
   const ScopedVariable all("LC_ALL", std::nullopt);
   const ScopedVariable monetary("LC_MONETARY", "de_DE.UTF-8");
   const ScopedVariable numeric("LC_NUMERIC", "fa_IR.UTF-8");

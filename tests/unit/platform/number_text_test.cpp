@@ -14,7 +14,7 @@ namespace {
 using namespace std::string_literals;
 using Limits = std::numeric_limits<double>;
 
-TEST(ADoubleText, IsTheShortestThatReadsBack) {
+TEST(ADoubleText, IsTheShortestThatRoundTrips) {
   EXPECT_EQ(doubleText(12.5), "12.5");
   EXPECT_EQ(doubleText(0.1), "0.1");
   EXPECT_EQ(doubleText(0.1 + 0.2), "0.30000000000000004");
@@ -24,7 +24,7 @@ TEST(ADoubleText, IsTheShortestThatReadsBack) {
   EXPECT_EQ(doubleText(123456789.12), "123456789.12");
 }
 
-TEST(ADoubleText, HasADigitAfterThePointForWholeNumbers) {
+TEST(ADoubleText, HasADecimalForWholeNumbers) {
   EXPECT_EQ(doubleText(0.0), "0.0");
   EXPECT_EQ(doubleText(-0.0), "-0.0");
   EXPECT_EQ(doubleText(150), "150.0");
@@ -33,7 +33,7 @@ TEST(ADoubleText, HasADigitAfterThePointForWholeNumbers) {
   EXPECT_EQ(doubleText(100000), "100000.0");
 }
 
-TEST(ADoubleText, IsPlainFromATenThousandthUpToTenToTheSixteenth) {
+TEST(ADoubleText, HasNoExponentFromOneTenThousandthTo1e16) {
   EXPECT_EQ(doubleText(1e-4), "0.0001");
   EXPECT_EQ(doubleText(-1e-4), "-0.0001");
   EXPECT_EQ(doubleText(0.00012345678901234567), "0.00012345678901234567");
@@ -42,7 +42,7 @@ TEST(ADoubleText, IsPlainFromATenThousandthUpToTenToTheSixteenth) {
   EXPECT_EQ(doubleText(std::nextafter(1e16, 0)), "9999999999999998.0");
 }
 
-TEST(ADoubleText, HasAnExponentOfASignAndTwoDigitsOrMoreBeyondThat) {
+TEST(ADoubleText, HasASignedExponentOfTwoDigitsBeyondThatRange) {
   EXPECT_EQ(doubleText(1e16), "1e+16");
   EXPECT_EQ(doubleText(-1e16), "-1e+16");
   EXPECT_EQ(doubleText(1.5e16), "1.5e+16");
@@ -55,14 +55,14 @@ TEST(ADoubleText, HasAnExponentOfASignAndTwoDigitsOrMoreBeyondThat) {
   EXPECT_EQ(doubleText(Limits::denorm_min()), "5e-324");
 }
 
-TEST(ADoubleText, NamesWhatIsNotFinite) {
+TEST(ADoubleText, IsANameForInfinityAndNaN) {
   EXPECT_EQ(doubleText(Limits::quiet_NaN()), "nan");
   EXPECT_EQ(doubleText(-Limits::quiet_NaN()), "nan");
   EXPECT_EQ(doubleText(Limits::infinity()), "inf");
   EXPECT_EQ(doubleText(-Limits::infinity()), "-inf");
 }
 
-TEST(ADoubleText, ReadsBackAsTheSameDouble) {
+TEST(ADoubleText, RoundTrips) {
   std::mt19937_64 random(20260131);
   for (int i = 0; i < 100000; ++i) {
     const auto number = std::bit_cast<double>(random());
@@ -79,7 +79,7 @@ TEST(ADoubleText, ReadsBackAsTheSameDouble) {
   EXPECT_TRUE(std::isnan(doubleFromText("nan").value_or(0)));
 }
 
-TEST(ADouble, IsReadFromPlainAndExponentForms) {
+TEST(ADouble, IsReadWithOrWithoutAnExponent) {
   for (const auto& [text, number] :
        {std::pair("0", 0.0), std::pair("150.0", 150.0), std::pair("150", 150.0),
         std::pair("+5", 5.0), std::pair("-5", -5.0), std::pair("1e3", 1000.0),
@@ -105,13 +105,13 @@ TEST(ADouble, IsReadFromHexadecimalAndNamesOfInfinity) {
   }
 }
 
-TEST(ADouble, PastTheRangeIsInfiniteOrZeroAsForTheCLibrary) {
+TEST(ADouble, IsInfiniteOrZeroOutOfRangeLikeStrtod) {
   EXPECT_EQ(doubleFromText("1e400"), Limits::infinity());
   EXPECT_EQ(doubleFromText("-1e400"), -Limits::infinity());
   EXPECT_EQ(doubleFromText("1e-400"), 0.0);
 }
 
-TEST(ADouble, IsNotReadFromATextWithBlanksOrARest) {
+TEST(ADouble, IsNotReadFromATextWithBlanksOrTrailingBytes) {
   for (const auto& text : {""s, " "s, " 1"s, "\t1"s, "\n1"s, "\v1"s, "\f1"s, "\r1"s, "\0"s,
                            "\0001"s, "1 "s, "1\n"s, "1\t"s, "1\0"s, "1\0002"s,
                            "\u00A0"s
@@ -121,7 +121,7 @@ TEST(ADouble, IsNotReadFromATextWithBlanksOrARest) {
   }
 }
 
-TEST(ADouble, IsNotReadFromWhatIsNoNumber) {
+TEST(ADouble, IsNotReadFromATextThatIsNotANumber) {
   for (const auto* const text : {"abc", "-", "+", ".", "e3", "1e", "1e+", "1,5", "1.5.2", "1_000",
                                  "--1", "+-1", "0x", "1f", "١٢", "infinit", "nan(", "1.0EGP"}) {
     EXPECT_EQ(doubleFromText(text), std::nullopt) << text;
@@ -148,7 +148,7 @@ TEST(AnInteger, IsReadFromAnOptionalSignAndDigits) {
   EXPECT_EQ(integerFromText("000000000000000000000000000000001"), 1);
 }
 
-TEST(AnInteger, IsNotReadFromAnythingElse) {
+TEST(AnInteger, IsNotReadFromAnotherFormat) {
   for (const auto& text : {""s,
                            "+"s,
                            "-"s,

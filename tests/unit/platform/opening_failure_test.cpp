@@ -110,7 +110,7 @@ TEST_F(ASuiteThatDoesNotOpen, NamesTheDamagedFile) {
       line(file(), " is damaged; restore a copy, or move it away to start with an empty store"));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, SaysThatThereIsNoHome) {
+TEST_F(ASuiteThatDoesNotOpen, ReportsThatThereIsNoHome) {
   const ScopedVariable data("XDG_DATA_HOME", std::nullopt);
   for (const auto& home : {std::optional<std::string>(), std::optional<std::string>("relative")}) {
     const ScopedVariable variable("HOME", home);
@@ -119,18 +119,18 @@ TEST_F(ASuiteThatDoesNotOpen, SaysThatThereIsNoHome) {
   }
 }
 
-TEST_F(ASuiteThatDoesNotOpen, GivesTheSystemsReasonForAFolderThatCannotBeMade) {
+TEST_F(ASuiteThatDoesNotOpen, ReportsWhyAFolderCannotBeCreated) {
   const ScopedVariable data("XDG_DATA_HOME", "/proc/kivo/data");
   EXPECT_EQ(said(), line("/proc/kivo/data", " cannot be created: No such file or directory"));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, GivesTheSystemsReasonForAFolderBelowAFile) {
+TEST_F(ASuiteThatDoesNotOpen, ReportsAFolderBelowAFile) {
   fs::create_directories(folders_.home());
   std::ofstream(folders_.dataHome()) << "a file";
   EXPECT_EQ(said(), line(folder(), " cannot be created: Not a directory"));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, SaysWhenAPermissionIsMissing) {
+TEST_F(ASuiteThatDoesNotOpen, ReportsAMissingPermission) {
   { open(); }
   const fs::path locked = folders_.dataHome() / "locked";
   fs::create_directories(locked);
@@ -148,7 +148,7 @@ TEST_F(ASuiteThatDoesNotOpen, SaysWhenAPermissionIsMissing) {
   EXPECT_THAT(words, HasSubstr((locked / "data").string()));
 }
 
-TEST_F(ASuiteThatDoesNotOpen, SaysTheSameReasonOnceUntilItOpensAgain) {
+TEST_F(ASuiteThatDoesNotOpen, RepeatsAReasonOnlyAfterItOpenedAgain) {
   leaveBytes("not a database, though it is long enough to be one\n");
   EXPECT_NE(said(), "");
   EXPECT_EQ(said(), "");
@@ -159,12 +159,12 @@ TEST_F(ASuiteThatDoesNotOpen, SaysTheSameReasonOnceUntilItOpensAgain) {
   EXPECT_NE(said(), "");
 }
 
-TEST_F(ASuiteThatDoesNotOpen, GivesItsReasonInOneLine) {
+TEST_F(ASuiteThatDoesNotOpen, ReportsItsReasonInOneLine) {
   const ScopedVariable data("XDG_DATA_HOME", "/proc/a\nb\x1b[2J");
   EXPECT_EQ(said(), line("/proc/a\\nb\\x1b[2J", " cannot be created: No such file or directory"));
 }
 
-TEST(AnOpeningFailure, TellsALockedDatabaseFromADamagedOne) {
+TEST(AnOpeningFailure, DistinguishesALockedDatabaseFromADamagedOne) {
   using linux_platform::OpeningFailure;
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_BUSY_RECOVERY, 0).what(),
                "/x is locked by another program; stop it and try again");

@@ -13,7 +13,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-// Standard input holds a text and is no terminal.
+// Standard input is a text and not a terminal.
 class ParametersFromTexts : public ::testing::Test {
  protected:
   ParametersFromTexts() : standardInput_(dup(STDIN_FILENO)), before_(std::cin.rdbuf()) {
@@ -43,13 +43,13 @@ class ParametersFromTexts : public ::testing::Test {
   std::streambuf* before_;
 };
 
-TEST_F(ParametersFromTexts, AreFilledByTheirNames) {
+TEST_F(ParametersFromTexts, AreFilledByName) {
   EXPECT_EQ(fill({{"merchant", "Cafe"}, {"amount", "12.5"}}), std::nullopt);
   EXPECT_EQ(intent_.amount.value(), 12.5);
   EXPECT_EQ(intent_.merchant.value(), "Cafe");
 }
 
-TEST_F(ParametersFromTexts, TakeATextFromStandardInputByteForByte) {
+TEST_F(ParametersFromTexts, ReadATextFromStandardInputByteForByte) {
   const std::string input("Cafe\0 \n\n", 8);
   EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "1"}}, input), std::nullopt);
   EXPECT_EQ(intent_.merchant.value(), input);
@@ -57,43 +57,43 @@ TEST_F(ParametersFromTexts, TakeATextFromStandardInputByteForByte) {
   EXPECT_EQ(intent_.merchant.value(), "");
 }
 
-TEST_F(ParametersFromTexts, TakeAMegabyteFromStandardInput) {
+TEST_F(ParametersFromTexts, ReadAMegabyteFromStandardInput) {
   const std::string input(1 << 20, '\0');
   EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "1"}}, input), std::nullopt);
   EXPECT_EQ(intent_.merchant.value(), input);
 }
 
-TEST_F(ParametersFromTexts, TakeNoNumberFromStandardInput) {
+TEST_F(ParametersFromTexts, CannotReadANumberFromStandardInput) {
   EXPECT_EQ(fill({{"merchant", "Cafe"}, {"amount", "-"}}, "12.5"),
             "--amount cannot be read from standard input");
 }
 
-TEST_F(ParametersFromTexts, TakeOneAtMostFromStandardInput) {
+TEST_F(ParametersFromTexts, CannotReadTwoTextsFromStandardInput) {
   EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "-"}}, "12.5"),
             "only one parameter can be read from standard input");
 }
 
-TEST_F(ParametersFromTexts, ComplainOfAnUnknownNameFirst) {
+TEST_F(ParametersFromTexts, ReportAnUnknownNameFirst) {
   EXPECT_EQ(fill({{"smsText", "x"}}), "unknown parameter --smsText");
 }
 
-TEST_F(ParametersFromTexts, ComplainOfAMissingOneWhereNobodyCanBeAsked) {
+TEST_F(ParametersFromTexts, ReportAMissingParameterWithoutATerminal) {
   EXPECT_EQ(fill({{"merchant", "Cafe"}}), "missing parameter --amount");
   EXPECT_EQ(fill({{"amount", "1"}}), "missing parameter --merchant");
 }
 
-TEST_F(ParametersFromTexts, ComplainOfANumberThatDoesNotFitWithoutRepeatingIt) {
+TEST_F(ParametersFromTexts, ReportAnInvalidNumberWithoutRepeatingIt) {
   EXPECT_EQ(fill({{"merchant", "Cafe"}, {"amount", "1,5"}}),
             "--amount needs a number such as 12.5");
 }
 
-TEST_F(ParametersFromTexts, ComplainOfANumberOutsideItsRangeWithTheRange) {
+TEST_F(ParametersFromTexts, ReportTheRangeOfANumberOutsideIt) {
   testkit::RateMerchantIntent rating;
   EXPECT_EQ(fillParameters(rating, {{"merchant", "Cafe"}, {"stars", "12.5"}}),
             "--stars needs a number from 1.0 to 5.0");
 }
 
-TEST_F(ParametersFromTexts, LeaveADefaultWhereNoTextIsGiven) {
+TEST_F(ParametersFromTexts, KeepTheirDefaultsWithoutAText) {
   testkit::RateMerchantIntent rating;
   EXPECT_EQ(fillParameters(rating, {{"merchant", "Cafe"}, {"stars", "5"}}), std::nullopt);
   EXPECT_EQ(rating.remarkToKeep.value(), "no remark");

@@ -50,7 +50,7 @@ class AReplacedText : public SuiteTest {
   [[nodiscard]] bool owed() const { return std::filesystem::exists(file().string() + "-unerased"); }
 };
 
-TEST_F(AReplacedText, IsGoneFromTheFilesWhileAnotherProcessHasThemOpen) {
+TEST_F(AReplacedText, IsErasedWhileAnotherProcessHasTheFilesOpen) {
   open();
   const auto other = reader();
   other->goOn();
@@ -64,7 +64,7 @@ TEST_F(AReplacedText, IsGoneFromTheFilesWhileAnotherProcessHasThemOpen) {
   EXPECT_EQ(other->end(), 0);
 }
 
-TEST_F(AReplacedText, IsGoneAfterTheNextOpeningWhenAReadPreventedIt) {
+TEST_F(AReplacedText, IsErasedAtTheNextOpenWhenAReaderPreventedIt) {
   write("queue", secret);
   const auto other = reader();
   const auto before = std::chrono::steady_clock::now();
@@ -83,7 +83,7 @@ TEST_F(AReplacedText, IsGoneAfterTheNextOpeningWhenAReadPreventedIt) {
   EXPECT_EQ(other->end(), 0);
 }
 
-TEST_F(AReplacedText, IsGoneAsWellWhenItMadeWayForALongerOneOrANumber) {
+TEST_F(AReplacedText, IsErasedWhenALongerTextOrANumberReplacesIt) {
   const auto other = [this] {
     open();
     return reader();
@@ -104,7 +104,7 @@ TEST_F(AReplacedText, IsGoneAsWellWhenItMadeWayForALongerOneOrANumber) {
   EXPECT_EQ(other->end(), 0);
 }
 
-TEST_F(AReplacedText, CostsNothingWhileAListGrowsOrAFigureChanges) {
+TEST_F(AReplacedText, NeedsNoErasureWhenAListGrowsOrANumberChanges) {
   open();
   const auto other = reader();  // would leave a note behind
   write("queue", "[\"a text that is longer than a figure\"]");
@@ -118,7 +118,7 @@ TEST_F(AReplacedText, CostsNothingWhileAListGrowsOrAFigureChanges) {
   EXPECT_EQ(other->end(), 0);
 }
 
-TEST_F(AReplacedText, LeavesEverythingElseAsItWas) {
+TEST_F(AReplacedText, IsErasedWithoutChangingOtherValues) {
   leaveBehind("('integer', 42), ('real', 4.5), ('blob', x'41'), ('text', 'kept')");
   write("queue", secret);
   write("queue", "[]");
@@ -131,7 +131,7 @@ TEST_F(AReplacedText, LeavesEverythingElseAsItWas) {
 
 // The rows outgrow a page while the text is in it, and SQLite moves them, leaving a copy behind
 // that it does not overwrite.
-TEST_F(AReplacedText, IsGoneFromTheFreeSpaceOfPagesThatItWasMovedFrom) {
+TEST_F(AReplacedText, IsErasedFromTheFreeSpaceOfItsFormerPages) {
   const auto filler = [](std::size_t length) { return std::string(length, 'x'); };
   const auto list = [](std::size_t length) {
     std::string text = "[";

@@ -18,7 +18,7 @@ class ASearch : public ::testing::Test {
   platform::AppIntentsExtension extension_ = ExpenseIntentsExtension::make();
 };
 
-TEST_F(ASearch, FindsTheIntentByEachOfItsPhrases) {
+TEST_F(ASearch, FindsAnIntentByEachOfItsPhrases) {
   for (const auto& shortcut : extension_.appShortcuts()) {
     for (const auto& phrase : shortcut.phrases) {
       Terms terms;
@@ -29,7 +29,7 @@ TEST_F(ASearch, FindsTheIntentByEachOfItsPhrases) {
   }
 }
 
-TEST_F(ASearch, FindsItByTheBeginningsOfWords) {
+TEST_F(ASearch, FindsAnIntentByPrefixesOfWords) {
   EXPECT_THAT(found({"Add"}), ElementsAre("AddExpenseIntent"));
   EXPECT_THAT(found({"add", "ex"}), ElementsAre("AddExpenseIntent"));
   EXPECT_THAT(found({"Add", "expense", "in", "K"}), ElementsAre("AddExpenseIntent"));
@@ -39,35 +39,35 @@ TEST_F(ASearch, FindsItByTheBeginningsOfWords) {
   EXPECT_THAT(found({"adding"}), IsEmpty()) << "longer than the word";
 }
 
-TEST_F(ASearch, TakesAnyLetterCaseAndOrder) {
+TEST_F(ASearch, IgnoresLetterCaseAndOrder) {
   EXPECT_THAT(found({"KIVO", "EXPENSE", "aDD"}), ElementsAre("AddExpenseIntent"));
   EXPECT_THAT(found({"kivo", "bank"}), ElementsAre("ProcessSMSIntent"));
 }
 
-TEST_F(ASearch, FindsSeveralIntentsInTheirOrder) {
+TEST_F(ASearch, FindsSeveralIntentsInOrder) {
   EXPECT_THAT(found({"kivo"}), ElementsAre("AddExpenseIntent", "ProcessSMSIntent"));
   EXPECT_THAT(found({"track"}), ElementsAre("AddExpenseIntent", "ProcessSMSIntent"));
   EXPECT_THAT(found({"expense"}), ElementsAre("AddExpenseIntent", "ProcessSMSIntent"));
 }
 
-TEST_F(ASearch, WantsEachTermInOnePhrase) {
+TEST_F(ASearch, NeedsAllTermsInOnePhrase) {
   EXPECT_THAT(found({"add", "purchase"}), IsEmpty());
   EXPECT_THAT(found({"add", "sms"}), IsEmpty());
   EXPECT_THAT(found({"kivo", "weather"}), IsEmpty());
 }
 
-TEST_F(ASearch, DoesNotMindPunctuationAndBlanks) {
+TEST_F(ASearch, IgnoresPunctuationAndBlanks) {
   EXPECT_THAT(found({"add", "expense", "in", "Kivo!"}), ElementsAre("AddExpenseIntent"));
   EXPECT_THAT(found({" add  expense ", ""}), ElementsAre("AddExpenseIntent"));
 }
 
-TEST_F(ASearch, FindsNothingWithoutAWord) {
+TEST_F(ASearch, FindsNothingWithoutATerm) {
   EXPECT_THAT(found({}), IsEmpty());
   EXPECT_THAT(found({""}), IsEmpty());
   EXPECT_THAT(found({" ", "?!"}), IsEmpty());
 }
 
-TEST_F(ASearch, StandsTextOfAnyKind) {
+TEST_F(ASearch, HandlesInvalidAndVeryLongTerms) {
   EXPECT_THAT(found({"مصروف"}), IsEmpty());
   EXPECT_THAT(found({"\xff\xfe"}), IsEmpty());
   EXPECT_THAT(found({std::string(100000, 'a')}), IsEmpty());
@@ -86,7 +86,7 @@ TEST_F(ASearch, ShowsTitlePhraseAndIconsAsDeclared) {
   EXPECT_FALSE(shownShortcut(extension_, ""));
 }
 
-TEST_F(ASearch, OffersNoIntentThatIsNotToBeDiscovered) {
+TEST_F(ASearch, HidesAnIntentThatIsNotDiscoverable) {
   extension_ = testkit::ExtensionWithRating::make();
   ASSERT_THAT(found({"shop"}), IsEmpty());
   EXPECT_FALSE(shownShortcut(extension_, "RateMerchantIntent"));

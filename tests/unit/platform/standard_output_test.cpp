@@ -22,7 +22,7 @@ class StandardOutput : public testing::Test {
     close(before_);
   }
 
-  /// What `writing` writes to standard output, a pipe whose ends have `flags`.
+  /// The bytes that `writing` writes to standard output, a pipe whose ends have `flags`.
   static std::string captured(const std::function<void()>& writing, int flags = 0) {
     int ends[2] = {-1, -1};
     EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
@@ -47,7 +47,7 @@ class StandardOutput : public testing::Test {
   int before_;
 };
 
-TEST_F(StandardOutput, GetsTheLineAndALineFeed) {
+TEST_F(StandardOutput, ReceivesTheLineAndALineFeed) {
   EXPECT_EQ(captured([] {
               printLine("first");
               printLine("");
@@ -56,17 +56,17 @@ TEST_F(StandardOutput, GetsTheLineAndALineFeed) {
             "first\n\nhas\nbreaks\n");
 }
 
-TEST_F(StandardOutput, GetsALineLongerThanAPipeHolds) {
+TEST_F(StandardOutput, ReceivesALineLongerThanAPipeBuffer) {
   const std::string line(1 << 20, 'x');
   EXPECT_TRUE(captured([&] { printLine(line); }) == line + "\n");
 }
 
-TEST_F(StandardOutput, GetsAllOfALineWhenItDoesNotBlock) {
+TEST_F(StandardOutput, ReceivesAWholeLineWhenItIsNonBlocking) {
   const std::string line(1 << 20, 'x');
   EXPECT_TRUE(captured([&] { printLine(line); }, O_NONBLOCK) == line + "\n");
 }
 
-TEST_F(StandardOutput, GetsTheLinesOfSeveralCallersWhole) {
+TEST_F(StandardOutput, ReceivesLinesOfSeveralThreadsWhole) {
   const std::string output = captured([] {
     std::vector<std::thread> callers;
     for (char letter = 'a'; letter < 'e'; ++letter) {
@@ -83,7 +83,7 @@ TEST_F(StandardOutput, GetsTheLinesOfSeveralCallersWhole) {
   }
 }
 
-TEST_F(StandardOutput, ThatIsClosedOrFullIsNoFailure) {
+TEST_F(StandardOutput, CanBeClosedOrFullWithoutAFailure) {
   close(STDOUT_FILENO);
   printLine("into nothing");
   ASSERT_EQ(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);

@@ -53,7 +53,7 @@ class ASuiteFile : public SuiteTest {
 
 using ADataHome = SuiteTest;
 
-TEST_F(ASuiteFile, KeepsItsLogShortThoughEachHandleWritesOnceOnly) {
+TEST_F(ASuiteFile, KeepsItsWalShortWhenEachHandleWritesOnce) {
   std::uintmax_t longest = 0;
   for (int number = 0; number < 400; ++number) {
     UserDefaults suite = open();
@@ -66,7 +66,7 @@ TEST_F(ASuiteFile, KeepsItsLogShortThoughEachHandleWritesOnceOnly) {
   EXPECT_EQ(RawStore(file()).run("SELECT value FROM defaults"), "399\n");
 }
 
-TEST_F(ASuiteFile, WritesOnThoughAReaderKeepsItsLogFromBeingEmptied) {
+TEST_F(ASuiteFile, AcceptsWritesWhileAReaderBlocksTheCheckpoint) {
   std::optional<UserDefaults> suite = open();
   suite->setObject("number", "none");
   suite->synchronize();
@@ -85,7 +85,7 @@ TEST_F(ASuiteFile, WritesOnThoughAReaderKeepsItsLogFromBeingEmptied) {
   EXPECT_EQ(reader.run("SELECT value FROM defaults"), "300\n");
 }
 
-TEST_F(ASuiteFile, IsMadeInTheDocumentedForm) {
+TEST_F(ASuiteFile, IsCreatedInTheDocumentedFormat) {
   { open(); }
   RawStore raw(file());
   EXPECT_EQ(raw.run("PRAGMA journal_mode"), "wal\n");
@@ -95,7 +95,7 @@ TEST_F(ASuiteFile, IsMadeInTheDocumentedForm) {
             "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT\n");
 }
 
-TEST_F(ASuiteFile, IsForItsOwnerOnlyWhateverTheUmask) {
+TEST_F(ASuiteFile, IsPrivateToItsOwnerUnderAnyUmask) {
   const mode_t before = umask(0);
   UserDefaults suite = open();
   suite.setObject("key", "value");
@@ -107,7 +107,7 @@ TEST_F(ASuiteFile, IsForItsOwnerOnlyWhateverTheUmask) {
   EXPECT_EQ(modeOf(file().string() + "-shm"), 0600U);
 }
 
-TEST_F(ASuiteFile, TakesFromOthersWhatTheyMightDoWithAnOlderFolderOrFile) {
+TEST_F(ASuiteFile, RemovesPermissionsOfOthersFromAnOlderFile) {
   UserDefaults early = open();  // keeps the files beside the database alive
   early.setObject("key", "value");
   early.synchronize();
@@ -122,14 +122,14 @@ TEST_F(ASuiteFile, TakesFromOthersWhatTheyMightDoWithAnOlderFolderOrFile) {
   }
 }
 
-TEST_F(ASuiteFile, HasANameThatIsOneFolder) {
+TEST_F(ASuiteFile, NeedsANameWithoutPathSeparators) {
   for (const std::string_view name : {"", ".", "..", "a/b", "../x"}) {
     EXPECT_FALSE(UserDefaults::initWithSuiteName(name).has_value()) << name;
   }
   EXPECT_FALSE(UserDefaults::initWithSuiteName(std::string_view("a\0b", 3)).has_value());
 }
 
-TEST_F(ASuiteFile, ThatIsEmptyIsANewSuite) {
+TEST_F(ASuiteFile, BecomesANewSuiteWhenEmpty) {
   fs::create_directories(folder());
   fill(file(), "");
   UserDefaults suite = open();
@@ -138,21 +138,21 @@ TEST_F(ASuiteFile, ThatIsEmptyIsANewSuite) {
   EXPECT_EQ(open().stringForKey("key"), "value");
 }
 
-TEST_F(ASuiteFile, WhoseMakerDiedBeforeFillingItIsANewSuite) {
+TEST_F(ASuiteFile, BecomesANewSuiteWhenItsCreatorDied) {
   leaveDatabase("PRAGMA journal_mode = WAL");
   EXPECT_GT(fs::file_size(file()), 0U);
   { open(); }
   EXPECT_EQ(RawStore(file()).run("PRAGMA user_version"), "1\n");
 }
 
-TEST_F(ASuiteFile, ThatLeftTheWalModeIsBroughtBackToIt) {
+TEST_F(ASuiteFile, IsSwitchedBackToWalMode) {
   leaveBehind("('key', 'value')");
   EXPECT_EQ(RawStore(file()).run("PRAGMA journal_mode = DELETE"), "delete\n");
   EXPECT_EQ(open().stringForKey("key"), "value");
   EXPECT_EQ(RawStore(file()).run("PRAGMA journal_mode"), "wal\n");
 }
 
-TEST_F(ASuiteFile, ThatIsNoDatabaseIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWhenItIsNotADatabase) {
   fs::create_directories(folder());
   for (const std::string& bytes : {std::string("x"), std::string("not a database\n"),
                                    std::string(8192, '\0'), std::string(8192, '\xff')}) {
@@ -161,45 +161,45 @@ TEST_F(ASuiteFile, ThatIsNoDatabaseIsRefused) {
   }
 }
 
-TEST_F(ASuiteFile, ThatIsNewerIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWithANewerVersion) {
   { open(); }
   RawStore(file()).run("PRAGMA user_version = 2");
   expectRefusedAndUntouched();
 }
 
-TEST_F(ASuiteFile, OfAnotherProgramIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWithAnotherApplicationId) {
   leaveDatabase("CREATE TABLE theirs (x); PRAGMA application_id = 7; PRAGMA user_version = 1");
   expectRefusedAndUntouched();
 }
 
-TEST_F(ASuiteFile, OfAProgramWithoutANameIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWithoutAnApplicationId) {
   leaveDatabase("CREATE TABLE defaults (key, value)");
   expectRefusedAndUntouched();
 }
 
-TEST_F(ASuiteFile, OfAnEmptyDatabaseWithAVersionIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWhenEmptyButVersioned) {
   leaveDatabase("PRAGMA user_version = 3");
   expectRefusedAndUntouched();
 }
 
-TEST_F(ASuiteFile, WithoutItsTableIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWithoutItsTable) {
   { open(); }
   RawStore(file()).run("DROP TABLE defaults");
   EXPECT_FALSE(tryToOpen().has_value());
 }
 
-TEST_F(ASuiteFile, ThatIsAFolderIsRefused) {
+TEST_F(ASuiteFile, IsRefusedWhenItIsAFolder) {
   fs::create_directories(file());
   EXPECT_FALSE(tryToOpen().has_value());
 }
 
-TEST_F(ASuiteFile, ThatIsAPipeIsRefusedAtOnce) {
+TEST_F(ASuiteFile, IsRefusedAtOnceWhenItIsAPipe) {
   fs::create_directories(folder());
   ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
   EXPECT_FALSE(tryToOpen().has_value());
 }
 
-TEST_F(ASuiteFile, ThatIsDamagedInsideReadsAsEmptyAndSaysThatWritesFail) {
+TEST_F(ASuiteFile, ReadsAsEmptyAndReportsFailedWritesWhenDamaged) {
   leaveBehind("('key', hex(randomblob(20000)))");
   std::string bytes = bytesOf(file());
   std::fill(bytes.begin() + 4096, bytes.end(), '\x5a');
@@ -216,7 +216,7 @@ TEST_F(ASuiteFile, ThatIsDamagedInsideReadsAsEmptyAndSaysThatWritesFail) {
             "the shared store could not be written: database disk image is malformed\n");
 }
 
-TEST_F(ASuiteFile, WithAnyDamageNeverStopsTheProcess) {
+TEST_F(ASuiteFile, NeverEndsTheProcessWhenDamaged) {
   leaveBehind("('key', hex(randomblob(3000))), ('other', 'value'), ('third', 1.5)");
   const std::string intact = bytesOf(file());
   std::mt19937 random(20260131);
@@ -246,27 +246,27 @@ TEST_F(ASuiteFile, WithAnyDamageNeverStopsTheProcess) {
   EXPECT_LT(refused, 100);
 }
 
-TEST_F(ADataHome, ThatIsAFileHoldsNoSuite) {
+TEST_F(ADataHome, IsRefusedWhenItIsAFile) {
   fill(folders_.dataHome(), "");
   EXPECT_FALSE(tryToOpen().has_value());
 }
 
-TEST_F(ADataHome, WithAFileInThePlaceOfTheFolderHoldsNoSuite) {
+TEST_F(ADataHome, IsRefusedWhenTheFolderOfTheSuiteIsAFile) {
   fs::create_directories(folders_.dataHome());
   fill(folder(), "");
   EXPECT_FALSE(tryToOpen().has_value());
 }
 
-TEST_F(ADataHome, IsMadeWithAllItsParents) {
+TEST_F(ADataHome, IsCreatedWithItsParents) {
   const ScopedVariable variable("XDG_DATA_HOME", (folders_.home() / "a" / "b" / "c").string());
   EXPECT_TRUE(tryToOpen().has_value());
   EXPECT_TRUE(fs::exists(folders_.home() / "a" / "b" / "c" / "group.app.kivo.expenses" /
                          "defaults.sqlite3"));
 }
 
-TEST_F(ADataHome, IsTheVariable) { EXPECT_EQ(dataHome(), folders_.dataHome()); }
+TEST_F(ADataHome, IsTheValueOfXdgDataHome) { EXPECT_EQ(dataHome(), folders_.dataHome()); }
 
-TEST_F(ADataHome, IsInTheHomeWithoutAUsableVariable) {
+TEST_F(ADataHome, IsInTheHomeWithoutXdgDataHome) {
   const fs::path inHome = folders_.home() / ".local" / "share";
   for (const auto& value : {std::optional<std::string>(), std::optional<std::string>(""),
                             std::optional<std::string>("relative/folder")}) {
@@ -275,7 +275,7 @@ TEST_F(ADataHome, IsInTheHomeWithoutAUsableVariable) {
   }
 }
 
-TEST_F(ADataHome, IsNowhereWithoutAHome) {
+TEST_F(ADataHome, IsAbsentWithoutAHome) {
   const ScopedVariable variable("XDG_DATA_HOME", std::nullopt);
   for (const auto& value : {std::optional<std::string>(), std::optional<std::string>(""),
                             std::optional<std::string>("relative")}) {
@@ -285,7 +285,7 @@ TEST_F(ADataHome, IsNowhereWithoutAHome) {
   }
 }
 
-TEST_F(ADataHome, NeedsNoHomeWhenTheVariableNamesIt) {
+TEST_F(ADataHome, NeedsNoHomeWithXdgDataHome) {
   const ScopedVariable home("HOME", std::nullopt);
   EXPECT_TRUE(tryToOpen().has_value());
 }

@@ -1,4 +1,4 @@
-// Links and foreign files in the places where a suite lies.
+// Symbolic links and foreign files in place of the files of a suite.
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -15,16 +15,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class ALinkInASuite : public SuiteTest {
+class ASymbolicLink : public SuiteTest {
  protected:
-  ALinkInASuite() { fs::create_directories(elsewhere()); }
+  ASymbolicLink() { fs::create_directories(elsewhere()); }
 
   [[nodiscard]] fs::path elsewhere() const { return folders_.home() / "elsewhere"; }
 
-  // A suite that is whole, of which a part can be moved away.
+  // An intact suite, of which a part can be moved away.
   void leaveSuite() const { leaveBehind("('key', 'value')"); }
 
-  // A file of somebody, with a mode that must stay, and a link to it at `place`.
+  // A foreign file, with a mode that must not change, and a link to it at `place`.
   void linkToFileFrom(const fs::path& place) const {
     std::ofstream(elsewhere() / "target") << "theirs";
     fs::permissions(elsewhere() / "target", fs::perms(0644));
@@ -38,7 +38,7 @@ class ALinkInASuite : public SuiteTest {
   }
 };
 
-TEST_F(ALinkInASuite, InThePlaceOfTheFolderIsRefused) {
+TEST_F(ASymbolicLink, IsRefusedAsTheFolder) {
   leaveSuite();
   fs::rename(folder(), elsewhere() / "moved");
   fs::permissions(elsewhere() / "moved", fs::perms(0755));
@@ -49,14 +49,14 @@ TEST_F(ALinkInASuite, InThePlaceOfTheFolderIsRefused) {
   EXPECT_EQ(fs::status(elsewhere() / "moved").permissions(), fs::perms(0755));
 }
 
-TEST_F(ALinkInASuite, InThePlaceOfTheFolderThatLeadsNowhereIsRefused) {
+TEST_F(ASymbolicLink, IsRefusedAsTheFolderWhenDangling) {
   fs::create_directories(folders_.dataHome());
   fs::create_directory_symlink(elsewhere() / "nothing", folder());
   EXPECT_FALSE(tryToOpen().has_value());
   EXPECT_TRUE(fs::is_empty(elsewhere()));
 }
 
-TEST_F(ALinkInASuite, InThePlaceOfTheFileIsRefused) {
+TEST_F(ASymbolicLink, IsRefusedAsTheDatabaseFile) {
   leaveSuite();
   fs::rename(file(), elsewhere() / "moved");
   fs::create_symlink(elsewhere() / "moved", file());
@@ -66,7 +66,7 @@ TEST_F(ALinkInASuite, InThePlaceOfTheFileIsRefused) {
   EXPECT_FALSE(fs::exists(elsewhere() / "moved-wal"));
 }
 
-TEST_F(ALinkInASuite, InThePlaceOfAnyFileIsRefusedWhenItLeadsToAForeignOne) {
+TEST_F(ASymbolicLink, IsRefusedAsAnyFileWhenItPointsToAForeignFile) {
   for (const char* const suffix : {"", "-wal", "-shm", "-journal", "-unerased"}) {
     SCOPED_TRACE(suffix);
     fs::remove_all(folder());
@@ -77,7 +77,7 @@ TEST_F(ALinkInASuite, InThePlaceOfAnyFileIsRefusedWhenItLeadsToAForeignOne) {
   }
 }
 
-TEST_F(ALinkInASuite, InThePlaceOfAnyFileIsRefusedWhenItLeadsNowhere) {
+TEST_F(ASymbolicLink, IsRefusedAsAnyFileWhenDangling) {
   for (const char* const suffix : {"", "-wal", "-shm", "-journal", "-unerased"}) {
     SCOPED_TRACE(suffix);
     fs::remove_all(folder());
@@ -89,15 +89,15 @@ TEST_F(ALinkInASuite, InThePlaceOfAnyFileIsRefusedWhenItLeadsNowhere) {
   }
 }
 
-TEST_F(ALinkInASuite, OnTheWayToTheDataHomeIsThePersonsOwnBusiness) {
+TEST_F(ASymbolicLink, IsFollowedInThePathOfTheDataHome) {
   fs::create_directory_symlink(elsewhere(), folders_.dataHome());
   EXPECT_TRUE(tryToOpen().has_value());
   EXPECT_TRUE(fs::exists(elsewhere() / folder().filename() / file().filename()));
 }
 
-using AForeignFolder = ALinkInASuite;
+using AFolderOfAnotherUser = ASymbolicLink;
 
-TEST_F(AForeignFolder, IsRefused) {
+TEST_F(AFolderOfAnotherUser, IsRefused) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
   leaveSuite();
   ASSERT_EQ(chown(folder().c_str(), 65534, 65534), 0);

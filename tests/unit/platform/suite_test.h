@@ -1,4 +1,4 @@
-// What the tests of a suite start from. Tests nothing.
+// The fixture of the tests of a suite.
 #pragma once
 
 #include <filesystem>
@@ -28,7 +28,7 @@ class SuiteTest : public testing::Test {
     return std::move(*suite);
   }
 
-  // A suite with `values`, as SQL's list of rows, that some program has left behind.
+  // Creates a suite with `values`, as a list of rows in SQL, written by another program.
   void leaveBehind(const std::string& values) const {
     open();
     testkit::RawStore(file()).run("INSERT INTO defaults VALUES " + values);

@@ -53,7 +53,7 @@ class AnExecutor : public testing::Test {
   TaskExecutor executor_{1};
 };
 
-TEST_F(AnExecutor, PerformsATaskOnAWorkerFromItsFirstStepToItsLast) {
+TEST_F(AnExecutor, PerformsEachStepOfATaskOnAWorker) {
   std::thread::id before;
   std::thread::id after;
   executor_.perform(noteThread(&before, &after));
@@ -68,11 +68,11 @@ TEST_F(AnExecutor, PerformsATaskThatNeverSuspends) {
   EXPECT_TRUE(noted);
 }
 
-TEST_F(AnExecutor, ThrowsWhatThePerformedTaskThrew) {
+TEST_F(AnExecutor, RethrowsTheExceptionOfATask) {
   EXPECT_THROW(executor_.perform(failAfter(std::chrono::milliseconds(1))), std::runtime_error);
 }
 
-TEST(ATermination, CancelsThePerformedTaskWhichStillEnds) {
+TEST(ATermination, CancelsTheTaskAndLetsItFinish) {
   for (const int signal : {SIGTERM, SIGINT}) {
     TaskExecutor executor(1);
     bool waitedInPeace = true;

@@ -22,7 +22,7 @@ TEST(ATerminalText, EscapesControlCharacters) {
   EXPECT_EQ(escapedControls("\x7f\u0085\u009b"), "\\x7f\\x85\\x9b");
 }
 
-TEST(ATerminalText, EscapesCharactersThatReorderOthers) {
+TEST(ATerminalText, EscapesBidirectionalControls) {
   EXPECT_EQ(escapedControls("\u202a\u202b\u202c\u202d\u202e"),
             "\\u202a\\u202b\\u202c\\u202d\\u202e");
   EXPECT_EQ(escapedControls("\u2066\u2067\u2068\u2069"), "\\u2066\\u2067\\u2068\\u2069");
@@ -41,7 +41,7 @@ TEST(ATerminalText, EscapesPrivateAndUnassignedCharacters) {
   EXPECT_EQ(escapedControls("\ue000\u0378\uffff"), "\\ue000\\u0378\\uffff");
 }
 
-TEST(ATerminalText, EscapesCharactersOfTagsAndVariants) {
+TEST(ATerminalText, EscapesTagsAndVariationSelectors) {
   EXPECT_EQ(escapedControls("\U000e0041\U000e0100\U0010fffd"), "\\U000e0041\\U000e0100\\U0010fffd");
 }
 
@@ -52,25 +52,25 @@ TEST(ATerminalText, KeepsVisibleCharacters) {
   }
 }
 
-TEST(ATerminalText, KeepsJoinersAfterWhatTheyJoin) {
+TEST(ATerminalText, KeepsJoinersBetweenLettersThatJoin) {
   for (const char* const text : {"می\u200cشود ۲۰\u200cهزار", "क्\u200dष", "👨\u200d👩\u200d👧",
                                  "❤\ufe0f\u200d🔥 👍🏽\u200d ✈\ufe0e", "1\ufe0f\u20e3"}) {
     EXPECT_EQ(escapedControls(text), text);
   }
 }
 
-TEST(ATerminalText, EscapesJoinersThatJoinNothing) {
+TEST(ATerminalText, EscapesOtherJoiners) {
   EXPECT_EQ(escapedControls("\u200cEGP \u200d5"), "\\u200cEGP \\u200d5");
   EXPECT_EQ(escapedControls("ی\u200c\u200cش"), "ی\u200c\\u200cش");
   EXPECT_EQ(escapedControls("a\u202e\u200db,\ufe0f"), "a\\u202e\\u200db,\\ufe0f");
 }
 
-TEST(ATerminalText, ReplacesBytesThatAreNoText) {
+TEST(ATerminalText, ReplacesInvalidUtf8) {
   EXPECT_EQ(escapedControls("a\x9b\x32Jb\xe2\x82"), "a\ufffd2Jb\ufffd");
   EXPECT_EQ(escapedControls("\xed\xa0\x80"), "\ufffd\ufffd\ufffd");
 }
 
-TEST(ATerminalText, HoldsNoCharacterThatIsHiddenUnlessItJoins) {
+TEST(ATerminalText, HasNoInvisibleCharacterExceptJoiners) {
   for (UChar32 character = 0; character <= 0x10ffff; ++character) {
     if (character >= 0xd800 && character <= 0xdfff) continue;
     const std::string text = "1 " + utf8(character);
@@ -84,13 +84,13 @@ TEST(ATerminalText, HoldsNoCharacterThatIsHiddenUnlessItJoins) {
   }
 }
 
-TEST(ATerminalSentence, LeavesOutTheMarksOfDirectionOfAnAmount) {
+TEST(ATerminalSentence, OmitsDirectionMarks) {
   EXPECT_EQ(escapedSentence("Tracked \u200f١٥٠٫٠٠ ج.م.\u200f at Carrefour"),
             "Tracked ١٥٠٫٠٠ ج.م. at Carrefour");
   EXPECT_EQ(escapedSentence("\u061c-\u200e1"), "-1");
 }
 
-TEST(ATerminalJSON, KeepsItsMeaning) {
+TEST(ATerminalJSON, DecodesToTheSameValue) {
   const std::string text = "{\"dialog\":\"a\x7f\u009b\u202e\u200f\U000e0041 \\n\"}";
   const std::string shown = escapedJSON(text);
   EXPECT_EQ(shown, R"({"dialog":"a\u007f\u009b\u202e\u200f\udb40\udc41 \n"})");
@@ -98,7 +98,7 @@ TEST(ATerminalJSON, KeepsItsMeaning) {
             platform::JSONDecoder::object(text).decodeString("dialog"));
 }
 
-TEST(ATerminalSentence, EscapesEverythingElse) {
+TEST(ATerminalSentence, EscapesOtherControls) {
   EXPECT_EQ(escapedSentence("at \u202eorange\x1b[2J\n"), "at \\u202eorange\\x1b[2J\\n");
 }
 

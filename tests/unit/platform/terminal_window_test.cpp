@@ -31,7 +31,7 @@ std::vector<std::string> beginnings(const std::vector<Call>& calls) {
   return texts;
 }
 
-TEST(TheTerminals, AreTriedInThisOrderEachInItsOwnManner) {
+TEST(TerminalEmulators, AreTriedInOrderEachWithItsOwnOption) {
   const ScopedVariable none("TERMINAL", std::nullopt);
   EXPECT_THAT(
       beginnings(terminalCalls({"program"})),
@@ -39,7 +39,7 @@ TEST(TheTerminals, AreTriedInThisOrderEachInItsOwnManner) {
                   "konsole -e", "xfce4-terminal -x", "mate-terminal -x", "foot", "xterm -e"));
 }
 
-TEST(TheTerminals, BeginWithTheOneThatThePersonNamesUnlessTheDesktopKnows) {
+TEST(TerminalEmulators, TryTheTERMINALVariableAfterXdgTerminalExec) {
   for (const auto& [named, call] : std::map<std::string, std::string>{
            {"urxvt", "urxvt -e"},
            {"/opt/my terminal/bin/kgx", "/opt/my terminal/bin/kgx --"},
@@ -54,14 +54,14 @@ TEST(TheTerminals, BeginWithTheOneThatThePersonNamesUnlessTheDesktopKnows) {
   EXPECT_EQ(beginnings(terminalCalls({"program"})).at(1), "x-terminal-emulator -e");
 }
 
-TEST(TheTerminals, AreHandedTheCommandWordByWord) {
+TEST(TerminalEmulators, ReceiveTheCommandAsSeparateArguments) {
   for (const Call& call : terminalCalls({"/a b/program", "perform", "$(rm) \"'"})) {
     const Call last(call.end() - 3, call.end());
     EXPECT_THAT(last, ElementsAre("/a b/program", "perform", "$(rm) \"'"));
   }
 }
 
-// What the shell in the window prints when `program` has ended, to a person who presses Enter.
+// The output of the shell in the window when `program` has ended and the user presses Enter.
 std::string endOf(const char* program, WindowEnd end) {
   const Call call = terminalCalls({program}, end).back();
   return runProgram(
@@ -69,7 +69,7 @@ std::string endOf(const char* program, WindowEnd end) {
       .output;
 }
 
-TEST(AWindowsShell, WaitsForEnterUnlessItIsToCloseAtSuccess) {
+TEST(TheShellInAWindow, WaitsForEnterUnlessItClosesOnSuccess) {
   const std::string question = "\nPress Enter to close this window. ";
   EXPECT_EQ(endOf("true", WindowEnd::atEnter), question);
   EXPECT_EQ(endOf("false", WindowEnd::atEnter), question);
@@ -77,10 +77,10 @@ TEST(AWindowsShell, WaitsForEnterUnlessItIsToCloseAtSuccess) {
   EXPECT_EQ(endOf("false", WindowEnd::atSuccess), question);
 }
 
-// A folder that is all of PATH, in which stand-ins note how they are called.
+// A folder as the whole PATH, in which fake programs record their arguments.
 class AWindow : public testing::Test {
  protected:
-  void standIn(const std::string& name, const std::string& more = "") {
+  void installFake(const std::string& name, const std::string& more = "") {
     std::ofstream(folder_.path() / name)
         << "#!/bin/sh\nfor word in \"${0##*/}\" \"$@\"; do printf '%s\\n' \"$word\"; done > '"
         << (folder_.path() / "called").string() << ".new'\n"
@@ -111,25 +111,25 @@ TEST_F(AWindow, IsNotOpenedWithoutATerminal) {
   EXPECT_FALSE(windows_.open({"program"}));
 }
 
-TEST_F(AWindow, IsOpenedByTheFirstTerminalThatThereIs) {
-  standIn("xterm");
-  standIn("konsole");
+TEST_F(AWindow, IsOpenedByTheFirstInstalledTerminal) {
+  installFake("xterm");
+  installFake("konsole");
   ASSERT_TRUE(windows_.open({"program", "an argument"}));
   const Call call = called();
   EXPECT_THAT(call, ElementsAreArray(terminalCalls({"program", "an argument"}).at(4)));
 }
 
-TEST_F(AWindow, IsOpenedByTheNextTerminalWhereOneCannotBeStarted) {
+TEST_F(AWindow, IsOpenedByTheNextTerminalWhenOneCannotStart) {
   std::ofstream(folder_.path() / "konsole") << "#!/no/such/interpreter\n";
   std::filesystem::permissions(folder_.path() / "konsole", std::filesystem::perms::owner_all);
-  standIn("xterm");
+  installFake("xterm");
   ASSERT_TRUE(windows_.open({"program"}));
   EXPECT_EQ(called().front(), "xterm");
 }
 
-TEST_F(AWindow, OfAServiceIsAUnitOfItsOwn) {
-  standIn("xterm");
-  standIn("systemd-run");
+TEST_F(AWindow, RunsAsItsOwnUnitWhenAServiceOpensIt) {
+  installFake("xterm");
+  installFake("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getpid()));
   ASSERT_TRUE(windows_.open({"program"}));
   const Call call = called();
@@ -139,17 +139,17 @@ TEST_F(AWindow, OfAServiceIsAUnitOfItsOwn) {
   EXPECT_EQ(call.back(), "program");
 }
 
-TEST_F(AWindow, OfAProgramThatSomeServiceHasStartedIsNone) {
-  standIn("xterm");
-  standIn("systemd-run");
+TEST_F(AWindow, RunsAsAPlainProcessWhenAChildOfAServiceOpensIt) {
+  installFake("xterm");
+  installFake("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getppid()));
   ASSERT_TRUE(windows_.open({"program"}));
   EXPECT_EQ(called().front(), "xterm");
 }
 
-TEST_F(AWindow, LeavesNothingOfItselfWhenItIsClosed) {
+TEST_F(AWindow, LeavesNoProcessWhenItIsClosed) {
   EXPECT_FALSE(windows_.reapEnded());
-  standIn("xterm", "read -r line < '" + (folder_.path() / "close").string() + "'");
+  installFake("xterm", "read -r line < '" + (folder_.path() / "close").string() + "'");
   ASSERT_EQ(mkfifo((folder_.path() / "close").c_str(), 0600), 0);
   ASSERT_TRUE(windows_.open({"program"}));
   called();

@@ -26,16 +26,16 @@ TEST(TextColumns, AreTwoForAWideCharacter) {
   EXPECT_EQ(columnsOf("💸"), 2U);
 }
 
-TEST(TextColumns, AreNoneForAccentsAndDirectionMarks) {
+TEST(TextColumns, AreZeroForAccentsAndDirectionMarks) {
   EXPECT_EQ(columnsOf("e\u0301"), 1U);
   EXPECT_EQ(columnsOf("\u200f5\u200f"), 1U);
 }
 
-TEST(TextColumns, AreNoneForTheLaterLettersOfASyllable) {
+TEST(TextColumns, AreZeroForLaterLettersOfASyllable) {
   EXPECT_EQ(columnsOf("\u1112\u1161\u11ab"), 2U);
 }
 
-TEST(TextColumns, AreWhatTheSystemHasForEachCharacterThatIsShown) {
+TEST(TextColumns, MatchWcwidthForVisibleCharacters) {
   struct FreeLocale {
     void operator()(locale_t locale) const { freelocale(locale); }
   };
@@ -46,7 +46,7 @@ TEST(TextColumns, AreWhatTheSystemHasForEachCharacterThatIsShown) {
   int compared = 0;
   for (UChar32 character = ' '; character <= 0x10ffff; ++character) {
     const bool isSurrogate = character >= 0xd800 && character <= 0xdfff;
-    // Digits in circles and hexagrams, of whose width there are two opinions.
+    // Circled digits and hexagrams, for which the widths differ.
     const bool disputed = (character >= 0x3248 && character <= 0x324f) ||
                           (character >= 0x4dc0 && character <= 0x4dff);
     if (isSurrogate || disputed) continue;
@@ -61,14 +61,14 @@ TEST(TextColumns, AreWhatTheSystemHasForEachCharacterThatIsShown) {
   EXPECT_GT(compared, 100'000);
 }
 
-TEST(TextColumns, AreOneForBytesThatAreNoText) { EXPECT_EQ(columnsOf("a\xff"), 2U); }
+TEST(TextColumns, AreOneForInvalidUtf8) { EXPECT_EQ(columnsOf("a\xff"), 2U); }
 
-TEST(TextColumns, AreFilledWithBlanks) {
+TEST(TextColumns, ArePaddedWithBlanks) {
   EXPECT_EQ(paddedTo(4, "円"), "円  ");
   EXPECT_EQ(paddedTo(2, "long"), "long");
 }
 
-TEST(TextColumns, CutATextThatDoesNotFitBeforeTheCharacterThatPassesThem) {
+TEST(TextColumns, CutATextBeforeTheFirstCharacterThatDoesNotFit) {
   EXPECT_EQ(cutTo(4, "abcd"), "abcd");
   EXPECT_EQ(cutTo(4, "abcde"), "abc…");
   EXPECT_EQ(cutTo(4, "a円円"), "a円…");

@@ -1,4 +1,4 @@
-// URL::parse and the grammar of RFC 3986, compared on texts made at random.
+// URL::parse and the grammar of RFC 3986, compared on generated texts.
 #include <cstdint>
 #include <optional>
 #include <random>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr int madeTexts = 100'000;  // each is compared as it is made, and once more after changes
 
-/// Makes URI references by the grammar, and spoils them. The same ones in each run.
+/// Generates URI references by the grammar, and mutates them. Deterministic.
 class TextMaker {
  public:
   std::string reference() {
@@ -142,7 +142,7 @@ struct Comparison {
   }
 };
 
-TEST(URLParsing, FollowsTheGrammarOnRandomTexts) {
+TEST(URLParsing, FollowsTheGrammarForRandomTexts) {
   TextMaker maker;
   Comparison comparison;
   for (int made = 0; made < madeTexts && !testing::Test::HasFatalFailure(); ++made) {
@@ -155,7 +155,7 @@ TEST(URLParsing, FollowsTheGrammarOnRandomTexts) {
   EXPECT_GT(comparison.refused, madeTexts / 4);
 }
 
-TEST(URLParsing, FollowsTheGrammarOnEveryShortTextOfDelimiters) {
+TEST(URLParsing, FollowsTheGrammarForShortTextsOfDelimiters) {
   const std::string characters = "a1:/?#[]@%.v";
   Comparison comparison;
   std::vector<std::string> texts{""};

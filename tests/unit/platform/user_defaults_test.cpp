@@ -24,14 +24,14 @@ TEST_F(ASuite, ShowsOtherHandlesAPublishedWrite) {
   EXPECT_EQ(other.doubleForKey("lock"), 4.5);
 }
 
-TEST_F(ASuite, ReadsAKeyThatWasNeverWrittenAsNoneAndZero) {
+TEST_F(ASuite, ReadsAnAbsentKeyAsAbsentOrZero) {
   const UserDefaults suite = open();
   EXPECT_EQ(suite.stringForKey("userId"), std::nullopt);
   EXPECT_EQ(suite.doubleForKey("smsQueueDrainLock"), 0.0);
   EXPECT_TRUE(suite.dictionaryRepresentation().empty());
 }
 
-TEST_F(ASuite, GivesItsTextsAndNumbersToTheNextRun) {
+TEST_F(ASuite, KeepsTextsAndNumbersForTheNextRun) {
   {
     UserDefaults suite = open();
     suite.setObject("currency", "EGP");
@@ -43,7 +43,7 @@ TEST_F(ASuite, GivesItsTextsAndNumbersToTheNextRun) {
   EXPECT_EQ(next.doubleForKey("smsQueueDrainLock"), 1769850300.25);
 }
 
-TEST_F(ASuite, ReadsItsOwnWritesBeforeTheyAreSynchronized) {
+TEST_F(ASuite, ReadsItsOwnWritesBeforeASynchronize) {
   UserDefaults suite = open();
   suite.setObject("todayCount", "1");
   suite.setDouble("smsQueueDrainLock", 5);
@@ -52,7 +52,7 @@ TEST_F(ASuite, ReadsItsOwnWritesBeforeTheyAreSynchronized) {
   EXPECT_EQ(suite.dictionaryRepresentation().size(), 2U);
 }
 
-TEST_F(ASuite, ShowsItsWritesToAnotherHandleOnlyWhenTheyAreSynchronized) {
+TEST_F(ASuite, ShowsWritesToOtherHandlesOnlyAfterASynchronize) {
   UserDefaults writer = open();
   const UserDefaults reader = open();
   writer.setObject("pendingSmsQueue", "[]");
@@ -61,7 +61,7 @@ TEST_F(ASuite, ShowsItsWritesToAnotherHandleOnlyWhenTheyAreSynchronized) {
   EXPECT_EQ(reader.stringForKey("pendingSmsQueue"), "[]");
 }
 
-TEST_F(ASuite, CachesNothingBetweenReads) {
+TEST_F(ASuite, ReadsTheStoreEachTime) {
   UserDefaults first = open();
   UserDefaults second = open();
   first.setObject("currency", "EGP");
@@ -82,12 +82,12 @@ TEST_F(ASuite, LetsTheLastWriterWin) {
   EXPECT_EQ(second.stringForKey("monthlyTotal"), "1.0");
 }
 
-TEST_F(ASuite, DropsWithTheHandleWhatWasNotSynchronized) {
+TEST_F(ASuite, DropsUnsynchronizedWritesWithItsHandle) {
   { open().setObject("currency", "EGP"); }
   EXPECT_EQ(open().stringForKey("currency"), std::nullopt);
 }
 
-TEST_F(ASuite, KeepsAKeyThatHoldsAnEmptyState) {
+TEST_F(ASuite, KeepsKeysWithEmptyValues) {
   UserDefaults suite = open();
   suite.setObject("pendingSmsQueue", "[]");
   suite.setObject("userId", "");
@@ -127,7 +127,7 @@ TEST_F(ASuite, ReadsATextAsTheFloatZero) {
   EXPECT_EQ(open().doubleForKey("text"), 0.0);
 }
 
-TEST_F(ASuite, ReadsAnythingButATextAsNoText) {
+TEST_F(ASuite, ReadsOtherTypesAsAnAbsentText) {
   leaveBehind("('integer', 42), ('real', 4.5), ('blob', x'4142')");
   const UserDefaults suite = open();
   EXPECT_EQ(suite.stringForKey("integer"), std::nullopt);
@@ -143,7 +143,7 @@ TEST_F(ASuite, RepairsAStoredTextThatIsNotUtf8) {
   EXPECT_EQ(std::get<std::string>(suite.dictionaryRepresentation().at("text")), "a\uFFFDb");
 }
 
-TEST_F(ASuite, RepairsATextOfItsOwnAsItWillBeReadLater) {
+TEST_F(ASuite, RepairsAPendingTextThatIsNotUtf8) {
   UserDefaults suite = open();
   suite.setObject("text", "a\xff");
   EXPECT_EQ(suite.stringForKey("text"), "a\uFFFD");
@@ -172,7 +172,7 @@ TEST_F(ASuite, KeepsLongTextsAndEmptyKeys) {
   EXPECT_EQ(open().stringForKey(""), megabyte);
 }
 
-TEST_F(ASuite, KeepsEveryDoubleThatIsANumber) {
+TEST_F(ASuite, KeepsEveryDoubleExceptNaN) {
   UserDefaults suite = open();
   for (const double value : {0.1, -0.0, 5e-324, 1.7976931348623157e308, HUGE_VAL, -HUGE_VAL}) {
     suite.setDouble("value", value);
@@ -190,7 +190,7 @@ TEST_F(ASuite, ListsValuesOfEveryTypeTogetherWithPendingOnes) {
   EXPECT_EQ(suite.dictionaryRepresentation(), expected);
 }
 
-TEST_F(ASuite, MovesWithItsPendingWrites) {
+TEST_F(ASuite, KeepsItsPendingWritesWhenItIsMoved) {
   UserDefaults first = open();
   first.setObject("key", "value");
   UserDefaults second = std::move(first);
@@ -198,7 +198,7 @@ TEST_F(ASuite, MovesWithItsPendingWrites) {
   EXPECT_EQ(open().stringForKey("key"), "value");
 }
 
-TEST_F(ASuite, SaysInOneLineWithoutAnyValueThatAWriteFailed) {
+TEST_F(ASuite, ReportsAFailedWriteInOneLineWithoutValues) {
   UserDefaults suite = open();
   suite.setObject("secretKey", "secretText");
   suite.setDouble("notANumber", std::nan(""));
@@ -208,7 +208,7 @@ TEST_F(ASuite, SaysInOneLineWithoutAnyValueThatAWriteFailed) {
             "the shared store could not be written: constraint failed\n");
 }
 
-TEST_F(ASuite, CommitsAWriteGroupAsAWholeOrNotAtAll) {
+TEST_F(ASuite, CommitsAWriteGroupAtomically) {
   UserDefaults suite = open();
   suite.setObject("a", "1");
   suite.setDouble("b", std::nan(""));
@@ -219,7 +219,7 @@ TEST_F(ASuite, CommitsAWriteGroupAsAWholeOrNotAtAll) {
   EXPECT_TRUE(open().dictionaryRepresentation().empty());
 }
 
-TEST_F(ASuite, GoesOnAfterAFailedWriteWithoutTheLostValues) {
+TEST_F(ASuite, DiscardsTheValuesOfAFailedWriteAndContinues) {
   UserDefaults suite = open();
   suite.setObject("lost", "x");
   suite.setDouble("notANumber", std::nan(""));
@@ -246,7 +246,7 @@ void damageLongText(const std::filesystem::path& file) {
   bytes.write("\x7f\xff\xff\xff", 4);
 }
 
-TEST_F(ASuite, ReplacesNothingAfterAValueThatCouldNotBeRead) {
+TEST_F(ASuite, WritesNothingAfterAFailedRead) {
   leaveBehind("('pendingSmsQueue', '" + std::string(20'000, 'x') + "'), ('currency', 'EGP')");
   damageLongText(file());
   UserDefaults suite = open();
@@ -266,7 +266,7 @@ TEST_F(ASuite, ReplacesNothingAfterAValueThatCouldNotBeRead) {
   EXPECT_TRUE(suite.synchronize());
 }
 
-TEST_F(ASuite, TouchesNoFileWhenThereIsNothingToSynchronize) {
+TEST_F(ASuite, TouchesNoFileWithoutPendingWrites) {
   UserDefaults suite = open();
   RawStore writer(file());
   writer.run("BEGIN IMMEDIATE");  // a commit would have to wait for it

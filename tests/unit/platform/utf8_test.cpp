@@ -9,7 +9,7 @@ using namespace std::string_literals;
 
 #define BROKEN "\uFFFD"
 
-TEST(RepairedUtf8, LeavesValidTextAsItIs) {
+TEST(RepairedUtf8, LeavesValidTextUnchanged) {
   for (const auto& text : {""s, "plain"s, "نقدا é 💸 \U0010FFFF"s, "\uFFFD\uFEFF\uFFFE"s, "a\0b"s,
                            "\0"s, "\u0080\u07FF\u0800\uD7FF\uE000\U00010000"s}) {
     EXPECT_EQ(repairedUtf8(text), text);
@@ -18,7 +18,7 @@ TEST(RepairedUtf8, LeavesValidTextAsItIs) {
   EXPECT_TRUE(repairedUtf8(large) == large);
 }
 
-TEST(RepairedUtf8, PutsOneReplacementForEachMaximalIllFormedPart) {
+TEST(RepairedUtf8, HasOneReplacementForEachMaximalIllFormedPart) {
   EXPECT_EQ(repairedUtf8("\xFF"), BROKEN);
   EXPECT_EQ(repairedUtf8("a\x80\xBF"
                          "b"),
@@ -47,11 +47,11 @@ TEST(RepairedUtf8, PutsOneReplacementForEachMaximalIllFormedPart) {
             "a" BROKEN BROKEN BROKEN "b" BROKEN "c" BROKEN BROKEN "d");
 }
 
-TEST(RepairedUtf8, KeepsNulsAmongBrokenBytes) {
+TEST(RepairedUtf8, KeepsNulsAmongInvalidBytes) {
   EXPECT_EQ(repairedUtf8("a\0\xFF\0b"s), "a\0" BROKEN "\0b"s);
 }
 
-TEST(RepairedUtf8, IsAtRestOnceRepaired) {
+TEST(RepairedUtf8, IsUnchangedByASecondRepair) {
   const std::string once = repairedUtf8("\xFF\xE2\x82 x \xED\xA0\x80");
   EXPECT_EQ(repairedUtf8(once), once);
 }

@@ -8,7 +8,7 @@
 namespace kivo::platform {
 namespace {
 
-TEST(AUuid, IsOfVersionFourInUpperCase) {
+TEST(AUuid, IsVersionFourInUpperCase) {
   for (int i = 0; i < 1000; ++i) {
     const std::string text = UUID::uuidString();
     ASSERT_EQ(text.size(), 36u);
@@ -18,13 +18,13 @@ TEST(AUuid, IsOfVersionFourInUpperCase) {
   }
 }
 
-TEST(AUuid, IsNeverTheSameTwice) {
+TEST(AUuid, IsUniqueEachTime) {
   std::set<std::string> all;
   for (int i = 0; i < 10000; ++i) all.insert(UUID::uuidString());
   EXPECT_EQ(all.size(), 10000u);
 }
 
-TEST(AUuid, UsesEveryDigitAtEveryFreePlace) {
+TEST(AUuid, UsesEveryDigitInEveryRandomPosition) {
   std::array<std::set<char>, 36> seen;
   for (int i = 0; i < 1000; ++i) {
     const std::string text = UUID::uuidString();

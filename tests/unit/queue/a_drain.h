@@ -1,4 +1,4 @@
-// A drain of the queue of a test's phone. Asserts nothing but what a helper says.
+// A drain of the queue of a test phone.
 #pragma once
 
 #include <optional>
@@ -40,7 +40,7 @@ class ADrain : public ::testing::Test {
   }
   void setLock(double takenAt) { phone_.put(StoreKeys::smsQueueDrainLock, takenAt); }
   std::optional<double> lock() { return phone_.number(StoreKeys::smsQueueDrainLock); }
-  /// Drains a queue of one item, whose answer is `body`, and yields what the person was told.
+  /// Drains a queue of one item, which the backend answers with `body`; returns the notifications.
   std::vector<std::string> toldOf(const std::string& body) {
     queue({testkit::queuedItem("A")});
     willAnswer({body});

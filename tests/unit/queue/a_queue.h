@@ -1,4 +1,4 @@
-// A queue in the store of a test's phone. Asserts nothing itself.
+// A queue in the store of a test phone.
 #pragma once
 
 #include <optional>

@@ -74,7 +74,7 @@ TEST(APendingItem, IsWrittenWithoutAnAbsentAmountAndMerchant) {
             R"("queuedAt":"2026-01-31T09:05:07Z","retryCount":0,"source":"sms"})");
 }
 
-TEST(APendingItem, ReadsBackAsItWasWritten) {
+TEST(APendingItem, RoundTrips) {
   PendingSmsItem odd = manualExpense();
   odd.smsText = "خصم ١٢٫٥٠ ج.م 💸\r\n\t\\ \u0001";
   odd.amount = 0.1 + 0.2;
@@ -85,7 +85,7 @@ TEST(APendingItem, ReadsBackAsItWasWritten) {
   }
 }
 
-TEST(APendingItem, TakesANullAmountAndMerchantForAbsentAndLeavesThemOutAgain) {
+TEST(APendingItem, ReadsANullAmountAndMerchantAsAbsent) {
   const auto document = R"({"id":"1","smsText":"t","expenseDate":"d","queuedAt":"q",)"
                         R"("retryCount":0,"source":"sms","amount":null,"merchant":null})";
   const PendingSmsItem item = decode(document);
@@ -96,7 +96,7 @@ TEST(APendingItem, TakesANullAmountAndMerchantForAbsentAndLeavesThemOutAgain) {
             R"("source":"sms"})");
 }
 
-TEST(APendingItem, NeedsItsOtherSixMembers) {
+TEST(APendingItem, NeedsItsSixRequiredMembers) {
   for (const std::string member :
        {"id", "smsText", "expenseDate", "queuedAt", "retryCount", "source"}) {
     expectError(withMember(member, ""), Kind::keyNotFound, member);
@@ -105,7 +105,7 @@ TEST(APendingItem, NeedsItsOtherSixMembers) {
   }
 }
 
-TEST(APendingItem, NeedsEveryMemberInItsType) {
+TEST(APendingItem, NeedsEveryMemberInTheRightType) {
   for (const std::string member :
        {"id", "smsText", "expenseDate", "queuedAt", "source", "merchant"}) {
     expectError(withMember(member, "5"), Kind::typeMismatch, member);
@@ -116,7 +116,7 @@ TEST(APendingItem, NeedsEveryMemberInItsType) {
   }
 }
 
-TEST(APendingItem, TakesAnyIntegralRetryCount) {
+TEST(APendingItem, AcceptsEveryIntegerRetryCount) {
   for (const auto* const three : {"3", "3.0", "3e0"}) {
     const PendingSmsItem item = decode(withMember("retryCount", three));
     EXPECT_EQ(item.retryCount, 3);
@@ -125,17 +125,17 @@ TEST(APendingItem, TakesAnyIntegralRetryCount) {
   EXPECT_EQ(decode(withMember("retryCount", "-1")).retryCount, -1);
 }
 
-TEST(APendingItem, RefusesARetryCountThatIsNotIntegralOrDoesNotFit) {
+TEST(APendingItem, RefusesARetryCountWithAFractionOrOutOfRange) {
   for (const auto* const number : {"3.5", "9223372036854775808", "1e19"}) {
     expectError(withMember("retryCount", number), Kind::dataCorrupted, "retryCount");
   }
 }
 
-TEST(APendingItem, TakesAnIntegerForAnAmount) {
+TEST(APendingItem, AcceptsAnIntegerAsAmount) {
   EXPECT_EQ(decode(withMember("amount", "250")).amount, 250.0);
 }
 
-TEST(APendingItem, KeepsItsTextsAsTheyStand) {
+TEST(APendingItem, KeepsItsTextsUnchanged) {
   for (const std::string member : {"id", "smsText", "expenseDate", "queuedAt", "source"}) {
     EXPECT_NO_THROW(decode(withMember(member, "\"\"")));
   }
@@ -143,7 +143,7 @@ TEST(APendingItem, KeepsItsTextsAsTheyStand) {
   EXPECT_EQ(decode(withMember("smsText", R"("  a \n")")).smsText, "  a \n");
 }
 
-TEST(APendingItem, FindsItsMembersInExactSpellingOnlyAndIgnoresOthers) {
+TEST(APendingItem, MatchesMemberNamesExactlyAndIgnoresOthers) {
   expectError(R"({"ID":"1","Id":"2"})", Kind::keyNotFound, "id");
   EXPECT_EQ(decode(withMember("id", R"("1","ID":5,"sms_text":[],"0":null)")).id, "1");
 }
@@ -158,7 +158,7 @@ TEST(APendingItem, CannotBeWrittenWithAnAmountThatIsNotFinite) {
   }
 }
 
-TEST(APendingItem, InAnArrayIsNamedByItsPlace) {
+TEST(APendingItem, IsNamedByItsIndexInAnErrorPath) {
   const std::string whole = withMember("", "");
   const auto objects =
       JSONDecoder::arrayOfObjects("[" + whole + "," + withMember("source", "") + "]");

@@ -1,4 +1,4 @@
-// What a queue makes of stored text that it did not write itself.
+// Reading a stored queue that another program wrote.
 #include <gmock/gmock.h>
 
 #include "testkit/written_output.h"
@@ -12,7 +12,7 @@ using ::testing::IsEmpty;
 using testkit::idsAndCounts;
 using testkit::queuedItem;
 
-TEST_F(AQueue, ReadsNullForAnAbsentAmountAndMerchantAndLeavesThemOut) {
+TEST_F(AQueue, ReadsANullAmountAndMerchantAsAbsent) {
   storeText(R"([{"id":"A","smsText":"text A","expenseDate":"2026-01-30",)"
             R"("queuedAt":"2026-01-30T10:00:00Z","retryCount":0,"source":"sms",)"
             R"("amount":null,"merchant":null}])");
@@ -22,13 +22,13 @@ TEST_F(AQueue, ReadsNullForAnAbsentAmountAndMerchantAndLeavesThemOut) {
                           R"("queuedAt":"2026-01-30T10:00:00Z","retryCount":0,"source":"sms"}])");
 }
 
-TEST_F(AQueue, IgnoresKeysThatItDoesNotKnow) {
+TEST_F(AQueue, IgnoresUnknownKeys) {
   storeText(R"([{"ID":1,"id":"A","smsText":"text A","expenseDate":"2026-01-30",)"
             R"("queuedAt":"2026-01-30T10:00:00Z","retryCount":0,"source":"sms","x":[{}]}])");
   EXPECT_THAT(load(), ElementsAre(queuedItem("A")));
 }
 
-TEST_F(AQueue, ReadsAnIntegralRetryCountInAnyForm) {
+TEST_F(AQueue, ReadsAnIntegerRetryCountInAnyFormat) {
   for (const auto* const three : {"3", "3.0", "3e0"}) {
     storeText(R"([{"id":"A","smsText":"text A","expenseDate":"2026-01-30","source":"sms",)"
               R"("queuedAt":"2026-01-30T10:00:00Z","retryCount":)" +
@@ -37,12 +37,12 @@ TEST_F(AQueue, ReadsAnIntegralRetryCountInAnyForm) {
   }
 }
 
-TEST_F(AQueue, StoredAsANumberReadsAsEmpty) {
+TEST_F(AQueue, IsEmptyWhenItIsStoredAsANumber) {
   phone_.put(StoreKeys::pendingSmsQueue, 1.0);
   EXPECT_THAT(load(), IsEmpty());
 }
 
-// What a stored queue may look like that cannot be read.
+// Stored queues that cannot be read.
 class ABrokenQueue : public AQueue, public ::testing::WithParamInterface<std::string> {};
 
 TEST_P(ABrokenQueue, ReadsAsEmptyAndStaysUntilTheNextItemReplacesIt) {

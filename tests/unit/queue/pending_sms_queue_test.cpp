@@ -25,7 +25,7 @@ TEST_F(AQueue, StoresItsFirstItem) {
   EXPECT_EQ(storedCount(), "1");
 }
 
-TEST_F(AQueue, GivesBackWhatItWasGiven) {
+TEST_F(AQueue, ReturnsItsItemsUnchanged) {
   PendingSmsItem manual = queuedItem("B", 7);
   manual.smsText = "Paid EGP 12.5 \"at\" مقهى\n";
   manual.source = "apple_pay";
@@ -41,18 +41,18 @@ TEST_F(AQueue, PutsNewItemsAtTheEnd) {
   EXPECT_EQ(storedCount(), "3");
 }
 
-TEST_F(AQueue, IsDurableForOthersWhenASaveReturns) {
+TEST_F(AQueue, IsVisibleToOthersWhenASaveReturns) {
   save({queuedItem("A")});
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0"));
 }
 
-TEST_F(AQueue, StoresAnEmptyListAsSuch) {
+TEST_F(AQueue, StoresAnEmptyList) {
   save({});
   EXPECT_EQ(storedText(), "[]");
   EXPECT_EQ(storedCount(), "0");
 }
 
-TEST_F(AQueue, IsEmptiedByAnAmountThatJSONCannotCarryThoughTheCountStays) {
+TEST_F(AQueue, IsEmptiedByAnAmountThatIsNotFinite) {
   for (const double amount :
        {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
         std::numeric_limits<double>::quiet_NaN()}) {
@@ -64,21 +64,21 @@ TEST_F(AQueue, IsEmptiedByAnAmountThatJSONCannotCarryThoughTheCountStays) {
   }
 }
 
-TEST_F(AQueue, KeepsATextOnceThatComesTwiceWithinAMinute) {
+TEST_F(AQueue, DropsADuplicateWithinAMinute) {
   enqueue(queuedAt("A", "2026-01-31T09:00:00Z"));
   const auto before = phone_.contents();
   enqueue(queuedAt("B", "2026-01-31T09:00:59Z"));
   EXPECT_EQ(phone_.contents(), before);
 }
 
-TEST_F(AQueue, WritesNotEvenTheCountForADuplicate) {
+TEST_F(AQueue, DoesNotWriteTheCountForADuplicate) {
   enqueue(queuedAt("A", "2026-01-31T09:00:00Z"));
   phone_.put(StoreKeys::pendingSmsQueueCount, "untouched");
   enqueue(queuedAt("B", "2026-01-31T09:00:00Z"));
   EXPECT_EQ(storedCount(), "untouched");
 }
 
-TEST_F(AQueue, KeepsATextTwiceThatComesAgainAfterAMinute) {
+TEST_F(AQueue, KeepsAnEqualTextAfterAMinute) {
   enqueue(queuedAt("A", "2026-01-31T09:00:00Z"));
   enqueue(queuedAt("B", "2026-01-31T09:01:00Z"));
   EXPECT_THAT(load(), SizeIs(2));
@@ -92,14 +92,14 @@ TEST_F(AQueue, ComparesTimesInBothDirections) {
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0", "C:0"));
 }
 
-TEST_F(AQueue, ComparesWithEveryItemNotOnlyTheLast) {
+TEST_F(AQueue, DetectsADuplicateOfAnyItem) {
   enqueue(queuedAt("A", "2026-01-31T09:00:00Z"));
   enqueue(queuedItem("other"));
   enqueue(queuedAt("B", "2026-01-31T09:00:30Z"));
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0", "other:0"));
 }
 
-TEST_F(AQueue, TakesTextsThatDifferInAnythingForDifferent) {
+TEST_F(AQueue, DistinguishesTextsByEveryCharacter) {
   PendingSmsItem item = queuedAt("A", "2026-01-31T09:00:00Z");
   for (const auto* const text : {"Paid 1", "Paid 1 ", " Paid 1", "paid 1", "Paid\u00a01"}) {
     item.smsText = text;
@@ -108,7 +108,7 @@ TEST_F(AQueue, TakesTextsThatDifferInAnythingForDifferent) {
   EXPECT_THAT(load(), SizeIs(5));
 }
 
-TEST_F(AQueue, LooksAtTextAndTimeOnlyForDuplicates) {
+TEST_F(AQueue, ComparesOnlyTextAndTimeForDuplicates) {
   PendingSmsItem item = queuedAt("A", "2026-01-31T09:00:00Z");
   enqueue(item);
   item.id = "B";
@@ -119,7 +119,7 @@ TEST_F(AQueue, LooksAtTextAndTimeOnlyForDuplicates) {
   EXPECT_THAT(load(), SizeIs(1));
 }
 
-TEST_F(AQueue, KeepsItemsOfOneIdWhenTheirTextsDiffer) {
+TEST_F(AQueue, KeepsDifferentTextsWithTheSameId) {
   PendingSmsItem item = queuedItem("A");
   enqueue(item);
   item.smsText = "another";
@@ -133,7 +133,7 @@ TEST_F(AQueue, ReadsTimesWithAnOffset) {
   EXPECT_THAT(load(), SizeIs(1));
 }
 
-TEST_F(AQueue, TakesAQueuedTimeThatCannotBeReadForNow) {
+TEST_F(AQueue, TreatsAnInvalidQueuedTimeAsNow) {
   for (const auto* const unreadable : {"yesterday", "", "2026-01-31", "2020-01-01T00:00:00.5Z"}) {
     save({queuedAt("A", unreadable)});
     enqueue(queuedAt("B", "2026-01-31T09:05:07Z"));  // the present moment
@@ -141,13 +141,13 @@ TEST_F(AQueue, TakesAQueuedTimeThatCannotBeReadForNow) {
   }
 }
 
-TEST_F(AQueue, ComparesAQueuedTimeThatCannotBeReadByTheMomentOfTheComparison) {
+TEST_F(AQueue, KeepsATextAMinuteOlderThanAnInvalidTime) {
   save({queuedAt("A", "yesterday")});
   enqueue(queuedAt("B", "2026-01-31T09:04:07Z"));  // a minute before the present moment
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0", "B:0"));
 }
 
-TEST_F(AQueue, TakesANewTimeThatCannotBeReadForNow) {
+TEST_F(AQueue, TreatsAnInvalidNewTimeAsNow) {
   save({queuedAt("A", "2026-01-31T09:04:08Z")});
   enqueue(queuedAt("B", "now"));
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0"));
@@ -156,13 +156,13 @@ TEST_F(AQueue, TakesANewTimeThatCannotBeReadForNow) {
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0", "B:0"));
 }
 
-TEST_F(AQueue, TakesTwoTimesThatCannotBeReadForTheSame) {
+TEST_F(AQueue, TreatsTwoInvalidTimesAsEqual) {
   save({queuedAt("A", "then")});
   enqueue(queuedAt("B", "now"));
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0"));
 }
 
-TEST_F(AQueue, DropsItsOldestItemPast200) {
+TEST_F(AQueue, DropsItsOldestItemAbove200) {
   save(items(200));
   enqueue(queuedItem("new"));
   const auto kept = load();
@@ -172,7 +172,7 @@ TEST_F(AQueue, DropsItsOldestItemPast200) {
   EXPECT_EQ(storedCount(), "200");
 }
 
-TEST_F(AQueue, Keeps200) {
+TEST_F(AQueue, Keeps200Items) {
   save(items(199));
   enqueue(queuedItem("new"));
   const auto kept = load();
@@ -180,7 +180,7 @@ TEST_F(AQueue, Keeps200) {
   EXPECT_EQ(kept.front().id, "0");
 }
 
-TEST_F(AQueue, ThatHeldMoreThan200IsCutTo200) {
+TEST_F(AQueue, IsCutTo200WhenItHeldMore) {
   save(items(250));
   EXPECT_THAT(load(), SizeIs(250)) << "a save alone cuts nothing";
   enqueue(queuedItem("new"));
@@ -190,7 +190,7 @@ TEST_F(AQueue, ThatHeldMoreThan200IsCutTo200) {
   EXPECT_EQ(kept.back().id, "new");
 }
 
-TEST_F(AQueue, ThatHeldMoreThan200StaysWhenADuplicateComes) {
+TEST_F(AQueue, IsNotCutTo200ByADuplicate) {
   save(items(250));
   enqueue(queuedItem("249"));
   EXPECT_THAT(load(), SizeIs(250));
@@ -208,7 +208,7 @@ TEST_F(AQueue, LosesTheEarlierOfTwoSavesAtTheSameTime) {
   EXPECT_EQ(storedCount(), "1");
 }
 
-TEST_F(AQueue, TakesAnItemWhileADrainHoldsTheLock) {
+TEST_F(AQueue, AcceptsAnItemWhileADrainHoldsTheLock) {
   phone_.put(StoreKeys::smsQueueDrainLock, platform::secondsSince1970(TestPhone::start));
   enqueue(queuedItem("A"));
   EXPECT_THAT(load(), SizeIs(1));

@@ -1,4 +1,4 @@
-// In which order a drain takes its steps, how its lock behaves, and what a cancelled one leaves.
+// The order of a drain's steps, its lock, and the queue after a cancelled drain.
 #include <chrono>
 
 #include "testkit/backend_answers.h"
@@ -29,7 +29,7 @@ TEST_F(ADrain, FinishesAnItemBeforeItBeginsTheNext) {
                                               "exchange", "settings", "notification"));
 }
 
-TEST_F(ADrain, HasOneRequestUnderWayAtATime) {
+TEST_F(ADrain, SendsOneRequestAtATime) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C")});
   willAnswer({notSavedBody, notSavedBody, notSavedBody});
   phone_.session.gate().close();
@@ -67,7 +67,7 @@ TEST_F(ADrain, WritesTheQueueOnlyAtItsEnd) {
   }
 }
 
-TEST_F(ADrain, OverwritesWhatAnotherRunEnqueuesMeanwhile) {
+TEST_F(ADrain, OverwritesItemsThatAnotherRunEnqueuesMeanwhile) {
   queue({queuedItem("A")});
   phone_.session.willDo([](const URLRequest&) {
     SharedStore other = TestPhone::openStore();
@@ -80,7 +80,7 @@ TEST_F(ADrain, OverwritesWhatAnotherRunEnqueuesMeanwhile) {
 
 // The lock.
 
-TEST_F(ADrain, HoldsTheLockFromBeginningToEnd) {
+TEST_F(ADrain, HoldsTheLockFromStartToEnd) {
   queue({queuedItem("A")});
   willAnswer({savedBody()});
   drain();
@@ -125,7 +125,7 @@ TEST_F(ADrain, LosesItsLockWhenItRunsLongerThanThirtySeconds) {
   EXPECT_EQ(lock(), 0.0) << "and frees it all the same";
 }
 
-TEST_F(ADrain, SendsItemsAgainThatASlowerDrainIsStillSending) {
+TEST_F(ADrain, RepeatsItemsOfASlowerDrain) {
   queue({queuedItem("A")});
   willAnswer({notSavedBody, notSavedBody});
   phone_.session.gate().close();
@@ -142,7 +142,7 @@ TEST_F(ADrain, SendsItemsAgainThatASlowerDrainIsStillSending) {
   EXPECT_THAT(queued(), IsEmpty());
 }
 
-TEST_F(ADrain, LeavesTheQueueToTheDrainThatHoldsTheLock) {
+TEST_F(ADrain, DoesNothingWhileAnotherDrainRuns) {
   queue({queuedItem("A")});
   willAnswer({notSavedBody});
   phone_.session.gate().close();
@@ -183,7 +183,7 @@ TEST_F(TheDrainLock, IsHeldUntilItIsThirtySecondsOld) {
   EXPECT_EQ(lock(), startSeconds + 30);
 }
 
-TEST_F(TheDrainLock, OfTheFutureIsHeldUntilTheClockHasPassedItByThirtySeconds) {
+TEST_F(TheDrainLock, ExpiresThirtySecondsAfterATimeInTheFuture) {
   setLock(startSeconds + 3600);
   EXPECT_FALSE(SmsQueueDrainer::tryAcquireLock(store_));
   phone_.clock.advance(1h + 29s);
@@ -192,14 +192,14 @@ TEST_F(TheDrainLock, OfTheFutureIsHeldUntilTheClockHasPassedItByThirtySeconds) {
   EXPECT_TRUE(SmsQueueDrainer::tryAcquireLock(store_));
 }
 
-TEST_F(TheDrainLock, StoredAsTextIsFree) {
+TEST_F(TheDrainLock, IsFreeWhenItIsStoredAsText) {
   phone_.put(StoreKeys::smsQueueDrainLock, std::to_string(startSeconds));
   EXPECT_TRUE(SmsQueueDrainer::tryAcquireLock(store_));
 }
 
 // Cancelling.
 
-TEST_F(ADrain, ThatIsCancelledCountsItsItemsAsFailedAndSavesThem) {
+TEST_F(ADrain, CountsItsItemsAsFailedWhenCancelled) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")});
   willAnswer({notSavedBody, notSavedBody, notSavedBody});
   phone_.session.gate().close();
@@ -213,7 +213,7 @@ TEST_F(ADrain, ThatIsCancelledCountsItsItemsAsFailedAndSavesThem) {
   EXPECT_EQ(lock(), 0.0);
 }
 
-TEST_F(ADrain, ThatIsCancelledDuringANotificationStillHandsItOver) {
+TEST_F(ADrain, PostsItsNotificationWhenCancelled) {
   queue({queuedItem("A"), queuedItem("B")});
   willAnswer({savedBody(), savedBody()});
   phone_.notifications.settingsGate().close();

@@ -1,4 +1,4 @@
-// Which items a drain sends, what becomes of them, and what the person is told.
+// The items that a drain sends, their outcomes, and its notifications.
 #include "queue/sms_queue_drainer.h"
 
 #include <chrono>
@@ -17,7 +17,7 @@ using testkit::notSavedBody;
 using testkit::queuedItem;
 using testkit::savedBody;
 
-// The way of the items.
+// The order of the items.
 
 TEST_F(ADrain, SendsTheOldestItemsInOrderAndNoMoreThanAsked) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D")});
@@ -28,7 +28,7 @@ TEST_F(ADrain, SendsTheOldestItemsInOrderAndNoMoreThanAsked) {
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueueCount), "1");
 }
 
-TEST_F(ADrain, SendsAShorterQueueWhole) {
+TEST_F(ADrain, SendsAllOfAShorterQueue) {
   queue({queuedItem("A")});
   willAnswer({notSavedBody});
   drain(3);
@@ -37,7 +37,7 @@ TEST_F(ADrain, SendsAShorterQueueWhole) {
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueueCount), "0");
 }
 
-TEST_F(ADrain, SendsEachTextWithItsOwnDateAndKeyButThePresentCredentials) {
+TEST_F(ADrain, SendsItsOwnDateAndKeyWithCurrentCredentials) {
   queue({queuedItem("A")});
   willAnswer({notSavedBody});
   drain();
@@ -70,7 +70,7 @@ TEST_F(ADrain, PutsFailedItemsAtTheBack) {
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueueCount), "5");
 }
 
-TEST_F(ADrain, ChangesNothingOfAFailedItemButItsRetryCount) {
+TEST_F(ADrain, ChangesOnlyTheRetryCountOfAFailedItem) {
   PendingSmsItem item = queuedItem("A", 2);
   item.source = "apple_pay";
   item.amount = 12.5;
@@ -91,7 +91,7 @@ TEST_F(ADrain, CountsEveryKindOfFailure) {
   EXPECT_THAT(queued(), ElementsAre("A:1", "B:1", "C:1", "D:1"));
 }
 
-TEST_F(ADrain, GoesOnAfterAFailure) {
+TEST_F(ADrain, ContinuesAfterAFailure) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C")});
   willFail(1);
   willAnswer({notSavedBody, notSavedBody});
@@ -109,7 +109,7 @@ TEST_F(ADrain, DropsAnItemThatFailedTenTimesWithoutSendingIt) {
   EXPECT_EQ(phone_.notifications.told().size(), 0u);
 }
 
-TEST_F(ADrain, SendsAnItemThatFailedNineTimesOnceMore) {
+TEST_F(ADrain, RetriesAnItemThatFailedNineTimes) {
   queue({queuedItem("A", 9)});
   willFail(1);
   drain();
@@ -119,7 +119,7 @@ TEST_F(ADrain, SendsAnItemThatFailedNineTimesOnceMore) {
   EXPECT_EQ(phone_.session.requests().size(), 1u);
 }
 
-TEST_F(ADrain, ThatDropsAllStillSavesTheQueueAndFreesTheLock) {
+TEST_F(ADrain, SavesTheQueueAndFreesTheLockWhenItDropsAll) {
   queue({queuedItem("A", 10), queuedItem("B", 11), queuedItem("C", 1000)});
   phone_.put(StoreKeys::pendingSmsQueueCount, "wrong");
   drain(3);
@@ -129,7 +129,7 @@ TEST_F(ADrain, ThatDropsAllStillSavesTheQueueAndFreesTheLock) {
   EXPECT_EQ(lock(), 0.0);
 }
 
-TEST_F(ADrain, TakesEveryItemOfAHandledIdOutOfTheQueueEvenBeyondItsBatch) {
+TEST_F(ADrain, RemovesEveryItemWithAHandledId) {
   PendingSmsItem twin = queuedItem("A");
   twin.smsText = "another text";
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C"), queuedItem("D"), twin});
@@ -138,14 +138,14 @@ TEST_F(ADrain, TakesEveryItemOfAHandledIdOutOfTheQueueEvenBeyondItsBatch) {
   EXPECT_THAT(queued(), ElementsAre("D:0"));
 }
 
-TEST_F(ADrain, SendsEachOfTwoItemsOfOneIdWithinItsBatch) {
+TEST_F(ADrain, SendsBothItemsOfOneIdInItsBatch) {
   queue({queuedItem("A", 1), queuedItem("A", 5), queuedItem("B")});
   willFail(2);
   drain(2);
   EXPECT_THAT(queued(), ElementsAre("B:0", "A:2", "A:6"));
 }
 
-TEST_F(ADrain, OfNoItemsSavesTheQueueAsItIs) {
+TEST_F(ADrain, SavesTheQueueUnchangedWithALimitOfZero) {
   queue({queuedItem("A"), queuedItem("B", 10)});
   phone_.put(StoreKeys::pendingSmsQueueCount, "wrong");
   drain(0);
@@ -155,14 +155,14 @@ TEST_F(ADrain, OfNoItemsSavesTheQueueAsItIs) {
   EXPECT_EQ(lock(), 0.0);
 }
 
-TEST_F(ADrain, OfAnEmptyQueueWritesNothingButTheLock) {
+TEST_F(ADrain, WritesOnlyTheLockWhenTheQueueIsEmpty) {
   auto expected = phone_.contents();
   drain();
   expected["smsQueueDrainLock"] = 0.0;
   EXPECT_EQ(phone_.contents(), expected);
 }
 
-TEST_F(ADrain, OfAQueueThatCannotBeReadLeavesItAsItIs) {
+TEST_F(ADrain, LeavesAnUnreadableQueueUnchanged) {
   phone_.put(StoreKeys::pendingSmsQueue, "broken");
   drain();
   EXPECT_EQ(phone_.text(StoreKeys::pendingSmsQueue), "broken");
@@ -170,9 +170,9 @@ TEST_F(ADrain, OfAQueueThatCannotBeReadLeavesItAsItIs) {
   EXPECT_EQ(lock(), 0.0);
 }
 
-// What the person is told.
+// Notifications.
 
-TEST_F(ADrain, AnnouncesASavedTransactionOfAnyKindButIncomeAsAnExpense) {
+TEST_F(ADrain, AnnouncesEveryTypeExceptIncomeAsAnExpense) {
   for (const std::optional<std::string>& type :
        {std::optional<std::string>(), std::optional<std::string>("expense"),
         std::optional<std::string>("transfer"), std::optional<std::string>("Income")}) {
@@ -187,7 +187,7 @@ TEST_F(ADrain, AnnouncesIncomeAsReceived) {
               ElementsAre("💰 Income Received | EGP\u00a0150.00 from Employer (Groceries)"));
 }
 
-TEST_F(ADrain, AnnouncesAnExcludedCategoryToo) {
+TEST_F(ADrain, AnnouncesAnExcludedCategory) {
   EXPECT_THAT(
       toldOf(savedBody({.category = "__system_transfer__"})),
       ElementsAre("💸 Expense Tracked | EGP\u00a0150.00 at Carrefour (__system_transfer__)"));
@@ -199,7 +199,7 @@ TEST_F(ADrain, FormatsAmountsInTheCurrencyOfTheStore) {
               ElementsAre("💸 Expense Tracked | $12.50 at Carrefour (Groceries)"));
 }
 
-TEST_F(ADrain, RemovesSilentlyWhatWasNotSaved) {
+TEST_F(ADrain, SilentlyRemovesATextThatIsNotSaved) {
   EXPECT_THAT(toldOf(notSavedBody), IsEmpty());
   EXPECT_THAT(toldOf(testkit::declinedBody), IsEmpty());
   EXPECT_THAT(toldOf(testkit::savedWithoutExpenseBody), IsEmpty());
@@ -208,7 +208,7 @@ TEST_F(ADrain, RemovesSilentlyWhatWasNotSaved) {
               IsEmpty());
 }
 
-TEST_F(ADrain, WritesNoLineWhateverHappens) {
+TEST_F(ADrain, PrintsNothingInAnyCase) {
   queue({queuedItem("A"), queuedItem("B"), queuedItem("C")});
   willFail(1);
   willAnswer({"<html>", savedBody()});
@@ -217,7 +217,7 @@ TEST_F(ADrain, WritesNoLineWhateverHappens) {
   EXPECT_EQ(written.err, "");
 }
 
-TEST_F(ADrain, GoesOnWhenNotificationsAreRefusedOrForbidden) {
+TEST_F(ADrain, ContinuesWhenNotificationsAreRefusedOrForbidden) {
   phone_.notifications.willRefuse();
   queue({queuedItem("A"), queuedItem("B")});
   willAnswer({savedBody(), savedBody()});
@@ -227,7 +227,7 @@ TEST_F(ADrain, GoesOnWhenNotificationsAreRefusedOrForbidden) {
   EXPECT_THAT(queued(), IsEmpty());
 }
 
-TEST_F(ADrain, TouchesNeitherTotalsNorWidget) {
+TEST_F(ADrain, DoesNotChangeTotalsOrWidget) {
   toldOf(savedBody({.type = "expense"}));
   EXPECT_EQ(phone_.text(StoreKeys::todayDateKey), std::nullopt);
   EXPECT_EQ(phone_.text(StoreKeys::todayTotal), std::nullopt);
@@ -238,7 +238,7 @@ TEST_F(ADrain, TouchesNeitherTotalsNorWidget) {
 
 using ADrainDeathTest = ADrain;
 
-TEST_F(ADrainDeathTest, OfANegativeNumberOfItemsStopsTheProcess) {
+TEST_F(ADrainDeathTest, AbortsWithANegativeLimit) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const testkit::ScopedVariable inside("TMPDIR", phone_.folders.home().string());
   EXPECT_DEATH(drain(-1), "^fatal: a drain was asked");

@@ -9,7 +9,7 @@ namespace {
 
 using testkit::utc;
 
-TEST(AMessagesTime, IsReadWithEveryOffsetThatModemsWrite) {
+TEST(AMessageTime, IsReadWithEveryOffsetFormatOfModems) {
   const auto moment = utc(2026, 11, 21, 10, 0, 5);
   EXPECT_EQ(momentSent("2026-11-21T12:00:05+02:00"), moment);
   EXPECT_EQ(momentSent("2026-11-21T12:00:05+0200"), moment);
@@ -19,7 +19,7 @@ TEST(AMessagesTime, IsReadWithEveryOffsetThatModemsWrite) {
   EXPECT_EQ(momentSent("2026-11-21T10:00:05"), moment);
 }
 
-TEST(AMessagesTime, IsNoneWhenItIsNoTime) {
+TEST(AMessageTime, IsAbsentWhenItIsInvalid) {
   for (const char* const text : {"", "yesterday", "2026-11-21", "2026-02-30T10:00:05Z",
                                  "2026-11-21T10:00:05+2", "2026-11-21T10:00:05+02:00:00"}) {
     EXPECT_EQ(momentSent(text), std::nullopt) << text;

@@ -15,11 +15,11 @@ using Extent = SmsWatcher::Extent;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class AWatcherOfMessages : public testing::Test {
+class TheSmsWatcher : public testing::Test {
  protected:
   static constexpr platform::Moment start = testkit::utc(2026, 11, 21, 10, 0, 0);
 
-  AWatcherOfMessages() { watcher.setSenders({"MyBank"}, start); }
+  TheSmsWatcher() { watcher.setSenders({"MyBank"}, start); }
 
   SmsWatcher freshWatcher() {
     return {WatcherRecord::open().value(), {.settle = 0s, .first = 2s, .longest = 10s}};
@@ -33,7 +33,7 @@ class AWatcherOfMessages : public testing::Test {
   std::size_t take(const std::vector<ModemMessage>& messages) {
     return watcher.take(messages, Extent::some, now);
   }
-  // What is handed on at this moment, when each is answered.
+  // The messages that are handed on now, when each is answered.
   std::vector<std::string> handedOn() {
     std::vector<std::string> texts;
     while (watcher.untilNext(now) == 0ms) {
@@ -54,16 +54,14 @@ class AWatcherOfMessages : public testing::Test {
   SmsWatcher watcher = freshWatcher();
 };
 
-TEST_F(AWatcherOfMessages, HasNothingToDoAtFirst) {
-  EXPECT_EQ(watcher.untilNext(now), std::nullopt);
-}
+TEST_F(TheSmsWatcher, IsIdleAtFirst) { EXPECT_EQ(watcher.untilNext(now), std::nullopt); }
 
-TEST_F(AWatcherOfMessages, HandsOnInTheOrderOfTime) {
+TEST_F(TheSmsWatcher, HandsOnMessagesInOrderOfTime) {
   take({message("Two", 20s), message("Three", 10s), message("One", 30s)});
   EXPECT_THAT(handedOn(), ElementsAre("One", "Two", "Three"));
 }
 
-TEST_F(AWatcherOfMessages, HandsOnThoseWithoutATimeLastAndInTheirOrder) {
+TEST_F(TheSmsWatcher, HandsOnMessagesWithoutATimeLast) {
   ModemMessage first = message("No time");
   first.timestamp = "";
   ModemMessage second = message("No time either");
@@ -72,7 +70,7 @@ TEST_F(AWatcherOfMessages, HandsOnThoseWithoutATimeLastAndInTheirOrder) {
   EXPECT_THAT(handedOn(), ElementsAre("One", "Two", "No time", "No time either"));
 }
 
-TEST_F(AWatcherOfMessages, HandsOnOneAtATime) {
+TEST_F(TheSmsWatcher, HandsOnOneMessageAtATime) {
   take({message("One", 2s), message("Two")});
   EXPECT_EQ(watcher.beginNext(), "One");
   EXPECT_EQ(watcher.untilNext(now), std::nullopt);
@@ -82,7 +80,7 @@ TEST_F(AWatcherOfMessages, HandsOnOneAtATime) {
   EXPECT_THAT(handedOn(), ElementsAre("Earlier", "Two"));
 }
 
-TEST_F(AWatcherOfMessages, TakesAMessageOnceWhateverBecomesOfIt) {
+TEST_F(TheSmsWatcher, AcceptsAMessageOnlyOnce) {
   take({message("One"), message("One")});
   take({message("One")});
   watcher.beginNext();
@@ -99,14 +97,14 @@ TEST_F(AWatcherOfMessages, TakesAMessageOnceWhateverBecomesOfIt) {
   EXPECT_THAT(handedOn(), IsEmpty());
 }
 
-TEST_F(AWatcherOfMessages, TellsMessagesApartBySenderTimeAndText) {
+TEST_F(TheSmsWatcher, DistinguishesMessagesBySenderTimeAndText) {
   watcher.setSenders({"MyBank", "Other"}, start);
   take({message("Paid", 3s), message("Paid", 2s), message("Paid!", 3s),
         message("Paid", 3s, "Other")});
   EXPECT_EQ(handedOn().size(), 4U);
 }
 
-TEST_F(AWatcherOfMessages, WaitsTwiceAsLongAfterEachFailureUpToItsLimit) {
+TEST_F(TheSmsWatcher, DoublesTheRetryDelayUpToItsLimit) {
   take({message("One")});
   for (const auto pause : {2s, 4s, 8s, 10s, 10s}) {
     failOnce();
@@ -120,14 +118,14 @@ TEST_F(AWatcherOfMessages, WaitsTwiceAsLongAfterEachFailureUpToItsLimit) {
   EXPECT_EQ(watcher.untilNext(now), 2s);
 }
 
-TEST_F(AWatcherOfMessages, TriesAFailedMessageAfterAllOthers) {
+TEST_F(TheSmsWatcher, RetriesAFailedMessageAfterAllOthers) {
   take({message("One", 3s), message("Two", 2s)});
   failOnce();
   take({message("Three", 1s), message("Earliest", 9s)});
   EXPECT_THAT(handedOn(), ElementsAre("Earliest", "Two", "Three", "One"));
 }
 
-TEST_F(AWatcherOfMessages, DoesNotLetANewMessageWaitForAFailedOne) {
+TEST_F(TheSmsWatcher, DoesNotDelayANewMessageForAFailedOne) {
   take({message("One")});
   failOnce();
   take({message("One")});
@@ -136,7 +134,7 @@ TEST_F(AWatcherOfMessages, DoesNotLetANewMessageWaitForAFailedOne) {
   EXPECT_EQ(watcher.untilNext(now), 0ms);
 }
 
-TEST_F(AWatcherOfMessages, DropsWaitingMessagesOfWhomIsNoLongerNamed) {
+TEST_F(TheSmsWatcher, DropsPendingMessagesOfARemovedSender) {
   watcher.setSenders({"MyBank", "Other"}, start);
   take({message("One", 4s, "Other"), message("Two", 3s), message("Three", 2s, "Other")});
   failOnce();
@@ -145,12 +143,12 @@ TEST_F(AWatcherOfMessages, DropsWaitingMessagesOfWhomIsNoLongerNamed) {
   EXPECT_THAT(handedOn(), ElementsAre("Two"));
 }
 
-TEST_F(AWatcherOfMessages, LeavesWhatWasSentMoreThanADayBeforeTheNaming) {
+TEST_F(TheSmsWatcher, SkipsMessagesFromADayBeforeTheSenderWasNamed) {
   take({message("Old", 24h), message("Young", 24h - 1s)});
   EXPECT_THAT(handedOn(), ElementsAre("Young"));
 }
 
-TEST_F(AWatcherOfMessages, CountsTheDayFromTheFirstNaming) {
+TEST_F(TheSmsWatcher, CountsTheDayFromWhenTheSenderWasFirstNamed) {
   clock.advance(72h);
   watcher = freshWatcher();
   watcher.setSenders({"MyBank", "Other"}, start + 72h);
@@ -158,7 +156,7 @@ TEST_F(AWatcherOfMessages, CountsTheDayFromTheFirstNaming) {
   EXPECT_THAT(handedOn(), ElementsAre("Bank"));
 }
 
-TEST_F(AWatcherOfMessages, CountsTheDayFromTheNewNamingOfWhomWasRemoved) {
+TEST_F(TheSmsWatcher, CountsTheDayFromWhenARemovedSenderIsNamedAgain) {
   watcher.setSenders({}, start);
   clock.advance(72h);
   watcher.setSenders({"MyBank"}, start + 72h);
@@ -166,21 +164,21 @@ TEST_F(AWatcherOfMessages, CountsTheDayFromTheNewNamingOfWhomWasRemoved) {
   EXPECT_THAT(handedOn(), IsEmpty());
 }
 
-TEST_F(AWatcherOfMessages, BelievesNoNamingInTheFuture) {
+TEST_F(TheSmsWatcher, IgnoresANamingTimeInTheFuture) {
   watcher.setSenders({}, start);
   watcher.setSenders({"MyBank"}, start + 1000h);
   take({message("Bank", 1h)});
   EXPECT_THAT(handedOn(), ElementsAre("Bank"));
 }
 
-TEST_F(AWatcherOfMessages, CountsThoseThatItLeavesForTheirAge) {
+TEST_F(TheSmsWatcher, ReturnsTheNumberOfMessagesThatAreTooOld) {
   EXPECT_EQ(take({message("Old", 48h), message("Older", 72h), message("Young"),
                   message("Old, of others", 48h, "Other")}),
             2U);
   EXPECT_EQ(take({message("Young")}), 0U);
 }
 
-TEST_F(AWatcherOfMessages, LetsMessagesThatComeTogetherGetIntoTheirOrder) {
+TEST_F(TheSmsWatcher, SortsMessagesThatArriveTogether) {
   watcher = SmsWatcher(WatcherRecord::open().value(), {.settle = 1s, .first = 2s, .longest = 10s});
   watcher.setSenders({"MyBank"}, start);
   take({message("Two", 2s)});
@@ -192,7 +190,7 @@ TEST_F(AWatcherOfMessages, LetsMessagesThatComeTogetherGetIntoTheirOrder) {
   EXPECT_THAT(handedOn(), ElementsAre("One", "Two"));
 }
 
-TEST_F(AWatcherOfMessages, DoesNotRepeatWhatItCouldNotRecord) {
+TEST_F(TheSmsWatcher, DoesNotRepeatAMessageThatItCouldNotRecord) {
   take({message("One", 2s), message("Two", 1s)});
   testkit::RawStore(folders.dataHome() / "app.kivo.SmsWatcher" / "defaults.sqlite3")
       .run("CREATE TRIGGER full BEFORE INSERT ON defaults BEGIN SELECT RAISE(FAIL, 'full'); END");

@@ -16,13 +16,13 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testkit::writtenBy;
 
-class WatchSettingsFile : public testing::Test {
+class AWatchSettingsFile : public testing::Test {
  protected:
   void write(const std::string& text) {
     std::filesystem::create_directories(folders.home() / "config" / "kivo");
     std::ofstream(folders.home() / "config" / "kivo" / "sms-watcher.toml") << text;
   }
-  // What it says on standard error; "same" when nothing changed.
+  // Its output on standard error; "same" when nothing changed.
   std::string refresh() {
     bool changed = false;
     const auto written = writtenBy([&] { changed = settings.refresh(); });
@@ -34,7 +34,7 @@ class WatchSettingsFile : public testing::Test {
   WatchSettings settings;
 };
 
-TEST_F(WatchSettingsFile, SaysOnceThatNobodyIsNamed) {
+TEST_F(AWatchSettingsFile, ReportsOnceThatNoSenderIsNamed) {
   EXPECT_THAT(refresh(), HasSubstr("no sender is named"));
   EXPECT_EQ(refresh(), "same");
   write("");
@@ -45,7 +45,7 @@ TEST_F(WatchSettingsFile, SaysOnceThatNobodyIsNamed) {
   EXPECT_FALSE(settings.broken());
 }
 
-TEST_F(WatchSettingsFile, IsReadAnewEachTime) {
+TEST_F(AWatchSettingsFile, IsReadAgainOnEachRefresh) {
   write("senders = ['MyBank']");
   EXPECT_EQ(refresh(), "kivo-sms-watcher: handing on the messages of 1 sender\n");
   write("senders = ['MyBank', \"+20 100*\"] # both\n");
@@ -54,7 +54,7 @@ TEST_F(WatchSettingsFile, IsReadAnewEachTime) {
   EXPECT_EQ(refresh(), "same");
 }
 
-TEST_F(WatchSettingsFile, NamesNobodyWhenItIsBroken) {
+TEST_F(AWatchSettingsFile, NamesNoSenderWhenItIsInvalid) {
   const std::vector<std::pair<std::string, std::string>> broken{
       {"senders = [", "line 1: this is no valid TOML"},
       {"\nsenders = 'MARK'", "line 2: senders is a list of texts in quotes"},
@@ -79,13 +79,13 @@ TEST_F(WatchSettingsFile, NamesNobodyWhenItIsBroken) {
   }
 }
 
-TEST_F(WatchSettingsFile, NamesNobodyWhenItIsNoFile) {
+TEST_F(AWatchSettingsFile, NamesNoSenderWhenItIsAFolder) {
   std::filesystem::create_directories(folders.home() / "config" / "kivo" / "sms-watcher.toml");
   EXPECT_THAT(refresh(), HasSubstr("it cannot be read"));
   EXPECT_TRUE(settings.broken());
 }
 
-TEST_F(WatchSettingsFile, KnowsWhenItWasChanged) {
+TEST_F(AWatchSettingsFile, HasItsModificationTime) {
   write("senders = ['MyBank']");
   refresh();
   const auto age = platform::Date::now() - settings.changed();

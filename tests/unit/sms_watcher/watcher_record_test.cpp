@@ -18,7 +18,7 @@ using testing::Not;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-class ARecord : public testing::Test {
+class AWatcherRecord : public testing::Test {
  protected:
   static constexpr platform::Moment start = testkit::utc(2026, 11, 21);
 
@@ -40,7 +40,7 @@ class ARecord : public testing::Test {
   testkit::PrivateFolders folders;
 };
 
-TEST_F(ARecord, KnowsAHandledMessageInEveryProcess) {
+TEST_F(AWatcherRecord, RemembersAHandledMessageInEveryProcess) {
   std::string known;
   {
     WatcherRecord record = open();
@@ -54,7 +54,7 @@ TEST_F(ARecord, KnowsAHandledMessageInEveryProcess) {
   EXPECT_TRUE(record.isHandled(known));
 }
 
-TEST_F(ARecord, MarksADifferenceInAnyOfTheThree) {
+TEST_F(AWatcherRecord, DistinguishesSenderTimeAndText) {
   const WatcherRecord record = open();
   const std::set<std::string> marks{record.markOf("ab", "c", "d"), record.markOf("a", "bc", "d"),
                                     record.markOf("a", "b", "cd"), record.markOf("", "abc", "d"),
@@ -62,13 +62,13 @@ TEST_F(ARecord, MarksADifferenceInAnyOfTheThree) {
   EXPECT_EQ(marks.size(), 5U);
 }
 
-TEST_F(ARecord, IsSaltedAnewForEachPhone) {
+TEST_F(AWatcherRecord, IsSaltedDifferentlyOnEachPhone) {
   const std::string here = open().markOf("MyBank", "now", "Paid 150");
   const testkit::PrivateFolders elsewhere;
   EXPECT_NE(open().markOf("MyBank", "now", "Paid 150"), here);
 }
 
-TEST_F(ARecord, HoldsNothingButMarks) {
+TEST_F(AWatcherRecord, ContainsOnlyHashes) {
   WatcherRecord record = open();
   record.setHandled(record.markOf("MARKSENDER", "MARKTIME", "MARKTEXT"), start);
   record.namedSince({"MARKSENDER"}, start);
@@ -77,7 +77,7 @@ TEST_F(ARecord, HoldsNothingButMarks) {
   EXPECT_THAT(rows, HasSubstr("message."));
 }
 
-TEST_F(ARecord, ForgetsNothingThatAModemHolds) {
+TEST_F(AWatcherRecord, KeepsEachMessageThatAModemHolds) {
   WatcherRecord record = open(3);
   std::set<std::string> held;
   for (int i = 0; i < 20; ++i) {
@@ -88,7 +88,7 @@ TEST_F(ARecord, ForgetsNothingThatAModemHolds) {
   EXPECT_EQ(handledOf(record, 20), 20);
 }
 
-TEST_F(ARecord, ForgetsTheOldestOfWhatNoModemHoldsAnyMore) {
+TEST_F(AWatcherRecord, ForgetsTheOldestMessagesThatNoModemHolds) {
   WatcherRecord record = open(3);
   for (int i = 0; i < 20; ++i) record.setHandled(mark(record, i), start + std::chrono::seconds(i));
   record.namedSince({"MyBank"}, start);
@@ -100,7 +100,7 @@ TEST_F(ARecord, ForgetsTheOldestOfWhatNoModemHoldsAnyMore) {
               UnorderedElementsAre(Pair("MyBank", start)));
 }
 
-TEST_F(ARecord, RemembersAMessageAsLongAsItWasLastHeldByAModem) {
+TEST_F(AWatcherRecord, CountsAgeFromWhenAModemLastHeldAMessage) {
   WatcherRecord record = open(3);
   for (int i = 0; i < 4; ++i) record.setHandled(mark(record, i), start + std::chrono::seconds(i));
   record.heldByModems({mark(record, 0)}, start + 60s);
@@ -109,7 +109,7 @@ TEST_F(ARecord, RemembersAMessageAsLongAsItWasLastHeldByAModem) {
   EXPECT_FALSE(record.isHandled(mark(record, 1)));
 }
 
-TEST_F(ARecord, KnowsSinceWhenASenderIsNamed) {
+TEST_F(AWatcherRecord, RemembersWhenASenderWasNamed) {
   EXPECT_THAT(open().namedSince({"One"}, start), UnorderedElementsAre(Pair("One", start)));
   WatcherRecord record = open();
   EXPECT_THAT(record.namedSince({"One", "Two"}, start + 1h),
@@ -119,7 +119,7 @@ TEST_F(ARecord, KnowsSinceWhenASenderIsNamed) {
               UnorderedElementsAre(Pair("One", start + 3h)));
 }
 
-TEST_F(ARecord, TakesWhatItCannotReadForHandled) {
+TEST_F(AWatcherRecord, CountsEachMessageAsHandledWhenItCannotBeRead) {
   WatcherRecord record = open();
   testkit::RawStore(file()).run("DROP TABLE defaults");
   testing::internal::CaptureStderr();
@@ -130,7 +130,7 @@ TEST_F(ARecord, TakesWhatItCannotReadForHandled) {
             "kivo-sms-watcher: the record of handled messages cannot be used\n");
 }
 
-TEST_F(ARecord, LeavesAFileThatIsNoRecordAlone) {
+TEST_F(AWatcherRecord, DoesNotReplaceAForeignFile) {
   std::filesystem::create_directories(file().parent_path());
   std::ofstream(file()) << "somebody's letter, which is longer than the header of a database is, "
                            "so that it cannot be taken for an empty one";

@@ -1,5 +1,5 @@
-// The watcher of messages with limits for tests. Arguments: how long it waits for an intent, and
-// for ModemManager, in milliseconds.
+// The SMS watcher with short timeouts for tests. Arguments: the timeouts of an intent and of
+// ModemManager, in milliseconds.
 #include <chrono>
 #include <string>
 

@@ -1,4 +1,4 @@
-// How long the runs of a process wait for a bus, or a center, that does not answer.
+// The time that the runs of a process wait for a bus or a notification center that does not answer.
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using linux_platform::RunningTask;
 using platform::UNUserNotificationCenter;
 using Clock = std::chrono::steady_clock;
 
-// A process that performs runs, as far as notifications go.
+// The notification calls of a process that performs runs.
 class AProcess {
  public:
   AProcess() { platform::ProcessWide<UNUserNotificationCenter>::install(center_); }
@@ -65,7 +65,7 @@ void expectASecond(Clock::duration took) {
   EXPECT_LE(took, 1300ms);
 }
 
-// A center that answers its calls after these seconds, as slow_center.py has them.
+// A center that answers its calls after these delays in seconds; slow_center.py defines the format.
 class WithACenterThatAnswersSlowly : public testing::Test {
  protected:
   void startCenter(std::vector<std::string> pauses) {
@@ -76,7 +76,7 @@ class WithACenterThatAnswersSlowly : public testing::Test {
         [this] { return phone.processOf("app.kivo.NotificationCenter").has_value(); }));
   }
 
-  // What it prints reaches us by a pipe, a moment later than its answers.
+  // Its output arrives through a pipe, a moment later than its answers.
   void expectAsked(const std::string& titles) const {
     testkit::eventually([&] { return center->outputSoFar().size() >= titles.size(); });
     EXPECT_EQ(center->outputSoFar(), titles);
@@ -86,14 +86,14 @@ class WithACenterThatAnswersSlowly : public testing::Test {
   std::unique_ptr<linux_platform::ChildProcess> center;
 };
 
-TEST_F(WithACenterThatAnswersSlowly, ARunGivesEachOfItsCallsASecond) {
+TEST_F(WithACenterThatAnswersSlowly, ARunAllowsEachCallASecond) {
   startCenter({"0.3"});
   AProcess process;
   process.run({"one", "two", "three", "four"});
   expectAsked("one\ntwo\nthree\nfour\n");
 }
 
-TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatTimedOut) {
+TEST_F(WithACenterThatAnswersSlowly, ARunMakesNoCallAfterATimeout) {
   startCenter({"0.4", "0.4", "0.4", "never", "0"});
   AProcess process;
   const auto took = process.run({"one", "two", "three", "four"});
@@ -103,7 +103,7 @@ TEST_F(WithACenterThatAnswersSlowly, ARunAsksNoMoreAfterOneCallThatTimedOut) {
   EXPECT_LE(process.finish(), 200ms);
 }
 
-TEST_F(WithACenterThatAnswersSlowly, ALaterRunAsksAgain) {
+TEST_F(WithACenterThatAnswersSlowly, ALaterRunCallsTheCenterAgain) {
   startCenter({"never", "0"});
   AProcess process;
   process.run({"one"});
@@ -120,19 +120,19 @@ class WithACenterThatHangs : public testing::Test {
   pid_t center = phone.startCenter();
 };
 
-TEST_F(WithACenterThatHangs, ARunAndTheEndOfItsProcessWaitASecondInAll) {
+TEST_F(WithACenterThatHangs, ARunAndItsExitWaitASecondInTotal) {
   AProcess process;
   expectASecond(process.run());
   EXPECT_LE(process.finish(), 200ms);
 }
 
-TEST_F(WithACenterThatHangs, ALaterRunOfTheProcessHasItsOwnSecond) {
+TEST_F(WithACenterThatHangs, ALaterRunHasItsOwnTimeout) {
   AProcess process;
   expectASecond(process.run());
   expectASecond(process.run());
 }
 
-TEST_F(WithACenterThatHangs, RunsThatOverlapWaitTheirSecondsAtTheSameTime) {
+TEST_F(WithACenterThatHangs, OverlappingRunsWaitInParallel) {
   AProcess process;
   const Clock::time_point start = Clock::now();
   RunningTask first = process.startRun();
@@ -142,7 +142,7 @@ TEST_F(WithACenterThatHangs, RunsThatOverlapWaitTheirSecondsAtTheSameTime) {
   expectASecond(Clock::now() - start);
 }
 
-TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryIsAnsweredAgain) {
+TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryGetsAnAnswer) {
   AProcess process;
   expectASecond(process.run());
   kill(center, SIGCONT);
@@ -151,7 +151,7 @@ TEST_F(WithACenterThatHangs, ARunAfterItsRecoveryIsAnsweredAgain) {
   EXPECT_LE(Clock::now() - start, 500ms);
 }
 
-TEST(WithASilentBus, EachRunWaitsASecondForAllOfIt) {
+TEST(WithASilentBus, EachRunWaitsASecondInTotal) {
   const testkit::PrivateFolders folders;
   const testkit::SilentSocket silent(folders.home() / "silent");
   const testkit::ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", silent.busAddress());
