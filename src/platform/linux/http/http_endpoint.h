@@ -8,7 +8,7 @@
 
 namespace kivo::linux_platform {
 
-/// How to speak to the host of a URL.
+/// How to connect to the host of a URL.
 struct HTTPEndpoint {
   bool secure;
   std::uint16_t port;
