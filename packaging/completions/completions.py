@@ -205,7 +205,8 @@ def fish(program):
             for value in one["values"]:
                 lines.append(f"{begin} -n {fish_quoted(f'{here} {place}')} -a {fish_quoted(fish_quoted(value))}")
         for one in program.options(command):
-            value = "" if one["kind"] == "flag" else " -x" + "".join(f" -a {fish_quoted(fish_quoted(v))}" for v in one["values"])
+            words = " ".join(fish_quoted(value) for value in one["values"])  # of several -a, fish takes the last
+            value = "" if one["kind"] == "flag" else " -x" + (f" -a {fish_quoted(words)}" if words else "")
             lines.append(f"{begin} -n {fish_quoted(here)} -l {one['name'][2:]}{value} -d {fish_quoted(one['meaning'])}")
     return "\n".join(lines) + "\n"
 

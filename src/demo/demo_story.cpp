@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "demo/demo_phone.h"
-#include "demo/message_recogniser.h"
+#include "ledger/recognition/reading.h"
 #include "platform/foundation/utf8.h"
 #include "store/store_keys.h"
 
@@ -219,12 +219,14 @@ DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn)
 
 DemoEnd DemoStory::show(DemoScreen& screen, const std::string& message,
                         const std::function<bool()>& goesOn) {
-  const auto recognition =
-      MessageRecogniser::recognise(platform::repairedUtf8(message), usualCurrency);
-  const auto* const transaction = std::get_if<MessageRecogniser::Transaction>(&recognition);
-  Demonstration demonstration(screen, goesOn, transaction ? transaction->currency : usualCurrency);
+  // The private phone is of the message's own currency, so that it is stored and not for review.
+  const std::string text = platform::repairedUtf8(message);
+  const auto amount = ledger::read(text, usualCurrency).amount;
+  const std::string currency = amount ? amount->currency : std::string(usualCurrency);
+  const bool stored = ledger::read(text, currency).outcome == ledger::Outcome::transaction;
+  Demonstration demonstration(screen, goesOn, currency);
   demonstration.processed(message);
-  demonstration.notified(transaction ? 1 : 0);
+  demonstration.notified(stored ? 1 : 0);
   demonstration.showState();
   return demonstration.end();
 }

@@ -1,12 +1,12 @@
 #include "demo/embedded_backend.h"
 
 #include <utility>
-#include <variant>
 
-#include "demo/message_recogniser.h"
 #include "extraction/sms_extraction_response.h"
+#include "ledger/recognition/reading.h"
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
+#include "platform/foundation/number_text.h"
 
 namespace kivo {
 namespace {
@@ -40,22 +40,27 @@ bool isEndpoint(std::string_view target) {
   return target == "/functions/v1/sms-extraction";
 }
 
-SMSExtractionResponse responseTo(const MessageRecogniser::Recognition& recognition,
-                                 const std::string& expenseDate, std::size_t number) {
-  if (std::holds_alternative<MessageRecogniser::Declined>(recognition)) {
-    return {.saved = false, .reason = "declined"};
+SMSExtractionResponse responseTo(const ledger::Reading& reading, const std::string& expenseDate,
+                                 std::size_t number) {
+  switch (reading.outcome) {
+    case ledger::Outcome::declined:
+      return {.saved = false, .reason = "declined"};
+    case ledger::Outcome::notATransaction:
+      return {.saved = false, .reason = "not_a_transaction"};
+    case ledger::Outcome::needsReview:
+      return {.saved = false, .reason = "needs_review"};
+    case ledger::Outcome::transaction:
+      break;
   }
-  const auto* const transaction = std::get_if<MessageRecogniser::Transaction>(&recognition);
-  if (transaction == nullptr) return {.saved = false, .reason = "not_a_transaction"};
-  const bool income = transaction->kind == MessageRecogniser::Transaction::Kind::income;
-  return {
-      .saved = true,
-      .transaction_type = income ? "income" : "expense",
-      .expense = SMSExtractionResponse::SavedExpense{.id = "transaction-" + std::to_string(number),
-                                                     .description = transaction->description,
-                                                     .amount = transaction->amount,
-                                                     .category = transaction->category,
-                                                     .expense_date = expenseDate}};
+  const bool income = reading.kind == ledger::Kind::income;
+  return {.saved = true,
+          .transaction_type = income ? "income" : "expense",
+          .expense = SMSExtractionResponse::SavedExpense{
+              .id = "transaction-" + std::to_string(number),
+              .description = reading.description,
+              .amount = platform::doubleFromText(ledger::amountText(*reading.amount)).value(),
+              .category = reading.category,
+              .expense_date = expenseDate}};
 }
 
 }  // namespace
@@ -73,12 +78,11 @@ EmbeddedBackend::Answer EmbeddedBackend::answer(const Request& request) {
     return {badRequest, R"({"error":"bad request"})"};
   }
 
-  const auto recognition = MessageRecogniser::recognise(extraction.message, userCurrency_);
+  const ledger::Reading reading = ledger::read(extraction.message, userCurrency_);
   const std::lock_guard lock(mutex_);
   const auto answered = answers_.find(extraction.idempotencyKey);
   if (answered != answers_.end()) return {ok, answered->second};
-  const SMSExtractionResponse response =
-      responseTo(recognition, extraction.expenseDate, stored_ + 1);
+  const SMSExtractionResponse response = responseTo(reading, extraction.expenseDate, stored_ + 1);
   if (response.saved) ++stored_;
   return {ok, answers_.emplace(extraction.idempotencyKey, response.encode()).first->second};
 }

@@ -10,7 +10,7 @@
 
 namespace kivo {
 
-/// Answers extraction requests by rule (MessageRecogniser). All operations may be called from any
+/// Answers extraction requests by rule (ledger/recognition). All operations may be called from any
 /// thread.
 class EmbeddedBackend {
  public:
@@ -28,7 +28,7 @@ class EmbeddedBackend {
     bool operator==(const Answer&) const = default;
   };
 
-  /// Of a sum that a message states in two currencies, the one in `userCurrency` is taken.
+  /// It books in `userCurrency`; a sum in another currency needs a review and is not stored.
   explicit EmbeddedBackend(std::string userCurrency);
 
   /// 200 and an SMSExtractionResponse for a POST to /functions/v1/sms-extraction whose body is an

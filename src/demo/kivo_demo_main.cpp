@@ -1,5 +1,4 @@
 // kivo-demo: the extension's main job on an embedded backend, as a story or on a text given.
-#include <atomic>
 #include <csignal>
 #include <iostream>
 #include <iterator>
@@ -9,6 +8,7 @@
 
 #include "demo/demo_story.h"
 #include "platform/linux/process/process_start.h"
+#include "platform/linux/process/stop_signals.h"
 
 namespace {
 
@@ -32,21 +32,11 @@ LANG decides how amounts are written; NO_COLOR turns colours off.
 Exit status: 0 when all went as told, 1 otherwise, 64 for bad usage.
 )";
 
-// Set on whatever thread a signal comes to.
-std::atomic<bool> interrupted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-bool goesOn() { return !interrupted; }
-
-// A demonstration that is interrupted still stops its bus and removes its folders.
-void heedInterruptions() {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    std::signal(signal, [](int) { interrupted = true; });
-  }
-}
+bool goesOn() { return !kivo::linux_platform::StopSignals::came(); }
 
 int run(const std::optional<std::string>& message) {
-  heedInterruptions();
+  // A demonstration that is interrupted still stops its bus and removes its folders.
+  const kivo::linux_platform::StopSignals signals;
   try {
     kivo::DemoScreen screen;
     const kivo::DemoEnd end = message ? kivo::DemoStory::show(screen, *message, goesOn)

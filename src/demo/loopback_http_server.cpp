@@ -1,7 +1,6 @@
 #include "demo/loopback_http_server.h"
 
 #include <chrono>
-#include <csignal>
 #include <exception>
 #include <future>
 #include <optional>
@@ -16,6 +15,8 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http.hpp>
+
+#include "platform/linux/concurrency/background_thread.h"
 
 namespace kivo {
 
@@ -104,12 +105,7 @@ struct LoopbackHttpServer::Server {
     // Only now: a port chosen with this option set may be one that another process reserves.
     reserved.set_option(tcp::acceptor::reuse_address(true));
     listen();
-    thread = std::thread([this] {
-      sigset_t all;
-      sigfillset(&all);
-      pthread_sigmask(SIG_BLOCK, &all, nullptr);  // signals are for the program's own threads
-      context.run();
-    });
+    thread = linux_platform::startBackgroundThread([this] { context.run(); });
   }
 
   ~Server() {

@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/bus/bus_connection.h"
 #include "platform/linux/foundation/markup_text.h"
 
 namespace kivo {
@@ -40,23 +41,6 @@ constexpr std::string_view policyAndLimits = R"(
   <limit name="max_replies_per_connection">50000</limit>
 )";
 
-// A value inside of an address: what its grammar does not list is written by its number.
-std::string escapedPath(const std::string& path) {
-  constexpr std::string_view plain =
-      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-/.\\";
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string result;
-  for (const char byte : path) {
-    if (plain.find(byte) != std::string_view::npos) {
-      result += byte;
-    } else {
-      const auto number = static_cast<unsigned char>(byte);
-      result += {'%', digits[number / 16], digits[number % 16]};
-    }
-  }
-  return result;
-}
-
 void writeConfiguration(const std::filesystem::path& file, const std::string& address,
                         const std::vector<std::filesystem::path>& serviceFolders) {
   std::ofstream out(file);
@@ -75,7 +59,7 @@ void writeConfiguration(const std::filesystem::path& file, const std::string& ad
 PrivateSessionBus::PrivateSessionBus(const std::filesystem::path& folder,
                                      const std::vector<std::filesystem::path>& serviceFolders,
                                      std::map<std::string, std::optional<std::string>> environment)
-    : address_("unix:path=" + escapedPath((folder / "session-bus").string())) {
+    : address_(linux_platform::busAddressOf((folder / "session-bus").string())) {
   const std::filesystem::path configuration = folder / "session-bus.conf";
   writeConfiguration(configuration, address_, serviceFolders);
   environment["DBUS_SESSION_BUS_ADDRESS"] = address_;

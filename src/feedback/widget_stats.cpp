@@ -1,6 +1,5 @@
 #include "feedback/widget_stats.h"
 
-#include <cstdint>
 #include <limits>
 
 #include "platform/foundation/date_formatter.h"
@@ -10,14 +9,6 @@
 namespace kivo {
 namespace {
 
-double readTotal(const SharedStore& store, StoreKey key) {
-  return platform::doubleFromText(store.readText(key).value_or("0")).value_or(0);
-}
-
-std::int64_t readCount(const SharedStore& store, StoreKey key) {
-  return platform::integerFromText(store.readText(key).value_or("0")).value_or(0);
-}
-
 std::int64_t oneMore(std::int64_t count) {
   if (count == std::numeric_limits<std::int64_t>::max()) {
     platform::fatalStop("today's number of expenses cannot be counted any further");
@@ -26,6 +17,14 @@ std::int64_t oneMore(std::int64_t count) {
 }
 
 }  // namespace
+
+double WidgetStats::readTotal(const SharedStore& store, StoreKey key) {
+  return platform::doubleFromText(store.readText(key).value_or("0")).value_or(0);
+}
+
+std::int64_t WidgetStats::readCount(const SharedStore& store, StoreKey key) {
+  return platform::integerFromText(store.readText(key).value_or("0")).value_or(0);
+}
 
 std::string WidgetStats::today() {
   return platform::DateFormatter{.dateFormat = "yyyy-MM-dd"}.string(platform::Date::now());

@@ -1,6 +1,8 @@
 // Updates the totals that the home-screen widget shows. Does not reload the widget.
 #pragma once
 
+#include <cstdint>
+
 #include "store/shared_store.h"
 
 namespace kivo::WidgetStats {
@@ -10,6 +12,10 @@ namespace kivo::WidgetStats {
 /// zone; on a new day its total and count restart. Totals that cannot be parsed count as 0. Stops
 /// the process when the count would overflow.
 void recordExpense(SharedStore& store, double amount);
+
+/// Reads the figure under `key`; 0 when it is absent or cannot be parsed.
+double readTotal(const SharedStore& store, StoreKey key);
+std::int64_t readCount(const SharedStore& store, StoreKey key);
 
 /// Returns the current day in the form of `todayDateKey`. Compare it only with other values of this
 /// function: calendar and digits are those of the device's locale.

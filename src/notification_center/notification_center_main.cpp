@@ -1,29 +1,19 @@
 // The program kivo-notification-center. The session bus starts it at the first call.
-#include <atomic>
-#include <csignal>
 #include <optional>
 #include <stdexcept>
 
 #include "notification_center/notification_center.h"
 #include "notification_center/notification_center_service.h"
 #include "platform/linux/process/process_start.h"
+#include "platform/linux/process/stop_signals.h"
 #include "platform/linux/terminal/service_program.h"
 
 namespace {
 
-using kivo::NotificationCenterService;
-
-std::atomic<NotificationCenterService*> serving = nullptr;
-
-void stopServing(int) {
-  if (NotificationCenterService* const service = serving) service->stop();
-}
-
 int serve() {
   std::optional<kivo::NotificationCenter> center;  // outlives the service
-  NotificationCenterService service;
-  serving = &service;
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopServing);
+  kivo::NotificationCenterService service;
+  const kivo::linux_platform::StopSignals signals([&service] { service.stop(); });
 
   // Opened only after the bus name is taken, so that no other center uses it.
   auto record = kivo::NotificationRecord::open();
@@ -32,7 +22,6 @@ int serve() {
     service.show(content, std::move(done));
   });
   service.serve(*center, [&center] { return center->showDue(); });
-  serving = nullptr;
   return 0;
 }
 

@@ -12,6 +12,8 @@
 #include "phone/waiting_texts.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
@@ -56,9 +58,43 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
+// The URL of kivo-ledger's socket; none when there is no place for one.
+std::optional<std::string> ledgerUrl() {
+  const auto socket = linux_platform::localBackendSocket();
+  if (!socket) return std::nullopt;
+  return linux_platform::urlOfSocket(socket->string());
+}
+
+// How a base URL is shown to a person.
+std::string shownBase(const std::string& base) {
+  return ledgerUrl() == base ? "the ledger on this machine" : base;
+}
+
+// What is wrong with the options of sign-in, if anything.
+std::optional<std::string> signInError(const GivenParameters& given) {
+  const bool local = given.contains("--local");
+  if (local && given.contains("--url")) return "give either --local or --url";
+  if (!local && !given.contains("--url"))
+    return "--url is missing, or --local (see kivo-phone sign-in --help)";
+  if (!local && !given.contains("--user-id"))
+    return "--user-id is missing (see kivo-phone sign-in --help)";
+  return std::nullopt;
+}
+
+// Where the backend is; none, after one line on standard error, when that is unknown.
+std::optional<std::string> baseOf(const GivenParameters& given) {
+  if (!given.contains("--local")) return textOf(given, "--url");
+  if (auto url = ledgerUrl()) return url;
+  fail("XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
+  return std::nullopt;
+}
+
 int signIn(const GivenParameters& given) {
-  const std::string userId = textOf(given, "--user-id");
-  const std::string base = textOf(given, "--url");
+  if (const auto error = signInError(given)) return fail(*error, exitBadUsage);
+  const std::string userId = given.contains("--user-id") ? textOf(given, "--user-id") : "local";
+  const auto place = baseOf(given);
+  if (!place) return exitFailure;
+  const std::string& base = *place;
   if (!SMSExtractionClient::endpoint(base)) {
     return fail("invalid --url \"" + linux_platform::escapedControls(base) +
                     "\": this is no URL; nothing was stored",
@@ -77,7 +113,8 @@ int signIn(const GivenParameters& given) {
     return print("Stored. An empty user identifier or URL counts as signed out.\n");
   }
   // Printed before the check, which takes up to its timeout when there is no answer.
-  if (const int failed = print("Signed in at " + forStandardOutput(base) + "\n"); failed != 0) {
+  if (const int failed = print("Signed in at " + forStandardOutput(shownBase(base)) + "\n");
+      failed != 0) {
     return failed;
   }
   std::string lines;
@@ -132,7 +169,7 @@ std::string backendLines(const SharedStore& store) {
   if (!base || !store.readNonEmptyText(StoreKeys::userId)) {
     return line("Signed in", "no; kivo-phone sign-in does it");
   }
-  std::string lines = line("Signed in", "at " + *base);
+  std::string lines = line("Signed in", "at " + shownBase(*base));
   if (!SMSExtractionClient::endpoint(*base)) {
     return lines + line("Backend", "the stored address is no URL; sign in again");
   }
@@ -164,8 +201,9 @@ std::vector<linux_platform::Command> accountCommands() {
       {"status", "Show where Kivo is signed in, what it can reach and what waits", {}, status},
       {"sign-in",
        "Store who the person is and where the backend is",
-       {{"--user-id", "The user identifier"},
-        {"--url", "The backend's base URL"},
+       {{"--user-id", "The user identifier; \"local\" when not given with --local", Kind::optional},
+        {"--url", "The backend's base URL", Kind::optional},
+        {"--local", "Use the backend on this machine, kivo-ledger", Kind::flag},
         {"--currency", "The currency code; kept when not given", Kind::optional}},
        signIn},
       {"sign-out", "Forget who the person is", {}, signOut},

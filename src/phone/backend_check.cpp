@@ -29,7 +29,9 @@ Task<void> ask(HTTPURLSession* session, URL endpoint, ExchangeOutcome* outcome) 
   }
 }
 
-bool isHTTP(const URL& url) { return url.scheme == "http" || url.scheme == "https"; }
+bool isHTTP(const URL& url) {
+  return url.scheme == "http" || url.scheme == "https" || url.scheme == "http+unix";
+}
 
 bool isOnThisMachine(const URL& url) {
   const bool isAddress = url.host.find_first_not_of("0123456789.") == std::string::npos;
@@ -74,6 +76,10 @@ std::vector<std::string> BackendCheck::sentences(const BackendFindings& findings
     sentences.push_back("The backend cannot be reached now: " +
                         std::get<URLError>(findings.outcome).localizedDescription() +
                         ". Messages wait until it can.");
+    if (url.scheme == "http+unix") {
+      sentences.emplace_back(
+          "systemctl --user start kivo-ledger.socket starts it, or kivo-ledger serve by hand.");
+    }
   }
   if (url.scheme == "http" && !isOnThisMachine(url)) {
     sentences.emplace_back(

@@ -1,8 +1,9 @@
 // Output and exit statuses of the kivo-phone commands.
 #pragma once
 
-#include <cstddef>
 #include <string>
+
+#include "platform/linux/terminal/screen.h"
 
 namespace kivo {
 
@@ -21,8 +22,8 @@ int failWithoutStore();
 /// Prints `text` on standard output unchanged; returns 0, or `fail` when that fails.
 int print(const std::string& text);
 
-/// Whether standard output is a terminal.
-bool onTerminal();
+using linux_platform::onTerminal;
+using linux_platform::screenWidth;
 
 /// Whether standard output is a terminal that supports escape sequences: TERM is neither unset nor
 /// dumb.
@@ -30,8 +31,5 @@ bool terminalObeysEscapes();
 
 /// Whether standard output supports bold text and NO_COLOR is not set.
 bool terminalShowsStyles();
-
-/// Returns the width of the terminal in columns; unlimited when standard output is not one.
-std::size_t screenWidth();
 
 }  // namespace kivo

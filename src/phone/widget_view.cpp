@@ -17,17 +17,9 @@ using linux_platform::paddedTo;
 
 constexpr std::size_t smallestWidth = 24;
 
-double readTotal(const SharedStore& store, StoreKey key) {
-  return platform::doubleFromText(store.readText(key).value_or("")).value_or(0);
-}
-
 // The formatter drops the sign; elsewhere the words around the amount express it.
 std::string signedAmount(const SharedStore& store, double amount) {
   return (amount < 0 ? "-" : "") + AmountFormatter::format(store, amount);
-}
-
-std::int64_t readCount(const SharedStore& store, StoreKey key) {
-  return platform::integerFromText(store.readText(key).value_or("")).value_or(0);
 }
 
 std::string counted(std::int64_t count) {
@@ -71,14 +63,15 @@ std::string repeated(std::string_view piece, std::size_t times) {
 
 WidgetFigures WidgetView::read(const SharedStore& store) {
   const bool ofToday = store.readText(StoreKeys::todayDateKey) == WidgetStats::today();
-  const double total = ofToday ? readTotal(store, StoreKeys::todayTotal) : 0;
-  return {.todayTotal = signedAmount(store, total),
-          .todayCount = ofToday ? readCount(store, StoreKeys::todayCount) : 0,
-          .runningTotal = signedAmount(store, readTotal(store, StoreKeys::monthlyTotal)),
-          .waitingMessages =
-              std::max<std::int64_t>(0, readCount(store, StoreKeys::pendingSmsQueueCount)),
-          .signedIn = store.readNonEmptyText(StoreKeys::userId).has_value() &&
-                      store.readNonEmptyText(StoreKeys::supabaseUrl).has_value()};
+  const double total = ofToday ? WidgetStats::readTotal(store, StoreKeys::todayTotal) : 0;
+  return {
+      .todayTotal = signedAmount(store, total),
+      .todayCount = ofToday ? WidgetStats::readCount(store, StoreKeys::todayCount) : 0,
+      .runningTotal = signedAmount(store, WidgetStats::readTotal(store, StoreKeys::monthlyTotal)),
+      .waitingMessages =
+          std::max<std::int64_t>(0, WidgetStats::readCount(store, StoreKeys::pendingSmsQueueCount)),
+      .signedIn = store.readNonEmptyText(StoreKeys::userId).has_value() &&
+                  store.readNonEmptyText(StoreKeys::supabaseUrl).has_value()};
 }
 
 std::string WidgetView::asLines(const WidgetFigures& figures) {

@@ -1,77 +1,51 @@
 #include "phone/widget_watch.h"
 
-#include <atomic>
 #include <chrono>
-#include <csignal>
-#include <memory>
-#include <stdexcept>
-#include <thread>
+#include <optional>
 
-#include "phone/widget_reload_listener.h"
+#include "platform/linux/bus/bus_connection.h"
+#include "platform/linux/bus/bus_loop.h"
+#include "platform/linux/bus/bus_signal.h"
+#include "platform/linux/bus/widget_center_interface.h"
+#include "platform/linux/process/stop_signals.h"
 #include "platform/linux/terminal/command_line.h"
 
 namespace kivo {
 namespace {
 
+namespace widget_center = linux_platform::widget_center_interface;
+using linux_platform::BusLoop;
+
 // A run that queues a text sends no reload signal, nor does a sign-in or a new day.
-constexpr std::chrono::seconds pollInterval(2);
+constexpr std::chrono::milliseconds pollInterval = std::chrono::seconds(2);
 
-// Blocks SIGINT and SIGTERM in this thread and in those that it starts later.
-sigset_t withheldEndSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  return signals;
+int fail(const char* complaint) {
+  linux_platform::complain("kivo-phone", complaint);
+  return 1;
 }
-
-// Waits for one of the blocked signals on its own thread, then stops the listener.
-class EndSignal {
- public:
-  EndSignal(sigset_t signals, WidgetReloadListener& listener)
-      : waiting_([this, signals, &listener] {
-          int signal = 0;
-          sigwait(&signals, &signal);
-          came_ = true;
-          listener.stop();
-        }) {}
-  ~EndSignal() {
-    pthread_kill(waiting_.native_handle(), SIGINT);
-    waiting_.join();
-  }
-  EndSignal(const EndSignal&) = delete;
-  EndSignal& operator=(const EndSignal&) = delete;
-
-  [[nodiscard]] bool came() const { return came_; }
-
- private:
-  std::atomic<bool> came_ = false;
-  std::thread waiting_;
-};
 
 }  // namespace
 
 int WidgetWatch::run(const std::function<bool()>& draw) {
-  const sigset_t signals = withheldEndSignals();
-  std::unique_ptr<WidgetReloadListener> listener;
-  try {
-    listener = std::make_unique<WidgetReloadListener>();
-  } catch (const std::runtime_error& error) {
-    linux_platform::complain("kivo-phone", error.what());
-    return 1;
-  }
-  const EndSignal end(signals, *listener);
+  const linux_platform::BusConnection bus = linux_platform::connectToSessionBus();
+  if (!bus) return fail("there is no session bus");
+  // Any message ends a wait of the loop, and the widget is drawn again.
+  linux_platform::subscribe(bus.get(),
+                            {.interface = widget_center::object.interface,
+                             .member = widget_center::reloadAllTimelines,
+                             .path = widget_center::object.path},
+                            [](const linux_platform::HeardSignal&) {});
+  BusLoop loop(bus.get());
+  const linux_platform::StopSignals signals([&loop] { loop.stop(); });
 
-  while (draw()) {
-    listener->waitForReload(pollInterval);
-    if (end.came()) return 0;
-    if (listener->lost()) {
-      linux_platform::complain("kivo-phone", "the session bus is gone");
-      return 1;
-    }
-  }
-  return 1;
+  bool drawn = true;
+  const BusLoop::End end = loop.run([&] {
+    drawn = draw();
+    if (!drawn) loop.stop();
+    return std::optional(pollInterval);
+  });
+  if (end == BusLoop::End::busGone) return fail("the session bus is gone");
+  return drawn ? 0 : 1;
 }
 
 }  // namespace kivo

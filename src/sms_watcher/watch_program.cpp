@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -10,6 +9,7 @@
 
 #include <unistd.h>
 
+#include "platform/linux/process/stop_signals.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "sms_watcher/intents_client.h"
 #include "sms_watcher/modem_messages.h"
@@ -141,24 +141,19 @@ bool WatchProgram::mayHandOn() {
   return signedIn;
 }
 
-std::atomic<WatchProgram*> running = nullptr;
-
-void stopRunning(int) {
-  WatchProgram* const program = running;
-  if (program == nullptr) _exit(0);  // nothing was started
-  program->stop();
-}
-
 }  // namespace
 
 int runSmsWatcher(const WatchLimits& limits) {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, stopRunning);
+  std::atomic<WatchProgram*> running = nullptr;
+  const linux_platform::StopSignals signals([&running] {
+    WatchProgram* const program = running;
+    if (program == nullptr) _exit(0);  // it still connects
+    program->stop();
+  });
   try {
     WatchProgram program(limits);
     running = &program;
-    const int status = program.run();
-    running = nullptr;
-    return status;
+    return program.run();
   } catch (const std::runtime_error& error) {
     tell(error.what());
     return 1;

@@ -21,7 +21,9 @@ ARROWS = {
     "notification_center": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
     "sms_watcher": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
     "phone": {"sms_watcher", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
-    "demo": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "ledger/recognition": set(),
+    "ledger": {"ledger/recognition", "store", "extraction", "feedback", "platform", "platform/linux"},
+    "demo": {"ledger/recognition", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
 }
 
 # Within a room, its folders -> its folders that they may include. None leads in a circle.
@@ -34,11 +36,11 @@ FOLDERS = {
         "widget_kit": {"foundation"},
     },
     "platform/linux": {
-        "bus": set(),
         "concurrency": set(),
+        "bus": {"concurrency"},
         "foundation": set(),
         "locale": set(),
-        "process": set(),
+        "process": {"concurrency"},
         "terminal": {"process"},
         "http": {"foundation", "process"},
         "store": {"foundation", "process", "terminal"},

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/process/child_process.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
@@ -45,6 +46,36 @@ class APhone : public testing::Test {
 
   testkit::PrivateFolders folders_;
 };
+
+TEST_F(APhone, SignsInToTheLedgerOnThisMachine) {
+  const std::string socket = (folders_.home() / "run" / "kivo" / "ledger.sock").string();
+  const std::string url = linux_platform::urlOfSocket(socket);
+  const ProgramResult result = run({"sign-in", "--local"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output,
+            "Signed in at the ledger on this machine\n"
+            "The backend cannot be reached now: The host did not take the connection (there is "
+            "no such socket). Messages wait until it can.\nsystemctl --user start "
+            "kivo-ledger.socket starts it, or kivo-ledger serve by hand.\n");
+  EXPECT_EQ(stored(StoreKeys::userId), "local");
+  EXPECT_EQ(stored(StoreKeys::supabaseUrl), url);
+  EXPECT_EQ(stored(StoreKeys::currency), std::nullopt);
+  EXPECT_EQ(run({"sign-in", "--local", "--user-id", "me", "--currency", "USD"}).status, 0);
+  EXPECT_EQ(stored(StoreKeys::userId), "me");
+  EXPECT_EQ(stored(StoreKeys::currency), "USD");
+}
+
+TEST_F(APhone, SignsInToOneBackendOnly) {
+  expectFailure({"sign-in", "--local", "--url", "https://127.0.0.1:1"}, 64,
+                "give either --local or --url");
+  expectFailure({"sign-in", "--user-id", "u"}, 64,
+                "--url is missing, or --local (see kivo-phone sign-in --help)");
+  const testkit::ScopedVariable unset("XDG_RUNTIME_DIR", std::nullopt);
+  expectFailure(
+      {"sign-in", "--local"}, 1,
+      "XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
+  EXPECT_EQ(stored(StoreKeys::userId), std::nullopt);
+}
 
 TEST_F(APhone, SignsInWithTheValuesAsGiven) {
   const ProgramResult result =

@@ -7,9 +7,9 @@
 #include "demo/notification_display.h"
 #include "demo/private_session_bus.h"
 #include "feedback/amount_formatter.h"
-#include "phone/widget_reload_listener.h"
 #include "platform/linux/user_notifications/notification_permission.h"
 #include "testkit/extension_program.h"
+#include "testkit/reload_listener.h"
 
 namespace kivo {
 namespace {
@@ -35,7 +35,7 @@ class ARunOnTheBus : public testkit::ExtensionProgram {
 
 TEST_F(ARunOnTheBus, ThatSavesAnExpenseShowsItAndReloadsTheWidget) {
   backend.answers(200, testkit::savedAnswer("expense"));
-  WidgetReloadListener widget;
+  testkit::ReloadListener widget;
   EXPECT_THAT(processSMS("Paid 150").output, testing::StartsWith("Tracked "));
   EXPECT_TRUE(widget.waitForReload(5s));
   const auto shown = display.waitForShown(1, 10s);
@@ -56,7 +56,7 @@ TEST_F(ARunOnTheBus, ThatReceivesAnIncomeShowsIt) {
 
 TEST_F(ARunOnTheBus, ThatSavesOfflineSaysSoAndDoesNotReloadTheWidget) {
   backend.goAway();
-  WidgetReloadListener widget;
+  testkit::ReloadListener widget;
   EXPECT_EQ(processSMS("Paid 150").status, 0);
   const auto shown = display.waitForShown(1, 10s);
   ASSERT_THAT(shown, SizeIs(1));
@@ -109,7 +109,7 @@ TEST_F(ARunOnTheBus, WhoseBusIsFrozenWaitsASecondAtMost) {
 
 TEST_F(ARunOnTheBus, WhoseBusThawsWithinTheSecondShowsItAndReloadsTheWidget) {
   backend.answers(200, testkit::savedAnswer("expense"));
-  WidgetReloadListener widget;
+  testkit::ReloadListener widget;
   bus.daemon().signal(SIGSTOP);
   std::thread thawing([this] {
     std::this_thread::sleep_for(300ms);

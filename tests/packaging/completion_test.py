@@ -63,7 +63,8 @@ class Completions(unittest.TestCase):
         self.assertEqual(phone["queue "], {"show", "send", "export", "drop"})
         self.assertEqual(phone["store set k v --"], {"--float"})
         self.assertEqual(phone["widget --"], {"--watch"})
-        self.assertEqual(phone["sign-in --"], {"--user-id", "--url", "--currency"})
+        self.assertEqual(phone["sign-in --"], {"--user-id", "--url", "--local", "--currency"})
+        self.assertEqual(self.expected["kivo-ledger"]["edit --kind "], {"expense", "income", "transfer"})
         intents = self.expected["kivo-intents"]
         self.assertEqual(intents[""], {"perform", "catalog", "say", "serve"})
         self.assertEqual(intents["perform "], {"ProcessSMSIntent", "AddExpenseIntent"})

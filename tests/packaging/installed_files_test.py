@@ -13,7 +13,7 @@ import unittest
 from installed_kivo import PREFIX, UNPACKED, InstalledKivo
 
 SOURCE = pathlib.Path(os.environ["KIVO_SOURCE"])
-PROGRAMS = {"kivo-intents", "kivo-notification-center", "kivo-phone", "kivo-sms-watcher"}
+PROGRAMS = {"kivo-intents", "kivo-ledger", "kivo-notification-center", "kivo-phone", "kivo-sms-watcher"}
 
 
 def judge(*command, **options):
@@ -142,6 +142,16 @@ class InstalledFiles(unittest.TestCase):
             self.skipTest("this build has no watcher")
         for name in ("kivo-sms-watcher.service", "kivo-sms-watcher.path"):
             self.assertTrue((self.units / "default.target.wants" / name).samefile(self.units / name))
+
+    def test_the_ledger_is_started_by_its_socket_and_reaches_no_network(self):
+        socket = self.units / "kivo-ledger.socket"
+        self.assertTrue((self.units / "sockets.target.wants" / socket.name).samefile(socket))
+        listens = unit_file(socket)["Socket"]
+        self.assertEqual(listens["ListenStream"], "%t/kivo/ledger.sock")
+        self.assertEqual((listens["SocketMode"], listens["DirectoryMode"]), ("0600", "0700"))
+        lines = (self.units / "kivo-ledger.service").read_text().splitlines()
+        families = [line for line in lines if line.startswith("RestrictAddressFamilies=")]
+        self.assertEqual(families[-2:], ["RestrictAddressFamilies=", "RestrictAddressFamilies=AF_UNIX"])
 
     def test_permissions_are_not_what_the_umask_said(self):
         found = sorted(PREFIX.rglob("*"))  # installed under 077

@@ -27,7 +27,8 @@ def write_state(state, folder):
 
 
 def values(file):
-    """The values of a store, with SQLite's own recovery; none when there is no store yet."""
+    """The values of a store, or the rows of another database, with SQLite's own recovery; none when there
+    is none yet."""
     if not pathlib.Path(file).exists():
         return {}
     connection = sqlite3.connect(file, isolation_level=None)
@@ -38,7 +39,11 @@ def values(file):
             raise Broken(f"integrity_check says {whole[:3]}")
         if connection.execute("SELECT count(*) FROM sqlite_schema").fetchone() == (0,):
             return {}
-        return dict(connection.execute("SELECT key, value FROM defaults"))
+        tables = [name for name, in connection.execute("SELECT name FROM sqlite_schema WHERE type = 'table'")]
+        if tables == ["defaults"]:
+            return dict(connection.execute("SELECT key, value FROM defaults"))
+        return {f"{table} {row[:2]}": repr(row) for table in tables
+                for row in connection.execute(f"SELECT * FROM {table}")}
     except sqlite3.Error as error:
         raise Broken(f"the store cannot be read: {error}") from error
     finally:

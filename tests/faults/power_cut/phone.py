@@ -4,8 +4,11 @@ import http.server
 import json
 import os
 import pathlib
+import signal
+import socket
 import subprocess
 import threading
+import time
 
 from judge import write_state
 from recording import Recording
@@ -13,6 +16,7 @@ from recording import Recording
 PROGRAMS = pathlib.Path(os.environ["KIVO_PROGRAMS"])
 GROUP = "data/group.app.kivo.expenses/defaults.sqlite3"
 CENTER = "data/app.kivo.NotificationCenter/defaults.sqlite3"
+LEDGER = "data/app.kivo.ledger/ledger.sqlite3"
 SENDERS = "config/kivo/sms-watcher.toml"
 SAVED = {"saved": True, "transaction_type": "expense",
          "expense": {"id": "1", "description": "Cafe", "amount": 150.0, "category": "Food",
@@ -134,6 +138,37 @@ class Phone:
         finally:
             bus.terminate()  # the center ends with it
             bus.communicate(timeout=20)
+            process.communicate(timeout=20)
+            self.recording.finish(log)
+
+
+    @contextlib.contextmanager
+    def ledger(self):
+        """Runs the recorded ledger; yields a call that sends it a message and returns the response."""
+        path = self.home / "ledger.sock"
+        process, log = self.recording.start([PROGRAMS / "kivo-ledger", "serve", "--socket", path],
+                                            env=self.environment)
+
+        def send(text, key):
+            body = json.dumps({"sms_text": text, "user_id": "u", "expense_date": "2026-01-31",
+                               "idempotency_key": key}).encode()
+            with socket.socket(socket.AF_UNIX) as connection:
+                connection.connect(str(path))
+                connection.sendall(b"POST /functions/v1/sms-extraction HTTP/1.1\r\nHost: localhost\r\n"
+                                   b"Content-Length: %d\r\n\r\n%s" % (len(body), body))
+                answer = connection.makefile("rb").read()
+            assert answer.startswith(b"HTTP/1.1 200 "), answer
+            return json.loads(answer.partition(b"\r\n\r\n")[2])
+        try:
+            for _ in range(500):
+                with contextlib.suppress(OSError), socket.socket(socket.AF_UNIX) as connection:
+                    connection.connect(str(path))
+                    break
+                time.sleep(0.02)
+            yield send
+        finally:
+            children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text()
+            os.kill(int(children), signal.SIGTERM)
             process.communicate(timeout=20)
             self.recording.finish(log)
 

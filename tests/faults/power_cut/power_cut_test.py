@@ -15,7 +15,7 @@ import unittest
 
 from disk import Disk
 from judge import Broken, Judge
-from phone import CENTER, GROUP, SENDERS, Phone, backend
+from phone import CENTER, GROUP, LEDGER, PROGRAMS, SENDERS, Phone, backend
 
 LONG = os.environ.get("KIVO_LONG") == "1"
 STATES = 5600 if LONG else 60  # of each recording
@@ -210,6 +210,36 @@ class APowerCut(unittest.TestCase):
                 content = f"{{'title': <'SECRET{number}'>, 'body': <'{'x' * 300}'>, 'sound': <'default'>}}"
                 call("Add", f"n{number}", content, "1000", "false")
         self.expect_kept(recording, store=CENTER)
+
+    def ledger_session(self):
+        """Enough messages for a checkpoint of the WAL, and a person's hand."""
+        self.phone.sign_in()  # the shared store, which tells the currency
+        recording = self.phone.record()
+        with self.phone.ledger() as send:
+            for number in range(20):
+                text = f"Your card was charged EGP {number + 10}.00 at Cafe. SECRET{os.getpid()}{number:06}"
+                self.assertTrue(send(text, f"KEY-{number}")["saved"])
+                self.assertTrue(send(text, f"KEY-{number}")["saved"])
+        return recording
+
+    def test_loses_no_transaction_that_the_ledger_has_acknowledged(self):
+        self.expect_kept(self.recorded("ledger_session"), store=LEDGER)
+
+    def test_brings_back_no_text_that_the_ledger_has_forgotten(self):
+        self.ledger_session()
+        recording = self.phone.record()
+        ledger = [PROGRAMS / "kivo-ledger"]
+        recording.run(ledger + ["delete", "--yes", "3"], env=self.phone.environment)
+        recording.run(ledger + ["forget-texts"], env=self.phone.environment)
+        recording.run(ledger + ["edit", "5", "--category", "Food"], env=self.phone.environment)
+        self.expect_kept(recording, store=LEDGER)
+        # The test can see that: without the last syncs, a text comes back and no note says so.
+        self.assertTrue(self.violations(recording, count=400, store=LEDGER,
+                                        ignores_sync=lambda path: path.endswith("-wal")))
+
+    def test_is_seen_to_lose_what_the_ledger_booked_on_a_disk_that_ignores_syncs_of_the_wal(self):
+        self.assertTrue(self.violations(self.recorded("ledger_session"), count=400, store=LEDGER,
+                                        ignores_sync=lambda path: path.endswith("-wal")))
 
     def test_leaves_the_senders_of_the_watcher_as_they_were_or_as_they_are(self):
         recording = self.phone.record()

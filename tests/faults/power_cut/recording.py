@@ -2,7 +2,8 @@
 
 An event is a tuple: ("mkdir", path), ("create", path), ("unlink", path), ("rename", path, new path),
 ("write", path, offset, bytes), ("truncate", path, size), ("sync", path, index of the first event that
-it need not cover) or ("said", words, index of the first event of that run). Paths are relative to the folder. The WAL index (-shm) is left
+it need not cover) or ("said", words, index of the first event of that run), for what goes to standard
+output or into a socket. Paths are relative to the folder. The WAL index (-shm) is left
 out, since a power cut takes it.
 """
 import os
@@ -13,7 +14,7 @@ import tempfile
 
 CALLS = ("openat,open,creat,mkdir,mkdirat,mknod,mknodat,write,pwrite64,writev,pwritev,ftruncate,"
          "truncate,fallocate,fsync,fdatasync,sync_file_range,rename,renameat,renameat2,unlink,"
-         "unlinkat,rmdir,link,linkat")
+         "unlinkat,rmdir,link,linkat,sendmsg")
 UNHANDLED = {"writev", "pwritev", "truncate", "fallocate", "sync_file_range", "link", "linkat", "rmdir"}
 LINE = re.compile(r"^(\d+) +(.*)$")
 CALL = re.compile(r"^(\w+)\((.*)\) += (-?\d+|\?)")
@@ -89,6 +90,10 @@ class Recording:
         opened = OPENED.match(words)
         base = _path(opened.group(1)) if opened else None
         texts = [_bytes(text) for text in TEXT.findall(words)]
+        if call == "sendmsg":
+            if any(text.startswith(b"HTTP/1.1 200 ") for text in texts):
+                self.events.append(("said", "an answer", began))
+            return
         if call in ("write", "pwrite64", "ftruncate", "fsync", "fdatasync"):
             if call == "write" and words.startswith("1<"):
                 self.events.append(("said", texts[0].decode(), began))

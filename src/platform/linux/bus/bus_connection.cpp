@@ -1,6 +1,7 @@
 #include "platform/linux/bus/bus_connection.h"
 
 #include <cstdlib>
+#include <new>
 #include <stdexcept>
 
 #include <dbus/dbus.h>
@@ -14,6 +15,13 @@ void CloseBus::operator()(DBusConnection* bus) const {
   dbus_connection_unref(bus);
 }
 
+std::string busAddressOf(const std::string& path) {
+  const std::unique_ptr<char, decltype(&dbus_free)> escaped(dbus_address_escape_value(path.c_str()),
+                                                            dbus_free);
+  if (!escaped) throw std::bad_alloc();
+  return std::string("unix:path=") + escaped.get();
+}
+
 // libdbus itself would start a bus where it finds none.
 std::optional<std::string> sessionBusAddress() {
   if (const char* const given = std::getenv("DBUS_SESSION_BUS_ADDRESS")) {
@@ -22,10 +30,7 @@ std::optional<std::string> sessionBusAddress() {
   }
   const char* const folder = std::getenv("XDG_RUNTIME_DIR");
   if (folder == nullptr) return std::nullopt;
-  const std::unique_ptr<char, decltype(&dbus_free)> escaped(dbus_address_escape_value(folder),
-                                                            dbus_free);
-  if (!escaped) return std::nullopt;
-  return std::string("unix:path=") + escaped.get() + "/bus";
+  return busAddressOf(std::string(folder) + "/bus");
 }
 
 BusConnection connectToBus(const std::string& address) {

@@ -20,6 +20,9 @@ struct CloseBus {
 /// Sends the messages that are still unsent when it ends. Not thread-safe.
 using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
 
+/// The address of a bus that listens on the socket at `path`. Throws std::bad_alloc.
+std::string busAddressOf(const std::string& path);
+
 /// The address of the session bus; none when there is no session bus. A run never starts one.
 std::optional<std::string> sessionBusAddress();
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <condition_variable>
-#include <csignal>
 #include <deque>
 #include <exception>
 #include <future>
@@ -15,6 +14,7 @@
 
 #include "platform/linux/bus/bus_call.h"
 #include "platform/linux/bus/bus_loop.h"
+#include "platform/linux/concurrency/background_thread.h"
 
 namespace kivo::linux_platform {
 
@@ -74,10 +74,7 @@ void perform(const std::deque<BusThread::Step>& steps, DBusConnection* connectio
 
 BusThread::BusThread(Settings settings) : state_(std::make_shared<State>(std::move(settings))) {
   try {
-    state_->thread = std::thread([state = state_] {
-      sigset_t all;
-      sigfillset(&all);
-      pthread_sigmask(SIG_BLOCK, &all, nullptr);  // termination is handled elsewhere
+    state_->thread = startBackgroundThread([state = state_] {
       if (state->settings.beforehand) state->settings.beforehand();
       serve(*state);
     });

@@ -37,4 +37,10 @@ std::optional<std::filesystem::path> stateHome() {
   return folderFromOrInHome("XDG_STATE_HOME", ".local/state");
 }
 
+std::optional<std::filesystem::path> localBackendSocket() {
+  auto folder = folderFrom("XDG_RUNTIME_DIR");
+  if (folder) *folder /= "kivo/ledger.sock";
+  return folder;
+}
+
 }  // namespace kivo::linux_platform

@@ -15,6 +15,7 @@
 #include <boost/asio/detached.hpp>
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/local/stream_protocol.hpp>
 #include <boost/asio/posix/stream_descriptor.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/redirect_error.hpp>
@@ -35,6 +36,7 @@
 #include "platform/linux/http/host_lookup.h"
 #include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/http/server_trust.h"
+#include "platform/linux/http/socket_owner.h"
 
 namespace kivo::linux_platform {
 namespace asio = boost::asio;
@@ -83,7 +85,8 @@ class Exchange {
         endpoint_(std::move(endpoint)),
         trust_(trust),
         lookup_(executor),
-        connection_(executor) {}
+        connection_(executor),
+        local_(executor) {}
 
   /// Runs to the end of the exchange, whatever it is; never throws. `self` keeps the object.
   static Task<void> run(std::shared_ptr<Exchange> self) {
@@ -106,6 +109,7 @@ class Exchange {
     error_code ignored;
     lookup_.close(ignored);
     connection_.close();
+    local_.close();
   }
 
   /// When the exchange must be over; its wait is cancelled when the exchange has ended.
@@ -117,6 +121,10 @@ class Exchange {
 
  private:
   Task<void> steps() {
+    if (!endpoint_.socketPath.empty()) {
+      co_await connectToSocket();
+      co_return co_await transfer(local_);
+    }
     startLookup();
     // Takes as long as a quick lookup, and other threads do that meanwhile.
     if (endpoint_.secure) secured_.emplace(connection_, trust_.context());
@@ -163,7 +171,6 @@ class Exchange {
     stage_ = Code::cannotFindHost;
     const auto found = co_await addresses();
     if (!found.empty()) stage_ = Code::cannotConnectToHost;
-
     for (std::size_t tried = 0; tried < found.size() && !abandoned_; ++tried) {
       if (const auto left = found.size() - tried; left > 1) {
         connection_.expires_after((limit.expiry() - std::chrono::steady_clock::now()) / left);
@@ -181,6 +188,15 @@ class Exchange {
     throw URLError(stage_);
   }
 
+  /// Nothing is sent to another user's socket.
+  Task<void> connectToSocket() {
+    stage_ = Code::cannotConnectToHost;
+    requireOwnSocketFile(endpoint_.socketPath);
+    const asio::local::stream_protocol::endpoint peer(endpoint_.socketPath);
+    co_await local_.async_connect(peer, asio::use_awaitable);
+    requireOwnPeer(local_.socket().native_handle());
+  }
+
   URLError failureFrom(const error_code& error) {
     if (stage_ == Code::networkConnectionLost) return URLError(answerFailure(error));
     const long verified = stage_ == Code::secureConnectionFailed
@@ -190,25 +206,10 @@ class Exchange {
     return URLError(stage_, X509_verify_cert_error_string(verified));
   }
 
-  // The macro SSL_set_tlsext_host_name without its cast.
-  bool setServerName(SSL* tls) {
-    return SSL_ctrl(tls, SSL_CTRL_SET_TLSEXT_HOSTNAME, TLSEXT_NAMETYPE_host_name,
-                    request_.url.host.data()) == 1;
-  }
-
   /// Makes the connection a trusted one. Nothing of the request is sent before.
   Task<void> handshake() {
     stage_ = Code::secureConnectionFailed;
-    SSL* const tls = secured_->native_handle();
-    const char* const host = request_.url.host.c_str();
-    error_code isName;
-    asio::ip::make_address(host, isName);
-    // Only names that the certificate spells out, with a star for a whole label at most.
-    SSL_set_hostflags(tls,
-                      X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS | X509_CHECK_FLAG_NEVER_CHECK_SUBJECT);
-    const bool set = isName ? setServerName(tls) && SSL_set1_host(tls, host) == 1
-                            : X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(tls), host) == 1;
-    if (!set) throw URLError(stage_);
+    if (!expectServer(secured_->native_handle(), request_.url.host)) throw URLError(stage_);
     co_await secured_->async_handshake(asio::ssl::stream_base::client, asio::use_awaitable);
   }
 
@@ -231,7 +232,6 @@ class Exchange {
     stage_ = Code::networkConnectionLost;
     const auto sent = message();
     co_await http::async_write(stream, sent, asio::use_awaitable);
-
     beast::flat_buffer buffer(readBuffer);
     std::optional<http::response_parser<http::string_body>> parser;
     for (int answers = 0; !parser || parser->get().result_int() / 100 == 1; ++answers) {
@@ -256,6 +256,7 @@ class Exchange {
   std::optional<asio::ip::address> numeric_;
   asio::posix::stream_descriptor lookup_;
   beast::tcp_stream connection_;
+  beast::basic_stream<asio::local::stream_protocol> local_;
   std::optional<asio::ssl::stream<beast::tcp_stream&>> secured_;
   /// The error code for a failure of the current step.
   Code stage_ = Code::cannotFindHost;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include <boost/asio/ip/address.hpp>
 #include <boost/asio/ssl/context.hpp>
 
 #include "platform/foundation/errors.h"
@@ -35,6 +36,12 @@ asio::ssl::context makeContext() {
   return fresh;
 }
 
+// What SSL_set_tlsext_host_name stands for, without its cast.
+bool setServerName(SSL* tls, const std::string& host) {
+  std::string name = host;  // OpenSSL takes a pointer to bytes that it may change, and copies them
+  return SSL_ctrl(tls, SSL_CTRL_SET_TLSEXT_HOSTNAME, TLSEXT_NAMETYPE_host_name, name.data()) == 1;
+}
+
 }  // namespace
 
 struct ServerTrust::Made {
@@ -53,6 +60,15 @@ asio::ssl::context& ServerTrust::context() {
     throw URLError(URLError::Code::secureConnectionFailed);
   }
   return *made_->context;
+}
+
+bool expectServer(SSL* tls, const std::string& host) {
+  boost::system::error_code isName;
+  asio::ip::make_address(host, isName);
+  SSL_set_hostflags(tls,
+                    X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS | X509_CHECK_FLAG_NEVER_CHECK_SUBJECT);
+  if (isName) return setServerName(tls, host) && SSL_set1_host(tls, host.c_str()) == 1;
+  return X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(tls), host.c_str()) == 1;
 }
 
 }  // namespace kivo::linux_platform

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
+
+struct ssl_st;
 
 namespace boost::asio::ssl {
 class context;
@@ -28,5 +31,10 @@ class ServerTrust {
   struct Made;
   std::unique_ptr<Made> made_;
 };
+
+/// Has `tls` accept only a certificate for `host`, a name or an address, and ask for it by that
+/// name. Of names only those that the certificate spells out count, with a star for a whole label
+/// at most. False when that cannot be done.
+bool expectServer(ssl_st* tls, const std::string& host);
 
 }  // namespace kivo::linux_platform

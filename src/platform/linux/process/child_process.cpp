@@ -15,6 +15,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/linux/concurrency/background_thread.h"
+
 namespace kivo::linux_platform {
 namespace {
 
@@ -164,12 +166,8 @@ ChildProcess::ChildProcess(ProgramCall call) : streams_(std::make_unique<Streams
   streams_->input.closeEnd(0);
   streams_->output.closeEnd(1);
   streams_->errors.closeEnd(1);
-  streams_->server = std::thread([streams = streams_.get(), id = id_] {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr);  // SIGPIPE included: a write then answers EPIPE
-    streams->serve(id);
-  });
+  streams_->server =
+      startBackgroundThread([streams = streams_.get(), id = id_] { streams->serve(id); });
 }
 
 ChildProcess::~ChildProcess() {

@@ -8,6 +8,8 @@ int execute(sqlite3* database, const char* sql) {
   return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
 }
 
+const char* errorText(int code) { return sqlite3_errstr(code); }
+
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
 Statement::Statement(sqlite3* database, const char* sql) {
@@ -36,6 +38,10 @@ Statement& Statement::bind(double number) {
   return noteBinding(sqlite3_bind_double(statement_.get(), ++bound_, number));
 }
 
+Statement& Statement::bindIfPresent(std::optional<std::int64_t> number) {
+  return number ? bind(*number) : noteBinding(sqlite3_bind_null(statement_.get(), ++bound_));
+}
+
 bool Statement::step() {
   if (code_ != SQLITE_OK) return false;
   const int code = sqlite3_step(statement_.get());
@@ -52,6 +58,8 @@ void Statement::reset() {
 }
 
 int Statement::type(int column) const { return sqlite3_column_type(statement_.get(), column); }
+
+bool Statement::isNull(int column) const { return type(column) == SQLITE_NULL; }
 
 std::int64_t Statement::integer(int column) const {
   return sqlite3_column_int64(statement_.get(), column);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@ namespace kivo::linux_platform {
 
 /// Runs the statements of `sql` and drops their rows; returns SQLite's code.
 int execute(sqlite3* database, const char* sql);
+
+/// SQLite's words for its result `code`.
+const char* errorText(int code);
 
 /// A compiled statement. The first failure of SQLite's, compiling included, is kept: after it,
 /// calls do nothing until `reset`.
@@ -31,6 +35,8 @@ class Statement {
   Statement& bind(std::string_view text);
   Statement& bind(std::int64_t number);
   Statement& bind(double number);
+  /// Fills it with NULL when `number` is absent.
+  Statement& bindIfPresent(std::optional<std::int64_t> number);
 
   /// Goes to the next row; false at the end and after a failure.
   bool step();
@@ -42,6 +48,7 @@ class Statement {
   /// Columns of the current row, from 0. SQLite converts other types; a NULL is 0 or empty. `type`
   /// is one of SQLite's, such as SQLITE_TEXT.
   [[nodiscard]] int type(int column) const;
+  [[nodiscard]] bool isNull(int column) const;
   [[nodiscard]] std::int64_t integer(int column) const;
   [[nodiscard]] double real(int column) const;
   /// Byte for byte as stored, which need not be UTF-8.

@@ -112,8 +112,8 @@ struct UserDefaults::Suite {
   }
 
   static void report(const char* what, int code) {
-    const std::string line =
-        std::string("the shared store could not be ") + what + ": " + sqlite3_errstr(code) + "\n";
+    const std::string line = std::string("the shared store could not be ") + what + ": " +
+                             linux_platform::errorText(code) + "\n";
     std::fputs(line.c_str(), stderr);
   }
 

@@ -1,0 +1,85 @@
+// The cost of the ledger's book when it holds 100,000 transactions.
+#include "ledger/book.h"
+
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+#include "ledger/entry_listing.h"
+#include "ledger/extraction_endpoint.h"
+#include "platform/foundation/json_encoder.h"
+#include "testkit/private_folders.h"
+#include "testkit/raw_store.h"
+
+namespace kivo::bench {
+namespace {
+
+using benchmark::State;
+using ledger::Book;
+
+// A book of `count` transactions, 55 a day up to 2026-11-21, of 200 payees.
+void fill(const testkit::PrivateFolders& folders, std::int64_t count) {
+  Book::open();
+  const std::string last = std::to_string(count - 1);
+  testkit::RawStore(folders.dataHome() / "app.kivo.ledger" / "ledger.sqlite3")
+      .run(
+          "BEGIN; CREATE TEMP TABLE numbers AS WITH RECURSIVE counting (n) AS (SELECT 0 UNION ALL "
+          "SELECT n + 1 FROM counting WHERE n < " +
+          last +
+          ") SELECT n FROM counting;"
+          R"(
+    INSERT INTO transactions SELECT NULL, 'user', 'KEY-' || n, date('2026-11-21', (-n / 55) || ' days'),
+      'expense', 1000 + n * 7919 % 90000, 'EGP', 'Payee ' || (n % 200), 'Groceries', 'Payee ' || (n % 200),
+      '4821', CASE n % 3 WHEN 0 THEN 'REF' || n ELSE '' END, 'booked', NULL,
+      'Your card ending 4821 was charged EGP 150.00 at Payee ' || (n % 200) || ' on 21-11-2026.'
+      FROM numbers;
+    INSERT INTO answers SELECT user, key, '{"saved":true,"transaction_type":"expense","expense":' ||
+      '{"id":"' || id || '","description":"Payee","amount":150.0,"category":"Groceries",' ||
+      '"expense_date":"2026-11-21"}}' FROM transactions;
+    COMMIT)");
+}
+
+std::string body(const std::string& key) {
+  platform::JSONEncoder object;
+  object.encodeString(
+      "sms_text",
+      "Your card ending 4821 was charged EGP 150.00 at Carrefour City on 21-11-2026. "
+      "Ref " +
+          key);
+  object.encodeString("user_id", "user");
+  object.encodeString("expense_date", "2026-11-21");
+  object.encodeString("idempotency_key", key);
+  return object.text();
+}
+
+void ledgerAnswer(State& state) {
+  const testkit::PrivateFolders folders;
+  fill(folders, state.range(0));
+  ledger::ExtractionEndpoint endpoint([] { return "EGP"; }, [](const ledger::LedgerEntry&) {});
+  int number = 0;
+  for (auto _ : state) {
+    const auto answer = endpoint.answer({.method = "POST",
+                                         .target = "/functions/v1/sms-extraction",
+                                         .body = body("NEW-" + std::to_string(++number))});
+    if (!answer.body.starts_with(R"({"saved":true)")) state.SkipWithError("nothing was booked");
+  }
+}
+BENCHMARK(ledgerAnswer)->Arg(1)->Arg(100'000)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+// As `kivo-ledger list --month` does, but for its process.
+void ledgerListMonth(State& state) {
+  const testkit::PrivateFolders folders;
+  fill(folders, state.range(0));
+  std::size_t lines = 0;
+  for (auto _ : state) {
+    const auto book = Book::open();
+    const auto entries = book->entries({.from = "2026-10-01", .to = "2026-10-31"});
+    benchmark::DoNotOptimize(ledger::EntryListing::table(entries, 100));
+    lines = entries.size();
+  }
+  state.counters["lines"] = static_cast<double>(lines);
+}
+BENCHMARK(ledgerListMonth)->Arg(100'000)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace kivo::bench

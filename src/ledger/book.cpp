@@ -1,0 +1,193 @@
+#include "ledger/book.h"
+
+#include <utility>
+
+#include "ledger/book_file.h"
+#include "platform/linux/store/replaced_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+using linux_platform::Statement;
+using linux_platform::Transaction;
+
+constexpr const char* columns =
+    "id, key, date, kind, minor_units, currency, description, category, payee, account, "
+    "reference, state, possible_duplicate_of, text";
+
+LedgerEntry entryOf(const Statement& row) {
+  LedgerEntry entry;
+  entry.id = row.integer(0);
+  entry.key = row.text(1);
+  entry.date = row.text(2);
+  entry.kind = kindFromText(row.text(3)).value_or(Kind::expense);
+  if (!row.isNull(4)) entry.amount = Money{row.integer(4), row.text(5)};
+  entry.description = row.text(6);
+  entry.category = row.text(7);
+  entry.payee = row.text(8);
+  entry.account = row.text(9);
+  entry.reference = row.text(10);
+  const bool booked = row.text(11) == stateText(LedgerEntry::State::booked);
+  entry.state = booked ? LedgerEntry::State::booked : LedgerEntry::State::review;
+  if (!row.isNull(12)) entry.possibleDuplicateOf = row.integer(12);
+  if (!row.isNull(13)) entry.text = row.text(13);
+  return entry;
+}
+
+// The pattern of LIKE for texts that hold `part`.
+std::string patternFor(const std::string& part) {
+  std::string pattern = "%";
+  for (const char c : part) {
+    if (c == '%' || c == '_' || c == '\\') pattern += '\\';
+    pattern += c;
+  }
+  return pattern + "%";
+}
+
+}  // namespace
+
+Book::Book(linux_platform::Database database, MessageReader reader)
+    : database_(std::move(database)), reader_(std::move(reader)) {}
+
+std::optional<Book> Book::open(MessageReader reader) {
+  linux_platform::Database database = openBookFile();
+  if (database == nullptr) return std::nullopt;
+  return Book(std::move(database), std::move(reader));
+}
+
+std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
+  const std::string pattern = patternFor(filter.search);
+  std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE state = ?";
+  if (!filter.from.empty()) sql += " AND date >= ?";
+  if (!filter.to.empty()) sql += " AND date <= ?";
+  if (!filter.category.empty()) sql += " AND category = ? COLLATE NOCASE";
+  if (!filter.search.empty()) {
+    sql += R"( AND description || char(10) || category || char(10) || account || char(10) ||
+             reference LIKE ? ESCAPE '\')";
+  }
+  sql += " ORDER BY date DESC, id DESC";
+  Statement query(database_.get(), sql.c_str());
+  query.bind(stateText(filter.state));
+  for (const std::string& bound :
+       {std::cref(filter.from), std::cref(filter.to), std::cref(filter.category)}) {
+    if (!bound.empty()) query.bind(bound);
+  }
+  if (!filter.search.empty()) query.bind(pattern);
+  std::vector<LedgerEntry> found;
+  while (next(query)) found.push_back(entryOf(query));
+  return found;
+}
+
+std::optional<LedgerEntry> Book::entry(std::int64_t id) const {
+  const std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE id = ?";
+  Statement query(database_.get(), sql.c_str());
+  if (!next(query.bind(id))) return std::nullopt;
+  return entryOf(query);
+}
+
+bool Book::edit(std::int64_t id, const EntryChange& change) {
+  Transaction transaction(database_.get());
+  require(transaction.code());
+  auto edited = entry(id);
+  if (!edited) return false;
+  if (change.date) edited->date = *change.date;
+  if (change.kind) edited->kind = *change.kind;
+  if (change.amount) edited->amount = change.amount;
+  if (change.description) edited->description = *change.description;
+  if (change.category) edited->category = *change.category;
+  Statement update(database_.get(), R"(
+    UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
+      category = ? WHERE id = ?)");
+  update.bind(edited->date).bind(kindText(edited->kind));
+  update.bindIfPresent(edited->amount ? std::optional(edited->amount->minorUnits) : std::nullopt);
+  update.bind(edited->amount ? std::string_view(edited->amount->currency) : "");
+  update.bind(edited->description).bind(edited->category).bind(id);
+  run(update);
+  holdCorrection(*edited, change);
+  require(transaction.commit());
+  return true;
+}
+
+void Book::holdCorrection(const LedgerEntry& entry, const EntryChange& change) const {
+  if (entry.payee.empty() || !(change.description || change.category)) return;
+  Statement upsert(database_.get(), R"(
+    INSERT INTO corrections (payee, description, category) VALUES (?, nullif(?, ''), nullif(?, ''))
+    ON CONFLICT (payee) DO UPDATE SET description = coalesce(excluded.description, description),
+      category = coalesce(excluded.category, category))");
+  upsert.bind(entry.payee);
+  upsert.bind(change.description ? std::string_view(*change.description) : "");
+  upsert.bind(change.category ? std::string_view(*change.category) : "");
+  run(upsert);
+}
+
+bool Book::accept(std::int64_t id) {
+  Transaction transaction(database_.get());
+  require(transaction.code());
+  Statement update(database_.get(),
+                   "UPDATE transactions SET state = 'booked' WHERE id = ? "
+                   "AND minor_units IS NOT NULL RETURNING id");
+  if (!next(update.bind(id))) return false;
+  run(update);
+  require(transaction.commit());
+  return true;
+}
+
+bool Book::remove(std::int64_t id) {
+  {
+    Transaction transaction(database_.get());
+    require(transaction.code());
+    Statement removal(database_.get(), "DELETE FROM transactions WHERE id = ? RETURNING id");
+    if (!next(removal.bind(id))) return false;
+    run(removal);
+    forgetLikeness(id);
+    linux_platform::oweErasure(database_.get());
+    require(transaction.commit());
+  }
+  linux_platform::eraseReplacedText(database_.get());
+  return true;
+}
+
+void Book::forgetLikeness(std::int64_t id) const {
+  Statement update(database_.get(), R"(
+    UPDATE transactions SET possible_duplicate_of =
+      nullif((SELECT min(id) FROM transactions WHERE possible_duplicate_of = ?), id)
+    WHERE possible_duplicate_of = ?)");
+  run(update.bind(id).bind(id));
+}
+
+std::int64_t Book::forgetTexts() {
+  std::int64_t count = 0;
+  {
+    Transaction transaction(database_.get());
+    require(transaction.code());
+    Statement counting(database_.get(), "SELECT count(text) FROM transactions");
+    if (next(counting)) count = counting.integer(0);
+    linux_platform::oweErasure(database_.get());
+    Statement update(database_.get(), "UPDATE transactions SET text = NULL WHERE text IS NOT NULL");
+    run(update);
+    require(transaction.commit());
+  }
+  linux_platform::eraseReplacedText(database_.get());
+  return count;
+}
+
+void Book::setRate(const std::string& currency, const std::string& rate) {
+  Statement upsert(database_.get(), "INSERT OR REPLACE INTO rates VALUES (?, ?)");
+  run(upsert.bind(currency).bind(rate));
+}
+
+bool Book::removeRate(const std::string& currency) {
+  Statement removal(database_.get(), "DELETE FROM rates WHERE currency = ? RETURNING currency");
+  if (!next(removal.bind(currency))) return false;
+  run(removal);
+  return true;
+}
+
+std::vector<std::pair<std::string, std::string>> Book::rates() const {
+  Statement query(database_.get(), "SELECT currency, rate FROM rates ORDER BY currency");
+  std::vector<std::pair<std::string, std::string>> found;
+  while (next(query)) found.emplace_back(query.text(0), query.text(1));
+  return found;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,61 @@
+#include "ledger/book_file.h"
+
+#include <array>
+#include <string>
+
+namespace kivo::ledger {
+namespace {
+
+// The name "KvLg" in ASCII.
+constexpr std::int64_t applicationId = 0x4B764C67;
+
+// The statements by which each version of the tables is made. A version that was released is never
+// changed.
+//
+// `answers` outlives the transactions: a key is answered alike for ever. A partial index serves a
+// query only when its condition is in the query.
+constexpr std::array versions = {R"(
+CREATE TABLE answers (
+  user TEXT NOT NULL, key TEXT NOT NULL, answer TEXT NOT NULL, PRIMARY KEY (user, key)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE transactions (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  user TEXT NOT NULL, key TEXT NOT NULL, date TEXT NOT NULL, kind TEXT NOT NULL,
+  minor_units INTEGER, currency TEXT NOT NULL,
+  description TEXT NOT NULL, category TEXT NOT NULL, payee TEXT NOT NULL,
+  account TEXT NOT NULL, reference TEXT NOT NULL, state TEXT NOT NULL,
+  possible_duplicate_of INTEGER, text TEXT,
+  UNIQUE (user, key)
+) STRICT;
+CREATE INDEX transactions_by_day ON transactions (state, date, id);
+CREATE INDEX transactions_by_sum ON transactions (date, minor_units);
+CREATE INDEX transactions_by_reference ON transactions (reference) WHERE reference <> '';
+CREATE TABLE corrections (
+  payee TEXT PRIMARY KEY NOT NULL COLLATE NOCASE, description TEXT, category TEXT
+) STRICT;
+CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT)"};
+
+}  // namespace
+
+BookFailure::BookFailure(int code) : std::runtime_error(linux_platform::errorText(code)) {}
+
+void require(int code) {
+  if (code != 0) throw BookFailure(code);
+}
+
+void run(linux_platform::Statement& statement) {
+  if (!statement.run()) throw BookFailure(statement.code());
+}
+
+bool next(linux_platform::Statement& statement) {
+  if (statement.step()) return true;
+  require(statement.code());
+  return false;
+}
+
+linux_platform::Database openBookFile() {
+  return linux_platform::openDatabase(
+      {"app.kivo.ledger", "ledger.sqlite3", applicationId, versions});
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,197 @@
+#include "ledger/editing_commands.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <string>
+
+#include <unistd.h>
+
+#include "ledger/calendar_day.h"
+#include "ledger/entry_listing.h"
+#include "ledger/ledger_terminal.h"
+#include "platform/foundation/number_text.h"
+#include "platform/foundation/utf8.h"
+#include "platform/linux/terminal/terminal_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+using linux_platform::exitBadUsage;
+using linux_platform::GivenParameters;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+// Returns what was given for `name`, if anything.
+std::optional<std::string> given(const GivenParameters& parameters, const char* name) {
+  const auto found = parameters.find(name);
+  if (found == parameters.end()) return std::nullopt;
+  return platform::repairedUtf8(found->second);
+}
+
+int failFor(const char* name, const std::string& value, const std::string& form) {
+  return fail(std::string("invalid ") + name + " \"" + linux_platform::escapedControls(value) +
+                  "\": it is " + form,
+              exitBadUsage);
+}
+
+std::string upperCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+  });
+  return text;
+}
+
+// Reads --amount and --currency, each of which keeps the other as it is. Returns an exit status, 0
+// when they fit.
+int readAmount(const GivenParameters& parameters, const LedgerEntry& entry, EntryChange& change) {
+  const auto amount = given(parameters, "--amount");
+  const auto code = given(parameters, "--currency");
+  if (!amount && !code) return 0;
+  if (!amount && !entry.amount) return fail("give the --amount as well", exitBadUsage);
+  std::string currency = code ? upperCase(*code) : "";
+  if (code && !isCurrency(currency)) return failFor("--currency", *code, "a code such as EGP");
+  if (!code) {
+    const auto kept = entry.amount ? entry.amount->currency : bookCurrency();
+    if (!kept) return exitFailure;
+    currency = *kept;
+  }
+  const std::string text = amount ? *amount : amountText(*entry.amount);
+  change.amount = moneyFromText(text, currency);
+  if (change.amount && change.amount->minorUnits > 0) return 0;
+  return failFor(
+      "--amount", text,
+      "a sum above zero with " + std::to_string(minorDigits(currency)) + " decimals at most");
+}
+
+// Returns an exit status, 0 when all that was given fits.
+int readChange(const GivenParameters& parameters, const LedgerEntry& entry, EntryChange& change) {
+  change.date = given(parameters, "--date");
+  if (change.date && !isDay(*change.date)) {
+    return failFor("--date", *change.date, "a day such as 2026-11-21");
+  }
+  if (const auto kind = given(parameters, "--kind")) {
+    change.kind = kindFromText(*kind);
+    if (!change.kind) return failFor("--kind", *kind, "expense, income or transfer");
+  }
+  change.description = given(parameters, "--description");
+  change.category = given(parameters, "--category");
+  if (change.description == "") return fail("--description is empty", exitBadUsage);
+  if (change.category == "") return fail("--category is empty", exitBadUsage);
+  return readAmount(parameters, entry, change);
+}
+
+int showChanged(const Book& book, std::int64_t id) {
+  const auto entry = book.entry(id);
+  return entry ? print(EntryListing::details(*entry)) : fail("it was deleted meanwhile");
+}
+
+int edit(const GivenParameters& parameters) {
+  if (parameters.size() == 1) {
+    return fail("edit needs one of --date, --amount, --currency, --kind, --description, --category",
+                exitBadUsage);
+  }
+  return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+    EntryChange change;
+    if (const int failed = readChange(parameters, entry, change); failed != 0) return failed;
+    book.edit(entry.id, change);
+    return showChanged(book, entry.id);
+  });
+}
+
+int accept(const GivenParameters& parameters) {
+  return withEntry(parameters, [](Book& book, const LedgerEntry& entry) {
+    if (!book.accept(entry.id)) {
+      return fail("its sum is unknown; kivo-ledger edit " + std::to_string(entry.id) +
+                  " --amount gives it one");
+    }
+    return print("Booked.\n");
+  });
+}
+
+bool isConfirmed(const LedgerEntry& entry) {
+  std::cerr << EntryListing::details(entry) << "\nDelete this transaction? [y/N] " << std::flush;
+  std::string answer;
+  if (!std::getline(std::cin, answer)) std::cerr << '\n';
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+int remove(const GivenParameters& parameters) {
+  const bool asks = !parameters.contains("--yes");
+  if (asks && isatty(STDIN_FILENO) != 1) {
+    return fail("there is no terminal to ask at; --yes deletes without asking", exitBadUsage);
+  }
+  return withEntry(parameters, [asks](Book& book, const LedgerEntry& entry) {
+    if (asks && !isConfirmed(entry)) return fail("nothing was deleted");
+    book.remove(entry.id);
+    return print("Deleted.\n");
+  });
+}
+
+int forgetTexts(const GivenParameters&) {
+  return withBook([](Book& book) {
+    const std::int64_t count = book.forgetTexts();
+    return print("Forgot " + std::to_string(count) + (count == 1 ? " text.\n" : " texts.\n"));
+  });
+}
+
+int showRates(const Book& book) {
+  std::string lines;
+  for (const auto& [currency, rate] : book.rates()) {
+    lines.append(currency).append(" ").append(rate).append("\n");
+  }
+  return print(lines.empty() ? "No rate is set.\n" : lines);
+}
+
+int rate(const GivenParameters& parameters) {
+  const auto code = given(parameters, "CURRENCY");
+  const auto value = given(parameters, "RATE");
+  const bool removes = parameters.contains("--remove");
+  if (!code) return withBook(showRates);
+  const std::string currency = upperCase(*code);
+  if (!isCurrency(currency)) return failFor("CURRENCY", *code, "a code such as USD");
+  if (removes == value.has_value()) return fail("give either RATE or --remove", exitBadUsage);
+  const double number = value ? platform::doubleFromText(*value).value_or(0) : 1;
+  if (!(number > 0 && std::isfinite(number))) {
+    return failFor("RATE", *value, "a number above zero such as 48.5");
+  }
+  return withBook([&](Book& book) {
+    if (removes) return book.removeRate(currency) ? 0 : fail("there is no rate for " + currency);
+    book.setRate(currency, *value);
+    return 0;
+  });
+}
+
+std::vector<std::string> kinds() { return {"expense", "income", "transfer"}; }
+
+}  // namespace
+
+std::vector<linux_platform::Command> editingCommands() {
+  const linux_platform::CommandParameter id{"ID", "The transaction's number, as list shows it"};
+  constexpr auto optional = ParameterKind::optional;
+  return {
+      {"edit",
+       "Correct a transaction; description and category hold for its payee from then on",
+       {id,
+        {"--date", "The day, as 2026-11-21", optional},
+        {"--amount", "The sum, as 150.00", optional},
+        {"--currency", "The currency's code, as EGP", optional},
+        {"--kind", "expense, income or transfer", optional, kinds},
+        {"--description", "The merchant or payee", optional},
+        {"--category", "The category", optional}},
+       edit},
+      {"accept", "Book a transaction that was to be looked at", {id}, accept},
+      {"delete",
+       "Delete a transaction, after asking",
+       {id, {"--yes", "Delete it without asking", ParameterKind::flag}},
+       remove},
+      {"forget-texts", "Remove the texts of all messages from the book", {}, forgetTexts},
+      {"rate",
+       "Show or set what one unit of a foreign currency is worth",
+       {{"CURRENCY", "The currency's code, as USD", optional},
+        {"RATE", "Its worth in the book's currency, as 48.5", optional},
+        {"--remove", "Have no rate for it", ParameterKind::flag}},
+       rate},
+  };
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,130 @@
+#include "ledger/entry_listing.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/terminal/text_columns.h"
+
+namespace kivo::ledger {
+namespace {
+
+using linux_platform::columnsOf;
+using linux_platform::escapedControls;
+using linux_platform::paddedTo;
+
+constexpr std::string_view gap = "  ";
+constexpr std::size_t shortestDescription = 16;
+
+using Row = std::array<std::string, 6>;
+constexpr std::size_t amountColumn = 3;
+constexpr std::size_t descriptionColumn = 4;
+
+std::string sumText(const LedgerEntry& entry) {
+  if (!entry.amount) return "unknown";
+  return amountText(*entry.amount) + " " + entry.amount->currency;
+}
+
+std::string likeness(const LedgerEntry& entry) {
+  if (!entry.possibleDuplicateOf) return "";
+  return " (looks like " + std::to_string(*entry.possibleDuplicateOf) + ")";
+}
+
+Row rowOf(const LedgerEntry& entry) {
+  return {std::to_string(entry.id),
+          entry.date,
+          kindText(entry.kind),
+          escapedControls(sumText(entry)),
+          escapedControls(entry.description),
+          escapedControls(entry.category) + likeness(entry)};
+}
+
+// A text of several lines, each without control characters.
+std::string linesOf(std::string_view text) {
+  std::string lines;
+  while (!text.empty()) {
+    const std::string_view first = text.substr(0, text.find('\n'));
+    lines += escapedControls(first) + "\n";
+    text.remove_prefix(std::min(first.size() + 1, text.size()));
+  }
+  return lines;
+}
+
+std::string line(const Row& row, const std::array<std::size_t, 6>& widths) {
+  std::string text;
+  for (std::size_t column = 0; column + 1 < row.size(); ++column) {
+    const std::size_t missing = widths[column] - std::min(widths[column], columnsOf(row[column]));
+    if (column == amountColumn) text.append(missing, ' ').append(row[column]);
+    if (column != amountColumn) {
+      text += paddedTo(widths[column], linux_platform::cutTo(widths[column], row[column]));
+    }
+    text += gap;
+  }
+  return text + row.back() + "\n";
+}
+
+}  // namespace
+
+std::string EntryListing::table(const std::vector<LedgerEntry>& entries, std::size_t width) {
+  std::vector<Row> rows{{"ID", "DATE", "KIND", "AMOUNT", "DESCRIPTION", "CATEGORY"}};
+  for (const LedgerEntry& entry : entries) rows.push_back(rowOf(entry));
+  std::array<std::size_t, 6> widths{};
+  for (const Row& row : rows) {
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      widths[column] = std::max(widths[column], columnsOf(row[column]));
+    }
+  }
+  std::size_t others = gap.size() * (widths.size() - 1);
+  for (const std::size_t column : widths) others += column;
+  others -= widths[descriptionColumn];
+  const std::size_t left = width > others ? width - others : 0;
+  widths[descriptionColumn] =
+      std::min(widths[descriptionColumn], std::max(left, shortestDescription));
+  std::string table;
+  for (const Row& row : rows) table += line(row, widths);
+  return table;
+}
+
+std::string EntryListing::details(const LedgerEntry& entry) {
+  std::string lines;
+  const auto add = [&lines](std::string_view name, const std::string& value) {
+    constexpr std::size_t nameWidth = 13;
+    if (!value.empty()) lines += paddedTo(nameWidth, name) + escapedControls(value) + "\n";
+  };
+  add("ID", std::to_string(entry.id));
+  add("State", entry.state == LedgerEntry::State::booked ? "booked" : "to be looked at");
+  add("Date", entry.date);
+  add("Kind", kindText(entry.kind));
+  add("Amount", sumText(entry));
+  add("Description", entry.description);
+  add("Category", entry.category);
+  add("Payee", entry.payee);
+  add("Account", entry.account);
+  add("Reference", entry.reference);
+  if (entry.possibleDuplicateOf) add("Looks like", std::to_string(*entry.possibleDuplicateOf));
+  add("Key", entry.key);
+  if (entry.text) lines += "\n" + linesOf(*entry.text);
+  return lines;
+}
+
+platform::JSONEncoder EntryListing::json(const LedgerEntry& entry) {
+  platform::JSONEncoder object;
+  object.encodeString("id", std::to_string(entry.id));
+  object.encodeString("key", entry.key);
+  object.encodeString("date", entry.date);
+  object.encodeString("kind", kindText(entry.kind));
+  object.encodeString("amount", entry.amount ? amountText(*entry.amount) : "");
+  object.encodeString("currency", entry.amount ? entry.amount->currency : "");
+  object.encodeString("description", entry.description);
+  object.encodeString("category", entry.category);
+  object.encodeString("account", entry.account);
+  object.encodeString("reference", entry.reference);
+  object.encodeString("state", stateText(entry.state));
+  if (entry.possibleDuplicateOf) {
+    object.encodeString("possible_duplicate_of", std::to_string(*entry.possibleDuplicateOf));
+  }
+  return object;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,86 @@
+#include "ledger/extraction_endpoint.h"
+
+#include <string_view>
+#include <utility>
+
+#include "ledger/book_file.h"
+#include "ledger/calendar_day.h"
+#include "platform/foundation/errors.h"
+#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/json_encoder.h"
+#include "platform/linux/terminal/command_line.h"
+
+namespace kivo::ledger {
+namespace {
+
+using Answer = UnixHttpServer::Answer;
+using platform::DecodingError;
+
+constexpr int ok = 200;
+constexpr int badRequest = 400;
+constexpr int notFound = 404;
+constexpr int methodNotAllowed = 405;
+constexpr int serviceUnavailable = 503;
+
+Answer refusal(int status, std::string_view error, std::string allow = "") {
+  platform::JSONEncoder object;
+  object.encodeString("error", error);
+  return {.status = status, .body = object.text(), .allow = std::move(allow)};
+}
+
+// A base URL may end with a slash, which doubles the one in front of the path.
+bool isEndpoint(std::string_view target) {
+  if (target.starts_with("//")) target.remove_prefix(1);
+  return target == "/functions/v1/sms-extraction";
+}
+
+// Throws DecodingError for a body that is no request.
+Message messageFrom(std::string_view body) {
+  const platform::JSONObject object = platform::JSONDecoder::object(body);
+  Message message{.text = object.decodeString("sms_text"),
+                  .userId = object.decodeString("user_id"),
+                  .expenseDate = object.decodeString("expense_date"),
+                  .idempotencyKey = object.decodeString("idempotency_key")};
+  if (object.memberCount() != 4) throw DecodingError(DecodingError::Kind::dataCorrupted, "");
+  if (!isDay(message.expenseDate)) {
+    throw DecodingError(DecodingError::Kind::dataCorrupted, "expense_date");
+  }
+  return message;
+}
+
+}  // namespace
+
+ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<std::string>()> currency,
+                                       std::function<void(const LedgerEntry&)> review,
+                                       BookOpener open)
+    : currency_(std::move(currency)), review_(std::move(review)), open_(std::move(open)) {}
+
+Answer ExtractionEndpoint::answer(const UnixHttpServer::Request& request) {
+  if (!isEndpoint(request.target)) return refusal(notFound, "not found");
+  if (request.method != "POST") return refusal(methodNotAllowed, "method not allowed", "POST");
+  try {
+    return record(messageFrom(request.body));
+  } catch (const DecodingError& error) {
+    return refusal(badRequest, error.what());
+  }
+}
+
+Answer ExtractionEndpoint::record(const Message& message) {
+  if (!book_) book_ = open_();
+  const auto currency = book_ ? currency_() : std::nullopt;
+  if (!currency) return refusal(serviceUnavailable, "the book cannot be opened");
+  try {
+    Recorded recorded = book_->record(message, *currency);
+    if (recorded.entry && recorded.entry->state == LedgerEntry::State::review) {
+      review_(*recorded.entry);
+    }
+    return {.status = ok, .body = std::move(recorded.answer), .allow = ""};
+  } catch (const BookFailure& failure) {
+    book_.reset();  // the file may be replaced by hand
+    linux_platform::complain("kivo-ledger",
+                             "the book could not be written: " + std::string(failure.what()));
+    return refusal(serviceUnavailable, "the book cannot be written");
+  }
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,79 @@
+// The program kivo-ledger: the backend on one's own machine.
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "ledger/editing_commands.h"
+#include "ledger/extraction_endpoint.h"
+#include "ledger/ledger_terminal.h"
+#include "ledger/listing_commands.h"
+#include "ledger/review_notifier.h"
+#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/process/process_start.h"
+#include "platform/linux/terminal/command_line.h"
+#include "platform/linux/terminal/terminal_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+using linux_platform::Command;
+using linux_platform::GivenParameters;
+
+// When the service manager started it, which starts it again at the next connection.
+constexpr std::chrono::seconds longestIdleTime(60);
+
+ListeningSocket ownSocket(const GivenParameters& given) {
+  if (const auto path = given.find("--socket"); path != given.end()) {
+    return ListeningSocket::create(path->second);
+  }
+  const auto path = linux_platform::localBackendSocket();
+  if (!path) throw std::runtime_error("XDG_RUNTIME_DIR is not set; name a socket by --socket");
+  return ListeningSocket::create(*path);
+}
+
+void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseconds> idleLimit) {
+  ReviewNotifier notifier;
+  ExtractionEndpoint endpoint(bookCurrency,
+                              [&notifier](const LedgerEntry& entry) { notifier.post(entry); });
+  UnixHttpServer server(
+      [&endpoint](const UnixHttpServer::Request& request) { return endpoint.answer(request); });
+  server.run(socket, idleLimit);
+}
+
+int serve(const GivenParameters& given) {
+  try {
+    if (const auto handedOver = ListeningSocket::handedOver()) {
+      serveOn(*handedOver, longestIdleTime);
+    } else {
+      serveOn(ownSocket(given), std::nullopt);
+    }
+    return 0;
+  } catch (const std::runtime_error& error) {
+    return fail(linux_platform::escapedControls(error.what()));
+  }
+}
+
+linux_platform::CommandProgram program() {
+  linux_platform::CommandProgram made{.name = "kivo-ledger",
+                                      .purpose = "Keeps the book of your payments on this machine.",
+                                      .version = KIVO_VERSION,
+                                      .commands = {}};
+  made.commands = listingCommands();
+  for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  made.commands.push_back(
+      {"serve",
+       "Answer the extension's requests on a UNIX socket",
+       {{"--socket", "The socket's path; kivo/ledger.sock in XDG_RUNTIME_DIR when not given",
+         linux_platform::CommandParameter::Kind::optional}},
+       serve});
+  return made;
+}
+
+}  // namespace
+}  // namespace kivo::ledger
+
+int main(int argc, char** argv) {
+  kivo::linux_platform::startProcess();
+  return kivo::linux_platform::runCommand(kivo::ledger::program(), argc, argv);
+}

@@ -1,0 +1,56 @@
+#include "ledger/ledger_terminal.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "feedback/amount_formatter.h"
+#include "ledger/book_file.h"
+#include "platform/foundation/number_text.h"
+#include "store/shared_store.h"
+
+namespace kivo::ledger {
+
+int fail(const std::string& what, int status) {
+  linux_platform::complain("kivo-ledger", what);
+  return status;
+}
+
+int print(const std::string& text) {
+  std::cout << text << std::flush;
+  return std::cout ? 0 : fail("standard output cannot be written");
+}
+
+int withBook(const std::function<int(Book&)>& use) {
+  auto book = Book::open();
+  if (!book) return exitFailure;
+  try {
+    return use(*book);
+  } catch (const BookFailure& failure) {
+    return fail("the book cannot be read or written: " + std::string(failure.what()));
+  }
+}
+
+int withEntry(const linux_platform::GivenParameters& given,
+              const std::function<int(Book&, const LedgerEntry&)>& use) {
+  const auto id = platform::integerFromText(given.at("ID"));
+  if (!id) {
+    return fail("ID is the number of a transaction, as list and review show it",
+                linux_platform::exitBadUsage);
+  }
+  return withBook([&](Book& book) {
+    const auto entry = book.entry(*id);
+    return entry ? use(book, *entry) : fail("no transaction has the ID " + std::to_string(*id));
+  });
+}
+
+std::optional<std::string> bookCurrency() {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) return std::nullopt;
+  std::string code = AmountFormatter::currencyCode(*store);
+  std::transform(code.begin(), code.end(), code.begin(), [](char letter) {
+    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+  });
+  return code;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,141 @@
+#include "ledger/listening_socket.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace kivo::ledger {
+
+using linux_platform::Descriptor;
+
+namespace {
+
+constexpr int firstHandedOver = 3;
+
+[[noreturn]] void fail(const std::filesystem::path& path, const std::string& what) {
+  throw std::runtime_error(path.string() + " " + what);
+}
+
+[[noreturn]] void failForSystem(const std::filesystem::path& path, int error) {
+  fail(path, "cannot be created: " + std::generic_category().message(error));
+}
+
+bool isListening(int descriptor) {
+  int family = 0;
+  int type = 0;
+  int accepts = 0;
+  const auto get = [descriptor](int option, int& value) {
+    socklen_t size = sizeof value;
+    return getsockopt(descriptor, SOL_SOCKET, option, &value, &size) == 0;
+  };
+  return get(SO_DOMAIN, family) && family == AF_UNIX && get(SO_TYPE, type) && type == SOCK_STREAM &&
+         get(SO_ACCEPTCONN, accepts) && accepts == 1;
+}
+
+sockaddr_un addressOf(const std::filesystem::path& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.native().size() >= sizeof address.sun_path) {
+    fail(path, "is too long for the path of a socket; --socket names another");
+  }
+  std::memcpy(address.sun_path, path.c_str(), path.native().size());
+  return address;
+}
+
+int openSocket() { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0); }
+
+int bindTo(int descriptor, const sockaddr_un& address) {
+  const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
+  return bind(descriptor, generic, sizeof address) == 0 ? 0 : errno;
+}
+
+// Removes the socket file of a server that is gone. Throws when it is another file, or the server
+// is there.
+void removeStale(const std::filesystem::path& path, const sockaddr_un& address) {
+  struct stat found {};
+  if (lstat(path.c_str(), &found) != 0) return;
+  if (!S_ISSOCK(found.st_mode)) fail(path, "is no socket; move it away");
+  const Descriptor asking(openSocket());
+  const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
+  if (connect(asking.number(), generic, sizeof address) == 0 || errno != ECONNREFUSED) {
+    fail(path, "is in use by another server; stop it, or name another socket by --socket");
+  }
+  unlink(path.c_str());
+}
+
+// Held by one server at a time while it looks at the socket file and creates its own.
+int openFolder(const std::filesystem::path& folder) {
+  std::error_code ignored;
+  std::filesystem::create_directories(folder, ignored);
+  const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (opened < 0) failForSystem(folder, errno);
+  return opened;
+}
+
+// A user who may write to the folder could put another socket in the place of ours.
+void requirePrivate(int folder, const std::filesystem::path& path) {
+  struct stat found {};
+  if (fstat(folder, &found) != 0) failForSystem(path, errno);
+  const bool ours = found.st_uid == geteuid() || found.st_uid == 0;
+  const bool sticky = (found.st_mode & S_ISVTX) != 0;
+  if (!ours || ((found.st_mode & 0022) != 0 && !sticky)) {
+    fail(path, "is open to other users; name a socket in a folder of your own by --socket");
+  }
+}
+
+}  // namespace
+
+std::optional<ListeningSocket> ListeningSocket::handedOver() {
+  const char* const process = std::getenv("LISTEN_PID");
+  const char* const count = std::getenv("LISTEN_FDS");
+  const bool handed = process != nullptr && count != nullptr &&
+                      process == std::to_string(getpid()) && std::string_view(count) != "0";
+  for (const char* const name : {"LISTEN_PID", "LISTEN_FDS", "LISTEN_FDNAMES"}) unsetenv(name);
+  if (!handed) return std::nullopt;
+  if (!isListening(firstHandedOver)) {
+    throw std::runtime_error("what the service manager hands over is no listening UNIX socket");
+  }
+  fcntl(firstHandedOver, F_SETFD, FD_CLOEXEC);
+  return ListeningSocket(firstHandedOver, {});
+}
+
+ListeningSocket ListeningSocket::create(const std::filesystem::path& path) {
+  const sockaddr_un address = addressOf(path);
+  const std::filesystem::path parent = std::filesystem::absolute(path).parent_path();
+  const Descriptor folder(openFolder(parent));
+  requirePrivate(folder.number(), parent);
+  flock(folder.number(), LOCK_EX);
+  removeStale(path, address);
+  ListeningSocket made(openSocket(), {});
+  int error = made.descriptor_ < 0 ? errno : bindTo(made.descriptor_, address);
+  if (error != 0) failForSystem(path, error);
+  made.created_ = path;
+  if (chmod(path.c_str(), 0600) != 0 || listen(made.descriptor_, SOMAXCONN) != 0) {
+    failForSystem(path, errno);
+  }
+  return made;
+}
+
+ListeningSocket::ListeningSocket(ListeningSocket&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)),
+      created_(std::exchange(other.created_, {})) {}
+
+ListeningSocket::~ListeningSocket() {
+  // In this order: once it is closed, another server takes the file for a stale one.
+  if (!created_.empty()) unlink(created_.c_str());
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+}  // namespace kivo::ledger

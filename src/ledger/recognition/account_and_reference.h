@@ -1,0 +1,20 @@
+// The account digits and the bank's reference that a message shows.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "ledger/recognition/message_items.h"
+#include "ledger/recognition/reading.h"
+#include "ledger/recognition/wordings.h"
+
+namespace kivo::ledger {
+
+/// The last digits of the person's own account or card, six at most; empty when none are shown.
+std::string ownAccount(const Items& items, std::span<const Found> found, Kind kind);
+
+/// The reference behind words such as "Ref No", 40 bytes at most; empty when there is none.
+std::string referenceIn(const Items& items, std::span<const Found> found,
+                        std::string_view readable);
+
+}  // namespace kivo::ledger

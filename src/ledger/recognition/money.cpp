@@ -1,0 +1,48 @@
+#include "ledger/recognition/money.h"
+
+#include <charconv>
+
+#include "ledger/recognition/currencies.h"
+
+namespace kivo::ledger {
+
+int minorDigits(std::string_view currency) {
+  constexpr int digitsOfMost = 2;
+  const Currency* const found = currencyByCode(currency);
+  return found == nullptr ? digitsOfMost : found->minorDigits;
+}
+
+bool isCurrency(std::string_view code) { return currencyByCode(code) != nullptr; }
+
+std::string amountText(const Money& money) {
+  const auto decimals = static_cast<std::size_t>(minorDigits(money.currency));
+  const bool negative = money.minorUnits < 0;
+  // The smallest integer has no positive counterpart, its digits have.
+  std::string digits = std::to_string(money.minorUnits).substr(negative ? 1 : 0);
+  if (digits.size() <= decimals) digits.insert(0, decimals + 1 - digits.size(), '0');
+  if (decimals > 0) digits.insert(digits.size() - decimals, 1, '.');
+  return negative ? "-" + digits : digits;
+}
+
+std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency) {
+  const bool negative = amount.starts_with('-');
+  if (negative) amount.remove_prefix(1);
+  const std::size_t point = amount.find('.');
+  const std::string_view whole = amount.substr(0, point);
+  const std::string_view fraction =
+      point == std::string_view::npos ? std::string_view() : amount.substr(point + 1);
+  const auto decimals = static_cast<std::size_t>(minorDigits(currency));
+  if (whole.empty() || fraction.size() > decimals || amount.ends_with('.')) return std::nullopt;
+  std::string digits(negative ? "-" : "");
+  digits.append(whole).append(fraction).append(decimals - fraction.size(), '0');
+  if (digits.find_first_not_of("0123456789", negative ? 1 : 0) != std::string::npos) {
+    return std::nullopt;
+  }
+  Money money{.currency = std::string(currency)};
+  const auto [end, error] =
+      std::from_chars(digits.data(), digits.data() + digits.size(), money.minorUnits);
+  if (error != std::errc()) return std::nullopt;
+  return money;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,34 @@
+// Sums of money in whole minor units, and their texts. Knows no exchange rates.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kivo::ledger {
+
+/// A sum in whole minor units: 15000 and "EGP" are 150.00 Egyptian pounds.
+struct Money {
+  std::int64_t minorUnits = 0;
+  /// An ISO 4217 code in upper case.
+  std::string currency;
+
+  bool operator==(const Money&) const = default;
+};
+
+/// The number of decimals of `currency` by ISO 4217 (0, 2, 3 or 4); 2 for an unknown code.
+int minorDigits(std::string_view currency);
+
+/// Whether `code` is an ISO 4217 code of money that circulates, in upper case.
+bool isCurrency(std::string_view code);
+
+/// `money` as a plain decimal with all decimals of its currency, without the code: "150.00",
+/// "-0.05".
+std::string amountText(const Money& money);
+
+/// Reads a plain decimal such as "150", "150.5" or "-0.05" as a sum in `currency`. Absent when
+/// `amount` is anything else, has more decimals than the currency, or does not fit 64 bits.
+std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency);
+
+}  // namespace kivo::ledger

@@ -1,0 +1,266 @@
+#include "ledger/recognition/payee.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <optional>
+#include <vector>
+
+#include "ledger/recognition/name_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+// The order in which introductions are believed; a lower number is surer.
+std::optional<int> rankOf(Meaning meaning, bool nameBeside, Kind kind) {
+  const bool income = kind == Kind::income;
+  if (nameBeside) return 0;
+  switch (meaning) {
+    case Meaning::label:
+      return 1;
+    case Meaning::at:
+      return income ? 4 : 2;
+    case Meaning::to:
+      return income ? std::nullopt : std::optional(3);
+    case Meaning::towards:
+      return income ? std::nullopt : std::optional(5);
+    case Meaning::info:
+      return income ? 5 : 4;
+    case Meaning::by:
+      return income ? 3 : 6;
+    case Meaning::credited:
+      return income ? std::nullopt : std::optional(3);
+    case Meaning::from:
+      return income ? 2 : 7;
+    default:
+      return std::nullopt;
+  }
+}
+
+bool isMark(const Item& item, std::string_view marks) {
+  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
+         marks.find(item.text.front()) != std::string_view::npos;
+}
+
+class Names {
+ public:
+  Names(std::string_view readable, const Items& items, std::span<const Found> found, Kind kind)
+      : readable_(readable), items_(items), found_(found), kind_(kind), at_(items.size(), nullptr) {
+    for (const Found& wording : found) at_[wording.begin] = &wording;
+  }
+
+  [[nodiscard]] std::string best() const {
+    std::string best;
+    int bestRank = 100;
+    const bool givesBack = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
+      return wording.meaning == Meaning::refund || wording.meaning == Meaning::cashback;
+    });
+    for (const Found& wording : found_) {
+      auto rank = rankOf(wording.meaning, wording.nameFollows || wording.namePrecedes, kind_);
+      constexpr int surest = 8;  // "spent on 20-Oct-26 on Web Bazaar"
+      if (wording.meaning == Meaning::ends && items_[wording.begin].text == "on") rank = surest;
+      // Where money came, "at" is a branch, unless a shop gives it back.
+      if (kind_ == Kind::income && wording.meaning == Meaning::at && !givesBack) rank.reset();
+      if (!rank || *rank >= bestRank) continue;
+      const bool before = wording.namePrecedes || wording.meaning == Meaning::credited;
+      std::string name = before ? nameBefore(wording) : nameBehind(wording);
+      if (name.empty()) continue;
+      best = std::move(name);
+      bestRank = *rank;
+    }
+    return best.empty() ? nameBehindSum() : best;
+  }
+
+ private:
+  [[nodiscard]] bool isWordOf(std::size_t at, std::initializer_list<Meaning> meanings) const {
+    return at < items_.size() && at_[at] != nullptr &&
+           std::find(meanings.begin(), meanings.end(), at_[at]->meaning) != meanings.end();
+  }
+
+  // A masked account or a telephone number in front of the name: "****; Ahmad", "0722000000 -
+  // JANE".
+  [[nodiscard]] std::size_t behindMask(std::size_t at) const {
+    const std::size_t begin = at;
+    while (at < items_.size() &&
+           (isMark(items_[at], "*:-.") || items_[at].kind == Item::Kind::number ||
+            (items_[at].kind == Item::Kind::mark && items_[at].text.size() > 1))) {
+      ++at;
+    }
+    if (at > begin && at < items_.size() && isMark(items_[at], ";,-/")) ++at;
+    return at;
+  }
+
+  [[nodiscard]] std::string nameBehind(const Found& wording) const {
+    std::size_t begin = wording.end;
+    while (begin < items_.size() && isMark(items_[begin], ":-.\"'(*")) ++begin;
+    if (begin >= items_.size() || items_[begin].kind == Item::Kind::lineBreak) {
+      const bool labelled = wording.meaning == Meaning::label || wording.meaning == Meaning::info;
+      if (!labelled || begin + 1 >= items_.size()) return {};
+      ++begin;
+    }
+    constexpr std::size_t longestHouseNumber = 4;
+    const bool digits = items_[begin].kind == Item::Kind::number;
+    const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
+    if (masked || (digits && items_[begin].text.size() > longestHouseNumber))
+      begin = behindMask(begin);
+    if (isWordOf(begin, {Meaning::label})) begin = at_[begin]->end;  // "to Merchant STAR KABAB"
+    if (begin >= items_.size() || !beginsName(begin)) return {};
+    const std::size_t end = endOfName(begin, wording.meaning);
+    const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
+    if (latin && isProse(wording.meaning, begin, end)) return {};
+    // "from Lotus Bank card 12", but in Arabic "from the shop by card 12".
+    const bool ownSide = wording.meaning == Meaning::ends ||
+                         (latin && kind_ != Kind::income && wording.meaning == Meaning::from);
+    if (ownSide && isWordOf(end, {Meaning::own})) return {};
+    return shown(begin, end, wording.meaning);
+  }
+
+  // Behind "for", "by" and the like a name has a capital, unless it is an address: "lotus@upi".
+  [[nodiscard]] bool isProse(Meaning introduced, std::size_t begin, std::size_t end) const {
+    if (introduced != Meaning::towards && introduced != Meaning::by && introduced != Meaning::to &&
+        introduced != Meaning::from && introduced != Meaning::ends) {
+      return false;
+    }
+    const char first = readable_[items_[begin].begin];
+    const bool small = first >= 'a' && first <= 'z';
+    const bool latin = items_[begin].kind != Item::Kind::word || small ||
+                       std::isupper(static_cast<unsigned char>(first)) != 0;
+    if (introduced == Meaning::ends && (items_[begin].kind != Item::Kind::word || !latin))
+      return true;
+    return small && std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
+                                 items_.begin() + static_cast<std::ptrdiff_t>(end),
+                                 [](const Item& item) { return isMark(item, "@._"); });
+  }
+
+  // "ASHA RAO credited", "Asha Rao has received": from the last mark, sum or sentence on.
+  [[nodiscard]] std::string nameBefore(const Found& wording) const {
+    std::size_t end = wording.begin;
+    const auto auxiliary = [this](std::size_t at) {
+      const std::string& word = items_[at].text;
+      return word == "just" || word == "has" || word == "been" || word == "is" || word == "was";
+    };
+    while (end > 0 && auxiliary(end - 1)) --end;
+    std::size_t begin = end;
+    while (begin > 0 && !items_[begin].startsSentence &&
+           (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
+           !isWordOf(begin - 1, {Meaning::ends, Meaning::own, Meaning::balance, Meaning::from})) {
+      --begin;
+    }
+    if (begin == end || !beginsName(begin)) return {};
+    return shown(begin, end, Meaning::label);
+  }
+
+  // "DEBIT:Rs.983.75 TAMARIND KITCHEN Bal:Rs.1234.67": nothing introduces it but its capitals.
+  [[nodiscard]] std::string nameBehindSum() const {
+    const auto sum = std::find_if(items_.begin(), items_.end(),
+                                  [](const Item& item) { return item.kind == Item::Kind::sum; });
+    if (sum == items_.end() || sum + 1 == items_.end()) return {};
+    auto begin = static_cast<std::size_t>(sum - items_.begin()) + 1;
+    const bool ownLine = items_[begin].kind == Item::Kind::lineBreak || isMark(items_[begin], "|");
+    if (ownLine && begin + 1 < items_.size()) ++begin;
+    constexpr std::size_t shortest = 3;
+    const Item& first = items_[begin];
+    if (!first.capitals || first.text.size() < shortest || (first.startsSentence && !ownLine) ||
+        at_[begin] != nullptr) {
+      return {};
+    }
+    return nameBetween(readable_, items_, begin, endOfName(begin, Meaning::to));
+  }
+
+  [[nodiscard]] bool beginsName(std::size_t at) const {
+    const Item& item = items_[at];
+    if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
+      return false;
+    const bool article = item.text == "the" || item.text == "a" || item.text == "an";
+    if (article && readable_[item.begin] != 'T') return false;
+    constexpr auto pronouns =
+        std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
+    if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
+    // "on Nov 6"
+    if (at + 1 < items_.size() && items_[at + 1].isPiece && !items_[at + 1].glued) return false;
+    if (isWordOf(
+            at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
+                 Meaning::limit, Meaning::charge, Meaning::code, Meaning::done})) {
+      // "Card Zone" and "Account Books" are names; "card 1234" and "account" are none.
+      return false;
+    }
+    return true;
+  }
+
+  // Whether a comma goes on with the name: "MAPLE HARDWARE, AUSTIN, TX for ...".
+  [[nodiscard]] bool goesOnBehindComma(std::size_t comma, std::size_t begin) const {
+    return comma + 1 < items_.size() && items_[comma + 1].capitals && items_[begin].capitals &&
+           at_[comma + 1] == nullptr;
+  }
+
+  [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Meaning introduced) const {
+    const Item& item = items_[at];
+    if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
+      return true;
+    }
+    if (item.kind == Item::Kind::number) {
+      return item.isPiece ? !items_[at - 1].glued && !item.glued
+                          : item.text.size() > 4 && !item.glued;
+    }
+    if (isMark(item, ",")) return !goesOnBehindComma(at, begin);
+    if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
+    if (isMark(item, ":") && !item.glued) return true;
+    if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
+        introduced != Meaning::info) {
+      return true;  // a signature: "-Orchid Bank"
+    }
+    if (isMark(item, ".")) {
+      const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
+      return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
+    }
+    if (item.glued && item.kind == Item::Kind::word) return false;
+    if (introduced == Meaning::info) {
+      return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
+             (isWordOf(at, {Meaning::ends}) && !item.capitals);
+    }
+    if (isWordOf(at,
+                 {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
+                  Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {
+      return true;
+    }
+    // "COUNCIL TAX" is all name, "Council tax" need not be.
+    if (item.capitals && items_[begin].capitals) return false;
+    return isWordOf(
+        at, {Meaning::at, Meaning::amount, Meaning::charge, Meaning::done, Meaning::credited,
+             Meaning::debited, Meaning::spent, Meaning::paid, Meaning::sent, Meaning::received,
+             Meaning::declined, Meaning::notYet, Meaning::refund, Meaning::aside});
+  }
+
+  [[nodiscard]] std::size_t endOfName(std::size_t begin, Meaning introduced) const {
+    std::size_t end = begin + 1;
+    while (end < items_.size() && !endsName(end, begin, introduced)) ++end;
+    return end;
+  }
+
+  [[nodiscard]] std::string shown(std::size_t begin, std::size_t end, Meaning introduced) const {
+    const bool slashes = std::any_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
+                                     items_.begin() + static_cast<std::ptrdiff_t>(end),
+                                     [](const Item& item) { return isMark(item, "/"); });
+    const bool channel = isChannelWord(items_[begin].text);
+    const bool place = introduced == Meaning::at || introduced == Meaning::label;
+    if ((slashes && (channel || !place)) || (introduced == Meaning::info && channel)) {
+      return nameInNarration(readable_, items_, begin, end);
+    }
+    return nameBetween(readable_, items_, begin, end);
+  }
+
+  const std::string_view readable_;
+  const Items& items_;
+  const std::span<const Found> found_;
+  const Kind kind_;
+  std::vector<const Found*> at_;  // the wording that begins at an item
+};
+
+}  // namespace
+
+std::string payeeIn(std::string_view readable, const Items& items, std::span<const Found> found,
+                    Kind kind) {
+  return Names(readable, items, found, kind).best();
+}
+
+}  // namespace kivo::ledger

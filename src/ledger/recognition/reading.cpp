@@ -1,0 +1,170 @@
+#include "ledger/recognition/reading.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "ledger/recognition/account_and_reference.h"
+#include "ledger/recognition/merchant_categories.h"
+#include "ledger/recognition/message_items.h"
+#include "ledger/recognition/moved_sum.h"
+#include "ledger/recognition/movements.h"
+#include "ledger/recognition/payee.h"
+#include "ledger/recognition/payment_sentence.h"
+#include "ledger/recognition/spelling.h"
+#include "ledger/recognition/stated_sums.h"
+#include "ledger/recognition/wordings.h"
+
+namespace kivo::ledger {
+namespace {
+
+constexpr std::size_t longestMessage = 4096;
+
+using AllFound = std::vector<Found>;
+
+std::vector<std::size_t> sentenceStarts(const Items& items) {
+  std::vector<std::size_t> starts;
+  for (std::size_t at = 0; at < items.size(); ++at) {
+    if (items[at].startsSentence) starts.push_back(at);
+  }
+  starts.push_back(items.size());
+  return starts;
+}
+
+bool isVerb(Meaning meaning) {
+  const Movement* const movement = movementOf(meaning);
+  return meaning == Meaning::done || (movement != nullptr && movement->strength >= Strength::verb);
+}
+
+bool holds(std::span<const Found> found, Meaning meaning) {
+  return std::any_of(found.begin(), found.end(),
+                     [meaning](const Found& wording) { return wording.meaning == meaning; });
+}
+
+std::span<const Found> within(const AllFound& found, std::size_t begin, std::size_t end) {
+  const auto first = std::find_if(found.begin(), found.end(),
+                                  [begin](const Found& one) { return one.begin >= begin; });
+  const auto last =
+      std::find_if(first, found.end(), [end](const Found& one) { return one.begin >= end; });
+  return {first, last};
+}
+
+// A code is announced, rather than only warned about beside a payment.
+bool announcesACode(const Items& items, const AllFound& found) {
+  const auto starts = sentenceStarts(items);
+  for (std::size_t sentence = 0; sentence + 1 < starts.size(); ++sentence) {
+    const auto said = within(found, starts[sentence], starts[sentence + 1]);
+    if (!holds(said, Meaning::code)) continue;
+    if (!holds(said, Meaning::warning)) return true;
+    for (std::size_t at = starts[sentence]; at < starts[sentence + 1]; ++at) {
+      constexpr std::size_t shortestCode = 4;
+      if (items[at].kind == Item::Kind::number && !items[at].isPiece &&
+          items[at].text.size() >= shortestCode) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+// Whether the sentence speaks of what is to come: "will be debited", but not "was debited, and will
+// be shown".
+bool isToCome(std::span<const Found> sentence) {
+  if (holds(sentence, Meaning::notDone)) return true;
+  const auto* const toCome =
+      std::find_if(sentence.data(), sentence.data() + sentence.size(),
+                   [](const Found& one) { return one.meaning == Meaning::notYet; });
+  if (toCome == sentence.data() + sentence.size()) return false;
+  return std::none_of(sentence.data(), toCome, [](const Found& one) {
+    return isVerb(one.meaning) || one.meaning == Meaning::declined;
+  });
+}
+
+// The items of the sentences that report something. Joined, they are a message of their own.
+Items withoutWhatIsToCome(const Items& items, const AllFound& found) {
+  Items kept;
+  const auto starts = sentenceStarts(items);
+  for (std::size_t sentence = 0; sentence + 1 < starts.size(); ++sentence) {
+    if (isToCome(within(found, starts[sentence], starts[sentence + 1]))) continue;
+    kept.insert(kept.end(), items.begin() + static_cast<std::ptrdiff_t>(starts[sentence]),
+                items.begin() + static_cast<std::ptrdiff_t>(starts[sentence + 1]));
+  }
+  return kept;
+}
+
+bool isRefused(std::span<const Found> found, const Movement* movement) {
+  if (!holds(found, Meaning::declined)) return false;
+  return movement == nullptr || movement->strength < Strength::refund;
+}
+
+// "-250,000VND ... SD: 3,110,000VND": beside a balance the sign of a sum tells its direction.
+const Movement* movementBySign(const Sum& sum) {
+  if (sum.sign == '-') return movementOf(Meaning::debit);
+  return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
+}
+
+// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND.
+// Available KWD 93.250": a card's use without a word for it.
+bool isCardNotice(std::span<const Found> found) {
+  const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit);
+  return holds(found, Meaning::own) &&
+         (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
+}
+
+Money moneyOf(const Sum& sum, std::string_view bookCurrency) {
+  return {.minorUnits = sum.minorUnits.value_or(0),
+          .currency = sum.currency.empty() ? std::string(bookCurrency) : sum.currency};
+}
+
+std::string categoryOf(const Movement& naming, const std::string& payee) {
+  const bool fixed = naming.kind != Kind::expense || payee.empty();
+  const std::string_view byName = fixed ? std::string_view() : merchantCategory(payee);
+  if (!byName.empty()) return std::string(byName);
+  return std::string(naming.category.empty() ? "Other" : naming.category);
+}
+
+}  // namespace
+
+Reading read(std::string_view text, std::string_view bookCurrency) {
+  text = text.substr(0, wholeCharacters(text, longestMessage));
+  if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
+
+  const std::string readable = readableForm(text);
+  const Items all = withSums(itemsOf(readable), bookCurrency);
+  const AllFound said = wordingsIn(all);
+  if (announcesACode(all, said)) return {};
+
+  const Items items = withoutWhatIsToCome(all, said);
+  const AllFound found = wordingsIn(items);
+  const SumParts sums = partsOfSums(items, found, bookCurrency);
+  const Movement* movement = strongestMovement(found);
+  if (movement == nullptr && sums.moved && sums.balance) {
+    movement = movementBySign(items[*sums.moved].sum);
+  }
+  if (movement == nullptr && isCardNotice(found)) movement = movementOf(Meaning::transaction);
+  // A message that begins with what is to come goes on about it: "Your bill is ready. Min
+  // payment..."
+  const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
+  if (movement != nullptr && movement->strength < Strength::verb && begunToCome) movement = nullptr;
+  if (isRefused(found, movement)) return {.outcome = Outcome::declined};
+  if (movement == nullptr || !sums.moved) return {};
+
+  const Sum& moved = items[*sums.moved].sum;
+  const Movement& naming = namingMovement(found, *movement);
+  Reading reading{.outcome = Outcome::transaction, .kind = movement->kind};
+  if (moved.minorUnits) reading.amount = moneyOf(moved, bookCurrency);
+  if (movement->kind != Kind::transfer) {
+    reading.payee = payeeIn(readable, items, found, movement->kind);
+  }
+  reading.description = reading.payee.empty() ? naming.description : reading.payee;
+  reading.category = categoryOf(naming, reading.payee);
+  reading.account = ownAccount(items, found, movement->kind);
+  reading.reference = referenceIn(items, found, readable);
+  if (sums.balance && items[*sums.balance].sum.minorUnits) {
+    reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
+  }
+  const bool foreign = reading.amount && reading.amount->currency != bookCurrency;
+  if (sums.unclear || !reading.amount || foreign) reading.outcome = Outcome::needsReview;
+  return reading;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,60 @@
+// Reads a bank's message as a transaction, by the wordings of wordings.cpp. Stores nothing and
+// converts no currency.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "ledger/recognition/money.h"
+
+namespace kivo::ledger {
+
+/// The result of reading a message.
+enum class Outcome {
+  /// Money moved, in the book's currency.
+  transaction,
+  /// A payment that was refused: no money moved.
+  declined,
+  /// No money moved: a code, an offer, a balance, a bill, a request.
+  notATransaction,
+  /// Money seems to have moved, but the sum is in another currency or the message can be read in
+  /// more than one way. A person decides.
+  needsReview,
+};
+
+enum class Kind { expense, income, transfer };
+
+/// A message as it was read. Only `outcome` is set unless it is `transaction` or `needsReview`.
+struct Reading {
+  Outcome outcome = Outcome::notATransaction;
+  /// The direction of the money; for `needsReview` the likelier one.
+  Kind kind = Kind::expense;
+  /// The sum that moved, above zero, in its own currency. Always present for `transaction`; absent
+  /// for `needsReview` when no sum could be chosen.
+  std::optional<Money> amount = {};
+  /// The other party as the message writes it, on one line, 60 bytes of UTF-8 at most; empty when
+  /// the message names none.
+  std::string payee = {};
+  /// The payee, else words for the kind of movement such as "Card payment"; never empty.
+  std::string description = {};
+  /// A category by the payee's name or the kind of movement; "Other" when nothing suggests one.
+  std::string category = {};
+  /// The last digits of the person's own account or card as the message shows them; else empty.
+  std::string account = {};
+  /// The bank's reference (UTR, RRN, transaction number); else empty.
+  std::string reference = {};
+  /// The balance after the movement, where the message states one.
+  std::optional<Money> balance = {};
+
+  bool operator==(const Reading&) const = default;
+};
+
+/// Reads `text` (UTF-8; its first 4096 bytes count) for a book kept in `bookCurrency` (ISO 4217).
+/// An ambiguous sign such as "$" or "Rs" is the book's currency where that uses it. A sum in
+/// another currency yields `needsReview` with its own currency. Time is linear in the length of the
+/// text; never throws but for want of memory. Thread-safe.
+Reading read(std::string_view text, std::string_view bookCurrency);
+
+}  // namespace kivo::ledger

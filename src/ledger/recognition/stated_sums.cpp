@@ -1,0 +1,218 @@
+#include "ledger/recognition/stated_sums.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "ledger/recognition/amount_digits.h"
+#include "ledger/recognition/currencies.h"
+#include "ledger/recognition/number_pieces.h"
+#include "ledger/recognition/stated_currency.h"
+#include "ledger/recognition/wordings.h"
+
+namespace kivo::ledger {
+namespace {
+
+bool isMark(const Item& item, std::string_view marks) {
+  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
+         marks.find(item.text.front()) != std::string_view::npos;
+}
+
+class SumReader {
+ public:
+  SumReader(Items items, std::string_view book) : items_(std::move(items)), book_(book) {}
+
+  Items read() {
+    markPieces(items_);
+    Items result;
+    for (std::size_t at = 0; at < items_.size(); ++at) {
+      if (items_[at].kind != Item::Kind::number) {
+        result.push_back(items_[at]);
+        continue;
+      }
+      const std::size_t begin = at;
+      Item item = sumAt(at);  // moves `at` to the last item of the sum
+      while (!result.empty() && result.back().begin >= item.begin) {
+        item.startsSentence = result.back().startsSentence;
+        item.glued = result.back().glued;
+        result.pop_back();
+      }
+      taken_ = std::max(taken_, std::max(at, begin) + 1);
+      result.push_back(std::move(item));
+    }
+    return result;
+  }
+
+ private:
+  [[nodiscard]] std::optional<StatedCurrency> currencyEndingAt(std::size_t end,
+                                                               std::size_t number) const {
+    return currencyBefore(items_, end, taken_, number, book_);
+  }
+
+  [[nodiscard]] std::optional<StatedCurrency> currencyBeginningAt(std::size_t begin,
+                                                                  std::size_t number) const {
+    return currencyAt(items_, begin, number, book_);
+  }
+
+  // In front of the number, behind marks such as ":" and a sign.
+  [[nodiscard]] std::optional<StatedCurrency> inFront(std::size_t number, char& sign) const {
+    std::size_t end = number;
+    for (int marks = 0; marks < 4; ++marks) {
+      if (auto stated = currencyEndingAt(end, number)) {
+        if (auto other = currencyEndingAt(stated->begin, number)) {  // "INR Rs.500"
+          const bool agrees = stated->mayBe(other->codes) || other->mayBe(stated->codes);
+          if (agrees && other->codes.size() < stated->codes.size()) stated->codes = other->codes;
+          if (agrees) stated->begin = other->begin;
+        }
+        if (stated->begin > 0 && isMark(items_[stated->begin - 1], "-+") && sign == '\0' &&
+            items_[stated->begin].glued) {
+          sign = items_[stated->begin - 1].text.front();
+        }
+        return stated;
+      }
+      if (end == 0 || end <= taken_ || !isMark(items_[end - 1], ".:-+=)")) return std::nullopt;
+      if (isMark(items_[end - 1], "-+")) sign = items_[end - 1].text.front();
+      --end;
+    }
+    return std::nullopt;
+  }
+
+  // Whether the currency between two numbers belongs to the second: "card 1234 EGP 50.00".
+  [[nodiscard]] bool belongsToNext(std::size_t number, const StatedCurrency& stated) const {
+    std::size_t next = stated.end;
+    while (next < items_.size() && isMark(items_[next], ".:+-")) ++next;
+    if (next >= items_.size() || items_[next].kind != Item::Kind::number || items_[next].isPiece) {
+      return false;
+    }
+    const bool gluedToThis = items_[stated.begin].glued;
+    const bool gluedToNext = next == stated.end && items_[next].glued;
+    if (gluedToThis != gluedToNext) return gluedToNext;
+    if (items_[number].isPiece) return true;
+    if (currencyBeginningAt(next + 1, next)) return false;  // "500 USD 20 USD"
+    const bool cents = items_[number].text.find_first_of(".,") != std::string::npos;
+    const bool nextCents = items_[next].text.find_first_of(".,") != std::string::npos;
+    return !(cents && !nextCents);
+  }
+
+  [[nodiscard]] std::optional<StatedCurrency> behind(std::size_t last) const {
+    auto stated = currencyBeginningAt(last + 1, last);
+    if (!stated || belongsToNext(last, *stated)) return std::nullopt;
+    return stated;
+  }
+
+  // The last of the items that "1 234 567,89" takes, when it begins at `first`.
+  [[nodiscard]] std::size_t lastOfSpaced(std::size_t first) const {
+    std::size_t last = first;
+    const auto plain = [](const std::string& digits) {
+      return digits.find_first_not_of("0123456789") == std::string::npos;
+    };
+    if (items_[first].text.size() > 3) return first;
+    while (plain(items_[last].text) && last + 1 < items_.size()) {
+      const Item& next = items_[last + 1];
+      const std::size_t whole = std::min(next.text.find_first_of(".,"), next.text.size());
+      if (next.kind != Item::Kind::number || next.isPiece || next.glued || whole != 3) break;
+      if (next.begin - items_[last].end > 3) break;
+      ++last;
+    }
+    return last;
+  }
+
+  static bool groupsByBlanks(std::string_view code) {
+    constexpr std::string_view others =
+        "ZAR MZN MAD DZD TND RUB UAH KZT BYN CHF BGN GEL AZN UZS KGS XOF XAF XPF MGA CDF AOA GNF";
+    const Currency* const currency = currencyByCode(code);
+    return holdsCode(others, code) || (currency != nullptr && currency->pointGroups);
+  }
+
+  [[nodiscard]] bool isMultiplied(std::size_t next) const {
+    constexpr auto multipliers = std::to_array<std::string_view>(
+        {"lakh",     "lakhs", "lac",  "lacs",    "crore",    "crores", "million",
+         "millions", "mln",   "mn",   "billion", "thousand", "k",      "الف",
+         "مليون",    "mil",   "juta", "ribu",    "тыс",      "млн"});
+    return next < items_.size() && std::find(multipliers.begin(), multipliers.end(),
+                                             items_[next].text) != multipliers.end();
+  }
+
+  [[nodiscard]] bool isBareSum(std::size_t number) const {
+    const std::string& digits = items_[number].text;
+    if (digits.find_first_of(".,") != std::string::npos) return true;
+    std::size_t end = number;
+    while (end > 0 && isMark(items_[end - 1], ":-+=.")) --end;
+    if (endsWith(items_, end, Meaning::amount)) return true;
+    return end > 0 && items_[end - 1].text == "by" &&
+           (endsWith(items_, end, Meaning::debited) || endsWith(items_, end, Meaning::credited));
+  }
+
+  // Reads the sum around the number at `at` and moves `at` to its last item.
+  Item sumAt(std::size_t& at) {
+    const std::size_t number = at;
+    Item item = items_[number];
+    if (isDatePiece(items_, number) || isMaskedBehind(number)) return item;
+    char sign = '\0';
+    const std::size_t spaced = lastOfSpaced(number);
+    auto stated = inFront(number, sign);
+    auto after = behind(spaced);
+    std::size_t last = number;
+    if (spaced > number) {
+      const std::string code = stated  ? stated->resolvedFor(book_)
+                               : after ? after->resolvedFor(book_)
+                                       : "";
+      const bool comma = items_[spaced].text.find(',') != std::string::npos;
+      if (!code.empty() && (groupsByBlanks(code) || comma)) {
+        last = spaced;
+        for (std::size_t next = number + 1; next <= spaced; ++next) item.text += items_[next].text;
+      } else if (code.empty()) {
+        after = std::nullopt;
+      }
+    }
+    const bool unclear = spaced > last && (stated || after) &&
+                         items_[spaced].text.find_first_of(".,") != std::string::npos;
+    if (spaced > last) after = behind(last);
+    if (!stated && !after && (item.isPiece || !isBareSum(number))) return item;
+    if (!stated && item.isPiece && !items_[after->begin].glued) return item;
+    if (stated && after && stated->codes.size() > 3 && stated->mayBe(after->codes)) {
+      stated->codes = after->codes;  // "$500 MXN"
+      last = after->end - 1;
+    } else if (!stated && after) {
+      stated = after;
+      last = after->end - 1;
+    }
+    item.kind = Item::Kind::sum;
+    item.isPiece = false;
+    item.sum.sign = sign != '\0' ? sign : signInFront(number);
+    if (stated) {
+      item.begin = std::min(item.begin, items_[stated->begin].begin);
+      item.sum.currency = stated->resolvedFor(book_);
+    }
+    item.end = items_[last].end;
+    const std::string_view habit = stated ? std::string_view(item.sum.currency) : book_;
+    if (!unclear && !isMultiplied(last + 1)) item.sum.minorUnits = minorUnitsOf(item.text, habit);
+    at = last;
+    return item;
+  }
+
+  // "TK 0221xxx" is an account.
+  [[nodiscard]] bool isMaskedBehind(std::size_t number) const {
+    if (number + 1 >= items_.size() || !items_[number + 1].glued) return false;
+    const Item& next = items_[number + 1];
+    return isMark(next, "*") ||
+           (next.kind == Item::Kind::word && next.text.find_first_not_of('x') == std::string::npos);
+  }
+
+  [[nodiscard]] char signInFront(std::size_t number) const {
+    if (number == 0 || !items_[number].glued || !isMark(items_[number - 1], "-+")) return '\0';
+    return items_[number - 1].text.front();
+  }
+
+  Items items_;
+  const std::string_view book_;
+  std::size_t taken_ = 0;  // items before it belong to an earlier number
+};
+
+}  // namespace
+
+Items withSums(Items items, std::string_view bookCurrency) {
+  return SumReader(std::move(items), bookCurrency).read();
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,185 @@
+#include "ledger/recognition/wordings.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <string>
+
+#include "ledger/recognition/spelling.h"
+
+namespace kivo::ledger {
+namespace {
+
+struct Wording {
+  Meaning meaning;
+  std::string_view words;
+};
+
+constexpr auto wordings = std::to_array<Wording>({
+#define WORDING(meaning, words, example, reading) {Meaning::meaning, words},
+#include "ledger/recognition/wordings.def"
+#undef WORDING
+});
+
+struct Element {
+  enum class Kind { word, front, sum, name, gap };
+  Kind kind = Kind::word;
+  std::string text = {};
+};
+
+struct Pattern {
+  Meaning meaning = Meaning::plain;
+  bool namePrecedes = false;
+  std::vector<Element> elements = {};
+};
+
+constexpr std::size_t longestGap = 8;
+constexpr std::string_view sumKey = "#";
+
+Element elementOf(const Item& item) {
+  if (item.text == "#") return {Element::Kind::sum};
+  if (item.text == "^") return {Element::Kind::name};
+  if (item.text == "_") return {Element::Kind::gap};
+  return {Element::Kind::word, item.text};
+}
+
+Pattern patternOf(const Wording& wording) {
+  Pattern pattern{.meaning = wording.meaning};
+  for (const Item& item : itemsOf(wording.words)) {
+    if (item.text == "~") {
+      pattern.elements.back().kind = Element::Kind::front;
+    } else if (item.text == "^" && pattern.elements.empty()) {
+      pattern.namePrecedes = true;
+    } else {
+      pattern.elements.push_back(elementOf(item));
+    }
+  }
+  return pattern;
+}
+
+// Patterns by the first character of their first word, which every match shares.
+using Patterns = std::map<std::string, std::vector<Pattern>, std::less<>>;
+
+std::string_view keyOf(const Item& item) {
+  if (item.kind == Item::Kind::sum) return sumKey;
+  return std::string_view(item.text).substr(0, characterLength(item.text));
+}
+
+Patterns compiled() {
+  Patterns patterns;
+  for (const Wording& wording : wordings) {
+    Pattern pattern = patternOf(wording);
+    const Element& first = pattern.elements.front();
+    const std::string key = first.kind == Element::Kind::sum
+                                ? std::string(sumKey)
+                                : first.text.substr(0, characterLength(first.text));
+    patterns[key].push_back(std::move(pattern));
+  }
+  return patterns;
+}
+
+const Patterns& allPatterns() {
+  static const Patterns patterns = compiled();
+  return patterns;
+}
+
+// Arabic "and" and the article are written with the word: "والرصيد".
+std::string_view withoutPrefix(std::string_view word) {
+  constexpr std::string_view conjunction = "و";
+  constexpr std::string_view article = "ال";
+  constexpr std::size_t shortest = 6;  // three letters of two bytes
+  if (word.starts_with(conjunction) && word.size() >= conjunction.size() + shortest) {
+    word.remove_prefix(conjunction.size());
+  }
+  if (word.starts_with(article) && word.size() >= article.size() + shortest) {
+    word.remove_prefix(article.size());
+  }
+  return word;
+}
+
+bool fits(const Element& element, const Item& item) {
+  if (element.kind == Element::Kind::sum) return item.kind == Item::Kind::sum;
+  if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak) return false;
+  const std::string_view bare = withoutPrefix(item.text);
+  return element.kind == Element::Kind::front
+             ? item.text.starts_with(element.text) || bare.starts_with(element.text)
+             : item.text == element.text || bare == element.text;
+}
+
+// The end of the match of the elements from `element` on at `at`, or absent. A gap spans a few
+// items of one sentence.
+std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std::size_t element,
+                                      const Items& items, std::size_t at) {
+  for (; element < elements.size(); ++element, ++at) {
+    const bool last = element + 1 == elements.size();
+    if (elements[element].kind == Element::Kind::name) return at;
+    if (elements[element].kind == Element::Kind::gap) {
+      for (std::size_t skipped = 0; skipped <= longestGap && at + skipped < items.size();
+           ++skipped) {
+        if (skipped > 0 && items[at + skipped - 1].kind == Item::Kind::lineBreak) break;
+        if (skipped > 0 && items[at + skipped].startsSentence) break;
+        if (const auto end = endOfMatch(elements, element + 1, items, at + skipped)) return end;
+      }
+      return std::nullopt;
+    }
+    if (at >= items.size() || !fits(elements[element], items[at])) return std::nullopt;
+    // A closing sum is only looked at, so that it may begin the next wording.
+    if (last && element > 0 && elements[element].kind == Element::Kind::sum) return at;
+  }
+  return at;
+}
+
+// The longest of `patterns` that matches at `at`, if it is longer than `longest`.
+void findLonger(const std::vector<Pattern>& patterns, const Items& items, std::size_t at,
+                std::optional<Found>& longest, std::size_t& mostElements) {
+  for (const Pattern& pattern : patterns) {
+    const auto end = endOfMatch(pattern.elements, 0, items, at);
+    if (!end || pattern.elements.size() < mostElements) continue;
+    if (longest && pattern.elements.size() == mostElements && *end <= longest->end) continue;
+    mostElements = pattern.elements.size();
+    longest = Found{.meaning = pattern.meaning,
+                    .begin = at,
+                    .end = *end,
+                    .nameFollows = pattern.elements.back().kind == Element::Kind::name,
+                    .namePrecedes = pattern.namePrecedes};
+  }
+}
+
+std::optional<Found> longestAt(const Items& items, std::size_t at) {
+  std::optional<Found> longest;
+  std::size_t mostElements = 0;
+  const std::string_view key = keyOf(items[at]);
+  if (const auto same = allPatterns().find(key); same != allPatterns().end()) {
+    findLonger(same->second, items, at, longest, mostElements);
+  }
+  const std::string_view bare = withoutPrefix(items[at].text);
+  const std::string_view bareKey = bare.substr(0, characterLength(bare));
+  if (bareKey == key || items[at].kind != Item::Kind::word) return longest;
+  if (const auto other = allPatterns().find(bareKey); other != allPatterns().end()) {
+    findLonger(other->second, items, at, longest, mostElements);
+  }
+  return longest;
+}
+
+}  // namespace
+
+std::vector<Found> wordingsIn(const Items& items) {
+  std::vector<Found> found;
+  for (std::size_t at = 0; at < items.size();) {
+    const auto longest = longestAt(items, at);
+    if (longest) found.push_back(*longest);
+    at = longest ? std::max(longest->end, at + 1) : at + 1;
+  }
+  return found;
+}
+
+bool endsWith(const Items& items, std::size_t end, Meaning meaning) {
+  constexpr std::size_t mostItems = 4;
+  for (std::size_t length = 1; length <= std::min(mostItems, end); ++length) {
+    const auto longest = longestAt(items, end - length);
+    if (longest && longest->meaning == meaning && longest->end == end) return true;
+  }
+  return false;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,89 @@
+// The wordings of wordings.def, found in a message. Does not decide between them.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "ledger/recognition/message_items.h"
+
+namespace kivo::ledger {
+
+/// The use of a wording. wordings.def explains each.
+enum class Meaning {
+  // Money moved.
+  spent,
+  purchase,
+  paid,
+  payment,
+  sent,
+  transferOut,
+  withdrew,
+  withdrawal,
+  debited,
+  debit,
+  fee,
+  machine,
+  transaction,
+  creditTaken,
+  credited,
+  credit,
+  received,
+  transferIn,
+  deposit,
+  salary,
+  refund,
+  cashback,
+  cardSettlement,
+  ownTransfer,
+  // No money moved.
+  code,
+  warning,
+  declined,
+  notYet,
+  notDone,
+  done,
+  // The part that a sum plays.
+  amount,
+  balance,
+  limit,
+  charge,
+  aside,
+  equivalent,
+  // Names, accounts and references.
+  label,
+  at,
+  to,
+  towards,
+  from,
+  by,
+  info,
+  ends,
+  own,
+  account,
+  reference,
+  // Looks like one of these and is none.
+  plain,
+};
+
+/// A wording in a message.
+struct Found {
+  Meaning meaning = Meaning::plain;
+  /// Its items, from the first to behind the last.
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  /// The other party's name begins at `end`.
+  bool nameFollows = false;
+  /// The other party's name ends at `begin`.
+  bool namePrecedes = false;
+};
+
+/// The wordings in `items` from left to right. They do not overlap: at each item the longest
+/// counts.
+std::vector<Found> wordingsIn(const Items& items);
+
+/// Whether a wording of `meaning` without sums or names ends in front of `items[end]`.
+bool endsWith(const Items& items, std::size_t end, Meaning meaning);
+
+}  // namespace kivo::ledger

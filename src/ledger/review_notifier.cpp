@@ -1,0 +1,37 @@
+#include "ledger/review_notifier.h"
+
+#include <stdexcept>
+
+#include "feedback/expense_notifier.h"
+#include "platform/linux/app_intents/installed_platform.h"
+#include "platform/linux/concurrency/task_executor.h"
+#include "store/store_keys.h"
+
+namespace kivo::ledger {
+
+// In this order: the platform outlives its tasks.
+struct ReviewNotifier::Reached {
+  linux_platform::InstalledPlatform platform{extensionBundle};
+  linux_platform::TaskExecutor executor{1};
+};
+
+ReviewNotifier::ReviewNotifier() = default;
+ReviewNotifier::~ReviewNotifier() = default;
+
+void ReviewNotifier::post(const LedgerEntry& entry) {
+  try {
+    if (reached_ == nullptr) reached_ = std::make_unique<Reached>();
+    reached_->executor.start(
+        reached_->platform.asOneRun(ExpenseNotifier::post("🔎 Needs a look", body(entry))));
+  } catch (const std::runtime_error&) {  // no thread can be started
+    reached_.reset();
+  }
+}
+
+std::string ReviewNotifier::body(const LedgerEntry& entry) {
+  if (!entry.amount) return "A message with an unclear sum: " + entry.description;
+  const char* const preposition = entry.kind == Kind::income ? " from " : " at ";
+  return amountText(*entry.amount) + " " + entry.amount->currency + preposition + entry.description;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,190 @@
+#include "ledger/unix_http_server.h"
+
+#include <csignal>
+#include <memory>
+#include <set>
+#include <utility>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/local/stream_protocol.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/beast/core/basic_stream.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http.hpp>
+#include <unistd.h>
+
+namespace kivo::ledger {
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+using asio::local::stream_protocol;
+using boost::system::error_code;
+
+namespace {
+
+constexpr std::uint64_t longestBody = 1U << 20U;
+constexpr std::chrono::seconds longestExchange{10};
+// After an accept that failed, as for want of file descriptors.
+constexpr std::chrono::milliseconds acceptPause{50};
+
+using Response = http::response<http::string_body>;
+
+Response responseOf(UnixHttpServer::Answer answer) {
+  Response response(static_cast<http::status>(answer.status), 11);
+  response.set(http::field::content_type, "application/json");
+  if (!answer.allow.empty()) response.set(http::field::allow, answer.allow);
+  response.keep_alive(false);
+  response.body() = std::move(answer.body);
+  response.prepare_payload();
+  return response;
+}
+
+class Connections;
+
+// One exchange on one connection; lives as long as it waits for something.
+class Exchange : public std::enable_shared_from_this<Exchange> {
+ public:
+  Exchange(stream_protocol::socket socket, Connections& connections)
+      : stream_(std::move(socket)), connections_(connections) {
+    parser_.body_limit(longestBody);
+  }
+
+  void begin();
+  // Drops the exchange unless its answer is under way.
+  void dropUnanswered() {
+    if (!answered_) stream_.close();
+  }
+
+ private:
+  void received(const error_code& error);
+  void respond(UnixHttpServer::Answer answer);
+
+  beast::basic_stream<stream_protocol> stream_;
+  Connections& connections_;
+  beast::flat_buffer buffer_;
+  http::request_parser<http::string_body> parser_;
+  Response response_;
+  bool answered_ = false;
+};
+
+// All of one `run`. Its event loop ends when nothing is waited for any more.
+class Connections {
+ public:
+  Connections(const UnixHttpServer::Handler& handler, const ListeningSocket& socket,
+              std::optional<std::chrono::milliseconds> idleLimit)
+      : handler_(handler),
+        acceptor_(context_, stream_protocol(), dup(socket.descriptor())),
+        signals_(context_, SIGTERM, SIGINT),
+        pause_(context_),
+        idle_(context_),
+        idleLimit_(idleLimit) {}
+
+  void run() {
+    signals_.async_wait([this](const error_code& error, int) {
+      if (!error) stop();
+    });
+    accept();
+    restartIdleTime();
+    context_.run();
+  }
+
+  UnixHttpServer::Answer answer(const UnixHttpServer::Request& request) {
+    return handler_(request);
+  }
+
+  void ended(const std::shared_ptr<Exchange>& exchange) {
+    exchanges_.erase(exchange);
+    restartIdleTime();
+  }
+
+ private:
+  void accept() {
+    acceptor_.async_accept([this](const error_code& error, stream_protocol::socket socket) {
+      if (!acceptor_.is_open()) return;
+      if (error) return acceptLater();
+      const auto exchange = std::make_shared<Exchange>(std::move(socket), *this);
+      exchanges_.insert(exchange);
+      idle_.cancel();
+      exchange->begin();
+      accept();
+    });
+  }
+
+  void acceptLater() {
+    pause_.expires_after(acceptPause);
+    pause_.async_wait([this](const error_code& error) {
+      if (!error && acceptor_.is_open()) accept();
+    });
+  }
+
+  void restartIdleTime() {
+    if (!idleLimit_ || !exchanges_.empty() || !acceptor_.is_open()) return;
+    idle_.expires_after(*idleLimit_);
+    idle_.async_wait([this](const error_code& error) {
+      if (!error && exchanges_.empty()) stop();
+    });
+  }
+
+  void stop() {
+    error_code ignored;
+    acceptor_.close(ignored);
+    signals_.cancel(ignored);
+    pause_.cancel();
+    idle_.cancel();
+    for (const auto& exchange : exchanges_) exchange->dropUnanswered();
+  }
+
+  const UnixHttpServer::Handler& handler_;
+  asio::io_context context_{1};
+  stream_protocol::acceptor acceptor_;
+  asio::signal_set signals_;
+  asio::steady_timer pause_;
+  asio::steady_timer idle_;
+  std::optional<std::chrono::milliseconds> idleLimit_;
+  std::set<std::shared_ptr<Exchange>> exchanges_;
+};
+
+void Exchange::begin() {
+  stream_.expires_after(longestExchange);
+  http::async_read(
+      stream_, buffer_, parser_,
+      [self = shared_from_this()](const error_code& error, std::size_t) { self->received(error); });
+}
+
+void Exchange::received(const error_code& error) {
+  const auto& httpErrors = make_error_code(http::error::bad_value).category();
+  if (error == http::error::body_limit) {
+    respond({.status = 413, .body = R"({"error":"the body is too long"})", .allow = ""});
+  } else if (error == http::error::end_of_stream || error == http::error::partial_message ||
+             (error && error.category() != httpErrors)) {
+    connections_.ended(shared_from_this());
+  } else if (error) {
+    respond({.status = 400, .body = R"({"error":"this is no HTTP request"})", .allow = ""});
+  } else {
+    auto& request = parser_.get();
+    respond(connections_.answer({.method = std::string(request.method_string()),
+                                 .target = std::string(request.target()),
+                                 .body = std::move(request.body())}));
+  }
+}
+
+void Exchange::respond(UnixHttpServer::Answer answer) {
+  answered_ = true;
+  response_ = responseOf(std::move(answer));
+  http::async_write(
+      stream_, response_, [self = shared_from_this()](const error_code&, std::size_t) {
+        error_code ignored;
+        self->stream_.socket().shutdown(stream_protocol::socket::shutdown_send, ignored);
+        self->connections_.ended(self);
+      });
+}
+
+}  // namespace
+
+void UnixHttpServer::run(const ListeningSocket& socket,
+                         std::optional<std::chrono::milliseconds> idleLimit) {
+  Connections(handler_, socket, idleLimit).run();
+}
+
+}  // namespace kivo::ledger

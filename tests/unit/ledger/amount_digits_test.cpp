@@ -1,0 +1,59 @@
+#include "ledger/recognition/amount_digits.h"
+
+#include <gtest/gtest.h>
+
+namespace kivo::ledger {
+namespace {
+
+TEST(TheDigitsOfASum, MayHaveNoSeparator) {
+  EXPECT_EQ(minorUnitsOf("150", "EGP"), 15000);
+  EXPECT_EQ(minorUnitsOf("150", "JPY"), 150);
+}
+
+TEST(TheDigitsOfASum, MayGroupThousandsAndLakhs) {
+  EXPECT_EQ(minorUnitsOf("1,234.56", "EGP"), 123456);
+  EXPECT_EQ(minorUnitsOf("1.234,56", "EUR"), 123456);
+  EXPECT_EQ(minorUnitsOf("1'234.50", "CHF"), 123450);
+  EXPECT_EQ(minorUnitsOf("1,50,000.00", "INR"), 15000000);
+  EXPECT_EQ(minorUnitsOf("1,234,567", "EGP"), 123456700);
+  EXPECT_EQ(minorUnitsOf("1.234.567", "EUR"), 123456700);
+}
+
+TEST(TheDigitsOfASum, MaySeparateDecimalsLikeThousands) {
+  EXPECT_EQ(minorUnitsOf("55.000.00", "PKR"), 5500000);
+}
+
+TEST(TheDigitsOfASum, MayBeginWithThePoint) { EXPECT_EQ(minorUnitsOf(".93", "EUR"), 93); }
+
+TEST(TheDigitsOfASum, MayHaveFewerOrMoreDecimalsThanTheCurrency) {
+  EXPECT_EQ(minorUnitsOf("34.5", "AED"), 3450);
+  EXPECT_EQ(minorUnitsOf("34,5", "AED"), 3450);
+  EXPECT_EQ(minorUnitsOf("12.5000", "INR"), 1250);
+  EXPECT_EQ(minorUnitsOf("20000.00", "UGX"), 20000);
+}
+
+TEST(ALonePointBeforeThreeDigits, IsReadByTheHabitOfTheCurrency) {
+  EXPECT_EQ(minorUnitsOf("5.000", "KWD"), 5000);    // five dinars
+  EXPECT_EQ(minorUnitsOf("5.000", "IDR"), 500000);  // five thousand rupiah
+  EXPECT_EQ(minorUnitsOf("5.000", "XOF"), 5000);    // five thousand francs
+  EXPECT_EQ(minorUnitsOf("5.000", "INR"), 500);     // five rupees, a zero too many
+  EXPECT_EQ(minorUnitsOf("5.250", "INR"), std::nullopt);
+}
+
+TEST(ALoneCommaBeforeThreeDigits, GroupsUnlessTheCurrencyHasDecimalCommas) {
+  EXPECT_EQ(minorUnitsOf("5,000", "KWD"), 5000000);
+  EXPECT_EQ(minorUnitsOf("5,000", "TND"), 5000);
+  EXPECT_EQ(minorUnitsOf("0,500", "KWD"), 500);
+}
+
+TEST(DigitsThatFollowNoHabit, AreNotRead) {
+  EXPECT_EQ(minorUnitsOf("1,23,45", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("10,00.00", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("500.00.2345", "INR"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("12.3456", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1.50", "JPY"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("99999999999999999999", "EGP"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace kivo::ledger

@@ -1,0 +1,169 @@
+#include "ledger/book.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "ledger/book_file.h"
+#include "ledger_test.h"
+#include "testkit/stored_bytes.h"
+
+namespace kivo::ledger {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Pair;
+
+class AKeptBook : public LedgerTest {
+ protected:
+  static std::vector<std::int64_t> ids(const std::vector<LedgerEntry>& entries) {
+    std::vector<std::int64_t> found;
+    for (const LedgerEntry& entry : entries) found.push_back(entry.id);
+    return found;
+  }
+
+  static unsigned modeOf(const fs::path& path) {
+    struct stat found {};
+    EXPECT_EQ(stat(path.c_str(), &found), 0) << path;
+    return found.st_mode & 0777U;
+  }
+
+  // Three entries of three days, the newest recorded first.
+  Book three() {
+    Book book = open();
+    recorded(book, "KEY-1", spent(100, "Sunny Market"), "2026-11-30");
+    Reading reading = spent(200, "Moon 50% Café");
+    reading.category = "Eating out";
+    reading.reference = "REF_7";
+    recorded(book, "KEY-2", reading, "2026-11-01");
+    recorded(book, "KEY-3", spent(300, "Star Rail"), "2026-10-31");
+    return book;
+  }
+};
+
+TEST_F(AKeptBook, IsPrivateAndSaysWhatItIs) {
+  open();
+  EXPECT_EQ(modeOf(file()), 0600U);
+  EXPECT_EQ(modeOf(file().parent_path()), 0700U);
+  testkit::RawStore raw(file());
+  EXPECT_EQ(raw.run("PRAGMA journal_mode"), "wal\n");
+  EXPECT_EQ(raw.run("PRAGMA user_version"), "1\n");
+  EXPECT_EQ(raw.run("PRAGMA application_id"), "1266044007\n");
+}
+
+TEST_F(AKeptBook, ListsTheNewestFirst) {
+  EXPECT_THAT(ids(three().entries({})), ElementsAre(1, 2, 3));
+}
+
+TEST_F(AKeptBook, ListsWhatFitsAFilter) {
+  Book book = three();
+  EXPECT_THAT(ids(book.entries({.from = "2026-11-01"})), ElementsAre(1, 2));
+  EXPECT_THAT(ids(book.entries({.to = "2026-11-01"})), ElementsAre(2, 3));
+  EXPECT_THAT(ids(book.entries({.from = "2026-11-01", .to = "2026-11-29"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.category = "eating OUT"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.category = "eating"})), IsEmpty());
+  EXPECT_THAT(ids(book.entries({.search = "rail"})), ElementsAre(3));
+  EXPECT_THAT(ids(book.entries({.search = "50%"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.search = "%"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.search = "F_7"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.search = "S_r"})), IsEmpty());
+  EXPECT_THAT(ids(book.entries({.state = LedgerEntry::State::review})), IsEmpty());
+}
+
+TEST_F(AKeptBook, EditsOnlyWhatIsGiven) {
+  Book book = open();
+  const LedgerEntry before = recorded(book, "KEY-1", spent(100));
+  EXPECT_TRUE(book.edit(1, {.date = "2026-01-02", .kind = Kind::transfer}));
+  LedgerEntry after = book.entry(1).value();
+  EXPECT_EQ(after.date, "2026-01-02");
+  EXPECT_EQ(after.kind, Kind::transfer);
+  EXPECT_EQ(after.amount, before.amount);
+  EXPECT_EQ(after.description, before.description);
+  EXPECT_TRUE(book.edit(1, {.amount = Money{5, "JPY"}}));
+  EXPECT_EQ(book.entry(1)->amount, (Money{5, "JPY"}));
+  EXPECT_FALSE(book.edit(2, {.date = "2026-01-02"}));
+}
+
+TEST_F(AKeptBook, BooksAReviewedEntryThatHasASum) {
+  Book book = open();
+  Reading reading = spent(100);
+  reading.outcome = Outcome::needsReview;
+  recorded(book, "KEY-1", reading);
+  reading.amount.reset();
+  recorded(book, "KEY-2", reading);
+  EXPECT_TRUE(book.accept(1));
+  EXPECT_FALSE(book.accept(2));
+  EXPECT_FALSE(book.accept(3));
+  EXPECT_THAT(ids(book.entries({})), ElementsAre(1));
+  ASSERT_TRUE(book.edit(2, {.amount = Money{7, "EGP"}}));
+  EXPECT_TRUE(book.accept(2));
+}
+
+TEST_F(AKeptBook, LeavesNoTextOfADeletedEntryInItsFiles) {
+  Book book = open();
+  Message secret = message("KEY-1");
+  secret.text = "SECRET text of a message";
+  book.record(secret, "EGP");
+  recorded(book, "KEY-2", spent(100));
+  ASSERT_THAT(testkit::bytesIn(file().parent_path()), HasSubstr("SECRET"));
+  EXPECT_TRUE(book.remove(1));
+  EXPECT_FALSE(book.remove(1));
+  EXPECT_THAT(testkit::bytesIn(file().parent_path()), Not(HasSubstr("SECRET")));
+  EXPECT_THAT(ids(book.entries({})), ElementsAre(2));
+}
+
+TEST_F(AKeptBook, MarksLookAlikesOfADeletedEntryByTheFirstOfThem) {
+  Book book = open();
+  for (const char* const key : {"KEY-1", "KEY-2", "KEY-3", "KEY-4"}) {
+    recorded(book, key, spent(100));
+  }
+  ASSERT_TRUE(book.remove(1));
+  EXPECT_EQ(book.entry(2)->possibleDuplicateOf, std::nullopt);
+  EXPECT_EQ(book.entry(3)->possibleDuplicateOf, 2);
+  ASSERT_TRUE(book.remove(3));
+  EXPECT_EQ(book.entry(4)->possibleDuplicateOf, 2);
+}
+
+TEST_F(AKeptBook, LeavesNoTextInItsFilesWhenAllAreForgotten) {
+  Book book = three();
+  EXPECT_EQ(book.forgetTexts(), 3);
+  EXPECT_THAT(testkit::bytesIn(file().parent_path()), Not(HasSubstr("text of")));
+  EXPECT_FALSE(book.entry(1)->text);
+  EXPECT_EQ(book.entry(1)->description, "Sunny Market");
+  EXPECT_EQ(book.forgetTexts(), 0);
+}
+
+TEST_F(AKeptBook, KeepsRates) {
+  Book book = open();
+  book.setRate("USD", "48.5");
+  book.setRate("EUR", "52");
+  book.setRate("USD", "49");
+  EXPECT_THAT(book.rates(), ElementsAre(Pair("EUR", "52"), Pair("USD", "49")));
+  EXPECT_TRUE(book.removeRate("USD"));
+  EXPECT_FALSE(book.removeRate("USD"));
+}
+
+TEST_F(AKeptBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
+  open();
+  for (const char* const sql : {"PRAGMA user_version = 2", "PRAGMA application_id = 7"}) {
+    testkit::RawStore(file()).run(sql);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(Book::open([](auto, auto) { return Reading(); })) << sql;
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(file().string())) << sql;
+  }
+  fs::remove_all(file().parent_path());
+  fs::create_directories(file().parent_path());
+  std::ofstream(file()) << "no database, but a text of some length";
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(Book::open([](auto, auto) { return Reading(); }));
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("is not a database"));
+}
+
+}  // namespace
+}  // namespace kivo::ledger

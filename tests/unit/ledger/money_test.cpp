@@ -1,0 +1,51 @@
+#include "ledger/recognition/money.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace kivo::ledger {
+namespace {
+
+TEST(AMoneyText, HasTheDecimalsOfItsCurrency) {
+  EXPECT_EQ(amountText({15000, "EGP"}), "150.00");
+  EXPECT_EQ(amountText({4250, "KWD"}), "4.250");
+  EXPECT_EQ(amountText({150, "JPY"}), "150");
+  EXPECT_EQ(amountText({5, "EGP"}), "0.05");
+  EXPECT_EQ(amountText({-5, "EGP"}), "-0.05");
+  EXPECT_EQ(amountText({0, "EGP"}), "0.00");
+}
+
+TEST(AMoneyText, HoldsTheSmallestAndTheGreatestSum) {
+  EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::min(), "EGP"}), "-92233720368547758.08");
+  EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::max(), "EGP"}), "92233720368547758.07");
+}
+
+TEST(AMoneyText, IsReadAsWholeMinorUnits) {
+  EXPECT_EQ(moneyFromText("150", "EGP"), (Money{15000, "EGP"}));
+  EXPECT_EQ(moneyFromText("150.5", "EGP"), (Money{15050, "EGP"}));
+  EXPECT_EQ(moneyFromText("-0.05", "EGP"), (Money{-5, "EGP"}));
+  EXPECT_EQ(moneyFromText("4.250", "KWD"), (Money{4250, "KWD"}));
+  EXPECT_EQ(moneyFromText("92233720368547758.07", "EGP"),
+            (Money{std::numeric_limits<std::int64_t>::max(), "EGP"}));
+}
+
+TEST(AMoneyText, ThatIsNoSumOfItsCurrencyIsNotRead) {
+  for (const char* const text :
+       {"", "-", ".5", "5.", "1,5", "1e3", " 1", "+1", "0x1", "nan", "1.2.3", "1.005",
+        "92233720368547758.08", "99999999999999999999"}) {
+    EXPECT_EQ(moneyFromText(text, "EGP"), std::nullopt) << text;
+  }
+  EXPECT_EQ(moneyFromText("1.5", "JPY"), std::nullopt);
+}
+
+TEST(ACurrency, IsKnownByItsCodeInCapitals) {
+  EXPECT_TRUE(isCurrency("AED"));
+  EXPECT_TRUE(isCurrency("ZMW"));
+  EXPECT_FALSE(isCurrency("aed"));
+  EXPECT_FALSE(isCurrency("ABC"));
+  EXPECT_FALSE(isCurrency(""));
+}
+
+}  // namespace
+}  // namespace kivo::ledger
