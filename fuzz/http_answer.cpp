@@ -84,7 +84,7 @@ Answer answerOf(std::string_view input) {
 void writeAll(int socket, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (written <= 0) return;  // the session has heard enough
+    if (written <= 0) return;  // the session has closed its end
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
 }

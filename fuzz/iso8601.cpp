@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     kivo::fuzz::require(text.size() == std::string_view("2026-01-31T09:05:07+02:00").size(),
                         "a time that parses has one form");
   }
-  // An offset may lead out of the years of four digits, which do not read back.
+  // An offset may lead to a year without four digits, which does not parse.
   const bool hasFourDigitYear = written.size() == 20 && written.front() != '-';
   kivo::fuzz::require(!hasFourDigitYear || ISO8601DateFormatter::date(written) == moment,
                       "a moment reads back from its text");

@@ -1,7 +1,7 @@
-# What is done before the first file is installed; see CMakeLists.txt.
+# Runs before the first file is installed; see CMakeLists.txt.
 
-# Makes `folder`, and those that lead to it, for everyone to enter. What CMake makes by itself is as the
-# umask has it, so that root may install what nobody finds.
+# Creates `folder` and its parents with mode 0755. CMake's own would follow the umask, so that root could
+# install files that no other user can reach.
 function(kivo_make_folder folder)
   if(EXISTS "${folder}")
     return()
@@ -16,7 +16,7 @@ foreach(folder ${KIVO_FOLDERS})
   kivo_make_folder("$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/${folder}")
 endforeach()
 
-# The date of what is packaged: SOURCE_DATE_EPOCH where it is set, as by scripts/package.
+# The date in the packaged files: SOURCE_DATE_EPOCH if set, as scripts/package does.
 string(TIMESTAMP KIVO_RELEASE_DATE "%Y-%m-%d" UTC)
 string(TIMESTAMP KIVO_RELEASE_TIME "%a, %d %b %Y %H:%M:%S +0000" UTC)
 

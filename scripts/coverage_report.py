@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Prints what gcovr has counted: lines and branches reached per room, then the lines not reached."""
+"""Prints gcovr's counts: covered lines and branches per room, then the lines that are not covered."""
 import collections
 import json
 import sys

@@ -5,7 +5,7 @@
 
 namespace kivo {
 
-/// The main type of the extension's process; `main` is the platform's.
+/// The main type of the extension's process. The platform provides `main`.
 struct ExpenseIntentsExtension : platform::AppExtension<ExpenseIntentsExtension> {
   /// Returns the extension with its intents and shortcuts. A new intent needs one line here to be
   /// offered everywhere.

@@ -1,4 +1,4 @@
-// The process entry of kivo-intents.
+// The entry point of kivo-intents.
 #include "intents/expense_intents_extension.h"
 
 int main(int argc, char** argv) { return kivo::ExpenseIntentsExtension::main(argc, argv); }

@@ -15,7 +15,7 @@
 
 namespace kivo {
 
-/// A result whose dialog is `text`.
+/// Returns a result with the dialog `text`.
 platform::IntentResult answer(std::string text);
 
 /// One run of an intent that sends a text: its store handle, the credentials read at the start, and
@@ -24,7 +24,7 @@ platform::IntentResult answer(std::string text);
 class IntentRun {
  public:
   /// Opens the store, reads the credentials and makes the key and the date. If the store cannot be
-  /// opened or nobody is signed in, returns the result to answer with instead. Sends and writes
+  /// opened or no user is signed in, returns the result to answer with instead. Sends and writes
   /// nothing.
   static std::variant<IntentRun, platform::IntentResult> begin();
 

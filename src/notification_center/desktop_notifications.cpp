@@ -36,7 +36,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const BusObject& desktop = desktop_notifications_interface::object;
 constexpr std::size_t mostLinks = 500;
-constexpr std::size_t longestLink = 8 << 10;  // bytes; a longer one is not offered to be opened
+constexpr std::size_t longestLink = 8 << 10;  // bytes; longer ones cannot be opened
 
 std::string deepLink(const UNMutableNotificationContent& content) {
   const auto found = content.userInfo.find("deepLink");
@@ -110,7 +110,7 @@ void DesktopNotifications::subscribeToServer(std::function<void()> serverAppeare
             });
   subscribeToOwner(bus_, desktop.service,
                    [this, appeared = std::move(serverAppeared)](const std::string& owner) {
-                     links_.clear();  // another server counts from one again
+                     links_.clear();  // a new server restarts its identifiers
                      if (!owner.empty()) appeared();
                    });
 }

@@ -47,7 +47,7 @@ class DesktopNotifications {
               const std::vector<std::string>& capabilities, std::function<void(ShowOutcome)> done);
 
   struct Shown {
-    std::string server;  // its unique name, from which alone signals count
+    std::string server;  // its unique bus name; other signals are ignored
     std::string link;
   };
   using Links = std::map<std::uint32_t, Shown>;
@@ -55,7 +55,7 @@ class DesktopNotifications {
   void rememberLink(std::uint32_t id, Shown shown);
 
   DBusConnection* bus_;
-  Links links_;  // of what is on the screen
+  Links links_;  // of the notifications on the screen
   LinkOpener opener_;
 };
 

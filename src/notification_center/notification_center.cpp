@@ -150,7 +150,7 @@ void NotificationCenter::ended(const NotificationName& name, ShowOutcome outcome
     rememberShown(name);
     setPendingFrom(waiting_);
     record_.setShown(shown_);
-    record_.commit();  // when that fails, a restart shows it again, which is better than never
+    record_.commit();  // on failure a restart shows it again, which is better than never
     return;
   }
   if (outcome == ShowOutcome::noServer) serverMissing_ = true;

@@ -17,7 +17,7 @@ int serve() {
 
   // Opened only after the bus name is taken, so that no other center uses it.
   auto record = kivo::NotificationRecord::open();
-  if (!record) throw std::runtime_error("the notifications on disk cannot be opened");
+  if (!record) throw std::runtime_error("the stored notifications cannot be opened");
   center.emplace(std::move(*record), [&service](const auto& content, auto done) {
     service.show(content, std::move(done));
   });
@@ -31,9 +31,9 @@ int main(int argc, char** argv) {
   kivo::linux_platform::startProcess();
   return kivo::linux_platform::runService(
       {.name = "kivo-notification-center",
-       .purpose = "The phone's notification center: keeps on the session bus who may notify and "
-                  "what waits to\nbe shown, and has the desktop show it when it is due. Ends with "
-                  "the bus.\n",
+       .purpose =
+           "The phone's notification center on the session bus: keeps permissions and waiting\n"
+           "notifications, and shows each on the desktop when it is due. Ends with the bus.\n",
        .serve = serve},
       argc, argv);
 }

@@ -34,22 +34,23 @@ void add(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer)
       return answer.give();
     case AddOutcome::denied:
       throw BusRefusal(DBUS_ERROR_ACCESS_DENIED,
-                       "the person has denied notifications of this bundle");
+                       "the user has denied notifications of this bundle");
     case AddOutcome::noRoom:
       throw BusRefusal(DBUS_ERROR_LIMITS_EXCEEDED,
-                       "the requests that wait are too large for one more");
+                       "all waiting requests together would exceed 32 MiB");
     case AddOutcome::notKept:
-      throw BusRefusal(DBUS_ERROR_IO_ERROR, "the request cannot be kept");
+      throw BusRefusal(DBUS_ERROR_IO_ERROR, "the request cannot be written to disk");
   }
 }
 
 void setStatus(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
   const std::string_view bundle = *arguments.text();
   const auto status = notification_center_interface::statusOf(*arguments.integer());
-  if (!status) throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "there is no such authorization status");
+  if (!status)
+    throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "invalid status; it must be a number from 0 to 4");
   if (sizeOf(bundle) > largestRequest) throw tooLarge();
   if (!calls.setAuthorizationStatus(std::string(bundle), *status)) {
-    throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be kept");
+    throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be written to disk");
   }
   answer.give();
 }
@@ -122,7 +123,7 @@ void NotificationCenterService::serve(
     serveObject(bus, notification_center_interface::object, methodsOf(calls));
     bus_->loop.run(beforeWaiting);
   } catch (const std::runtime_error&) {
-    // The bus went away before we were ready to serve.
+    // The bus connection was lost before the objects were registered.
   }
 }
 

@@ -18,7 +18,7 @@ constexpr const char* shownKey = "shownNotifications";
 std::string statusKey(const std::string& bundle) { return "authorizationStatus." + bundle; }
 
 void reportDamage(const char* key) {
-  std::cerr << "kivo-notification-center: what is stored under " << key << " cannot be read\n";
+  std::cerr << "kivo-notification-center: the stored value of " << key << " cannot be read\n";
 }
 
 }  // namespace

@@ -35,7 +35,8 @@ class TextCopier {
 
 BusReader valueOfType(BusReader& entry, const std::string& key, const char* type) {
   BusReader value = entry.inside();
-  if (value.type() != type) throw invalid("content has a value of another type under " + key);
+  if (value.type() != type)
+    throw invalid("the value of " + key + " in content must have the type " + type);
   return value;
 }
 
@@ -48,7 +49,7 @@ void readContentEntry(BusReader entry, TextCopier& copier, UNMutableNotification
     content.body = text();
   } else if (key == notification_center_interface::sound) {
     if (text() != notification_center_interface::defaultSound)
-      throw invalid("there is no sound but the default one");
+      throw invalid("unknown sound; the only one is \"default\"");
   } else if (key == notification_center_interface::userInfo) {
     BusReader pairs = valueOfType(entry, key, "a{ss}").inside();
     for (; !pairs.atEnd(); pairs.skip()) {
@@ -64,9 +65,9 @@ void readContentEntry(BusReader entry, TextCopier& copier, UNMutableNotification
 UNTimeIntervalNotificationTrigger triggerOf(double interval, bool repeats) {
   const std::chrono::duration<double> timeInterval(interval);
   if (!UNTimeIntervalNotificationTrigger::isPossible(timeInterval)) {
-    throw invalid("the interval is no time from now to a century");
+    throw invalid("the interval must be at least 0 s and less than 100 years");
   }
-  if (repeats) throw invalid("no notification repeats");
+  if (repeats) throw invalid("repeating notifications are not supported");
   return {.timeInterval = timeInterval};
 }
 

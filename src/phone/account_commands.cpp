@@ -46,14 +46,14 @@ std::vector<std::string> statusWords() {
 
 constexpr const char* noCenter = "the notification center does not answer";
 
-// What is wrong with the stored currency, if anything.
+// Returns a warning about the stored currency, if it is unknown.
 std::optional<std::string> currencyWarning(const SharedStore& store) {
   const std::string code = AmountFormatter::currencyCode(store);
   if (linux_platform::isKnownCurrency(code)) return std::nullopt;
   return '"' + code + "\" is no currency code of ISO 4217, such as EGP; amounts may read wrong.";
 }
 
-// What was given for `name`, as it is stored: made valid UTF-8.
+// Returns the given value for `name`, made valid UTF-8.
 std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }

@@ -47,7 +47,7 @@ std::string sentenceOf(int status) {
   if (status / 100 == 3) {
     return answers + ": redirects are not followed; sign in to the address that it leads to.";
   }
-  constexpr int notImplemented = 501;  // what some say of any GET
+  constexpr int notImplemented = 501;  // some servers reply so to any GET
   if (status / 100 == 5 && status != notImplemented)
     return answers + ": it is out of order just now.";
   return answers + ".";

@@ -44,10 +44,14 @@ int getFromStore(const GivenParameters& given) {
   const auto defaults = UserDefaults::initWithSuiteName(appGroup);
   if (!defaults) return failWithoutStore();
   const auto values = defaults->dictionaryRepresentation();
-  const auto value = values.find(textOf(given, "KEY"));
-  if (value == values.end()) return fail("nothing is stored under this key");
+  const std::string key = textOf(given, "KEY");
+  const std::string quoted = '"' + linux_platform::escapedControls(key) + '"';
+  const auto value = values.find(key);
+  if (value == values.end()) {
+    return fail("there is no key " + quoted + "; kivo-phone store list shows all keys");
+  }
   const auto text = ValueListing::valueText(value->second);
-  if (!text) return fail("neither text nor number is stored under this key");
+  if (!text) return fail("the value of " + quoted + " is neither a text nor a number");
   return print(linux_platform::forStandardOutput(*text) + "\n");
 }
 
@@ -56,7 +60,7 @@ int setInStore(const GivenParameters& given) {
   const auto number = platform::doubleFromText(text);
   const bool asFloat = given.contains("--float");
   if (asFloat && !(number && std::isfinite(*number))) {
-    return fail("VALUE is no finite number; nothing was stored", exitBadUsage);
+    return fail("VALUE must be a finite number; nothing was stored", exitBadUsage);
   }
   auto defaults = UserDefaults::initWithSuiteName(appGroup);
   if (!defaults) return failWithoutStore();

@@ -77,12 +77,13 @@ std::optional<std::size_t> indexFrom(const std::string& text) {
 }
 
 int failWithoutNumber() {
-  return fail("N is the number of a text, as the queue counts them", exitBadUsage);
+  return fail("N must be the number of a text, as shown by kivo-phone queue", exitBadUsage);
 }
 
-int failWithoutText(std::size_t count) {
+int failWithoutText(std::size_t index, std::size_t count) {
   if (count == 0) return fail("nothing waits to be sent");
-  return fail("no text has this number; the last one has " + std::to_string(count));
+  return fail("there is no text " + std::to_string(index + 1) + "; the last one is " +
+              std::to_string(count));
 }
 
 int showQueue(const GivenParameters&) {
@@ -96,7 +97,7 @@ int showText(const GivenParameters& given) {
   if (!index) return failWithoutNumber();
   const auto items = readQueue();
   if (!items) return exitFailure;
-  if (*index >= items->size()) return failWithoutText(items->size());
+  if (*index >= items->size()) return failWithoutText(*index, items->size());
   return print(QueueListing::details((*items)[*index], platform::Date::now(),
                                      onTerminal() ? Controls::escaped : Controls::asTheyAre));
 }
@@ -139,11 +140,11 @@ int dropText(const GivenParameters& given) {
   if (!index) return failWithoutNumber();
   const bool asks = !given.contains("--yes");
   if (asks && isatty(STDIN_FILENO) != 1) {
-    return fail("there is no terminal to ask at; --yes drops without asking", exitBadUsage);
+    return fail("there is no terminal to confirm on; --yes drops without asking", exitBadUsage);
   }
   const auto items = readQueue();
   if (!items) return exitFailure;
-  if (*index >= items->size()) return failWithoutText(items->size());
+  if (*index >= items->size()) return failWithoutText(*index, items->size());
   const PendingSmsItem& item = (*items)[*index];
   if (asks && !isConfirmed(item)) return fail("nothing was dropped");
   return removeText(item, *index);
@@ -178,7 +179,7 @@ int sendQueue(const GivenParameters&) {
   const auto userId = store->readNonEmptyText(StoreKeys::userId);
   const auto base = store->readNonEmptyText(StoreKeys::supabaseUrl);
   if (!userId || !base || !SMSExtractionClient::endpoint(*base)) {
-    return fail("nobody is signed in; kivo-phone sign-in comes first");
+    return fail("not signed in; run kivo-phone sign-in first");
   }
   // A failed attempt would count as one of the ten that a text has.
   const BackendFindings findings = BackendCheck::find(*base);
@@ -196,7 +197,8 @@ int sendQueue(const GivenParameters&) {
 }  // namespace
 
 std::vector<linux_platform::Command> queueCommands() {
-  const linux_platform::CommandParameter number{"N", "The number of a text, as the queue counts"};
+  const linux_platform::CommandParameter number{
+      "N", "The number of a text, as shown by kivo-phone queue"};
   return {
       {"queue", "Show the texts that wait to be sent", {}, showQueue},
       {"queue show", "Show all of one text that waits", {number}, showText},

@@ -42,7 +42,7 @@ std::string WaitingTexts::sentence(const std::vector<PendingSmsItem>& items,
   if (!last) return count;
   auto failure = failureOf(*last);
   if (!failure && wasUnreadable(*last, items.back())) {
-    failure = "the backend answered with HTTP status 200, but with no answer that can be read";
+    failure = "the backend answered with HTTP status 200, but its response cannot be read";
   }
   if (!failure) return count;
   return count + "; the last attempt failed " + agoText(now, last->endedAt) + ": " + *failure;

@@ -27,7 +27,7 @@ std::optional<std::vector<std::string>> namedSenders() {
 }
 
 int write(const std::vector<std::string>& senders, const std::string& done) {
-  if (!SendersFile::write(senders)) return fail("the settings cannot be written");
+  if (!SendersFile::write(senders)) return fail("the settings file cannot be written");
   return print(done);
 }
 
@@ -61,7 +61,10 @@ int removeSender(const GivenParameters& given) {
   const auto isIt = [&sender](const std::string& one) {
     return platform::trimmingWhitespaces(one) == sender;
   };
-  if (std::erase_if(*senders, isIt) == 0) return fail("no such sender is named");
+  if (std::erase_if(*senders, isIt) == 0) {
+    return fail("there is no sender \"" + linux_platform::escapedControls(sender) +
+                "\"; kivo-phone watch list shows all");
+  }
   return write(*senders, "Messages of " + quoted(sender) + " are no longer handed to Kivo.\n");
 }
 

@@ -8,6 +8,7 @@
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
 #include "platform/linux/process/child_process.h"
+#include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/terminal_window.h"
 #include "store/shared_store.h"
 
@@ -50,8 +51,10 @@ int watchWidget() {
 
 // Any program can open a link, so no part of it is passed on.
 int openWidget(const GivenParameters& given) {
-  if (given.contains("LINK") && !given.at("LINK").starts_with(linkScheme)) {
-    return fail("invalid LINK: it needs to begin with kivo-expenses:",
+  const auto link = given.find("LINK");
+  if (link != given.end() && !link->second.starts_with(linkScheme)) {
+    return fail("invalid LINK \"" + linux_platform::escapedControls(link->second) +
+                    "\": it must begin with " + linkScheme,
                 linux_platform::exitBadUsage);
   }
   const std::string phone = (linux_platform::programFolder() / phoneProgramName).string();

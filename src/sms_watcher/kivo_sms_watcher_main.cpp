@@ -8,7 +8,7 @@ int main(int argc, char** argv) {
   return kivo::linux_platform::runService(
       {.name = "kivo-sms-watcher",
        .purpose =
-           "Hears from ModemManager of the text messages that this device receives, and hands\n"
+           "Reads the text messages that this device receives from ModemManager, and hands\n"
            "those of the senders that you named to Kivo. Name them with: kivo-phone watch add "
            "SENDER\n",
        .serve = [] { return kivo::runSmsWatcher({}); }},

@@ -129,7 +129,7 @@ struct ModemMessages::Bus {
   // Calls go to this name, so that the bus does not start ModemManager.
   std::string owner;
   bool all = false;
-  std::set<std::string> news;    // paths of messages that were heard of
+  std::set<std::string> news;    // paths of messages that signals named
   std::set<std::string> unread;  // paths of messages to be read
   Clock::time_point notBefore{};
   std::chrono::milliseconds nextPause = pause;

@@ -27,7 +27,7 @@ constexpr const char* sendersKey = "senders";
 constexpr std::size_t longest = 1 << 20;  // bytes
 constexpr const char* introduction =
     "# The senders whose messages are handed to Kivo: exact, or with * for any characters.\n"
-    "# `kivo-phone watch add` and `remove` write this file anew, without other comments.\n";
+    "# `kivo-phone watch add` and `remove` rewrite this file without other comments.\n";
 
 // Returns the content of the file; nullopt when it is too long or cannot be read.
 std::optional<std::string> bytesOf(int file) {
@@ -53,16 +53,17 @@ std::string atLine(const toml::source_position& position) {
 Content parsed(const std::string& bytes) {
   const toml::parse_result result = toml::parse(bytes);
   // The library's message would quote the file.
-  if (!result) return {.error = atLine(result.error().source().begin) + "this is no valid TOML"};
+  if (!result) return {.error = atLine(result.error().source().begin) + "this is not valid TOML"};
   Content content;
   for (const auto& [key, value] : result.table()) {
     const std::string line = atLine(value.source().begin);
-    if (key.str() != sendersKey) return {.error = line + "the only key is senders"};
+    if (key.str() != sendersKey) return {.error = line + "unknown key; the only one is senders"};
     const toml::array* const senders = value.as_array();
-    if (senders == nullptr) return {.error = line + "senders is a list of texts in quotes"};
+    if (senders == nullptr) return {.error = line + "senders must be a list of texts in quotes"};
     for (const toml::node& sender : *senders) {
       const auto text = sender.value_exact<std::string>();
-      if (!text) return {.error = atLine(sender.source().begin) + "a sender is a text in quotes"};
+      if (!text)
+        return {.error = atLine(sender.source().begin) + "a sender must be a text in quotes"};
       content.senders.push_back(*text);
     }
   }

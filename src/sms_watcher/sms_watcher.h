@@ -68,7 +68,7 @@ class SmsWatcher {
   std::map<std::string, platform::Moment> namedSince_;
   WaitingMessages waiting_;
   std::optional<WaitingMessage> underWay_;
-  std::set<std::string> unrecorded_;  // answered, but not on the disk yet
+  std::set<std::string> unrecorded_;  // handled, but not on disk yet
   Clock::time_point notBefore_{};
   std::chrono::milliseconds pause_;
 };

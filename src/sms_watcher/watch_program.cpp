@@ -73,7 +73,7 @@ int WatchProgram::run() {
     tell("the session bus is gone");
     return 1;
   }
-  takeOutcome(limits_.end);  // so that what is being performed is not handed on again
+  takeOutcome(limits_.end);  // so that its message is not handed on again
   if (!stopped) tell("the system bus is gone");
   return stopped ? 0 : 1;
 }
@@ -105,7 +105,7 @@ void WatchProgram::readModems() {
 // Hands on the next message if it is due; returns the time until the next one is.
 milliseconds WatchProgram::handOnWhatIsDue() {
   const auto untilNext = watcher_.untilNext(SmsWatcher::Clock::now());
-  if (!untilNext) return limits_.look;  // or until the one under way is answered
+  if (!untilNext) return limits_.look;  // or until the call in progress has ended
   if (*untilNext > milliseconds(0)) return *untilNext;
   if (mayHandOn()) intents_.perform("ProcessSMSIntent", "smsText", watcher_.beginNext());
   return limits_.look;
@@ -135,7 +135,8 @@ void WatchProgram::takeOutcome(milliseconds timeout) {
 
 bool WatchProgram::mayHandOn() {
   const bool signedIn = isSomebodySignedIn();
-  if (!signedIn && !saidThatNobodyIsSignedIn_) tell("nobody is signed in, so messages wait");
+  if (!signedIn && !saidThatNobodyIsSignedIn_)
+    tell("not signed in, so messages wait; sign in with: kivo-phone sign-in");
   saidThatNobodyIsSignedIn_ = !signedIn;
   return signedIn;
 }

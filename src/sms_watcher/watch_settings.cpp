@@ -39,7 +39,7 @@ bool WatchSettings::refresh() {
 void WatchSettings::tell() const {
   std::cerr << "kivo-sms-watcher: ";
   if (error_) {
-    std::cerr << *error_ << "; no message is handed on until this is mended\n";
+    std::cerr << *error_ << "; no message is handed on until this is fixed\n";
   } else if (senders_.empty()) {
     std::cerr << "no sender is named, so no message is read; name your bank's with: kivo-phone "
                  "watch add SENDER\n";

@@ -111,7 +111,7 @@ std::optional<WatcherRecord> WatcherRecord::open(int remembered) {
 
 std::string WatcherRecord::markOf(const std::string& number, const std::string& sent,
                                   const std::string& text) const {
-  const std::string end(1, '\0');  // is in none of the three
+  const std::string end(1, '\0');  // none of the three contains it
   return messagePrefix + suite_->hash(number + end + sent + end + text);
 }
 

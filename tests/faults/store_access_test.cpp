@@ -164,7 +164,7 @@ TEST_F(TheStoreOfTheCenter, IsRefusedWhenItIsBehindASymbolicLink) {
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.errors, HasSubstr("kivo-notification-center: cannot open the store: " +
                                          folder(phone).string()));
-    EXPECT_THAT(result.errors, HasSubstr("the notifications on disk cannot be opened"));
+    EXPECT_THAT(result.errors, HasSubstr("the stored notifications cannot be opened"));
     EXPECT_TRUE(fs::is_empty(elsewhere));
   }
 }

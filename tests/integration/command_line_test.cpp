@@ -73,8 +73,8 @@ TEST_F(ACommandLine, RefusesAMissingParameterWithoutATerminal) {
 TEST_F(ACommandLine, DoesNotRepeatAnUnquotedText) {
   expectUsageError(
       {"perform", "ProcessSMSIntent", "--smsText", "Paid", "7731", "at", "Secret"},
-      "there is an argument too many; a text with blanks needs quotes, and -- goes before one that "
-      "begins with a minus (see kivo-intents perform ProcessSMSIntent --help)");
+      "unexpected argument; put quotes around a text with blanks, and -- before one that begins "
+      "with a minus (see kivo-intents perform ProcessSMSIntent --help)");
 }
 
 TEST_F(ACommandLine, AcceptsATextThatBeginsLikeAnOption) {

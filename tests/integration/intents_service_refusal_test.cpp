@@ -35,16 +35,16 @@ class ARefusedCall : public testkit::ServedIntents {
 TEST_F(ARefusedCall, ReportsAnUnknownIntent) {
   for (const char* const intent : {"Paid 150 at Cafe", "", "processsmsintent", "ProcessSMS"}) {
     expectRefused(intent, "{'smsText': <'Paid 150'>}", "UnknownIntent",
-                  "the intents are: AddExpenseIntent, ProcessSMSIntent");
+                  "unknown intent; the intents are: AddExpenseIntent, ProcessSMSIntent");
   }
   expectNothingDone();
 }
 
 TEST_F(ARefusedCall, ReportsAnUnknownParameter) {
   expectRefused("ProcessSMSIntent", "{'smsText': <'Paid 150'>, 'Paid 7': <'x'>}",
-                "UnknownParameter", "the intent's parameters are: smsText");
+                "UnknownParameter", "unknown parameter; the parameters are: smsText");
   expectRefused("AddExpenseIntent", "{'smsText': <'Paid 150'>}", "UnknownParameter",
-                "the intent's parameters are: amount, merchant");
+                "unknown parameter; the parameters are: amount, merchant");
   expectNothingDone();
 }
 

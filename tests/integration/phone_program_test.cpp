@@ -162,7 +162,8 @@ TEST_F(APhone, StoresAndPrintsValues) {
 }
 
 TEST_F(APhone, ReportsAnAbsentKey) {
-  expectFailure({"store", "get", "absent"}, 1, "nothing is stored under this key");
+  expectFailure({"store", "get", "absent"}, 1,
+                "there is no key \"absent\"; kivo-phone store list shows all keys");
 }
 
 TEST_F(APhone, DistinguishesAnEmptyTextFromAnAbsentOne) {
@@ -175,9 +176,10 @@ TEST_F(APhone, DistinguishesAnEmptyTextFromAnAbsentOne) {
 TEST_F(APhone, RefusesAFloatThatIsNotFinite) {
   for (const char* const value : {"", "abc", "1 ", "nan", "inf"}) {
     expectFailure({"store", "set", "--float", "key", value}, 64,
-                  "VALUE is no finite number; nothing was stored");
+                  "VALUE must be a finite number; nothing was stored");
   }
-  expectFailure({"store", "get", "key"}, 1, "nothing is stored under this key");
+  expectFailure({"store", "get", "key"}, 1,
+                "there is no key \"key\"; kivo-phone store list shows all keys");
 }
 
 TEST_F(APhone, ReportsThatTheStoreCannotBeOpened) {

@@ -166,7 +166,7 @@ TEST_F(ASignedInPhone, ShowsInItsStatusWhyTheLastTextFailed) {
   processSMS("Paid 3");
   EXPECT_THAT(run({"status"}).output,
               HasSubstr("3 texts; the last attempt failed just now: the backend answered with HTTP "
-                        "status 200, but with no answer that can be read\n"));
+                        "status 200, but its response cannot be read\n"));
 }
 
 TEST_F(ASignedInPhone, ShowsTheNotificationPermission) {
@@ -242,7 +242,7 @@ TEST_F(ASignedInPhone, SendsNothingDuringAnotherDrain) {
 TEST_F(ASignedInPhone, SendsNothingWhenSignedOut) {
   queue({queuedItem("A")});
   EXPECT_EQ(run({"queue", "send"}).errors,
-            "kivo-phone: nobody is signed in; kivo-phone sign-in comes first\n");
+            "kivo-phone: not signed in; run kivo-phone sign-in first\n");
 }
 
 }  // namespace

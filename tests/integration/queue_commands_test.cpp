@@ -108,11 +108,12 @@ TEST_F(AQueueOfTexts, NumbersItsTextsAsItsListingDoes) {
          {"0", "-1", "+1", "1.0", " 1", "", "one", "99999999999999999999"}) {
       const ProgramResult result = run({command, "--", number});
       EXPECT_EQ(result.status, 64) << number;
-      EXPECT_EQ(result.errors, "kivo-phone: N is the number of a text, as the queue counts them\n");
+      EXPECT_EQ(result.errors,
+                "kivo-phone: N must be the number of a text, as shown by kivo-phone queue\n");
     }
   }
-  expectFailure({"show", "4"}, 1, "no text has this number; the last one has 3");
-  expectFailure({"drop", "4", "--yes"}, 1, "no text has this number; the last one has 3");
+  expectFailure({"show", "4"}, 1, "there is no text 4; the last one is 3");
+  expectFailure({"drop", "4", "--yes"}, 1, "there is no text 4; the last one is 3");
   expectFailure({"show"}, 64, "N is missing (see kivo-phone queue show --help)");
   queue({});
   expectFailure({"show", "1"}, 1, "nothing waits to be sent");
@@ -143,7 +144,8 @@ TEST_F(AQueueOfTexts, DropsATextWithoutAskingWithYes) {
 }
 
 TEST_F(AQueueOfTexts, DropsNothingWithoutATerminalToAskOn) {
-  expectFailure({"drop", "1"}, 64, "there is no terminal to ask at; --yes drops without asking");
+  expectFailure({"drop", "1"}, 64,
+                "there is no terminal to confirm on; --yes drops without asking");
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
 }
 

@@ -90,7 +90,8 @@ TEST_F(NamingSenders, RemovesThemAgain) {
             "Messages of \"MyBank\" are no longer handed to Kivo.\n");
   const ProgramResult again = watch({"remove", "MyBank"});
   EXPECT_EQ(again.status, 1);
-  EXPECT_EQ(again.errors, "kivo-phone: no such sender is named\n");
+  EXPECT_EQ(again.errors,
+            "kivo-phone: there is no sender \"MyBank\"; kivo-phone watch list shows all\n");
   EXPECT_EQ(watch({"list"}).output, "Other\n");
 }
 
@@ -139,7 +140,7 @@ TEST_F(NamingSenders, ReportsThatTheFileCannotBeWritten) {
   std::ofstream(folders.home() / "config") << "in the way";
   const ProgramResult result = watch({"add", "MyBank"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.errors, "kivo-phone: the settings cannot be written\n");
+  EXPECT_EQ(result.errors, "kivo-phone: the settings file cannot be written\n");
 }
 
 }  // namespace

@@ -105,8 +105,8 @@ TEST_F(AnSmsWatcher, HandsOnNothingWhileItsSettingsAreBroken) {
   EXPECT_THAT(waitForHandedOn(1), ElementsAre("Paid 150"));
   const std::string errors = endWatcher().errors;
   EXPECT_THAT(errors, StartsWith("kivo-sms-watcher: " + settingsFile().string() + ": line "));
-  EXPECT_THAT(errors, HasSubstr("this is no valid TOML; no message is handed on until this is "
-                                "mended\nkivo-sms-watcher: handing on the messages of 1 sender\n"));
+  EXPECT_THAT(errors, HasSubstr("this is not valid TOML; no message is handed on until this is "
+                                "fixed\nkivo-sms-watcher: handing on the messages of 1 sender\n"));
   EXPECT_THAT(errors, Not(HasSubstr("MARKSENDER")));
 }
 
@@ -265,9 +265,10 @@ TEST_F(AnSmsWatcher, HoldsMessagesUntilTheUserSignsIn) {
   EXPECT_THAT(handedOn(), IsEmpty());
   signIn("http://127.0.0.1:9");
   EXPECT_THAT(waitForHandedOn(2), ElementsAre("Paid 150", "Paid 151"));
-  EXPECT_EQ(endWatcher().errors,
-            "kivo-sms-watcher: handing on the messages of 1 sender\n"
-            "kivo-sms-watcher: nobody is signed in, so messages wait\n");
+  EXPECT_EQ(
+      endWatcher().errors,
+      "kivo-sms-watcher: handing on the messages of 1 sender\n"
+      "kivo-sms-watcher: not signed in, so messages wait; sign in with: kivo-phone sign-in\n");
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ TEST_F(ASpokenPhrase, IsAnsweredAsOneJSONObjectWhenAskedTo) {
 
 TEST_F(ASpokenPhrase, ListsAllPhrasesWhenUnknown) {
   expectUsageError({"say", "Buy me a coffee with Kivo", "--smsText", "x"},
-                   "that is none of the phrases:\n"
+                   "unknown phrase; the phrases are:\n"
                    "  Add expense in Kivo\n"
                    "  Log expense to Kivo\n"
                    "  Track purchase with Kivo\n"

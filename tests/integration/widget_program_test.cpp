@@ -130,7 +130,8 @@ TEST_F(AWidgetWindow, RefusesOtherLinks) {
   for (const char* const link : {"https://kivo.example", "file:///etc/passwd", "--watch", ""}) {
     const ProgramResult result = open({"--", link});
     EXPECT_EQ(result.status, 64);
-    EXPECT_EQ(result.errors, "kivo-phone: invalid LINK: it needs to begin with kivo-expenses:\n");
+    EXPECT_EQ(result.errors, "kivo-phone: invalid LINK \"" + std::string(link) +
+                                 "\": it must begin with kivo-expenses:\n");
   }
   EXPECT_FALSE(std::filesystem::exists(noted()));
 }

@@ -31,8 +31,9 @@ class URLSession {
   /// Sends `request` and returns the complete response, whatever its status. Does not follow
   /// redirects. Suspends during the exchange. Throws URLError when there is no complete response,
   /// for example `timedOut` after the request's timeout, or `cancelled` when the task is cancelled
-  /// before or during the exchange. Supports http and https only; over https it sends nothing
-  /// before the server's certificate and name are verified.
+  /// before or during the exchange. Supports http, https and http+unix. Sends nothing before the
+  /// server is verified: over https its certificate and name, over http+unix that its socket
+  /// belongs to this user or to root.
   virtual Task<URLAnswer> data(URLRequest request) = 0;
 };
 

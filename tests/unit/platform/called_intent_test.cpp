@@ -55,13 +55,14 @@ TEST(ACalledIntent, ReceivesEachParameterByItsName) {
 TEST(ACalledIntent, IsRefusedUnderAnUnknownName) {
   EXPECT_EQ(refusal("processSMSIntent", {}),
             std::pair(std::string(wire::unknownIntent),
-                      std::string("the intents are: AddExpenseIntent, ProcessSMSIntent")));
+                      std::string(
+                          "unknown intent; the intents are: AddExpenseIntent, ProcessSMSIntent")));
 }
 
 TEST(ACalledIntent, IsRefusedWithAnUnknownParameter) {
   EXPECT_EQ(refusal("AddExpenseIntent", {{"Secret", "Cafe"}}),
             std::pair(std::string(wire::unknownParameter),
-                      std::string("the intent's parameters are: amount, merchant")));
+                      std::string("unknown parameter; the parameters are: amount, merchant")));
 }
 
 TEST(ACalledIntent, IsRefusedWithAMissingParameter) {

@@ -190,7 +190,7 @@ TEST_F(ACommandLineParser, DoesNotRepeatSuperfluousArguments) {
                                              {"box", "put", "a", "b", "--", "secret"},
                                              {"box", "list", "secret"}}) {
     EXPECT_EQ(run(words), exitBadUsage);
-    EXPECT_THAT(errors, HasSubstr("tool: there is an argument too many"));
+    EXPECT_THAT(errors, HasSubstr("tool: unexpected argument; put quotes"));
     EXPECT_THAT(errors, testing::Not(HasSubstr("secret")));
   }
   EXPECT_EQ(ran, "");

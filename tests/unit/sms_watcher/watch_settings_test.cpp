@@ -56,14 +56,14 @@ TEST_F(AWatchSettingsFile, IsReadAgainOnEachRefresh) {
 
 TEST_F(AWatchSettingsFile, NamesNoSenderWhenItIsInvalid) {
   const std::vector<std::pair<std::string, std::string>> broken{
-      {"senders = [", "line 1: this is no valid TOML"},
-      {"\nsenders = 'MARK'", "line 2: senders is a list of texts in quotes"},
-      {"senders = ['MARK', 7]", "line 1: a sender is a text in quotes"},
-      {"senders = ['MARK']\nsender = 'MARK'", "line 2: the only key is senders"},
+      {"senders = [", "line 1: this is not valid TOML"},
+      {"\nsenders = 'MARK'", "line 2: senders must be a list of texts in quotes"},
+      {"senders = ['MARK', 7]", "line 1: a sender must be a text in quotes"},
+      {"senders = ['MARK']\nsender = 'MARK'", "line 2: unknown key; the only one is senders"},
       {"senders = ['MARK', '']", "a sender is empty"},
       {"senders = ['MARK', '*']", "a sender of * alone would hand on the messages of everybody"},
-      {std::string("senders = ['\xFF']"), "this is no valid TOML"},
-      {std::string("senders = ['a\0b']", 17), "this is no valid TOML"},
+      {std::string("senders = ['\xFF']"), "this is not valid TOML"},
+      {std::string("senders = ['a\0b']", 17), "this is not valid TOML"},
       {"#" + std::string(1 << 20, 'x'), "it cannot be read"},
   };
   for (const auto& [text, words] : broken) {
@@ -71,7 +71,7 @@ TEST_F(AWatchSettingsFile, NamesNoSenderWhenItIsInvalid) {
     settings.refresh();
     write(text);
     const std::string said = refresh();
-    EXPECT_THAT(said, HasSubstr(words + "; no message is handed on until this is mended\n"));
+    EXPECT_THAT(said, HasSubstr(words + "; no message is handed on until this is fixed\n"));
     EXPECT_EQ(said.find("MARK"), std::string::npos);
     EXPECT_THAT(settings.senders(), IsEmpty());
     EXPECT_TRUE(settings.broken());

@@ -35,7 +35,7 @@ std::optional<CallRefusal> fill(AppIntent& intent, CalledValues values) {
   for (const auto& [name, value] : values) {
     if (parameterNamed(intent, name) == nullptr) {
       return CallRefusal{intents_interface::unknownParameter,
-                         "the intent's parameters are: " + parameterNames(intent)};
+                         "unknown parameter; the parameters are: " + parameterNames(intent)};
     }
   }
   for (auto& [name, value] : values) {
@@ -60,7 +60,7 @@ std::variant<std::unique_ptr<AppIntent>, CallRefusal> calledIntent(
   auto intent = extension.makeIntent(typeName);
   if (!intent) {
     return CallRefusal{intents_interface::unknownIntent,
-                       "the intents are: " + intentNames(extension)};
+                       "unknown intent; the intents are: " + intentNames(extension)};
   }
   if (auto refusal = fill(*intent, std::move(values))) return std::move(*refusal);
   return intent;

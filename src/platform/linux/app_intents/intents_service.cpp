@@ -91,7 +91,7 @@ class IntentsService {
     std::unique_ptr<platform::AppIntent> intent;
     platform::IntentDialog dialog;
     BusAnswer answer;
-    std::optional<RunningTask> task;  // none while it waits for its turn
+    std::optional<RunningTask> task;  // empty until it is started
   };
   using Place = std::list<Run>::iterator;
 
@@ -158,7 +158,7 @@ void IntentsService::serve() {
     if (!run->task) start(run);
     run->task->wait();
   }
-  runs_.clear();  // their tasks belong to the executor, which ends before us
+  runs_.clear();  // before the executor that their tasks belong to
 }
 
 // Called on a worker.
@@ -237,7 +237,7 @@ void IntentsService::answerEnded() {
     ended.swap(ended_);
   }
   for (const Place run : ended) {
-    run->task->wait();  // for the last bit of the task, and to hear of what it threw
+    run->task->wait();  // its last step may still run; rethrows its exception
     run->answer.give([run](BusWriter& reply) { reply.text(run->dialog.text); });
     runs_.erase(run);
     lastCall_ = Clock::now();

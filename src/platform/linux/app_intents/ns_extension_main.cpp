@@ -99,7 +99,7 @@ int say(const AppIntentsExtension& extension, const GivenParameters& given) {
   const auto intent = intentSpokenOf(extension, given.at("SENTENCE"));
   if (intent) return fillAndPerform(extension, *intent, given);
 
-  std::string complaint = "that is none of the phrases:";
+  std::string complaint = "unknown phrase; the phrases are:";
   for (const std::string& phrase : spokenPhrases(extension)) complaint += "\n  " + phrase;
   complain(programName, complaint);
   return exitBadUsage;

@@ -45,7 +45,7 @@ std::optional<std::string> ask(AnyIntentParameter& parameter) {
     if (parameter.setFromText(line)) return std::nullopt;
     std::cerr << "That does not fit; it needs " << whatFits(parameter) << ".\n";
   }
-  std::cerr << "\n";  // the complaint has a line of its own, not the question's
+  std::cerr << "\n";  // ends the question's line
   return "missing parameter " + optionOf(parameter);
 }
 

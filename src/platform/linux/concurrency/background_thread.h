@@ -1,4 +1,4 @@
-// Threads that leave the signals of the process to others.
+// Starts threads that receive no signals.
 #pragma once
 
 #include <functional>
@@ -6,9 +6,9 @@
 
 namespace kivo::linux_platform {
 
-/// Starts a thread that performs `work` with all signals blocked: a SIGTERM is handled on the
-/// program's own threads, and writing to a closed pipe fails instead of sending SIGPIPE. Throws
-/// std::system_error when the system has no thread left.
+/// Starts a thread that runs `work` with all signals blocked: SIGTERM is handled on the program's
+/// own threads, and a write to a closed pipe fails instead of raising SIGPIPE. Throws
+/// std::system_error when no thread can be started.
 std::thread startBackgroundThread(std::function<void()> work);
 
 }  // namespace kivo::linux_platform

@@ -18,8 +18,8 @@ std::optional<std::filesystem::path> configHome();
 /// HOME is too.
 std::optional<std::filesystem::path> stateHome();
 
-/// The socket of the backend on this machine, kivo/ledger.sock below $XDG_RUNTIME_DIR; none when
-/// that is unset, empty or relative.
+/// Returns the path of the local backend's socket, kivo/ledger.sock below $XDG_RUNTIME_DIR; nullopt
+/// when that is unset, empty or relative.
 std::optional<std::filesystem::path> localBackendSocket();
 
 }  // namespace kivo::linux_platform

@@ -17,7 +17,7 @@ namespace {
 std::string addressLines(const std::string& host) {
   addrinfo wanted{};
   wanted.ai_family = AF_UNSPEC;
-  wanted.ai_socktype = SOCK_STREAM;  // else each address comes once for every kind of socket
+  wanted.ai_socktype = SOCK_STREAM;  // otherwise each address is listed for every socket type
   addrinfo* found = nullptr;
   if (getaddrinfo(host.c_str(), nullptr, &wanted, &found) != 0) return {};
 

@@ -9,7 +9,7 @@
 
 namespace kivo::linux_platform {
 
-/// How to speak to the host of a URL.
+/// How to connect to the host of a URL.
 struct HTTPEndpoint {
   bool secure;
   std::uint16_t port;
@@ -19,14 +19,15 @@ struct HTTPEndpoint {
   /// The path of a UNIX socket; empty for an endpoint on the network.
   std::string socketPath = {};
 
-  /// The endpoint that `url` names. The host of http+unix is the percent-encoded absolute path of a
-  /// socket. Throws URLError unsupportedURL when it names none: another scheme than http, https and
-  /// http+unix, no host or one in brackets, a port that is 0 or past 65535; with http+unix any
-  /// port, and a host that is no path or longer than a socket's may be.
+  /// Returns the endpoint of `url`. The host of http+unix is the percent-encoded absolute path of a
+  /// socket. Throws URLError unsupportedURL for a scheme other than http, https and http+unix, for
+  /// no host or one in brackets, and for a port that is 0 or above 65535; with http+unix also for
+  /// any port, and for a host that is not an absolute path or too long for a socket.
   static HTTPEndpoint of(const platform::URL& url);
 };
 
-/// The http+unix URL of the socket at `path`, which is absolute, without a slash at its end.
+/// Returns the http+unix URL of the socket at `path`, which must be absolute, without a final
+/// slash.
 std::string urlOfSocket(std::string_view path);
 
 }  // namespace kivo::linux_platform

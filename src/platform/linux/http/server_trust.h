@@ -32,9 +32,9 @@ class ServerTrust {
   std::unique_ptr<Made> made_;
 };
 
-/// Has `tls` accept only a certificate for `host`, a name or an address, and ask for it by that
-/// name. Of names only those that the certificate spells out count, with a star for a whole label
-/// at most. False when that cannot be done.
+/// Makes `tls` accept only a certificate for `host`, a name or an address, and send that name
+/// (SNI). Accepts only names that the certificate contains literally, or with a wildcard for a
+/// whole label. Returns false on failure.
 bool expectServer(ssl_st* tls, const std::string& host);
 
 }  // namespace kivo::linux_platform

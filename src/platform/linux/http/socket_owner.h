@@ -1,4 +1,4 @@
-// Whose a UNIX socket is. Connects to none.
+// Checks which user owns a UNIX socket.
 #pragma once
 
 #include <string>

@@ -46,7 +46,7 @@ UCalendarDateFields fieldOf(char symbol) {
     case 's':
       return UCAL_SECOND;
     default:
-      fatalStop("a date is to be formatted with a symbol that is not understood");
+      fatalStop("unknown symbol in a date format");
   }
 }
 
@@ -73,7 +73,7 @@ std::string DateFormatter::string(Moment moment) const {
       icu::Calendar::createInstance(deviceTimeZone(moment), inLocale, status));
   const std::unique_ptr<icu::NumberingSystem> numbers(
       icu::NumberingSystem::createInstance(inLocale, status));
-  if (U_FAILURE(status)) fatalStop("the data of the calendars cannot be read");
+  if (U_FAILURE(status)) fatalStop("calendar data cannot be read");
   calendar->setTime(secondsSince1970(moment) * 1000, status);
 
   std::string text;
@@ -90,7 +90,7 @@ std::string DateFormatter::string(Moment moment) const {
     text += inDigits(counted, end - at, numbers->getDescription());
     at = end;
   }
-  if (U_FAILURE(status)) fatalStop("a date cannot be told in the device's calendar");
+  if (U_FAILURE(status)) fatalStop("the device's calendar cannot represent a date");
   return text;
 }
 

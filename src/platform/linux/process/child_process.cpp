@@ -111,7 +111,7 @@ struct ChildProcess::Streams {
   std::string toWrite;
   mutable std::mutex mutex;
   std::condition_variable ended;
-  bool reaped = false;  // guarded by mutex, like what follows
+  bool reaped = false;  // guarded by mutex, like result
   ProgramResult result;
   std::thread server;
 

@@ -14,7 +14,7 @@ namespace kivo::linux_platform {
 void startProcess() {
   for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
     if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
-    if (open("/dev/null", O_RDWR) != descriptor) std::abort();  // the lowest one that is free
+    if (open("/dev/null", O_RDWR) != descriptor) std::abort();  // open uses the lowest free number
   }
 
   prctl(PR_SET_DUMPABLE, 0);

@@ -1,12 +1,13 @@
-// The signals by which a person or the system ends a program.
+// Handles the signals that ask a program to stop.
 #pragma once
 
 #include <functional>
 
 namespace kivo::linux_platform {
 
-/// SIGTERM, SIGINT and SIGHUP no longer end the process: while this object lives they call `stop`,
-/// and after its end they are ignored, so that the program ends as it wants to. Once in a process.
+/// While this object lives, SIGTERM, SIGINT and SIGHUP call `stop` instead of ending the process.
+/// After its destruction they are ignored, so that the program exits by itself. At most one per
+/// process.
 class StopSignals {
  public:
   /// `stop` runs in the signal handler, so it must be async-signal-safe.
@@ -15,7 +16,7 @@ class StopSignals {
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// Whether one has come.
+  /// Whether one of the signals has arrived.
   [[nodiscard]] static bool came();
 };
 

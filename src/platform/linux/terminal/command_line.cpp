@@ -141,8 +141,8 @@ std::string describeLeftOver(const CommandProgram& program, const Command* comma
   for (const std::string& argument : leftOver) {
     if (const auto name = optionNameIn(argument)) return describeUnknownOption(*name, command);
   }
-  return "there is an argument too many; a text with blanks needs quotes, and -- goes before one "
-         "that begins with a minus";
+  return "unexpected argument; put quotes around a text with blanks, and -- before one that begins "
+         "with a minus";
 }
 
 std::optional<std::string> describeMissing(const Offered& offered) {
@@ -181,7 +181,7 @@ std::vector<std::string> argumentsFrom(const CommandProgram& program, int argc, 
     return hasOption(program, name, {Kind::required, Kind::optional});
   };
   std::vector<std::string> arguments;
-  bool isValue = false;  // of the option before it, whatever it looks like
+  bool isValue = false;  // the argument is the value of the option before it
   for (int index = 1; index < argc; ++index) {
     const std::string argument = argv[index];
     if (argument == "--" && !isValue) {
@@ -226,7 +226,7 @@ int answerError(const CommandProgram& program, const CLI::App& app, const CLI::P
     return 0;
   }
   const auto* const mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error);
-  if (mismatch == nullptr) return badUsage(program, "", "the call cannot be understood");
+  if (mismatch == nullptr) return badUsage(program, "", "invalid command line");
   // CLI11's message contains the option's name, and no value.
   std::istringstream words(error.what());
   for (std::string word; words >> word;) {
@@ -257,7 +257,7 @@ int runCommand(const CommandProgram& program, int argc, char** argv) {
     if (!mayBeLeftOut(command, arguments)) all.push_back(offer(command, *app));
   }
   try {
-    app->parse(std::vector(arguments.rbegin(), arguments.rend()));  // CLI11 wants the last first
+    app->parse(std::vector(arguments.rbegin(), arguments.rend()));  // CLI11 expects reverse order
   } catch (const CLI::ParseError& error) {
     return answerError(program, *app, error);
   }

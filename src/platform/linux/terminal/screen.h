@@ -1,4 +1,4 @@
-// The terminal at standard output. Writes nothing.
+// Properties of the terminal at standard output.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@ namespace kivo::linux_platform {
 /// Whether standard output is a terminal.
 bool onTerminal();
 
-/// How many columns standard output shows in a line; without end where it is no terminal.
+/// Returns the width of the terminal in columns; unlimited when standard output is not one.
 std::size_t screenWidth();
 
 }  // namespace kivo::linux_platform

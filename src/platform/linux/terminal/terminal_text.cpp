@@ -72,7 +72,7 @@ std::string escaped(std::string_view text, Form form) {
   std::string result;
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   const auto size = static_cast<std::int64_t>(text.size());
-  UChar32 shown = ' ';  // the character before
+  UChar32 shown = ' ';  // the previous character
   for (std::int64_t at = 0; at < size;) {
     const std::int64_t begin = at;
     UChar32 character = 0;
