@@ -46,24 +46,23 @@ std::string digitsBehind(const Items& items, std::size_t at) {
 std::string ownAccount(const Items& items, std::span<const Found> found, Kind kind) {
   const auto isOwnSide = [&](const Found& wording) {
     const std::string before = wording.begin == 0 ? "" : items[wording.begin - 1].text;
-    if (kind == Kind::income) {
-      return before == "your" || before == "to" || before == "in" || before == "into" ||
-             items[wording.begin].text == "your" || wording.meaning == Meaning::to;
-    }
-    return before == "your" || before == "from" || before == "using" ||
-           items[wording.begin].text == "your" || wording.meaning == Meaning::from;
+    const std::string& itself = items[wording.begin].text;
+    const auto says = [&](std::string_view word) { return before == word || itself == word; };
+    if (says("your")) return true;
+    return kind == Kind::income ? says("to") || says("in") || says("into")
+                                : says("from") || says("using");
   };
   std::string first;
   for (const Found& wording : found) {
     const bool side = wording.meaning == Meaning::own || wording.meaning == Meaning::to ||
-                      wording.meaning == Meaning::from;
+                      wording.meaning == Meaning::from || wording.meaning == Meaning::ends;
     if (!side || !isOwnSide(wording)) continue;
-    const std::string digits = digitsBehind(items, wording.end);
+    std::string digits = digitsBehind(items, wording.end);
     if (!digits.empty()) return digits;
   }
   for (const Found& wording : found) {
     if (wording.meaning != Meaning::own && wording.meaning != Meaning::ends) continue;
-    const std::string digits = digitsBehind(items, wording.end);
+    std::string digits = digitsBehind(items, wording.end);
     if (digits.empty()) continue;
     const std::string before = wording.begin == 0 ? "" : items[wording.begin - 1].text;
     const bool other = kind == Kind::income ? before == "from" : before == "to";

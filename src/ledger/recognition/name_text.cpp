@@ -17,21 +17,22 @@ bool isMark(const Item& item, std::string_view marks) {
 
 // Words in a bank's narration that are no names: "UPI/P2M/4249/ORCHID MART".
 constexpr auto channelWords = std::to_array<std::string_view>(
-    {"upi",  "cr",   "dr",  "imps", "neft", "rtgs", "p2p",  "p2a", "p2m", "p",   "a",    "m",
-     "pos",  "ecom", "atm", "bil",  "inft", "mob",  "ift",  "ach", "ref", "no",  "xutr", "tg",
-     "y",    "n",    "nfs", "inb",  "ib",   "trf",  "tfr",  "ftr", "txn", "utr", "rrn",  "pay",
-     "card", "acct", "ac",  "to",   "from", "by",   "iban", "vpa", "otp", "inr", "onl",  "ft",
-     "pmt",  "web",  "app", "ussd", "nip",  "csh",  "cash", "chq", "mmt", "vps", "ips",  "tpt"});
+    {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m",  "p",    "a",
+     "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach",  "ref",  "no",
+     "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr",  "ftr",  "txn",
+     "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",   "iban", "vpa",
+     "otp",  "inr", "onl",  "frm",  "ft",   "pmt",  "web", "app",  "ussd", "nip",  "csh",
+     "cash", "chq", "mmt",  "vps",  "ips",  "tpt"});
 
 // Words that say how the money went, not to whom: a name is not made of them alone.
 constexpr auto commonWords = std::to_array<std::string_view>(
-    {"atm",      "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
-     "payment",  "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
-     "sms",      "charge",   "charges",  "fee",      "fees", "emi",        "bank",
-     "online",   "net",      "internet", "interest", "rent", "txn",        "refund",
-     "reversal", "agent",    "it",       "of",       "us",   "them",       "merchant",
-     "cheque",   "check",    "savings",  "checking", "self", "others",     "transaction",
-     "nil",      "na"});
+    {"atm",         "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
+     "payment",     "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
+     "sms",         "charge",   "charges",  "fee",      "fees", "emi",        "bank",
+     "online",      "net",      "internet", "interest", "rent", "txn",        "refund",
+     "reversal",    "agent",    "it",       "of",       "us",   "them",       "merchant",
+     "cheque",      "check",    "savings",  "checking", "self", "others",     "رقم",
+     "transaction", "nil",      "na"});
 
 }  // namespace
 

@@ -48,6 +48,8 @@ bool isDottedDate(const std::string& digits) {
 
 bool isJoinedPiece(const Items& items, std::size_t at) {
   const Item& item = items[at];
+  // "برداشت-500,000": a sign, since no other number groups its digits.
+  if (isMark(items, at - 1, "-") && item.text.find(',') != std::string::npos) return false;
   const bool before = item.glued && isMark(items, at - 1, ":/-_@.") && at > 1 &&
                       items[at - 1].glued &&
                       (isNumber(items, at - 2) ||

@@ -125,6 +125,9 @@ class Names {
     const bool small = first >= 'a' && first <= 'z';
     const bool latin = items_[begin].kind != Item::Kind::word || small ||
                        std::isupper(static_cast<unsigned char>(first)) != 0;
+    // "on Nov 6"
+    const bool day = begin + 1 < items_.size() && items_[begin + 1].isPiece;
+    if (introduced == Meaning::ends && day) return true;
     if (introduced == Meaning::ends && (items_[begin].kind != Item::Kind::word || !latin))
       return true;
     return small && std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
@@ -176,8 +179,6 @@ class Names {
     constexpr auto pronouns =
         std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
     if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
-    // "on Nov 6"
-    if (at + 1 < items_.size() && items_[at + 1].isPiece && !items_[at + 1].glued) return false;
     if (isWordOf(
             at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
                  Meaning::limit, Meaning::charge, Meaning::code, Meaning::done})) {
@@ -216,7 +217,7 @@ class Names {
     if (item.glued && item.kind == Item::Kind::word) return false;
     if (introduced == Meaning::info) {
       return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
-             (isWordOf(at, {Meaning::ends}) && !item.capitals);
+             (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
     }
     if (isWordOf(at,
                  {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,

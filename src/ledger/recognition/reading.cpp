@@ -110,9 +110,11 @@ bool isCardNotice(std::span<const Found> found) {
          (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
 }
 
-Money moneyOf(const Sum& sum, std::string_view bookCurrency) {
-  return {.minorUnits = sum.minorUnits.value_or(0),
-          .currency = sum.currency.empty() ? std::string(bookCurrency) : sum.currency};
+// Absent when the digits can be read in two ways.
+std::optional<Money> moneyOf(const Sum& sum, std::string_view bookCurrency) {
+  if (!sum.minorUnits) return std::nullopt;
+  return Money{.minorUnits = *sum.minorUnits,
+               .currency = sum.currency.empty() ? std::string(bookCurrency) : sum.currency};
 }
 
 std::string categoryOf(const Movement& naming, const std::string& payee) {
@@ -120,6 +122,19 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
   const std::string_view byName = fixed ? std::string_view() : merchantCategory(payee);
   if (!byName.empty()) return std::string(byName);
   return std::string(naming.category.empty() ? "Other" : naming.category);
+}
+
+// The movement that the message reports; null for none.
+const Movement* movementIn(const Items& items, const AllFound& found, const SumParts& sums,
+                           bool begunToCome) {
+  const Movement* movement = strongestMovement(found);
+  if (movement == nullptr && sums.moved && sums.balance) {
+    movement = movementBySign(items[*sums.moved].sum);
+  }
+  if (movement == nullptr && isCardNotice(found)) movement = movementOf(Meaning::transaction);
+  // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
+  const bool sure = movement != nullptr && movement->strength >= Strength::verb;
+  return begunToCome && !sure ? nullptr : movement;
 }
 
 }  // namespace
@@ -136,34 +151,23 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   const Items items = withoutWhatIsToCome(all, said);
   const AllFound found = wordingsIn(items);
   const SumParts sums = partsOfSums(items, found, bookCurrency);
-  const Movement* movement = strongestMovement(found);
-  if (movement == nullptr && sums.moved && sums.balance) {
-    movement = movementBySign(items[*sums.moved].sum);
-  }
-  if (movement == nullptr && isCardNotice(found)) movement = movementOf(Meaning::transaction);
-  // A message that begins with what is to come goes on about it: "Your bill is ready. Min
-  // payment..."
   const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
-  if (movement != nullptr && movement->strength < Strength::verb && begunToCome) movement = nullptr;
+  const Movement* const movement = movementIn(items, found, sums, begunToCome);
   if (isRefused(found, movement)) return {.outcome = Outcome::declined};
   if (movement == nullptr || !sums.moved) return {};
 
-  const Sum& moved = items[*sums.moved].sum;
   const Movement& naming = namingMovement(found, *movement);
   Reading reading{.outcome = Outcome::transaction, .kind = movement->kind};
-  if (moved.minorUnits) reading.amount = moneyOf(moved, bookCurrency);
-  if (movement->kind != Kind::transfer) {
-    reading.payee = payeeIn(readable, items, found, movement->kind);
-  }
+  reading.amount = moneyOf(items[*sums.moved].sum, bookCurrency);
+  if (sums.balance) reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
+  const bool other = movement->kind != Kind::transfer;
+  if (other) reading.payee = payeeIn(readable, items, found, movement->kind);
   reading.description = reading.payee.empty() ? naming.description : reading.payee;
   reading.category = categoryOf(naming, reading.payee);
   reading.account = ownAccount(items, found, movement->kind);
   reading.reference = referenceIn(items, found, readable);
-  if (sums.balance && items[*sums.balance].sum.minorUnits) {
-    reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
-  }
-  const bool foreign = reading.amount && reading.amount->currency != bookCurrency;
-  if (sums.unclear || !reading.amount || foreign) reading.outcome = Outcome::needsReview;
+  const bool own = reading.amount && reading.amount->currency == bookCurrency;
+  if (sums.unclear || !own) reading.outcome = Outcome::needsReview;
   return reading;
 }
 

@@ -143,51 +143,85 @@ class SumReader {
            (endsWith(items_, end, Meaning::debited) || endsWith(items_, end, Meaning::credited));
   }
 
+  // How far a sum goes around its number.
+  struct Extent {
+    std::optional<StatedCurrency> currency = {};
+    std::size_t last = 0;  // its last item
+    bool unclear = false;
+    char sign = '\0';
+  };
+
+  // "1 234,56" is one number where its currency groups by blanks, else nothing to rely on.
+  [[nodiscard]] Extent spacedExtent(std::size_t number) const {
+    Extent extent{.last = number};
+    extent.currency = inFront(number, extent.sign);
+    const std::size_t spaced = lastOfSpaced(number);
+    if (spaced == number) return extent;
+    const auto after = behind(spaced);
+    if (!extent.currency && !after) return extent;
+    const std::string code = (extent.currency ? *extent.currency : *after).resolvedFor(book_);
+    const bool comma = items_[spaced].text.find(',') != std::string::npos;
+    if (groupsByBlanks(code) || comma) {
+      extent.last = spaced;
+    } else {
+      extent.unclear = items_[spaced].text.find_first_of(".,") != std::string::npos;
+    }
+    return extent;
+  }
+
+  [[nodiscard]] Extent extentAt(std::size_t number) const {
+    Extent extent = spacedExtent(number);
+    const auto after = behind(extent.last);
+    constexpr std::size_t oneCode = 3;
+    const bool settles = extent.currency && after && extent.currency->codes.size() > oneCode &&
+                         extent.currency->mayBe(after->codes);  // "$500 MXN"
+    if (settles) extent.currency->codes = after->codes;
+    if (!extent.currency && after) {
+      extent.currency = after;
+      extent.unclear = extent.unclear || followsGroup(number);
+    }
+    if (after && (settles || extent.currency->begin == after->begin)) extent.last = after->end - 1;
+    return extent;
+  }
+
+  // The "234" of "1 234 USD" when it was not joined.
+  [[nodiscard]] bool followsGroup(std::size_t number) const {
+    constexpr std::size_t group = 3;
+    if (number == 0 ||
+        items_[number].text.substr(0, group).find_first_of(".,") != std::string::npos) {
+      return false;
+    }
+    const Item& before = items_[number - 1];
+    const std::size_t whole = std::min(items_[number].text.find('.'), items_[number].text.size());
+    return whole == group && before.kind == Item::Kind::number && !before.isPiece &&
+           before.text.size() <= group && before.end + 1 == items_[number].begin;
+  }
+
   // Reads the sum around the number at `at` and moves `at` to its last item.
   Item sumAt(std::size_t& at) {
     const std::size_t number = at;
     Item item = items_[number];
     if (isDatePiece(items_, number) || isMaskedBehind(number)) return item;
-    char sign = '\0';
-    const std::size_t spaced = lastOfSpaced(number);
-    auto stated = inFront(number, sign);
-    auto after = behind(spaced);
-    std::size_t last = number;
-    if (spaced > number) {
-      const std::string code = stated  ? stated->resolvedFor(book_)
-                               : after ? after->resolvedFor(book_)
-                                       : "";
-      const bool comma = items_[spaced].text.find(',') != std::string::npos;
-      if (!code.empty() && (groupsByBlanks(code) || comma)) {
-        last = spaced;
-        for (std::size_t next = number + 1; next <= spaced; ++next) item.text += items_[next].text;
-      } else if (code.empty()) {
-        after = std::nullopt;
-      }
-    }
-    const bool unclear = spaced > last && (stated || after) &&
-                         items_[spaced].text.find_first_of(".,") != std::string::npos;
-    if (spaced > last) after = behind(last);
-    if (!stated && !after && (item.isPiece || !isBareSum(number))) return item;
-    if (!stated && item.isPiece && !items_[after->begin].glued) return item;
-    if (stated && after && stated->codes.size() > 3 && stated->mayBe(after->codes)) {
-      stated->codes = after->codes;  // "$500 MXN"
-      last = after->end - 1;
-    } else if (!stated && after) {
-      stated = after;
-      last = after->end - 1;
-    }
+    const Extent extent = extentAt(number);
+    const auto& stated = extent.currency;
+    if (!stated && (item.isPiece || !isBareSum(number))) return item;
+    // A number within a word is a sum only by a currency in front, or glued to it.
+    if (item.isPiece && stated->begin > number && !items_[stated->begin].glued) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
-    item.sum.sign = sign != '\0' ? sign : signInFront(number);
+    item.sum.sign = extent.sign != '\0' ? extent.sign : signInFront(number);
+    for (std::size_t next = number + 1; next <= extent.last; ++next) {
+      if (items_[next].kind == Item::Kind::number) item.text += items_[next].text;
+    }
     if (stated) {
       item.begin = std::min(item.begin, items_[stated->begin].begin);
       item.sum.currency = stated->resolvedFor(book_);
     }
-    item.end = items_[last].end;
+    item.end = items_[extent.last].end;
     const std::string_view habit = stated ? std::string_view(item.sum.currency) : book_;
-    if (!unclear && !isMultiplied(last + 1)) item.sum.minorUnits = minorUnitsOf(item.text, habit);
-    at = last;
+    const bool unclear = extent.unclear || isMultiplied(extent.last + 1);
+    if (!unclear) item.sum.minorUnits = minorUnitsOf(item.text, habit);
+    at = extent.last;
     return item;
   }
 

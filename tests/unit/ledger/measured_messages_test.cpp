@@ -118,5 +118,7 @@ TEST_F(MeasuredMessages, OfTheSecondSetReachTheBars) { measure("messages_second_
 
 TEST_F(MeasuredMessages, OfTheThirdSetReachTheBars) { measure("messages_third_measure.tsv"); }
 
+TEST_F(MeasuredMessages, OfTheFourthSetReachTheBars) { measure("messages_fourth_measure.tsv"); }
+
 }  // namespace
 }  // namespace kivo::ledger
