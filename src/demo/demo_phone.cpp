@@ -1,9 +1,17 @@
 #include "demo/demo_phone.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <thread>
 #include <utility>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include "platform/foundation/json_decoder.h"
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo {
 using linux_platform::ProgramResult;
@@ -18,6 +26,16 @@ std::filesystem::path serviceFolder() {
   return std::filesystem::is_directory(built) ? built : tree / "share" / "dbus-1" / "services";
 }
 
+// Whether a server takes connections on the socket at `path`, which must be short enough for one.
+bool isAnswering(const std::filesystem::path& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.native().copy(address.sun_path, sizeof address.sun_path - 1);
+  const linux_platform::Descriptor asking(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
+  return connect(asking.number(), generic, sizeof address) == 0;
+}
+
 std::string withoutLastBreak(std::string text) {
   if (text.ends_with('\n')) text.pop_back();
   return text;
@@ -26,7 +44,7 @@ std::string withoutLastBreak(std::string text) {
 }  // namespace
 
 DemoPhone::Folder::Folder() {
-  // The bus's socket lies in it, and a socket's path is short.
+  // Sockets lie in it, and a socket's path is short.
   constexpr std::size_t longestParent = 60;
   std::error_code none;
   std::filesystem::path parent = std::filesystem::temp_directory_path(none);
@@ -42,19 +60,13 @@ DemoPhone::Folder::~Folder() {
 }
 
 DemoPhone::DemoPhone(const std::string& currency)
-    : backend_(currency),
-      server_([this](const HttpRequest& request) -> HttpAnswer {
-        auto answer = backend_.answer(
-            {.method = request.method, .target = request.target, .body = request.body});
-        return {.status = answer.status, .body = std::move(answer.body)};
-      }),
-      bus_(folder_.path(), {serviceFolder()}, environment()),
-      display_(bus_.address()) {
-  phone({"sign-in", "--user-id", "demo-user", "--url", server_.url(), "--currency", currency});
+    : bus_(folder_.path(), {serviceFolder()}, environment()), display_(bus_.address()) {
+  startLedger();
+  phone({"sign-in", "--local", "--currency", currency});
   phone({"notifications", "authorized"});
 }
 
-DemoPhone::~DemoPhone() = default;
+DemoPhone::~DemoPhone() { stopLedger(); }
 
 // The person's language and time zone stay: they decide how amounts and days read.
 DemoPhone::Environment DemoPhone::environment() const {
@@ -67,18 +79,24 @@ DemoPhone::Environment DemoPhone::environment() const {
           {"XDG_RUNTIME_DIR", (home / "run").string()}};
 }
 
-ProgramResult DemoPhone::run(const char* program, std::vector<std::string> arguments,
-                             std::string input) {
+linux_platform::ProgramCall DemoPhone::call(const char* program, std::vector<std::string> arguments,
+                                            std::string input) {
   Environment surroundings = environment();
   surroundings["DBUS_SESSION_BUS_ADDRESS"] = bus_.address();
   const std::filesystem::path file = linux_platform::programFolder() / program;
   if (!std::filesystem::exists(file)) {
     throw std::runtime_error(std::string(program) + " is missing beside kivo-demo");
   }
-  ProgramResult result = linux_platform::runProgram({.program = file,
-                                                     .arguments = std::move(arguments),
-                                                     .input = std::move(input),
-                                                     .environment = std::move(surroundings)});
+  return {.program = file,
+          .arguments = std::move(arguments),
+          .input = std::move(input),
+          .environment = std::move(surroundings)};
+}
+
+ProgramResult DemoPhone::run(const char* program, std::vector<std::string> arguments,
+                             std::string input) {
+  ProgramResult result =
+      linux_platform::runProgram(call(program, std::move(arguments), std::move(input)));
   if (result.status != 0) {
     throw std::runtime_error(std::string(program) + " ended with status " +
                              std::to_string(result.status));
@@ -117,6 +135,36 @@ std::vector<ShownNotification> DemoPhone::nextNotifications(
   shown.erase(shown.begin(), shown.begin() + static_cast<std::ptrdiff_t>(toldNotifications_));
   toldNotifications_ += shown.size();
   return shown;
+}
+
+void DemoPhone::startLedger() {
+  // The place that `kivo-phone sign-in --local` names.
+  const std::filesystem::path socket = folder_.path() / "run" / "kivo" / "ledger.sock";
+  ledger_ = std::make_unique<linux_platform::ChildProcess>(call("kivo-ledger", {"serve"}));
+  for (auto waited = 0ms; !isAnswering(socket); waited += 5ms) {
+    if (waited > 10s) throw std::runtime_error("kivo-ledger does not start");
+    std::this_thread::sleep_for(5ms);
+  }
+}
+
+void DemoPhone::stopLedger() {
+  if (ledger_ == nullptr) return;
+  ledger_->signal(SIGTERM);
+  ledger_->wait(5s);
+  ledger_.reset();
+}
+
+std::string DemoPhone::ledger(const std::string& command) {
+  return withoutLastBreak(run("kivo-ledger", {command}).output);
+}
+
+std::vector<std::string> DemoPhone::descriptions(const std::string& command) {
+  const std::string json = run("kivo-ledger", {command, "--json"}).output;
+  std::vector<std::string> result;
+  for (const auto& entry : platform::JSONDecoder::arrayOfObjects(json)) {
+    result.push_back(entry.decodeString("description"));
+  }
+  return result;
 }
 
 std::string DemoPhone::queue() { return phone({"queue"}); }

@@ -1,17 +1,17 @@
-// A phone for a demonstration: private folders, a private session bus, the embedded backend, and
-// the real programs. Touches nothing of the person's own, and leaves nothing behind.
+// A phone for a demonstration: the real programs with kivo-ledger as the backend, in private
+// folders and on a private session bus. Touches nothing of the person's own, and leaves nothing
+// behind.
 #pragma once
 
 #include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "demo/embedded_backend.h"
-#include "demo/loopback_http_server.h"
 #include "demo/notification_display.h"
 #include "demo/private_session_bus.h"
 #include "platform/linux/process/child_process.h"
@@ -30,7 +30,7 @@ struct IntentAnswer {
 /// program that belongs to the phone is missing or fails.
 class DemoPhone {
  public:
-  /// Starts it, with somebody signed in whose currency is `currency` and who allowed notifications.
+  /// Starts it, signed in at its own ledger with the currency `currency` and notifications allowed.
   explicit DemoPhone(const std::string& currency);
   /// Stops all of it and removes its folders.
   ~DemoPhone();
@@ -54,10 +54,14 @@ class DemoPhone {
   /// The text that the shared store holds under `key`; empty when it holds none.
   std::string stored(StoreKey key);
 
-  /// Takes the backend off the network, or brings it back.
-  void goOffline() { server_.stopListening(); }
-  void comeOnline() { server_.listen(); }
-  [[nodiscard]] std::size_t transactionsAtBackend() const { return backend_.storedTransactions(); }
+  /// Starts the ledger and waits until it takes connections; it must not run.
+  void startLedger();
+  /// Stops the ledger, if it runs, with SIGTERM.
+  void stopLedger();
+  /// As `kivo-ledger` shows it; `command` is "list" or "review".
+  std::string ledger(const std::string& command);
+  /// The descriptions of the transactions that `command` shows, newest first.
+  std::vector<std::string> descriptions(const std::string& command);
 
  private:
   using Environment = std::map<std::string, std::optional<std::string>>;
@@ -76,16 +80,17 @@ class DemoPhone {
   };
 
   [[nodiscard]] Environment environment() const;
+  linux_platform::ProgramCall call(const char* program, std::vector<std::string> arguments,
+                                   std::string input = {});
   linux_platform::ProgramResult run(const char* program, std::vector<std::string> arguments,
                                     std::string input = {});
   std::string phone(std::vector<std::string> arguments);
   IntentAnswer perform(std::vector<std::string> arguments, const std::string& input);
 
   Folder folder_;
-  EmbeddedBackend backend_;
-  LoopbackHttpServer server_;
   PrivateSessionBus bus_;
   NotificationDisplay display_;
+  std::unique_ptr<linux_platform::ChildProcess> ledger_;  // absent while it is stopped
   std::size_t toldNotifications_ = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <limits>
 #include <vector>
 
 #include <sys/ioctl.h>
@@ -82,6 +83,12 @@ void DemoScreen::piece(std::string_view label, std::string_view text, Tone tone)
   for (const std::string& line : shownLines(text, width_ - labelWidth)) {
     write((line.empty() ? "" : toned(margin, Tone::quiet) + toned(line, tone)) + "\n");
     if (!line.empty()) margin.assign(labelWidth, ' ');
+  }
+}
+
+void DemoScreen::table(std::string_view text) {
+  for (const std::string& line : shownLines(text, std::numeric_limits<std::size_t>::max())) {
+    write("  " + line + "\n");
   }
 }
 

@@ -27,6 +27,8 @@ class DemoScreen {
   void heading(std::string_view text);
   /// A line on its own.
   void line(std::string_view text, Tone tone = Tone::plain);
+  /// Lines whose columns stay below each other: they are not wrapped.
+  void table(std::string_view text);
   /// `text` beside its label, line by line and wrapped between words to the screen's width.
   void piece(std::string_view label, std::string_view text, Tone tone = Tone::plain);
 

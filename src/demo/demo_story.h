@@ -15,12 +15,14 @@ enum class DemoEnd { asTold, otherwise, interrupted };
 namespace DemoStory {
 
 /// Tells the story on `screen`: somebody signed in, an expense, an income, a declined payment, a
-/// code, a payment added by hand, and a message and a payment kept while the network is away. Takes
-/// some seconds. Asks `goesOn` several times a second and ends early when it is false. Says on the
-/// screen what did not go as told. Throws what DemoPhone and DemoScreen throw.
+/// code, a payment added by hand, a message and a payment kept while the ledger is stopped, and the
+/// ledger's list. Takes some seconds. Asks `goesOn` several times a second and ends early when it
+/// is false. Says on the screen what did not go as told. Throws what DemoPhone and DemoScreen
+/// throw.
 DemoEnd tell(DemoScreen& screen, const std::function<bool()>& goesOn);
 
-/// Processes `message` (any bytes) and shows the same; the phone's currency is that of the message.
+/// Processes `message` (any bytes) and shows the same, and the ledger's review when the message is
+/// there; the phone's currency is that of the message.
 /// Otherwise as `tell`.
 DemoEnd show(DemoScreen& screen, const std::string& message, const std::function<bool()>& goesOn);
 

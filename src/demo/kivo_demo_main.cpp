@@ -1,4 +1,4 @@
-// kivo-demo: the extension's main job on an embedded backend, as a story or on a text given.
+// kivo-demo: the extension's main job with the ledger, as a story or on a text given.
 #include <csignal>
 #include <iostream>
 #include <iterator>
@@ -18,8 +18,8 @@ constexpr int exitInterrupted = 128 + SIGINT;
 
 constexpr std::string_view help = R"(Usage: kivo-demo [TEXT | -]
 
-Shows what Kivo's intents extension makes of bank messages: the real programs run on
-an embedded backend, in private folders and on a private session bus.
+Shows what Kivo's intents extension makes of bank messages: the real programs run
+with a ledger of their own, in private folders and on a private session bus.
 
   kivo-demo          tells a story of several messages, online and offline
   kivo-demo -        processes a text from standard input

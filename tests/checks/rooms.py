@@ -23,7 +23,7 @@ ARROWS = {
     "phone": {"sms_watcher", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
     "ledger/recognition": set(),
     "ledger": {"ledger/recognition", "store", "extraction", "feedback", "platform", "platform/linux"},
-    "demo": {"ledger/recognition", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
+    "demo": {"ledger/recognition", "store", "platform", "platform/linux"},
 }
 
 # Within a room, its folders -> its folders that they may include. None leads in a circle.

@@ -65,9 +65,13 @@ TEST_F(TheDemonstration, ShowsTheExpectedDialogs) {
   EXPECT_THAT(result.output, HasSubstr("Add Expense  Amount 42.5, merchant Lotus Bakery\n"
                                        "  Dialog       Tracked EGP\u00A042.50 at Lotus Bakery\n"));
   EXPECT_THAT(result.output, HasSubstr("AddExpenseIntent error: URLError cannotConnectToHost"));
-  // From the queue, once the backend is back.
+  // From the queue, once the ledger is back.
   EXPECT_THAT(result.output, HasSubstr("EGP\u00A064.00 at Corner Coffee (Dining)\n"));
   EXPECT_THAT(result.output, HasSubstr("EGP\u00A018.75 at Papyrus Books ("));
+  EXPECT_THAT(result.output, ContainsRegex("\nkivo-ledger list\n  ID  DATE [^\n]*\n  6   "));
+  EXPECT_THAT(result.output,
+              ContainsRegex("\n  2 [^\n]* income +18500.00 EGP  شركة الأفق  +Salary\n"
+                            "  1 [^\n]* 415.75 EGP  Sunny Basket Market  Groceries\n"));
   EXPECT_THAT(result.output, HasSubstr("All went as told"));
   EXPECT_THAT(result.output, Not(HasSubstr("NOT AS TOLD")));
   expectPlainText(result.output);
@@ -76,7 +80,7 @@ TEST_F(TheDemonstration, ShowsTheExpectedDialogs) {
 TEST_F(TheDemonstration, BeginsWithASignIn) {
   const ProgramResult result = demo({});
   const std::size_t signIn =
-      result.output.find("\nSign in\n  User         demo-user\n  Backend      http://127.0.0.1:");
+      result.output.find("\nSign in\n  User         local\n  Backend      kivo-ledger");
   EXPECT_NE(signIn, std::string::npos) << result.output;
   EXPECT_LT(signIn, result.output.find("Bank SMS"));
 }
@@ -97,6 +101,21 @@ TEST_F(TheDemonstration, ProcessesATextFromItsArguments) {
   expectPlainText(result.output);
 }
 
+TEST_F(TheDemonstration, ListsATransactionThatIsBooked) {
+  const ProgramResult result = demo({"Purchase of SAR 86.50 at Oasis Coffee"});
+  EXPECT_THAT(result.output, ContainsRegex("\nkivo-ledger list\n  ID [^\n]*\n"
+                                           "  1 [^\n]* 86.50 SAR  Oasis Coffee  Dining\n$"));
+}
+
+TEST_F(TheDemonstration, ShowsTheReviewOfAMessageThatNeedsALook) {
+  const ProgramResult result = demo({"You paid USD 20.00 or EGP 1000.00 at Oasis Coffee"});
+  EXPECT_EQ(result.status, 0) << result.output << result.errors;
+  EXPECT_THAT(result.output, HasSubstr("Notification 🔎 Needs a look\n"));
+  EXPECT_THAT(result.output, ContainsRegex("\nkivo-ledger review\n  ID [^\n]*\n"
+                                           "  1 [^\n]* 20.00 USD  Oasis Coffee  Dining\n$"));
+  EXPECT_THAT(result.output, Not(HasSubstr("kivo-ledger list")));
+}
+
 TEST_F(TheDemonstration, ProcessesAnyBytesFromStandardInput) {
   const ProgramResult result = demo({"-"}, "Purchase of\nEGP 86.50\x1b[31m \xff at Oasis Coffee\n");
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
@@ -110,6 +129,7 @@ TEST_F(TheDemonstration, ShowsThatATextIsNotATransaction) {
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
   EXPECT_THAT(result.output, HasSubstr("Dialog       SMS ignored - not a transaction\n"));
   EXPECT_THAT(result.output, Not(HasSubstr("Notification")));
+  EXPECT_THAT(result.output, Not(HasSubstr("kivo-ledger")));
 }
 
 TEST_F(TheDemonstration, FormatsAmountsByTheLocale) {

@@ -1,4 +1,4 @@
-#include "demo/loopback_http_server.h"
+#include "testkit/loopback_http_server.h"
 
 #include <atomic>
 #include <stdexcept>
@@ -9,7 +9,7 @@
 #include "platform/linux/http/http_url_session.h"
 #include "testkit/task_runner.h"
 
-namespace kivo::linux_platform {
+namespace kivo::testkit {
 namespace {
 
 using platform::URLError;
@@ -22,7 +22,7 @@ class ALoopbackHttpServer : public ::testing::Test {
     request.headerFields["Content-Type"] = "text/x";
     request.timeoutInterval = std::chrono::seconds(20);
     request.httpBody = body;
-    answer_ = testkit::await(session_.data(request));
+    answer_ = await(session_.data(request));
     return answer_.response.statusCode;
   }
 
@@ -35,7 +35,7 @@ class ALoopbackHttpServer : public ::testing::Test {
     }
   }
 
-  HTTPURLSession session_;
+  linux_platform::HTTPURLSession session_;
   platform::URLAnswer answer_;
   HttpRequest seen_;
   std::atomic<int> exchanges_ = 0;
@@ -90,4 +90,4 @@ TEST_F(ALoopbackHttpServer, ListensAgainAtTheSameAddress) {
 }
 
 }  // namespace
-}  // namespace kivo::linux_platform
+}  // namespace kivo::testkit

@@ -35,12 +35,12 @@ class HeldBackend {
   std::condition_variable changed_;
   std::size_t arrived_ = 0;  // guarded by mutex_, like answeredAtOnce_
   std::size_t answeredAtOnce_ = 0;
-  LoopbackHttpServer server_{[this](const HttpRequest&) {
+  testkit::LoopbackHttpServer server_{[this](const testkit::HttpRequest&) {
     std::unique_lock lock(mutex_);
     const std::size_t number = ++arrived_;
     changed_.notify_all();
     changed_.wait_for(lock, 10s, [&] { return number <= answeredAtOnce_; });
-    return HttpAnswer{.status = 200, .body = testkit::savedAnswer("expense")};
+    return testkit::HttpAnswer{.status = 200, .body = testkit::savedAnswer("expense")};
   }};
 };
 

@@ -10,10 +10,10 @@
 
 #include <gmock/gmock.h>
 
-#include "demo/loopback_http_server.h"
 #include "platform/linux/process/child_process.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
+#include "testkit/loopback_http_server.h"
 #include "testkit/private_folders.h"
 
 namespace kivo::testkit {

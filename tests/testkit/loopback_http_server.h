@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace kivo {
+namespace kivo::testkit {
 
 struct HttpRequest {
   std::string method;
@@ -51,4 +51,4 @@ class LoopbackHttpServer {
   std::unique_ptr<Server> server_;
 };
 
-}  // namespace kivo
+}  // namespace kivo::testkit

@@ -1,4 +1,4 @@
-#include "demo/loopback_http_server.h"
+#include "testkit/loopback_http_server.h"
 
 #include <chrono>
 #include <exception>
@@ -18,7 +18,7 @@
 
 #include "platform/linux/concurrency/background_thread.h"
 
-namespace kivo {
+namespace kivo::testkit {
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -176,4 +176,4 @@ void LoopbackHttpServer::listen() {
   server_->onThread([server = server_.get()] { server->listen(); });
 }
 
-}  // namespace kivo
+}  // namespace kivo::testkit
