@@ -116,7 +116,7 @@ class ARunTerminatedAtAnySystemCall : public ExtensionProgram,
   int savedOffline = 0;
 };
 
-TEST_P(ARunTerminatedAtAnySystemCall, AnswersAndLosesNoQueuedTextWhenItDrains) {
+TEST_P(ARunTerminatedAtAnySystemCall, AnswersAndLosesNoTextWhenItDrains) {
   atEachCall([this](const char* systemCall, int number) {
     const UnreliableBackend healthy(1, 0);
     signIn(healthy.url());
