@@ -40,6 +40,8 @@ bool isOnThisMachine(const URL& url) {
 }
 
 std::string sentenceOf(int status) {
+  constexpr int methodNotAllowed = 405;  // the right answer to the GET by which it is asked
+  if (status == methodNotAllowed) return "The backend answers.";
   const std::string answers = "The backend answers, with HTTP status " + std::to_string(status);
   if (status == 404) {
     return answers + ": it may have no /functions/v1/sms-extraction; check the base URL.";

@@ -73,7 +73,7 @@ class ASignedInPhone : public testing::Test {
 TEST_F(ASignedInPhone, ReportsThatTheBackendAnswers) {
   const ScriptedServer server(answering(httpAnswer(405, "{}")));
   EXPECT_EQ(signIn(server.url()).output,
-            "Signed in at " + server.url() + "\nThe backend answers, with HTTP status 405.\n");
+            "Signed in at " + server.url() + "\nThe backend answers.\n");
   const auto requests = server.requests();
   ASSERT_THAT(requests, SizeIs(1));
   EXPECT_THAT(requests[0], StartsWith("GET /functions/v1/sms-extraction HTTP/1.1\r\n"));
@@ -134,7 +134,7 @@ TEST_F(ASignedInPhone, ShowsBackendAndPermissionInItsStatus) {
   EXPECT_EQ(run({"status"}).output,
             "Signed in      at " + server.url() +
                 "\n"
-                "Backend        The backend answers, with HTTP status 405.\n"
+                "Backend        The backend answers.\n"
                 "Currency       EGP\n"
                 "Notifications  authorized\n"
                 "Waiting        none\n");
