@@ -131,13 +131,12 @@ TEST_F(ASignedInPhone, ShowsBackendAndPermissionInItsStatus) {
   const ScriptedServer server(answering(httpAnswer(405, "{}")));
   signIn(server.url());
   run({"notifications", "authorized"});
-  EXPECT_EQ(run({"status"}).output,
-            "Signed in      at " + server.url() +
-                "\n"
-                "Backend        The backend answers.\n"
-                "Currency       EGP\n"
-                "Notifications  authorized\n"
-                "Waiting        none\n");
+  EXPECT_EQ(run({"status"}).output, "Signed in      at " + server.url() +
+                                        "\n"
+                                        "Backend        The backend answers.\n"
+                                        "Currency       EGP\n"
+                                        "Notifications  authorized\n"
+                                        "Waiting        none\n");
 }
 
 TEST_F(ASignedInPhone, ShowsInItsStatusThatItIsSignedOut) {

@@ -49,7 +49,7 @@ void endSubscription(void* data) { delete static_cast<Subscription*>(data); }
 }  // namespace
 
 void subscribe(DBusConnection* bus, const BusSignal& signal, OnSignal onSignal) {
-  auto subscription = std::make_unique<Subscription>(signal, std::move(onSignal));
+  auto subscription = std::make_unique<Subscription>(Subscription{signal, std::move(onSignal)});
   if (!dbus_connection_add_filter(bus, filter, subscription.get(), endSubscription)) {
     throw std::bad_alloc();
   }

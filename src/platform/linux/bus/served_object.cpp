@@ -116,7 +116,7 @@ void BusAnswer::refuse(const BusRefusal& refusal) {
 void serveObject(DBusConnection* bus, const BusObject& object, std::vector<BusMethod> methods) {
   static constexpr DBusObjectPathVTable table{endServing, handle,  nullptr,
                                               nullptr,    nullptr, nullptr};
-  auto served = std::make_unique<ServedObject>(object, std::move(methods));
+  auto served = std::make_unique<ServedObject>(ServedObject{object, std::move(methods)});
   if (!dbus_connection_register_object_path(bus, object.path, &table, served.get())) {
     throw std::runtime_error("the session bus cannot be used");
   }
