@@ -78,7 +78,7 @@ std::optional<ModemMessage> receivedText(BusReader properties) {
     if (key == state) {
       received = value.natural() == stateReceived;
     } else if (key == pduType) {
-      const auto type = value.natural();
+      const std::uint32_t type = value.natural().value_or(0);
       delivered = type == pduDeliver || type == pduCdmaDeliver;
     } else if (key == text) {
       message.text = value.text().value_or("");
