@@ -73,6 +73,7 @@ void perform(const std::deque<BusThread::Step>& steps, DBusConnection* connectio
 }  // namespace
 
 BusThread::BusThread(Settings settings) : state_(std::make_shared<State>(std::move(settings))) {
+  dbus_threads_init_default();  // before two threads use libdbus, whose own first use is a race
   try {
     state_->thread = startBackgroundThread([state = state_] {
       if (state->settings.beforehand) state->settings.beforehand();
