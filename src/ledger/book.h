@@ -61,8 +61,8 @@ using MessageReader = std::function<Reading(std::string_view text, std::string_v
 /// then has changed nothing.
 class Book {
  public:
-  /// Opens the book, creating it when there is none. Absent, after one line on standard error, when
-  /// that fails.
+  /// Opens the book; creates the file when it is missing. On failure, prints one line on standard
+  /// error and returns nullopt.
   static std::optional<Book> open(MessageReader reader = read);
 
   /// Answers `message`. A key of that user that was answered before gets the same bytes, whatever
@@ -73,16 +73,17 @@ class Book {
 
   /// The entries that fit `filter`, newest first.
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
-  /// The entry `id`; absent when there is none.
+  /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
 
-  /// Makes `change` of the entry `id`; false when there is none. A description or category holds
-  /// for later messages of the same payee too.
+  /// Changes the entry `id`; false when no entry has this id. A new description or category also
+  /// applies to later messages of the same payee.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id`; false when there is none or it has no sum.
+  /// Books the entry `id`; false when no entry has this id, or it has no sum.
   bool accept(std::int64_t id);
-  /// Removes the entry `id` and its text; false when there is none. Its key is answered as before.
-  /// Of the entries that looked like it, the others now look like the first.
+  /// Removes the entry `id` and its text; false when no entry has this id. Its key keeps its
+  /// answer. Entries that were marked as its look-alikes are marked as look-alikes of the first of
+  /// them.
   bool remove(std::int64_t id);
   /// Removes the texts of all messages from the file; returns how many there were.
   std::int64_t forgetTexts();

@@ -22,7 +22,7 @@ int print(const std::string& text);
 /// on standard error, when the book cannot be opened, read or written.
 int withBook(const std::function<int(Book&)>& use);
 
-/// As `withBook`, with the entry whose id was given as ID; `fail` when there is none.
+/// As `withBook`, with the entry whose id was given as ID; `fail` when no entry has that id.
 int withEntry(const linux_platform::GivenParameters& given,
               const std::function<int(Book&, const LedgerEntry&)>& use);
 

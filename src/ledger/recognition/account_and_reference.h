@@ -13,7 +13,8 @@ namespace kivo::ledger {
 /// The last digits of the person's own account or card, six at most; empty when none are shown.
 std::string ownAccount(const Items& items, std::span<const Found> found, Kind kind);
 
-/// The reference behind words such as "Ref No", 40 bytes at most; empty when there is none.
+/// The reference behind words such as "Ref No", 40 bytes at most; empty when the message has no
+/// reference.
 std::string referenceIn(const Items& items, std::span<const Found> found,
                         std::string_view readable);
 
