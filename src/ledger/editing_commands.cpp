@@ -8,11 +8,10 @@
 #include <unistd.h>
 
 #include "ledger/calendar_day.h"
+#include "ledger/command_options.h"
 #include "ledger/entry_listing.h"
 #include "ledger/ledger_terminal.h"
 #include "platform/foundation/number_text.h"
-#include "platform/foundation/utf8.h"
-#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::ledger {
 namespace {
@@ -20,19 +19,6 @@ namespace {
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
-
-// Returns what was given for `name`, if anything.
-std::optional<std::string> given(const GivenParameters& parameters, const char* name) {
-  const auto found = parameters.find(name);
-  if (found == parameters.end()) return std::nullopt;
-  return platform::repairedUtf8(found->second);
-}
-
-int failFor(const char* name, const std::string& value, const std::string& form) {
-  return fail(std::string("invalid ") + name + " \"" + linux_platform::escapedControls(value) +
-                  "\": it is " + form,
-              exitBadUsage);
-}
 
 std::string upperCase(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](char letter) {

@@ -1,52 +1,19 @@
 #include "ledger/listing_commands.h"
 
-#include <algorithm>
 #include <string>
+#include <utility>
 
-#include "ledger/calendar_day.h"
+#include "ledger/command_options.h"
 #include "ledger/entry_listing.h"
 #include "ledger/ledger_terminal.h"
-#include "platform/foundation/utf8.h"
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::ledger {
 namespace {
 
-using linux_platform::escapedControls;
-using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
-
-// Returns what was given for `name`; empty when nothing was.
-std::string given(const GivenParameters& parameters, const char* name) {
-  const auto found = parameters.find(name);
-  return found == parameters.end() ? "" : platform::repairedUtf8(found->second);
-}
-
-int failFor(const char* name, const std::string& value, const std::string& form) {
-  return fail(std::string("invalid ") + name + " \"" + escapedControls(value) + "\": it is " + form,
-              exitBadUsage);
-}
-
-// The exit status for options that do not fit; 0 when they do.
-int readFilter(const GivenParameters& parameters, EntryFilter& filter) {
-  filter.category = given(parameters, "--category");
-  filter.search = given(parameters, "--search");
-  for (const auto& [name, bound] : {std::pair("--from", &filter.from), {"--to", &filter.to}}) {
-    *bound = given(parameters, name);
-    if (parameters.contains(name) && !isDay(*bound)) {
-      return failFor(name, *bound, "a day such as 2026-11-21");
-    }
-  }
-  if (!parameters.contains("--month")) return 0;
-  const std::string month = given(parameters, "--month");
-  if (!isMonth(month)) return failFor("--month", month, "a month such as 2026-11");
-  filter.from = std::max(filter.from, month + "-01");
-  const std::string last = month + "-31";  // days are compared as texts
-  filter.to = filter.to.empty() ? last : std::min(filter.to, last);
-  return 0;
-}
 
 int show(const std::vector<LedgerEntry>& entries, bool asJson, const char* none) {
   if (asJson) {
@@ -85,16 +52,10 @@ int showOne(const GivenParameters& parameters) {
 
 std::vector<linux_platform::Command> listingCommands() {
   const linux_platform::CommandParameter json{"--json", "Print JSON", ParameterKind::flag};
+  std::vector<linux_platform::CommandParameter> listOptions = filterOptions();
+  listOptions.push_back(json);
   return {
-      {"list",
-       "Show the transactions that are booked, newest first",
-       {{"--month", "Only those of a month, as 2026-11", ParameterKind::optional},
-        {"--from", "Only those from this day on, as 2026-11-21", ParameterKind::optional},
-        {"--to", "Only those up to this day", ParameterKind::optional},
-        {"--category", "Only those of a category", ParameterKind::optional},
-        {"--search", "Only those that hold a text", ParameterKind::optional},
-        json},
-       list},
+      {"list", "Show the transactions that are booked, newest first", std::move(listOptions), list},
       {"review", "Show what is to be looked at before it is booked", {json}, review},
       {"show",
        "Show all of one transaction, with its message",
