@@ -1,11 +1,13 @@
 #include "ledger/overview_commands.h"
 
+#include <functional>
 #include <string>
 
 #include "ledger/calendar_day.h"
 #include "ledger/command_options.h"
 #include "ledger/ledger_terminal.h"
 #include "ledger/summary_view.h"
+#include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::ledger {
@@ -25,8 +27,14 @@ int withMonth(const GivenParameters& parameters,
 }
 
 int summary(const GivenParameters& parameters) {
-  return withMonth(parameters, [](const Book&, const MonthSummary& figures) {
-    return print(linux_platform::jsonForStandardOutput(SummaryView::json(figures).text()) + "\n");
+  return withMonth(parameters, [&](const Book&, const MonthSummary& figures) {
+    if (parameters.contains("--json")) {
+      return print(linux_platform::jsonForStandardOutput(SummaryView::json(figures).text()) + "\n");
+    }
+    SummaryView::Look look;
+    look.width = linux_platform::onTerminal() ? linux_platform::screenWidth() : look.width;
+    if (linux_platform::terminalShowsStyles()) look.style = SummaryView::Look::Style::coloured;
+    return print(SummaryView::text(figures, currentMonth(), look));
   });
 }
 
