@@ -69,7 +69,7 @@ th,td{padding-left:.7rem}.two>*{margin:0}.what{grid-template-columns:1fr}.id{dis
 .chart svg{height:9rem}.axis{height:10.2rem}.chart{font-size:.7rem}}
 @media print{:root{color-scheme:light;--ground:#fff;--sheet:#fff;--ink:#000;--soft:#444;--line:#ccc;--spent:#2b6cb0;
 --received:#2f855a;--notice:#fff;--edge:#777}body{font-size:10pt}.sheet,.cards>div{border-color:#bbb;break-inside:avoid}
-.list{break-inside:auto}tr{break-inside:avoid}thead{display:table-header-group}details:not([open]){display:none}
+.list{break-inside:auto}footer{display:none}tr{break-inside:avoid}thead{display:table-header-group}details:not([open]){display:none}
 *{-webkit-print-color-adjust:exact;print-color-adjust:exact}}
 )";
 

@@ -102,7 +102,7 @@ class TheReport(unittest.TestCase):
             for width in (PHONE, DESK):
                 self.browser.show(page, width)
                 self.browser.run(OPEN_ALL)
-                edges = self.browser.value("[...document.querySelectorAll('.list td.sum')].map(one =>"
+                edges = self.browser.value("[...document.querySelectorAll('.list td.sum bdi')].map(one =>"
                                            " Math.round(one.getBoundingClientRect().right))")
                 self.assertEqual(len(set(edges)), 1)
                 names = self.browser.value("[...document.querySelectorAll('.list tr')].every(row => !row.cells[1] ||"
