@@ -8,12 +8,14 @@
 
 namespace kivo::ledger {
 
-/// The book could not be read or written, and nothing was changed. Holds SQLite's words for why,
-/// and nothing of the book.
+/// The book could not be read or written, and nothing was changed. Holds the reason,
+/// mostly in SQLite's words, and nothing of the book.
 class BookFailure : public std::runtime_error {
  public:
   /// For SQLite's result `code`.
   explicit BookFailure(int code);
+  /// For a reason of our own.
+  explicit BookFailure(const char* why) : std::runtime_error(why) {}
 };
 
 /// Throws BookFailure unless SQLite's result `code` is that of success.

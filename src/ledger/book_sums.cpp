@@ -34,12 +34,15 @@ std::vector<GroupSum> Book::sums(Grouping grouping, const std::string& from,
   Statement query(database_.get(), sql.c_str());
   query.bind(from).bind(to);
   std::vector<GroupSum> found;
-  while (next(query)) {
+  while (query.step()) {
     found.push_back({.group = query.text(0),
                      .kind = kindFromText(query.text(1)).value_or(Kind::expense),
                      .sum = {query.integer(2), query.text(3)},
                      .transactions = query.integer(4)});
   }
+  constexpr int anyError = 1;  // SQLite's code for a sum beyond 64 bits, which has none of its own
+  if (query.code() == anyError) throw BookFailure("its amounts are too large to be added up");
+  require(query.code());
   return found;
 }
 

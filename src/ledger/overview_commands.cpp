@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 
 #include "ledger/calendar_day.h"
 #include "ledger/command_options.h"
@@ -55,9 +55,9 @@ int writeReport(const std::string& page, const std::filesystem::path& path) {
   try {
     ReportFile::write(path, page);
     return print(path.string() + "\n");
-  } catch (const std::system_error& error) {
+  } catch (const std::runtime_error& error) {
     return fail("cannot write " + linux_platform::escapedControls(path.string()) + ": " +
-                error.code().message());
+                error.what());
   }
 }
 

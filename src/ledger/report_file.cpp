@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -47,7 +48,7 @@ void ReportFile::write(const std::filesystem::path& path, const std::string& tex
   struct stat found {};
   // Renaming would replace a device or a link by the report.
   if (lstat(path.c_str(), &found) == 0 && !S_ISREG(found.st_mode)) {
-    fail(S_ISDIR(found.st_mode) ? EISDIR : EEXIST);
+    throw std::runtime_error("it is there and not a regular file");
   }
   std::string fresh = path.string() + ".XXXXXX";
   const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));

@@ -12,8 +12,8 @@ namespace kivo::ledger::ReportFile {
 std::optional<std::filesystem::path> usualPlace();
 
 /// Makes `path` a file with `text`, of mode 0600, by renaming a new file: a reader sees the file of
-/// before or this one. Throws std::system_error when that fails, or when `path` is there and not a
-/// regular file.
+/// before or this one. Throws std::runtime_error with the reason when that fails, or when `path` is
+/// there and not a regular file.
 void write(const std::filesystem::path& path, const std::string& text);
 
 /// Opens `path` with xdg-open, as found in PATH, and waits for it for a few seconds. Returns why

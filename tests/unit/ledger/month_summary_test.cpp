@@ -1,7 +1,10 @@
 #include "ledger/month_summary.h"
 
+#include <limits>
+
 #include <gmock/gmock.h>
 
+#include "ledger/book_file.h"
 #include "ledger/calendar_day.h"
 #include "ledger/summary_view.h"
 #include "ledger_test.h"
@@ -85,6 +88,20 @@ TEST_F(AMonthSummary, AddsCentsExactly) {
   EXPECT_EQ(summary.sums.expense, 900'719'925'474'099'331);
   EXPECT_EQ(summary.categories[0].expense, 900'719'925'474'099'331);
   EXPECT_EQ(summary.payees[0].expense, 900'719'925'474'099'331);
+}
+
+TEST_F(AMonthSummary, RefusesToAddBeyondSixtyFourBits) {
+  Book book = open();
+  booked(book, spent(std::numeric_limits<std::int64_t>::max()), "2026-11-01");
+  EXPECT_EQ(summarize(book, "2026-11", "EGP").sums.expense,
+            std::numeric_limits<std::int64_t>::max());
+  booked(book, spent(1), "2026-11-01");
+  try {
+    summarize(book, "2026-11", "EGP");
+    FAIL();
+  } catch (const BookFailure& failure) {
+    EXPECT_STREQ(failure.what(), "its amounts are too large to be added up");
+  }
 }
 
 TEST_F(AMonthSummary, KeepsTransfersApartFromIncomeAndExpense) {
