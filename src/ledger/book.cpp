@@ -34,7 +34,7 @@ LedgerEntry entryOf(const Statement& row) {
   return entry;
 }
 
-// The pattern of LIKE for texts that hold `part`.
+// The LIKE pattern for texts that contain `part`.
 std::string patternFor(const std::string& part) {
   std::string pattern = "%";
   for (const char c : part) {

@@ -1,5 +1,4 @@
-// The book: transactions read from messages, on the disk. Reads no message itself and knows no
-// HTTP.
+// The book: stores the transactions of messages in a database. Knows no HTTP.
 #pragma once
 
 #include <functional>
@@ -14,29 +13,29 @@
 
 namespace kivo::ledger {
 
-/// A message as the extension sends it.
+/// A message of an extraction request.
 struct Message {
   std::string text;
   std::string userId;
   /// yyyy-MM-dd.
   std::string expenseDate;
-  /// The same for each attempt to send this message.
+  /// The same in each attempt to send this message.
   std::string idempotencyKey;
 };
 
-/// Which entries to list. An empty text asks for nothing.
+/// Selects entries. An empty text selects all.
 struct EntryFilter {
   LedgerEntry::State state = LedgerEntry::State::booked;
-  /// Days, yyyy-MM-dd, inclusive.
+  /// The first and the last day, yyyy-MM-dd.
   std::string from = {};
   std::string to = {};
-  /// The whole name, ASCII letters in either case.
+  /// The whole name. ASCII letters match in either case.
   std::string category = {};
-  /// A part of description, category, account or reference, ASCII letters in either case.
+  /// A part of description, category, account or reference. ASCII letters match in either case.
   std::string search = {};
 };
 
-/// A person's changes to an entry. Absent members stay as they are.
+/// The user's changes to an entry. Absent members do not change.
 struct EntryChange {
   std::optional<std::string> date = {};
   std::optional<Kind> kind = {};
@@ -47,53 +46,54 @@ struct EntryChange {
 
 /// The result of recording a message.
 struct Recorded {
-  /// A response record in JSON.
+  /// The response record as JSON.
   std::string answer;
-  /// The entry that was added for it; absent when its key was known, and when no money moved.
+  /// The new entry; absent when the key was known, and when the message is no transaction.
   std::optional<LedgerEntry> entry;
 };
 
-/// How a message is read: `read`, but for tests.
+/// Reads a message, as `read` does.
 using MessageReader = std::function<Reading(std::string_view text, std::string_view bookCurrency)>;
 
-/// An open book. For one thread; other processes may have it open as well. A change is durable when
-/// its call returns. Every call throws BookFailure when the file cannot be read or written, and
-/// then has changed nothing.
+/// An open book. Not thread-safe; other processes may have the same book open. A change is durable
+/// when the call returns. Every call throws BookFailure when the file cannot be read or written,
+/// and has then changed nothing.
 class Book {
  public:
-  /// Opens the book; creates the file when it is missing. On failure, prints one line on standard
-  /// error and returns nullopt.
+  /// Opens the book, and creates the file when it is missing. On failure, prints one line on
+  /// standard error, unless it is the same as last time, and returns nullopt. Tests pass another
+  /// `reader`.
   static std::optional<Book> open(MessageReader reader = read);
 
-  /// Answers `message`. A key of that user that was answered before gets the same bytes, whatever
-  /// the text. For a new one the message is read, and key, answer and transaction are durable
-  /// before this returns. The book is kept in `currency`; a sum in another one is for review,
-  /// unless a rate is set.
+  /// Returns the answer to `message`. A key that this user has sent before gets the same bytes as
+  /// then, whatever the text. For a new key, reads the message and stores the key, the answer and
+  /// the transaction. `currency` is the currency of the book: a transaction in another one is
+  /// converted when a rate is set, and is in review otherwise.
   Recorded record(const Message& message, const std::string& currency);
 
-  /// The entries that fit `filter`, newest first.
+  /// Returns the entries that match `filter`, newest first.
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
   /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
 
-  /// Changes the entry `id`; false when no entry has this id. A new description or category also
-  /// applies to later messages of the same payee.
+  /// Changes the entry `id`; returns false when no entry has this id. A new description or category
+  /// that is not empty also applies to later messages of the same payee.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id`; false when no entry has this id, or it has no sum.
+  /// Books the entry `id`; returns false when no entry has this id, or it has no amount.
   bool accept(std::int64_t id);
-  /// Removes the entry `id` and its text; false when no entry has this id. Its key keeps its
-  /// answer. Entries that were marked as its look-alikes are marked as look-alikes of the first of
-  /// them.
+  /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
+  /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
+  /// of the first of them.
   bool remove(std::int64_t id);
-  /// Removes the texts of all messages from the file; returns how many there were.
+  /// Erases the texts of all messages from the file. Returns their number.
   std::int64_t forgetTexts();
 
-  /// Sets the worth of one unit of `currency` in the book's currency, a plain decimal above zero:
-  /// for later messages.
+  /// Sets the value of one unit of `currency` in the book's currency, for later messages. `rate` is
+  /// a plain decimal above zero.
   void setRate(const std::string& currency, const std::string& rate);
-  /// False when there was no rate.
+  /// Removes the rate of `currency`; returns false when it has no rate.
   bool removeRate(const std::string& currency);
-  /// Currencies and their rates.
+  /// Returns the currencies and their rates, in the order of the codes.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
 
  private:

@@ -1,4 +1,4 @@
-// How a message gets into the book.
+// Book::record and its steps.
 #include <cmath>
 #include <limits>
 
@@ -77,7 +77,8 @@ std::optional<std::string> Book::answerTo(const Message& message) const {
   return query.text(0);
 }
 
-// A message that is clear but for its currency is clear when it is read in that currency.
+// A message that is in review only for its currency is read again in that currency, and converted
+// when a rate is set.
 Reading Book::readingOf(const std::string& text, const std::string& currency) const {
   Reading reading = reader_(text, currency);
   if (reading.outcome != Outcome::needsReview || !reading.amount ||
@@ -92,8 +93,8 @@ Reading Book::readingOf(const std::string& text, const std::string& currency) co
   return foreign;
 }
 
-// `foreign` at its rate, rounded to whole minor units; absent without a rate, and for a sum that
-// would be none or too large to be exact.
+// `foreign` converted at its rate, rounded to whole minor units; absent without a rate, and when
+// the result is less than one minor unit or not exact as a double.
 std::optional<Money> Book::converted(const Money& foreign, const std::string& currency) const {
   Statement query(database_.get(), "SELECT rate FROM rates WHERE currency = ?");
   if (!next(query.bind(foreign.currency))) return std::nullopt;
@@ -106,7 +107,7 @@ std::optional<Money> Book::converted(const Money& foreign, const std::string& cu
   return Money{static_cast<std::int64_t>(units), currency};
 }
 
-// Applies the person's earlier corrections for this payee.
+// Applies the user's earlier corrections for this payee.
 void Book::correct(LedgerEntry& entry) const {
   if (entry.payee.empty()) return;
   Statement query(database_.get(), "SELECT description, category FROM corrections WHERE payee = ?");
@@ -122,7 +123,7 @@ void Book::markLookAlike(LedgerEntry& entry, const std::string& userId) const {
         AND payee = ? COLLATE NOCASE AND user = ?
       UNION ALL
       SELECT id FROM transactions WHERE reference <> '' AND reference = ? AND user = ?))");
-  // No sum equals an absent one.
+  // -1 matches no entry: an absent amount is no duplicate of another.
   query.bind(entry.date).bind(entry.amount ? entry.amount->minorUnits : -1);
   query.bind(entry.amount ? std::string_view(entry.amount->currency) : "")
       .bind(kindText(entry.kind));
