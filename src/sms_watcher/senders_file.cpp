@@ -1,8 +1,6 @@
 #include "sms_watcher/senders_file.h"
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -17,6 +15,7 @@
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/process/descriptor.h"
 #include "platform/linux/store/database_folder.h"
+#include "platform/linux/store/private_file.h"
 
 namespace kivo::SendersFile {
 
@@ -78,31 +77,6 @@ std::string textOf(const std::vector<std::string>& senders) {
   return out.str();
 }
 
-// Writes all of `text` and calls fsync.
-bool writeAll(int file, const std::string& text) {
-  for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = ::write(file, text.data() + written, text.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    written += static_cast<std::size_t>(count);
-  }
-  return fsync(file) == 0;
-}
-
-bool replaceWith(const std::filesystem::path& path, const std::string& text) {
-  std::string fresh = path.string() + ".XXXXXX";
-  const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));  // mode 0600
-  if (file.number() < 0) return false;
-  std::error_code unknown;
-  if (!std::filesystem::exists(path, unknown)) linux_platform::syncFoldersAbove(path.parent_path());
-  if (writeAll(file.number(), text) && std::rename(fresh.c_str(), path.c_str()) == 0) {
-    const Descriptor folder(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return folder.number() < 0 || fsync(folder.number()) == 0;
-  }
-  unlink(fresh.c_str());
-  return false;
-}
-
 }  // namespace
 
 std::optional<std::filesystem::path> place() {
@@ -133,7 +107,9 @@ bool write(const std::vector<std::string>& senders) {
   std::error_code failure;
   std::filesystem::create_directories(path->parent_path(), failure);
   const std::filesystem::path real = std::filesystem::weakly_canonical(*path, failure);
-  return !failure && replaceWith(real, textOf(senders));
+  if (failure) return false;
+  linux_platform::syncFoldersAbove(real.parent_path());  // which may be new
+  return !linux_platform::writePrivateFile(real, textOf(senders));
 }
 
 }  // namespace kivo::SendersFile
