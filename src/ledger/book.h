@@ -53,6 +53,13 @@ struct Recorded {
   std::optional<LedgerEntry> entry;
 };
 
+/// The sum that an entry was booked with.
+struct BookedSum {
+  Money amount;
+  /// The rate by which it was converted; empty when it is the entry's own.
+  std::string rate = {};
+};
+
 /// How a message is read: `read`, but for tests.
 using MessageReader = std::function<Reading(std::string_view text, std::string_view bookCurrency)>;
 
@@ -79,8 +86,9 @@ class Book {
   /// Changes the entry `id`; false when no entry has this id. A new description or category also
   /// applies to later messages of the same payee.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id`; false when no entry has this id, or it has no sum.
-  bool accept(std::int64_t id);
+  /// Books the entry `id`; absent when no entry has this id, or it has no sum. A sum of an entry in
+  /// review that is not in `currency` is converted when a rate is set, else booked as it is.
+  std::optional<BookedSum> accept(std::int64_t id, const std::string& currency);
   /// Removes the entry `id` and its text; false when no entry has this id. Its key keeps its
   /// answer. Entries that were marked as its look-alikes are marked as look-alikes of the first of
   /// them.
@@ -89,7 +97,7 @@ class Book {
   std::int64_t forgetTexts();
 
   /// Sets the worth of one unit of `currency` in the book's currency, a plain decimal above zero:
-  /// for later messages.
+  /// for messages recorded and entries accepted from then on.
   void setRate(const std::string& currency, const std::string& rate);
   /// False when there was no rate.
   bool removeRate(const std::string& currency);
@@ -101,8 +109,8 @@ class Book {
 
   [[nodiscard]] std::optional<std::string> answerTo(const Message& message) const;
   [[nodiscard]] Reading readingOf(const std::string& text, const std::string& currency) const;
-  [[nodiscard]] std::optional<Money> converted(const Money& foreign,
-                                               const std::string& currency) const;
+  [[nodiscard]] std::optional<BookedSum> converted(const Money& foreign,
+                                                   const std::string& currency) const;
   void correct(LedgerEntry& entry) const;
   void markLookAlike(LedgerEntry& entry, const std::string& userId) const;
   void insert(LedgerEntry& entry, const std::string& userId) const;
