@@ -1,6 +1,7 @@
 // The book: stores the transactions of messages in a database. Knows no HTTP.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "ledger/ledger_entry.h"
 #include "platform/linux/store/sqlite_database.h"
+#include "platform/linux/store/sqlite_statement.h"
 
 namespace kivo::ledger {
 
@@ -35,6 +37,18 @@ struct EntryFilter {
   std::string search = {};
 };
 
+/// How sums are grouped. Names that differ only in the case of ASCII letters are one group.
+enum class Grouping { month, day, category, description };
+
+/// The sum of the booked transactions of one group, one kind and one currency.
+struct GroupSum {
+  /// The month (yyyy-MM), the day (yyyy-MM-dd) or the name.
+  std::string group;
+  Kind kind = Kind::expense;
+  Money sum;
+  std::int64_t transactions = 0;
+};
+
 /// The user's changes to an entry. Absent members do not change.
 struct EntryChange {
   std::optional<std::string> date = {};
@@ -50,6 +64,13 @@ struct Recorded {
   std::string answer;
   /// The new entry; absent when the key was known, and when the message is no transaction.
   std::optional<LedgerEntry> entry;
+};
+
+/// The sum that an entry was booked with.
+struct BookedSum {
+  Money amount;
+  /// The rate by which it was converted; empty when it is the entry's own.
+  std::string rate = {};
 };
 
 /// Reads a message, as `read` does.
@@ -75,12 +96,23 @@ class Book {
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
   /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
+  /// Returns the sums of the booked entries from the day `from` to the day `to`, inclusive, in no
+  /// particular order. Throws BookFailure also when a sum exceeds 64 bits.
+  [[nodiscard]] std::vector<GroupSum> sums(Grouping grouping, const std::string& from,
+                                           const std::string& to) const;
+  /// Returns the number of entries in review.
+  [[nodiscard]] std::int64_t reviewCount() const;
+  /// Begins a read transaction: until the result is destroyed, all reads see the book at one
+  /// moment, and nothing can be changed.
+  [[nodiscard]] linux_platform::Transaction snapshot() const;
 
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category
   /// that is not empty also applies to later messages of the same payee.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id`; returns false when no entry has this id, or it has no amount.
-  bool accept(std::int64_t id);
+  /// Books the entry `id`; returns nullopt when no entry has this id, or it has no amount. The
+  /// amount of an entry in review that is not in `currency` is converted when a rate is set, and
+  /// stays as it is otherwise.
+  std::optional<BookedSum> accept(std::int64_t id, const std::string& currency);
   /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
   /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
   /// of the first of them.
@@ -88,8 +120,8 @@ class Book {
   /// Erases the texts of all messages from the file. Returns their number.
   std::int64_t forgetTexts();
 
-  /// Sets the value of one unit of `currency` in the book's currency, for later messages. `rate` is
-  /// a plain decimal above zero.
+  /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
+  /// entries accepted later. `rate` is a plain decimal above zero.
   void setRate(const std::string& currency, const std::string& rate);
   /// Removes the rate of `currency`; returns false when it has no rate.
   bool removeRate(const std::string& currency);
@@ -101,8 +133,8 @@ class Book {
 
   [[nodiscard]] std::optional<std::string> answerTo(const Message& message) const;
   [[nodiscard]] Reading readingOf(const std::string& text, const std::string& currency) const;
-  [[nodiscard]] std::optional<Money> converted(const Money& foreign,
-                                               const std::string& currency) const;
+  [[nodiscard]] std::optional<BookedSum> converted(const Money& foreign,
+                                                   const std::string& currency) const;
   void correct(LedgerEntry& entry) const;
   void markLookAlike(LedgerEntry& entry, const std::string& userId) const;
   void insert(LedgerEntry& entry, const std::string& userId) const;

@@ -87,24 +87,25 @@ Reading Book::readingOf(const std::string& text, const std::string& currency) co
   }
   Reading foreign = reader_(text, reading.amount->currency);
   if (foreign.outcome != Outcome::transaction || foreign.amount != reading.amount) return reading;
-  const auto amount = converted(*foreign.amount, currency);
-  if (!amount) return reading;
-  foreign.amount = amount;
+  const auto sum = converted(*foreign.amount, currency);
+  if (!sum) return reading;
+  foreign.amount = sum->amount;
   return foreign;
 }
 
 // `foreign` converted at its rate, rounded to whole minor units; absent without a rate, and when
 // the result is less than one minor unit or not exact as a double.
-std::optional<Money> Book::converted(const Money& foreign, const std::string& currency) const {
+std::optional<BookedSum> Book::converted(const Money& foreign, const std::string& currency) const {
   Statement query(database_.get(), "SELECT rate FROM rates WHERE currency = ?");
   if (!next(query.bind(foreign.currency))) return std::nullopt;
-  const double rate = platform::doubleFromText(query.text(0)).value_or(0);
+  const std::string rateText = query.text(0);
+  const double rate = platform::doubleFromText(rateText).value_or(0);
   const int shift = minorDigits(currency) - minorDigits(foreign.currency);
   const double units =
       std::round(static_cast<double>(foreign.minorUnits) * rate * power(10, shift));
   constexpr double largestExact = 9007199254740992;  // 2 to the 53rd
   if (!(units >= 1 && units < largestExact)) return std::nullopt;
-  return Money{static_cast<std::int64_t>(units), currency};
+  return BookedSum{{static_cast<std::int64_t>(units), currency}, rateText};
 }
 
 // Applies the user's earlier corrections for this payee.

@@ -8,12 +8,11 @@
 #include "extraction/sms_extraction_client.h"
 #include "feedback/amount_formatter.h"
 #include "phone/backend_check.h"
+#include "phone/local_ledger.h"
 #include "phone/phone_terminal.h"
 #include "phone/waiting_texts.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/utf8.h"
-#include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
@@ -58,16 +57,17 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
-// The URL of kivo-ledger's socket; none when there is no place for one.
-std::optional<std::string> ledgerUrl() {
-  const auto socket = linux_platform::localBackendSocket();
-  if (!socket) return std::nullopt;
-  return linux_platform::urlOfSocket(socket->string());
-}
-
 // How a base URL is shown to a person.
 std::string shownBase(const std::string& base) {
-  return ledgerUrl() == base ? "the ledger on this machine" : base;
+  return LocalLedger::url() == base ? "the ledger on this machine" : base;
+}
+
+// Checks the backend at `base`; has the service manager start the ledger when that does not answer.
+BackendFindings findStarted(const std::string& base) {
+  BackendFindings findings = BackendCheck::find(base);
+  if (findings.answers() || LocalLedger::url() != base) return findings;
+  LocalLedger::startSocket();
+  return BackendCheck::find(base);
 }
 
 // What is wrong with the options of sign-in, if anything.
@@ -84,7 +84,7 @@ std::optional<std::string> signInError(const GivenParameters& given) {
 // Where the backend is; none, after one line on standard error, when that is unknown.
 std::optional<std::string> baseOf(const GivenParameters& given) {
   if (!given.contains("--local")) return textOf(given, "--url");
-  if (auto url = ledgerUrl()) return url;
+  if (auto url = LocalLedger::url()) return url;
   fail("XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
   return std::nullopt;
 }
@@ -118,7 +118,7 @@ int signIn(const GivenParameters& given) {
     return failed;
   }
   std::string lines;
-  for (const std::string& sentence : BackendCheck::sentences(BackendCheck::find(base))) {
+  for (const std::string& sentence : BackendCheck::sentences(findStarted(base))) {
     lines += forStandardOutput(sentence) + "\n";
   }
   if (const auto warning = currencyWarning(*store)) lines += forStandardOutput(*warning) + "\n";

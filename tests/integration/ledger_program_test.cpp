@@ -215,7 +215,7 @@ TEST_F(ALedger, PutsAForeignAmountInReview) {
   EXPECT_EQ(items[0]["state"], "review");
 
   shown({"edit", "1", "--amount", "970", "--currency", "egp", "--category", "Fun"});
-  EXPECT_EQ(shown({"accept", "1"}), "Booked.\n");
+  EXPECT_EQ(shown({"accept", "1"}), "Booked as EGP 970.00.\n");
   EXPECT_EQ(shown({"review"}), "There is nothing to look at.\n");
   EXPECT_EQ(json({"list"})[0]["amount"], "970.00");
 
@@ -225,6 +225,15 @@ TEST_F(ALedger, PutsAForeignAmountInReview) {
               HasSubstr(R"("amount":1000.0,"category":"Fun")"));
   shown({"rate", "USD", "--remove"});
   EXPECT_EQ(shown({"rate"}), "No rate is set.\n");
+}
+
+TEST_F(ALedger, SaysTheSumAndTheRateOfAnAcceptedForeignSum) {
+  const auto server = ledger_.start();
+  ledger_.post("KEY-1", purchaseAbroad);
+  ledger_.post("KEY-2", purchaseAbroad);
+  EXPECT_EQ(shown({"accept", "1"}), "Booked as USD 20.00.\n");
+  shown({"rate", "USD", "48.5"});
+  EXPECT_EQ(shown({"accept", "2"}), "Booked as EGP 970.00 at the rate 48.5.\n");
 }
 
 TEST_F(ALedger, BooksInTheCurrencyOfTheStore) {

@@ -97,12 +97,41 @@ TEST_F(AStoredBook, AcceptsAnEntryInReviewWhenItHasAnAmount) {
   recorded(book, "KEY-1", reading);
   reading.amount.reset();
   recorded(book, "KEY-2", reading);
-  EXPECT_TRUE(book.accept(1));
-  EXPECT_FALSE(book.accept(2));
-  EXPECT_FALSE(book.accept(3));
+  EXPECT_TRUE(book.accept(1, "EGP"));
+  EXPECT_FALSE(book.accept(2, "EGP"));
+  EXPECT_FALSE(book.accept(3, "EGP"));
   EXPECT_THAT(ids(book.entries({})), ElementsAre(1));
   ASSERT_TRUE(book.edit(2, {.amount = Money{7, "EGP"}}));
-  EXPECT_TRUE(book.accept(2));
+  EXPECT_TRUE(book.accept(2, "EGP"));
+}
+
+TEST_F(AKeptBook, ConvertsAForeignSumThatIsAcceptedWhenARateIsSet) {
+  Book book = open();
+  Reading foreign = spent(1000, "Sunny Market", "USD");
+  foreign.outcome = Outcome::needsReview;
+  recorded(book, "KEY-1", foreign);
+  recorded(book, "KEY-2", foreign);
+  const auto asShown = book.accept(1, "EGP").value();
+  EXPECT_EQ(asShown.amount, (Money{1000, "USD"}));
+  EXPECT_EQ(asShown.rate, "");
+
+  book.setRate("USD", "48.5");
+  const auto converted = book.accept(2, "EGP").value();
+  EXPECT_EQ(converted.amount, (Money{48500, "EGP"}));
+  EXPECT_EQ(converted.rate, "48.5");
+  EXPECT_EQ(book.entry(2)->amount, (Money{48500, "EGP"}));
+  EXPECT_EQ(book.entry(2)->state, LedgerEntry::State::booked);
+}
+
+TEST_F(AKeptBook, LeavesTheSumOfABookedEntryThatIsAcceptedAgain) {
+  Book book = open();
+  Reading foreign = spent(1000, "Sunny Market", "USD");
+  foreign.outcome = Outcome::needsReview;
+  recorded(book, "KEY-1", foreign);
+  book.accept(1, "EGP");
+  book.setRate("USD", "48.5");
+  EXPECT_EQ(book.accept(1, "EGP")->amount, (Money{1000, "USD"}));
+  EXPECT_EQ(book.entry(1)->amount, (Money{1000, "USD"}));
 }
 
 TEST_F(AStoredBook, ErasesTheTextOfADeletedEntryFromItsFiles) {
