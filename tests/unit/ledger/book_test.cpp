@@ -105,7 +105,7 @@ TEST_F(AStoredBook, AcceptsAnEntryInReviewWhenItHasAnAmount) {
   EXPECT_TRUE(book.accept(2, "EGP"));
 }
 
-TEST_F(AKeptBook, ConvertsAForeignSumThatIsAcceptedWhenARateIsSet) {
+TEST_F(AStoredBook, ConvertsAForeignAmountOnAcceptWhenARateIsSet) {
   Book book = open();
   Reading foreign = spent(1000, "Sunny Market", "USD");
   foreign.outcome = Outcome::needsReview;
@@ -123,7 +123,7 @@ TEST_F(AKeptBook, ConvertsAForeignSumThatIsAcceptedWhenARateIsSet) {
   EXPECT_EQ(book.entry(2)->state, LedgerEntry::State::booked);
 }
 
-TEST_F(AKeptBook, LeavesTheSumOfABookedEntryThatIsAcceptedAgain) {
+TEST_F(AStoredBook, KeepsTheAmountOfABookedEntryThatIsAcceptedAgain) {
   Book book = open();
   Reading foreign = spent(1000, "Sunny Market", "USD");
   foreign.outcome = Outcome::needsReview;
