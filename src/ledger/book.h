@@ -35,6 +35,8 @@ struct EntryFilter {
   std::string category = {};
   /// A part of description, category, account or reference. ASCII letters match in either case.
   std::string search = {};
+  /// The newest so many; a negative number for all.
+  std::int64_t most = -1;
 };
 
 /// How sums are grouped. Names that differ only in the case of ASCII letters are one group.
