@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ledger/editing_commands.h"
+#include "ledger/export_commands.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/ledger_terminal.h"
 #include "ledger/listing_commands.h"
@@ -63,6 +64,7 @@ linux_platform::CommandProgram program() {
   made.commands = listingCommands();
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(
       {"serve",
        "Answer the extension's requests on a UNIX socket",
