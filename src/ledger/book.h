@@ -81,6 +81,14 @@ class Book {
   bool edit(std::int64_t id, const EntryChange& change);
   /// Books the entry `id`; false when no entry has this id, or it has no sum.
   bool accept(std::int64_t id);
+  /// Returns the entry `id` as its message is read now for a book kept in `currency`, with rates
+  /// and corrections, marked where it looks like an earlier one. Changes nothing. nullopt when no
+  /// entry has this id, its text was forgotten, or it is read as no transaction.
+  [[nodiscard]] std::optional<LedgerEntry> reread(std::int64_t id,
+                                                  const std::string& currency) const;
+  /// Books an entry in review as `entry`, which `reread` returned, in one step; false when that has
+  /// no sum, or it is no longer in review.
+  bool acceptAs(const LedgerEntry& entry);
   /// Removes the entry `id` and its text; false when no entry has this id. Its key keeps its
   /// answer. Entries that were marked as its look-alikes are marked as look-alikes of the first of
   /// them.

@@ -40,6 +40,9 @@ struct LedgerEntry {
   std::optional<std::string> text;
 };
 
+/// Gives `entry` all that the reading of its message says.
+void apply(const Reading& reading, LedgerEntry& entry);
+
 /// "expense", "income" or "transfer".
 const char* kindText(Kind kind);
 /// The kind of that name; absent for another text.

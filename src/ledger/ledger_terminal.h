@@ -20,7 +20,7 @@ int print(const std::string& text);
 
 /// Opens the book, hands it to `use` and returns what that returns; `exitFailure`, after one line
 /// on standard error, when the book cannot be opened, read or written.
-int withBook(const std::function<int(Book&)>& use);
+int withBook(const std::function<int(Book&)>& use, MessageReader reader = read);
 
 /// As `withBook`, with the entry whose id was given as ID; `fail` when no entry has that id.
 int withEntry(const linux_platform::GivenParameters& given,
