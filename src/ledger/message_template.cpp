@@ -67,8 +67,8 @@ const char* taughtKindText(std::optional<Kind> kind) { return kind ? kindText(*k
 
 std::optional<std::optional<Kind>> taughtKindFromText(std::string_view text) {
   if (text == "none") return std::optional<Kind>();
-  const auto kind = kindFromText(text);
-  return kind ? std::optional(kind) : std::nullopt;
+  if (const auto kind = kindFromText(text)) return std::optional<std::optional<Kind>>(kind);
+  return std::nullopt;
 }
 
 }  // namespace kivo::ledger
