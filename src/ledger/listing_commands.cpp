@@ -39,8 +39,8 @@ int review(const GivenParameters& parameters) {
     const auto entries = book.entries({.state = LedgerEntry::State::review});
     const bool asJson = parameters.contains("--json");
     const int status = show(entries, asJson, "There is nothing to look at.");
-    if (asJson || entries.empty() || status != 0) return status;
-    return print("`kivo-ledger teach ID` has messages like one of these read without review.\n");
+    if (asJson || entries.empty() || status != 0 || !linux_platform::onTerminal()) return status;
+    return print("To have messages like one of these booked from now on: kivo-ledger teach ID\n");
   });
 }
 

@@ -131,30 +131,29 @@ class Teaching {
 
   // The template, shown and confirmed; absent after a line on standard error.
   std::optional<MessageTemplate> confirmedTemplate() {
-    std::optional<Taught> taught;
-    if (isComplete()) {
-      taught = teach(message_,
-                     {.kind = *given_.kind,
-                      .amount = given_.amount.value_or(""),
-                      .payee = given_.payee.value_or(""),
-                      .currency = given_.currency},
-                     currency_);
-    } else {
-      print("The message:\n  " + escapedControls(templateForm(message_)) + "\n\n");
-      taught = questions_->ask(message_, given_, proposed_, currency_);
-    }
-    if (!taught) fail("nothing was taught");
-    if (!taught) return std::nullopt;
-    if (!taught->made) {
+    const auto taught = isComplete() ? std::optional(taughtByOptions()) : taughtByAnswers();
+    if (taught && !taught->made) {
       fail(errorOf(*taught));
       return std::nullopt;
     }
-    show(*taught->made);
-    if (!isComplete() && !questions_->confirms("Save it?")) {
-      fail("nothing was taught");
-      return std::nullopt;
-    }
-    return taught->made;
+    if (taught) show(*taught->made);
+    if (taught && (isComplete() || questions_->confirms("Save it?"))) return taught->made;
+    fail("nothing was taught");
+    return std::nullopt;
+  }
+
+  [[nodiscard]] Taught taughtByOptions() const {
+    return teach(message_,
+                 {.kind = *given_.kind,
+                  .amount = given_.amount.value_or(""),
+                  .payee = given_.payee.value_or(""),
+                  .currency = given_.currency},
+                 currency_);
+  }
+
+  std::optional<Taught> taughtByAnswers() {
+    print("The message:\n  " + escapedControls(templateForm(message_)) + "\n\n");
+    return questions_->ask(message_, given_, proposed_, currency_);
   }
 
   static std::string errorOf(const Taught& taught) {
@@ -167,15 +166,20 @@ class Teaching {
     const auto fit = taught.pattern.fit(templateForm(message_));
     const Reading reading = readingBy(taught, *fit, read(message_, currency_), currency_);
     std::string text = "no payment";
-    if (taught.kind) {
-      text = std::string(kindText(reading.kind)) + ", ";
-      text += reading.amount ? amountText(*reading.amount) + " " + reading.amount->currency
-                             : "a sum that can be read in two ways";
-      text += ", " + reading.description + ", " + reading.category;
-      if (reading.outcome == Outcome::needsReview) text += "; for review";
+    if (reading.outcome != Outcome::notATransaction) {
+      const std::string sum = reading.amount
+                                  ? amountText(*reading.amount) + " " + reading.amount->currency
+                                  : "for review, since the sum can be read in two ways";
+      text = std::string(kindText(reading.kind)) + ", " + sum + ", " + reading.description + ", " +
+             reading.category;
     }
-    print("\nThe template:\n  " + escapedControls(taught.text) + "\nIt reads this message as:\n  " +
-          escapedControls(text) + "\n\n");
+    std::string lines = "\nThe template:\n  " + escapedControls(taught.text) +
+                        "\nIt reads this message as:\n  " + escapedControls(text) + "\n";
+    if (reading.amount && reading.amount->currency != currency_) {
+      lines += "  (" + reading.amount->currency +
+               " is booked at its rate, and is for review without one)\n";
+    }
+    print(lines + "\n");
   }
 
   static int save(const MessageTemplate& taught) {

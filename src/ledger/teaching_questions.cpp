@@ -24,9 +24,7 @@ std::optional<std::string> TeachingQuestions::line(const std::string& question,
   return typed.empty() ? proposed : platform::repairedUtf8(typed);
 }
 
-std::string TeachingQuestions::askId() {
-  return line("Which of these shall Kivo learn to read? ID:", "").value_or("");
-}
+std::string TeachingQuestions::askId() { return line("Teach which one? ID:", "").value_or(""); }
 
 bool TeachingQuestions::confirms(const std::string& question) {
   const auto answer = line(question + " [Y/n]", "");
@@ -34,10 +32,8 @@ bool TeachingQuestions::confirms(const std::string& question) {
 }
 
 std::optional<std::optional<Kind>> TeachingQuestions::askKind(const TaughtParts& proposed) {
-  while (const auto answer =
-             line("Is it an expense, income, a transfer between your own accounts, or none of "
-                  "these (no payment)?",
-                  taughtKindText(proposed.kind))) {
+  while (const auto answer = line("Kind: expense, income, transfer, or none for no payment?",
+                                  taughtKindText(proposed.kind))) {
     for (const char* const name : {"expense", "income", "transfer", "none"}) {
       if (!answer->empty() && std::string_view(name).starts_with(*answer)) {
         return taughtKindFromText(name);
@@ -49,14 +45,14 @@ std::optional<std::optional<Kind>> TeachingQuestions::askKind(const TaughtParts&
 }
 
 bool TeachingQuestions::askAmount(TaughtParts& parts, const std::string& proposed) {
-  const auto answer = line("Which number is the sum? Copy it from the message:", proposed);
+  const auto answer = line("The sum, as the message writes it?", proposed);
   parts.amount = answer.value_or("");
   return answer.has_value();
 }
 
 bool TeachingQuestions::askPayee(TaughtParts& parts, const std::string& proposed) {
-  const std::string other = parts.kind == Kind::income ? "Who paid?" : "Who was paid?";
-  const auto answer = line(other + " Copy the name from the message, or type - if it has none:",
+  const std::string other = parts.kind == Kind::income ? "Who paid" : "Who was paid";
+  const auto answer = line(other + ", as the message writes it, or - for no name?",
                            proposed.empty() ? "-" : proposed);
   parts.payee = answer.value_or("-");
   if (parts.payee == "-") parts.payee.clear();

@@ -164,7 +164,8 @@ TEST_F(ATaughtLedger, LeavesAForeignSumForReviewUntilThereIsARate) {
   const std::vector<std::string> teaching = {"teach",    "1",     "--kind", "expense",
                                              "--amount", "20.00", "--book"};
   EXPECT_THAT(run(teaching).output,
-              AllOf(HasSubstr("  expense, 20.00 USD, Payment, "), HasSubstr("; for review\n"),
+              AllOf(HasSubstr("  expense, 20.00 USD, Payment, "),
+                    HasSubstr("\n  (USD is booked at its rate, and is for review without one)\n"),
                     EndsWith("Still for review: 1.\n")));
   run({"rate", "USD", "50"});
   EXPECT_THAT(run(teaching).output, EndsWith("Booked 1.\n"));
@@ -177,11 +178,10 @@ TEST_F(ATaughtLedger, AsksForThePartsAtATerminal) {
   EXPECT_EQ(result.status, 0);
   const std::vector<std::string> parts = {
       "The message:\r\n  Purchase EGP 10.00 EGP 20.00 at Nile Cinema\r\n",
-      "Is it an expense, income, a transfer between your own accounts, or none of these (no "
-      "payment)? [expense] ",
-      "Which number is the sum? Copy it from the message:",
+      "Kind: expense, income, transfer, or none for no payment? [expense] ",
+      "The sum, as the message writes it?",
       "That has to be one number of the message, as it is there.\r\n",
-      "Who was paid? Copy the name from the message, or type - if it has none: [Nile Cinema] ",
+      "Who was paid, as the message writes it, or - for no name? [Nile Cinema] ",
       "  Purchase EGP {any} EGP {amount} at {payee}\r\n",
       "  expense, 20.00 EGP, Nile Cinema, Entertainment\r\n",
       "Save it? [Y/n] ",
@@ -209,7 +209,7 @@ TEST_F(ATaughtLedger, AsksForTheMessageToo) {
   receive({unclear});
   const ProgramResult result = onTerminal("teach", "1\nnone\n\n");
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.output, HasSubstr("Which of these shall Kivo learn to read? ID: "));
+  EXPECT_THAT(result.output, HasSubstr("Teach which one? ID: "));
   EXPECT_THAT(templates(), HasSubstr("kind = \"none\"\n"));
 }
 
@@ -265,12 +265,14 @@ TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
   EXPECT_FALSE(std::filesystem::exists(file()));
 }
 
-TEST_F(ATaughtLedger, OffersTeachingWhereSomethingIsForReview) {
-  receive({unclear});
+TEST_F(ATaughtLedger, OffersTeachingAtATerminalWhereSomethingIsForReview) {
   const std::string hint =
-      "`kivo-ledger teach ID` has messages like one of these read without review.\n";
-  EXPECT_THAT(run({"review"}).output, EndsWith("\n" + hint));
-  EXPECT_THAT(run({"review", "--json"}).output, Not(HasSubstr("teach")));
+      "To have messages like one of these booked from now on: kivo-ledger teach ID\r\n";
+  EXPECT_THAT(onTerminal("review", "").output, Not(HasSubstr("teach")));
+  receive({unclear});
+  EXPECT_THAT(onTerminal("review", "").output, EndsWith(hint));
+  EXPECT_THAT(onTerminal("review --json", "").output, Not(HasSubstr("teach")));
+  EXPECT_THAT(run({"review"}).output, Not(HasSubstr("teach")));
 }
 
 TEST_F(ATaughtLedger, EscapesControlCharactersOfAMessage) {
