@@ -27,9 +27,12 @@ bool holds(std::span<const Found> found, Meaning meaning) {
                      [meaning](const Found& wording) { return wording.meaning == meaning; });
 }
 
-bool isRefused(std::span<const Found> found, const Movement* movement) {
+// A login can be refused as well: only a message with a sum is about a payment.
+bool isRefused(const Items& all, std::span<const Found> found, const Movement* movement) {
   if (!holds(found, Meaning::declined)) return false;
-  return movement == nullptr || movement->strength < Strength::refund;
+  if (movement != nullptr) return movement->strength < Strength::refund;
+  return std::any_of(all.begin(), all.end(),
+                     [](const Item& item) { return item.kind == Item::Kind::sum; });
 }
 
 // "-250,000VND ... SD: 3,110,000VND": beside evidence the sign of a sum tells its direction.
@@ -73,6 +76,14 @@ const Movement* movementIn(const Items& items, const AllFound& found, const SumP
   return begunToCome && !sure ? nullptr : movement;
 }
 
+// A sum beside a balance, which no wording explains.
+Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
+  return {.outcome = Outcome::needsReview,
+          .amount = moneyOf(sum, bookCurrency),
+          .description = "Payment",
+          .category = "Other"};
+}
+
 }  // namespace
 
 Reading read(std::string_view text, std::string_view bookCurrency) {
@@ -89,8 +100,12 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   const SumParts sums = partsOfSums(items, found, bookCurrency);
   const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
   const Movement* const movement = movementIn(items, found, sums, begunToCome);
-  if (isRefused(found, movement)) return {.outcome = Outcome::declined};
-  if (movement == nullptr || !sums.moved) return {};
+  if (isRefused(all, found, movement)) return {.outcome = Outcome::declined};
+  if (!sums.moved) return {};
+  if (movement == nullptr) {
+    const bool reported = items.size() == all.size() && sums.balance;
+    return reported ? unexplained(items[*sums.moved].sum, bookCurrency) : Reading();
+  }
   if (holds(said, Meaning::offer) && !showsEvidence(items, found)) return {};
 
   const Movement& naming = namingMovement(found, *movement);
