@@ -2,6 +2,7 @@
 // HTTP.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "ledger/ledger_entry.h"
 #include "platform/linux/store/sqlite_database.h"
+#include "platform/linux/store/sqlite_statement.h"
 
 namespace kivo::ledger {
 
@@ -34,6 +36,18 @@ struct EntryFilter {
   std::string category = {};
   /// A part of description, category, account or reference, ASCII letters in either case.
   std::string search = {};
+};
+
+/// By what sums are grouped. Names that differ in the case of ASCII letters alone are one group.
+enum class Grouping { month, day, category, description };
+
+/// What was booked in one group, of one kind and in one currency.
+struct GroupSum {
+  /// The month (yyyy-MM), the day (yyyy-MM-dd) or the name.
+  std::string group;
+  Kind kind = Kind::expense;
+  Money sum;
+  std::int64_t transactions = 0;
 };
 
 /// A person's changes to an entry. Absent members stay as they are.
@@ -75,6 +89,15 @@ class Book {
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
   /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
+  /// The sums of what is booked from the day `from` to the day `to`, inclusive, in no order. Sums
+  /// that do not fit 64 bits are a BookFailure.
+  [[nodiscard]] std::vector<GroupSum> sums(Grouping grouping, const std::string& from,
+                                           const std::string& to) const;
+  /// The number of entries in review.
+  [[nodiscard]] std::int64_t reviewCount() const;
+  /// While the result lives, all that is read is the book of one moment, and nothing can be
+  /// changed.
+  [[nodiscard]] linux_platform::Transaction snapshot() const;
 
   /// Changes the entry `id`; false when no entry has this id. A new description or category also
   /// applies to later messages of the same payee.

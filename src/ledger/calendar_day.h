@@ -1,6 +1,7 @@
 // Days and months of the Gregorian calendar as texts.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace kivo::ledger {
@@ -10,5 +11,17 @@ bool isDay(std::string_view text);
 
 /// Whether `text` is a month, as yyyy-MM.
 bool isMonth(std::string_view text);
+
+/// The month that is `count` months before `month`, both yyyy-MM.
+std::string monthBefore(std::string_view month, int count = 1);
+
+/// The number of days of `month`, yyyy-MM.
+int daysOf(std::string_view month);
+
+/// `month`, yyyy-MM, in words: "November 2026".
+std::string monthName(std::string_view month);
+
+/// The current month in the device's time zone, yyyy-MM.
+std::string currentMonth();
 
 }  // namespace kivo::ledger

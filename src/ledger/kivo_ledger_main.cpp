@@ -8,6 +8,7 @@
 #include "ledger/extraction_endpoint.h"
 #include "ledger/ledger_terminal.h"
 #include "ledger/listing_commands.h"
+#include "ledger/overview_commands.h"
 #include "ledger/review_notifier.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/process/process_start.h"
@@ -60,6 +61,7 @@ linux_platform::CommandProgram program() {
                                       .version = KIVO_VERSION,
                                       .commands = {}};
   made.commands = listingCommands();
+  for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(
       {"serve",
