@@ -1,8 +1,10 @@
 #include "phone/widget_commands.h"
 
 #include <chrono>
+#include <iostream>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "phone/ledger_month.h"
@@ -11,7 +13,6 @@
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
 #include "platform/linux/process/child_process.h"
-#include "platform/linux/process/detached_programs.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/terminal_window.h"
 #include "store/shared_store.h"
@@ -25,7 +26,7 @@ using Kind = linux_platform::CommandParameter::Kind;
 // The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
 
-// A report that is not written and opened by then, is waited for no longer.
+// A book of many years takes a second, and xdg-open is waited for a few.
 constexpr std::chrono::seconds reportTimeout(30);
 
 std::string drawnWidget(const WidgetFigures& figures) {
@@ -87,8 +88,14 @@ int watchWidget() {
 bool openReport() {
   const auto store = SharedStore::open(appGroup);
   if (!store || !LocalLedger::isSignedIn(*store)) return false;
-  linux_platform::DetachedPrograms programs;
-  return programs.startWatched({LocalLedger::program().string(), "report"}, reportTimeout);
+  try {
+    const auto result = linux_platform::runProgram(
+        {.program = LocalLedger::program(), .arguments = {"report"}}, reportTimeout);
+    std::cerr << result.errors;
+    return result.status == 0;
+  } catch (const std::system_error&) {  // the program cannot be started
+    return false;
+  }
 }
 
 // Any program can open a link, so no part of it is passed on.

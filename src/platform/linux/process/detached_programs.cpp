@@ -5,15 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
-#include <utility>
 
-#include <poll.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -62,19 +57,6 @@ bool DetachedPrograms::start(std::vector<std::string> call) {
   }
   programs_.push_back(id);
   return true;
-}
-
-bool DetachedPrograms::startWatched(std::vector<std::string> call,
-                                    std::chrono::milliseconds limit) {
-  if (!start(std::move(call))) return false;
-  const pid_t id = programs_.back();
-  const Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
-  pollfd ended{.fd = process.number(), .events = POLLIN, .revents = 0};
-  poll(&ended, 1, static_cast<int>(limit.count()));
-  int status = 0;
-  if (waitpid(id, &status, WNOHANG) != id) return true;
-  programs_.pop_back();
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 bool DetachedPrograms::reapEnded() {

@@ -1,7 +1,6 @@
 // Starts programs in the background and reaps them.
 #pragma once
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -16,10 +15,6 @@ class DetachedPrograms {
   /// new session and with default signals. Returns false when it cannot be started. Its exit status
   /// is ignored.
   bool start(std::vector<std::string> call);
-
-  /// As `start`, and waits for the program for at most `limit`. Returns false when it cannot be
-  /// started, or has failed by then.
-  bool startWatched(std::vector<std::string> call, std::chrono::milliseconds limit);
 
   /// Reaps the programs that have ended, without waiting. Returns whether others still run.
   bool reapEnded();
