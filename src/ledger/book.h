@@ -36,6 +36,8 @@ struct EntryFilter {
   std::string category = {};
   /// A part of description, category, account or reference, ASCII letters in either case.
   std::string search = {};
+  /// The newest so many; a negative number for all.
+  std::int64_t most = -1;
 };
 
 /// By what sums are grouped. Names that differ in the case of ASCII letters alone are one group.
@@ -95,8 +97,8 @@ class Book {
                                            const std::string& to) const;
   /// The number of entries in review.
   [[nodiscard]] std::int64_t reviewCount() const;
-  /// While the result lives, all that is read is the book of one moment, and nothing can be
-  /// changed.
+  /// While the result lives, all that is read is the book of one moment. Nothing may be changed
+  /// meanwhile.
   [[nodiscard]] linux_platform::Transaction snapshot() const;
 
   /// Changes the entry `id`; false when no entry has this id. A new description or category also
