@@ -83,7 +83,9 @@ std::string beancountExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(posting(made.ownAccount, made.toOwn));
   }
   std::string file = "; Written by kivo-ledger. Another export replaces it.\n";
-  for (const auto& [account, day] : opened) file += day + " open " + account + "\n";
+  for (const auto& [account, day] : opened) {
+    file.append(day).append(" open ").append(account).append("\n");
+  }
   return file + transactions;
 }
 
