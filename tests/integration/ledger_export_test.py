@@ -18,9 +18,8 @@ SOURCE = pathlib.Path(os.environ["KIVO_SOURCE"])
 UNPACKED = SOURCE / "build/unpacked"  # packages that scripts/setup unpacks
 sys.path.append(str(UNPACKED / "usr/lib/python3/dist-packages"))
 
-# pylint: disable=wrong-import-position
-from beancount import loader  # noqa: E402
-from ofxparse import OfxParser  # noqa: E402
+from beancount import loader
+from ofxparse import OfxParser
 
 LEDGER = pathlib.Path(os.environ["KIVO_BIN"]) / "kivo-ledger"
 LARGEST = 2**63 - 1
