@@ -35,6 +35,8 @@ struct EntryFilter {
   std::string category = {};
   /// A part of description, category, account or reference. ASCII letters match in either case.
   std::string search = {};
+  /// The newest so many; a negative number for all.
+  std::int64_t most = -1;
 };
 
 /// How sums are grouped. Names that differ only in the case of ASCII letters are one group.
@@ -113,6 +115,14 @@ class Book {
   /// amount of an entry in review that is not in `currency` is converted when a rate is set, and
   /// stays as it is otherwise.
   std::optional<BookedSum> accept(std::int64_t id, const std::string& currency);
+  /// Returns the entry `id` as its message is read now for a book kept in `currency`, with rates
+  /// and corrections, marked where it looks like an earlier one. Changes nothing. nullopt when no
+  /// entry has this id, its text was forgotten, or it is read as no transaction.
+  [[nodiscard]] std::optional<LedgerEntry> reread(std::int64_t id,
+                                                  const std::string& currency) const;
+  /// Books an entry in review as `entry`, which `reread` returned, in one step; false when that has
+  /// no sum, or it is no longer in review.
+  bool acceptAs(const LedgerEntry& entry);
   /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
   /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
   /// of the first of them.

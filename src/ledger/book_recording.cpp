@@ -17,15 +17,7 @@ LedgerEntry entryFrom(const Reading& reading, const Message& message) {
   LedgerEntry entry;
   entry.key = message.idempotencyKey;
   entry.date = message.expenseDate;
-  entry.kind = reading.kind;
-  entry.amount = reading.amount;
-  entry.description = reading.description;
-  entry.category = reading.category;
-  entry.payee = reading.payee;
-  entry.account = reading.account;
-  entry.reference = reading.reference;
-  entry.state = reading.outcome == Outcome::transaction ? LedgerEntry::State::booked
-                                                        : LedgerEntry::State::review;
+  apply(reading, entry);
   entry.text = message.text;
   return entry;
 }
@@ -123,12 +115,15 @@ void Book::markLookAlike(LedgerEntry& entry, const std::string& userId) const {
       SELECT id FROM transactions WHERE date = ? AND minor_units = ? AND currency = ? AND kind = ?
         AND payee = ? COLLATE NOCASE AND user = ?
       UNION ALL
-      SELECT id FROM transactions WHERE reference <> '' AND reference = ? AND user = ?))");
+      SELECT id FROM transactions WHERE reference <> '' AND reference = ? AND user = ?)
+    WHERE id < ?)");
   // -1 matches no entry: an absent amount is no duplicate of another.
   query.bind(entry.date).bind(entry.amount ? entry.amount->minorUnits : -1);
   query.bind(entry.amount ? std::string_view(entry.amount->currency) : "")
       .bind(kindText(entry.kind));
   query.bind(entry.payee).bind(userId).bind(entry.reference).bind(userId);
+  constexpr auto all = std::numeric_limits<std::int64_t>::max();
+  query.bind(entry.id == 0 ? all : entry.id);  // a new entry has no id yet
   if (next(query) && !query.isNull(0)) entry.possibleDuplicateOf = query.integer(0);
 }
 

@@ -48,6 +48,10 @@ std::string monthBefore(std::string_view month, int count) {
   return text.data();
 }
 
+std::string firstDayOf(const std::string& month) { return month + "-01"; }
+
+std::string lastDayOf(const std::string& month) { return month + "-31"; }
+
 int daysOf(std::string_view month) {
   const auto last = (monthOf(month) / std::chrono::last).day();
   return static_cast<int>(static_cast<unsigned>(last));

@@ -15,6 +15,11 @@ bool isMonth(std::string_view text);
 /// The month that is `count` months before `month`, both yyyy-MM.
 std::string monthBefore(std::string_view month, int count = 1);
 
+/// A bound for the days of `month`, yyyy-MM, when days are compared as texts; the last one need not
+/// exist.
+std::string firstDayOf(const std::string& month);
+std::string lastDayOf(const std::string& month);
+
 /// The number of days of `month`, yyyy-MM.
 int daysOf(std::string_view month);
 

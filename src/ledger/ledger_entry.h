@@ -40,6 +40,9 @@ struct LedgerEntry {
   std::optional<std::string> text;
 };
 
+/// Sets all that the reading of its message holds.
+void apply(const Reading& reading, LedgerEntry& entry);
+
 /// Returns "expense", "income" or "transfer".
 const char* kindText(Kind kind);
 /// Returns the kind of that name; absent for another text.

@@ -20,7 +20,7 @@ int print(const std::string& text);
 
 /// Opens the book, calls `use` with it and returns its result; `exitFailure`, after one line on
 /// standard error, when the book cannot be opened, read or written.
-int withBook(const std::function<int(Book&)>& use);
+int withBook(const std::function<int(Book&)>& use, MessageReader reader = read);
 
 /// As `withBook`, with the entry whose id was given as ID. Returns as `fail` when ID is not a
 /// number, with the exit status for bad usage, and when no entry has that id.

@@ -11,27 +11,8 @@ namespace {
 
 constexpr std::size_t mostPayees = 10;
 
-// Days are compared as texts, so this holds for each month.
-std::string firstDayOf(const std::string& month) { return month + "-01"; }
-std::string lastDayOf(const std::string& month) { return month + "-31"; }
-
 std::vector<GroupSum> sumsOf(const Book& book, Grouping grouping, const std::string& month) {
   return book.sums(grouping, firstDayOf(month), lastDayOf(month));
-}
-
-void add(MovedSums& sums, const GroupSum& group) {
-  switch (group.kind) {
-    case Kind::expense:
-      sums.expense += group.sum.minorUnits;
-      break;
-    case Kind::income:
-      sums.income += group.sum.minorUnits;
-      break;
-    case Kind::transfer:
-      sums.transfer += group.sum.minorUnits;
-      break;
-  }
-  sums.transactions += group.transactions;
 }
 
 bool isExpense(const GroupSum& group, const std::string& currency) {
@@ -45,9 +26,9 @@ void readTotals(MonthSummary& summary, const Book& book) {
        book.sums(Grouping::month, firstDayOf(before), lastDayOf(summary.month))) {
     const bool isOwn = group.sum.currency == summary.currency;
     if (group.group == before) {
-      if (isOwn) add(summary.previous, group);
+      if (isOwn) summary.previous.add(group);
     } else {
-      add(isOwn ? summary.sums : others[group.sum.currency], group);
+      (isOwn ? summary.sums : others[group.sum.currency]).add(group);
     }
   }
   for (const auto& [currency, sums] : others) summary.otherCurrencies.push_back({currency, sums});
@@ -94,8 +75,22 @@ void readPayees(MonthSummary& summary, const Book& book) {
 
 }  // namespace
 
+void MovedSums::add(const GroupSum& group) {
+  switch (group.kind) {
+    case Kind::expense:
+      expense += group.sum.minorUnits;
+      break;
+    case Kind::income:
+      income += group.sum.minorUnits;
+      break;
+    case Kind::transfer:
+      transfer += group.sum.minorUnits;
+      break;
+  }
+  transactions += group.transactions;
+}
+
 MonthSummary summarize(const Book& book, const std::string& month, const std::string& currency) {
-  const auto snapshot = book.snapshot();
   MonthSummary summary;
   summary.month = month;
   summary.currency = currency;

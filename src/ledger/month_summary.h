@@ -12,6 +12,9 @@ namespace kivo::ledger {
 /// What was booked in a period in one currency, in its minor units. A transfer is neither income
 /// nor expense.
 struct MovedSums {
+  /// Adds those of `group`, whatever its currency.
+  void add(const GroupSum& group);
+
   std::int64_t expense = 0;
   std::int64_t income = 0;
   std::int64_t transfer = 0;
@@ -57,7 +60,8 @@ struct MonthSummary {
   [[nodiscard]] bool isEmpty() const { return sums.transactions == 0 && otherCurrencies.empty(); }
 };
 
-/// Reads the figures of `month` (yyyy-MM) of a book kept in `currency`, as of one moment.
+/// Reads the figures of `month` (yyyy-MM) of a book kept in `currency`. Takes a few
+/// queries: hold a snapshot of the book.
 MonthSummary summarize(const Book& book, const std::string& month, const std::string& currency);
 
 }  // namespace kivo::ledger

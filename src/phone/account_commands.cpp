@@ -8,10 +8,13 @@
 #include "extraction/sms_extraction_client.h"
 #include "feedback/amount_formatter.h"
 #include "phone/backend_check.h"
+#include "phone/ledger_month.h"
 #include "phone/local_ledger.h"
 #include "phone/phone_terminal.h"
 #include "phone/waiting_texts.h"
+#include "phone/widget_view.h"
 #include "platform/foundation/date.h"
+#include "platform/foundation/number_text.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
@@ -180,6 +183,17 @@ std::string backendLines(const SharedStore& store) {
   return lines;
 }
 
+// The figures of the ledger on this machine, beside the running total of the widget.
+std::string ledgerLines(const SharedStore& store) {
+  if (!LocalLedger::isSignedIn(store)) return "";
+  const auto month = LedgerMonth::ask();
+  if (!month) return line("This month", "unknown; kivo-ledger summary says why");
+  std::string review = platform::integerText(month->toReview);
+  if (month->toReview > 0) review += "; kivo-ledger review shows what needs a look";
+  return line("This month", month->expenses) +
+         line("Running total", WidgetView::read(store).runningTotal) + line("To review", review);
+}
+
 int status(const GivenParameters&) {
   const auto store = SharedStore::open(appGroup);
   if (!store) return failWithoutStore();
@@ -187,6 +201,7 @@ int status(const GivenParameters&) {
   std::string lines = backendLines(*store);
   lines += line("Currency", AmountFormatter::currencyCode(*store));
   if (const auto warning = currencyWarning(*store)) lines += line("", *warning);
+  lines += ledgerLines(*store);
   lines += line("Notifications", permissionWord().value_or(noCenter));
   lines += line("Waiting", WaitingTexts::sentence(items, linux_platform::lastExchange(),
                                                   platform::Date::now()));

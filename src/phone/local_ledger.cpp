@@ -20,6 +20,10 @@ bool LocalLedger::isSignedIn(const SharedStore& store) {
   return base && base == url() && store.readNonEmptyText(StoreKeys::userId);
 }
 
+std::filesystem::path LocalLedger::program() {
+  return linux_platform::programFolder() / "kivo-ledger";
+}
+
 void LocalLedger::startSocket() {
   try {
     linux_platform::runProgram(

@@ -1,6 +1,7 @@
 // The ledger on this machine as a backend. Its figures come from LedgerMonth.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,9 @@ std::optional<std::string> url();
 
 /// Returns whether the person is signed in, and the stored base URL is `url`.
 bool isSignedIn(const SharedStore& store);
+
+/// Returns the path of kivo-ledger, which is installed beside this program.
+std::filesystem::path program();
 
 /// Asks the user's service manager to listen on the socket, for a session that is older than the
 /// installation. Blocks for at most 5 s. Does nothing without a service manager or without the
