@@ -37,13 +37,13 @@ void writeAll(int file, std::string_view text) {
 
 std::optional<std::filesystem::path> ReportFile::usualPlace() {
   auto folder = linux_platform::runtimeFolder();
-  if (folder) *folder /= "report.html";
-  return folder;
+  if (!folder) return std::nullopt;
+  std::error_code shownByWrite;
+  std::filesystem::create_directories(*folder, shownByWrite);
+  return *folder / "report.html";
 }
 
 void ReportFile::write(const std::filesystem::path& path, const std::string& text) {
-  const std::filesystem::path folder = path.parent_path();
-  if (!folder.empty() && mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) fail(errno);
   struct stat found {};
   // Renaming would replace a device or a link by the report.
   if (lstat(path.c_str(), &found) == 0 && !S_ISREG(found.st_mode)) {

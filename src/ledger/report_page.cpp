@@ -86,13 +86,14 @@ class Page {
     card("Received", summary_.sums.income, summary_.previous.income);
     card("Transferred", summary_.sums.transfer, summary_.previous.transfer);
     html_.markup("</dl>\n");
+    if (summary_.sums.expense > 0) {
+      html_.markup("<div class=\"two\">");
+      categories();
+      payees();
+      html_.markup("</div>\n");
+      days();
+    }
     otherCurrencies();
-    if (summary_.sums.expense == 0) return;
-    html_.markup("<div class=\"two\">");
-    categories();
-    payees();
-    html_.markup("</div>\n");
-    days();
   }
 
   void card(const char* name, std::int64_t sum, std::int64_t previous) {
@@ -158,7 +159,7 @@ class Page {
     if (summary_.otherCurrencies.empty()) return;
     html_.markup("<section class=\"sheet\" aria-labelledby=\"others\">")
         .markup("<h2 id=\"others\">In other currencies</h2><table>")
-        .markup("<caption>Not part of the sums above.</caption><thead><tr>")
+        .markup("<caption>Not part of the other sums.</caption><thead><tr>")
         .markup("<th scope=\"col\">Currency</th><th scope=\"col\" class=\"sum\">Spent</th>")
         .markup("<th scope=\"col\" class=\"sum\">Received</th>")
         .markup("<th scope=\"col\" class=\"sum\">Transferred</th></tr></thead><tbody>");
@@ -235,7 +236,7 @@ class Page {
   void row(const LedgerEntry& entry) {
     html_.markup("<tr><td class=\"day\"><time datetime=\"").text(entry.date).markup("\">");
     html_.text(entry.date.substr(8)).markup("</time></td><td><div class=\"what\">");
-    html_.name(entry.description).markup("<small>").name(entry.category);
+    html_.markup("<span>").name(entry.description).markup("</span><small>").name(entry.category);
     if (entry.kind != Kind::expense) html_.markup(" · ").text(kindText(entry.kind));
     if (entry.possibleDuplicateOf) {
       html_.markup(" · looks like ").count(*entry.possibleDuplicateOf);

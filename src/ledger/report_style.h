@@ -34,7 +34,7 @@ dd small{font-size:.85rem}
 table{width:100%;border-collapse:collapse;font-size:.94rem}
 caption{text-align:start;font-size:.85rem;padding-bottom:.3rem}
 th{font-weight:500;font-size:.82rem;text-align:start}
-th,td{padding:.38rem 0 .38rem .9rem;vertical-align:baseline;border-bottom:1px solid var(--line)}
+th,td{padding:.38rem 0 .38rem 1.1rem;vertical-align:baseline;border-bottom:1px solid var(--line)}
 th:first-child,td:first-child{padding-left:0}
 tbody tr:last-child>*{border-bottom:0}
 tbody th{color:inherit;font-size:inherit;font-weight:400}
