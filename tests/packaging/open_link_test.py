@@ -97,7 +97,7 @@ class AnOpenedLinkWithALedger(KivoOnADesktop):
     def test_an_empty_book_has_a_report(self):
         self.desktop.install_browser()
         self.desktop.launch("kivo-phone", "open")  # ends while the browser runs
-        self.expect_report("Kivo")
+        self.expect_report("Nothing is booked")
 
     def test_a_desktop_without_a_browser_shows_the_widget(self):
         # Answers as xdg-open does where no program shows pages, whatever this machine has.
