@@ -35,7 +35,7 @@ std::size_t widthOfScreen() {
   return std::clamp<std::size_t>(size.ws_col, 2 * labelWidth, widest);
 }
 
-// `line` in lines of `width` columns at most; longer words stay whole.
+// Wraps `line` to `width` columns. A longer word is not broken.
 std::vector<std::string> wrapped(const std::string& line, std::size_t width) {
   if (columnsOf(line) <= width) return {line};
   std::vector<std::string> lines{""};
@@ -52,7 +52,7 @@ std::vector<std::string> wrapped(const std::string& line, std::size_t width) {
   return lines;
 }
 
-// The lines of `text`, safe to show; without line breaks at its end.
+// The lines of `text`, wrapped and with control characters escaped, without empty lines at the end.
 std::vector<std::string> shownLines(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   text.remove_suffix(text.size() - std::min(text.size(), text.find_last_not_of("\r\n") + 1));

@@ -5,9 +5,11 @@
 #include <utility>
 
 #include "ledger/editing_commands.h"
+#include "ledger/export_commands.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/ledger_terminal.h"
 #include "ledger/listing_commands.h"
+#include "ledger/overview_commands.h"
 #include "ledger/review_notifier.h"
 #include "ledger/teach_command.h"
 #include "ledger/template_file.h"
@@ -63,7 +65,9 @@ linux_platform::CommandProgram program() {
                                       .version = KIVO_VERSION,
                                       .commands = {}};
   made.commands = listingCommands();
+  for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());
   made.commands.push_back(
       {"serve",

@@ -37,7 +37,7 @@ class ALedgerOnASmallDisk : public testing::Test {
   bool mounted_ = false;
 };
 
-TEST_F(ALedgerOnASmallDisk, KeepsWhatItAcknowledgedAndTakesTheRestOnceThereIsRoom) {
+TEST_F(ALedgerOnASmallDisk, KeepsAcknowledgedMessagesAndAcceptsTheOthersOnceThereIsRoom) {
   const auto server = ledger_.start();
   std::map<std::string, std::string> acknowledged;
   int refused = 0;

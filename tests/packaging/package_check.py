@@ -13,6 +13,7 @@ import shutil
 import sys
 
 from clean_root import CannotBeMade, CleanRoot, check
+from ledger_in_root import keep_a_book
 from loopback_backend import Backend
 from modem_manager_in_root import ModemManager
 from session_in_root import Session
@@ -56,6 +57,7 @@ def try_out(root, session, backend):
         use_services(root, session)
         with ModemManager(root.folder / "tmp/system-bus", MODEMS):
             receive_messages(root, session, backend)
+        keep_a_book(session, backend)
     else:
         print("clean Debian 12: services not tried: no control groups can be mounted here")
 

@@ -65,6 +65,7 @@ class Sums {
       if (part == Part::balance && !result.balance) result.balance = sums_[index];
     }
     if (moved.empty()) moved = charges;
+    dropUnsaid(moved);
     // Where some sums have a currency, a bare number is none unless it is called an amount.
     const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
     if (!std::all_of(moved.begin(), moved.end(), bare)) std::erase_if(moved, bare);
@@ -88,6 +89,25 @@ class Sums {
       part = *said;
     }
     return part;
+  }
+
+  // "Bought EGP 20.00. You now own EGP 480.00": a sentence that says nothing of a movement adds no
+  // sum to one that did.
+  void dropUnsaid(std::vector<std::size_t>& moved) const {
+    const auto unsaid = [this](std::size_t sum) { return !saysOfMovement(sum); };
+    const auto said = std::find_if_not(moved.begin(), moved.end(), unsaid);
+    if (said != moved.end()) moved.erase(std::remove_if(said, moved.end(), unsaid), moved.end());
+  }
+
+  [[nodiscard]] bool saysOfMovement(std::size_t sum) const {
+    std::size_t begin = sum;
+    while (begin > 0 && !items_[begin].startsSentence) --begin;
+    std::size_t end = sum + 1;
+    while (end < items_.size() && !items_[end].startsSentence) ++end;
+    return std::any_of(found_.begin(), found_.end(), [begin, end](const Found& wording) {
+      const bool inside = wording.begin >= begin && wording.begin < end;
+      return inside && (wording.meaning == Meaning::amount || movementOf(wording.meaning) != nullptr);
+    });
   }
 
   // "EGP 5,430.10 is your available balance", unless the words introduce the next sum.

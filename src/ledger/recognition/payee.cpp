@@ -58,7 +58,8 @@ class Names {
     for (const Found& wording : found_) {
       auto rank = rankOf(wording.meaning, wording.nameFollows || wording.namePrecedes, kind_);
       constexpr int surest = 8;  // "spent on 20-Oct-26 on Web Bazaar"
-      if (wording.meaning == Meaning::ends && items_[wording.begin].text == "on") rank = surest;
+      const std::string& word = items_[wording.begin].text;
+      if (wording.meaning == Meaning::ends && (word == "on" || word == "في")) rank = surest;
       // Where money came, "at" is a branch, unless a shop gives it back.
       if (kind_ == Kind::income && wording.meaning == Meaning::at && !givesBack) rank.reset();
       if (!rank || *rank >= bestRank) continue;
@@ -68,7 +69,8 @@ class Names {
       best = std::move(name);
       bestRank = *rank;
     }
-    return best.empty() ? nameBehindSum() : best;
+    if (best.empty()) best = nameBehindSum();
+    return best.empty() && kind_ == Kind::expense ? nameOfItsOwn() : best;
   }
 
  private:
@@ -170,6 +172,42 @@ class Names {
     return nameBetween(readable_, items_, begin, endOfName(begin, Meaning::to));
   }
 
+  // "$48.13 CAD, TIMBERLINE CO-OP, card 0031": words with capitals between two marks, and no other.
+  // The first and the last of a message are the bank's name.
+  [[nodiscard]] std::string nameOfItsOwn() const {
+    const auto cuts = [this](std::size_t at) {
+      const Item& item = items_[at];
+      return item.kind == Item::Kind::lineBreak || item.kind == Item::Kind::sum ||
+             isMark(item, ",|;") || (at > 0 && item.startsSentence);
+    };
+    bool behindSum = false;
+    for (std::size_t begin = 0, at = 0; at < items_.size(); ++at) {
+      if (!cuts(at)) continue;
+      if (behindSum && begin < at && isAllName(begin, at)) {
+        return nameBetween(readable_, items_, begin, at);
+      }
+      behindSum = behindSum || items_[at].kind == Item::Kind::sum;
+      const bool isFirstWord = items_[at].kind == Item::Kind::word;
+      begin = isFirstWord ? at : at + 1;
+    }
+    return {};
+  }
+
+  [[nodiscard]] bool isAllName(std::size_t begin, std::size_t end) const {
+    constexpr std::size_t shortest = 3;
+    bool named = false;
+    for (std::size_t at = begin; at < end; ++at) {
+      const Item& item = items_[at];
+      if (at_[at] != nullptr || item.kind == Item::Kind::number) return false;
+      if (item.kind != Item::Kind::word) continue;
+      if (item.glued && at > begin) continue;
+      const auto first = static_cast<unsigned char>(readable_[item.begin]);
+      if (first < 0x80 && std::isupper(first) == 0) return false;
+      named = named || item.text.size() >= shortest;
+    }
+    return named;
+  }
+
   [[nodiscard]] bool beginsName(std::size_t at) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
@@ -194,6 +232,13 @@ class Names {
            at_[comma + 1] == nullptr;
   }
 
+  // "PANADERIA EL TRIGAL el 14/07"
+  [[nodiscard]] bool isArticle(std::size_t at, std::size_t begin) const {
+    constexpr std::size_t longest = 2;
+    return items_[at].capitals && items_[begin].capitals && items_[at].text.size() <= longest &&
+           at + 1 < items_.size() && items_[at + 1].capitals && at_[at + 1] == nullptr;
+  }
+
   [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Meaning introduced) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
@@ -204,6 +249,7 @@ class Names {
                           : item.text.size() > 4 && !item.glued;
     }
     if (isMark(item, ",")) return !goesOnBehindComma(at, begin);
+    if (item.text.starts_with("\xF0\x9F")) return true;  // a picture
     if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
     if (isMark(item, ":") && !item.glued) return true;
     if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
@@ -214,11 +260,14 @@ class Names {
       const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
       return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
     }
-    if (item.glued && item.kind == Item::Kind::word) return false;
+    const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
+                           static_cast<unsigned char>(item.text.front()) >= 0xE4;
+    if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
     if (introduced == Meaning::info) {
       return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
              (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
     }
+    if (isArticle(at, begin)) return false;
     if (isWordOf(at,
                  {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
                   Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {

@@ -43,6 +43,8 @@ enum class Meaning {
   declined,
   notYet,
   notDone,
+  offer,
+  urged,
   done,
   // The part that a sum plays.
   amount,

@@ -2,8 +2,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <system_error>
 
 #include <fcntl.h>
@@ -12,6 +10,7 @@
 
 #include "platform/linux/process/descriptor.h"
 #include "platform/linux/store/database_folder.h"
+#include "platform/linux/store/private_file.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -34,31 +33,6 @@ std::optional<std::string> bytesOf(int file) {
   return bytes;
 }
 
-// Writes all of `text` and calls fsync.
-bool writeAll(int file, const std::string& text) {
-  for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = ::write(file, text.data() + written, text.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    written += static_cast<std::size_t>(count);
-  }
-  return fsync(file) == 0;
-}
-
-bool replaceWith(const std::filesystem::path& path, const std::string& text) {
-  std::string fresh = path.string() + ".XXXXXX";
-  const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));  // mode 0600
-  if (file.number() < 0) return false;
-  std::error_code unknown;
-  if (!std::filesystem::exists(path, unknown)) syncFoldersAbove(path.parent_path());
-  if (writeAll(file.number(), text) && std::rename(fresh.c_str(), path.c_str()) == 0) {
-    const Descriptor folder(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return folder.number() < 0 || fsync(folder.number()) == 0;
-  }
-  unlink(fresh.c_str());
-  return false;
-}
-
 }  // namespace
 
 SettingsFile readSettingsFile(const std::filesystem::path& path) {
@@ -76,7 +50,9 @@ bool replaceSettingsFile(const std::filesystem::path& path, const std::string& t
   std::error_code failure;
   std::filesystem::create_directories(path.parent_path(), failure);
   const std::filesystem::path real = std::filesystem::weakly_canonical(path, failure);
-  return !failure && replaceWith(real, text);
+  if (failure) return false;
+  syncFoldersAbove(real.parent_path());  // which may be new
+  return !writePrivateFile(real, text);
 }
 
 }  // namespace kivo::linux_platform
