@@ -116,7 +116,7 @@ class Teaching {
     return 0;
   }
 
-  // What the book has or the rules read, as far as the message has it.
+  // What the book has or the rules read, as far as the message has it; else its first sum.
   void propose(const std::optional<LedgerEntry>& entry) {
     const Reading rules = read(message_, currency_);
     proposed_.kind = entry ? entry->kind : rules.kind;
@@ -125,6 +125,7 @@ class Teaching {
     if (proposed_.amount.empty() && rules.amount) {
       proposed_.amount = numberFor(message_, *rules.amount);
     }
+    if (!rules.amount && !entry) proposed_.amount = firstSum(message_, currency_);
     const std::string payee = entry ? entry->payee : rules.payee;
     if (namesPayee(message_, payee)) proposed_.payee = payee;
   }

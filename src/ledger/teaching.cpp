@@ -44,7 +44,7 @@ std::vector<Place> numbersIn(std::string_view form, std::size_t begin, std::size
 // The places of `form` at which `given` states one number.
 std::vector<Place> amountPlaces(std::string_view form, std::string_view given) {
   std::vector<Place> places;
-  if (given.empty()) return places;
+  if (numbersIn(given, 0, given.size()).size() != 1) return places;
   forEachEnd(form, given, [&](std::size_t end) {
     const auto numbers = numbersIn(form, end - given.size(), end);
     const bool isNew = numbers.size() == 1 && (places.empty() || places.back() != numbers.front());
@@ -111,12 +111,14 @@ std::string statedCurrency(std::string_view form, const Place& place,
 
 Taught wrong(Taught::Part part, const char* error) { return {.part = part, .error = error}; }
 
-}  // namespace
+// The named parts in the message.
+struct NamedPlaces {
+  std::optional<Place> amount = {};
+  std::vector<Place> all = {};
+};
 
-Taught teach(std::string_view message, const TaughtParts& parts, std::string_view bookCurrency) {
-  const std::string form = templateForm(message);
-  std::vector<Place> places;
-  std::optional<Place> amount;
+// Sets `named`; returns the error of a part that is not there, without one when both are.
+Taught findNamed(std::string_view form, const TaughtParts& parts, NamedPlaces& named) {
   if (parts.kind) {
     const auto stated = amountPlaces(form, templateForm(parts.amount));
     if (stated.empty()) {
@@ -126,34 +128,42 @@ Taught teach(std::string_view message, const TaughtParts& parts, std::string_vie
       return wrong(Taught::Part::amount,
                    "is in the message more than once; give it with the words beside it");
     }
-    amount = stated.front();
-    places.push_back(*amount);
+    named.amount = stated.front();
+    named.all.push_back(*named.amount);
   }
   const std::string payee = templateForm(parts.payee);
-  auto names = payeePlaces(form, payee, amount);
+  auto names = payeePlaces(form, payee, named.amount);
   if (names.empty() && !payee.empty()) {
     return wrong(Taught::Part::payee, "has to be a part of the message, as it is there");
   }
   if (!parts.kind && !names.empty()) names.front().placeholder = "{any}";
-  places.insert(places.end(), names.begin(), names.end());
+  named.all.insert(named.all.end(), names.begin(), names.end());
+  return {};
+}
 
-  std::string text = patternText(form, std::move(places));
+}  // namespace
+
+Taught teach(std::string_view message, const TaughtParts& parts, std::string_view bookCurrency) {
+  const std::string form = templateForm(message);
+  NamedPlaces named;
+  if (Taught failed = findNamed(form, parts, named); !failed.error.empty()) return failed;
+  std::string text = patternText(form, std::move(named.all));
   MessagePattern::Parsed parsed = MessagePattern::parse(text);
   if (!parsed.pattern) return {.error = parsed.error};
   const auto fit = parsed.pattern->fit(form);
-  if (!fit) return {.error = "no template can be made of it"};
+  if (!fit) return {.error = "its wording is too irregular"};
   if (fit->amounts.size() > 1) {
     return wrong(Taught::Part::amount,
                  "cannot be told from the other numbers by the words beside it");
   }
-  if (parts.kind && fit->payee != payee) {
+  if (parts.kind && fit->payee != templateForm(parts.payee)) {
     return wrong(Taught::Part::payee, "cannot be told from the words beside it");
   }
   MessageTemplate made{
       .text = std::move(text), .pattern = *std::move(parsed.pattern), .kind = parts.kind};
-  if (amount) {
+  if (named.amount) {
     made.currency =
-        parts.currency.empty() ? statedCurrency(form, *amount, bookCurrency) : parts.currency;
+        parts.currency.empty() ? statedCurrency(form, *named.amount, bookCurrency) : parts.currency;
     if (made.currency.empty()) made.currency = bookCurrency;
   }
   return {.made = std::move(made)};
@@ -171,6 +181,19 @@ std::string numberFor(std::string_view message, const Money& sum) {
     found = text;
   }
   return found;
+}
+
+std::string firstSum(std::string_view message, std::string_view bookCurrency) {
+  const std::string form = templateForm(message);
+  for (const Item& item : withSums(itemsOf(form), bookCurrency)) {
+    if (item.kind != Item::Kind::sum) continue;
+    const auto numbers = numbersIn(form, item.begin, item.end);
+    if (numbers.size() != 1) continue;
+    const Place& number = numbers.front();
+    std::string text = form.substr(number.begin, number.end - number.begin);
+    return amountPlaces(form, text).size() == 1 ? text : "";
+  }
+  return "";
 }
 
 bool namesPayee(std::string_view message, std::string_view payee) {

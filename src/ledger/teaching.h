@@ -44,6 +44,10 @@ Taught teach(std::string_view message, const TaughtParts& parts, std::string_vie
 /// once.
 std::string numberFor(std::string_view message, const Money& sum);
 
+/// The number of the first sum that `message` states, as it writes it; empty when it states none,
+/// or the number more than once.
+std::string firstSum(std::string_view message, std::string_view bookCurrency);
+
 /// Whether `message` holds `payee`, as `teach` looks for it.
 bool namesPayee(std::string_view message, std::string_view payee);
 

@@ -73,7 +73,7 @@ TEST_F(AReadAgainEntry, HasCorrectionsAndRates) {
   EXPECT_EQ(read->amount, (Money{100000, "EGP"}));
 }
 
-TEST_F(AReadAgainEntry, IsMarkedWhenItLooksLikeAnEarlierOneButNotLikeALaterOneOrItself) {
+TEST_F(AReadAgainEntry, IsMarkedOnlyWhenItLooksLikeAnEarlierOne) {
   Book book = open();
   const LedgerEntry first = recorded(book, "KEY-1", unclear());
   const LedgerEntry second = recorded(book, "KEY-2", spent(15000));

@@ -157,6 +157,13 @@ TEST(Teaching, ProposesTheNumberThatStatesASum) {
   EXPECT_EQ(numberFor(message, {7, "EGP"}), "");
 }
 
+TEST(Teaching, ProposesTheFirstSumOfAnUnknownMessage) {
+  EXPECT_EQ(firstSum("Zap 21/11: EGP 150.00 gone, EGP 20.00 left", "EGP"), "150.00");
+  EXPECT_EQ(firstSum("Zap 1 234,50 EUR gone", "EUR"), "1 234,50");
+  EXPECT_EQ(firstSum("Zap EGP 5 gone, EGP 5 left", "EGP"), "");
+  EXPECT_EQ(firstSum("Zap 4821", "EGP"), "");
+}
+
 TEST(Teaching, KnowsWhetherAMessageNamesAPayee) {
   EXPECT_TRUE(namesPayee("Zap! 5 to  Nile\nCinema", "Nile Cinema"));
   EXPECT_FALSE(namesPayee("Zap! 5 to Nile", "Cinema"));
