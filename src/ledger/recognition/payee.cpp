@@ -212,7 +212,9 @@ class Names {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
       return false;
-    const bool article = item.text == "the" || item.text == "a" || item.text == "an";
+    const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
+    const bool article =
+        !initial && (item.text == "the" || item.text == "a" || item.text == "an");
     if (article && readable_[item.begin] != 'T') return false;
     constexpr auto pronouns =
         std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
@@ -230,6 +232,16 @@ class Names {
   [[nodiscard]] bool goesOnBehindComma(std::size_t comma, std::size_t begin) const {
     return comma + 1 < items_.size() && items_[comma + 1].capitals && items_[begin].capitals &&
            at_[comma + 1] == nullptr;
+  }
+
+  // The brackets in "HARBOUR DIM SUM (TST) was".
+  [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const {
+    constexpr std::size_t width = 2;
+    std::size_t open = at;
+    if (isMark(items_[at], ")") && at >= begin + width) open = at - width;
+    if (open + width >= items_.size()) return false;
+    return isMark(items_[open], "(") && items_[begin].capitals && items_[open + 1].capitals &&
+           isMark(items_[open + width], ")");
   }
 
   // "PANADERIA EL TRIGAL el 14/07"
@@ -250,6 +262,7 @@ class Names {
     }
     if (isMark(item, ",")) return !goesOnBehindComma(at, begin);
     if (item.text.starts_with("\xF0\x9F")) return true;  // a picture
+    if (isBracketed(at, begin)) return false;
     if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
     if (isMark(item, ":") && !item.glued) return true;
     if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&

@@ -41,12 +41,13 @@ const Movement* movementBySign(const Sum& sum) {
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
-// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND.
-// Available KWD 93.250": a card's use without a word for it.
+// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
+// "£12.00 at Fern Café. Balance £88.00": a card's use without a word for it.
 bool isCardNotice(const Items& items, std::span<const Found> found) {
-  const bool rest = holds(found, Meaning::limit) || showsEvidence(items, found);
-  return holds(found, Meaning::own) &&
-         (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
+  if (holds(found, Meaning::own) && holds(found, Meaning::done)) return true;
+  const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit) ||
+                    (holds(found, Meaning::own) && showsEvidence(items, found));
+  return rest && holds(found, Meaning::at);
 }
 
 // Absent when the digits can be read in two ways.
@@ -71,6 +72,7 @@ const Movement* movementIn(const Items& items, const AllFound& found, const SumP
     movement = movementBySign(items[*sums.moved].sum);
   }
   if (movement == nullptr && isCardNotice(items, found)) movement = movementOf(Meaning::transaction);
+  if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
   // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
   return begunToCome && !sure ? nullptr : movement;
@@ -119,7 +121,10 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   reading.account = ownAccount(items, found, movement->kind);
   reading.reference = referenceIn(items, found, readable);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
-  if (sums.unclear || !own) reading.outcome = Outcome::needsReview;
+  // A noun ("payment", "transfer") without a payee could as well be about a plan.
+  const bool vague = movement->strength <= Strength::noun && reading.payee.empty() &&
+                     !showsEvidence(items, found);
+  if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }
 

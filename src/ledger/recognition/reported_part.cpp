@@ -66,13 +66,16 @@ bool isToCome(const Items& items, const Sentence& sentence) {
   return false;
 }
 
-// "card ending 4821"
+// "card ending 4821", "am 21.11."
 bool numberFollows(const Items& items, std::size_t at) {
   constexpr std::size_t near = 4;
   const std::size_t end = std::min(items.size(), at + near);
   return std::any_of(items.begin() + static_cast<std::ptrdiff_t>(at),
                      items.begin() + static_cast<std::ptrdiff_t>(end),
-                     [](const Item& item) { return item.kind == Item::Kind::number; });
+                     [](const Item& item) {
+                       return item.kind == Item::Kind::number ||
+                              (item.kind == Item::Kind::sum && item.sum.currency.empty());
+                     });
 }
 
 }  // namespace
@@ -112,7 +115,8 @@ bool showsEvidence(const Items& items, std::span<const Found> found) {
       if (items[at].kind == Item::Kind::number && items[at].isPiece) return true;
     }
     for (const Found& wording : sentence.found) {
-      if (wording.meaning == Meaning::own && numberFollows(items, wording.end)) return true;
+      const bool account = wording.meaning == Meaning::own || wording.meaning == Meaning::ends;
+      if (account && numberFollows(items, wording.end)) return true;
     }
   }
   return false;
