@@ -47,7 +47,10 @@ bool isCardNotice(const Items& items, std::span<const Found> found) {
   if (holds(found, Meaning::own) && holds(found, Meaning::done)) return true;
   const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit) ||
                     (holds(found, Meaning::own) && showsEvidence(items, found));
-  return rest && holds(found, Meaning::at);
+  return rest && std::any_of(found.begin(), found.end(), [&items](const Found& wording) {
+           return wording.meaning == Meaning::at && wording.end < items.size() &&
+                  items[wording.end].kind == Item::Kind::word;
+         });
 }
 
 // Absent when the digits can be read in two ways.
@@ -68,10 +71,15 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
 const Movement* movementIn(const Items& items, const AllFound& found, const SumParts& sums,
                            bool begunToCome) {
   const Movement* movement = strongestMovement(found);
-  if (movement == nullptr && sums.moved && showsEvidence(items, found)) {
-    movement = movementBySign(items[*sums.moved].sum);
+  const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
+  if (weak && sums.moved && showsEvidence(items, found)) {
+    const Movement* const signedOne = movementBySign(items[*sums.moved].sum);
+    const bool agrees =
+        movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
+    if (signedOne != nullptr && !agrees) movement = signedOne;
   }
-  if (movement == nullptr && isCardNotice(items, found)) movement = movementOf(Meaning::transaction);
+  if (movement == nullptr && isCardNotice(items, found))
+    movement = movementOf(Meaning::transaction);
   if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
   // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
@@ -122,8 +130,8 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   reading.reference = referenceIn(items, found, readable);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
   // A noun ("payment", "transfer") without a payee could as well be about a plan.
-  const bool vague = movement->strength <= Strength::noun && reading.payee.empty() &&
-                     !showsEvidence(items, found);
+  const bool vague =
+      movement->strength <= Strength::noun && reading.payee.empty() && !showsEvidence(items, found);
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }

@@ -58,6 +58,12 @@ bool isToCome(const Items& items, const Sentence& sentence) {
   for (const Found& wording : sentence.found) {
     if (wording.meaning == Meaning::notDone) return true;
   }
+  const bool reported = std::any_of(sentence.found.begin(), sentence.found.end(),
+                                    [](const Found& one) { return reports(one.meaning); });
+  if (holds(sentence.found, Meaning::planned) &&
+      (!reported || holds(sentence.found, Meaning::declined))) {
+    return true;
+  }
   for (const Found& wording : sentence.found) {
     if (reports(wording.meaning)) return false;
     if (wording.meaning == Meaning::notYet || wording.meaning == Meaning::offer) return true;
@@ -71,8 +77,7 @@ bool numberFollows(const Items& items, std::size_t at) {
   constexpr std::size_t near = 4;
   const std::size_t end = std::min(items.size(), at + near);
   return std::any_of(items.begin() + static_cast<std::ptrdiff_t>(at),
-                     items.begin() + static_cast<std::ptrdiff_t>(end),
-                     [](const Item& item) {
+                     items.begin() + static_cast<std::ptrdiff_t>(end), [](const Item& item) {
                        return item.kind == Item::Kind::number ||
                               (item.kind == Item::Kind::sum && item.sum.currency.empty());
                      });
