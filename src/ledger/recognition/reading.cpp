@@ -41,16 +41,31 @@ const Movement* movementBySign(const Sum& sum) {
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
+// Whether a word follows the wording that is none of another wording: a name.
+bool namesSomebody(const Items& items, std::span<const Found> found, const Found& wording) {
+  if (wording.end >= items.size() || items[wording.end].kind != Item::Kind::word) return false;
+  return std::none_of(found.begin(), found.end(), [&wording](const Found& other) {
+    return other.begin == wording.end;
+  });
+}
+
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
-// "£12.00 at Fern Café. Balance £88.00": a card's use without a word for it.
-bool isCardNotice(const Items& items, std::span<const Found> found) {
-  if (holds(found, Meaning::own) && holds(found, Meaning::done)) return true;
-  const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit) ||
-                    (holds(found, Meaning::own) && showsEvidence(items, found));
-  return rest && std::any_of(found.begin(), found.end(), [&items](const Found& wording) {
-           return wording.meaning == Meaning::at && wording.end < items.size() &&
-                  items[wording.end].kind == Item::Kind::word;
-         });
+// "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a word
+// for the movement, the other party's place tells the direction.
+const Movement* movementByPlace(const Items& items, std::span<const Found> found) {
+  if (holds(found, Meaning::own) && holds(found, Meaning::done)) {
+    return movementOf(Meaning::transaction);
+  }
+  if (!holds(found, Meaning::limit) && !showsEvidence(items, found)) return nullptr;
+  for (const Found& wording : found) {
+    const bool out = wording.meaning == Meaning::at || wording.meaning == Meaning::to;
+    const bool in = wording.meaning == Meaning::from && holds(found, Meaning::own);
+    if (!out && !in) continue;
+    if (namesSomebody(items, found, wording)) {
+      return movementOf(out ? Meaning::transaction : Meaning::transferIn);
+    }
+  }
+  return nullptr;
 }
 
 // Absent when the digits can be read in two ways.
@@ -78,8 +93,7 @@ const Movement* movementIn(const Items& items, const AllFound& found, const SumP
         movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
     if (signedOne != nullptr && !agrees) movement = signedOne;
   }
-  if (movement == nullptr && isCardNotice(items, found))
-    movement = movementOf(Meaning::transaction);
+  if (movement == nullptr) movement = movementByPlace(items, found);
   if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
   // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
