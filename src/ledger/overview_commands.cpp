@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
+#include "ledger/book_file.h"
 #include "ledger/calendar_day.h"
 #include "ledger/command_options.h"
 #include "ledger/ledger_terminal.h"
@@ -13,6 +13,7 @@
 #include "ledger/report_file.h"
 #include "ledger/report_page.h"
 #include "ledger/summary_view.h"
+#include "platform/linux/store/private_file.h"
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/terminal_text.h"
 
@@ -34,6 +35,7 @@ int withMonth(const GivenParameters& parameters,
   if (!currency) return exitFailure;
   return withBook([&](const Book& book) {
     const auto snapshot = book.snapshot();
+    require(snapshot.code());
     return use(book, month, *currency);
   });
 }
@@ -52,13 +54,11 @@ int summary(const GivenParameters& parameters) {
 }
 
 int writeReport(const std::string& page, const std::filesystem::path& path) {
-  try {
-    ReportFile::write(path, page);
-    return print(path.string() + "\n");
-  } catch (const std::runtime_error& error) {
-    return fail("cannot write " + linux_platform::escapedControls(path.string()) + ": " +
-                error.what());
+  if (const auto failure = linux_platform::writePrivateFile(path, page)) {
+    return fail("cannot write \"" + linux_platform::escapedControls(path.string()) +
+                "\": " + *failure);
   }
+  return print(linux_platform::forStandardOutput(path.string()) + "\n");
 }
 
 int report(const GivenParameters& parameters) {

@@ -112,8 +112,8 @@ TEST_F(AnOverview, FollowsNoLinkAndReplacesNoDevice) {
   for (const char* const name : {"link.html", "fifo.html", "tools"}) {
     const ProgramResult refused = run({"report", "--no-open", "--output", home / name});
     EXPECT_EQ(refused.status, 1) << name;
-    EXPECT_EQ(refused.errors, "kivo-ledger: cannot write " + (home / name).string() +
-                                  ": it is there and not a regular file\n");
+    EXPECT_EQ(refused.errors, "kivo-ledger: cannot write \"" + (home / name).string() +
+                                  "\": it is not a plain file\n");
   }
   EXPECT_EQ(contentOf(home / "precious"), "kept");
 }
