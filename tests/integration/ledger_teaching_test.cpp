@@ -248,11 +248,11 @@ TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
   expectFailure({"teach", "1", "--kind", "income"}, 64, noTerminal);
   expectFailure({"teach", "1", "--amount", "20.00"}, 64, noTerminal);
   expectFailure({"teach", "1", "--kind", "gift"}, 64,
-                "invalid --kind \"gift\": it is expense, income, transfer or none");
+                "invalid --kind \"gift\": it must be expense, income, transfer or none");
   expectFailure({"teach", "1", "--kind", "none", "--currency", "euro"}, 64,
-                "invalid --currency \"euro\": it is a code such as EGP");
+                "invalid --currency \"euro\": it must be a code such as EGP");
   expectFailure({"teach", "x", "--kind", "none"}, 64,
-                "invalid ID \"x\": it is a number, as list and review show it");
+                "invalid ID \"x\": it must be a number, as list and review show it");
   expectFailure({"teach", "9", "--kind", "none"}, 1, "no transaction has the ID 9");
   expectFailure({"teach", "-", "--kind", "none"}, 64, "standard input is empty");
   expectFailure({"teach", "1", "--kind", "expense", "--amount", "7"}, 1,
