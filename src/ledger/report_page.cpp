@@ -165,7 +165,7 @@ class Page {
         .markup("<th scope=\"col\" class=\"sum\">Transferred</th></tr></thead><tbody>");
     for (const MonthSummary::OtherCurrency& other : summary_.otherCurrencies) {
       const SumFormat sums(other.currency);
-      html_.markup("<tr><th scope=\"row\">").name(other.currency).markup("</th>");
+      html_.markup("<tr><th scope=\"row\">").text(other.currency).markup("</th>");
       for (const std::int64_t sum : {other.sums.expense, other.sums.income, other.sums.transfer}) {
         html_.markup("<td class=\"sum\">").amount(sums.plain(sum)).markup("</td>");
       }

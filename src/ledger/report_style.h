@@ -11,7 +11,7 @@ inline constexpr char reportStyle[] = R"(
 @media(prefers-color-scheme:dark){:root{--ground:#11151b;--sheet:#191f28;--ink:#e7ebf2;--soft:#a2adbd;
 --line:#2b3440;--spent:#63a4e6;--received:#52b788;--notice:#2a2416;--edge:#d6a645}}
 *{box-sizing:border-box}
-body{margin:0;background:var(--ground);color:var(--ink);line-height:1.45;overflow-wrap:anywhere;
+body{margin:0;background:var(--ground);color:var(--ink);overflow-wrap:break-word;
 font:16px/1.45 system-ui,-apple-system,"Segoe UI",Roboto,"Noto Sans","DejaVu Sans",sans-serif;
 font-variant-numeric:tabular-nums lining-nums}
 header,main,footer{max-width:62rem;margin:0 auto;padding:0 1rem}
@@ -31,6 +31,8 @@ dd small{font-size:.85rem}
 .notice{background:var(--notice);border-left:.25rem solid var(--edge);border-radius:.3rem;padding:.6rem .9rem}
 .two{display:grid;grid-template-columns:1fr 1fr;gap:1rem;align-items:start}
 .two>*{margin:0}
+bdi{overflow-wrap:anywhere}
+.sum bdi{overflow-wrap:normal}
 table{width:100%;border-collapse:collapse;font-size:.94rem}
 caption{text-align:start;font-size:.85rem;padding-bottom:.3rem}
 th{font-weight:500;font-size:.82rem;text-align:start}
@@ -62,11 +64,12 @@ summary:focus-visible{outline:2px solid var(--spent);outline-offset:3px;border-r
 footer{padding-top:.5rem;padding-bottom:2.5rem;font-size:.85rem;color:var(--soft)}
 code{font-family:ui-monospace,"DejaVu Sans Mono",monospace;font-size:.92em}
 @media(max-width:44rem){header{padding-top:1.3rem}h1{font-size:1.5rem}.cards,.two{grid-template-columns:1fr;gap:.8rem}
-.cards>div{padding:.7rem 1rem}.sheet{padding:1rem}.two>*{margin:0}.what{grid-template-columns:1fr}.id{display:none}
+.cards>div{padding:.7rem 1rem}.sheet{padding:1rem}
+th,td{padding-left:.7rem}.two>*{margin:0}.what{grid-template-columns:1fr}.id{display:none}
 .chart svg{height:9rem}.axis{height:10.2rem}.chart{font-size:.7rem}}
 @media print{:root{color-scheme:light;--ground:#fff;--sheet:#fff;--ink:#000;--soft:#444;--line:#ccc;--spent:#2b6cb0;
 --received:#2f855a;--notice:#fff;--edge:#777}body{font-size:10pt}.sheet,.cards>div{border-color:#bbb;break-inside:avoid}
-.list{break-inside:auto}tr{break-inside:avoid}thead{display:table-header-group}details:not([open]){display:none}
+.list{break-inside:auto}footer{display:none}tr{break-inside:avoid}thead{display:table-header-group}details:not([open]){display:none}
 *{-webkit-print-color-adjust:exact;print-color-adjust:exact}}
 )";
 

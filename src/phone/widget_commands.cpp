@@ -26,7 +26,7 @@ using Kind = linux_platform::CommandParameter::Kind;
 // The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
 
-// A book of many years takes a second, and xdg-open is waited for a few.
+// The page takes a moment, and xdg-open is waited for a few seconds.
 constexpr std::chrono::seconds reportTimeout(30);
 
 std::string drawnWidget(const WidgetFigures& figures) {

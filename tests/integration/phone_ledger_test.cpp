@@ -175,7 +175,7 @@ TEST_F(APhoneWithAnotherLedger, OpensTheWidgetWhileSignedInElsewhere) {
   EXPECT_EQ(contentOf(home() / "called"), "");
 }
 
-TEST_F(APhoneWithAnotherLedger, NoticesAFailureWhenItsCallerIgnoresTheEndOfChildren) {
+TEST_F(APhoneWithAnotherLedger, NoticesAFailureWhenItsCallerIgnoresEndedChildren) {
   haveLedger("exit 1\n");
   ProgramCall ignoring =
       call({"--ignore-signal=CHLD", (programs() / "kivo-phone").string(), "open"});

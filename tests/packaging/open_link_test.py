@@ -1,43 +1,12 @@
 #!/usr/bin/env python3
 """Clicks on a notification of the installed Kivo as a person would, and looks at the window or the page that opens."""
-import contextlib
 import os
 import shutil
 import unittest
 
-from installed_kivo import InstalledKivo, with_unpacked
-from virtual_desktop import VirtualDesktop, wait_for
-
-MESSAGE = "Your card was charged EGP 150.00 at Cafe"
-FIGURES = "EGP\u00a0150.00"
-
-
-class KivoOnADesktop(unittest.TestCase):
-    def setUp(self):
-        self.stack = contextlib.ExitStack()
-        self.addCleanup(self.stack.close)
-        self.kivo = InstalledKivo()
-        self.stack.callback(self.kivo.close)
-        self.desktop = VirtualDesktop(self.kivo, self.stack)
-
-    def track(self):
-        self.kivo.run("kivo-intents", "perform", "ProcessSMSIntent", "--smsText", "-", input=MESSAGE)
-
-    def click_on_the_notification(self):
-        """Of a message that is tracked, as the first of this desktop."""
-        self.kivo.run("kivo-phone", "notifications", "authorized")
-        self.track()
-        [notification] = wait_for(lambda: self.desktop.windows("Dunst"), "the notification is shown")
-        self.assertEqual(self.desktop.terminals() + self.desktop.browsers(), [])
-        self.desktop.click(notification)
-
-    def expect_widget(self):
-        """One window opens, with the figures in it."""
-        wait_for(lambda: self.desktop.windows("XTerm"), "a terminal is open")
-        wait_for(lambda: FIGURES in self.desktop.shown(), "the terminal shows the figures")
-        self.assertIn("1 expense ", self.desktop.shown())
-        self.assertEqual(len(self.desktop.terminals()), 1)
-
+from installed_kivo import with_unpacked
+from kivo_on_a_desktop import KivoOnADesktop, KivoWithALedger
+from virtual_desktop import wait_for
 
 class AnOpenedLink(KivoOnADesktop):
     def test_a_click_on_a_notification_shows_the_widget(self):
@@ -69,13 +38,7 @@ class AnOpenedLink(KivoOnADesktop):
         self.assertFalse(made.exists())
 
 
-class AnOpenedLinkWithALedger(KivoOnADesktop):
-    def setUp(self):
-        super().setUp()
-        self.desktop.start("kivo-ledger", "serve")
-        wait_for((self.desktop.home / "kivo/ledger.sock").exists, "the ledger listens")
-        self.kivo.run("kivo-phone", "sign-in", "--local")
-
+class AnOpenedLinkWithALedger(KivoWithALedger):
     def expect_report(self, text):
         """One browser is started, with the report."""
         page = self.desktop.home / "page"
@@ -97,7 +60,7 @@ class AnOpenedLinkWithALedger(KivoOnADesktop):
     def test_an_empty_book_has_a_report(self):
         self.desktop.install_browser()
         self.desktop.launch("kivo-phone", "open")  # ends while the browser runs
-        self.expect_report("Kivo")
+        self.expect_report("Nothing is booked")
 
     def test_a_desktop_without_a_browser_shows_the_widget(self):
         # Answers as xdg-open does where no program shows pages, whatever this machine has.

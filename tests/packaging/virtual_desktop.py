@@ -31,7 +31,7 @@ echo $$ >>'{home}/terminals'
 exec /usr/bin/xterm -l -lf '{home}/shown' "$@" 2>/dev/null
 """
 # Keeps the page that it is to show, and runs on as a browser does that was not running before.
-BROWSER = """#!/bin/sh
+RECORDING_BROWSER = """#!/bin/sh
 echo $$ >>'{home}/browsers'
 cp "$1" '{home}/page.new' && mv '{home}/page.new' '{home}/page'
 exec sleep 600
@@ -39,7 +39,7 @@ exec sleep 600
 BROWSER_ENTRY = """[Desktop Entry]
 Type=Application
 Name=Browser
-Exec=recording-browser %f
+Exec=the-browser %f
 MimeType=text/html;
 """
 SECONDS = 60
@@ -53,6 +53,14 @@ def wait_for(condition, what):
             raise AssertionError(f"after {SECONDS} s still not: {what}")
         time.sleep(0.05)
     return found
+
+
+def has_ended(process):
+    """Also when its parent has not asked for its status."""
+    try:
+        return pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] == "Z"
+    except (FileNotFoundError, ProcessLookupError):
+        return True
 
 
 class VirtualDesktop:
@@ -86,9 +94,9 @@ class VirtualDesktop:
         program.write_text(script.format(home=self.home))
         program.chmod(0o755)
 
-    def install_browser(self):
-        """The program for pages, which keeps the page in the file `page`."""
-        self.install("recording-browser", BROWSER)
+    def install_browser(self, script=RECORDING_BROWSER):
+        """The program for pages. The recording one keeps the page in the file `page`."""
+        self.install("the-browser", script)
         (self.entry.parent / "browser.desktop").write_text(BROWSER_ENTRY)
         subprocess.run(["update-desktop-database", self.entry.parent], check=True, timeout=SECONDS)
 
@@ -128,6 +136,7 @@ class VirtualDesktop:
                 os.kill(process, signal.SIGTERM)
             except ProcessLookupError:
                 pass
+            wait_for(lambda: has_ended(process), "the window's program has ended")  # and leaves the folders alone
 
     def terminals(self):
         """The processes of the terminals that were opened, also of those that have ended."""

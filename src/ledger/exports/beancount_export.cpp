@@ -13,8 +13,20 @@
 namespace kivo::ledger {
 namespace {
 
-// Beancount's tables of letters end with the basic plane.
-bool isLetterOrDigit(UChar32 c) { return c <= 0xFFFF && (u_isalpha(c) || u_isdigit(c)); }
+// Beancount 2 knows letters by tables of its own: of an old Unicode, and without the Chinese and
+// the Korean ones.
+bool isLetterOrDigit(UChar32 c) {
+  UVersionInfo since{};
+  u_charAge(c, since);
+  return (u_isalpha(c) || u_isdigit(c)) && since[0] <= 3 && c <= 0xFFFF &&
+         !u_hasBinaryProperty(c, UCHAR_IDEOGRAPHIC) &&
+         u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE) == U_HST_NOT_APPLICABLE;
+}
+
+// Later scripts have got capitals since.
+bool mayBegin(UChar32 c) {
+  return c < 0x1000 && isLetterOrDigit(c) && (u_isupper(c) || u_isdigit(c));
+}
 
 std::string level(std::string_view text) {
   const auto whole = icu::UnicodeString::fromUTF8(text);
@@ -28,8 +40,8 @@ std::string level(std::string_view text) {
     }
     if (separated) made.append(u'-');
     separated = false;
-    if (made.isEmpty()) c = u_toupper(c);
-    if (made.isEmpty() && !u_isupper(c) && !u_isdigit(c)) made = u"X-";
+    if (made.isEmpty() && mayBegin(u_toupper(c))) c = u_toupper(c);
+    if (made.isEmpty() && !mayBegin(c)) made = u"X-";
     made.append(c);
   }
   std::string name;
@@ -71,7 +83,9 @@ std::string beancountExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(posting(made.ownAccount, made.toOwn));
   }
   std::string file = "; Written by kivo-ledger. Another export replaces it.\n";
-  for (const auto& [account, day] : opened) file += day + " open " + account + "\n";
+  for (const auto& [account, day] : opened) {
+    file.append(day).append(" open ").append(account).append("\n");
+  }
   return file + transactions;
 }
 

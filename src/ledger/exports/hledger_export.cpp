@@ -16,8 +16,8 @@ std::string name(std::string_view text) {
 
 // A tag ends at a comma.
 std::string tag(const char* named, const std::string& value) {
-  if (value.empty()) return "";
-  return std::string("    ; ") + named + ": " + oneLine(withReplaced(value, ',', ' ')) + "\n";
+  const std::string text = oneLine(withReplaced(value, ',', ' '));
+  return text.empty() ? "" : std::string("    ; ") + named + ": " + text + "\n";
 }
 
 std::string posting(const std::string& account, const Money& money) {
@@ -38,7 +38,7 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(") ").append(name(entry.description)).append("\n");
     transactions.append(tag("kivo-id", importId(entry)));
     transactions.append(tag("category", made.unnamedCategory));
-    transactions.append(tag("reference", oneLine(entry.reference)));
+    transactions.append(tag("reference", entry.reference));
     transactions.append(posting(made.otherAccount, made.toOther));
     transactions.append(posting(made.ownAccount, made.toOwn));
   }

@@ -163,7 +163,7 @@ constexpr std::array words = std::to_array<CurrencyWord>({
     {"myr .", "MYR"}, {"ringgit", "MYR"}, {"rp", "IDR"},
     {"rp .", "IDR"}, {"idr .", "IDR"}, {"rupiah", "IDR"},
     {"₱", "PHP"}, {"php ₱", "PHP"}, {"฿", "THB"},
-    {"baht", "THB"}, {"บาท", "THB"}, {"thb .", "THB"},
+    {"baht", "THB"}, {"บาท", "THB"}, {"บ", "THB"}, {"f", "XOF XAF CDF GNF RWF DJF"}, {"thb .", "THB"},
     {"₫", "VND"}, {"đ", "VND"}, {"d", "VND"},
     {"dong", "VND"}, {"vnđ", "VND"}, {"₭", "LAK"},
     {"kip", "LAK"}, {"៛", "KHR"}, {"ks", "MMK"},

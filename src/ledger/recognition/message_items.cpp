@@ -128,6 +128,7 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
   if (item.text == "!" || item.text == "?") return true;
   if (item.text != "." || at == 0) return false;
   const Item& before = items[at - 1];
+  if (before.capitals && before.end - before.begin == 1) return false;  // "MARIA L. SANTOS"
   return before.kind != Item::Kind::word ||
          std::find(abbreviations.begin(), abbreviations.end(), before.text) == abbreviations.end();
 }

@@ -95,7 +95,14 @@ class Sums {
   // sum to one that did.
   void dropUnsaid(std::vector<std::size_t>& moved) const {
     const auto unsaid = [this](std::size_t sum) { return !saysOfMovement(sum); };
-    const auto said = std::find_if_not(moved.begin(), moved.end(), unsaid);
+    auto said = std::find_if_not(moved.begin(), moved.end(), unsaid);
+    const bool card = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
+      return wording.meaning == Meaning::own;
+    });
+    if (said == moved.end() && card && moved.size() > 1 &&
+        !inOneSentence(items_, moved[0], moved[1])) {
+      said = std::next(moved.begin());
+    }
     if (said != moved.end()) moved.erase(std::remove_if(said, moved.end(), unsaid), moved.end());
   }
 
@@ -106,7 +113,8 @@ class Sums {
     while (end < items_.size() && !items_[end].startsSentence) ++end;
     return std::any_of(found_.begin(), found_.end(), [begin, end](const Found& wording) {
       const bool inside = wording.begin >= begin && wording.begin < end;
-      return inside && (wording.meaning == Meaning::amount || movementOf(wording.meaning) != nullptr);
+      return inside &&
+             (wording.meaning == Meaning::amount || movementOf(wording.meaning) != nullptr);
     });
   }
 
@@ -116,6 +124,7 @@ class Sums {
     const std::size_t sum = sums_[index];
     for (const Found& wording : found_) {
       if (wording.begin <= sum) continue;
+      if (index + 1 < sums_.size() && wording.begin > sums_[index + 1]) break;
       if (wording.begin > sum + near || !inOneSentence(items_, sum + 1, wording.begin)) break;
       const auto said = partOf(wording.meaning);
       if (!said) continue;
@@ -129,6 +138,7 @@ class Sums {
   [[nodiscard]] bool introducesNumber(const Found& wording) const {
     constexpr std::size_t near = 5;
     for (std::size_t at = wording.end; at < std::min(items_.size(), wording.end + near); ++at) {
+      if (items_[at].kind == Item::Kind::mark && items_[at].text == ".") return false;
       const bool number = items_[at].kind == Item::Kind::number && !items_[at].isPiece;
       if (number || items_[at].kind == Item::Kind::sum) return true;
     }

@@ -41,12 +41,31 @@ const Movement* movementBySign(const Sum& sum) {
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
-// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND.
-// Available KWD 93.250": a card's use without a word for it.
-bool isCardNotice(const Items& items, std::span<const Found> found) {
-  const bool rest = holds(found, Meaning::limit) || showsEvidence(items, found);
-  return holds(found, Meaning::own) &&
-         (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
+// Whether a word follows the wording that is none of another wording: a name.
+bool namesSomebody(const Items& items, std::span<const Found> found, const Found& wording) {
+  if (wording.end >= items.size() || items[wording.end].kind != Item::Kind::word) return false;
+  return std::none_of(found.begin(), found.end(), [&wording](const Found& other) {
+    return other.begin == wording.end;
+  });
+}
+
+// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
+// "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a word
+// for the movement, the other party's place tells the direction.
+const Movement* movementByPlace(const Items& items, std::span<const Found> found) {
+  if (holds(found, Meaning::own) && holds(found, Meaning::done)) {
+    return movementOf(Meaning::transaction);
+  }
+  if (!holds(found, Meaning::limit) && !showsEvidence(items, found)) return nullptr;
+  for (const Found& wording : found) {
+    const bool out = wording.meaning == Meaning::at || wording.meaning == Meaning::to;
+    const bool in = wording.meaning == Meaning::from && holds(found, Meaning::own);
+    if (!out && !in) continue;
+    if (namesSomebody(items, found, wording)) {
+      return movementOf(out ? Meaning::transaction : Meaning::transferIn);
+    }
+  }
+  return nullptr;
 }
 
 // Absent when the digits can be read in two ways.
@@ -67,10 +86,15 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
 const Movement* movementIn(const Items& items, const AllFound& found, const SumParts& sums,
                            bool begunToCome) {
   const Movement* movement = strongestMovement(found);
-  if (movement == nullptr && sums.moved && showsEvidence(items, found)) {
-    movement = movementBySign(items[*sums.moved].sum);
+  const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
+  if (weak && sums.moved && showsEvidence(items, found)) {
+    const Movement* const signedOne = movementBySign(items[*sums.moved].sum);
+    const bool agrees =
+        movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
+    if (signedOne != nullptr && !agrees) movement = signedOne;
   }
-  if (movement == nullptr && isCardNotice(items, found)) movement = movementOf(Meaning::transaction);
+  if (movement == nullptr) movement = movementByPlace(items, found);
+  if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
   // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
   return begunToCome && !sure ? nullptr : movement;
@@ -119,7 +143,10 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   reading.account = ownAccount(items, found, movement->kind);
   reading.reference = referenceIn(items, found, readable);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
-  if (sums.unclear || !own) reading.outcome = Outcome::needsReview;
+  // A noun ("payment", "transfer") without a payee could as well be about a plan.
+  const bool vague =
+      movement->strength <= Strength::noun && reading.payee.empty() && !showsEvidence(items, found);
+  if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }
 

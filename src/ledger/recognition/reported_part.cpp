@@ -58,6 +58,12 @@ bool isToCome(const Items& items, const Sentence& sentence) {
   for (const Found& wording : sentence.found) {
     if (wording.meaning == Meaning::notDone) return true;
   }
+  const bool reported = std::any_of(sentence.found.begin(), sentence.found.end(),
+                                    [](const Found& one) { return reports(one.meaning); });
+  if (holds(sentence.found, Meaning::planned) &&
+      (!reported || holds(sentence.found, Meaning::declined))) {
+    return true;
+  }
   for (const Found& wording : sentence.found) {
     if (reports(wording.meaning)) return false;
     if (wording.meaning == Meaning::notYet || wording.meaning == Meaning::offer) return true;
@@ -66,13 +72,15 @@ bool isToCome(const Items& items, const Sentence& sentence) {
   return false;
 }
 
-// "card ending 4821"
+// "card ending 4821", "am 21.11."
 bool numberFollows(const Items& items, std::size_t at) {
   constexpr std::size_t near = 4;
   const std::size_t end = std::min(items.size(), at + near);
   return std::any_of(items.begin() + static_cast<std::ptrdiff_t>(at),
-                     items.begin() + static_cast<std::ptrdiff_t>(end),
-                     [](const Item& item) { return item.kind == Item::Kind::number; });
+                     items.begin() + static_cast<std::ptrdiff_t>(end), [](const Item& item) {
+                       return item.kind == Item::Kind::number ||
+                              (item.kind == Item::Kind::sum && item.sum.currency.empty());
+                     });
 }
 
 }  // namespace
@@ -112,7 +120,8 @@ bool showsEvidence(const Items& items, std::span<const Found> found) {
       if (items[at].kind == Item::Kind::number && items[at].isPiece) return true;
     }
     for (const Found& wording : sentence.found) {
-      if (wording.meaning == Meaning::own && numberFollows(items, wording.end)) return true;
+      const bool account = wording.meaning == Meaning::own || wording.meaning == Meaning::ends;
+      if (account && numberFollows(items, wording.end)) return true;
     }
   }
   return false;

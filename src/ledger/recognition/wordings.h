@@ -42,6 +42,7 @@ enum class Meaning {
   warning,
   declined,
   notYet,
+  planned,
   notDone,
   offer,
   urged,

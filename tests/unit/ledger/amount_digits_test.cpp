@@ -40,7 +40,7 @@ TEST(ALonePointBeforeThreeDigits, IsReadByTheConventionOfTheCurrency) {
   EXPECT_EQ(minorUnitsOf("5.250", "INR"), std::nullopt);
 }
 
-TEST(ALoneCommaBeforeThreeDigits, GroupsThousandsUnlessTheCurrencyHasDecimalCommas) {
+TEST(ALoneCommaBeforeThreeDigits, IsAThousandsSeparatorUnlessDecimalsUseCommas) {
   EXPECT_EQ(minorUnitsOf("5,000", "KWD"), 5000000);
   EXPECT_EQ(minorUnitsOf("5,000", "TND"), 5000);
   EXPECT_EQ(minorUnitsOf("0,500", "KWD"), 500);
