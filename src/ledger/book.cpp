@@ -34,7 +34,7 @@ LedgerEntry entryOf(const Statement& row) {
   return entry;
 }
 
-// The pattern of LIKE for texts that hold `part`.
+// The LIKE pattern for texts that contain `part`.
 std::string patternFor(const std::string& part) {
   std::string pattern = "%";
   for (const char c : part) {
@@ -121,16 +121,20 @@ void Book::holdCorrection(const LedgerEntry& entry, const EntryChange& change) c
   run(upsert);
 }
 
-bool Book::accept(std::int64_t id) {
+std::optional<BookedSum> Book::accept(std::int64_t id, const std::string& currency) {
   Transaction transaction(database_.get());
   require(transaction.code());
-  Statement update(database_.get(),
-                   "UPDATE transactions SET state = 'booked' WHERE id = ? "
-                   "AND minor_units IS NOT NULL RETURNING id");
-  if (!next(update.bind(id))) return false;
-  run(update);
+  const auto accepted = entry(id);
+  if (!accepted || !accepted->amount) return std::nullopt;
+  BookedSum sum{*accepted->amount};
+  if (accepted->state == LedgerEntry::State::review && sum.amount.currency != currency) {
+    sum = converted(sum.amount, currency).value_or(sum);
+  }
+  Statement update(database_.get(), R"(
+    UPDATE transactions SET state = 'booked', minor_units = ?, currency = ? WHERE id = ?)");
+  run(update.bind(sum.amount.minorUnits).bind(sum.amount.currency).bind(id));
   require(transaction.commit());
-  return true;
+  return sum;
 }
 
 bool Book::remove(std::int64_t id) {

@@ -9,7 +9,7 @@
 namespace kivo::ledger {
 namespace {
 
-// The number that `text` spells in digits alone; -1 for another text.
+// The value of `text` when it consists of digits only, else -1.
 int numberOf(std::string_view text) {
   int number = 0;
   for (const char digit : text) {

@@ -1,4 +1,4 @@
-// Days and months of the Gregorian calendar as texts.
+// Checks dates and months that are written as texts.
 #pragma once
 
 #include <string>
@@ -6,10 +6,10 @@
 
 namespace kivo::ledger {
 
-/// Whether `text` is a day that exists, as yyyy-MM-dd.
+/// Returns whether `text` is an existing day of the Gregorian calendar as yyyy-MM-dd.
 bool isDay(std::string_view text);
 
-/// Whether `text` is a month, as yyyy-MM.
+/// Returns whether `text` is a month as yyyy-MM.
 bool isMonth(std::string_view text);
 
 /// The month that is `count` months before `month`, both yyyy-MM.

@@ -85,12 +85,17 @@ int edit(const GivenParameters& parameters) {
 }
 
 int accept(const GivenParameters& parameters) {
-  return withEntry(parameters, [](Book& book, const LedgerEntry& entry) {
-    if (!book.accept(entry.id)) {
+  const auto currency = bookCurrency();
+  if (!currency) return exitFailure;
+  return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+    const auto sum = book.accept(entry.id, *currency);
+    if (!sum) {
       return fail("its sum is unknown; kivo-ledger edit " + std::to_string(entry.id) +
                   " --amount gives it one");
     }
-    return print("Booked.\n");
+    const std::string rate = sum->rate.empty() ? "" : " at the rate " + sum->rate;
+    return print("Booked as " + sum->amount.currency + " " + amountText(sum->amount) + rate +
+                 ".\n");
   });
 }
 

@@ -19,7 +19,7 @@
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
-#include "platform/linux/user_notifications/notification_permission.h"
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
 

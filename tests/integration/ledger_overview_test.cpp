@@ -155,9 +155,9 @@ TEST_F(AnOverview, RefusesACallThatDoesNotFit) {
   for (const auto& [arguments, error] :
        std::vector<std::pair<std::vector<std::string>, std::string>>{
            {{"summary", "--month", "2026-13"},
-            "invalid --month \"2026-13\": it is a month such as 2026-11"},
-           {{"report", "--month", ""}, "invalid --month \"\": it is a month such as 2026-11"},
-           {{"report", "--output", ""}, "invalid --output \"\": it is the name of a file"}}) {
+            "invalid --month \"2026-13\": it must be a month such as 2026-11"},
+           {{"report", "--month", ""}, "invalid --month \"\": it must be a month such as 2026-11"},
+           {{"report", "--output", ""}, "invalid --output \"\": it must be the name of a file"}}) {
     const ProgramResult refused = run(arguments);
     EXPECT_EQ(refused.status, 64);
     EXPECT_EQ(refused.output, "");

@@ -15,6 +15,7 @@ import sys
 import textwrap
 
 from clean_root import TREE, CannotBeMade, CleanRoot, check
+from ledger_in_root import keep_a_book
 from loopback_backend import Backend
 from modem_manager_in_root import ModemManager
 from session_in_root import Session
@@ -60,6 +61,7 @@ def try_out(root, session, backend):
         with ModemManager(root.folder / "tmp/system-bus", MODEMS):
             receive_messages(root, session, backend)
         spend_the_first_minutes(session)
+        keep_a_book(session, backend)
     else:
         print("clean Debian 12: services not tried: no control groups can be mounted here")
 
@@ -117,8 +119,6 @@ def spend_the_first_minutes(session):
     page = session.alice(f"cat '{said[-1]}'")
     check(MERCHANT in page and page.startswith("<!DOCTYPE html>"), "the lines of README.md end with a report")
     check(MERCHANT in session.alice("kivo-ledger list"), "the message is in the book")
-    status = session.status_of("kivo-ledger.service")
-    check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the ledger is confined")
     check("This month     EGP" in session.alice("kivo-phone status"), "the status knows the month")
 
 

@@ -37,6 +37,11 @@ bool isArabic(std::string_view character) {
   return character.size() == 2 && character[0] >= '\xD8' && character[0] <= '\xDB';
 }
 
+// Chinese writes no blanks between words, so each of its characters is a word.
+bool isIdeograph(std::string_view character) {
+  return character.size() == 3 && character[0] >= '\xE4' && character[0] <= '\xE9';
+}
+
 // The end of the number at `begin`: digits, and separators between them. A separator before a date
 // ("5000.00,21-11-2026") is none of it.
 std::size_t endOfNumber(std::string_view text, std::size_t begin) {
@@ -59,12 +64,16 @@ std::size_t endOfNumber(std::string_view text, std::size_t begin) {
 // Letters of one script; an apostrophe between two letters belongs to the word.
 std::size_t endOfWord(std::string_view text, std::size_t begin) {
   std::size_t end = begin + characterLength(text.substr(begin));
+  if (isIdeograph(text.substr(begin, end - begin))) return end;
   const bool arabic = isArabic(text.substr(begin, end - begin));
   while (end < text.size()) {
     std::size_t at = end;
     if (text[at] == '\'') ++at;
     const std::string_view character = text.substr(at, characterLength(text.substr(at)));
-    if (character.empty() || !isLetter(character) || isArabic(character) != arabic) break;
+    if (character.empty() || !isLetter(character) || isArabic(character) != arabic ||
+        isIdeograph(character)) {
+      break;
+    }
     end = at + character.size();
   }
   return end;
@@ -119,6 +128,7 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
   if (item.text == "!" || item.text == "?") return true;
   if (item.text != "." || at == 0) return false;
   const Item& before = items[at - 1];
+  if (before.capitals && before.end - before.begin == 1) return false;  // "MARIA L. SANTOS"
   return before.kind != Item::Kind::word ||
          std::find(abbreviations.begin(), abbreviations.end(), before.text) == abbreviations.end();
 }

@@ -65,6 +65,7 @@ class Sums {
       if (part == Part::balance && !result.balance) result.balance = sums_[index];
     }
     if (moved.empty()) moved = charges;
+    dropUnsaid(moved);
     // Where some sums have a currency, a bare number is none unless it is called an amount.
     const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
     if (!std::all_of(moved.begin(), moved.end(), bare)) std::erase_if(moved, bare);
@@ -90,12 +91,40 @@ class Sums {
     return part;
   }
 
+  // "Bought EGP 20.00. You now own EGP 480.00": a sentence that says nothing of a movement adds no
+  // sum to one that did.
+  void dropUnsaid(std::vector<std::size_t>& moved) const {
+    const auto unsaid = [this](std::size_t sum) { return !saysOfMovement(sum); };
+    auto said = std::find_if_not(moved.begin(), moved.end(), unsaid);
+    const bool card = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
+      return wording.meaning == Meaning::own;
+    });
+    if (said == moved.end() && card && moved.size() > 1 &&
+        !inOneSentence(items_, moved[0], moved[1])) {
+      said = std::next(moved.begin());
+    }
+    if (said != moved.end()) moved.erase(std::remove_if(said, moved.end(), unsaid), moved.end());
+  }
+
+  [[nodiscard]] bool saysOfMovement(std::size_t sum) const {
+    std::size_t begin = sum;
+    while (begin > 0 && !items_[begin].startsSentence) --begin;
+    std::size_t end = sum + 1;
+    while (end < items_.size() && !items_[end].startsSentence) ++end;
+    return std::any_of(found_.begin(), found_.end(), [begin, end](const Found& wording) {
+      const bool inside = wording.begin >= begin && wording.begin < end;
+      return inside &&
+             (wording.meaning == Meaning::amount || movementOf(wording.meaning) != nullptr);
+    });
+  }
+
   // "EGP 5,430.10 is your available balance", unless the words introduce the next sum.
   [[nodiscard]] std::optional<Part> partSaidBehind(std::size_t index) const {
     constexpr std::size_t near = 4;
     const std::size_t sum = sums_[index];
     for (const Found& wording : found_) {
       if (wording.begin <= sum) continue;
+      if (index + 1 < sums_.size() && wording.begin > sums_[index + 1]) break;
       if (wording.begin > sum + near || !inOneSentence(items_, sum + 1, wording.begin)) break;
       const auto said = partOf(wording.meaning);
       if (!said) continue;
@@ -109,6 +138,7 @@ class Sums {
   [[nodiscard]] bool introducesNumber(const Found& wording) const {
     constexpr std::size_t near = 5;
     for (std::size_t at = wording.end; at < std::min(items_.size(), wording.end + near); ++at) {
+      if (items_[at].kind == Item::Kind::mark && items_[at].text == ".") return false;
       const bool number = items_[at].kind == Item::Kind::number && !items_[at].isPiece;
       if (number || items_[at].kind == Item::Kind::sum) return true;
     }

@@ -22,7 +22,7 @@ constexpr auto channelWords = std::to_array<std::string_view>(
      "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr",  "ftr",  "txn",
      "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",   "iban", "vpa",
      "otp",  "inr", "onl",  "frm",  "ft",   "pmt",  "web", "app",  "ussd", "nip",  "csh",
-     "cash", "chq", "mmt",  "vps",  "ips",  "tpt"});
+     "cash", "chq", "mmt",  "vps",  "ips",  "tpt",  "nach"});
 
 // Words that say how the money went, not to whom: a name is not made of them alone.
 constexpr auto commonWords = std::to_array<std::string_view>(
@@ -52,7 +52,17 @@ std::string nameBetween(std::string_view readable, const Items& items, std::size
                    items.begin() + static_cast<std::ptrdiff_t>(end), namesSomebody)) {
     return {};
   }
-  return shownPayee(readable.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
+  std::string name =
+      shownPayee(readable.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
+  constexpr auto shortened =
+      std::to_array<std::string_view>({"co", "inc", "ltd", "ent", "corp", "jr", "sr", "bros"});
+  const bool isShort =
+      std::find(shortened.begin(), shortened.end(), items[end - 1].text) != shortened.end();
+  const bool goesOn = end + 1 < items.size() && isMark(items[end], ".") &&
+                      readable[items[end + 1].begin] >= 'a' &&
+                      readable[items[end + 1].begin] <= 'z';
+  if (isShort && goesOn) name += '.';  // "Puffin Coffee Co. with"
+  return name;
 }
 
 std::string nameInNarration(std::string_view readable, const Items& items, std::size_t begin,

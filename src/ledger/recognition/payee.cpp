@@ -45,8 +45,18 @@ bool isMark(const Item& item, std::string_view marks) {
 class Names {
  public:
   Names(std::string_view readable, const Items& items, std::span<const Found> found, Kind kind)
-      : readable_(readable), items_(items), found_(found), kind_(kind), at_(items.size(), nullptr) {
-    for (const Found& wording : found) at_[wording.begin] = &wording;
+      : readable_(readable),
+        items_(items),
+        found_(found),
+        kind_(kind),
+        at_(items.size(), nullptr),
+        explained_(items.size(), false) {
+    for (const Found& wording : found) {
+      at_[wording.begin] = &wording;
+      for (std::size_t at = wording.begin; at < std::max(wording.end, wording.begin + 1); ++at) {
+        explained_[at] = true;
+      }
+    }
   }
 
   [[nodiscard]] std::string best() const {
@@ -58,7 +68,8 @@ class Names {
     for (const Found& wording : found_) {
       auto rank = rankOf(wording.meaning, wording.nameFollows || wording.namePrecedes, kind_);
       constexpr int surest = 8;  // "spent on 20-Oct-26 on Web Bazaar"
-      if (wording.meaning == Meaning::ends && items_[wording.begin].text == "on") rank = surest;
+      const std::string& word = items_[wording.begin].text;
+      if (wording.meaning == Meaning::ends && (word == "on" || word == "في")) rank = surest;
       // Where money came, "at" is a branch, unless a shop gives it back.
       if (kind_ == Kind::income && wording.meaning == Meaning::at && !givesBack) rank.reset();
       if (!rank || *rank >= bestRank) continue;
@@ -68,7 +79,8 @@ class Names {
       best = std::move(name);
       bestRank = *rank;
     }
-    return best.empty() ? nameBehindSum() : best;
+    if (best.empty()) best = nameBehindSum();
+    return best.empty() && kind_ == Kind::expense ? nameOfItsOwn() : best;
   }
 
  private:
@@ -97,6 +109,7 @@ class Names {
       const bool labelled = wording.meaning == Meaning::label || wording.meaning == Meaning::info;
       if (!labelled || begin + 1 >= items_.size()) return {};
       ++begin;
+      if (isWordOf(begin, {Meaning::from, Meaning::to, Meaning::at})) return {};  // another label
     }
     constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
@@ -109,8 +122,8 @@ class Names {
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
     if (latin && isProse(wording.meaning, begin, end)) return {};
     // "from Lotus Bank card 12", but in Arabic "from the shop by card 12".
-    const bool ownSide = wording.meaning == Meaning::ends ||
-                         (latin && kind_ != Kind::income && wording.meaning == Meaning::from);
+    const bool ownSide = latin && (wording.meaning == Meaning::ends ||
+                                   (kind_ != Kind::income && wording.meaning == Meaning::from));
     if (ownSide && isWordOf(end, {Meaning::own})) return {};
     return shown(begin, end, wording.meaning);
   }
@@ -170,11 +183,61 @@ class Names {
     return nameBetween(readable_, items_, begin, endOfName(begin, Meaning::to));
   }
 
+  // "$48.13 CAD, TIMBERLINE CO-OP, card 0031", "card *2280 FARMACIA SOL 10-11-26": behind the sum,
+  // words with capitals that no wording explains; rather capitals only. Other scripts have no
+  // capitals: there it is the words between two marks. The last words are the bank's name.
+  [[nodiscard]] std::string nameOfItsOwn() const {
+    std::string second;
+    auto at = static_cast<std::size_t>(
+        std::find_if(items_.begin(), items_.end(),
+                     [](const Item& item) { return item.kind == Item::Kind::sum; }) -
+        items_.begin());
+    while (++at < items_.size()) {
+      if (!isNameWord(at)) continue;
+      const std::size_t begin = at;
+      bool capitals = true;
+      while (at < items_.size() && (isNameWord(at) || (at > begin && joins(at)))) {
+        capitals = capitals && (items_[at].capitals || items_[at].kind != Item::Kind::word);
+        ++at;
+      }
+      if (at >= items_.size() || !mayStandAlone(begin, at)) continue;
+      std::string name = nameBetween(readable_, items_, begin, at);
+      constexpr std::size_t shortest = 4;
+      if (name.size() < shortest) continue;
+      if (capitals) return name;
+      if (second.empty()) second = std::move(name);
+    }
+    return second;
+  }
+
+  // The rest of "CO-OP", "B&B".
+  [[nodiscard]] bool joins(std::size_t at) const {
+    constexpr std::string_view marks = "&-.'";
+    return items_[at].glued && (isMark(items_[at], marks) || (items_[at].kind == Item::Kind::word &&
+                                                              isMark(items_[at - 1], marks)));
+  }
+
+  // A word with a capital, outside all wordings.
+  [[nodiscard]] bool isNameWord(std::size_t at) const {
+    const Item& item = items_[at];
+    if (item.kind != Item::Kind::word) return false;
+    if (explained_[at]) return false;
+    const auto first = static_cast<unsigned char>(readable_[item.begin]);
+    return first >= 0x80 || std::isupper(first) != 0;
+  }
+
+  [[nodiscard]] bool mayStandAlone(std::size_t begin, std::size_t end) const {
+    if (isWordOf(end, {Meaning::own})) return false;  // "Kite Bank Card 1234"
+    const bool marked = isMark(items_[begin - 1], "-|,/") && isMark(items_[end], "-|,/");
+    return marked || static_cast<unsigned char>(readable_[items_[begin].begin]) < 0x80;
+  }
+
   [[nodiscard]] bool beginsName(std::size_t at) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
       return false;
-    const bool article = item.text == "the" || item.text == "a" || item.text == "an";
+    const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
+    const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
     if (article && readable_[item.begin] != 'T') return false;
     constexpr auto pronouns =
         std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
@@ -194,6 +257,30 @@ class Names {
            at_[comma + 1] == nullptr;
   }
 
+  // The brackets in "HARBOUR DIM SUM (TST) was".
+  [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const {
+    constexpr std::size_t width = 2;
+    std::size_t open = at;
+    if (isMark(items_[at], ")") && at >= begin + width) open = at - width;
+    if (open + width >= items_.size()) return false;
+    return isMark(items_[open], "(") && items_[begin].capitals && items_[open + 1].capitals &&
+           isMark(items_[open + width], ")");
+  }
+
+  // "MARIA L. SANTOS"
+  [[nodiscard]] bool isInitial(std::size_t point) const {
+    const Item& letter = items_[point - 1];
+    return letter.capitals && letter.end - letter.begin == 1 && point + 1 < items_.size() &&
+           isNameWord(point + 1);
+  }
+
+  // "PANADERIA EL TRIGAL el 14/07"
+  [[nodiscard]] bool isArticle(std::size_t at, std::size_t begin) const {
+    constexpr std::size_t longest = 2;
+    return items_[at].capitals && items_[begin].capitals && items_[at].text.size() <= longest &&
+           at + 1 < items_.size() && items_[at + 1].capitals && at_[at + 1] == nullptr;
+  }
+
   [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Meaning introduced) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
@@ -204,6 +291,8 @@ class Names {
                           : item.text.size() > 4 && !item.glued;
     }
     if (isMark(item, ",")) return !goesOnBehindComma(at, begin);
+    if (item.text.starts_with("\xF0\x9F")) return true;  // a picture
+    if (isBracketed(at, begin)) return false;
     if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
     if (isMark(item, ":") && !item.glued) return true;
     if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
@@ -211,14 +300,18 @@ class Names {
       return true;  // a signature: "-Orchid Bank"
     }
     if (isMark(item, ".")) {
+      if (isInitial(at)) return false;
       const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
       return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
     }
-    if (item.glued && item.kind == Item::Kind::word) return false;
+    const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
+                           static_cast<unsigned char>(item.text.front()) >= 0xE4;
+    if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
     if (introduced == Meaning::info) {
       return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
              (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
     }
+    if (isArticle(at, begin)) return false;
     if (isWordOf(at,
                  {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
                   Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {
@@ -244,7 +337,8 @@ class Names {
                                      [](const Item& item) { return isMark(item, "/"); });
     const bool channel = isChannelWord(items_[begin].text);
     const bool place = introduced == Meaning::at || introduced == Meaning::label;
-    if ((slashes && (channel || !place)) || (introduced == Meaning::info && channel)) {
+    if ((slashes && (channel || !place)) ||
+        (channel && (introduced == Meaning::info || introduced == Meaning::by))) {
       return nameInNarration(readable_, items_, begin, end);
     }
     return nameBetween(readable_, items_, begin, end);
@@ -255,6 +349,7 @@ class Names {
   const std::span<const Found> found_;
   const Kind kind_;
   std::vector<const Found*> at_;  // the wording that begins at an item
+  std::vector<bool> explained_;   // whether an item belongs to a wording
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "ledger/recognition/movements.h"
 #include "ledger/recognition/payee.h"
 #include "ledger/recognition/payment_sentence.h"
+#include "ledger/recognition/reported_part.h"
 #include "ledger/recognition/spelling.h"
 #include "ledger/recognition/stated_sums.h"
 #include "ledger/recognition/wordings.h"
@@ -21,93 +22,50 @@ constexpr std::size_t longestMessage = 4096;
 
 using AllFound = std::vector<Found>;
 
-std::vector<std::size_t> sentenceStarts(const Items& items) {
-  std::vector<std::size_t> starts;
-  for (std::size_t at = 0; at < items.size(); ++at) {
-    if (items[at].startsSentence) starts.push_back(at);
-  }
-  starts.push_back(items.size());
-  return starts;
-}
-
-bool isVerb(Meaning meaning) {
-  const Movement* const movement = movementOf(meaning);
-  return meaning == Meaning::done || (movement != nullptr && movement->strength >= Strength::verb);
-}
-
 bool holds(std::span<const Found> found, Meaning meaning) {
   return std::any_of(found.begin(), found.end(),
                      [meaning](const Found& wording) { return wording.meaning == meaning; });
 }
 
-std::span<const Found> within(const AllFound& found, std::size_t begin, std::size_t end) {
-  const auto first = std::find_if(found.begin(), found.end(),
-                                  [begin](const Found& one) { return one.begin >= begin; });
-  const auto last =
-      std::find_if(first, found.end(), [end](const Found& one) { return one.begin >= end; });
-  return {first, last};
-}
-
-// A code is announced, rather than only warned about beside a payment.
-bool announcesACode(const Items& items, const AllFound& found) {
-  const auto starts = sentenceStarts(items);
-  for (std::size_t sentence = 0; sentence + 1 < starts.size(); ++sentence) {
-    const auto said = within(found, starts[sentence], starts[sentence + 1]);
-    if (!holds(said, Meaning::code)) continue;
-    if (!holds(said, Meaning::warning)) return true;
-    for (std::size_t at = starts[sentence]; at < starts[sentence + 1]; ++at) {
-      constexpr std::size_t shortestCode = 4;
-      if (items[at].kind == Item::Kind::number && !items[at].isPiece &&
-          items[at].text.size() >= shortestCode) {
-        return true;
-      }
-    }
-  }
-  return false;
-}
-
-// Whether the sentence speaks of what is to come: "will be debited", but not "was debited, and will
-// be shown".
-bool isToCome(std::span<const Found> sentence) {
-  if (holds(sentence, Meaning::notDone)) return true;
-  const auto* const toCome =
-      std::find_if(sentence.data(), sentence.data() + sentence.size(),
-                   [](const Found& one) { return one.meaning == Meaning::notYet; });
-  if (toCome == sentence.data() + sentence.size()) return false;
-  return std::none_of(sentence.data(), toCome, [](const Found& one) {
-    return isVerb(one.meaning) || one.meaning == Meaning::declined;
-  });
-}
-
-// The items of the sentences that report something. Joined, they are a message of their own.
-Items withoutWhatIsToCome(const Items& items, const AllFound& found) {
-  Items kept;
-  const auto starts = sentenceStarts(items);
-  for (std::size_t sentence = 0; sentence + 1 < starts.size(); ++sentence) {
-    if (isToCome(within(found, starts[sentence], starts[sentence + 1]))) continue;
-    kept.insert(kept.end(), items.begin() + static_cast<std::ptrdiff_t>(starts[sentence]),
-                items.begin() + static_cast<std::ptrdiff_t>(starts[sentence + 1]));
-  }
-  return kept;
-}
-
-bool isRefused(std::span<const Found> found, const Movement* movement) {
+// A login can be refused as well: only a message with a sum is about a payment.
+bool isRefused(const Items& all, std::span<const Found> found, const Movement* movement) {
   if (!holds(found, Meaning::declined)) return false;
-  return movement == nullptr || movement->strength < Strength::refund;
+  if (movement != nullptr) return movement->strength < Strength::refund;
+  return std::any_of(all.begin(), all.end(),
+                     [](const Item& item) { return item.kind == Item::Kind::sum; });
 }
 
-// "-250,000VND ... SD: 3,110,000VND": beside a balance the sign of a sum tells its direction.
+// "-250,000VND ... SD: 3,110,000VND": beside evidence the sign of a sum tells its direction.
 const Movement* movementBySign(const Sum& sum) {
   if (sum.sign == '-') return movementOf(Meaning::debit);
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
-// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND.
-// Available KWD 93.250": a card's use without a word for it.
-bool isCardNotice(std::span<const Found> found) {
-  const bool rest = holds(found, Meaning::balance) || holds(found, Meaning::limit);
-  return holds(found, Meaning::own) &&
-         (holds(found, Meaning::done) || (rest && holds(found, Meaning::at)));
+// Whether a word follows the wording that is none of another wording: a name.
+bool namesSomebody(const Items& items, std::span<const Found> found, const Found& wording) {
+  if (wording.end >= items.size() || items[wording.end].kind != Item::Kind::word) return false;
+  return std::none_of(found.begin(), found.end(), [&wording](const Found& other) {
+    return other.begin == wording.end;
+  });
+}
+
+// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
+// "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a word
+// for the movement, the other party's place tells the direction.
+const Movement* movementByPlace(const Items& items, std::span<const Found> found) {
+  if (holds(found, Meaning::own) && holds(found, Meaning::done)) {
+    return movementOf(Meaning::transaction);
+  }
+  if (!holds(found, Meaning::limit) && !showsEvidence(items, found)) return nullptr;
+  for (const Found& wording : found) {
+    const bool out = wording.meaning == Meaning::at || wording.meaning == Meaning::to;
+    const bool in = wording.meaning == Meaning::from && holds(found, Meaning::own);
+    if (!out && !in) continue;
+    if (namesSomebody(items, found, wording)) {
+      return movementOf(out ? Meaning::transaction : Meaning::transferIn);
+    }
+  }
+  return nullptr;
 }
 
 // Absent when the digits can be read in two ways.
@@ -128,13 +86,26 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
 const Movement* movementIn(const Items& items, const AllFound& found, const SumParts& sums,
                            bool begunToCome) {
   const Movement* movement = strongestMovement(found);
-  if (movement == nullptr && sums.moved && sums.balance) {
-    movement = movementBySign(items[*sums.moved].sum);
+  const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
+  if (weak && sums.moved && showsEvidence(items, found)) {
+    const Movement* const signedOne = movementBySign(items[*sums.moved].sum);
+    const bool agrees =
+        movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
+    if (signedOne != nullptr && !agrees) movement = signedOne;
   }
-  if (movement == nullptr && isCardNotice(found)) movement = movementOf(Meaning::transaction);
+  if (movement == nullptr) movement = movementByPlace(items, found);
+  if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
   // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
   return begunToCome && !sure ? nullptr : movement;
+}
+
+// A sum beside a balance, which no wording explains.
+Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
+  return {.outcome = Outcome::needsReview,
+          .amount = moneyOf(sum, bookCurrency),
+          .description = "Payment",
+          .category = "Other"};
 }
 
 }  // namespace
@@ -148,13 +119,18 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   const AllFound said = wordingsIn(all);
   if (announcesACode(all, said)) return {};
 
-  const Items items = withoutWhatIsToCome(all, said);
+  const Items items = reportedPart(all, said);
   const AllFound found = wordingsIn(items);
   const SumParts sums = partsOfSums(items, found, bookCurrency);
   const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
   const Movement* const movement = movementIn(items, found, sums, begunToCome);
-  if (isRefused(found, movement)) return {.outcome = Outcome::declined};
-  if (movement == nullptr || !sums.moved) return {};
+  if (isRefused(all, found, movement)) return {.outcome = Outcome::declined};
+  if (!sums.moved) return {};
+  if (movement == nullptr) {
+    const bool reported = items.size() == all.size() && sums.balance;
+    return reported ? unexplained(items[*sums.moved].sum, bookCurrency) : Reading();
+  }
+  if (holds(said, Meaning::offer) && !showsEvidence(items, found)) return {};
 
   const Movement& naming = namingMovement(found, *movement);
   Reading reading{.outcome = Outcome::transaction, .kind = movement->kind};
@@ -167,7 +143,10 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
   reading.account = ownAccount(items, found, movement->kind);
   reading.reference = referenceIn(items, found, readable);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
-  if (sums.unclear || !own) reading.outcome = Outcome::needsReview;
+  // A noun ("payment", "transfer") without a payee could as well be about a plan.
+  const bool vague =
+      movement->strength <= Strength::noun && reading.payee.empty() && !showsEvidence(items, found);
+  if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }
 

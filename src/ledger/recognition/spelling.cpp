@@ -19,7 +19,7 @@ constexpr auto readableForms = std::to_array<Replacement>({
     {"\u202B", ""},       {"\u202C", ""},       {"\u202D", ""},  {"\u202E", ""},  {"\u2066", ""},
     {"\u2067", ""},       {"\u2068", ""},       {"\u2069", ""},  {"\uFEFF", ""},  {"ی", "ي"},
     {"ک", "ك"},           {"；", ";"},          {"：", ":"},     {"，", ","},     {"。", "."},
-    {"．", "."},
+    {"．", "."},          {"।", "."},           {"۔", "."},
 });
 
 // Zeros of the scripts whose ten digits follow each other.

@@ -42,7 +42,10 @@ enum class Meaning {
   warning,
   declined,
   notYet,
+  planned,
   notDone,
+  offer,
+  urged,
   done,
   // The part that a sum plays.
   amount,

@@ -34,7 +34,7 @@ class AMonthSummary : public LedgerTest {
                     const std::string& date) {
     Reading reading = spent(minorUnits, "Airport", currency);
     reading.outcome = Outcome::needsReview;
-    book.accept(recorded(book, "KEY-" + std::to_string(++keys_), reading, date).id);
+    book.accept(recorded(book, "KEY-" + std::to_string(++keys_), reading, date).id, "EGP");
   }
   static std::vector<std::string> names(const MonthSummary& summary) {
     std::vector<std::string> found;

@@ -115,7 +115,7 @@ TEST_F(AReport, ShowsOtherCurrenciesApart) {
   booked(book, spent(100));
   Reading abroad = spent(2005, "Airport", "KWD");
   abroad.outcome = Outcome::needsReview;
-  book.accept(recorded(book, "ABROAD", abroad).id);
+  book.accept(recorded(book, "ABROAD", abroad).id, "EGP");
   const std::string written = page(book);
   EXPECT_THAT(written, HasSubstr(">KWD</th><td class=\"sum\"><bdi>2.005</bdi>"));
   EXPECT_THAT(written, HasSubstr("<strong><bdi>EGP\u00a01.00</bdi></strong>"));
