@@ -38,7 +38,8 @@ bool mayStandAlone(const Items& items, std::span<const Found> found, std::size_t
   }
   constexpr std::string_view marks = "-|,/";
   const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
-  return latin || (isMark(items[begin - 1], marks) && isMark(items[end], marks));
+  return latin ||
+         (end < items.size() && isMark(items[begin - 1], marks) && isMark(items[end], marks));
 }
 
 }  // namespace
@@ -64,7 +65,9 @@ std::string loneName(std::string_view readable, const Items& items, std::span<co
     for (; at < items.size() && (isNameWord(at) || (at > begin && joins(items, at))); ++at) {
       capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
     }
-    if (at >= items.size() || !mayStandAlone(items, found, begin, at)) continue;
+    const bool signs =
+        at >= items.size() && !(capitals && items[begin - 1].kind == Item::Kind::sum);
+    if (signs || !mayStandAlone(items, found, begin, at)) continue;
     std::string name = nameBetween(readable, items, begin, at);
     constexpr std::size_t shortest = 4;
     if (name.size() < shortest) continue;

@@ -12,8 +12,8 @@
 namespace kivo::ledger {
 
 /// The first name behind the first sum, capitals only rather than others; empty for none. `found`
-/// are the wordings of `items`, the items of `readable`. The last words of a message are no name:
-/// banks sign there.
+/// are the wordings of `items`, the items of `readable`. Banks sign at the end of a message: the
+/// last words are a name only when they are capitals directly behind the sum.
 std::string loneName(std::string_view readable, const Items& items, std::span<const Found> found);
 
 /// Whether `item` is a word that begins with a capital or with a letter of several bytes.

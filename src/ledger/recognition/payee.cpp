@@ -65,7 +65,6 @@ class Names {
       best = std::move(name);
       bestRank = *rank;
     }
-    if (best.empty()) best = nameBehindSum();
     return best.empty() && kind_ == Kind::expense ? loneName(readable_, items_, found_) : best;
   }
 
@@ -150,23 +149,6 @@ class Names {
     }
     if (begin == end || !beginsName(begin)) return {};
     return shown(begin, end, Meaning::label);
-  }
-
-  // "DEBIT:Rs.983.75 TAMARIND KITCHEN Bal:Rs.1234.67": nothing introduces it but its capitals.
-  [[nodiscard]] std::string nameBehindSum() const {
-    const auto sum = std::find_if(items_.begin(), items_.end(),
-                                  [](const Item& item) { return item.kind == Item::Kind::sum; });
-    if (sum == items_.end() || sum + 1 == items_.end()) return {};
-    auto begin = static_cast<std::size_t>(sum - items_.begin()) + 1;
-    const bool ownLine = items_[begin].kind == Item::Kind::lineBreak || isMark(items_[begin], "|");
-    if (ownLine && begin + 1 < items_.size()) ++begin;
-    constexpr std::size_t shortest = 3;
-    const Item& first = items_[begin];
-    if (!first.capitals || first.text.size() < shortest || (first.startsSentence && !ownLine) ||
-        at_[begin] != nullptr) {
-      return {};
-    }
-    return nameBetween(readable_, items_, begin, endOfName(begin, Meaning::to));
   }
 
   [[nodiscard]] bool beginsName(std::size_t at) const {
