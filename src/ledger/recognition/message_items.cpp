@@ -135,6 +135,11 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
 
 }  // namespace
 
+bool isMark(const Item& item, std::string_view marks) {
+  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
+         marks.find(item.text.front()) != std::string_view::npos;
+}
+
 Items itemsOf(std::string_view readable) {
   Items items;
   std::size_t at = 0;

@@ -43,6 +43,9 @@ struct Item {
 
 using Items = std::vector<Item>;
 
+/// Whether `item` is one of the ASCII `marks`.
+bool isMark(const Item& item, std::string_view marks);
+
 /// The items of `readable` (spelling.h), in order. Blanks separate and are no items.
 Items itemsOf(std::string_view readable);
 

@@ -10,11 +10,6 @@ namespace {
 
 constexpr std::size_t longestName = 60;
 
-bool isMark(const Item& item, std::string_view marks) {
-  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
-         marks.find(item.text.front()) != std::string_view::npos;
-}
-
 // Words in a bank's narration that are no names: "UPI/P2M/4249/ORCHID MART".
 constexpr auto channelWords = std::to_array<std::string_view>(
     {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m",  "p",    "a",

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "ledger/recognition/lone_name.h"
 #include "ledger/recognition/name_text.h"
 
 namespace kivo::ledger {
@@ -37,26 +38,11 @@ std::optional<int> rankOf(Meaning meaning, bool nameBeside, Kind kind) {
   }
 }
 
-bool isMark(const Item& item, std::string_view marks) {
-  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
-         marks.find(item.text.front()) != std::string_view::npos;
-}
-
 class Names {
  public:
   Names(std::string_view readable, const Items& items, std::span<const Found> found, Kind kind)
-      : readable_(readable),
-        items_(items),
-        found_(found),
-        kind_(kind),
-        at_(items.size(), nullptr),
-        explained_(items.size(), false) {
-    for (const Found& wording : found) {
-      at_[wording.begin] = &wording;
-      for (std::size_t at = wording.begin; at < std::max(wording.end, wording.begin + 1); ++at) {
-        explained_[at] = true;
-      }
-    }
+      : readable_(readable), items_(items), found_(found), kind_(kind), at_(items.size(), nullptr) {
+    for (const Found& wording : found) at_[wording.begin] = &wording;
   }
 
   [[nodiscard]] std::string best() const {
@@ -79,8 +65,7 @@ class Names {
       best = std::move(name);
       bestRank = *rank;
     }
-    if (best.empty()) best = nameBehindSum();
-    return best.empty() && kind_ == Kind::expense ? nameOfItsOwn() : best;
+    return best.empty() && kind_ == Kind::expense ? loneName(readable_, items_, found_) : best;
   }
 
  private:
@@ -166,72 +151,6 @@ class Names {
     return shown(begin, end, Meaning::label);
   }
 
-  // "DEBIT:Rs.983.75 TAMARIND KITCHEN Bal:Rs.1234.67": nothing introduces it but its capitals.
-  [[nodiscard]] std::string nameBehindSum() const {
-    const auto sum = std::find_if(items_.begin(), items_.end(),
-                                  [](const Item& item) { return item.kind == Item::Kind::sum; });
-    if (sum == items_.end() || sum + 1 == items_.end()) return {};
-    auto begin = static_cast<std::size_t>(sum - items_.begin()) + 1;
-    const bool ownLine = items_[begin].kind == Item::Kind::lineBreak || isMark(items_[begin], "|");
-    if (ownLine && begin + 1 < items_.size()) ++begin;
-    constexpr std::size_t shortest = 3;
-    const Item& first = items_[begin];
-    if (!first.capitals || first.text.size() < shortest || (first.startsSentence && !ownLine) ||
-        at_[begin] != nullptr) {
-      return {};
-    }
-    return nameBetween(readable_, items_, begin, endOfName(begin, Meaning::to));
-  }
-
-  // "$48.13 CAD, TIMBERLINE CO-OP, card 0031", "card *2280 FARMACIA SOL 10-11-26": behind the sum,
-  // words with capitals that no wording explains; rather capitals only. Other scripts have no
-  // capitals: there it is the words between two marks. The last words are the bank's name.
-  [[nodiscard]] std::string nameOfItsOwn() const {
-    std::string second;
-    auto at = static_cast<std::size_t>(
-        std::find_if(items_.begin(), items_.end(),
-                     [](const Item& item) { return item.kind == Item::Kind::sum; }) -
-        items_.begin());
-    while (++at < items_.size()) {
-      if (!isNameWord(at)) continue;
-      const std::size_t begin = at;
-      bool capitals = true;
-      while (at < items_.size() && (isNameWord(at) || (at > begin && joins(at)))) {
-        capitals = capitals && (items_[at].capitals || items_[at].kind != Item::Kind::word);
-        ++at;
-      }
-      if (at >= items_.size() || !mayStandAlone(begin, at)) continue;
-      std::string name = nameBetween(readable_, items_, begin, at);
-      constexpr std::size_t shortest = 4;
-      if (name.size() < shortest) continue;
-      if (capitals) return name;
-      if (second.empty()) second = std::move(name);
-    }
-    return second;
-  }
-
-  // The rest of "CO-OP", "B&B".
-  [[nodiscard]] bool joins(std::size_t at) const {
-    constexpr std::string_view marks = "&-.'";
-    return items_[at].glued && (isMark(items_[at], marks) || (items_[at].kind == Item::Kind::word &&
-                                                              isMark(items_[at - 1], marks)));
-  }
-
-  // A word with a capital, outside all wordings.
-  [[nodiscard]] bool isNameWord(std::size_t at) const {
-    const Item& item = items_[at];
-    if (item.kind != Item::Kind::word) return false;
-    if (explained_[at]) return false;
-    const auto first = static_cast<unsigned char>(readable_[item.begin]);
-    return first >= 0x80 || std::isupper(first) != 0;
-  }
-
-  [[nodiscard]] bool mayStandAlone(std::size_t begin, std::size_t end) const {
-    if (isWordOf(end, {Meaning::own})) return false;  // "Kite Bank Card 1234"
-    const bool marked = isMark(items_[begin - 1], "-|,/") && isMark(items_[end], "-|,/");
-    return marked || static_cast<unsigned char>(readable_[items_[begin].begin]) < 0x80;
-  }
-
   [[nodiscard]] bool beginsName(std::size_t at) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
@@ -240,7 +159,7 @@ class Names {
     const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
     if (article && readable_[item.begin] != 'T') return false;
     constexpr auto pronouns =
-        std::to_array<std::string_view>({"we", "you", "i", "dear", "hi", "it"});
+        std::to_array<std::string_view>({"we", "we've", "you", "you've", "i", "dear", "hi", "it"});
     if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
     if (isWordOf(
             at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
@@ -267,6 +186,10 @@ class Names {
            isMark(items_[open + width], ")");
   }
 
+  [[nodiscard]] bool isNameWord(std::size_t at) const {
+    return at_[at] == nullptr && beginsLikeAName(readable_, items_[at]);
+  }
+
   // "MARIA L. SANTOS"
   [[nodiscard]] bool isInitial(std::size_t point) const {
     const Item& letter = items_[point - 1];
@@ -274,11 +197,12 @@ class Names {
            isNameWord(point + 1);
   }
 
-  // "PANADERIA EL TRIGAL el 14/07"
-  [[nodiscard]] bool isArticle(std::size_t at, std::size_t begin) const {
+  // "Panaderia El Trigal el 14/07"
+  [[nodiscard]] bool isArticle(std::size_t at) const {
     constexpr std::size_t longest = 2;
-    return items_[at].capitals && items_[begin].capitals && items_[at].text.size() <= longest &&
-           at + 1 < items_.size() && items_[at + 1].capitals && at_[at + 1] == nullptr;
+    return items_[at].text.size() <= longest && at + 1 < items_.size() &&
+           std::isupper(static_cast<unsigned char>(readable_[items_[at].begin])) != 0 &&
+           isNameWord(at + 1);
   }
 
   [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Meaning introduced) const {
@@ -311,7 +235,7 @@ class Names {
       return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
              (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
     }
-    if (isArticle(at, begin)) return false;
+    if (isArticle(at)) return false;
     if (isWordOf(at,
                  {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
                   Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {
@@ -349,7 +273,6 @@ class Names {
   const std::span<const Found> found_;
   const Kind kind_;
   std::vector<const Found*> at_;  // the wording that begins at an item
-  std::vector<bool> explained_;   // whether an item belongs to a wording
 };
 
 }  // namespace

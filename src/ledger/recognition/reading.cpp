@@ -44,9 +44,8 @@ const Movement* movementBySign(const Sum& sum) {
 // Whether a word follows the wording that is none of another wording: a name.
 bool namesSomebody(const Items& items, std::span<const Found> found, const Found& wording) {
   if (wording.end >= items.size() || items[wording.end].kind != Item::Kind::word) return false;
-  return std::none_of(found.begin(), found.end(), [&wording](const Found& other) {
-    return other.begin == wording.end;
-  });
+  return std::none_of(found.begin(), found.end(),
+                      [&wording](const Found& other) { return other.begin == wording.end; });
 }
 
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",

@@ -41,11 +41,6 @@ bool reports(Meaning meaning) {
          (movement != nullptr && movement->strength >= Strength::verb);
 }
 
-bool isMark(const Item& item, std::string_view marks) {
-  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
-         marks.find(item.text.front()) != std::string_view::npos;
-}
-
 // "Pay your bill", "Dear Omar, pay your bill"; but not "Sunny Pay", "Pay: ...".
 bool urges(const Items& items, const Found& wording) {
   if (wording.end < items.size() && isMark(items[wording.end], ":")) return false;

@@ -13,11 +13,6 @@
 namespace kivo::ledger {
 namespace {
 
-bool isMark(const Item& item, std::string_view marks) {
-  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
-         marks.find(item.text.front()) != std::string_view::npos;
-}
-
 class SumReader {
  public:
   SumReader(Items items, std::string_view book) : items_(std::move(items)), book_(book) {}

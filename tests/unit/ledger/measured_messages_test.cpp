@@ -120,5 +120,11 @@ TEST_F(MeasuredMessages, OfTheThirdSetReachTheBars) { measure("messages_third_me
 
 TEST_F(MeasuredMessages, OfTheFourthSetReachTheBars) { measure("messages_fourth_measure.tsv"); }
 
+TEST_F(MeasuredMessages, OfTheFifthSetReachTheBars) { measure("messages_fifth_measure.tsv"); }
+
+TEST_F(MeasuredMessages, OfTheSixthSetReachTheBars) { measure("messages_sixth_measure.tsv"); }
+
+TEST_F(MeasuredMessages, OfTheSeventhSetReachTheBars) { measure("messages_seventh_measure.tsv"); }
+
 }  // namespace
 }  // namespace kivo::ledger
