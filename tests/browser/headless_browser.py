@@ -5,7 +5,9 @@ import tempfile
 import urllib.parse
 
 from selenium import webdriver
+from selenium.common.exceptions import TimeoutException
 from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.support.ui import WebDriverWait
 
 PHONE, DESK = 390, 1280
 
@@ -45,6 +47,13 @@ class HeadlessBrowser:
 
     def run(self, script):
         self._driver.execute_script(script)
+
+    def becomes_true(self, script):
+        """Whether `value` is true, or gets so within seconds: the browser searches after the page is loaded."""
+        try:
+            return WebDriverWait(self._driver, 20).until(lambda _: self.value(script))
+        except TimeoutException:
+            return False
 
     def awaited(self, promise):
         """The value of a promise."""

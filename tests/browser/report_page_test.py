@@ -116,7 +116,7 @@ class TheReport(unittest.TestCase):
         self.assertFalse(self.browser.value(f"{closed}.open"))
         number = self.browser.value(f"{closed}.querySelector('td.sum').textContent")
         self.browser.show(self.year, search=number)
-        self.assertTrue(self.browser.value(f"{closed}.open"))
+        self.assertTrue(self.browser.becomes_true(f"{closed}.open"))
 
     def test_is_printed_in_black_on_white_also_from_a_dark_screen(self):
         self.browser.show(self.year, scheme="dark", media="print")

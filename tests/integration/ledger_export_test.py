@@ -304,7 +304,7 @@ class Export(unittest.TestCase):
 
     def test_an_unknown_format_is_refused_with_the_known_ones(self):
         self.assertEqual(self.book.run("export", "--format", "xls", status=64),
-                         'kivo-ledger: invalid --format "xls": it is csv, hledger, beancount or ofx\n')
+                         'kivo-ledger: invalid --format "xls": it must be csv, hledger, beancount or ofx\n')
 
 
 if __name__ == "__main__":
