@@ -7,8 +7,8 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "ledger/message_text.h"
-#include "ledger/teaching.h"
+#include "ledger/templates/message_text.h"
+#include "ledger/templates/teaching.h"
 #include "platform/foundation/utf8.h"
 #include "property.h"
 

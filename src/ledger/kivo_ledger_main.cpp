@@ -5,14 +5,14 @@
 #include <utility>
 
 #include "ledger/editing_commands.h"
-#include "ledger/export_commands.h"
+#include "ledger/exports/export_commands.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/ledger_terminal.h"
 #include "ledger/listing_commands.h"
-#include "ledger/overview_commands.h"
+#include "ledger/overview/overview_commands.h"
 #include "ledger/review_notifier.h"
-#include "ledger/teach_command.h"
-#include "ledger/template_file.h"
+#include "ledger/templates/teach_command.h"
+#include "ledger/templates/template_file.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_line.h"

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "ledger/book.h"
-#include "ledger/taught_entries.h"
+#include "ledger/templates/taught_entries.h"
 #include "ledger_test.h"
 
 namespace kivo::ledger {

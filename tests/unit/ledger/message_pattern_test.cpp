@@ -1,12 +1,12 @@
-#include "ledger/message_pattern.h"
+#include "ledger/templates/message_pattern.h"
 
 #include <chrono>
 #include <string>
 
 #include <gmock/gmock.h>
 
-#include "ledger/literal_search.h"
-#include "ledger/message_text.h"
+#include "ledger/templates/literal_search.h"
+#include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
 namespace {

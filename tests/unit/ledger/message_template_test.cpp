@@ -1,4 +1,4 @@
-#include "ledger/message_template.h"
+#include "ledger/templates/message_template.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "ledger/month_summary.h"
+#include "ledger/overview/month_summary.h"
 
 #include <limits>
 
@@ -6,7 +6,7 @@
 
 #include "ledger/book_file.h"
 #include "ledger/calendar_day.h"
-#include "ledger/summary_view.h"
+#include "ledger/overview/summary_view.h"
 #include "ledger_test.h"
 #include "testkit/set_clock.h"
 

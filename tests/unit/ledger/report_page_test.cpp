@@ -1,4 +1,4 @@
-#include "ledger/report_page.h"
+#include "ledger/overview/report_page.h"
 
 #include <gmock/gmock.h>
 

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "ledger/summary_view.h"
+#include "ledger/overview/summary_view.h"
 #include "platform/linux/terminal/text_columns.h"
 #include "testkit/private_folders.h"
 

@@ -1,10 +1,10 @@
-#include "ledger/teaching.h"
+#include "ledger/templates/teaching.h"
 
 #include <string>
 
 #include <gmock/gmock.h>
 
-#include "ledger/message_text.h"
+#include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
 namespace {

@@ -1,4 +1,4 @@
-#include "ledger/template_file.h"
+#include "ledger/templates/template_file.h"
 
 #include <filesystem>
 #include <fstream>
@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "ledger/teaching.h"
+#include "ledger/templates/teaching.h"
 #include "testkit/private_folders.h"
 
 namespace kivo::ledger {

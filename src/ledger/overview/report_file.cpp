@@ -1,4 +1,4 @@
-#include "ledger/report_file.h"
+#include "ledger/overview/report_file.h"
 
 #include <chrono>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "ledger/message_text.h"
+#include "ledger/templates/message_text.h"
 
 #include "ledger/recognition/message_items.h"
 #include "ledger/recognition/spelling.h"

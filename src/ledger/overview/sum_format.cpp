@@ -1,4 +1,4 @@
-#include "ledger/sum_format.h"
+#include "ledger/overview/sum_format.h"
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ledger/report_figures.h"
+#include "ledger/overview/report_figures.h"
 
 namespace kivo::ledger {
 

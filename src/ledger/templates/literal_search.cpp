@@ -1,4 +1,4 @@
-#include "ledger/literal_search.h"
+#include "ledger/templates/literal_search.h"
 
 namespace kivo::ledger {
 

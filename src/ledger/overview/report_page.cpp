@@ -1,14 +1,14 @@
-#include "ledger/report_page.h"
+#include "ledger/overview/report_page.h"
 
 #include <algorithm>
 #include <map>
 #include <utility>
 
 #include "ledger/calendar_day.h"
-#include "ledger/html_writer.h"
-#include "ledger/report_charts.h"
-#include "ledger/report_style.h"
-#include "ledger/sum_format.h"
+#include "ledger/overview/html_writer.h"
+#include "ledger/overview/report_charts.h"
+#include "ledger/overview/report_style.h"
+#include "ledger/overview/sum_format.h"
 
 namespace kivo::ledger {
 namespace {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "ledger/calendar_day.h"
-#include "ledger/sum_format.h"
-#include "ledger/summary_view.h"
+#include "ledger/overview/sum_format.h"
+#include "ledger/overview/summary_view.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
 

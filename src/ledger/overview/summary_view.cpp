@@ -1,4 +1,4 @@
-#include "ledger/summary_view.h"
+#include "ledger/overview/summary_view.h"
 
 #include <vector>
 

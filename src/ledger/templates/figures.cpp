@@ -1,13 +1,13 @@
-#include "ledger/figures.h"
+#include "ledger/templates/figures.h"
 
 #include <algorithm>
 #include <array>
 #include <vector>
 
-#include "ledger/message_pattern.h"
 #include "ledger/recognition/message_items.h"
 #include "ledger/recognition/number_pieces.h"
 #include "ledger/recognition/spelling.h"
+#include "ledger/templates/message_pattern.h"
 
 namespace kivo::ledger {
 namespace {

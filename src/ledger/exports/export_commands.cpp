@@ -1,4 +1,4 @@
-#include "ledger/export_commands.h"
+#include "ledger/exports/export_commands.h"
 
 #include <algorithm>
 #include <array>

@@ -1,15 +1,15 @@
-#include "ledger/teaching.h"
+#include "ledger/templates/teaching.h"
 
 #include <algorithm>
 #include <cctype>
 #include <vector>
 
-#include "ledger/figures.h"
-#include "ledger/literal_search.h"
-#include "ledger/message_text.h"
 #include "ledger/recognition/amount_digits.h"
 #include "ledger/recognition/message_items.h"
 #include "ledger/recognition/stated_sums.h"
+#include "ledger/templates/figures.h"
+#include "ledger/templates/literal_search.h"
+#include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
 namespace {

@@ -1,4 +1,4 @@
-#include "ledger/teaching_questions.h"
+#include "ledger/templates/teaching_questions.h"
 
 #include <iostream>
 

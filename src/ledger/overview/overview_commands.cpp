@@ -1,4 +1,4 @@
-#include "ledger/overview_commands.h"
+#include "ledger/overview/overview_commands.h"
 
 #include <filesystem>
 #include <functional>
@@ -9,10 +9,10 @@
 #include "ledger/calendar_day.h"
 #include "ledger/command_options.h"
 #include "ledger/ledger_terminal.h"
-#include "ledger/report_figures.h"
-#include "ledger/report_file.h"
-#include "ledger/report_page.h"
-#include "ledger/summary_view.h"
+#include "ledger/overview/report_figures.h"
+#include "ledger/overview/report_file.h"
+#include "ledger/overview/report_page.h"
+#include "ledger/overview/summary_view.h"
 #include "platform/linux/store/private_file.h"
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/terminal_text.h"

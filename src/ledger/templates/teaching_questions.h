@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "ledger/teaching.h"
+#include "ledger/templates/teaching.h"
 
 namespace kivo::ledger {
 

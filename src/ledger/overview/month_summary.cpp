@@ -1,4 +1,4 @@
-#include "ledger/month_summary.h"
+#include "ledger/overview/month_summary.h"
 
 #include <algorithm>
 #include <map>

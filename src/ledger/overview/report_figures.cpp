@@ -1,4 +1,4 @@
-#include "ledger/report_figures.h"
+#include "ledger/overview/report_figures.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "ledger/month_summary.h"
+#include "ledger/overview/month_summary.h"
 #include "platform/foundation/json_encoder.h"
 
 namespace kivo::ledger::SummaryView {

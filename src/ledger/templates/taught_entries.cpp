@@ -1,8 +1,8 @@
-#include "ledger/taught_entries.h"
+#include "ledger/templates/taught_entries.h"
 
 #include <utility>
 
-#include "ledger/message_text.h"
+#include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
 

@@ -1,4 +1,4 @@
-#include "ledger/html_writer.h"
+#include "ledger/overview/html_writer.h"
 
 #include <cmath>
 

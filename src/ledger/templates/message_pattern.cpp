@@ -1,11 +1,11 @@
-#include "ledger/message_pattern.h"
+#include "ledger/templates/message_pattern.h"
 
 #include <algorithm>
 #include <span>
 #include <utility>
 
-#include "ledger/literal_search.h"
-#include "ledger/message_text.h"
+#include "ledger/templates/literal_search.h"
+#include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "ledger/book.h"
-#include "ledger/message_template.h"
+#include "ledger/templates/message_template.h"
 
 namespace kivo::ledger::TemplateFile {
 

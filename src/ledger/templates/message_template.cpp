@@ -1,10 +1,10 @@
-#include "ledger/message_template.h"
+#include "ledger/templates/message_template.h"
 
 #include "ledger/ledger_entry.h"
-#include "ledger/message_text.h"
 #include "ledger/recognition/amount_digits.h"
 #include "ledger/recognition/merchant_categories.h"
 #include "ledger/recognition/name_text.h"
+#include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
 namespace {

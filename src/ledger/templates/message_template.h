@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "ledger/message_pattern.h"
 #include "ledger/recognition/reading.h"
+#include "ledger/templates/message_pattern.h"
 
 namespace kivo::ledger {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ledger/book.h"
-#include "ledger/month_summary.h"
+#include "ledger/overview/month_summary.h"
 
 namespace kivo::ledger {
 

@@ -1,4 +1,4 @@
-#include "ledger/teach_command.h"
+#include "ledger/templates/teach_command.h"
 
 #include <algorithm>
 #include <fstream>
@@ -16,11 +16,11 @@
 #include "ledger/command_options.h"
 #include "ledger/entry_listing.h"
 #include "ledger/ledger_terminal.h"
-#include "ledger/message_text.h"
-#include "ledger/taught_entries.h"
-#include "ledger/teaching.h"
-#include "ledger/teaching_questions.h"
-#include "ledger/template_file.h"
+#include "ledger/templates/message_text.h"
+#include "ledger/templates/taught_entries.h"
+#include "ledger/templates/teaching.h"
+#include "ledger/templates/teaching_questions.h"
+#include "ledger/templates/template_file.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/terminal/screen.h"

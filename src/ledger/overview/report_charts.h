@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "ledger/html_writer.h"
-#include "ledger/report_figures.h"
+#include "ledger/overview/html_writer.h"
+#include "ledger/overview/report_figures.h"
 
 namespace kivo::ledger::ReportCharts {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "ledger/message_template.h"
+#include "ledger/templates/message_template.h"
 
 namespace kivo::ledger {
 

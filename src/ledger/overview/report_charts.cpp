@@ -1,4 +1,4 @@
-#include "ledger/report_charts.h"
+#include "ledger/overview/report_charts.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <string>
 
 #include "ledger/calendar_day.h"
-#include "ledger/sum_format.h"
+#include "ledger/overview/sum_format.h"
 #include "platform/foundation/number_text.h"
 
 namespace kivo::ledger {

@@ -1,4 +1,4 @@
-#include "ledger/template_file.h"
+#include "ledger/templates/template_file.h"
 
 #include <array>
 #include <sstream>
