@@ -36,7 +36,7 @@ struct Ledger {
 
 std::string nextLine(std::string_view& rest) {
   const std::size_t end = std::min(rest.find('\n'), rest.size());
-  const std::string line(rest.substr(0, end));
+  std::string line(rest.substr(0, end));
   rest.remove_prefix(std::min(end + 1, rest.size()));
   return line;
 }

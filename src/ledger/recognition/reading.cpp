@@ -41,11 +41,11 @@ const Movement* movementBySign(const Sum& sum) {
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
-// Whether a word follows the wording that is none of another wording: a name.
-bool namesSomebody(const Items& items, std::span<const Found> found, const Found& wording) {
-  if (wording.end >= items.size() || items[wording.end].kind != Item::Kind::word) return false;
-  return std::none_of(found.begin(), found.end(),
-                      [&wording](const Found& other) { return other.begin == wording.end; });
+// Whether the item behind the wording `found[index]` is a word of no other wording: a name.
+bool namesSomebody(const Items& items, std::span<const Found> found, std::size_t index) {
+  const std::size_t behind = found[index].end;
+  if (behind >= items.size() || items[behind].kind != Item::Kind::word) return false;
+  return index + 1 == found.size() || found[index + 1].begin != behind;
 }
 
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
@@ -56,11 +56,13 @@ const Movement* movementByPlace(const Items& items, std::span<const Found> found
     return movementOf(Meaning::transaction);
   }
   if (!holds(found, Meaning::limit) && !showsEvidence(items, found)) return nullptr;
-  for (const Found& wording : found) {
-    const bool out = wording.meaning == Meaning::at || wording.meaning == Meaning::to;
-    const bool in = wording.meaning == Meaning::from && holds(found, Meaning::own);
+  const bool own = holds(found, Meaning::own);
+  for (std::size_t index = 0; index < found.size(); ++index) {
+    const Meaning meaning = found[index].meaning;
+    const bool out = meaning == Meaning::at || meaning == Meaning::to;
+    const bool in = meaning == Meaning::from && own;
     if (!out && !in) continue;
-    if (namesSomebody(items, found, wording)) {
+    if (namesSomebody(items, found, index)) {
       return movementOf(out ? Meaning::transaction : Meaning::transferIn);
     }
   }
