@@ -109,6 +109,22 @@ Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
           .category = "Other"};
 }
 
+// A transaction of `movement`, as if all of it were clear. `sums` have one that moved.
+Reading details(std::string_view readable, const Items& items, std::span<const Found> found,
+                const SumParts& sums, const Movement& movement, std::string_view bookCurrency) {
+  const Movement& naming = namingMovement(found, movement);
+  Reading reading{.outcome = Outcome::transaction, .kind = movement.kind};
+  reading.amount = moneyOf(items[*sums.moved].sum, bookCurrency);
+  if (sums.balance) reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
+  const bool other = movement.kind != Kind::transfer;
+  if (other) reading.payee = payeeIn(readable, items, found, movement.kind);
+  reading.description = reading.payee.empty() ? naming.description : reading.payee;
+  reading.category = categoryOf(naming, reading.payee);
+  reading.account = ownAccount(items, found, movement.kind);
+  reading.reference = referenceIn(items, found, readable);
+  return reading;
+}
+
 }  // namespace
 
 Reading read(std::string_view text, std::string_view bookCurrency) {
@@ -131,22 +147,16 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
     const bool reported = items.size() == all.size() && sums.balance;
     return reported ? unexplained(items[*sums.moved].sum, bookCurrency) : Reading();
   }
-  if (holds(said, Meaning::offer) && !showsEvidence(items, found)) return {};
 
-  const Movement& naming = namingMovement(found, *movement);
-  Reading reading{.outcome = Outcome::transaction, .kind = movement->kind};
-  reading.amount = moneyOf(items[*sums.moved].sum, bookCurrency);
-  if (sums.balance) reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
-  const bool other = movement->kind != Kind::transfer;
-  if (other) reading.payee = payeeIn(readable, items, found, movement->kind);
-  reading.description = reading.payee.empty() ? naming.description : reading.payee;
-  reading.category = categoryOf(naming, reading.payee);
-  reading.account = ownAccount(items, found, movement->kind);
-  reading.reference = referenceIn(items, found, readable);
+  Reading reading = details(readable, items, found, sums, *movement, bookCurrency);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
+  const bool evidence = showsEvidence(items, found);
+  const bool weak = movement->strength <= Strength::noun;
+  // "You paid EGP 50.00 at Tulip Store. Enjoy 10% off next time!" reports a payment nevertheless.
+  const bool apart = !weak && !reading.payee.empty() && !holds(found, Meaning::offer);
+  if (holds(said, Meaning::offer) && !evidence && !apart) return {};
   // A noun ("payment", "transfer") without a payee could as well be about a plan.
-  const bool vague =
-      movement->strength <= Strength::noun && reading.payee.empty() && !showsEvidence(items, found);
+  const bool vague = weak && !evidence && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }
