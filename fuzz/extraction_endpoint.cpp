@@ -36,7 +36,7 @@ struct Ledger {
 
 std::string nextLine(std::string_view& rest) {
   const std::size_t end = std::min(rest.find('\n'), rest.size());
-  const std::string line(rest.substr(0, end));
+  std::string line(rest.substr(0, end));
   rest.remove_prefix(std::min(end + 1, rest.size()));
   return line;
 }
@@ -79,7 +79,6 @@ void requireTheSameAnswerAgain(Ledger& ledger, UnixHttpServer::Request request,
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   static Ledger ledger;
-  ledger.rows.run("DELETE FROM answers; DELETE FROM transactions");
   ledger.notices = 0;
   std::string_view rest(reinterpret_cast<const char*>(data), size);
   UnixHttpServer::Request request;
@@ -100,5 +99,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   fuzz::require(response.saved == booked, "what is said to be saved is booked");
   fuzz::require((response.reason == "needs_review") == reviewed, "a review is an entry");
   requireTheSameAnswerAgain(ledger, request, answer.body);
+  ledger.rows.run("DELETE FROM answers; DELETE FROM transactions");
   return 0;
 }

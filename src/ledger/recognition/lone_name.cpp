@@ -31,9 +31,10 @@ bool joins(const Items& items, std::size_t at) {
 // "3.500 د.ك - كافيه - بطاقة".
 bool mayStandAlone(const Items& items, std::span<const Found> found, std::size_t begin,
                    std::size_t end) {
-  if (std::any_of(found.begin(), found.end(), [end](const Found& wording) {
-        return wording.begin == end && wording.meaning == Meaning::own;
-      })) {
+  const auto behind =
+      std::lower_bound(found.begin(), found.end(), end,
+                       [](const Found& wording, std::size_t at) { return wording.begin < at; });
+  if (behind != found.end() && behind->begin == end && behind->meaning == Meaning::own) {
     return false;
   }
   constexpr std::string_view marks = "-|,/";

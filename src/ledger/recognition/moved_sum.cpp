@@ -94,28 +94,35 @@ class Sums {
   // "Bought EGP 20.00. You now own EGP 480.00": a sentence that says nothing of a movement adds no
   // sum to one that did.
   void dropUnsaid(std::vector<std::size_t>& moved) const {
-    const auto unsaid = [this](std::size_t sum) { return !saysOfMovement(sum); };
-    auto said = std::find_if_not(moved.begin(), moved.end(), unsaid);
+    if (moved.size() < 2) return;
+    const std::vector<bool> speaks = itemsOfSpeakingSentences();
+    auto said =
+        std::find_if(moved.begin(), moved.end(), [&](std::size_t sum) { return speaks[sum]; });
     const bool card = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
       return wording.meaning == Meaning::own;
     });
-    if (said == moved.end() && card && moved.size() > 1 &&
-        !inOneSentence(items_, moved[0], moved[1])) {
+    if (said == moved.end() && card && !inOneSentence(items_, moved[0], moved[1])) {
       said = std::next(moved.begin());
     }
-    if (said != moved.end()) moved.erase(std::remove_if(said, moved.end(), unsaid), moved.end());
+    moved.erase(std::remove_if(said, moved.end(), [&](std::size_t sum) { return !speaks[sum]; }),
+                moved.end());
   }
 
-  [[nodiscard]] bool saysOfMovement(std::size_t sum) const {
-    std::size_t begin = sum;
-    while (begin > 0 && !items_[begin].startsSentence) --begin;
-    std::size_t end = sum + 1;
-    while (end < items_.size() && !items_[end].startsSentence) ++end;
-    return std::any_of(found_.begin(), found_.end(), [begin, end](const Found& wording) {
-      const bool inside = wording.begin >= begin && wording.begin < end;
-      return inside &&
-             (wording.meaning == Meaning::amount || movementOf(wording.meaning) != nullptr);
-    });
+  // For each item, whether its sentence has a wording of a movement or an amount.
+  [[nodiscard]] std::vector<bool> itemsOfSpeakingSentences() const {
+    std::vector<bool> speaks(items_.size(), false);
+    auto wording = found_.begin();
+    for (std::size_t begin = 0, end = 1; begin < items_.size(); begin = end++) {
+      while (end < items_.size() && !items_[end].startsSentence) ++end;
+      bool speaking = false;
+      for (; wording != found_.end() && wording->begin < end; ++wording) {
+        speaking = speaking || wording->meaning == Meaning::amount ||
+                   movementOf(wording->meaning) != nullptr;
+      }
+      std::fill(speaks.begin() + static_cast<std::ptrdiff_t>(begin),
+                speaks.begin() + static_cast<std::ptrdiff_t>(end), speaking);
+    }
+    return speaks;
   }
 
   // "EGP 5,430.10 is your available balance", unless the words introduce the next sum.

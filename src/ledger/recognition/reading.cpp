@@ -41,11 +41,11 @@ const Movement* movementBySign(const Sum& sum) {
   return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
 }
 
-// Whether a word follows the wording that is none of another wording: a name.
-bool namesSomebody(const Items& items, std::span<const Found> found, const Found& wording) {
-  if (wording.end >= items.size() || items[wording.end].kind != Item::Kind::word) return false;
-  return std::none_of(found.begin(), found.end(),
-                      [&wording](const Found& other) { return other.begin == wording.end; });
+// Whether the item behind the wording `found[index]` is a word of no other wording: a name.
+bool namesSomebody(const Items& items, std::span<const Found> found, std::size_t index) {
+  const std::size_t behind = found[index].end;
+  if (behind >= items.size() || items[behind].kind != Item::Kind::word) return false;
+  return index + 1 == found.size() || found[index + 1].begin != behind;
 }
 
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
@@ -56,11 +56,13 @@ const Movement* movementByPlace(const Items& items, std::span<const Found> found
     return movementOf(Meaning::transaction);
   }
   if (!holds(found, Meaning::limit) && !showsEvidence(items, found)) return nullptr;
-  for (const Found& wording : found) {
-    const bool out = wording.meaning == Meaning::at || wording.meaning == Meaning::to;
-    const bool in = wording.meaning == Meaning::from && holds(found, Meaning::own);
+  const bool own = holds(found, Meaning::own);
+  for (std::size_t index = 0; index < found.size(); ++index) {
+    const Meaning meaning = found[index].meaning;
+    const bool out = meaning == Meaning::at || meaning == Meaning::to;
+    const bool in = meaning == Meaning::from && own;
     if (!out && !in) continue;
-    if (namesSomebody(items, found, wording)) {
+    if (namesSomebody(items, found, index)) {
       return movementOf(out ? Meaning::transaction : Meaning::transferIn);
     }
   }
@@ -107,6 +109,22 @@ Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
           .category = "Other"};
 }
 
+// A transaction of `movement`, as if all of it were clear. `sums` have one that moved.
+Reading details(std::string_view readable, const Items& items, std::span<const Found> found,
+                const SumParts& sums, const Movement& movement, std::string_view bookCurrency) {
+  const Movement& naming = namingMovement(found, movement);
+  Reading reading{.outcome = Outcome::transaction, .kind = movement.kind};
+  reading.amount = moneyOf(items[*sums.moved].sum, bookCurrency);
+  if (sums.balance) reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
+  const bool other = movement.kind != Kind::transfer;
+  if (other) reading.payee = payeeIn(readable, items, found, movement.kind);
+  reading.description = reading.payee.empty() ? naming.description : reading.payee;
+  reading.category = categoryOf(naming, reading.payee);
+  reading.account = ownAccount(items, found, movement.kind);
+  reading.reference = referenceIn(items, found, readable);
+  return reading;
+}
+
 }  // namespace
 
 Reading read(std::string_view text, std::string_view bookCurrency) {
@@ -129,22 +147,16 @@ Reading read(std::string_view text, std::string_view bookCurrency) {
     const bool reported = items.size() == all.size() && sums.balance;
     return reported ? unexplained(items[*sums.moved].sum, bookCurrency) : Reading();
   }
-  if (holds(said, Meaning::offer) && !showsEvidence(items, found)) return {};
 
-  const Movement& naming = namingMovement(found, *movement);
-  Reading reading{.outcome = Outcome::transaction, .kind = movement->kind};
-  reading.amount = moneyOf(items[*sums.moved].sum, bookCurrency);
-  if (sums.balance) reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
-  const bool other = movement->kind != Kind::transfer;
-  if (other) reading.payee = payeeIn(readable, items, found, movement->kind);
-  reading.description = reading.payee.empty() ? naming.description : reading.payee;
-  reading.category = categoryOf(naming, reading.payee);
-  reading.account = ownAccount(items, found, movement->kind);
-  reading.reference = referenceIn(items, found, readable);
+  Reading reading = details(readable, items, found, sums, *movement, bookCurrency);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
+  const bool evidence = showsEvidence(items, found);
+  const bool weak = movement->strength <= Strength::noun;
+  // "You paid EGP 50.00 at Tulip Store. Enjoy 10% off next time!" reports a payment nevertheless.
+  const bool apart = !weak && !reading.payee.empty() && !holds(found, Meaning::offer);
+  if (holds(said, Meaning::offer) && !evidence && !apart) return {};
   // A noun ("payment", "transfer") without a payee could as well be about a plan.
-  const bool vague =
-      movement->strength <= Strength::noun && reading.payee.empty() && !showsEvidence(items, found);
+  const bool vague = weak && !evidence && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }

@@ -57,23 +57,25 @@ Pattern patternOf(const Wording& wording) {
   return pattern;
 }
 
-// Patterns by the first character of their first word, which every match shares.
+// Patterns by their first word. One whose first word is open at its end is under the first
+// character of that word and "~", one that begins with a sum under "#".
 using Patterns = std::map<std::string, std::vector<Pattern>, std::less<>>;
 
-std::string_view keyOf(const Item& item) {
-  if (item.kind == Item::Kind::sum) return sumKey;
-  return std::string_view(item.text).substr(0, characterLength(item.text));
+std::string openKey(std::string_view word) {
+  return std::string(word.substr(0, characterLength(word))) + "~";
+}
+
+std::string keyOf(const Element& first) {
+  if (first.kind == Element::Kind::sum) return std::string(sumKey);
+  return first.kind == Element::Kind::front ? openKey(first.text) : first.text;
 }
 
 Patterns compiled() {
   Patterns patterns;
   for (const Wording& wording : wordings) {
     Pattern pattern = patternOf(wording);
-    const Element& first = pattern.elements.front();
-    const std::string key = first.kind == Element::Kind::sum
-                                ? std::string(sumKey)
-                                : first.text.substr(0, characterLength(first.text));
-    patterns[key].push_back(std::move(pattern));
+    std::string key = keyOf(pattern.elements.front());
+    patterns[std::move(key)].push_back(std::move(pattern));
   }
   return patterns;
 }
@@ -148,16 +150,23 @@ void findLonger(const std::vector<Pattern>& patterns, const Items& items, std::s
 std::optional<Found> longestAt(const Items& items, std::size_t at) {
   std::optional<Found> longest;
   std::size_t mostElements = 0;
-  const std::string_view key = keyOf(items[at]);
-  if (const auto same = allPatterns().find(key); same != allPatterns().end()) {
-    findLonger(same->second, items, at, longest, mostElements);
+  const auto findUnder = [&](std::string_view key) {
+    const auto same = allPatterns().find(key);
+    if (same != allPatterns().end()) findLonger(same->second, items, at, longest, mostElements);
+  };
+  const Item& item = items[at];
+  if (item.kind == Item::Kind::sum) {
+    findUnder(sumKey);
+    return longest;
   }
-  const std::string_view bare = withoutPrefix(items[at].text);
-  const std::string_view bareKey = bare.substr(0, characterLength(bare));
-  if (bareKey == key || items[at].kind != Item::Kind::word) return longest;
-  if (const auto other = allPatterns().find(bareKey); other != allPatterns().end()) {
-    findLonger(other->second, items, at, longest, mostElements);
-  }
+  if (item.text.empty()) return longest;
+  findUnder(item.text);
+  if (item.kind != Item::Kind::word) return longest;
+  findUnder(openKey(item.text));
+  const std::string_view bare = withoutPrefix(item.text);
+  if (bare.size() == item.text.size()) return longest;
+  findUnder(bare);
+  findUnder(openKey(bare));
   return longest;
 }
 
