@@ -170,7 +170,7 @@ std::vector<linux_platform::Command> editingCommands() {
         {"--description", "The merchant or payee", optional},
         {"--category", "The category", optional}},
        edit},
-      {"accept", "Book a transaction that was to be looked at", {id}, accept},
+      {"accept", "Book a transaction that is in review", {id}, accept},
       {"delete",
        "Delete a transaction, after asking",
        {id, {"--yes", "Delete it without asking", ParameterKind::flag}},

@@ -93,7 +93,7 @@ std::string EntryListing::details(const LedgerEntry& entry) {
     if (!value.empty()) lines += paddedTo(nameWidth, name) + escapedControls(value) + "\n";
   };
   add("ID", std::to_string(entry.id));
-  add("State", entry.state == LedgerEntry::State::booked ? "booked" : "to be looked at");
+  add("State", entry.state == LedgerEntry::State::booked ? "booked" : "in review");
   add("Date", entry.date);
   add("Kind", kindText(entry.kind));
   add("Amount", sumText(entry));

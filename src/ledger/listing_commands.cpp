@@ -59,7 +59,7 @@ std::vector<linux_platform::Command> listingCommands() {
   listOptions.push_back(json);
   return {
       {"list", "Show the transactions that are booked, newest first", std::move(listOptions), list},
-      {"review", "Show what is to be looked at before it is booked", {json}, review},
+      {"review", "Show the transactions that wait for a decision", {json}, review},
       {"show",
        "Show all of one transaction, with its message",
        {{"ID", "The transaction's number, as list shows it"}, json},

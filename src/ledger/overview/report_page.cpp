@@ -74,8 +74,8 @@ class Page {
   void review() {
     if (summary_.review == 0) return;
     html_.markup("<p class=\"notice\">").text(counted(summary_.review));
-    html_.text(summary_.review == 1 ? " waits" : " wait");
-    html_.markup(" in review and not in these sums. <code>kivo-ledger review</code> ")
+    html_.text(summary_.review == 1 ? " waits in review and is" : " wait in review and are");
+    html_.markup(" not in these sums. <code>kivo-ledger review</code> ")
         .text(summary_.review == 1 ? "shows it." : "shows them.")
         .markup("</p>\n");
   }

@@ -235,7 +235,7 @@ linux_platform::Command teachCommand() {
   constexpr auto optional = ParameterKind::optional;
   return {
       "teach",
-      "Have messages like one read as you say, by a template",
+      "Learn from one message how to read others like it, as a template",
       {{"ID", "The transaction with the message, or - for standard input", optional},
        {"--amount", "The sum, as it is in the message", optional},
        {"--payee", "The other party, as it is in the message", optional},

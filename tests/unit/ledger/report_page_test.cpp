@@ -161,7 +161,7 @@ TEST_F(AReport, CountsWhatWaitsInReview) {
   Reading unclear = spent(100);
   unclear.outcome = Outcome::needsReview;
   booked(book, unclear);
-  EXPECT_THAT(page(book), HasSubstr("1 transaction waits in review and not in these sums."));
+  EXPECT_THAT(page(book), HasSubstr("1 transaction waits in review and is not in these sums."));
 }
 
 }  // namespace
