@@ -52,7 +52,7 @@ TEST(ADateInAMessage, IsNoSumAndEndsOne) {
 
 TEST(BlanksBetweenDigits, GroupWhereThatIsTheHabit) {
   EXPECT_EQ(of("R1 234.50 paid", "ZAR"), "expense 1234.50");
-  EXPECT_EQ(of("Achat de 1 234,56 EUR", "EUR"), "expense 1234.56");
+  EXPECT_EQ(of("Achat de 1 234,56 EUR le 21/11/26", "EUR"), "expense 1234.56");
 }
 
 TEST(BlanksBetweenDigits, AreForReviewElsewhere) {
