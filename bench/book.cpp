@@ -1,4 +1,4 @@
-// The cost of the ledger's book when it holds 100,000 transactions.
+// Measures the ledger's book with up to 100,000 transactions.
 #include "ledger/book.h"
 
 #include <string>
@@ -17,7 +17,7 @@ namespace {
 using benchmark::State;
 using ledger::Book;
 
-// A book of `count` transactions, 55 a day up to 2026-11-21, of 200 payees.
+// Creates a book of `count` transactions, 55 a day up to 2026-11-21, of 200 payees.
 void fill(const testkit::PrivateFolders& folders, std::int64_t count) {
   Book::open();
   const std::string last = std::to_string(count - 1);
@@ -66,7 +66,7 @@ void ledgerAnswer(State& state) {
 }
 BENCHMARK(ledgerAnswer)->Arg(1)->Arg(100'000)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-// As `kivo-ledger list --month` does, but for its process.
+// The work of `kivo-ledger list --month`, without starting a process.
 void ledgerListMonth(State& state) {
   const testkit::PrivateFolders folders;
   fill(folders, state.range(0));

@@ -19,14 +19,16 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Beside the programs in the build tree; an installation has them where all services are.
+// The D-Bus service files: of the build tree when the program runs from there, else the installed
+// ones.
 std::filesystem::path serviceFolder() {
   const std::filesystem::path tree = linux_platform::programFolder().parent_path();
   const std::filesystem::path built = tree / "dbus-services";
   return std::filesystem::is_directory(built) ? built : tree / "share" / "dbus-1" / "services";
 }
 
-// Whether a server takes connections on the socket at `path`, which must be short enough for one.
+// Whether a server accepts connections on the socket at `path`. A path that is too long for
+// sun_path is cut.
 bool isAnswering(const std::filesystem::path& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -44,7 +46,7 @@ std::string withoutLastBreak(std::string text) {
 }  // namespace
 
 DemoPhone::Folder::Folder() {
-  // Sockets lie in it, and a socket's path is short.
+  // The folder holds sockets, whose paths are limited to 107 bytes.
   constexpr std::size_t longestParent = 60;
   std::error_code none;
   std::filesystem::path parent = std::filesystem::temp_directory_path(none);
@@ -68,7 +70,7 @@ DemoPhone::DemoPhone(const std::string& currency)
 
 DemoPhone::~DemoPhone() { stopLedger(); }
 
-// The person's language and time zone stay: they decide how amounts and days read.
+// The user's language and time zone are inherited: amounts and days are formatted with them.
 DemoPhone::Environment DemoPhone::environment() const {
   const std::filesystem::path& home = folder_.path();
   return {{"HOME", home.string()},
@@ -127,18 +129,18 @@ IntentAnswer DemoPhone::perform(std::vector<std::string> arguments, const std::s
 std::vector<ShownNotification> DemoPhone::nextNotifications(
     std::size_t count, const std::function<bool()>& keepsWaiting) {
   const auto deadline = std::chrono::steady_clock::now() + 5s;
-  const std::size_t expected = toldNotifications_ + count;
+  const std::size_t expected = returnedNotifications_ + count;
   std::vector<ShownNotification> shown = display_.shown();
   while (shown.size() < expected && std::chrono::steady_clock::now() < deadline && keepsWaiting()) {
     shown = display_.waitForShown(expected, 100ms);
   }
-  shown.erase(shown.begin(), shown.begin() + static_cast<std::ptrdiff_t>(toldNotifications_));
-  toldNotifications_ += shown.size();
+  shown.erase(shown.begin(), shown.begin() + static_cast<std::ptrdiff_t>(returnedNotifications_));
+  returnedNotifications_ += shown.size();
   return shown;
 }
 
 void DemoPhone::startLedger() {
-  // The place that `kivo-phone sign-in --local` names.
+  // The default path, to which `kivo-phone sign-in --local` connects.
   const std::filesystem::path socket = folder_.path() / "run" / "kivo" / "ledger.sock";
   ledger_ = std::make_unique<linux_platform::ChildProcess>(call("kivo-ledger", {"serve"}));
   for (auto waited = 0ms; !isAnswering(socket); waited += 5ms) {

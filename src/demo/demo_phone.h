@@ -1,6 +1,5 @@
-// A phone for a demonstration: the real programs with kivo-ledger as the backend, in private
-// folders and on a private session bus. Touches nothing of the person's own, and leaves nothing
-// behind.
+// Runs the real programs for the demonstration, with kivo-ledger as the backend, in temporary
+// folders and on a private session bus. Does not touch the user's own files or bus.
 #pragma once
 
 #include <cstddef>
@@ -19,20 +18,21 @@
 
 namespace kivo {
 
-/// What the extension answered.
+/// The result of one intent.
 struct IntentAnswer {
-  /// Its one line about an error, empty without one.
+  /// The line that the extension logs about an error; empty without an error.
   std::string log;
   std::string dialog;
 };
 
-/// All operations block. They throw std::runtime_error with one line, which holds no path, when a
-/// program that belongs to the phone is missing or fails.
+/// A signed-in phone. All operations block. They throw std::runtime_error with one line when a
+/// program of the phone is missing or fails. Not thread-safe.
 class DemoPhone {
  public:
-  /// Starts it, signed in at its own ledger with the currency `currency` and notifications allowed.
+  /// Starts the bus and the ledger, signs in to that ledger with the currency `currency`, and
+  /// allows notifications.
   explicit DemoPhone(const std::string& currency);
-  /// Stops all of it and removes its folders.
+  /// Stops the programs and the bus, and removes the folders.
   ~DemoPhone();
   DemoPhone(const DemoPhone&) = delete;
   DemoPhone& operator=(const DemoPhone&) = delete;
@@ -42,31 +42,34 @@ class DemoPhone {
   /// Runs "Add Expense" with `amount`, in decimal digits, and `merchant`.
   IntentAnswer addExpense(const std::string& amount, const std::string& merchant);
 
-  /// Waits until `count` more notifications have appeared than were told before, 5 s at most, and
-  /// tells those that have. Calls `keepsWaiting` several times a second and gives up when it is
-  /// false.
+  /// Waits for `count` notifications after those that earlier calls returned, with a timeout of
+  /// 5 s, and returns all that have appeared since then. Calls `keepsWaiting` every 100 ms and
+  /// stops waiting when it returns false.
   std::vector<ShownNotification> nextNotifications(std::size_t count,
                                                    const std::function<bool()>& keepsWaiting);
 
-  /// As `kivo-phone` shows them.
+  /// Returns the output of `kivo-phone queue`, without its last line break.
   std::string queue();
+  /// Returns the output of `kivo-phone widget`, without its last line break.
   std::string widget();
-  /// The text that the shared store holds under `key`; empty when it holds none.
+  /// Returns the value under `key` in the shared store, as `kivo-phone store get` prints it.
   std::string stored(StoreKey key);
 
-  /// Starts the ledger and waits until it takes connections; it must not run.
+  /// Starts the ledger, which must be stopped, and waits until it accepts connections, with a
+  /// timeout of 10 s.
   void startLedger();
-  /// Stops the ledger, if it runs, with SIGTERM.
+  /// Stops the ledger with SIGTERM, and with SIGKILL after 5 s. Has no effect when it is stopped.
   void stopLedger();
-  /// As `kivo-ledger` shows it; `command` is "list" or "review".
+  /// Returns the output of `kivo-ledger` for `command`, which is "list" or "review", without its
+  /// last line break.
   std::string ledger(const std::string& command);
-  /// The descriptions of the transactions that `command` shows, newest first.
+  /// Returns the descriptions of the transactions that `command` lists, newest first.
   std::vector<std::string> descriptions(const std::string& command);
 
  private:
   using Environment = std::map<std::string, std::optional<std::string>>;
 
-  // A folder that goes with its owner, and so after all that works in it.
+  // A temporary folder. Declared first, so that it is removed after the programs have stopped.
   class Folder {
    public:
     Folder();
@@ -90,8 +93,8 @@ class DemoPhone {
   Folder folder_;
   PrivateSessionBus bus_;
   NotificationDisplay display_;
-  std::unique_ptr<linux_platform::ChildProcess> ledger_;  // absent while it is stopped
-  std::size_t toldNotifications_ = 0;
+  std::unique_ptr<linux_platform::ChildProcess> ledger_;  // null while stopped
+  std::size_t returnedNotifications_ = 0;
 };
 
 }  // namespace kivo

@@ -6,9 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
+#include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
 
@@ -19,23 +17,21 @@ using linux_platform::columnsOf;
 namespace {
 
 constexpr std::size_t labelWidth = 15;
-constexpr std::size_t usualWidth = 80;
 constexpr std::size_t widest = 100;
 
 bool wantsColour() {
   const char* const noColour = std::getenv("NO_COLOR");
   const char* const terminal = std::getenv("TERM");
-  return isatty(STDOUT_FILENO) == 1 && (noColour == nullptr || *noColour == '\0') &&
+  return linux_platform::onTerminal() && (noColour == nullptr || *noColour == '\0') &&
          (terminal == nullptr || std::string_view(terminal) != "dumb");
 }
 
-std::size_t widthOfScreen() {
-  winsize size{};
-  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return usualWidth;
-  return std::clamp<std::size_t>(size.ws_col, 2 * labelWidth, widest);
+std::size_t lineWidth() {
+  if (!linux_platform::onTerminal()) return 80;
+  return std::clamp(linux_platform::screenWidth(), 2 * labelWidth, widest);
 }
 
-// `line` in lines of `width` columns at most; longer words stay whole.
+// Wraps `line` to `width` columns. A longer word is not broken.
 std::vector<std::string> wrapped(const std::string& line, std::size_t width) {
   if (columnsOf(line) <= width) return {line};
   std::vector<std::string> lines{""};
@@ -52,7 +48,7 @@ std::vector<std::string> wrapped(const std::string& line, std::size_t width) {
   return lines;
 }
 
-// The lines of `text`, safe to show; without line breaks at its end.
+// The lines of `text`, wrapped and with control characters escaped, without empty lines at the end.
 std::vector<std::string> shownLines(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   text.remove_suffix(text.size() - std::min(text.size(), text.find_last_not_of("\r\n") + 1));
@@ -67,7 +63,7 @@ std::vector<std::string> shownLines(std::string_view text, std::size_t width) {
 
 }  // namespace
 
-DemoScreen::DemoScreen() : coloured_(wantsColour()), width_(widthOfScreen()) {}
+DemoScreen::DemoScreen() : coloured_(wantsColour()), width_(lineWidth()) {}
 
 void DemoScreen::heading(std::string_view text) {
   write("\n" + toned(linux_platform::escapedSentence(text), Tone::strong) + "\n");

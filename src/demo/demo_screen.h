@@ -1,4 +1,4 @@
-// How the demonstration is laid out on standard output. Says nothing of its own.
+// Formats the demonstration's texts and writes them to standard output.
 #pragma once
 
 #include <cstddef>
@@ -8,28 +8,30 @@
 
 namespace kivo {
 
-/// Nobody reads standard output any more.
+/// Thrown when standard output cannot be written, such as a closed pipe.
 class ScreenIsGone : public std::runtime_error {
  public:
   ScreenIsGone() : std::runtime_error("standard output is closed") {}
 };
 
-/// Writes headings and labelled pieces of text, each at once. Texts are UTF-8 and may come from
-/// anywhere: their control characters are shown as escapes. In colour on a terminal when NO_COLOR
-/// is unset or empty, and plain otherwise. Every operation throws ScreenIsGone.
+/// Writes headings and labelled texts, and flushes each. Texts are UTF-8 from any source: control
+/// characters are escaped. Uses colours on a terminal unless NO_COLOR is set to a text that is not
+/// empty or TERM is "dumb". Each writing operation throws ScreenIsGone when the output fails.
 class DemoScreen {
  public:
   enum class Tone { plain, strong, quiet, good, bad };
 
+  /// Reads the terminal's width and whether to use colours.
   DemoScreen();
 
-  /// A line on its own, below an empty one.
+  /// Writes an empty line and then `text` as one line.
   void heading(std::string_view text);
-  /// A line on its own.
+  /// Writes `text` as one line.
   void line(std::string_view text, Tone tone = Tone::plain);
-  /// Lines whose columns stay below each other: they are not wrapped.
+  /// Writes the lines of `text` indented, and does not wrap them.
   void table(std::string_view text);
-  /// `text` beside its label, line by line and wrapped between words to the screen's width.
+  /// Writes `label` and, in a column beside it, the lines of `text`, wrapped between words to the
+  /// terminal's width.
   void piece(std::string_view label, std::string_view text, Tone tone = Tone::plain);
 
  private:

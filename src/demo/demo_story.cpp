@@ -29,16 +29,16 @@ struct AddedExpense {
 
 using Event = std::variant<BankSms, AddedExpense>;
 
-// What happens together, and what is expected to come of it.
+// Events that happen together, and their expected results.
 struct Step {
   std::string_view heading;
   std::vector<Event> events;
   std::string_view dialogBeginning;
   /// Titles of the notifications, in any order.
   std::vector<std::string_view> notifications = {};
-  /// The texts that wait afterwards; none where it is not looked at.
+  /// The number of queued texts afterwards; absent when it is not checked.
   std::optional<std::string_view> queuedTexts = {};
-  /// What a reader would wonder about; empty when nothing.
+  /// An explanation for the reader; empty for none.
   std::string_view note = {};
 };
 
@@ -63,7 +63,7 @@ const std::vector<Step>& stepsOnline() {
        {BankSms{"Nilo Bank: 884213 is your OTP for the purchase of EGP 1,250.00 at Palm "
                 "Electronics. Never share it."}},
        "SMS ignored - not a transaction"},
-      {"A payment of which no bank tells",
+      {"A payment without a bank message",
        {AddedExpense{"42.5", "Lotus Bakery"}},
        "Tracked ",
        {"💸 Expense Tracked"}},
@@ -132,11 +132,11 @@ class Demonstration {
     if (!step.note.empty()) screen_.piece("", step.note, Tone::quiet);
     if (step.queuedTexts) {
       expect(phone_.stored(StoreKeys::pendingSmsQueueCount) == *step.queuedTexts,
-             std::string(*step.queuedTexts) + " texts wait");
+             std::string(*step.queuedTexts) + " texts are queued");
     }
   }
 
-  // Shows the message and what is said to it at once.
+  // Shows the message, and returns the dialog.
   std::string processed(std::string_view message) {
     screen_.piece("Bank SMS", platform::repairedUtf8(message));
     return answered(phone_.processSms(std::string(message)));
@@ -160,7 +160,7 @@ class Demonstration {
     return answer.dialog;
   }
 
-  // Notifications appear a second later.
+  // Notifications appear one second after the run.
   std::vector<ShownNotification> notified(std::size_t count) {
     auto shown = phone_.nextNotifications(count, goesOn_);
     for (const ShownNotification& notification : shown) {
@@ -180,14 +180,14 @@ class Demonstration {
     }
   }
 
-  // Shows what came of a message.
+  // Shows the results of a message after its dialog.
   void showOutcome() {
     notified(phone_.descriptions("list").size() + phone_.descriptions("review").size());
     showState();
     showLedger();
   }
 
-  // Shows the ledger's list, and what it has for review; neither when it is empty.
+  // Shows the ledger's list and its review list, each unless it is empty.
   void showLedger() {
     for (const std::string command : {"list", "review"}) {
       if (phone_.descriptions(command).empty()) continue;
@@ -196,29 +196,29 @@ class Demonstration {
     }
   }
 
-  // Shows the list and expects each transaction in it once, those that were sent again too.
+  // Shows the list and checks that each transaction is in it once, also those sent from the queue.
   void showEnd() {
     if (!goesOn()) return;
-    notified(0);  // whatever came late
+    notified(0);  // late ones
     showLedger();
     const auto listed = phone_.descriptions("list");
     const auto& expected = listedAtTheEnd();
     expect(std::is_permutation(listed.begin(), listed.end(), expected.begin(), expected.end()),
            "the ledger lists 6 transactions, each once");
-    if (end() != DemoEnd::asTold) return;
-    screen_.line("The two texts that were sent again are there once.", Tone::quiet);
-    screen_.heading("All went as told: 6 transactions booked, each once, and nothing lost.");
+    if (end() != DemoEnd::asExpected) return;
+    screen_.line("The two texts that were sent again are listed once.", Tone::quiet);
+    screen_.heading("All went as expected: 6 transactions booked, each once, and none lost.");
   }
 
   void expect(bool kept, const std::string& expectation) {
     if (kept || !goesOn()) return;
-    screen_.piece("NOT AS TOLD", expectation, Tone::bad);
-    asTold_ = false;
+    screen_.piece("UNEXPECTED", "expected: " + expectation, Tone::bad);
+    asExpected_ = false;
   }
 
   [[nodiscard]] DemoEnd end() const {
     if (!goesOn()) return DemoEnd::interrupted;
-    return asTold_ ? DemoEnd::asTold : DemoEnd::otherwise;
+    return asExpected_ ? DemoEnd::asExpected : DemoEnd::notAsExpected;
   }
 
  private:
@@ -226,15 +226,14 @@ class Demonstration {
   const std::function<bool()>& goesOn_;
   DemoPhone phone_;
   std::string shownWidget_;
-  bool asTold_ = true;
+  bool asExpected_ = true;
 };
 
 }  // namespace
 
 DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn) {
-  screen.line("Kivo's intents extension, on a phone and a ledger made for this story",
-              Tone::strong);
-  screen.line("Real programs, private folders and a private session bus; nothing of yours is used.",
+  screen.line("Kivo's intents extension, with a phone and a ledger of its own", Tone::strong);
+  screen.line("Real programs in temporary folders; your own messages and records are not used.",
               Tone::quiet);
   Demonstration story(screen, goesOn, usualCurrency);
 
@@ -250,7 +249,7 @@ DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn)
 
 DemoEnd DemoStory::show(DemoScreen& screen, const std::string& message,
                         const std::function<bool()>& goesOn) {
-  // The private phone is of the message's own currency, so that the ledger has no need of a rate.
+  // The phone takes the message's currency, so that the ledger needs no exchange rate.
   const std::string text = platform::repairedUtf8(message);
   const auto amount = ledger::read(text, usualCurrency).amount;
   const std::string currency = amount ? amount->currency : std::string(usualCurrency);

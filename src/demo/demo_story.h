@@ -1,5 +1,4 @@
-// What the demonstration shows: the extension's main job, told step by step, and checked as it
-// goes. Starts no program itself: that is DemoPhone.
+// The steps of the demonstration and their checks. DemoPhone runs the programs.
 #pragma once
 
 #include <functional>
@@ -9,21 +8,21 @@
 
 namespace kivo {
 
-/// How a demonstration ended.
-enum class DemoEnd { asTold, otherwise, interrupted };
+/// The result of a demonstration.
+enum class DemoEnd { asExpected, notAsExpected, interrupted };
 
 namespace DemoStory {
 
-/// Tells the story on `screen`: somebody signed in, an expense, an income, a declined payment, a
-/// code, a payment added by hand, a message and a payment kept while the ledger is stopped, and the
-/// ledger's list. Takes some seconds. Asks `goesOn` several times a second and ends early when it
-/// is false. Says on the screen what did not go as told. Throws what DemoPhone and DemoScreen
-/// throw.
+/// Runs all steps and shows them on `screen`: the sign-in, an expense, an income, a declined
+/// payment, a one-time code, a payment added by hand, a message and a payment while the ledger is
+/// stopped, and the ledger's list. Takes some seconds. Calls `goesOn` before each step and while it
+/// waits, and ends early when it returns false. Shows each check that fails. Throws the exceptions
+/// of DemoPhone and DemoScreen.
 DemoEnd tell(DemoScreen& screen, const std::function<bool()>& goesOn);
 
-/// Processes `message` (any bytes) and shows the same, and the ledger's review when the message is
-/// there; the phone's currency is that of the message.
-/// Otherwise as `tell`.
+/// Processes `message` (any bytes) and shows the dialog, the notifications, the queue, the widget,
+/// and the ledger's list or review when the message was recorded there. The phone's currency is
+/// that of the message. Otherwise as `tell`.
 DemoEnd show(DemoScreen& screen, const std::string& message, const std::function<bool()>& goesOn);
 
 }  // namespace DemoStory

@@ -1,4 +1,4 @@
-// kivo-demo: the extension's main job with the ledger, as a story or on a text given.
+// The program kivo-demo: shows how bank messages are processed, in a story or for a given text.
 #include <csignal>
 #include <iostream>
 #include <iterator>
@@ -12,16 +12,16 @@
 
 namespace {
 
-constexpr int exitOtherwise = 1;
+constexpr int exitFailure = 1;
 constexpr int exitUsage = 64;
 constexpr int exitInterrupted = 128 + SIGINT;
 
 constexpr std::string_view help = R"(Usage: kivo-demo [TEXT | -]
 
-Shows what Kivo's intents extension makes of bank messages: the real programs run
-with a ledger of their own, in private folders and on a private session bus.
+Shows how Kivo's intents extension processes bank messages. The real programs run
+in temporary folders and on a private session bus, with a ledger of their own.
 
-  kivo-demo          tells a story of several messages, online and offline
+  kivo-demo          processes several example messages, online and offline
   kivo-demo -        processes a text from standard input
   kivo-demo "TEXT"   processes a text (which other users of the machine can see)
 
@@ -29,24 +29,24 @@ with a ledger of their own, in private folders and on a private session bus.
   --version          shows the version
 
 LANG decides how amounts are written; NO_COLOR turns colours off.
-Exit status: 0 when all went as told, 1 otherwise, 64 for bad usage.
+Exit status: 0 when all went as expected, 1 otherwise, 64 for bad usage.
 )";
 
 bool goesOn() { return !kivo::linux_platform::StopSignals::came(); }
 
 int run(const std::optional<std::string>& message) {
-  // A demonstration that is interrupted still stops its bus and removes its folders.
+  // On an interrupt the demonstration still stops its programs and removes its folders.
   const kivo::linux_platform::StopSignals signals;
   try {
     kivo::DemoScreen screen;
     const kivo::DemoEnd end = message ? kivo::DemoStory::show(screen, *message, goesOn)
                                       : kivo::DemoStory::tell(screen, goesOn);
     if (end == kivo::DemoEnd::interrupted) return exitInterrupted;
-    return end == kivo::DemoEnd::asTold ? 0 : exitOtherwise;
+    return end == kivo::DemoEnd::asExpected ? 0 : exitFailure;
   } catch (const std::exception& error) {
     if (!goesOn()) return exitInterrupted;
     std::cerr << "kivo-demo: " << error.what() << "\n";
-    return exitOtherwise;
+    return exitFailure;
   }
 }
 

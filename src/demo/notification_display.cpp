@@ -53,7 +53,6 @@ std::map<std::string, std::string> textsOf(BusReader hints) {
   return result;
 }
 
-// Of the arguments in their order.
 ShownNotification readNotification(BusReader arguments) {
   ShownNotification notification;
   notification.appName = *arguments.text();

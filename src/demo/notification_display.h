@@ -1,5 +1,5 @@
-// A notification server that shows nothing but keeps what it is asked to show, for tests and
-// demonstrations without a desktop. Does not expire anything.
+// A notification server for tests and demonstrations without a desktop: it records notifications
+// instead of showing them. They do not expire.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@ class BusThread;
 
 namespace kivo {
 
-/// One notification as it came over the bus.
+/// One notification as received over D-Bus.
 struct ShownNotification {
   std::uint32_t id = 0;
   std::string appName;
@@ -23,34 +23,36 @@ struct ShownNotification {
   std::string icon;
   std::string summary;
   std::string body;
-  /// Key and words, one after the other.
+  /// Alternating keys and labels.
   std::vector<std::string> actions;
-  /// Those hints that are texts; another one stands with an empty text.
+  /// Hints by name. The value is empty for a hint that is not a string.
   std::map<std::string, std::string> hints;
   std::int32_t expiresAfter = 0;
   std::chrono::steady_clock::time_point shownAt;
 };
 
-/// Usable from any thread.
+/// Thread-safe.
 class NotificationDisplay {
  public:
-  /// Takes the desktop's name for notifications on the bus at `address`, and says that it has
-  /// `capabilities`. Throws std::runtime_error with one line when that cannot be done.
+  /// Takes the bus name of the desktop's notification server on the bus at `address`, and reports
+  /// `capabilities`. Throws std::runtime_error with one line when the bus does not answer or
+  /// another program owns the name.
   explicit NotificationDisplay(const std::string& address,
                                std::vector<std::string> capabilities = {"body", "actions"});
-  /// Gives up the name.
+  /// Releases the name.
   ~NotificationDisplay();
   NotificationDisplay(const NotificationDisplay&) = delete;
   NotificationDisplay& operator=(const NotificationDisplay&) = delete;
 
-  /// What it was asked to show so far, in order.
+  /// Returns the notifications received so far, in order.
   [[nodiscard]] std::vector<ShownNotification> shown() const;
 
-  /// Blocks until it was asked to show `count` in all, for at most `limit`; what it was asked to
-  /// show so far.
+  /// Blocks until `count` notifications in all were received, for at most `limit`. Returns the ones
+  /// received so far.
   std::vector<ShownNotification> waitForShown(std::size_t count, std::chrono::milliseconds limit);
 
-  /// Does what a click on that notification does: tells its sender, and closes it.
+  /// Sends the signals of a click on the notification `id`: ActionInvoked with the default action,
+  /// then NotificationClosed. Returns at once.
   void invokeDefaultAction(std::uint32_t id);
 
  private:

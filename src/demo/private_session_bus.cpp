@@ -18,7 +18,7 @@ using linux_platform::ProgramCall;
 
 namespace {
 
-// As roomy as a person's own session bus: no limit is ever met, so none is tested by accident.
+// The limits of an ordinary session bus, high enough that no test reaches one by accident.
 constexpr std::string_view policyAndLimits = R"(
   <auth>EXTERNAL</auth>
   <policy context="default">

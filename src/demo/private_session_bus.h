@@ -1,8 +1,10 @@
-// A session bus for a test or a demonstration, apart from the person's own. Starts no service
-// itself: its bus does, on demand.
+// A private session bus for a test or a demonstration, apart from the user's own.
 #pragma once
 
 #include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,23 +12,25 @@
 
 namespace kivo {
 
+/// A running dbus-daemon.
 class PrivateSessionBus {
  public:
-  /// Starts a bus whose socket and configuration lie in `folder`, which must exist; the services
-  /// that it can start are described by the files of `serviceFolders`. It runs, and starts
-  /// services, with `environment` on top of ours and its own address as
-  /// DBUS_SESSION_BUS_ADDRESS. Blocks until the bus takes connections; throws std::runtime_error
-  /// when it does not within 10 s.
+  /// Starts a bus with its socket and its configuration in `folder`, which must exist. It activates
+  /// the services whose files are in `serviceFolders`. The bus and its services inherit this
+  /// process's environment, changed by `environment`, with the address of the bus as
+  /// DBUS_SESSION_BUS_ADDRESS. Blocks until the bus accepts connections. Throws std::runtime_error
+  /// when the configuration cannot be written, or the bus does not start within 10 s.
   explicit PrivateSessionBus(const std::filesystem::path& folder,
                              const std::vector<std::filesystem::path>& serviceFolders = {},
                              std::map<std::string, std::optional<std::string>> environment = {});
 
-  /// Stops the bus, which ends the connections of all that are on it.
+  /// Stops the bus, which disconnects its clients.
   ~PrivateSessionBus();
 
-  /// For DBUS_SESSION_BUS_ADDRESS.
+  /// Returns the address for DBUS_SESSION_BUS_ADDRESS.
   [[nodiscard]] const std::string& address() const { return address_; }
 
+  /// Returns the process of the bus.
   [[nodiscard]] linux_platform::ChildProcess& daemon() { return *daemon_; }
 
  private:

@@ -7,7 +7,6 @@
 #include "feedback/amount_formatter.h"
 #include "feedback/expense_notifier.h"
 #include "feedback/widget_stats.h"
-#include "intents/stats_excluded_categories.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/iso8601_date_formatter.h"
 #include "platform/foundation/standard_output.h"
@@ -24,6 +23,12 @@ using platform::Task;
 namespace {
 
 constexpr int drainedPerRun = 3;
+
+// Whether the widget's totals exclude a category: money that moves without being spent. Compared by
+// exact name.
+bool isExcludedFromTotals(std::string_view category) {
+  return category == "__system_transfer__" || category == "Credit Card Settlement";
+}
 
 }  // namespace
 
@@ -80,7 +85,7 @@ Task<IntentResult> IntentRun::saveOffline(PendingSmsItem item) {
 }
 
 void IntentRun::countInTotals(const SMSExtractionResponse::SavedExpense& expense) {
-  if (StatsExcludedCategories::contains(expense.category)) return;
+  if (isExcludedFromTotals(expense.category)) return;
   WidgetStats::recordExpense(store_, expense.amount);
 }
 

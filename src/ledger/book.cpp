@@ -34,7 +34,7 @@ LedgerEntry entryOf(const Statement& row) {
   return entry;
 }
 
-// The pattern of LIKE for texts that hold `part`.
+// The LIKE pattern for texts that contain `part`.
 std::string patternFor(const std::string& part) {
   std::string pattern = "%";
   for (const char c : part) {
@@ -65,7 +65,7 @@ std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
     sql += R"( AND description || char(10) || category || char(10) || account || char(10) ||
              reference LIKE ? ESCAPE '\')";
   }
-  sql += " ORDER BY date DESC, id DESC";
+  sql += " ORDER BY date DESC, id DESC LIMIT ?";
   Statement query(database_.get(), sql.c_str());
   query.bind(stateText(filter.state));
   for (const std::string& bound :
@@ -73,6 +73,7 @@ std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
     if (!bound.empty()) query.bind(bound);
   }
   if (!filter.search.empty()) query.bind(pattern);
+  query.bind(filter.most);
   std::vector<LedgerEntry> found;
   while (next(query)) found.push_back(entryOf(query));
   return found;

@@ -1,7 +1,7 @@
-// The book: transactions read from messages, on the disk. Reads no message itself and knows no
-// HTTP.
+// The book: stores the transactions of messages in a database. Knows no HTTP.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,32 +11,47 @@
 
 #include "ledger/ledger_entry.h"
 #include "platform/linux/store/sqlite_database.h"
+#include "platform/linux/store/sqlite_statement.h"
 
 namespace kivo::ledger {
 
-/// A message as the extension sends it.
+/// A message of an extraction request.
 struct Message {
   std::string text;
   std::string userId;
   /// yyyy-MM-dd.
   std::string expenseDate;
-  /// The same for each attempt to send this message.
+  /// The same in each attempt to send this message.
   std::string idempotencyKey;
 };
 
-/// Which entries to list. An empty text asks for nothing.
+/// Selects entries. An empty text selects all.
 struct EntryFilter {
   LedgerEntry::State state = LedgerEntry::State::booked;
-  /// Days, yyyy-MM-dd, inclusive.
+  /// The first and the last day, yyyy-MM-dd.
   std::string from = {};
   std::string to = {};
-  /// The whole name, ASCII letters in either case.
+  /// The whole name. ASCII letters match in either case.
   std::string category = {};
-  /// A part of description, category, account or reference, ASCII letters in either case.
+  /// A part of description, category, account or reference. ASCII letters match in either case.
   std::string search = {};
+  /// The newest so many; a negative number for all.
+  std::int64_t most = -1;
 };
 
-/// A person's changes to an entry. Absent members stay as they are.
+/// How sums are grouped. Names that differ only in the case of ASCII letters are one group.
+enum class Grouping { month, day, category, description };
+
+/// The sum of the booked transactions of one group, one kind and one currency.
+struct GroupSum {
+  /// The month (yyyy-MM), the day (yyyy-MM-dd) or the name.
+  std::string group;
+  Kind kind = Kind::expense;
+  Money sum;
+  std::int64_t transactions = 0;
+};
+
+/// The user's changes to an entry. Absent members do not change.
 struct EntryChange {
   std::optional<std::string> date = {};
   std::optional<Kind> kind = {};
@@ -47,9 +62,9 @@ struct EntryChange {
 
 /// The result of recording a message.
 struct Recorded {
-  /// A response record in JSON.
+  /// The response record as JSON.
   std::string answer;
-  /// The entry that was added for it; absent when its key was known, and when no money moved.
+  /// The new entry; absent when the key was known, and when the message is no transaction.
   std::optional<LedgerEntry> entry;
 };
 
@@ -60,48 +75,67 @@ struct BookedSum {
   std::string rate = {};
 };
 
-/// How a message is read: `read`, but for tests.
+/// Reads a message, as `read` does.
 using MessageReader = std::function<Reading(std::string_view text, std::string_view bookCurrency)>;
 
-/// An open book. For one thread; other processes may have it open as well. A change is durable when
-/// its call returns. Every call throws BookFailure when the file cannot be read or written, and
-/// then has changed nothing.
+/// An open book. Not thread-safe; other processes may have the same book open. A change is durable
+/// when the call returns. Every call throws BookFailure when the file cannot be read or written,
+/// and has then changed nothing.
 class Book {
  public:
-  /// Opens the book; creates the file when it is missing. On failure, prints one line on standard
-  /// error and returns nullopt.
+  /// Opens the book, and creates the file when it is missing. On failure, prints one line on
+  /// standard error, unless it is the same as last time, and returns nullopt. Tests pass another
+  /// `reader`.
   static std::optional<Book> open(MessageReader reader = read);
 
-  /// Answers `message`. A key of that user that was answered before gets the same bytes, whatever
-  /// the text. For a new one the message is read, and key, answer and transaction are durable
-  /// before this returns. The book is kept in `currency`; a sum in another one is for review,
-  /// unless a rate is set.
+  /// Returns the answer to `message`. A key that this user has sent before gets the same bytes as
+  /// then, whatever the text. For a new key, reads the message and stores the key, the answer and
+  /// the transaction. `currency` is the currency of the book: a transaction in another one is
+  /// converted when a rate is set, and is in review otherwise.
   Recorded record(const Message& message, const std::string& currency);
 
-  /// The entries that fit `filter`, newest first.
+  /// Returns the entries that match `filter`, newest first.
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
   /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
+  /// Returns the sums of the booked entries from the day `from` to the day `to`, inclusive, in no
+  /// particular order. Throws BookFailure also when a sum exceeds 64 bits.
+  [[nodiscard]] std::vector<GroupSum> sums(Grouping grouping, const std::string& from,
+                                           const std::string& to) const;
+  /// Returns the number of entries in review.
+  [[nodiscard]] std::int64_t reviewCount() const;
+  /// Begins a read transaction: until the result is destroyed, all reads see the book at one
+  /// moment, and nothing can be changed.
+  [[nodiscard]] linux_platform::Transaction snapshot() const;
 
-  /// Changes the entry `id`; false when no entry has this id. A new description or category also
-  /// applies to later messages of the same payee.
+  /// Changes the entry `id`; returns false when no entry has this id. A new description or category
+  /// that is not empty also applies to later messages of the same payee.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id`; absent when no entry has this id, or it has no sum. A sum of an entry in
-  /// review that is not in `currency` is converted when a rate is set, else booked as it is.
+  /// Books the entry `id`; returns nullopt when no entry has this id, or it has no amount. The
+  /// amount of an entry in review that is not in `currency` is converted when a rate is set, and
+  /// stays as it is otherwise.
   std::optional<BookedSum> accept(std::int64_t id, const std::string& currency);
-  /// Removes the entry `id` and its text; false when no entry has this id. Its key keeps its
-  /// answer. Entries that were marked as its look-alikes are marked as look-alikes of the first of
-  /// them.
+  /// Returns the entry `id` as its message is read now for a book kept in `currency`, with rates
+  /// and corrections, marked where it looks like an earlier one. Changes nothing. nullopt when no
+  /// entry has this id, its text was forgotten, or it is read as no transaction.
+  [[nodiscard]] std::optional<LedgerEntry> reread(std::int64_t id,
+                                                  const std::string& currency) const;
+  /// Books an entry in review as `entry`, which `reread` returned, in one step; false when that has
+  /// no sum, or it is no longer in review.
+  bool acceptAs(const LedgerEntry& entry);
+  /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
+  /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
+  /// of the first of them.
   bool remove(std::int64_t id);
-  /// Removes the texts of all messages from the file; returns how many there were.
+  /// Erases the texts of all messages from the file. Returns their number.
   std::int64_t forgetTexts();
 
-  /// Sets the worth of one unit of `currency` in the book's currency, a plain decimal above zero:
-  /// for messages recorded and entries accepted from then on.
+  /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
+  /// entries accepted later. `rate` is a plain decimal above zero.
   void setRate(const std::string& currency, const std::string& rate);
-  /// False when there was no rate.
+  /// Removes the rate of `currency`; returns false when it has no rate.
   bool removeRate(const std::string& currency);
-  /// Currencies and their rates.
+  /// Returns the currencies and their rates, in the order of the codes.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
 
  private:

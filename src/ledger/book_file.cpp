@@ -6,14 +6,13 @@
 namespace kivo::ledger {
 namespace {
 
-// The name "KvLg" in ASCII.
+// "KvLg" in ASCII.
 constexpr std::int64_t applicationId = 0x4B764C67;
 
-// The statements by which each version of the tables is made. A version that was released is never
-// changed.
+// The statements that create each version of the tables. A released version never changes.
 //
-// `answers` outlives the transactions: a key is answered alike for ever. A partial index serves a
-// query only when its condition is in the query.
+// `answers` keeps its rows when transactions are deleted: a key always gets the same answer. SQLite
+// uses a partial index only for a query that contains its condition.
 constexpr std::array versions = {R"(
 CREATE TABLE answers (
   user TEXT NOT NULL, key TEXT NOT NULL, answer TEXT NOT NULL, PRIMARY KEY (user, key)

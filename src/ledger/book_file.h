@@ -1,4 +1,4 @@
-// The file of the book: its tables, and failures of the disk below it.
+// The database file of the book: its tables, and its errors as exceptions.
 #pragma once
 
 #include <stdexcept>
@@ -8,23 +8,25 @@
 
 namespace kivo::ledger {
 
-/// The book could not be read or written, and nothing was changed. Holds SQLite's words for why,
-/// and nothing of the book.
+/// The book could not be read or written. `what` is SQLite's error text or a reason of the book's
+/// own, and contains no stored data.
 class BookFailure : public std::runtime_error {
  public:
-  /// For SQLite's result `code`.
+  /// `code` is a result code of SQLite.
   explicit BookFailure(int code);
+  /// `why` is shown to the user.
+  explicit BookFailure(const char* why) : std::runtime_error(why) {}
 };
 
-/// Throws BookFailure unless SQLite's result `code` is that of success.
+/// Throws BookFailure unless SQLite's result `code` is SQLITE_OK.
 void require(int code);
-/// Runs a statement without rows. Throws BookFailure.
+/// Runs a statement that returns no rows. Throws BookFailure.
 void run(linux_platform::Statement& statement);
-/// Goes to the next row; false at the end. Throws BookFailure.
+/// Goes to the next row; returns false at the end. Throws BookFailure.
 bool next(linux_platform::Statement& statement);
 
-/// Opens `app.kivo.ledger/ledger.sqlite3` in `dataHome`, as `openDatabase` does: null, after one
-/// line on standard error, when that fails.
+/// Opens `app.kivo.ledger/ledger.sqlite3` in `dataHome`. Returns null, after one line on standard
+/// error, when `openDatabase` fails.
 linux_platform::Database openBookFile();
 
 }  // namespace kivo::ledger

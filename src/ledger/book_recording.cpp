@@ -1,4 +1,4 @@
-// How a message gets into the book.
+// Book::record and its steps.
 #include <cmath>
 #include <limits>
 
@@ -17,15 +17,7 @@ LedgerEntry entryFrom(const Reading& reading, const Message& message) {
   LedgerEntry entry;
   entry.key = message.idempotencyKey;
   entry.date = message.expenseDate;
-  entry.kind = reading.kind;
-  entry.amount = reading.amount;
-  entry.description = reading.description;
-  entry.category = reading.category;
-  entry.payee = reading.payee;
-  entry.account = reading.account;
-  entry.reference = reading.reference;
-  entry.state = reading.outcome == Outcome::transaction ? LedgerEntry::State::booked
-                                                        : LedgerEntry::State::review;
+  apply(reading, entry);
   entry.text = message.text;
   return entry;
 }
@@ -77,7 +69,8 @@ std::optional<std::string> Book::answerTo(const Message& message) const {
   return query.text(0);
 }
 
-// A message that is clear but for its currency is clear when it is read in that currency.
+// A message that is in review only for its currency is read again in that currency, and converted
+// when a rate is set.
 Reading Book::readingOf(const std::string& text, const std::string& currency) const {
   Reading reading = reader_(text, currency);
   if (reading.outcome != Outcome::needsReview || !reading.amount ||
@@ -92,8 +85,8 @@ Reading Book::readingOf(const std::string& text, const std::string& currency) co
   return foreign;
 }
 
-// `foreign` at its rate, rounded to whole minor units; absent without a rate, and for a sum that
-// would be none or too large to be exact.
+// `foreign` converted at its rate, rounded to whole minor units; absent without a rate, and when
+// the result is less than one minor unit or not exact as a double.
 std::optional<BookedSum> Book::converted(const Money& foreign, const std::string& currency) const {
   Statement query(database_.get(), "SELECT rate FROM rates WHERE currency = ?");
   if (!next(query.bind(foreign.currency))) return std::nullopt;
@@ -107,7 +100,7 @@ std::optional<BookedSum> Book::converted(const Money& foreign, const std::string
   return BookedSum{{static_cast<std::int64_t>(units), currency}, rateText};
 }
 
-// Applies the person's earlier corrections for this payee.
+// Applies the user's earlier corrections for this payee.
 void Book::correct(LedgerEntry& entry) const {
   if (entry.payee.empty()) return;
   Statement query(database_.get(), "SELECT description, category FROM corrections WHERE payee = ?");
@@ -122,12 +115,15 @@ void Book::markLookAlike(LedgerEntry& entry, const std::string& userId) const {
       SELECT id FROM transactions WHERE date = ? AND minor_units = ? AND currency = ? AND kind = ?
         AND payee = ? COLLATE NOCASE AND user = ?
       UNION ALL
-      SELECT id FROM transactions WHERE reference <> '' AND reference = ? AND user = ?))");
-  // No sum equals an absent one.
+      SELECT id FROM transactions WHERE reference <> '' AND reference = ? AND user = ?)
+    WHERE id < ?)");
+  // -1 matches no entry: an absent amount is no duplicate of another.
   query.bind(entry.date).bind(entry.amount ? entry.amount->minorUnits : -1);
   query.bind(entry.amount ? std::string_view(entry.amount->currency) : "")
       .bind(kindText(entry.kind));
   query.bind(entry.payee).bind(userId).bind(entry.reference).bind(userId);
+  constexpr auto all = std::numeric_limits<std::int64_t>::max();
+  query.bind(entry.id == 0 ? all : entry.id);  // a new entry has no id yet
   if (next(query) && !query.isNull(0)) entry.possibleDuplicateOf = query.integer(0);
 }
 

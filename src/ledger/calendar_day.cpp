@@ -1,12 +1,15 @@
 #include "ledger/calendar_day.h"
 
+#include <array>
 #include <chrono>
-#include <string>
+#include <cstdio>
+
+#include "platform/foundation/date_formatter.h"
 
 namespace kivo::ledger {
 namespace {
 
-// The number that `text` spells in digits alone; -1 for another text.
+// The value of `text` when it consists of digits only, else -1.
 int numberOf(std::string_view text) {
   int number = 0;
   for (const char digit : text) {
@@ -14,6 +17,11 @@ int numberOf(std::string_view text) {
     number = number * 10 + (digit - '0');
   }
   return number;
+}
+
+std::chrono::year_month monthOf(std::string_view text) {
+  return {std::chrono::year(numberOf(text.substr(0, 4))),
+          std::chrono::month(static_cast<unsigned>(numberOf(text.substr(5, 2))))};
 }
 
 }  // namespace
@@ -31,5 +39,34 @@ bool isDay(std::string_view text) {
 }
 
 bool isMonth(std::string_view text) { return text.size() == 7 && isDay(std::string(text) + "-01"); }
+
+std::string monthBefore(std::string_view month, int count) {
+  const std::chrono::year_month found = monthOf(month) - std::chrono::months(count);
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02u", static_cast<int>(found.year()),
+                static_cast<unsigned>(found.month()));
+  return text.data();
+}
+
+std::string firstDayOf(const std::string& month) { return month + "-01"; }
+
+std::string lastDayOf(const std::string& month) { return month + "-31"; }
+
+int daysOf(std::string_view month) {
+  const auto last = (monthOf(month) / std::chrono::last).day();
+  return static_cast<int>(static_cast<unsigned>(last));
+}
+
+std::string monthName(std::string_view month) {
+  constexpr std::array names{"January", "February", "March",     "April",   "May",      "June",
+                             "July",    "August",   "September", "October", "November", "December"};
+  const auto number = static_cast<unsigned>(monthOf(month).month());
+  return std::string(names.at(number - 1)) + " " + std::string(month.substr(0, 4));
+}
+
+std::string currentMonth() {
+  const platform::DateFormatter formatter{.dateFormat = "yyyy-MM", .locale = "en_US_POSIX"};
+  return formatter.string(platform::Date::now());
+}
 
 }  // namespace kivo::ledger

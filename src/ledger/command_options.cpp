@@ -21,7 +21,7 @@ std::optional<std::string> given(const GivenParameters& parameters, const char* 
 
 int failFor(const char* name, const std::string& value, const std::string& form) {
   return fail(std::string("invalid ") + name + " \"" + linux_platform::escapedControls(value) +
-                  "\": it is " + form,
+                  "\": it must be " + form,
               linux_platform::exitBadUsage);
 }
 

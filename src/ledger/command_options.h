@@ -1,4 +1,4 @@
-// The values given to a command of kivo-ledger, read and checked. Touches no book.
+// Reads and checks the values of options of kivo-ledger's commands. Does not open the book.
 #pragma once
 
 #include <optional>
@@ -10,19 +10,19 @@
 
 namespace kivo::ledger {
 
-/// What was given for `name`, made valid UTF-8; absent when nothing was.
+/// Returns the value given for `name`, as valid UTF-8; absent when none was given.
 std::optional<std::string> given(const linux_platform::GivenParameters& parameters,
                                  const char* name);
 
-/// Prints one line on standard error: what was given for `name` is wrong, as it has to be `form`.
+/// Prints one line on standard error: the value given for `name` is invalid and must be `form`.
 /// Returns the exit status for bad usage.
 int failFor(const char* name, const std::string& value, const std::string& form);
 
-/// The options --month, --from, --to, --category and --search.
+/// Returns the options --month, --from, --to, --category and --search.
 std::vector<linux_platform::CommandParameter> filterOptions();
 
-/// Reads `filterOptions` into `filter`, the days of --month and those between --from and --to being
-/// the ones that both hold. Returns 0, or as `failFor` when one does not fit.
+/// Reads `filterOptions` into `filter`. --month together with --from or --to selects the days that
+/// satisfy both. Returns 0, or as `failFor` when a value is invalid.
 int readFilter(const linux_platform::GivenParameters& parameters, EntryFilter& filter);
 
 }  // namespace kivo::ledger

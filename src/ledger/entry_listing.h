@@ -1,4 +1,4 @@
-// Entries as tables, details and JSON.
+// Formats entries as a table, as details and as JSON.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,18 @@
 
 namespace kivo::ledger::EntryListing {
 
-/// A table of `entries` for a screen of `width` columns, one line each, without control characters.
+/// Returns a table of `entries`, one line each, with control characters escaped. Shortens
+/// descriptions to fit a screen of `width` columns, to 16 columns at least.
 std::string table(const std::vector<LedgerEntry>& entries, std::size_t width);
 
-/// All of `entry` for a person, its text last, without control characters.
+/// Returns all members of `entry` as lines of text, the message last, with control characters
+/// escaped.
 std::string details(const LedgerEntry& entry);
 
-/// `entry` as a JSON object: "id", "key", "date", "kind", "amount" (a plain decimal with the
-/// currency's decimals, or "" when there is none), "currency", "description", "category",
-/// "account", "reference", "state", and "possible_duplicate_of" (an id) where it looks like another
-/// entry. All are texts.
+/// Returns `entry` as a JSON object of strings: "id", "key", "date", "kind", "amount" (a plain
+/// decimal with the currency's decimals, "" when absent), "currency", "description", "category",
+/// "account", "reference", "state", and "possible_duplicate_of" (an id), which is absent when the
+/// entry looks like no other.
 platform::JSONEncoder json(const LedgerEntry& entry);
 
 }  // namespace kivo::ledger::EntryListing

@@ -28,13 +28,13 @@ Answer refusal(int status, std::string_view error, std::string allow = "") {
   return {.status = status, .body = object.text(), .allow = std::move(allow)};
 }
 
-// A base URL may end with a slash, which doubles the one in front of the path.
+// The backend's URL may end with a slash, so that the path begins with two.
 bool isEndpoint(std::string_view target) {
   if (target.starts_with("//")) target.remove_prefix(1);
   return target == "/functions/v1/sms-extraction";
 }
 
-// Throws DecodingError for a body that is no request.
+// Throws DecodingError when `body` is not a valid request.
 Message messageFrom(std::string_view body) {
   const platform::JSONObject object = platform::JSONDecoder::object(body);
   Message message{.text = object.decodeString("sms_text"),
@@ -76,7 +76,7 @@ Answer ExtractionEndpoint::record(const Message& message) {
     }
     return {.status = ok, .body = std::move(recorded.answer), .allow = ""};
   } catch (const BookFailure& failure) {
-    book_.reset();  // the file may be replaced by hand
+    book_.reset();  // the next request opens it again: the user may replace a damaged file
     linux_platform::complain("kivo-ledger",
                              "the book could not be written: " + std::string(failure.what()));
     return refusal(serviceUnavailable, "the book cannot be written");

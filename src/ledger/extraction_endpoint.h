@@ -1,4 +1,4 @@
-// The extraction endpoint over the book. Opens no socket.
+// Answers extraction requests from the book. Opens no socket.
 #pragma once
 
 #include <functional>
@@ -10,24 +10,24 @@
 
 namespace kivo::ledger {
 
-/// Answers extraction requests. For one thread.
+/// The extraction endpoint. Opens the book at the first request. Not thread-safe.
 class ExtractionEndpoint {
  public:
   using BookOpener = std::function<std::optional<Book>()>;
 
-  /// `currency` returns the currency that the book is kept in, absent when it cannot be read; it is
-  /// asked for each message.
-  /// `review` is called with each new entry that a person has to look at, once it is durable.
+  /// `currency` returns the currency of the book, absent when it cannot be read. It is called for
+  /// each message. `review` is called with each new entry in review, after it is durable.
   ExtractionEndpoint(
       std::function<std::optional<std::string>()> currency,
       std::function<void(const LedgerEntry&)> review,
       BookOpener open = [] { return Book::open(); });
 
-  /// Answers with 200 and a response record for a POST to /functions/v1/sms-extraction whose body
-  /// is an object of the four strings of a request and whose date exists; 400 for another body, 404
-  /// elsewhere, 405 for another method, and 503 when the book cannot be opened or written or its
-  /// currency not be read, which a line on standard error explains: then nothing is stored, and the
-  /// next request tries again. All bodies but that of 200 are `{"error": ...}`.
+  /// Returns 200 and the response record for a POST to /functions/v1/sms-extraction whose body is
+  /// an object of exactly the request's four strings, with an existing date; 400 for another body,
+  /// 404 for another path, 405 for another method, and 503 when the book cannot be opened or
+  /// written, or its currency cannot be read. After 503 nothing is stored, and the next request
+  /// tries again; a line on standard error gives the reason, once for repeated failures to open.
+  /// The body of every status but 200 is `{"error": ...}`.
   UnixHttpServer::Answer answer(const UnixHttpServer::Request& request);
 
  private:

@@ -5,10 +5,14 @@
 #include <utility>
 
 #include "ledger/editing_commands.h"
+#include "ledger/exports/export_commands.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/ledger_terminal.h"
 #include "ledger/listing_commands.h"
+#include "ledger/overview/overview_commands.h"
 #include "ledger/review_notifier.h"
+#include "ledger/templates/teach_command.h"
+#include "ledger/templates/template_file.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_line.h"
@@ -34,8 +38,9 @@ ListeningSocket ownSocket(const GivenParameters& given) {
 
 void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseconds> idleLimit) {
   ReviewNotifier notifier;
-  ExtractionEndpoint endpoint(bookCurrency,
-                              [&notifier](const LedgerEntry& entry) { notifier.post(entry); });
+  ExtractionEndpoint endpoint(
+      bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
+      [] { return Book::open(TemplateFile::reader()); });
   UnixHttpServer server(
       [&endpoint](const UnixHttpServer::Request& request) { return endpoint.answer(request); });
   server.run(socket, idleLimit);
@@ -60,7 +65,10 @@ linux_platform::CommandProgram program() {
                                       .version = KIVO_VERSION,
                                       .commands = {}};
   made.commands = listingCommands();
+  for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
+  made.commands.push_back(teachCommand());
   made.commands.push_back(
       {"serve",
        "Answer the extension's requests on a UNIX socket",

@@ -2,6 +2,18 @@
 
 namespace kivo::ledger {
 
+void apply(const Reading& reading, LedgerEntry& entry) {
+  entry.kind = reading.kind;
+  entry.amount = reading.amount;
+  entry.description = reading.description;
+  entry.category = reading.category;
+  entry.payee = reading.payee;
+  entry.account = reading.account;
+  entry.reference = reading.reference;
+  entry.state = reading.outcome == Outcome::transaction ? LedgerEntry::State::booked
+                                                        : LedgerEntry::State::review;
+}
+
 const char* kindText(Kind kind) {
   switch (kind) {
     case Kind::expense:

@@ -1,4 +1,4 @@
-// A transaction of the book, as a value.
+// One transaction of the book.
 #pragma once
 
 #include <cstdint>
@@ -12,39 +12,42 @@ namespace kivo::ledger {
 struct LedgerEntry {
   enum class State {
     booked,
-    /// A person decides whether it is one.
+    /// The user decides whether to book it.
     review,
   };
 
-  /// Given once, never to another entry.
+  /// Unique, and never reused.
   std::int64_t id = 0;
-  /// The key that its message came under.
+  /// The idempotency key of its message.
   std::string key;
   /// yyyy-MM-dd.
   std::string date;
   Kind kind = Kind::expense;
-  /// Above zero; absent only in review, for a message whose sum could not be chosen.
+  /// Above zero; absent only in review, when the message's sum is ambiguous.
   std::optional<Money> amount;
   std::string description;
   std::string category;
-  /// The other party as the message wrote it; empty when it named none.
+  /// The other party as the message names it; empty when it names none.
   std::string payee;
-  /// The digits of the person's own account or card as the message shows them; else empty.
+  /// The digits of the user's own account or card as in the message; empty when it has none.
   std::string account;
-  /// The bank's reference; else empty.
+  /// The bank's reference; empty when the message has none.
   std::string reference;
   State state = State::booked;
-  /// The entry that this one looks like.
+  /// The id of an earlier entry of which this may be a duplicate.
   std::optional<std::int64_t> possibleDuplicateOf;
-  /// The message; absent once it was forgotten.
+  /// The text of the message; absent after Book::forgetTexts.
   std::optional<std::string> text;
 };
 
-/// "expense", "income" or "transfer".
+/// Sets all that the reading of its message holds.
+void apply(const Reading& reading, LedgerEntry& entry);
+
+/// Returns "expense", "income" or "transfer".
 const char* kindText(Kind kind);
-/// The kind of that name; absent for another text.
+/// Returns the kind of that name; absent for another text.
 std::optional<Kind> kindFromText(std::string_view text);
-/// "booked" or "review".
+/// Returns "booked" or "review".
 const char* stateText(LedgerEntry::State state);
 
 }  // namespace kivo::ledger

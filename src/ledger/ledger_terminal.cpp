@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
 
 #include "feedback/amount_formatter.h"
 #include "ledger/book_file.h"
@@ -20,8 +21,8 @@ int print(const std::string& text) {
   return std::cout ? 0 : fail("standard output cannot be written");
 }
 
-int withBook(const std::function<int(Book&)>& use) {
-  auto book = Book::open();
+int withBook(const std::function<int(Book&)>& use, MessageReader reader) {
+  auto book = Book::open(std::move(reader));
   if (!book) return exitFailure;
   try {
     return use(*book);

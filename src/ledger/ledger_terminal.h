@@ -1,4 +1,4 @@
-// How the commands of kivo-ledger speak to the person.
+// Output, errors, and access to the book for the commands of kivo-ledger.
 #pragma once
 
 #include <functional>
@@ -9,25 +9,26 @@
 
 namespace kivo::ledger {
 
-/// The exit status of a command that could not do what it was asked for.
+/// The exit status of a command that failed.
 inline constexpr int exitFailure = 1;
 
-/// Writes `what` as one line on standard error, after the program's name; returns `status`.
+/// Prints `what` as one line on standard error, after the program's name. Returns `status`.
 int fail(const std::string& what, int status = exitFailure);
 
-/// Writes `text` on standard output as it is; returns 0, or `fail` when that cannot be done.
+/// Writes `text` unchanged to standard output. Returns 0, or as `fail` when that fails.
 int print(const std::string& text);
 
-/// Opens the book, hands it to `use` and returns what that returns; `exitFailure`, after one line
-/// on standard error, when the book cannot be opened, read or written.
-int withBook(const std::function<int(Book&)>& use);
+/// Opens the book, calls `use` with it and returns its result; `exitFailure`, after one line on
+/// standard error, when the book cannot be opened, read or written.
+int withBook(const std::function<int(Book&)>& use, MessageReader reader = read);
 
-/// As `withBook`, with the entry whose id was given as ID; `fail` when no entry has that id.
+/// As `withBook`, with the entry whose id was given as ID. Returns as `fail` when ID is not a
+/// number, with the exit status for bad usage, and when no entry has that id.
 int withEntry(const linux_platform::GivenParameters& given,
               const std::function<int(Book&, const LedgerEntry&)>& use);
 
-/// The currency that the book is kept in: the shared store's, in upper case, EGP when it holds
-/// none. Absent, after one line on standard error, when the store cannot be opened.
+/// Returns the currency of the book: that of the shared store in upper case, EGP when it has none.
+/// Absent, after one line on standard error, when the store cannot be opened.
 std::optional<std::string> bookCurrency();
 
 }  // namespace kivo::ledger

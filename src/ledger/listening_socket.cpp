@@ -22,6 +22,7 @@ using linux_platform::Descriptor;
 
 namespace {
 
+// The first file descriptor of socket activation.
 constexpr int firstHandedOver = 3;
 
 [[noreturn]] void fail(const std::filesystem::path& path, const std::string& what) {
@@ -61,8 +62,8 @@ int bindTo(int descriptor, const sockaddr_un& address) {
   return bind(descriptor, generic, sizeof address) == 0 ? 0 : errno;
 }
 
-// Removes the socket file of a server that is gone. Throws when it is another file, or the server
-// is there.
+// Removes a socket file at which no server listens. Throws when it is another kind of file, or when
+// a server listens.
 void removeStale(const std::filesystem::path& path, const sockaddr_un& address) {
   struct stat found {};
   if (lstat(path.c_str(), &found) != 0) return;
@@ -75,7 +76,8 @@ void removeStale(const std::filesystem::path& path, const sockaddr_un& address) 
   unlink(path.c_str());
 }
 
-// Held by one server at a time while it looks at the socket file and creates its own.
+// Opens the folder of the socket, and creates it when it is missing. `create` locks it, so that
+// only one server at a time checks the socket file and creates its own.
 int openFolder(const std::filesystem::path& folder) {
   std::error_code ignored;
   std::filesystem::create_directories(folder, ignored);
@@ -84,7 +86,7 @@ int openFolder(const std::filesystem::path& folder) {
   return opened;
 }
 
-// A user who may write to the folder could put another socket in the place of ours.
+// A user who can write to the folder could replace our socket with another.
 void requirePrivate(int folder, const std::filesystem::path& path) {
   struct stat found {};
   if (fstat(folder, &found) != 0) failForSystem(path, errno);
@@ -105,7 +107,8 @@ std::optional<ListeningSocket> ListeningSocket::handedOver() {
   for (const char* const name : {"LISTEN_PID", "LISTEN_FDS", "LISTEN_FDNAMES"}) unsetenv(name);
   if (!handed) return std::nullopt;
   if (!isListening(firstHandedOver)) {
-    throw std::runtime_error("what the service manager hands over is no listening UNIX socket");
+    throw std::runtime_error(
+        "the file descriptor from the service manager is not a listening UNIX socket");
   }
   fcntl(firstHandedOver, F_SETFD, FD_CLOEXEC);
   return ListeningSocket(firstHandedOver, {});
@@ -133,7 +136,8 @@ ListeningSocket::ListeningSocket(ListeningSocket&& other) noexcept
       created_(std::exchange(other.created_, {})) {}
 
 ListeningSocket::~ListeningSocket() {
-  // In this order: once it is closed, another server takes the file for a stale one.
+  // Removed before it is closed: after that, another server would consider the file stale and could
+  // create its own, which this would remove.
   if (!created_.empty()) unlink(created_.c_str());
   if (descriptor_ >= 0) close(descriptor_);
 }

@@ -1,4 +1,4 @@
-// A UNIX socket that waits for connections: the service manager's, or one that is created.
+// A listening UNIX socket, inherited from the service manager or created.
 #pragma once
 
 #include <filesystem>
@@ -8,19 +8,21 @@
 
 namespace kivo::ledger {
 
-/// A listening stream socket. Closed at its end; its file is removed if it was created here.
+/// A listening stream socket. The destructor closes it, and removes its file when it was created
+/// here.
 class ListeningSocket {
  public:
-  /// The socket that the service manager hands to this process (LISTEN_PID and LISTEN_FDS, the
-  /// first one); absent when it hands none. Removes these variables, so that no other process takes
-  /// them for its own. Throws std::runtime_error when the descriptor is no listening UNIX stream
-  /// socket.
+  /// Returns the first socket that the service manager passes to this process (socket activation by
+  /// LISTEN_PID and LISTEN_FDS); absent when it passes none. Removes these variables, so that child
+  /// processes do not use them. Throws std::runtime_error when the file descriptor is not a
+  /// listening UNIX stream socket.
   static std::optional<ListeningSocket> handedOver();
 
-  /// Creates a socket (0600) at `path`, and its folder (0700) when there is none. Replaces the
-  /// socket file of a server that ended without removing it. Throws std::runtime_error, with a line
-  /// that says what to do, when another server answers there, when a file that is no socket is in
-  /// the way, when other users may write to the folder, and when it cannot be created.
+  /// Creates a socket (0600) at `path`, and the folders above it by the umask when they are
+  /// missing. Replaces a stale socket file, at which no server listens. Throws std::runtime_error
+  /// with one line when another server listens there, when another file exists at `path`, when the
+  /// folder belongs to a user other than this one or root, when others can write to it without the
+  /// sticky bit, when `path` is too long, and when the socket cannot be created.
   static ListeningSocket create(const std::filesystem::path& path);
 
   ListeningSocket(ListeningSocket&& other) noexcept;

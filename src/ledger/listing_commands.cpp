@@ -36,8 +36,11 @@ int list(const GivenParameters& parameters) {
 
 int review(const GivenParameters& parameters) {
   return withBook([&](Book& book) {
-    return show(book.entries({.state = LedgerEntry::State::review}), parameters.contains("--json"),
-                "There is nothing to look at.");
+    const auto entries = book.entries({.state = LedgerEntry::State::review});
+    const bool asJson = parameters.contains("--json");
+    const int status = show(entries, asJson, "There is nothing to look at.");
+    if (asJson || entries.empty() || status != 0 || !linux_platform::onTerminal()) return status;
+    return print("To have messages like one of these booked from now on: kivo-ledger teach ID\n");
   });
 }
 

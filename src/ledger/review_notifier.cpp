@@ -9,7 +9,7 @@
 
 namespace kivo::ledger {
 
-// In this order: the platform outlives its tasks.
+// The executor comes last: its destructor waits for the tasks, which use the platform.
 struct ReviewNotifier::Reached {
   linux_platform::InstalledPlatform platform{extensionBundle};
   linux_platform::TaskExecutor executor{1};

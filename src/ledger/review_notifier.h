@@ -1,4 +1,4 @@
-// Notifies the person of what they have to look at.
+// Posts a desktop notification for an entry in review.
 #pragma once
 
 #include <memory>
@@ -8,20 +8,20 @@
 
 namespace kivo::ledger {
 
-/// Reaches the session bus from the first notification on, and not before.
+/// Connects to the session bus at the first notification. Not thread-safe.
 class ReviewNotifier {
  public:
   ReviewNotifier();
-  /// Waits until what was posted is taken, 1 s at most.
+  /// Waits until the posted notifications are sent, with a timeout of 1 s.
   ~ReviewNotifier();
   ReviewNotifier(const ReviewNotifier&) = delete;
   ReviewNotifier& operator=(const ReviewNotifier&) = delete;
 
-  /// Posts "Needs a look" for `entry` in the extension's name, if the person has authorized
-  /// notifications. Returns at once; a failure leaves no trace.
+  /// Posts "Needs a look" for `entry` as the extension's notification, if the user has authorized
+  /// those. Returns at once. Ignores failures.
   void post(const LedgerEntry& entry);
 
-  /// Such as "20.00 USD at Netflix".
+  /// Returns the notification's text, such as "20.00 USD at Netflix".
   static std::string body(const LedgerEntry& entry);
 
  private:

@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::uint64_t longestBody = 1U << 20U;
 constexpr std::chrono::seconds longestExchange{10};
-// After an accept that failed, as for want of file descriptors.
+// The pause after a failed accept, such as when no file descriptor is left.
 constexpr std::chrono::milliseconds acceptPause{50};
 
 using Response = http::response<http::string_body>;
@@ -42,7 +42,7 @@ Response responseOf(UnixHttpServer::Answer answer) {
 
 class Connections;
 
-// One exchange on one connection; lives as long as it waits for something.
+// One exchange on one connection. Its pending operations own it.
 class Exchange : public std::enable_shared_from_this<Exchange> {
  public:
   Exchange(stream_protocol::socket socket, Connections& connections)
@@ -51,7 +51,7 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   }
 
   void begin();
-  // Drops the exchange unless its answer is under way.
+  // Closes the connection unless the response is being sent.
   void dropUnanswered() {
     if (!answered_) stream_.close();
   }
@@ -68,7 +68,7 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   bool answered_ = false;
 };
 
-// All of one `run`. Its event loop ends when nothing is waited for any more.
+// The state of one `run`. Its event loop ends when no operation is pending.
 class Connections {
  public:
   Connections(const UnixHttpServer::Handler& handler, const ListeningSocket& socket,

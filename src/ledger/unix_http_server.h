@@ -1,4 +1,4 @@
-// An HTTP/1.1 server on a UNIX socket. Knows no endpoint and decides nothing about who may connect.
+// An HTTP/1.1 server on a UNIX socket. The socket's permissions decide who may connect.
 #pragma once
 
 #include <chrono>
@@ -10,32 +10,32 @@
 
 namespace kivo::ledger {
 
-/// Answers requests one after the other, on the thread that calls `run`; connections wait side by
-/// side. One exchange per connection.
+/// A single-threaded server: the event loop of `run` serves all connections and calls the handler
+/// for one request at a time. Closes each connection after one response.
 class UnixHttpServer {
  public:
   struct Request {
     std::string method;
-    /// Path and query as sent.
+    /// The request target as sent, with its query.
     std::string target;
     std::string body;
   };
   struct Answer {
     int status = 200;
-    /// Sent as application/json.
+    /// JSON, sent as application/json.
     std::string body;
-    /// The value of the Allow header; empty for none.
+    /// The value of the Allow header; empty to send no such header.
     std::string allow;
   };
   using Handler = std::function<Answer(const Request&)>;
 
-  /// `handler` throws nothing.
+  /// `handler` must not throw.
   explicit UnixHttpServer(Handler handler) : handler_(std::move(handler)) {}
 
-  /// Accepts connections on `socket` until SIGTERM or SIGINT, or until there was no request for
-  /// `idleLimit`. Then accepts no more, and returns when the answers under way are sent; a request
-  /// that has not arrived whole is dropped. A body over 1 MiB is answered with 413, other broken
-  /// HTTP with 400, and an exchange that takes longer than 10 s is dropped.
+  /// Accepts connections on `socket` until SIGTERM or SIGINT, or until no connection was open for
+  /// `idleLimit`, if given. Then stops accepting, closes connections whose request is incomplete,
+  /// and returns when the other responses are sent. Answers a body over 1 MiB with 413 and other
+  /// invalid HTTP with 400. Closes a connection after 10 s without a complete exchange.
   void run(const ListeningSocket& socket, std::optional<std::chrono::milliseconds> idleLimit);
 
  private:

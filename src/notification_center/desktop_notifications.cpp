@@ -44,6 +44,15 @@ std::string deepLink(const UNMutableNotificationContent& content) {
   return opens ? found->second : "";
 }
 
+bool beginsWithScheme(std::string_view link) {
+  constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  constexpr std::string_view others = "0123456789+.-";
+  const std::string_view scheme = link.substr(0, link.find(':'));
+  if (scheme.empty() || scheme.size() == link.size()) return false;
+  if (letters.find(scheme.front()) == std::string_view::npos) return false;
+  return scheme.find_first_not_of(std::string(letters).append(others)) == std::string_view::npos;
+}
+
 bool isWithoutServer(std::string_view error) {
   return error == DBUS_ERROR_SERVICE_UNKNOWN || error == DBUS_ERROR_NAME_HAS_NO_OWNER ||
          error.starts_with("org.freedesktop.DBus.Error.Spawn.");
@@ -97,7 +106,7 @@ void DesktopNotifications::subscribeToServer(std::function<void()> serverAppeare
               const auto shown = linkOf(signal.arguments.natural(), signal.sender);
               if (shown != links_.end() &&
                   signal.arguments.text() == desktop_notifications_interface::defaultAction) {
-                opener_.open(shown->second.link);
+                open(shown->second.link);
               }
             });
   subscribe(bus_,
@@ -141,6 +150,11 @@ DesktopNotifications::Links::iterator DesktopNotifications::linkOf(std::optional
                                                                    std::string_view server) {
   const auto found = id ? links_.find(*id) : links_.end();
   return found != links_.end() && found->second.server == server ? found : links_.end();
+}
+
+// xdg-open could take a link without a scheme for an option or a file.
+void DesktopNotifications::open(const std::string& link) {
+  if (beginsWithScheme(link)) openers_.start({"xdg-open", link});
 }
 
 void DesktopNotifications::rememberLink(std::uint32_t id, Shown shown) {

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "notification_center/link_opener.h"
+#include "platform/linux/process/detached_programs.h"
 #include "platform/user_notifications/un_notification_request.h"
 
 struct DBusConnection;
@@ -53,10 +53,11 @@ class DesktopNotifications {
   using Links = std::map<std::uint32_t, Shown>;
   Links::iterator linkOf(std::optional<std::uint32_t> id, std::string_view server);
   void rememberLink(std::uint32_t id, Shown shown);
+  void open(const std::string& link);
 
   DBusConnection* bus_;
   Links links_;  // of the notifications on the screen
-  LinkOpener opener_;
+  linux_platform::DetachedPrograms openers_;
 };
 
 }  // namespace kivo

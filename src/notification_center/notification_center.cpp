@@ -43,7 +43,7 @@ NotificationCenter::NotificationCenter(NotificationRecord record, Show show)
   }
 }
 
-UNAuthorizationStatus NotificationCenter::authorizationStatus(const std::string& bundle) {
+UNAuthorizationStatus NotificationCenter::authorizationStatus(const std::string& bundle) const {
   return record_.status(bundle);
 }
 
@@ -98,7 +98,7 @@ AddOutcome NotificationCenter::append(PendingNotification notification) {
   return AddOutcome::notKept;
 }
 
-std::vector<std::string> NotificationCenter::pending(const std::string& bundle) {
+std::vector<std::string> NotificationCenter::pending(const std::string& bundle) const {
   std::vector<std::string> identifiers;
   for (const Waiting& entry : waiting_) {
     if (entry.notification.bundle == bundle) {

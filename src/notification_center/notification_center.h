@@ -4,18 +4,31 @@
 
 #include <chrono>
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "notification_center/notification_center_service.h"
+#include "notification_center/desktop_notifications.h"
 #include "notification_center/notification_record.h"
 
 namespace kivo {
 
-/// Not thread-safe.
-class NotificationCenter : public NotificationCenterCalls {
+/// The outcome of `NotificationCenter::add`.
+enum class AddOutcome {
+  /// Written to disk.
+  kept,
+  /// The user has denied notifications of this bundle.
+  denied,
+  /// The waiting requests are too large already.
+  noRoom,
+  /// Writing it to disk failed.
+  notKept,
+};
+
+/// Texts are valid UTF-8 without NUL. Not thread-safe.
+class NotificationCenter {
  public:
   /// The largest number of waiting requests. One more drops the oldest.
   static constexpr std::size_t mostWaiting = 500;
@@ -36,20 +49,23 @@ class NotificationCenter : public NotificationCenterCalls {
   NotificationCenter(NotificationRecord record, Show show);
 
   [[nodiscard]] platform::UNAuthorizationStatus authorizationStatus(
-      const std::string& bundle) override;
+      const std::string& bundle) const;
 
-  /// Denying a bundle also drops its waiting notifications, except those that are being shown.
-  bool setAuthorizationStatus(const std::string& bundle,
-                              platform::UNAuthorizationStatus status) override;
+  /// Returns false when the status could not be written. Denying a bundle also drops its waiting
+  /// notifications, except those that are being shown.
+  bool setAuthorizationStatus(const std::string& bundle, platform::UNAuthorizationStatus status);
 
-  /// Keeps `request` until its interval, counted from now, is over and it was shown. Ignores a
+  /// Keeps `request` until its interval, counted from now, is over and it was shown. The request
+  /// does not repeat, and its interval is finite, not negative and less than 100 years. Ignores a
   /// request whose identifier already waits or is among the last ones shown. Refuses only a denied
   /// bundle: senders have to respect the other statuses themselves.
-  AddOutcome add(const std::string& bundle, platform::UNNotificationRequest request) override;
+  AddOutcome add(const std::string& bundle, platform::UNNotificationRequest request);
 
-  [[nodiscard]] std::vector<std::string> pending(const std::string& bundle) override;
+  /// Returns the identifiers of the waiting notifications, oldest first.
+  [[nodiscard]] std::vector<std::string> pending(const std::string& bundle) const;
 
-  void serverAppeared() override;
+  /// Call it when a notification server has appeared on the desktop.
+  void serverAppeared();
 
   /// Starts to show the notifications that are due. Returns the time until the next one is due;
   /// nullopt when nothing waits, or while there is no server.

@@ -21,7 +21,7 @@ int serve() {
   center.emplace(std::move(*record), [&service](const auto& content, auto done) {
     service.show(content, std::move(done));
   });
-  service.serve(*center, [&center] { return center->showDue(); });
+  service.serve(*center);
   return 0;
 }
 

@@ -27,9 +27,9 @@ using linux_platform::takeBusName;
 
 namespace {
 
-void add(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
+void add(NotificationCenter& center, BusReader arguments, BusAnswer& answer) {
   ReceivedRequest received = readRequest(arguments);
-  switch (calls.add(received.bundle, std::move(received.request))) {
+  switch (center.add(received.bundle, std::move(received.request))) {
     case AddOutcome::kept:
       return answer.give();
     case AddOutcome::denied:
@@ -43,25 +43,25 @@ void add(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer)
   }
 }
 
-void setStatus(NotificationCenterCalls& calls, BusReader arguments, BusAnswer& answer) {
+void setStatus(NotificationCenter& center, BusReader arguments, BusAnswer& answer) {
   const std::string_view bundle = *arguments.text();
   const auto status = notification_center_interface::statusOf(*arguments.integer());
   if (!status)
     throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "invalid status; it must be a number from 0 to 4");
   if (sizeOf(bundle) > largestRequest) throw tooLarge();
-  if (!calls.setAuthorizationStatus(std::string(bundle), *status)) {
+  if (!center.setAuthorizationStatus(std::string(bundle), *status)) {
     throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be written to disk");
   }
   answer.give();
 }
 
-std::vector<BusMethod> methodsOf(NotificationCenterCalls& calls) {
+std::vector<BusMethod> methodsOf(NotificationCenter& center) {
   return {{.name = notification_center_interface::authorizationStatus,
            .takes = {{"bundle", "s"}},
            .gives = {{"status", "i"}},
            .perform =
-               [&calls](BusReader arguments, BusAnswer answer) {
-                 const auto status = calls.authorizationStatus(std::string(*arguments.text()));
+               [&center](BusReader arguments, BusAnswer answer) {
+                 const auto status = center.authorizationStatus(std::string(*arguments.text()));
                  answer.give([status](BusWriter& reply) {
                    reply.integer(static_cast<std::int32_t>(status));
                  });
@@ -69,8 +69,8 @@ std::vector<BusMethod> methodsOf(NotificationCenterCalls& calls) {
           {.name = notification_center_interface::setAuthorizationStatus,
            .takes = {{"bundle", "s"}, {"status", "i"}},
            .gives = {},
-           .perform = [&calls](BusReader arguments,
-                               BusAnswer answer) { setStatus(calls, arguments, answer); }},
+           .perform = [&center](BusReader arguments,
+                                BusAnswer answer) { setStatus(center, arguments, answer); }},
           {.name = notification_center_interface::add,
            .takes = {{"bundle", "s"},
                      {"identifier", "s"},
@@ -78,13 +78,13 @@ std::vector<BusMethod> methodsOf(NotificationCenterCalls& calls) {
                      {"interval", "d"},
                      {"repeats", "b"}},
            .gives = {},
-           .perform = [&calls](BusReader arguments,
-                               BusAnswer answer) { add(calls, arguments, answer); }},
+           .perform = [&center](BusReader arguments,
+                                BusAnswer answer) { add(center, arguments, answer); }},
           {.name = notification_center_interface::pending,
            .takes = {{"bundle", "s"}},
            .gives = {{"identifiers", "as"}},
-           .perform = [&calls](BusReader arguments, BusAnswer answer) {
-             const auto identifiers = calls.pending(std::string(*arguments.text()));
+           .perform = [&center](BusReader arguments, BusAnswer answer) {
+             const auto identifiers = center.pending(std::string(*arguments.text()));
              answer.give([&identifiers](BusWriter& reply) { reply.texts(identifiers); });
            }}};
 }
@@ -113,15 +113,13 @@ void NotificationCenterService::show(const platform::UNMutableNotificationConten
   bus_->desktop->show(content, std::move(done));
 }
 
-void NotificationCenterService::serve(
-    NotificationCenterCalls& calls,
-    const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting) {
+void NotificationCenterService::serve(NotificationCenter& center) {
   DBusConnection* const bus = bus_->connection.get();
   try {
     bus_->desktop =
-        std::make_unique<DesktopNotifications>(bus, [&calls] { calls.serverAppeared(); });
-    serveObject(bus, notification_center_interface::object, methodsOf(calls));
-    bus_->loop.run(beforeWaiting);
+        std::make_unique<DesktopNotifications>(bus, [&center] { center.serverAppeared(); });
+    serveObject(bus, notification_center_interface::object, methodsOf(center));
+    bus_->loop.run([&center] { return center.showDue(); });
   } catch (const std::runtime_error&) {
     // The bus connection was lost before the objects were registered.
   }

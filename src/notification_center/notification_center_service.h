@@ -2,45 +2,12 @@
 // NotificationCenter makes the decisions.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string>
-#include <vector>
 
-#include "notification_center/desktop_notifications.h"
-#include "platform/user_notifications/un_notification_request.h"
+#include "notification_center/notification_center.h"
 
 namespace kivo {
-
-/// The outcome of `add`.
-enum class AddOutcome {
-  /// Written to disk.
-  kept,
-  /// The user has denied notifications of this bundle.
-  denied,
-  /// The waiting requests are too large already.
-  noRoom,
-  /// Writing it to disk failed.
-  notKept,
-};
-
-/// Handles the calls from the bus. Texts are valid UTF-8 without NUL.
-class NotificationCenterCalls {
- public:
-  virtual ~NotificationCenterCalls() = default;
-  virtual platform::UNAuthorizationStatus authorizationStatus(const std::string& bundle) = 0;
-  /// Returns false when the status could not be written.
-  virtual bool setAuthorizationStatus(const std::string& bundle,
-                                      platform::UNAuthorizationStatus status) = 0;
-  /// `request` does not repeat, and its interval is finite, not negative and less than 100 years.
-  virtual AddOutcome add(const std::string& bundle, platform::UNNotificationRequest request) = 0;
-  /// Returns the identifiers of the waiting notifications, oldest first.
-  virtual std::vector<std::string> pending(const std::string& bundle) = 0;
-  /// Called when a notification server has appeared on the desktop.
-  virtual void serverAppeared() = 0;
-};
 
 /// Not thread-safe, except for `stop`.
 class NotificationCenterService {
@@ -57,11 +24,10 @@ class NotificationCenterService {
   void show(const platform::UNMutableNotificationContent& content,
             std::function<void(ShowOutcome)> done);
 
-  /// Handles calls until `stop` is called or the bus is gone. `calls` must outlive this object,
-  /// whose destruction drops unfinished calls to the desktop. Calls `beforeWaiting` before each
-  /// wait; it returns the timeout of the wait, or nullopt for none.
-  void serve(NotificationCenterCalls& calls,
-             const std::function<std::optional<std::chrono::milliseconds>()>& beforeWaiting);
+  /// Handles calls with `center`, and has it show what is due, until `stop` is called or the bus is
+  /// gone. `center` must outlive this object, whose destruction drops unfinished calls to the
+  /// desktop.
+  void serve(NotificationCenter& center);
 
   /// Ends `serve`. Thread-safe and async-signal-safe.
   void stop() noexcept;

@@ -8,16 +8,18 @@
 #include "extraction/sms_extraction_client.h"
 #include "feedback/amount_formatter.h"
 #include "phone/backend_check.h"
+#include "phone/ledger_month.h"
+#include "phone/local_ledger.h"
 #include "phone/phone_terminal.h"
 #include "phone/waiting_texts.h"
+#include "phone/widget_view.h"
 #include "platform/foundation/date.h"
+#include "platform/foundation/number_text.h"
 #include "platform/foundation/utf8.h"
-#include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
-#include "platform/linux/user_notifications/notification_permission.h"
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
 
@@ -58,16 +60,17 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
-// The URL of kivo-ledger's socket; none when there is no place for one.
-std::optional<std::string> ledgerUrl() {
-  const auto socket = linux_platform::localBackendSocket();
-  if (!socket) return std::nullopt;
-  return linux_platform::urlOfSocket(socket->string());
-}
-
 // How a base URL is shown to a person.
 std::string shownBase(const std::string& base) {
-  return ledgerUrl() == base ? "the ledger on this machine" : base;
+  return LocalLedger::url() == base ? "the ledger on this machine" : base;
+}
+
+// Checks the backend at `base`; has the service manager start the ledger when that does not answer.
+BackendFindings findStarted(const std::string& base) {
+  BackendFindings findings = BackendCheck::find(base);
+  if (findings.answers() || LocalLedger::url() != base) return findings;
+  LocalLedger::startSocket();
+  return BackendCheck::find(base);
 }
 
 // What is wrong with the options of sign-in, if anything.
@@ -84,7 +87,7 @@ std::optional<std::string> signInError(const GivenParameters& given) {
 // Where the backend is; none, after one line on standard error, when that is unknown.
 std::optional<std::string> baseOf(const GivenParameters& given) {
   if (!given.contains("--local")) return textOf(given, "--url");
-  if (auto url = ledgerUrl()) return url;
+  if (auto url = LocalLedger::url()) return url;
   fail("XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
   return std::nullopt;
 }
@@ -118,7 +121,7 @@ int signIn(const GivenParameters& given) {
     return failed;
   }
   std::string lines;
-  for (const std::string& sentence : BackendCheck::sentences(BackendCheck::find(base))) {
+  for (const std::string& sentence : BackendCheck::sentences(findStarted(base))) {
     lines += forStandardOutput(sentence) + "\n";
   }
   if (const auto warning = currencyWarning(*store)) lines += forStandardOutput(*warning) + "\n";
@@ -180,6 +183,17 @@ std::string backendLines(const SharedStore& store) {
   return lines;
 }
 
+// The figures of the ledger on this machine, beside the running total of the widget.
+std::string ledgerLines(const SharedStore& store) {
+  if (!LocalLedger::isSignedIn(store)) return "";
+  const auto month = LedgerMonth::ask();
+  if (!month) return line("This month", "unknown; kivo-ledger summary says why");
+  std::string review = platform::integerText(month->toReview);
+  if (month->toReview > 0) review += "; kivo-ledger review shows what needs a look";
+  return line("This month", month->expenses) +
+         line("Running total", WidgetView::read(store).runningTotal) + line("To review", review);
+}
+
 int status(const GivenParameters&) {
   const auto store = SharedStore::open(appGroup);
   if (!store) return failWithoutStore();
@@ -187,6 +201,7 @@ int status(const GivenParameters&) {
   std::string lines = backendLines(*store);
   lines += line("Currency", AmountFormatter::currencyCode(*store));
   if (const auto warning = currencyWarning(*store)) lines += line("", *warning);
+  lines += ledgerLines(*store);
   lines += line("Notifications", permissionWord().value_or(noCenter));
   lines += line("Waiting", WaitingTexts::sentence(items, linux_platform::lastExchange(),
                                                   platform::Date::now()));

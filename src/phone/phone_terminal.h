@@ -24,12 +24,7 @@ int print(const std::string& text);
 
 using linux_platform::onTerminal;
 using linux_platform::screenWidth;
-
-/// Whether standard output is a terminal that supports escape sequences: TERM is neither unset nor
-/// dumb.
-bool terminalObeysEscapes();
-
-/// Whether standard output supports bold text and NO_COLOR is not set.
-bool terminalShowsStyles();
+using linux_platform::terminalObeysEscapes;
+using linux_platform::terminalShowsStyles;
 
 }  // namespace kivo

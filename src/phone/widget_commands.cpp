@@ -1,9 +1,14 @@
 #include "phone/widget_commands.h"
 
+#include <chrono>
+#include <iostream>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
+#include "phone/ledger_month.h"
+#include "phone/local_ledger.h"
 #include "phone/phone_terminal.h"
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
@@ -21,6 +26,9 @@ using Kind = linux_platform::CommandParameter::Kind;
 // The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
 
+// The page takes a moment, and xdg-open is waited for a few seconds.
+constexpr std::chrono::seconds reportTimeout(30);
+
 std::string drawnWidget(const WidgetFigures& figures) {
   if (!onTerminal()) return WidgetView::asLines(figures);
   return WidgetView::asBox(
@@ -30,17 +38,44 @@ std::string drawnWidget(const WidgetFigures& figures) {
 int showWidget() {
   const auto store = SharedStore::open(appGroup);
   if (!store) return failWithoutStore();
-  return print(drawnWidget(WidgetView::read(*store)));
+  WidgetFigures figures = WidgetView::read(*store);
+  if (LocalLedger::isSignedIn(*store)) figures.ledgerMonth = LedgerMonth::ask();
+  return print(drawnWidget(figures));
 }
+
+// The ledger's figures while the widget is watched. Corrections of the book send no reload signal.
+class WatchedLedger {
+ public:
+  std::optional<LedgerMonth> month(const SharedStore& store, WidgetWatch::Cause cause) {
+    if (!LocalLedger::isSignedIn(store)) {
+      asked_.reset();
+      return std::nullopt;
+    }
+    if (cause == WidgetWatch::Cause::reload || !asked_ || Clock::now() - *asked_ >= askInterval) {
+      month_ = LedgerMonth::ask();
+      asked_ = Clock::now();
+    }
+    return month_;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::chrono::seconds askInterval{10};
+
+  std::optional<LedgerMonth> month_;
+  std::optional<Clock::time_point> asked_;
+};
 
 // Redraws in place, or below where the terminal does not support that.
 int watchWidget() {
   constexpr const char* clearScreen = "\x1b[H\x1b[2J";
   std::optional<WidgetFigures> drawn;
-  return WidgetWatch::run([&drawn] {
+  WatchedLedger ledger;
+  return WidgetWatch::run([&](WidgetWatch::Cause cause) {
     const auto store = SharedStore::open(appGroup);
     if (!store) return failWithoutStore() == 0;
-    const WidgetFigures figures = WidgetView::read(*store);
+    WidgetFigures figures = WidgetView::read(*store);
+    figures.ledgerMonth = ledger.month(*store, cause);
     const bool changed = std::exchange(drawn, figures) != figures;
     if (!changed) return true;
     const std::string widget = drawnWidget(figures);
@@ -49,14 +84,29 @@ int watchWidget() {
   });
 }
 
+// Whether the ledger's report is on its way to a browser.
+bool openReport() {
+  const auto store = SharedStore::open(appGroup);
+  if (!store || !LocalLedger::isSignedIn(*store)) return false;
+  try {
+    const auto result = linux_platform::runProgram(
+        {.program = LocalLedger::program(), .arguments = {"report"}}, reportTimeout);
+    std::cerr << result.errors;
+    return result.status == 0;
+  } catch (const std::system_error&) {  // the program cannot be started
+    return false;
+  }
+}
+
 // Any program can open a link, so no part of it is passed on.
-int openWidget(const GivenParameters& given) {
+int openKivo(const GivenParameters& given) {
   const auto link = given.find("LINK");
   if (link != given.end() && !link->second.starts_with(linkScheme)) {
     return fail("invalid LINK \"" + linux_platform::escapedControls(link->second) +
                     "\": it must begin with " + linkScheme,
                 linux_platform::exitBadUsage);
   }
+  if (openReport()) return 0;
   const std::string phone = (linux_platform::programFolder() / phoneProgramName).string();
   linux_platform::TerminalWindows windows;
   if (windows.open({phone, "widget", "--watch"}, linux_platform::WindowEnd::atSuccess)) return 0;
@@ -75,9 +125,9 @@ std::vector<linux_platform::Command> widgetCommands() {
        {{"--watch", "Go on showing them as they change", Kind::flag}},
        widget},
       {"open",
-       "Open the widget in a terminal window",
+       "Open the ledger's report in a browser, or else the widget in a terminal window",
        {{"LINK", "The link that was followed, kivo-expenses://", Kind::optional}},
-       openWidget},
+       openKivo},
   };
 }
 

@@ -31,6 +31,11 @@ std::string countedAsWaiting(std::int64_t count) {
          (count == 1 ? " message waits to be sent" : " messages wait to be sent");
 }
 
+std::string countedAsToReview(std::int64_t count) {
+  return platform::integerText(count) +
+         (count == 1 ? " message needs a look" : " messages need a look");
+}
+
 // A line of the box: words, followed by a figure that may be bold.
 struct Row {
   std::string words;
@@ -42,9 +47,13 @@ std::vector<Row> rowsOf(const WidgetFigures& figures) {
                         {"", ""},
                         {"", figures.todayTotal},
                         {counted(figures.todayCount), ""},
-                        {"", ""},
-                        {"Running total  ", figures.runningTotal}};
-  if (figures.waitingMessages > 0 || !figures.signedIn) rows.push_back({"", ""});
+                        {"", ""}};
+  const auto& month = figures.ledgerMonth;
+  if (month) rows.push_back({"This month     ", month->expenses});
+  rows.push_back({"Running total  ", figures.runningTotal});
+  const bool needsALook = month && month->toReview > 0;
+  if (figures.waitingMessages > 0 || needsALook || !figures.signedIn) rows.push_back({"", ""});
+  if (needsALook) rows.push_back({countedAsToReview(month->toReview), ""});
   if (figures.waitingMessages > 0) rows.push_back({countedAsWaiting(figures.waitingMessages), ""});
   if (!figures.signedIn) {
     rows.push_back({"Not signed in; see", ""});
@@ -75,11 +84,16 @@ WidgetFigures WidgetView::read(const SharedStore& store) {
 }
 
 std::string WidgetView::asLines(const WidgetFigures& figures) {
-  return "Today          " + figures.todayTotal + "\n" + "Expenses       " +
-         platform::integerText(figures.todayCount) + "\n" + "Running total  " +
-         figures.runningTotal + "\n" + "Waiting        " +
-         platform::integerText(figures.waitingMessages) + "\n" + "Signed in      " +
-         (figures.signedIn ? "yes" : "no") + "\n";
+  std::string lines = "Today          " + figures.todayTotal + "\n" + "Expenses       " +
+                      platform::integerText(figures.todayCount) + "\n" + "Running total  " +
+                      figures.runningTotal + "\n" + "Waiting        " +
+                      platform::integerText(figures.waitingMessages) + "\n" + "Signed in      " +
+                      (figures.signedIn ? "yes" : "no") + "\n";
+  if (const auto& month = figures.ledgerMonth) {
+    lines += "This month     " + month->expenses + "\n" + "To review      " +
+             platform::integerText(month->toReview) + "\n";
+  }
+  return lines;
 }
 
 std::string WidgetView::asBox(const WidgetFigures& figures, Figures style) {

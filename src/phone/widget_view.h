@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "phone/ledger_month.h"
 #include "store/shared_store.h"
 
 namespace kivo {
@@ -17,6 +19,8 @@ struct WidgetFigures {
   /// The number of queued texts.
   std::int64_t waitingMessages = 0;
   bool signedIn = false;
+  /// Absent when the backend is another, or cannot be asked.
+  std::optional<LedgerMonth> ledgerMonth = std::nullopt;
 
   bool operator==(const WidgetFigures&) const = default;
 };
@@ -24,7 +28,7 @@ struct WidgetFigures {
 namespace WidgetView {
 
 /// Reads the figures in `store`. Today's are 0 when the stored ones are of another day. Values that
-/// cannot be parsed count as 0.
+/// cannot be parsed count as 0. The ledger is not asked.
 WidgetFigures read(const SharedStore& store);
 
 /// Formats the figures as lines of name and value, for programs.
@@ -33,8 +37,8 @@ std::string asLines(const WidgetFigures& figures);
 /// How amounts and the count are printed.
 enum class Figures { plain, bold };
 
-/// Formats the figures in a frame for a terminal, followed by whether messages wait and whether the
-/// user has to sign in.
+/// Formats the figures in a frame for a terminal, followed by whether messages wait or are to be
+/// looked at, and whether the user has to sign in.
 std::string asBox(const WidgetFigures& figures, Figures style);
 
 }  // namespace WidgetView

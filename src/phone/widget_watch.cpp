@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <optional>
+#include <utility>
 
 #include "platform/linux/bus/bus_connection.h"
 #include "platform/linux/bus/bus_loop.h"
@@ -26,21 +27,23 @@ int fail(const char* complaint) {
 
 }  // namespace
 
-int WidgetWatch::run(const std::function<bool()>& draw) {
+int WidgetWatch::run(const std::function<bool(Cause)>& draw) {
   const linux_platform::BusConnection bus = linux_platform::connectToSessionBus();
   if (!bus) return fail("there is no session bus");
+  Cause cause = Cause::reload;
   // Any message ends a wait of the loop, and the widget is drawn again.
-  linux_platform::subscribe(bus.get(),
-                            {.interface = widget_center::object.interface,
-                             .member = widget_center::reloadAllTimelines,
-                             .path = widget_center::object.path},
-                            [](const linux_platform::HeardSignal&) {});
+  linux_platform::subscribe(
+      bus.get(),
+      {.interface = widget_center::object.interface,
+       .member = widget_center::reloadAllTimelines,
+       .path = widget_center::object.path},
+      [&cause](const linux_platform::HeardSignal&) { cause = Cause::reload; });
   BusLoop loop(bus.get());
   const linux_platform::StopSignals signals([&loop] { loop.stop(); });
 
   bool drawn = true;
   const BusLoop::End end = loop.run([&] {
-    drawn = draw();
+    drawn = draw(std::exchange(cause, Cause::time));
     if (!drawn) loop.stop();
     return std::optional(pollInterval);
   });

@@ -115,7 +115,6 @@ struct ModemMessages::Bus {
   BusMessage call(const std::string& path, const char* interface, const char* method,
                   const char* signature, const char* argument = nullptr);
   std::set<std::string> messagesOfAllModems(bool& whole);
-  std::optional<ModemMessage> message(const std::string& path);
   void readUnread(std::vector<ModemMessage>& messages, bool& whole);
   void lookAgainLater();
 
@@ -217,19 +216,15 @@ std::set<std::string> ModemMessages::Bus::messagesOfAllModems(bool& whole) {
   return paths;
 }
 
-std::optional<ModemMessage> ModemMessages::Bus::message(const std::string& path) {
-  const BusMessage values =
-      call(path, modem_manager_interface::properties, modem_manager_interface::getAll, "a{sv}",
-           modem_manager_interface::sms);
-  return receivedText(BusReader(values).inside());
-}
-
 void ModemMessages::Bus::readUnread(std::vector<ModemMessage>& messages, bool& whole) {
+  using namespace modem_manager_interface;
   for (const std::string& path : std::set<std::string>(unread)) {
     whole = whole && !stopping;
     if (stopping) return;
     try {
-      if (auto text = message(path)) messages.push_back(std::move(*text));
+      const BusMessage values = call(path, properties, getAll, "a{sv}", sms);
+      if (auto text = receivedText(BusReader(values).inside()))
+        messages.push_back(std::move(*text));
       unread.erase(path);
     } catch (Failure failure) {
       if (failure == Failure::unanswered) throw;

@@ -1,49 +1,21 @@
 #include "sms_watcher/senders_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
-#include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #define TOML_EXCEPTIONS 0
 #include <toml++/toml.h>
 
 #include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/process/descriptor.h"
-#include "platform/linux/store/database_folder.h"
+#include "platform/linux/store/settings_file.h"
 
 namespace kivo::SendersFile {
-
-using linux_platform::Descriptor;
 namespace {
 
 constexpr const char* sendersKey = "senders";
-constexpr std::size_t longest = 1 << 20;  // bytes
 constexpr const char* introduction =
     "# The senders whose messages are handed to Kivo: exact, or with * for any characters.\n"
     "# `kivo-phone watch add` and `remove` rewrite this file without other comments.\n";
-
-// Returns the content of the file; nullopt when it is too long or cannot be read.
-std::optional<std::string> bytesOf(int file) {
-  std::string bytes(longest + 1, '\0');
-  std::size_t length = 0;
-  while (length < bytes.size()) {
-    const ssize_t count = ::read(file, bytes.data() + length, bytes.size() - length);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::nullopt;
-    if (count == 0) break;
-    length += static_cast<std::size_t>(count);
-  }
-  if (length > longest) return std::nullopt;
-  bytes.resize(length);
-  return bytes;
-}
 
 std::string atLine(const toml::source_position& position) {
   return "line " + std::to_string(position.line) + ": ";
@@ -78,31 +50,6 @@ std::string textOf(const std::vector<std::string>& senders) {
   return out.str();
 }
 
-// Writes all of `text` and calls fsync.
-bool writeAll(int file, const std::string& text) {
-  for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = ::write(file, text.data() + written, text.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    written += static_cast<std::size_t>(count);
-  }
-  return fsync(file) == 0;
-}
-
-bool replaceWith(const std::filesystem::path& path, const std::string& text) {
-  std::string fresh = path.string() + ".XXXXXX";
-  const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));  // mode 0600
-  if (file.number() < 0) return false;
-  std::error_code unknown;
-  if (!std::filesystem::exists(path, unknown)) linux_platform::syncFoldersAbove(path.parent_path());
-  if (writeAll(file.number(), text) && std::rename(fresh.c_str(), path.c_str()) == 0) {
-    const Descriptor folder(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return folder.number() < 0 || fsync(folder.number()) == 0;
-  }
-  unlink(fresh.c_str());
-  return false;
-}
-
 }  // namespace
 
 std::optional<std::filesystem::path> place() {
@@ -114,26 +61,16 @@ std::optional<std::filesystem::path> place() {
 Content read() {
   const auto path = place();
   if (!path) return {};
-  const Descriptor file(open(path->c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (file.number() < 0 && (errno == ENOENT || errno == ENOTDIR)) return {};
-  struct stat found {};
-  const bool isFile =
-      file.number() >= 0 && fstat(file.number(), &found) == 0 && S_ISREG(found.st_mode);
-  const auto bytes = isFile ? bytesOf(file.number()) : std::nullopt;
-  Content content = bytes ? parsed(*bytes) : Content{.error = "it cannot be read"};
+  const linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
+  Content content = file.text ? parsed(*file.text) : Content{.error = "it cannot be read"};
   if (content.error) content.error = path->string() + ": " + *content.error;
-  content.changed = platform::Moment(std::chrono::seconds(found.st_mtim.tv_sec) +
-                                     std::chrono::microseconds(found.st_mtim.tv_nsec / 1000));
+  content.changed = file.changed;
   return content;
 }
 
 bool write(const std::vector<std::string>& senders) {
   const auto path = place();
-  if (!path) return false;
-  std::error_code failure;
-  std::filesystem::create_directories(path->parent_path(), failure);
-  const std::filesystem::path real = std::filesystem::weakly_canonical(*path, failure);
-  return !failure && replaceWith(real, textOf(senders));
+  return path && linux_platform::replaceSettingsFile(*path, textOf(senders));
 }
 
 }  // namespace kivo::SendersFile

@@ -2,10 +2,10 @@
 #include <csignal>
 #include <fstream>
 
-#include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
+#include "small_disk.h"
 #include "surviving_run.h"
 
 namespace kivo {
@@ -81,19 +81,7 @@ TEST_F(ARunOnABadDisk, SurvivesAReadOnlyFolderAndLeavesItUnchanged) {
 class ARunOnASmallDisk : public ARunOnABadDisk {
  protected:
   void SetUp() override {
-    fs::create_directories(folder());
-    if (unshare(CLONE_NEWNS) != 0 ||
-        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("tmpfs", folder().c_str(), "tmpfs", 0, "size=256k,mode=0700") != 0) {
-      GTEST_SKIP() << "no file system may be mounted here: needs the superuser";
-    }
-    mounted_ = true;
-  }
-  void TearDown() override {
-    if (mounted_) umount2(folder().c_str(), MNT_DETACH);
-  }
-  void mountAgain(unsigned long flags, const char* options) {
-    ASSERT_EQ(mount("tmpfs", folder().c_str(), "tmpfs", MS_REMOUNT | flags, options), 0);
+    if (!disk_.isMounted()) GTEST_SKIP() << testkit::noSmallDisk;
   }
   /// Fills the disk except for so many pages.
   void leavePages(int pages) {
@@ -102,8 +90,7 @@ class ARunOnASmallDisk : public ARunOnABadDisk {
   }
   [[nodiscard]] fs::path ballast() const { return folder() / "ballast"; }
 
- private:
-  bool mounted_ = false;
+  testkit::SmallDisk disk_{folder()};
 };
 
 TEST_F(ARunOnASmallDisk, ReportsEachTextThatItLosesWhenTheDiskFills) {
@@ -125,7 +112,7 @@ TEST_F(ARunOnASmallDisk, ReportsEachTextThatItLosesWhenTheDiskFills) {
   }
   std::cout << "kept " << kept.size() << ", reported as not stored " << reported << "\n";
   EXPECT_GT(reported, 0);
-  mountAgain(0, "size=2m");
+  ASSERT_TRUE(disk_.remount(0, "size=2m"));
   kept.emplace_back("there is room again");
   EXPECT_THAT(processSMS(kept.back()).errors, IsEmpty());
   std::vector<std::string> queuedTexts;
@@ -168,9 +155,9 @@ TEST_F(ARunOnASmallDisk, CreatesTheStoreLaterWhenThereIsNoRoomYet) {
 TEST_F(ARunOnASmallDisk, SurvivesAReadOnlyMountAndLeavesTheStoreUnchanged) {
   prepare(Backend::fails);
   look([&](const std::string& text) {
-    mountAgain(MS_RDONLY, nullptr);
+    EXPECT_TRUE(disk_.remount(MS_RDONLY, nullptr));
     ProgramResult result = processSMS(text);
-    mountAgain(0, nullptr);
+    EXPECT_TRUE(disk_.remount(0, nullptr));
     return result;
   });
   EXPECT_EQ(contents().queue, earlier);

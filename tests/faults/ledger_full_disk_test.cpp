@@ -6,38 +6,26 @@
 #include <string>
 
 #include <gmock/gmock.h>
-#include <sched.h>
-#include <sys/mount.h>
 
+#include "small_disk.h"
 #include "testkit/private_ledger.h"
 #include "testkit/raw_store.h"
 
 namespace kivo {
 namespace {
 
-// The book's folder is a disk of its own, of 256 KiB.
+// The book is on a disk of its own, of 256 KiB.
 class ALedgerOnASmallDisk : public testing::Test {
  protected:
   void SetUp() override {
-    std::filesystem::create_directories(folder());
-    if (unshare(CLONE_NEWNS) != 0 ||
-        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("tmpfs", folder().c_str(), "tmpfs", 0, "size=256k,mode=0700") != 0) {
-      GTEST_SKIP() << "no file system may be mounted here: needs the superuser";
-    }
-    mounted_ = true;
+    if (!disk_.isMounted()) GTEST_SKIP() << testkit::noSmallDisk;
   }
-  void TearDown() override {
-    if (mounted_) umount2(folder().c_str(), MNT_DETACH);
-  }
-
-  [[nodiscard]] std::filesystem::path folder() const { return ledger_.file().parent_path(); }
 
   testkit::PrivateLedger ledger_;
-  bool mounted_ = false;
+  testkit::SmallDisk disk_{ledger_.file().parent_path()};
 };
 
-TEST_F(ALedgerOnASmallDisk, KeepsWhatItAcknowledgedAndTakesTheRestOnceThereIsRoom) {
+TEST_F(ALedgerOnASmallDisk, KeepsAcknowledgedMessagesAndAcceptsTheOthersLater) {
   const auto server = ledger_.start();
   std::map<std::string, std::string> acknowledged;
   int refused = 0;
@@ -54,7 +42,7 @@ TEST_F(ALedgerOnASmallDisk, KeepsWhatItAcknowledgedAndTakesTheRestOnceThereIsRoo
   }
   ASSERT_EQ(refused, 5);
   std::cout << "acknowledged " << acknowledged.size() - 5 << " messages\n";
-  ASSERT_EQ(mount("tmpfs", folder().c_str(), "tmpfs", MS_REMOUNT, "size=8m"), 0);
+  ASSERT_TRUE(disk_.remount(0, "size=8m"));
   for (const auto& [key, before] : acknowledged) {
     const testkit::Outcome again = ledger_.post(key);
     EXPECT_EQ(again.status(), 200) << key;

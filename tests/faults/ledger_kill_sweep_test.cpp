@@ -93,7 +93,7 @@ class AKilledLedger : public testing::Test {
   std::map<std::string, std::string> acknowledged_;
 };
 
-TEST_F(AKilledLedger, KeepsWhatItAcknowledgedAndBooksNothingTwice) {
+TEST_F(AKilledLedger, KeepsAcknowledgedMessagesAndBooksEachOnce) {
   testkit::CallNumbers numbers;
   for (const char* const call : testkit::sweptCalls) {
     sweepCall({.call = call, .effect = "signal=SIGKILL"}, numbers);

@@ -157,6 +157,13 @@ class ANotifiedMessage : public testing::Test {
     return phone.callCenter("Add", {"some.bundle", "one", content, "--", interval, "false"});
   }
 
+  bool hasCenter() {
+    return phone
+               .call("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                     "org.freedesktop.DBus.NameHasOwner", {"app.kivo.NotificationCenter"})
+               .output == "(true,)\n";
+  }
+
   testkit::PrivatePhone phone;
 };
 
@@ -173,12 +180,7 @@ TEST_F(ANotifiedMessage, IsNotPassedToTheLinkOpener) {
 
 TEST_F(ANotifiedMessage, IsNotPrintedByTheCenter) {
   ChildProcess center({.program = linux_platform::programFolder() / "kivo-notification-center"});
-  ASSERT_TRUE(testkit::eventually([&] {
-    return phone
-               .call("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                     "org.freedesktop.DBus.NameHasOwner", {"app.kivo.NotificationCenter"})
-               .output == "(true,)\n";
-  }));
+  ASSERT_TRUE(testkit::eventually([&] { return hasCenter(); }));
   const auto expectDiscreet = [](const ProgramResult& result) {
     EXPECT_THAT(result.output + result.errors, Not(HasSubstr("MARK")));
     EXPECT_THAT(result.output + result.errors, Not(HasSubstr("7731")));
@@ -196,6 +198,7 @@ TEST_F(ANotifiedMessage, IsNotPrintedByTheCenter) {
     suite->synchronize();
   }
   ChildProcess next({.program = linux_platform::programFolder() / "kivo-notification-center"});
+  ASSERT_TRUE(testkit::eventually([&] { return hasCenter(); }));
   ASSERT_EQ(phone.callCenter("Pending", {"some.bundle"}).status, 0);
   next.signal(SIGTERM);
   const ProgramResult result = next.wait();

@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "demo/private_session_bus.h"
-#include "platform/linux/user_notifications/notification_permission.h"
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "store_agreement.h"
 #include "testkit/extension_program.h"
 #include "testkit/private_phone.h"

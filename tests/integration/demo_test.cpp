@@ -72,8 +72,8 @@ TEST_F(TheDemonstration, ShowsTheExpectedDialogs) {
   EXPECT_THAT(result.output,
               ContainsRegex("\n  2 [^\n]* income +18500.00 EGP  شركة الأفق  +Salary\n"
                             "  1 [^\n]* 415.75 EGP  Sunny Basket Market  Groceries\n"));
-  EXPECT_THAT(result.output, HasSubstr("All went as told"));
-  EXPECT_THAT(result.output, Not(HasSubstr("NOT AS TOLD")));
+  EXPECT_THAT(result.output, HasSubstr("All went as expected"));
+  EXPECT_THAT(result.output, Not(HasSubstr("UNEXPECTED")));
   expectPlainText(result.output);
 }
 
@@ -107,7 +107,7 @@ TEST_F(TheDemonstration, ListsATransactionThatIsBooked) {
                                            "  1 [^\n]* 86.50 SAR  Oasis Coffee  Dining\n$"));
 }
 
-TEST_F(TheDemonstration, ShowsTheReviewOfAMessageThatNeedsALook) {
+TEST_F(TheDemonstration, ShowsTheReviewListForAnUnclearMessage) {
   const ProgramResult result = demo({"You paid USD 20.00 or EGP 1000.00 at Oasis Coffee"});
   EXPECT_EQ(result.status, 0) << result.output << result.errors;
   EXPECT_THAT(result.output, HasSubstr("Notification 🔎 Needs a look\n"));
@@ -161,7 +161,7 @@ TEST_F(TheDemonstration, EndsCleanlyWhenItIsInterrupted) {
   const ProgramResult result = child.wait();
   EXPECT_EQ(result.status, 130);
   EXPECT_EQ(result.errors, "");
-  EXPECT_THAT(result.output, Not(HasSubstr("NOT AS TOLD")));
+  EXPECT_THAT(result.output, Not(HasSubstr("UNEXPECTED")));
   EXPECT_TRUE(std::filesystem::is_empty(temporary_.path()));
 }
 

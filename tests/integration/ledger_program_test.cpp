@@ -97,7 +97,7 @@ TEST_F(ALedger, TurnsABankMessageIntoATransaction) {
   EXPECT_THAT(shown({"show", "1"}), EndsWith(std::string("\n\n") + purchase + "\n"));
 }
 
-TEST_F(ALedger, TakesAMessageThatWaitedWhileItWasDown) {
+TEST_F(ALedger, RecordsAMessageThatWasQueuedWhileItWasDown) {
   ASSERT_EQ(linux_platform::runProgram(
                 {.program = program("kivo-phone"), .arguments = {"sign-in", "--local"}})
                 .status,
@@ -111,7 +111,7 @@ TEST_F(ALedger, TakesAMessageThatWaitedWhileItWasDown) {
   EXPECT_EQ(json({"list"}).size(), 1U);
 }
 
-TEST_F(ALedger, GivesTheSameBytesForAKeyAlsoAfterItWasKilled) {
+TEST_F(ALedger, AnswersAKeyWithTheSameBytesAfterItWasKilled) {
   auto server = ledger_.start();
   const std::string first = ledger_.post("KEY-1").body();
   server->signal(SIGKILL);
@@ -144,7 +144,7 @@ TEST_F(ALedger, EndsOnATerminationSignalAndRemovesItsSocket) {
   }
 }
 
-TEST_F(ALedger, TakesTheSocketOfTheServiceManager) {
+TEST_F(ALedger, UsesTheSocketOfTheServiceManager) {
   const auto path = ledger_.folders().home() / "handed.sock";
   const auto handed = ledger::ListeningSocket::create(path);
   const pid_t id = fork();
@@ -165,7 +165,7 @@ TEST_F(ALedger, TakesTheSocketOfTheServiceManager) {
   EXPECT_TRUE(std::filesystem::exists(path));  // is the service manager's
 }
 
-TEST_F(ALedger, DoesNotTakeTheSocketOfAnother) {
+TEST_F(ALedger, RefusesToReplaceTheSocketOfARunningLedger) {
   const auto server = ledger_.start();
   expectFailure({"serve"}, 1,
                 socket().string() +
@@ -173,7 +173,7 @@ TEST_F(ALedger, DoesNotTakeTheSocketOfAnother) {
                     "by --socket");
 }
 
-TEST_F(ALedger, AcknowledgesNothingThatDoesNotFitOnTheDisk) {
+TEST_F(ALedger, AcknowledgesNothingAtAFileSizeLimit) {
   ASSERT_EQ(shown({"list"}), "No transaction fits.\n");
   std::filesystem::resize_file(book(), 0);
   std::filesystem::remove(book().string() + "-wal");
@@ -204,7 +204,7 @@ TEST_F(ALedger, AcknowledgesNothingInABookOfANewerVersion) {
                 " was written by a newer version of Kivo (file format 99); update Kivo\n");
 }
 
-TEST_F(ALedger, HoldsAForeignSumForReview) {
+TEST_F(ALedger, PutsAForeignAmountInReview) {
   const auto server = ledger_.start();
   EXPECT_THAT(ledger_.post("KEY-1", purchaseAbroad).body(), HasSubstr("needs_review"));
   EXPECT_EQ(shown({"list"}), "No transaction fits.\n");
@@ -263,11 +263,11 @@ TEST_F(ALedger, ShowsATable) {
   EXPECT_EQ(json({"list"}).size(), 1U);
 }
 
-TEST_F(ALedger, RefusesACallThatDoesNotFit) {
+TEST_F(ALedger, RefusesInvalidArguments) {
   expectFailure({"list", "--month", "2026"}, 64,
-                "invalid --month \"2026\": it is a month such as 2026-11");
+                "invalid --month \"2026\": it must be a month such as 2026-11");
   expectFailure({"list", "--from", "2026-02-30"}, 64,
-                "invalid --from \"2026-02-30\": it is a day such as 2026-11-21");
+                "invalid --from \"2026-02-30\": it must be a day such as 2026-11-21");
   expectFailure({"show", "x"}, 64, "ID is the number of a transaction, as list and review show it");
   expectFailure({"show", "7"}, 1, "no transaction has the ID 7");
   expectFailure(
@@ -275,33 +275,33 @@ TEST_F(ALedger, RefusesACallThatDoesNotFit) {
       "edit needs one of --date, --amount, --currency, --kind, --description, --category");
   expectFailure({"delete", "7"}, 64,
                 "there is no terminal to ask at; --yes deletes without asking");
-  expectFailure({"rate", "XX", "1"}, 64, "invalid CURRENCY \"XX\": it is a code such as USD");
+  expectFailure({"rate", "XX", "1"}, 64, "invalid CURRENCY \"XX\": it must be a code such as USD");
   expectFailure({"rate", "USD", "nan"}, 64,
-                "invalid RATE \"nan\": it is a number above zero such as 48.5");
+                "invalid RATE \"nan\": it must be a number above zero such as 48.5");
   expectFailure({"rate", "USD"}, 64, "give either RATE or --remove");
   expectFailure({"rate", "USD", "--remove"}, 1, "there is no rate for USD");
 }
 
-TEST_F(ALedger, RefusesACorrectionThatDoesNotFit) {
+TEST_F(ALedger, RefusesInvalidEdits) {
   {
     const auto server = ledger_.start();
     ledger_.post("KEY-1");
   }
   expectFailure({"edit", "1", "--amount", "0"}, 64,
-                "invalid --amount \"0\": it is a sum above zero with 2 decimals at most");
+                "invalid --amount \"0\": it must be a sum above zero with 2 decimals at most");
   expectFailure({"edit", "1", "--amount", "1.001"}, 64,
-                "invalid --amount \"1.001\": it is a sum above zero with 2 decimals at most");
+                "invalid --amount \"1.001\": it must be a sum above zero with 2 decimals at most");
   expectFailure({"edit", "1", "--currency", "EURO"}, 64,
-                "invalid --currency \"EURO\": it is a code such as EGP");
+                "invalid --currency \"EURO\": it must be a code such as EGP");
   expectFailure({"edit", "1", "--kind", "gift"}, 64,
-                "invalid --kind \"gift\": it is expense, income or transfer");
+                "invalid --kind \"gift\": it must be expense, income or transfer");
   expectFailure({"edit", "1", "--date", "today"}, 64,
-                "invalid --date \"today\": it is a day such as 2026-11-21");
+                "invalid --date \"today\": it must be a day such as 2026-11-21");
   expectFailure({"edit", "1", "--category", ""}, 64, "--category is empty");
   EXPECT_EQ(json({"list"})[0]["amount"], "150.00");
 }
 
-TEST(ALedgerOnTheBus, NotifiesOfWhatNeedsALook) {
+TEST(ALedgerOnTheBus, PostsANotificationForAnEntryInReview) {
   PrivatePhone phone;
   const NotificationDisplay display(phone.address());
   ASSERT_EQ(phone.callCenter("SetAuthorizationStatus", {"app.kivo.expenses.intents", "2"}).status,

@@ -1,10 +1,9 @@
 // The user's notification permission, sent to the notification center.
-#include "platform/linux/user_notifications/notification_permission.h"
-
 #include <chrono>
 
 #include <gtest/gtest.h>
 
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "testkit/private_phone.h"
 #include "testkit/silent_socket.h"
 

@@ -1,5 +1,7 @@
 // The real program kivo-phone, by its command line and without a bus.
+#include <csignal>
 #include <fstream>
+#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -36,6 +38,13 @@ class APhone : public testing::Test {
   static std::optional<std::string> stored(StoreKey key) { return open().readText(key); }
   static SharedStore open() { return SharedStore::open(appGroup).value(); }
 
+  // The content of a file in the home folder.
+  [[nodiscard]] std::string contentOf(const char* name) const {
+    std::ostringstream content;
+    content << std::ifstream(folders_.home() / name).rdbuf();
+    return content.str();
+  }
+
   static void expectFailure(const std::vector<std::string>& arguments, int status,
                             const std::string& error) {
     const ProgramResult result = run(arguments);
@@ -63,6 +72,25 @@ TEST_F(APhone, SignsInToTheLedgerOnThisMachine) {
   EXPECT_EQ(run({"sign-in", "--local", "--user-id", "me", "--currency", "USD"}).status, 0);
   EXPECT_EQ(stored(StoreKeys::userId), "me");
   EXPECT_EQ(stored(StoreKeys::currency), "USD");
+}
+
+TEST_F(APhone, HasTheServiceManagerStartTheLedgerAtALocalSignIn) {
+  const std::filesystem::path programs = folders_.home() / "programs";
+  std::filesystem::create_directories(programs);
+  const std::filesystem::path manager = programs / "systemctl";
+  const std::string ledger = (linux_platform::programFolder() / "kivo-ledger").string();
+  std::ofstream(manager)
+      << "#!/bin/sh\necho \"$@\" >>\"$HOME/asked\"\n'" << ledger
+      << "' serve </dev/null >/dev/null 2>&1 &\necho $! >\"$HOME/ledger\"\n"
+         "until [ -S \"$XDG_RUNTIME_DIR/kivo/ledger.sock\" ]; do sleep 0.01; done\n";
+  std::filesystem::permissions(manager, std::filesystem::perms::owner_all);
+  const testkit::ScopedVariable path("PATH", programs.string() + ":/usr/bin:/bin");
+
+  const std::string answer = "Signed in at the ledger on this machine\nThe backend answers.\n";
+  EXPECT_EQ(run({"sign-in", "--local"}).output, answer);
+  EXPECT_EQ(run({"sign-in", "--local"}).output, answer);
+  EXPECT_EQ(contentOf("asked"), "--user start kivo-ledger.socket\n");
+  kill(std::stoi(contentOf("ledger")), SIGTERM);
 }
 
 TEST_F(APhone, SignsInToOneBackendOnly) {

@@ -7,7 +7,7 @@
 #include "demo/notification_display.h"
 #include "demo/private_session_bus.h"
 #include "feedback/amount_formatter.h"
-#include "platform/linux/user_notifications/notification_permission.h"
+#include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "testkit/extension_program.h"
 #include "testkit/reload_listener.h"
 

@@ -99,7 +99,7 @@ TEST_F(AUnixSocket, CarriesSixtyRequestsAtOnce) {
   for (const auto& running : exchanges) EXPECT_EQ(running->wait().status(), 200);
 }
 
-TEST_F(AUnixSocket, IsSentTheHostLocalhost) {
+TEST_F(AUnixSocket, ReceivesTheHostHeaderLocalhost) {
   auto socket = ListeningSocket::create(path());
   auto request = std::async(std::launch::async, [&socket] {
     timeval limit{.tv_sec = 5, .tv_usec = 0};
@@ -125,7 +125,7 @@ TEST_F(AUnixSocket, FailsWithoutAServer) {
   EXPECT_EQ(exchange(session_, post(url() + "/x")).failure, Failure::cannotConnectToHost);
 }
 
-TEST_F(AUnixSocket, IsSentNothingWhenItsFileBelongsToAnotherUser) {
+TEST_F(AUnixSocket, ReceivesNothingWhenItsFileBelongsToAnotherUser) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give a file to another user";
   const auto server = serving(300ms);
   ASSERT_EQ(chown(path().c_str(), 65534, 65534), 0);
@@ -133,7 +133,7 @@ TEST_F(AUnixSocket, IsSentNothingWhenItsFileBelongsToAnotherUser) {
   EXPECT_EQ(requests_, 0);
 }
 
-TEST_F(AUnixSocket, IsSentNothingWhenAnotherUserListens) {
+TEST_F(AUnixSocket, ReceivesNothingWhenAnotherUserListens) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can let another user listen";
   std::filesystem::create_directories(path().parent_path());
   std::filesystem::permissions(folder_.path(), std::filesystem::perms::all);
@@ -169,7 +169,7 @@ TEST_F(AUnixSocket, IsPrivateAndRemovedAtTheEnd) {
   EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
-TEST_F(AUnixSocket, ReplacesTheFileOfAServerThatIsGone) {
+TEST_F(AUnixSocket, ReplacesAStaleSocketFile) {
   OtherProcess dead([this](OtherProcess&) {
     new ListeningSocket(ListeningSocket::create(path()));  // its file stays
     return true;
@@ -180,7 +180,7 @@ TEST_F(AUnixSocket, ReplacesTheFileOfAServerThatIsGone) {
   EXPECT_EQ(exchange(session_, post(url() + "/x")).status(), 200);
 }
 
-TEST_F(AUnixSocket, IsNotTakenFromAServerThatListens) {
+TEST_F(AUnixSocket, DoesNotReplaceTheSocketOfARunningServer) {
   const auto socket = ListeningSocket::create(path());
   try {
     ListeningSocket::create(path());
@@ -193,20 +193,20 @@ TEST_F(AUnixSocket, IsNotTakenFromAServerThatListens) {
   EXPECT_TRUE(std::filesystem::exists(path()));
 }
 
-TEST_F(AUnixSocket, DoesNotReplaceAnotherFile) {
+TEST_F(AUnixSocket, DoesNotReplaceAFileThatIsNoSocket) {
   std::filesystem::create_directories(path().parent_path());
   std::ofstream(path()) << "text";
   EXPECT_THROW(ListeningSocket::create(path()), std::runtime_error);
   EXPECT_EQ(std::filesystem::file_size(path()), 4U);
 }
 
-TEST_F(AUnixSocket, IsNotCreatedWhereOthersMayReplaceIt) {
+TEST_F(AUnixSocket, IsNotCreatedInAFolderThatOthersCanWrite) {
   std::filesystem::create_directories(path().parent_path());
   std::filesystem::permissions(path().parent_path(), std::filesystem::perms::all);
   EXPECT_THROW(ListeningSocket::create(path()), std::runtime_error);
 }
 
-TEST_F(AUnixSocket, IsNotCreatedUnderTooLongAPath) {
+TEST_F(AUnixSocket, IsNotCreatedAtAPathThatIsTooLong) {
   EXPECT_THROW(ListeningSocket::create(folder_.path() / std::string(108, 'a')), std::runtime_error);
 }
 
@@ -216,19 +216,19 @@ TEST_F(AUnixSocket, RefusesABodyThatIsTooLong) {
               testing::StartsWith("HTTP/1.1 413 "));
 }
 
-TEST_F(AUnixSocket, RefusesWhatIsNoHttp) {
+TEST_F(AUnixSocket, RefusesInvalidHttp) {
   const auto server = serving(200ms);
   EXPECT_THAT(answerTo("gibberish\r\n\r\n"), testing::StartsWith("HTTP/1.1 400 "));
   EXPECT_EQ(requests_, 0);
 }
 
-TEST_F(AUnixSocket, AnswersNothingToARequestThatBreaksOff) {
+TEST_F(AUnixSocket, SendsNoAnswerToAnIncompleteRequest) {
   const auto server = serving(200ms);
   EXPECT_EQ(answerTo("POST / HTTP/1.1\r\nContent-Length: 5\r\n\r\nab"), "");
   EXPECT_EQ(requests_, 0);
 }
 
-TEST_F(AUnixSocket, IsServedUntilNoRequestCameForTheIdleTime) {
+TEST_F(AUnixSocket, IsServedUntilNoRequestComesForTheIdleLimit) {
   const auto begin = std::chrono::steady_clock::now();
   auto server = serving(300ms);
   std::this_thread::sleep_for(150ms);

@@ -10,7 +10,6 @@
 #include "platform/foundation/user_defaults.h"
 #include "platform/linux/bus/session_bus.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
-#include "platform/linux/user_notifications/notification_permission.h"
 #include "platform/user_notifications/un_user_notification_center.h"
 #include "testkit/private_phone.h"
 #include "testkit/silent_socket.h"

@@ -1,41 +1,16 @@
 #!/usr/bin/env python3
-"""Clicks on a notification of the installed Kivo as a person would, and looks at the window that opens."""
-import contextlib
+"""Clicks on a notification of the installed Kivo as a person would, and looks at the window or the page that opens."""
 import os
 import shutil
 import unittest
 
-from installed_kivo import InstalledKivo, with_unpacked
-from virtual_desktop import VirtualDesktop, wait_for
+from installed_kivo import with_unpacked
+from kivo_on_a_desktop import KivoOnADesktop, KivoWithALedger
+from virtual_desktop import wait_for
 
-MESSAGE = "Your card was charged EGP 150.00 at Cafe"
-FIGURES = "EGP\u00a0150.00"
-
-
-class AnOpenedLink(unittest.TestCase):
-    def setUp(self):
-        self.stack = contextlib.ExitStack()
-        self.addCleanup(self.stack.close)
-        self.kivo = InstalledKivo()
-        self.stack.callback(self.kivo.close)
-        self.desktop = VirtualDesktop(self.kivo, self.stack)
-
-    def track(self):
-        self.kivo.run("kivo-intents", "perform", "ProcessSMSIntent", "--smsText", "-", input=MESSAGE)
-
-    def expect_widget(self):
-        """One window opens, with the figures in it."""
-        wait_for(lambda: self.desktop.windows("XTerm"), "a terminal is open")
-        wait_for(lambda: FIGURES in self.desktop.shown(), "the terminal shows the figures")
-        self.assertIn("1 expense ", self.desktop.shown())
-        self.assertEqual(len(self.desktop.terminals()), 1)
-
+class AnOpenedLink(KivoOnADesktop):
     def test_a_click_on_a_notification_shows_the_widget(self):
-        self.kivo.run("kivo-phone", "notifications", "authorized")
-        self.track()
-        [notification] = wait_for(lambda: self.desktop.windows("Dunst"), "the notification is shown")
-        self.assertEqual(self.desktop.windows("XTerm"), [])
-        self.desktop.click(notification)
+        self.click_on_the_notification()
         self.expect_widget()
 
     def test_the_window_closes_when_the_widget_ends(self):
@@ -61,6 +36,38 @@ class AnOpenedLink(unittest.TestCase):
         self.desktop.launch("xdg-open", f"kivo-expenses:x --version $(touch {made}) `touch {made}`; touch {made}")
         self.expect_widget()
         self.assertFalse(made.exists())
+
+
+class AnOpenedLinkWithALedger(KivoWithALedger):
+    def expect_report(self, text):
+        """One browser is started, with the report."""
+        page = self.desktop.home / "page"
+        wait_for(page.exists, "the browser shows a page")
+        self.assertIn(text, page.read_text())
+        self.assertEqual((len(self.desktop.browsers()), self.desktop.terminals()), (1, []))
+
+    def test_a_click_on_a_notification_shows_the_report(self):
+        self.desktop.install_browser()
+        self.click_on_the_notification()
+        self.expect_report("Cafe")
+
+    def test_a_menu_shows_the_report(self):
+        self.desktop.install_browser()
+        self.track()
+        self.desktop.launch("gio", "launch", self.desktop.entry)
+        self.expect_report("Cafe")
+
+    def test_an_empty_book_has_a_report(self):
+        self.desktop.install_browser()
+        self.desktop.launch("kivo-phone", "open")  # ends while the browser runs
+        self.expect_report("Nothing is booked")
+
+    def test_a_desktop_without_a_browser_shows_the_widget(self):
+        # Answers as xdg-open does where no program shows pages, whatever this machine has.
+        self.desktop.install("xdg-open", "#!/bin/sh\ncase $1 in kivo-*) exec /usr/bin/xdg-open \"$1\" ;; esac\nexit 3\n")
+        self.click_on_the_notification()
+        self.expect_widget()
+        wait_for(lambda: "This month" in self.desktop.shown(), "the widget shows the month")
 
 
 if __name__ == "__main__":

@@ -9,10 +9,13 @@ import contextlib
 import datetime
 import json
 import os
+import re
 import shutil
 import sys
+import textwrap
 
-from clean_root import CannotBeMade, CleanRoot, check
+from clean_root import TREE, CannotBeMade, CleanRoot, check
+from ledger_in_root import keep_a_book
 from loopback_backend import Backend
 from modem_manager_in_root import ModemManager
 from session_in_root import Session
@@ -21,6 +24,7 @@ MESSAGE = "Your card was charged EGP 150.00 at Cafe"
 DIALOG = "Tracked EGP\u00a0150.00 at Cafe"
 RECEIVED = "Your card was charged EGP 150.00 at Bakery"
 NOW = datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds")
+MERCHANT = "Carrefour City"  # of the message in README.md
 MODEMS = {"0": [
     {"path": "1", "State": 3, "PduType": 1, "Number": "Friend", "Text": "See you at the bakery", "Timestamp": NOW},
     {"path": "2", "State": 3, "PduType": 1, "Number": "MyBank", "Text": RECEIVED, "Timestamp": NOW},
@@ -56,6 +60,8 @@ def try_out(root, session, backend):
         use_services(root, session)
         with ModemManager(root.folder / "tmp/system-bus", MODEMS):
             receive_messages(root, session, backend)
+        spend_the_first_minutes(session)
+        keep_a_book(session, backend)
     else:
         print("clean Debian 12: services not tried: no control groups can be mounted here")
 
@@ -93,6 +99,27 @@ def receive_messages(root, session, backend):
           "a message on the modem is tracked when its sender has been named, and no other")
     status = session.status_of("kivo-sms-watcher.service")
     check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the watcher is confined")
+
+
+def first_minutes():
+    """The lines of README.md that follow the installation, as a script."""
+    section = (TREE / "README.md").read_text().split("\n## Install it\n")[1].split("\n## ")[0]
+    installing, trying, *_ = re.findall(r"(?:^    .*\n)+", section, re.MULTILINE)
+    check("apt install" in installing, "README.md begins with the installation")
+    return textwrap.dedent(trying).rstrip("\n")
+
+
+def spend_the_first_minutes(session):
+    """The ledger takes the place of the backend, in a session that has not heard of its socket."""
+    session.alice("systemctl --user stop kivo-ledger.socket")
+    script = first_minutes()
+    check(script.endswith("\nkivo-ledger report"), "README.md ends with the report")
+    said = session.alice(f"{script} --no-open").splitlines()
+    check("The backend answers." in said, "sign-in starts the ledger's socket")
+    page = session.alice(f"cat '{said[-1]}'")
+    check(MERCHANT in page and page.startswith("<!DOCTYPE html>"), "the lines of README.md end with a report")
+    check(MERCHANT in session.alice("kivo-ledger list"), "the message is in the book")
+    check("This month     EGP" in session.alice("kivo-phone status"), "the status knows the month")
 
 
 def main(package):

@@ -30,6 +30,18 @@ TERMINAL = """#!/bin/sh
 echo $$ >>'{home}/terminals'
 exec /usr/bin/xterm -l -lf '{home}/shown' "$@" 2>/dev/null
 """
+# Keeps the page that it is to show, and runs on as a browser does that was not running before.
+RECORDING_BROWSER = """#!/bin/sh
+echo $$ >>'{home}/browsers'
+cp "$1" '{home}/page.new' && mv '{home}/page.new' '{home}/page'
+exec sleep 600
+"""
+BROWSER_ENTRY = """[Desktop Entry]
+Type=Application
+Name=Browser
+Exec=the-browser %f
+MimeType=text/html;
+"""
 SECONDS = 60
 
 
@@ -43,31 +55,50 @@ def wait_for(condition, what):
     return found
 
 
+def has_ended(process):
+    """Also when its parent has not asked for its status."""
+    try:
+        return pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] == "Z"
+    except (FileNotFoundError, ProcessLookupError):
+        return True
+
+
 class VirtualDesktop:
-    """`kivo.environment` is that of its programs as well from now on. `entry` is the only desktop file."""
+    """`kivo.environment` is that of its programs as well from now on. `entry` is Kivo's desktop file, and the only
+    one."""
 
     def __init__(self, kivo, stack):
         self.kivo = kivo
         self.home = pathlib.Path(kivo.environment["HOME"])
         self._stack = stack
-        programs = self.home / "programs"
-        programs.mkdir()
-        terminal = programs / "x-terminal-emulator"
-        terminal.write_text(TERMINAL.format(home=self.home))
-        terminal.chmod(0o755)
+        self.programs = self.home / "programs"
+        self.programs.mkdir()
+        self.install("x-terminal-emulator", TERMINAL)
         self.entry = self._install_entry()
         (self.home / "bus.conf").write_text(BUS.format(bus=self.home / "bus", services=PREFIX / "share/dbus-1/services"))
         (self.home / "dunstrc").write_text(DUNST)
         kivo.environment |= {
-            "DISPLAY": self._screen(), "PATH": f"{programs}:{kivo.environment['PATH']}",
+            "DISPLAY": self._screen(), "PATH": f"{self.programs}:{kivo.environment['PATH']}",
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.home}/bus",
             "XDG_DATA_DIRS": str(self.home / "share"), "XDG_CONFIG_DIRS": str(self.home / "none"),
         }
-        self._start("dbus-daemon", f"--config-file={self.home}/bus.conf", "--nofork")
+        self.start("dbus-daemon", f"--config-file={self.home}/bus.conf", "--nofork")
         wait_for((self.home / "bus").exists, "the bus listens")
-        self._start("dunst", "-config", self.home / "dunstrc", env=with_unpacked(kivo.environment))
+        self.start("dunst", "-config", self.home / "dunstrc", env=with_unpacked(kivo.environment))
         wait_for(self._has_notification_server, "the notification server is on the bus")
-        stack.callback(self._close_terminals)
+        stack.callback(self._close_windows)
+
+    def install(self, name, script):
+        """A program that comes before others of its name."""
+        program = self.programs / name
+        program.write_text(script.format(home=self.home))
+        program.chmod(0o755)
+
+    def install_browser(self, script=RECORDING_BROWSER):
+        """The program for pages. The recording one keeps the page in the file `page`."""
+        self.install("the-browser", script)
+        (self.entry.parent / "browser.desktop").write_text(BROWSER_ENTRY)
+        subprocess.run(["update-desktop-database", self.entry.parent], check=True, timeout=SECONDS)
 
     def _install_entry(self):
         """The installed desktop file, where no other is, made known as the package manager does that."""
@@ -79,13 +110,14 @@ class VirtualDesktop:
 
     def _screen(self):
         reading, writing = os.pipe()
-        self._start("Xvfb", "-displayfd", str(writing), "-screen", "0", "1000x600x24", "-nolisten", "tcp",
+        self.start("Xvfb", "-displayfd", str(writing), "-screen", "0", "1000x600x24", "-nolisten", "tcp",
                     "-noreset", pass_fds=(writing,))
         os.close(writing)
         with os.fdopen(reading) as numbers:
             return ":" + numbers.readline().strip()
 
-    def _start(self, *command, **options):
+    def start(self, *command, **options):
+        """Starts a program that runs until the desktop ends."""
         options = {"env": self.kivo.environment} | options
         process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                    stderr=subprocess.DEVNULL, **options)
@@ -98,16 +130,24 @@ class VirtualDesktop:
                                "org.freedesktop.Notifications.GetServerInformation"],
                               env=self.kivo.environment, capture_output=True, timeout=SECONDS).returncode == 0
 
-    def _close_terminals(self):
-        for process in self.terminals():
+    def _close_windows(self):
+        for process in self.terminals() + self.browsers():
             try:
                 os.kill(process, signal.SIGTERM)
             except ProcessLookupError:
                 pass
+            wait_for(lambda: has_ended(process), "the window's program has ended")  # and leaves the folders alone
 
     def terminals(self):
         """The processes of the terminals that were opened, also of those that have ended."""
-        file = self.home / "terminals"
+        return self._processes("terminals")
+
+    def browsers(self):
+        """As `terminals`."""
+        return self._processes("browsers")
+
+    def _processes(self, kind):
+        file = self.home / kind
         return [int(line) for line in file.read_text().split()] if file.exists() else []
 
     def windows(self, kind):

@@ -52,6 +52,11 @@ class AppIntent {
 };
 
 /// Returns the parameter `name` of `intent`; null when it has no such parameter.
-AnyIntentParameter* parameterNamed(AppIntent& intent, std::string_view name);
+inline AnyIntentParameter* parameterNamed(AppIntent& intent, std::string_view name) {
+  for (AnyIntentParameter* const parameter : intent.parameters()) {
+    if (parameter->settings().name == name) return parameter;
+  }
+  return nullptr;
+}
 
 }  // namespace kivo::platform

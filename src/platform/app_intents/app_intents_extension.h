@@ -25,7 +25,13 @@ struct AppIntentsExtension {
   ShortcutTileColor shortcutTileColor = ShortcutTileColor::standard;
 
   /// Creates an intent of the type `typeName`; null when the extension has no such type.
-  [[nodiscard]] std::unique_ptr<AppIntent> makeIntent(std::string_view typeName) const;
+  [[nodiscard]] std::unique_ptr<AppIntent> makeIntent(std::string_view typeName) const {
+    for (const auto& make : intents) {
+      auto intent = make();
+      if (intent->typeName() == typeName) return intent;
+    }
+    return nullptr;
+  }
 };
 
 }  // namespace kivo::platform

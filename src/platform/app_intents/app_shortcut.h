@@ -16,7 +16,9 @@ struct AppShortcutPhrase {
   std::string_view words;
 
   /// Returns the phrase with `applicationName` at its end.
-  [[nodiscard]] std::string said(std::string_view applicationName) const;
+  [[nodiscard]] std::string said(std::string_view applicationName) const {
+    return std::string(words).append(applicationName);
+  }
 };
 
 /// An intent that is offered without set-up by the user.

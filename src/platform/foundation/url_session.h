@@ -1,13 +1,30 @@
-// The process's HTTP session. Does not judge the status of a response.
+// HTTP requests and the process's session that sends them. Does not judge the status of a response.
 #pragma once
 
+#include <chrono>
+#include <map>
 #include <string>
 
 #include "platform/concurrency/task.h"
 #include "platform/foundation/process_wide.h"
-#include "platform/foundation/url_request.h"
+#include "platform/foundation/url.h"
 
 namespace kivo::platform {
+
+/// One HTTP request.
+struct URLRequest {
+  enum class CachePolicy { useProtocolCachePolicy };
+
+  URL url;
+  CachePolicy cachePolicy = CachePolicy::useProtocolCachePolicy;
+  /// Timeout of the whole exchange, name lookup included.
+  std::chrono::milliseconds timeoutInterval = std::chrono::seconds(60);
+  std::string httpMethod = "GET";
+  /// The session adds the ones that HTTP requires.
+  std::map<std::string, std::string> headerFields = {};
+  /// Raw bytes.
+  std::string httpBody = {};
+};
 
 struct HTTPURLResponse {
   /// Of the final response, 200 to 999.

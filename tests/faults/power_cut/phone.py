@@ -1,13 +1,11 @@
-"""The real programs in private folders, with a loopback backend; records every run."""
+"""The real programs in private folders; records every run."""
 import contextlib
-import http.server
 import json
 import os
 import pathlib
 import signal
 import socket
 import subprocess
-import threading
 import time
 
 from judge import write_state
@@ -18,31 +16,6 @@ GROUP = "data/group.app.kivo.expenses/defaults.sqlite3"
 CENTER = "data/app.kivo.NotificationCenter/defaults.sqlite3"
 LEDGER = "data/app.kivo.ledger/ledger.sqlite3"
 SENDERS = "config/kivo/sms-watcher.toml"
-SAVED = {"saved": True, "transaction_type": "expense",
-         "expense": {"id": "1", "description": "Cafe", "amount": 150.0, "category": "Food",
-                     "expense_date": "2026-01-31"}}
-
-
-class _Backend(http.server.BaseHTTPRequestHandler):
-    def do_POST(self):
-        self.rfile.read(int(self.headers["Content-Length"]))
-        answer = json.dumps(SAVED).encode()
-        self.send_response(200)
-        self.send_header("Content-Length", str(len(answer)))
-        self.end_headers()
-        self.wfile.write(answer)
-
-    def log_message(self, *_):
-        pass
-
-
-@contextlib.contextmanager
-def backend():
-    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), _Backend)
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    yield f"http://127.0.0.1:{server.server_port}"
-    server.shutdown()
-    server.server_close()
 
 
 class Phone:

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Cuts the power of recorded runs at any moment, and checks each state that the disk may then have.
 
-Needs the programs in the folder that KIVO_PROGRAMS names. KIVO_LONG=1 judges 30,000 states.
+Needs the programs in the folder that KIVO_PROGRAMS names, and tests/packaging in PYTHONPATH; ./test
+faults sets both. KIVO_LONG=1 judges 30,000 states.
 """
 import copy
 import os
@@ -15,7 +16,8 @@ import unittest
 
 from disk import Disk
 from judge import Broken, Judge
-from phone import CENTER, GROUP, LEDGER, PROGRAMS, SENDERS, Phone, backend
+from loopback_backend import Backend
+from phone import CENTER, GROUP, LEDGER, PROGRAMS, SENDERS, Phone
 
 LONG = os.environ.get("KIVO_LONG") == "1"
 STATES = 5600 if LONG else 60  # of each recording
@@ -80,7 +82,9 @@ class APowerCut(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kivo-cut-", dir=MEMORY))
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-        self.url = self.enterContext(backend())
+        backend = Backend()
+        self.addCleanup(backend.close)
+        self.url = backend.url
         self.phone = Phone(self.folder / "home")
         self.checked = 0
 

@@ -5,12 +5,12 @@
 namespace kivo::ledger {
 namespace {
 
-TEST(TheDigitsOfASum, MayHaveNoSeparator) {
+TEST(TheDigitsOfAnAmount, AreReadWithoutASeparator) {
   EXPECT_EQ(minorUnitsOf("150", "EGP"), 15000);
   EXPECT_EQ(minorUnitsOf("150", "JPY"), 150);
 }
 
-TEST(TheDigitsOfASum, MayGroupThousandsAndLakhs) {
+TEST(TheDigitsOfAnAmount, AreReadWithGroupsOfThousandsOrLakhs) {
   EXPECT_EQ(minorUnitsOf("1,234.56", "EGP"), 123456);
   EXPECT_EQ(minorUnitsOf("1.234,56", "EUR"), 123456);
   EXPECT_EQ(minorUnitsOf("1'234.50", "CHF"), 123450);
@@ -19,20 +19,20 @@ TEST(TheDigitsOfASum, MayGroupThousandsAndLakhs) {
   EXPECT_EQ(minorUnitsOf("1.234.567", "EUR"), 123456700);
 }
 
-TEST(TheDigitsOfASum, MaySeparateDecimalsLikeThousands) {
+TEST(TheDigitsOfAnAmount, AreReadWithOneSeparatorForThousandsAndDecimals) {
   EXPECT_EQ(minorUnitsOf("55.000.00", "PKR"), 5500000);
 }
 
-TEST(TheDigitsOfASum, MayBeginWithThePoint) { EXPECT_EQ(minorUnitsOf(".93", "EUR"), 93); }
+TEST(TheDigitsOfAnAmount, AreReadWithALeadingPoint) { EXPECT_EQ(minorUnitsOf(".93", "EUR"), 93); }
 
-TEST(TheDigitsOfASum, MayHaveFewerOrMoreDecimalsThanTheCurrency) {
+TEST(TheDigitsOfAnAmount, AreReadWithFewerOrMoreDecimalsThanTheCurrencyHas) {
   EXPECT_EQ(minorUnitsOf("34.5", "AED"), 3450);
   EXPECT_EQ(minorUnitsOf("34,5", "AED"), 3450);
   EXPECT_EQ(minorUnitsOf("12.5000", "INR"), 1250);
   EXPECT_EQ(minorUnitsOf("20000.00", "UGX"), 20000);
 }
 
-TEST(ALonePointBeforeThreeDigits, IsReadByTheHabitOfTheCurrency) {
+TEST(ALonePointBeforeThreeDigits, IsReadByTheConventionOfTheCurrency) {
   EXPECT_EQ(minorUnitsOf("5.000", "KWD"), 5000);    // five dinars
   EXPECT_EQ(minorUnitsOf("5.000", "IDR"), 500000);  // five thousand rupiah
   EXPECT_EQ(minorUnitsOf("5.000", "XOF"), 5000);    // five thousand francs
@@ -40,13 +40,13 @@ TEST(ALonePointBeforeThreeDigits, IsReadByTheHabitOfTheCurrency) {
   EXPECT_EQ(minorUnitsOf("5.250", "INR"), std::nullopt);
 }
 
-TEST(ALoneCommaBeforeThreeDigits, GroupsUnlessTheCurrencyHasDecimalCommas) {
+TEST(ALoneCommaBeforeThreeDigits, IsAThousandsSeparatorUnlessDecimalsUseCommas) {
   EXPECT_EQ(minorUnitsOf("5,000", "KWD"), 5000000);
   EXPECT_EQ(minorUnitsOf("5,000", "TND"), 5000);
   EXPECT_EQ(minorUnitsOf("0,500", "KWD"), 500);
 }
 
-TEST(DigitsThatFollowNoHabit, AreNotRead) {
+TEST(TheDigitsOfAnAmount, AreRefusedWhenTheyFollowNoConvention) {
   EXPECT_EQ(minorUnitsOf("1,23,45", "EGP"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("10,00.00", "EGP"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("500.00.2345", "INR"), std::nullopt);

@@ -29,7 +29,7 @@ TEST_F(ABook, BooksATransaction) {
   EXPECT_EQ(entries[0].text, "text of KEY-1");
 }
 
-TEST_F(ABook, GivesTheSameBytesForAKeyWhateverTheText) {
+TEST_F(ABook, AnswersAKnownKeyWithTheSameBytesWhateverTheText) {
   Book book = open();
   const std::string first = book.record(message("KEY-1"), "EGP").answer;
   reading_ = spent(99900, "Another");
@@ -51,7 +51,7 @@ TEST_F(ABook, KeepsTheKeysOfUsersApart) {
   EXPECT_EQ(book.entries({}).size(), 2U);
 }
 
-TEST_F(ABook, AnswersAKeyAsBeforeWhenItsTransactionWasDeletedOrEdited) {
+TEST_F(ABook, KeepsTheAnswerToAKeyWhenItsTransactionIsDeletedOrEdited) {
   Book book = open();
   const std::string first = book.record(message("KEY-1"), "EGP").answer;
   const std::string second = book.record(message("KEY-2"), "EGP").answer;
@@ -60,10 +60,10 @@ TEST_F(ABook, AnswersAKeyAsBeforeWhenItsTransactionWasDeletedOrEdited) {
   EXPECT_EQ(book.record(message("KEY-1"), "EGP").answer, first);
   EXPECT_EQ(book.record(message("KEY-2"), "EGP").answer, second);
   EXPECT_EQ(book.entries({}).size(), 1U);
-  EXPECT_EQ(record(book, message("KEY-3")).expense->id, "3");  // no number is given again
+  EXPECT_EQ(record(book, message("KEY-3")).expense->id, "3");  // ids are not reused
 }
 
-TEST_F(ABook, KeepsOnlyTheKeyOfAMessageThatMovedNoMoney) {
+TEST_F(ABook, StoresOnlyTheKeyOfAMessageThatIsNoTransaction) {
   Book book = open();
   reading_.outcome = Outcome::declined;
   EXPECT_EQ(record(book, message("KEY-1")).reason, "declined");
@@ -74,7 +74,7 @@ TEST_F(ABook, KeepsOnlyTheKeyOfAMessageThatMovedNoMoney) {
   EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM transactions"), "0\n");
 }
 
-TEST_F(ABook, KeepsAnUnclearMessageForReview) {
+TEST_F(ABook, PutsAnUnclearMessageInReview) {
   Book book = open();
   reading_.outcome = Outcome::needsReview;
   reading_.amount.reset();
@@ -87,7 +87,7 @@ TEST_F(ABook, KeepsAnUnclearMessageForReview) {
   EXPECT_FALSE(entries[0].amount);
 }
 
-TEST_F(ABook, MarksTheSameSumPayeeAndDayUnderAnotherKey) {
+TEST_F(ABook, MarksADuplicateByAmountPayeeAndDay) {
   Book book = open();
   EXPECT_FALSE(recorded(book, "KEY-1", spent(15000)).possibleDuplicateOf);
   EXPECT_EQ(recorded(book, "KEY-2", spent(15000, "SUNNY MARKET")).possibleDuplicateOf, 1);
@@ -95,7 +95,7 @@ TEST_F(ABook, MarksTheSameSumPayeeAndDayUnderAnotherKey) {
   EXPECT_EQ(book.entries({}).size(), 3U);
 }
 
-TEST_F(ABook, MarksTheSameReferenceUnderAnotherKey) {
+TEST_F(ABook, MarksADuplicateByReference) {
   Book book = open();
   Reading reading = spent(15000);
   reading.reference = "UTR 7";
@@ -105,7 +105,7 @@ TEST_F(ABook, MarksTheSameReferenceUnderAnotherKey) {
   EXPECT_EQ(recorded(book, "KEY-2", reading, "2026-11-25").possibleDuplicateOf, 1);
 }
 
-TEST_F(ABook, MarksNothingThatDiffersInSumPayeeDayKindOrCurrency) {
+TEST_F(ABook, MarksNoDuplicateWhenAmountPayeeDayKindOrCurrencyDiffers) {
   Book book = open();
   recorded(book, "KEY-1", spent(15000));
   EXPECT_FALSE(recorded(book, "KEY-2", spent(15001)).possibleDuplicateOf);
@@ -119,7 +119,7 @@ TEST_F(ABook, MarksNothingThatDiffersInSumPayeeDayKindOrCurrency) {
   EXPECT_FALSE(recorded(book, "KEY-6", foreign).possibleDuplicateOf);
 }
 
-TEST_F(ABook, HoldsAForeignSumForReviewUntilARateIsSet) {
+TEST_F(ABook, PutsAForeignAmountInReviewUntilARateIsSet) {
   Book book = open();
   readings_ = [](std::string_view currency) {
     Reading reading = spent(1050, "Sunny Market", "USD");
@@ -136,7 +136,7 @@ TEST_F(ABook, HoldsAForeignSumForReviewUntilARateIsSet) {
   EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");
 }
 
-TEST_F(ABook, ConvertsBetweenCurrenciesOfDifferentDecimals) {
+TEST_F(ABook, ConvertsBetweenCurrenciesWithDifferentDecimals) {
   Book book = open();
   readings_ = [](std::string_view currency) {
     Reading reading = spent(1250, "Sunny Market", "KWD");  // 1.250
@@ -148,7 +148,7 @@ TEST_F(ABook, ConvertsBetweenCurrenciesOfDifferentDecimals) {
   EXPECT_EQ(book.entries({})[0].amount, (Money{613, "JPY"}));  // 613.125
 }
 
-TEST_F(ABook, HoldsAForeignSumThatIsUnclearForReviewInSpiteOfARate) {
+TEST_F(ABook, PutsAnUnclearForeignAmountInReviewDespiteARate) {
   Book book = open();
   book.setRate("USD", "48.5");
   reading_ = spent(1050, "Sunny Market", "USD");
@@ -156,7 +156,7 @@ TEST_F(ABook, HoldsAForeignSumThatIsUnclearForReviewInSpiteOfARate) {
   EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");
 }
 
-TEST_F(ABook, AppliesWhatAPersonCorrectedToLaterMessagesOfThatPayee) {
+TEST_F(ABook, AppliesACorrectionToLaterMessagesOfThePayee) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "SNNY MRKT 17"));
   recorded(book, "KEY-2", spent(200, "SNNY MRKT 17"));
@@ -169,14 +169,14 @@ TEST_F(ABook, AppliesWhatAPersonCorrectedToLaterMessagesOfThatPayee) {
   EXPECT_EQ(recorded(book, "KEY-4", spent(300, "Another")).category, "Groceries");
 }
 
-TEST_F(ABook, HoldsNoCorrectionForAMessageWithoutPayee) {
+TEST_F(ABook, StoresNoCorrectionForAMessageWithoutAPayee) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, ""));
   ASSERT_TRUE(book.edit(1, {.category = "Food"}));
   EXPECT_EQ(recorded(book, "KEY-2", spent(200, "")).category, "Groceries");
 }
 
-TEST_F(ABook, AcknowledgesNothingThatTheFileDidNotTake) {
+TEST_F(ABook, AcknowledgesNothingWhenTheWriteFails) {
   Book book = open();
   testkit::RawStore(file()).run(
       "CREATE TRIGGER full BEFORE INSERT ON answers BEGIN SELECT raise(ABORT, 'full'); END");

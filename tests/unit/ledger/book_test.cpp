@@ -20,7 +20,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
 
-class AKeptBook : public LedgerTest {
+class AStoredBook : public LedgerTest {
  protected:
   static std::vector<std::int64_t> ids(const std::vector<LedgerEntry>& entries) {
     std::vector<std::int64_t> found;
@@ -47,7 +47,7 @@ class AKeptBook : public LedgerTest {
   }
 };
 
-TEST_F(AKeptBook, IsPrivateAndSaysWhatItIs) {
+TEST_F(AStoredBook, IsPrivateAndHasItsApplicationIdAndVersion) {
   open();
   EXPECT_EQ(modeOf(file()), 0600U);
   EXPECT_EQ(modeOf(file().parent_path()), 0700U);
@@ -57,11 +57,11 @@ TEST_F(AKeptBook, IsPrivateAndSaysWhatItIs) {
   EXPECT_EQ(raw.run("PRAGMA application_id"), "1266044007\n");
 }
 
-TEST_F(AKeptBook, ListsTheNewestFirst) {
+TEST_F(AStoredBook, ListsTheNewestFirst) {
   EXPECT_THAT(ids(three().entries({})), ElementsAre(1, 2, 3));
 }
 
-TEST_F(AKeptBook, ListsWhatFitsAFilter) {
+TEST_F(AStoredBook, ListsTheEntriesThatMatchAFilter) {
   Book book = three();
   EXPECT_THAT(ids(book.entries({.from = "2026-11-01"})), ElementsAre(1, 2));
   EXPECT_THAT(ids(book.entries({.to = "2026-11-01"})), ElementsAre(2, 3));
@@ -76,7 +76,7 @@ TEST_F(AKeptBook, ListsWhatFitsAFilter) {
   EXPECT_THAT(ids(book.entries({.state = LedgerEntry::State::review})), IsEmpty());
 }
 
-TEST_F(AKeptBook, EditsOnlyWhatIsGiven) {
+TEST_F(AStoredBook, EditsOnlyTheGivenMembers) {
   Book book = open();
   const LedgerEntry before = recorded(book, "KEY-1", spent(100));
   EXPECT_TRUE(book.edit(1, {.date = "2026-01-02", .kind = Kind::transfer}));
@@ -90,7 +90,7 @@ TEST_F(AKeptBook, EditsOnlyWhatIsGiven) {
   EXPECT_FALSE(book.edit(2, {.date = "2026-01-02"}));
 }
 
-TEST_F(AKeptBook, BooksAReviewedEntryThatHasASum) {
+TEST_F(AStoredBook, AcceptsAnEntryInReviewWhenItHasAnAmount) {
   Book book = open();
   Reading reading = spent(100);
   reading.outcome = Outcome::needsReview;
@@ -105,7 +105,7 @@ TEST_F(AKeptBook, BooksAReviewedEntryThatHasASum) {
   EXPECT_TRUE(book.accept(2, "EGP"));
 }
 
-TEST_F(AKeptBook, ConvertsAForeignSumThatIsAcceptedWhenARateIsSet) {
+TEST_F(AStoredBook, ConvertsAForeignAmountOnAcceptWhenARateIsSet) {
   Book book = open();
   Reading foreign = spent(1000, "Sunny Market", "USD");
   foreign.outcome = Outcome::needsReview;
@@ -123,7 +123,7 @@ TEST_F(AKeptBook, ConvertsAForeignSumThatIsAcceptedWhenARateIsSet) {
   EXPECT_EQ(book.entry(2)->state, LedgerEntry::State::booked);
 }
 
-TEST_F(AKeptBook, LeavesTheSumOfABookedEntryThatIsAcceptedAgain) {
+TEST_F(AStoredBook, KeepsTheAmountOfABookedEntryThatIsAcceptedAgain) {
   Book book = open();
   Reading foreign = spent(1000, "Sunny Market", "USD");
   foreign.outcome = Outcome::needsReview;
@@ -134,7 +134,7 @@ TEST_F(AKeptBook, LeavesTheSumOfABookedEntryThatIsAcceptedAgain) {
   EXPECT_EQ(book.entry(1)->amount, (Money{1000, "USD"}));
 }
 
-TEST_F(AKeptBook, LeavesNoTextOfADeletedEntryInItsFiles) {
+TEST_F(AStoredBook, ErasesTheTextOfADeletedEntryFromItsFiles) {
   Book book = open();
   Message secret = message("KEY-1");
   secret.text = "SECRET text of a message";
@@ -147,7 +147,7 @@ TEST_F(AKeptBook, LeavesNoTextOfADeletedEntryInItsFiles) {
   EXPECT_THAT(ids(book.entries({})), ElementsAre(2));
 }
 
-TEST_F(AKeptBook, MarksLookAlikesOfADeletedEntryByTheFirstOfThem) {
+TEST_F(AStoredBook, MarksDuplicatesOfADeletedEntryAsThoseOfTheFirstOfThem) {
   Book book = open();
   for (const char* const key : {"KEY-1", "KEY-2", "KEY-3", "KEY-4"}) {
     recorded(book, key, spent(100));
@@ -159,7 +159,7 @@ TEST_F(AKeptBook, MarksLookAlikesOfADeletedEntryByTheFirstOfThem) {
   EXPECT_EQ(book.entry(4)->possibleDuplicateOf, 2);
 }
 
-TEST_F(AKeptBook, LeavesNoTextInItsFilesWhenAllAreForgotten) {
+TEST_F(AStoredBook, ErasesForgottenTextsFromItsFiles) {
   Book book = three();
   EXPECT_EQ(book.forgetTexts(), 3);
   EXPECT_THAT(testkit::bytesIn(file().parent_path()), Not(HasSubstr("text of")));
@@ -168,7 +168,7 @@ TEST_F(AKeptBook, LeavesNoTextInItsFilesWhenAllAreForgotten) {
   EXPECT_EQ(book.forgetTexts(), 0);
 }
 
-TEST_F(AKeptBook, KeepsRates) {
+TEST_F(AStoredBook, StoresRates) {
   Book book = open();
   book.setRate("USD", "48.5");
   book.setRate("EUR", "52");
@@ -178,7 +178,7 @@ TEST_F(AKeptBook, KeepsRates) {
   EXPECT_FALSE(book.removeRate("USD"));
 }
 
-TEST_F(AKeptBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
+TEST_F(AStoredBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
   open();
   for (const char* const sql : {"PRAGMA user_version = 2", "PRAGMA application_id = 7"}) {
     testkit::RawStore(file()).run(sql);

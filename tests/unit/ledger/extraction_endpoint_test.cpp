@@ -50,7 +50,7 @@ TEST_F(AnExtractionEndpoint, AnswersWithAResponseRecord) {
   EXPECT_EQ(post(body()).body, answer.body);
 }
 
-TEST_F(AnExtractionEndpoint, IsReachedBelowABaseWithASlash) {
+TEST_F(AnExtractionEndpoint, AcceptsAPathWithTwoLeadingSlashes) {
   EXPECT_EQ(
       endpoint_
           .answer({.method = "POST", .target = "//functions/v1/sms-extraction", .body = body()})
@@ -67,7 +67,7 @@ TEST_F(AnExtractionEndpoint, RefusesOtherPathsAndMethods) {
   EXPECT_THAT(answer.body, StartsWith(R"({"error":")"));
 }
 
-TEST_F(AnExtractionEndpoint, RefusesABodyThatDoesNotFit) {
+TEST_F(AnExtractionEndpoint, RefusesABodyThatIsNoValidRequest) {
   for (const std::string& bad :
        {std::string("no JSON"), std::string("[]"), std::string("{}"),
         std::string(R"({"sms_text":"a","user_id":"b","expense_date":"2026-11-21"})"),
@@ -90,7 +90,7 @@ TEST_F(AnExtractionEndpoint, RefusesADateThatDoesNotExist) {
   EXPECT_EQ(post(body("KEY-1", "2028-02-29")).status, 200);
 }
 
-TEST_F(AnExtractionEndpoint, SaysThatABookCannotBeOpenedUntilItCan) {
+TEST_F(AnExtractionEndpoint, FailsUntilTheBookCanBeOpened) {
   std::filesystem::create_directories(file().parent_path());
   std::ofstream(file()) << "no database, but a text of some length";
   testing::internal::CaptureStderr();
@@ -118,7 +118,7 @@ TEST_F(AnExtractionEndpoint, AcknowledgesNothingInADamagedBook) {
               HasSubstr("database disk image is malformed"));
 }
 
-TEST_F(AnExtractionEndpoint, SaysThatABookCannotBeWrittenUntilItCan) {
+TEST_F(AnExtractionEndpoint, FailsUntilTheBookCanBeWritten) {
   ASSERT_EQ(post(body("KEY-1")).status, 200);
   testkit::RawStore(file()).run(
       "CREATE TRIGGER full BEFORE INSERT ON answers BEGIN SELECT raise(ABORT, 'full'); END");
@@ -131,7 +131,7 @@ TEST_F(AnExtractionEndpoint, SaysThatABookCannotBeWrittenUntilItCan) {
   EXPECT_EQ(post(body("KEY-2")).status, 200);
 }
 
-TEST_F(AnExtractionEndpoint, TellsOnceOfAnEntryToLookAt) {
+TEST_F(AnExtractionEndpoint, ReportsAnEntryInReviewOnce) {
   post(body("KEY-1"));
   reading_.outcome = Outcome::needsReview;
   post(body("KEY-2"));

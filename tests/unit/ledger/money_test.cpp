@@ -7,7 +7,7 @@
 namespace kivo::ledger {
 namespace {
 
-TEST(AMoneyText, HasTheDecimalsOfItsCurrency) {
+TEST(AnAmountText, HasTheDecimalsOfItsCurrency) {
   EXPECT_EQ(amountText({15000, "EGP"}), "150.00");
   EXPECT_EQ(amountText({4250, "KWD"}), "4.250");
   EXPECT_EQ(amountText({150, "JPY"}), "150");
@@ -16,12 +16,12 @@ TEST(AMoneyText, HasTheDecimalsOfItsCurrency) {
   EXPECT_EQ(amountText({0, "EGP"}), "0.00");
 }
 
-TEST(AMoneyText, HoldsTheSmallestAndTheGreatestSum) {
+TEST(AnAmountText, CoversTheSmallestAndTheLargestAmount) {
   EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::min(), "EGP"}), "-92233720368547758.08");
   EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::max(), "EGP"}), "92233720368547758.07");
 }
 
-TEST(AMoneyText, IsReadAsWholeMinorUnits) {
+TEST(AnAmountText, IsParsedIntoMinorUnits) {
   EXPECT_EQ(moneyFromText("150", "EGP"), (Money{15000, "EGP"}));
   EXPECT_EQ(moneyFromText("150.5", "EGP"), (Money{15050, "EGP"}));
   EXPECT_EQ(moneyFromText("-0.05", "EGP"), (Money{-5, "EGP"}));
@@ -30,7 +30,7 @@ TEST(AMoneyText, IsReadAsWholeMinorUnits) {
             (Money{std::numeric_limits<std::int64_t>::max(), "EGP"}));
 }
 
-TEST(AMoneyText, ThatIsNoSumOfItsCurrencyIsNotRead) {
+TEST(AnAmountText, IsRefusedWhenItIsNoAmountOfItsCurrency) {
   for (const char* const text :
        {"", "-", ".5", "5.", "1,5", "1e3", " 1", "+1", "0x1", "nan", "1.2.3", "1.005",
         "92233720368547758.08", "99999999999999999999"}) {

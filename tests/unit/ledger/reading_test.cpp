@@ -38,7 +38,7 @@ TEST(ACardPayment, MayBeSpreadOverLabelledLines) {
             "review SAR 86.50 | Oasis Coffee | Dining");
 }
 
-TEST(ACardPayment, MayWriteItsSumWithACommaForThePoint) {
+TEST(ACardPayment, MayHaveADecimalComma) {
   EXPECT_EQ(of("Kartenzahlung? No: card payment of 1.234,56 EUR at Hotel Alpenblick on 03.05.2026"),
             "review EUR 1234.56 | Hotel Alpenblick | Travel");
 }
@@ -62,7 +62,7 @@ TEST(ACardPayment, CountsInTheUsersCurrencyWhenBothAreStated) {
             "expense 980.00 | Cloud Shelf Books | Shopping");
 }
 
-TEST(ACardPayment, IsToldFromItsFee) {
+TEST(ACardPayment, IsDistinguishedFromItsFee) {
   EXPECT_EQ(of("Service fee EGP 15.00. Purchase EGP 600.00 at Delta Furniture."),
             "expense 600.00 | Delta Furniture | Shopping");
 }
@@ -82,18 +82,18 @@ TEST(ACardPayment, MayNameNoMerchant) {
             "expense 75.00 | Card payment | Other");
 }
 
-TEST(ACardPayment, MayWarnAboutCodesBesides) {
+TEST(ACardPayment, MayIncludeAWarningAboutCodes) {
   EXPECT_EQ(
       of("You paid LE 250 at Corner Grill using card 4821. Never share your OTP with anyone."),
       "expense 250.00 | Corner Grill | Dining");
 }
 
-TEST(ACardPayment, MayCarryAnOfferBesides) {
+TEST(ACardPayment, MayIncludeAnOffer) {
   EXPECT_EQ(of("EGP 300 was charged at Lotus Clinic. Enjoy up to EGP 500 cashback this month!"),
             "expense 300.00 | Lotus Clinic | Health");
 }
 
-TEST(ACardPayment, WithoutACurrencyIsInTheUsers) {
+TEST(ACardPayment, IsInTheUsersCurrencyWhenItStatesNone) {
   EXPECT_EQ(of("Purchase of 120.50 at Green Leaf Grocery on 12/05/2026", "SAR"),
             "expense 120.50 | Green Leaf Grocery | Groceries");
 }

@@ -133,6 +133,27 @@ TEST_F(AWidget, ShowsThatMessagesWait) {
               HasSubstr("│ 1 message waits to be sent │\n"));
 }
 
+TEST_F(AWidget, ShowsTheMonthOfTheLedgerAndThatMessagesNeedALook) {
+  const auto box = [](std::int64_t toReview) {
+    return WidgetView::asBox({"$5.00", 1, "$1,205.00", 0, true, LedgerMonth{"$80.00", toReview}},
+                             Figures::plain);
+  };
+  EXPECT_EQ(box(2),
+            "╭──────────────────────────╮\n"
+            "│ Kivo · today             │\n"
+            "│                          │\n"
+            "│ $5.00                    │\n"
+            "│ 1 expense                │\n"
+            "│                          │\n"
+            "│ This month     $80.00    │\n"
+            "│ Running total  $1,205.00 │\n"
+            "│                          │\n"
+            "│ 2 messages need a look   │\n"
+            "╰──────────────────────────╯\n");
+  EXPECT_THAT(box(1), HasSubstr("│ 1 message needs a look   │\n"));
+  EXPECT_THAT(box(0), EndsWith("│ Running total  $1,205.00 │\n╰──────────────────────────╯\n"));
+}
+
 TEST_F(AWidget, ShowsHowToSignInWhenSignedOut) {
   EXPECT_THAT(WidgetView::asBox({"$5.00", 1, "$5.00", 0, false}, Figures::plain),
               EndsWith("│ Running total  $5.00      │\n"
@@ -151,6 +172,8 @@ TEST_F(AWidget, IsPlainLinesWithoutATerminal) {
             "Signed in      yes\n");
   EXPECT_THAT(WidgetView::asLines({"$5.00", 1, "$12.00", 0, false}),
               EndsWith("Waiting        0\nSigned in      no\n"));
+  EXPECT_THAT(WidgetView::asLines({"$5.00", 1, "$12.00", 0, true, LedgerMonth{"$80.00", 2}}),
+              EndsWith("Signed in      yes\nThis month     $80.00\nTo review      2\n"));
 }
 
 }  // namespace

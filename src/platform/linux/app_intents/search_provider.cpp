@@ -1,18 +1,23 @@
 #include "platform/linux/app_intents/search_provider.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 #include <vector>
 
 #include "platform/linux/app_intents/shortcut_search.h"
-#include "platform/linux/bus/search_interface.h"
+#include "platform/linux/bus/intents_interface.h"
 #include "platform/linux/terminal/command_line.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 using Texts = std::vector<std::string>;
+
+constexpr BusObject searchProvider{intents_interface::object.service,
+                                   "/app/kivo/expenses/SearchProvider",
+                                   "org.gnome.Shell.SearchProvider2"};
 
 // The elements of `before` that `terms` still match.
 Texts stillFound(const platform::AppIntentsExtension& extension, Texts before, const Texts& terms) {
@@ -29,16 +34,16 @@ void answerTexts(BusAnswer& answer, const Texts& texts) {
 
 void appendIcons(BusWriter& variant, const Texts& icons) {
   variant.structure([&icons](BusWriter& icon) {
-    icon.text(search_interface::themedIcon);
+    icon.text("themed");  // the kind of icon that is given by names
     icon.variant("as", [&icons](BusWriter& names) { names.texts(icons); });
   });
 }
 
 void appendMeta(BusWriter& meta, const std::string& intent, const ShownShortcut& shown) {
-  meta.textEntry(search_interface::identifier, intent);
-  meta.textEntry(search_interface::name, shown.title);
-  meta.textEntry(search_interface::description, shown.description);
-  meta.variantEntry(search_interface::icon, "(sv)",
+  meta.textEntry("id", intent);
+  meta.textEntry("name", shown.title);
+  meta.textEntry("description", shown.description);
+  meta.variantEntry("icon", "(sv)",
                     [&shown](BusWriter& variant) { appendIcons(variant, shown.icons); });
 }
 
@@ -47,7 +52,7 @@ void appendMeta(BusWriter& meta, const std::string& intent, const ShownShortcut&
 SearchProvider::SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                                std::function<void()> onCall)
     : extension_(extension), onCall_(std::move(onCall)) {
-  serveObject(bus, search_interface::object, methods());
+  serveObject(bus, searchProvider, methods());
 }
 
 std::vector<BusMethod> SearchProvider::methods() {
@@ -57,23 +62,23 @@ std::vector<BusMethod> SearchProvider::methods() {
       (this->*answer)(arguments, way);
     };
   };
-  return {{.name = search_interface::getInitialResultSet,
+  return {{.name = "GetInitialResultSet",
            .takes = {{"terms", "as"}},
            .gives = {{"results", "as"}},
            .perform = with(&SearchProvider::answerInitial)},
-          {.name = search_interface::getSubsearchResultSet,
+          {.name = "GetSubsearchResultSet",
            .takes = {{"previous_results", "as"}, {"terms", "as"}},
            .gives = {{"results", "as"}},
            .perform = with(&SearchProvider::answerSubsearch)},
-          {.name = search_interface::getResultMetas,
+          {.name = "GetResultMetas",
            .takes = {{"identifiers", "as"}},
            .gives = {{"metas", "aa{sv}"}},
            .perform = with(&SearchProvider::answerMetas)},
-          {.name = search_interface::activateResult,
+          {.name = "ActivateResult",
            .takes = {{"identifier", "s"}, {"terms", "as"}, {"timestamp", "u"}},
            .gives = {},
            .perform = with(&SearchProvider::answerActivate)},
-          {.name = search_interface::launchSearch,
+          {.name = "LaunchSearch",
            .takes = {{"terms", "as"}, {"timestamp", "u"}},
            .gives = {},
            .perform = with(&SearchProvider::answerLaunch)}};
@@ -104,7 +109,7 @@ void SearchProvider::answerMetas(BusReader& arguments, BusAnswer& answer) {
 void SearchProvider::answerActivate(BusReader& arguments, BusAnswer& answer) {
   const std::string intent(*arguments.text());
   if (!shownShortcut(extension_, intent)) {
-    throw BusRefusal(search_interface::invalidArguments, "there is no such result");
+    throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "there is no such result");
   }
   open({"perform", intent});
   answer.give();
@@ -119,8 +124,8 @@ void SearchProvider::answerLaunch(BusReader&, BusAnswer& answer) {
 void SearchProvider::open(Texts arguments) {
   arguments.insert(arguments.begin(), std::filesystem::read_symlink("/proc/self/exe").string());
   if (windows_.open(arguments)) return;
-  complain("kivo-intents", noTerminalWindow);
-  throw BusRefusal(search_interface::failed, noTerminalWindow);
+  complain(program_invocation_short_name, noTerminalWindow);
+  throw BusRefusal(DBUS_ERROR_FAILED, noTerminalWindow);
 }
 
 }  // namespace kivo::linux_platform

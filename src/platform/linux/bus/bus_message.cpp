@@ -2,13 +2,45 @@
 
 #include <new>
 
-#include "platform/linux/bus/bus_text.h"
+#include "platform/foundation/utf8.h"
 
 namespace kivo::linux_platform {
 namespace {
 
 void mustHaveMemory(dbus_bool_t appended) {
   if (!appended) throw std::bad_alloc();
+}
+
+// The first character of `text`, which is valid UTF-8 and not empty.
+std::string_view firstCharacter(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  return text.substr(0, lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4);
+}
+
+// D-Bus strings contain no NUL, and receivers refuse noncharacters (U+FDD0 to U+FDEF, and the last
+// two of each plane).
+bool isValidForBus(std::string_view character) {
+  if (character == std::string_view("\0", 1)) return false;
+  if (character >= "\uFDD0" && character <= "\uFDEF") return false;
+  if (character.size() < 3) return true;
+  const bool endOfPlane =
+      (static_cast<unsigned char>(character[character.size() - 3]) & 0x0F) == 0x0F &&
+      character[character.size() - 2] == '\xBF' && character.back() >= '\xBE';
+  return !endOfPlane;
+}
+
+// `text` with U+FFFD for each byte and character that is not valid for D-Bus. libdbus aborts a
+// process that passes it another string.
+std::string validForBus(std::string_view text) {
+  constexpr std::string_view replacement = "\uFFFD";
+  const std::string valid = platform::repairedUtf8(text);
+  std::string result;
+  for (std::size_t at = 0; at < valid.size();) {
+    const std::string_view character = firstCharacter(std::string_view(valid).substr(at));
+    result += isValidForBus(character) ? character : replacement;
+    at += character.size();
+  }
+  return result;
 }
 
 }  // namespace
@@ -37,10 +69,9 @@ void BusWriter::basic(int type, const void* value) {
   mustHaveMemory(dbus_message_iter_append_basic(&place_, type, value));
 }
 
-// libdbus aborts a process that hands it a string that is not valid for D-Bus.
 void BusWriter::text(std::string_view value) {
-  const std::string carried = busText(value);
-  const char* const bytes = carried.c_str();
+  const std::string valid = validForBus(value);
+  const char* const bytes = valid.c_str();
   basic(DBUS_TYPE_STRING, &bytes);
 }
 

@@ -37,9 +37,15 @@ std::optional<std::filesystem::path> stateHome() {
   return folderFromOrInHome("XDG_STATE_HOME", ".local/state");
 }
 
-std::optional<std::filesystem::path> localBackendSocket() {
+std::optional<std::filesystem::path> runtimeFolder() {
   auto folder = folderFrom("XDG_RUNTIME_DIR");
-  if (folder) *folder /= "kivo/ledger.sock";
+  if (folder) *folder /= "kivo";
+  return folder;
+}
+
+std::optional<std::filesystem::path> localBackendSocket() {
+  auto folder = runtimeFolder();
+  if (folder) *folder /= "ledger.sock";
   return folder;
 }
 

@@ -18,8 +18,12 @@ std::optional<std::filesystem::path> configHome();
 /// HOME is too.
 std::optional<std::filesystem::path> stateHome();
 
-/// Returns the path of the local backend's socket, kivo/ledger.sock below $XDG_RUNTIME_DIR; nullopt
-/// when that is unset, empty or relative.
+/// Returns the folder kivo below $XDG_RUNTIME_DIR, which goes when the user logs out; nullopt when
+/// that is unset, empty or relative.
+std::optional<std::filesystem::path> runtimeFolder();
+
+/// Returns the path of the local backend's socket, ledger.sock in `runtimeFolder`; nullopt when
+/// there is none.
 std::optional<std::filesystem::path> localBackendSocket();
 
 }  // namespace kivo::linux_platform

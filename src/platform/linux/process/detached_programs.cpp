@@ -1,14 +1,21 @@
 #include "platform/linux/process/detached_programs.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <utility>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -44,19 +51,47 @@ class DetachedAttributes {
 
 }  // namespace
 
-bool DetachedPrograms::start(std::vector<std::string> call) {
+// The id of the program; -1 when it cannot be started.
+pid_t DetachedPrograms::spawn(std::vector<std::string> call, Output output) {
   reapEnded();
   std::vector<char*> arguments;
   for (std::string& argument : call) arguments.push_back(argument.data());
   arguments.push_back(nullptr);
   const DetachedAttributes attributes;
-  pid_t id = -1;
-  if (posix_spawnp(&id, arguments.front(), nullptr, attributes.get(), arguments.data(), environ) !=
-      0) {
-    return false;
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  if (output == Output::discarded) {
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   }
-  programs_.push_back(id);
-  return true;
+  pid_t id = -1;
+  const int failed =
+      posix_spawnp(&id, arguments.front(), &actions, attributes.get(), arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  return failed == 0 ? id : -1;
+}
+
+bool DetachedPrograms::start(std::vector<std::string> call) {
+  const pid_t id = spawn(std::move(call), Output::inherited);
+  if (id >= 0) programs_.push_back(id);
+  return id >= 0;
+}
+
+std::optional<int> DetachedPrograms::startAndWait(std::vector<std::string> call,
+                                                  std::chrono::milliseconds limit) {
+  const pid_t id = spawn(std::move(call), Output::discarded);
+  if (id < 0) return std::nullopt;
+  // glibc 2.36 declares its function in a header that C++ cannot use.
+  const Descriptor program(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
+  pollfd ended{.fd = program.number(), .events = POLLIN, .revents = 0};
+  while (poll(&ended, 1, static_cast<int>(limit.count())) < 0 && errno == EINTR) {
+  }
+  int status = 0;
+  if (waitpid(id, &status, WNOHANG) != id) {
+    programs_.push_back(id);
+    return 0;
+  }
+  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 bool DetachedPrograms::reapEnded() {

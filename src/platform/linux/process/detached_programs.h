@@ -1,6 +1,8 @@
 // Starts programs in the background and reaps them.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,10 +18,18 @@ class DetachedPrograms {
   /// is ignored.
   bool start(std::vector<std::string> call);
 
+  /// As `start`, with its output discarded, then waits until it ends, for at most `limit`. Returns
+  /// its exit status, 128 plus the number of the signal that ended it, or 0 when it still runs;
+  /// nullopt when it cannot be started.
+  std::optional<int> startAndWait(std::vector<std::string> call, std::chrono::milliseconds limit);
+
   /// Reaps the programs that have ended, without waiting. Returns whether others still run.
   bool reapEnded();
 
  private:
+  enum class Output { inherited, discarded };
+  pid_t spawn(std::vector<std::string> call, Output output);
+
   std::vector<pid_t> programs_;
 };
 

@@ -21,6 +21,7 @@ void startProcess() {
   umask(0077);
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGCHLD, SIG_DFL);
 }
 
 }  // namespace kivo::linux_platform

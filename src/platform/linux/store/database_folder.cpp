@@ -20,7 +20,7 @@ bool isFolderName(std::string_view name) {
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-// Where the folder belongs. A link on the way there is the person's own business.
+// The folder's path. Symbolic links above the folder are followed.
 std::filesystem::path pathOf(std::string_view name) {
   if (!isFolderName(name)) throw OpeningFailure::noFolderName(name);
   const auto home = dataHome();
@@ -42,7 +42,7 @@ std::filesystem::path pathOf(std::string_view name) {
   throw OpeningFailure::notOpened(path, notOpened);
 }
 
-// The folder, made when there is none. From here on no link is followed.
+// Opens the folder, and creates it when it is missing. Follows no symbolic link.
 int openFolder(const std::filesystem::path& path) {
   const int notMade = mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
   const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);

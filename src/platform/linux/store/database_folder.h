@@ -1,4 +1,4 @@
-// Creates the folder of a database and keeps it and its files private. Reads no file.
+// Creates the folder and the file of a database and keeps them private. Does not open the database.
 #pragma once
 
 #include <filesystem>
@@ -9,28 +9,31 @@
 
 namespace kivo::linux_platform {
 
-/// Syncs the entries of a folder. Some file systems cannot; that is no error.
+/// Calls fsync on a folder, which makes its entries durable. Ignores errors: some file systems do
+/// not support it.
 void syncFolder(const std::filesystem::path& folder);
-/// Syncs the entry of `path` and those of all folders above it, whoever created them: another run
-/// may have been killed before it synced them.
+/// Calls `syncFolder` for each folder above `path`. All of them: another run may have created some
+/// and been killed before it synced them.
 void syncFoldersAbove(std::filesystem::path path);
 
-/// The folder of a database, held open. It is not reached through a symbolic link.
+/// An open folder of a database, which is not a symbolic link.
 class DatabaseFolder {
  public:
-  /// Opens the folder `name` in `dataHome`, creating it (0700) when there is none; the database in
-  /// it is called `fileName`. Throws OpeningFailure when it cannot be created or made private, is a
-  /// symbolic link or another user's.
+  /// Opens the folder `name` in `dataHome`, and creates it (0700) when it is missing; the database
+  /// in it is called `fileName`. Removes the permissions of other users from the folder. Throws
+  /// OpeningFailure when it cannot be created, opened or made private, is a symbolic link, or
+  /// belongs to another user.
   DatabaseFolder(std::string_view name, std::string fileName);
 
-  /// The path of the database.
+  /// Returns the path of the database.
   [[nodiscard]] std::filesystem::path file() const;
-  /// Creates an empty file (0600) for the database unless there is one. While it is empty, syncs
-  /// the folders above, which may be new too. Throws OpeningFailure when it cannot be created or
-  /// cannot be a database.
+  /// Creates an empty file (0600) for the database when it is missing. While the file is empty,
+  /// syncs the folders above it, which may be new too. Throws OpeningFailure when the file cannot
+  /// be created, or is one byte long and so no database.
   void makeFile() const;
-  /// Removes the permissions of other users from the database and from the files that SQLite keeps
-  /// beside it. Throws OpeningFailure when that fails or one of them is not a regular file.
+  /// Removes the permissions of other users from the database, from the files that SQLite keeps
+  /// beside it, and from the note of `oweErasure`. Throws OpeningFailure when that fails or one of
+  /// them is not a regular file.
   void makeAllPrivate() const;
 
  private:

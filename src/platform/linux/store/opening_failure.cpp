@@ -25,7 +25,7 @@ std::string because(int error) {
   return reason + "; change its permissions so that you can read and write it";
 }
 
-// Returns the last printed line, which is empty once a database was opened.
+// Returns the line that was printed last; empty when a database has been opened since.
 std::string exchangeLastLine(std::string line) {
   static std::mutex mutex;
   static std::string lastLine;
@@ -94,7 +94,7 @@ OpeningFailure OpeningFailure::isDamaged(const Path& path) {
 }
 
 OpeningFailure OpeningFailure::ofDatabase(const Path& path, int code, int error) {
-  switch (code & 0xff) {  // without SQLite's finer distinction
+  switch (code & 0xff) {  // the primary result code
     case SQLITE_NOTADB:
       return isNotADatabase(path);
     case SQLITE_CORRUPT:

@@ -8,18 +8,19 @@
 
 namespace kivo::linux_platform {
 
-/// A reason in one line that names the file or folder and says what to do about it. Holds nothing
-/// that is stored. Thrown and caught while a database is opened. `error` is an errno.
+/// A reason in one line that names the file or folder and says what to do about it. Contains no
+/// stored data. Thrown and caught while a database is opened. `error` is an errno.
 class OpeningFailure : public std::runtime_error {
  public:
   using Path = std::filesystem::path;
 
-  /// The environment does not say where data is kept.
+  /// Neither XDG_DATA_HOME nor HOME is an absolute path.
   static OpeningFailure noHome();
+  /// `suiteName` is empty, ".", "..", or contains a slash or a NUL.
   static OpeningFailure noFolderName(std::string_view suiteName);
   static OpeningFailure notMade(const Path& path, int error);
   static OpeningFailure notOpened(const Path& path, int error);
-  /// Other users keep access to the file or folder.
+  /// Other users have access to the file or folder, and that cannot be changed.
   static OpeningFailure notMadePrivate(const Path& path, int error);
   static OpeningFailure isLink(const Path& path);
   static OpeningFailure isNotAFolder(const Path& path);
@@ -29,17 +30,18 @@ class OpeningFailure : public std::runtime_error {
   static OpeningFailure isOfAnotherProgram(const Path& path);
   static OpeningFailure isNotADatabase(const Path& path);
   static OpeningFailure isDamaged(const Path& path);
-  /// For the result `code` of SQLite when it opened or read the file.
+  /// For SQLite's result `code` when it opened or read the file. `error` is 0 when SQLite reports
+  /// none.
   static OpeningFailure ofDatabase(const Path& path, int code, int error);
 
  private:
   using std::runtime_error::runtime_error;
 };
 
-/// Prints `failure` as one line on standard error, after the program's name. The same line is not
-/// printed twice in a row, unless `tellOpened` was called in between. Thread-safe.
+/// Prints `failure` as one line on standard error, after the program's name. Does not print the
+/// same line twice in a row, unless `tellOpened` was called in between. Thread-safe.
 void tellNotOpened(const OpeningFailure& failure);
-/// Notes that a database was opened; prints nothing. Thread-safe.
+/// Records that a database was opened. Prints nothing. Thread-safe.
 void tellOpened();
 
 }  // namespace kivo::linux_platform

@@ -21,20 +21,21 @@ std::string noteOf(sqlite3* database) {
   return std::string(sqlite3_db_filename(database, "main")) + erasureNote;
 }
 
-// SQLite overwrites what it deletes, but not the copies that it leaves in the free space of a page
-// when it moves a row to another one. Only VACUUM leaves none.
+// With secure_delete SQLite overwrites deleted bytes, but not the copies that stay in the free
+// space of a page when a row moves to another page. Only VACUUM removes those.
 bool erase(sqlite3* database) {
-  // Made durable by the checkpoint, at once.
+  // The checkpoint below syncs, so that the commit of VACUUM need not.
   execute(database, "PRAGMA synchronous = NORMAL");
   const bool vacuumed = execute(database, "VACUUM") == SQLITE_OK;
   execute(database, "PRAGMA synchronous = FULL");
-  // Even without, say on a full disk: most copies lie in the WAL.
+  // Also when VACUUM failed, as on a full disk: most copies are in the WAL.
   const bool truncated = truncateWal(database);
   return vacuumed && truncated;
 }
 
-// Another process creates the note under its write lock, for a text that is then in the WAL. A note
-// whose removal a power cut undoes has the erasure done once more, and needs no sync.
+// Takes the write lock, under which other processes create the note: their text is then in the WAL,
+// and the note stays. The removal needs no fsync: when a power cut undoes it, the erasure is
+// repeated.
 void removeNote(sqlite3* database) {
   if (execute(database, "BEGIN IMMEDIATE") != SQLITE_OK) return;
   if (isWalEmpty(database)) unlink(noteOf(database).c_str());
@@ -46,7 +47,7 @@ void removeNote(sqlite3* database) {
 void oweErasure(sqlite3* database) {
   const std::filesystem::path path = noteOf(database);
   const Descriptor note(open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-  // So that a power cut leaves it wherever it leaves the commit.
+  // Durable before the commit, so that a power cut never leaves the commit without the note.
   if (note.number() >= 0) syncFolder(path.parent_path());
 }
 
@@ -57,7 +58,7 @@ void eraseReplacedText(sqlite3* database) {
   } else {
     oweErasure(database);  // another process may have removed the note with its own text
   }
-  sqlite3_busy_timeout(database, patienceInMilliseconds);
+  sqlite3_busy_timeout(database, busyTimeoutInMilliseconds);
 }
 
 void eraseIfOwed(sqlite3* database) {

@@ -1,24 +1,23 @@
-// Takes texts that were replaced out of the files of a database. Does not know which texts those
-// are.
+// Erases replaced and deleted texts from the files of a database.
 #pragma once
 
 struct sqlite3;
 
 namespace kivo::linux_platform {
 
-/// Notes on the disk, as an empty file beside the database, that a text is about to be replaced
-/// whose bytes must not stay behind. To be called in the transaction that replaces it, before its
-/// commit: when the process dies or the power fails in between, the next to open the
-/// database erases it.
+/// Creates an empty file beside the database, the note that a text is about to be replaced or
+/// deleted whose bytes must not remain in the files. Call it in the transaction that changes the
+/// text, before its commit: when the process dies or the power fails after the commit, the next
+/// `openDatabase` erases the bytes. A failure to create the note is ignored.
 void oweErasure(sqlite3* database);
 
-/// Rebuilds the database without what was replaced, and truncates its WAL, in which the earlier
-/// states are; once that is durable, removes the note. Waits for no other process: where one is
-/// reading or writing at this moment, the note stays. To be called outside a transaction. Changes
+/// Rebuilds the database with VACUUM, which leaves no deleted bytes, and truncates its WAL, which
+/// contains earlier pages. Removes the note when both succeeded. Does not wait for other processes:
+/// when one of them is reading or writing, the note stays. Call it outside a transaction. Changes
 /// no value.
 void eraseReplacedText(sqlite3* database);
 
-/// As `eraseReplacedText` when that is owed; else does nothing.
+/// Calls `eraseReplacedText` when the note exists.
 void eraseIfOwed(sqlite3* database);
 
 }  // namespace kivo::linux_platform

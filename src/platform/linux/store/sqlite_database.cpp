@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds patience(patienceInMilliseconds);
+constexpr std::chrono::milliseconds busyTimeout(busyTimeoutInMilliseconds);
 constexpr auto retryPause = 2ms;
 
 constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
@@ -27,11 +27,11 @@ constexpr const char* switchToWal = "PRAGMA journal_mode = WAL";
 constexpr const char* settings =
     "PRAGMA synchronous = FULL; PRAGMA secure_delete = ON; PRAGMA temp_store = MEMORY";
 
-// In pages of 4 KiB. The first process that opens the database reads the WAL once, an eighth of a
-// millisecond for this length; a checkpoint takes three syncs.
+// In pages of 4 KiB. The first process that opens the database reads all of the WAL, which takes an
+// eighth of a millisecond for this length. A checkpoint costs three fsyncs.
 constexpr int longestWal = 64;
 
-// In this process.
+// The number of open databases in this process.
 std::atomic<int> openDatabases = 0;
 
 int queryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
@@ -43,16 +43,16 @@ int queryInteger(sqlite3* database, const char* sql, std::int64_t& value) {
   return query.code() == SQLITE_OK ? SQLITE_ERROR : query.code();
 }
 
-// Before anything else is asked of SQLite: no memory for 20 pages as soon as one is read, and no
-// count of all memory.
+// Must precede all other calls of SQLite. Without a page cache of 20 pages that is allocated at the
+// first read, and without statistics of the memory in use.
 void configureOnce() {
   [[maybe_unused]] static const bool done =
       sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0) == SQLITE_OK &&
       sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
 }
 
-// Called after each commit. Checkpoints a long WAL as far as no other process reads from it, and
-// waits for none.
+// Called after each commit. Checkpoints a long WAL in PASSIVE mode, which waits for no other
+// process and copies only the frames that none of them reads.
 int checkpointLongWal(void* length, sqlite3* database, const char*, int pages) {
   *static_cast<int*>(length) = pages;
   if (pages < longestWal) return SQLITE_OK;
@@ -60,10 +60,11 @@ int checkpointLongWal(void* length, sqlite3* database, const char*, int pages) {
   return SQLITE_OK;
 }
 
-enum class Owner { nobody, olderVersion, us, newerVersion, others };
+// Which program created the tables of a database, if any.
+enum class Owner { none, olderVersion, us, newerVersion, others };
 
-// Who has filled the database, and in which version of its form. To be called within a transaction,
-// since another process may be filling it.
+// Reads the owner and the version of the tables. Call it in a transaction, since another process
+// may be creating them.
 int identify(sqlite3* database, const DatabaseForm& form, Owner& owner, std::int64_t& version) {
   std::int64_t id = 0;
   int code = queryInteger(database, "PRAGMA application_id", id);
@@ -78,7 +79,7 @@ int identify(sqlite3* database, const DatabaseForm& form, Owner& owner, std::int
 
   std::int64_t objects = 0;
   code = queryInteger(database, "SELECT count(*) FROM sqlite_schema", objects);
-  if (objects == 0) owner = Owner::nobody;
+  if (objects == 0) owner = Owner::none;
   return code;
 }
 
@@ -89,11 +90,11 @@ int look(sqlite3* database, const DatabaseForm& form, Owner& owner, std::int64_t
   return code == SQLITE_OK ? transaction.commit() : code;
 }
 
-bool isToBeFilled(Owner owner) { return owner == Owner::nobody || owner == Owner::olderVersion; }
+bool isToBeFilled(Owner owner) { return owner == Owner::none || owner == Owner::olderVersion; }
 
-// Brings an empty or older database to the current version, unless another process was faster.
+// Creates the tables or upgrades them to the current version, unless another process was faster.
 int fill(sqlite3* database, const DatabaseForm& form) {
-  // Answers "locked" at once when several processes do it, whatever the patience.
+  // Returns SQLITE_BUSY at once when several processes do it, whatever the busy timeout.
   if (const int code = execute(database, switchToWal); code != SQLITE_OK) return code;
   Transaction transaction(database);
   if (transaction.code() != SQLITE_OK) return transaction.code();
@@ -112,8 +113,9 @@ int fill(sqlite3* database, const DatabaseForm& form) {
   return code == SQLITE_OK ? transaction.commit() : code;
 }
 
-// Brings an opened database to where values can be read and written, touching no foreign one.
-// SQLITE_BUSY means that all of it may be tried again. Throws OpeningFailure for a foreign one.
+// Prepares an opened database for reading and writing. After SQLITE_BUSY it may be called again.
+// Throws OpeningFailure for a database of another program or a newer version, which stays
+// unchanged.
 int establish(sqlite3* database, const DatabaseForm& form, const DatabaseFolder& folder) {
   Owner owner = Owner::others;
   std::int64_t version = 0;
@@ -131,8 +133,9 @@ int establish(sqlite3* database, const DatabaseForm& form, const DatabaseFolder&
   return code;
 }
 
-int establishPatiently(sqlite3* database, const DatabaseForm& form, const DatabaseFolder& folder) {
-  const auto end = std::chrono::steady_clock::now() + patience;
+int establishWithRetries(sqlite3* database, const DatabaseForm& form,
+                         const DatabaseFolder& folder) {
+  const auto end = std::chrono::steady_clock::now() + busyTimeout;
   int code = establish(database, form, folder);
   while (code == SQLITE_BUSY && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(retryPause);
@@ -141,13 +144,13 @@ int establishPatiently(sqlite3* database, const DatabaseForm& form, const Databa
   return code;
 }
 
-// To be called before anything is read from the file. The last handle to close would checkpoint the
-// WAL and remove it, and the next run would create it again: more syncs than the run has commits.
-// Where many runs overlap in one process, the page cache would be four fifths of a handle's memory;
-// a run that is alone is 5 % faster with it.
+// Call it before anything is read from the file. By default the last handle to close checkpoints
+// and removes the WAL, and the next run creates it again: more fsyncs than the run has commits.
+// A second handle in the process, as in runs that overlap, gets no page cache, which would be four
+// fifths of its memory; a run on its own is 5 % faster with the cache.
 void configure(Database& database) {
   database.get_deleter().walLength = std::make_unique<int>(0);
-  sqlite3_busy_timeout(database.get(), patienceInMilliseconds);
+  sqlite3_busy_timeout(database.get(), busyTimeoutInMilliseconds);
   if (++openDatabases > 1) execute(database.get(), "PRAGMA cache_size = 0");
   sqlite3_db_config(database.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   sqlite3_wal_hook(database.get(), checkpointLongWal, database.get_deleter().walLength.get());
@@ -166,7 +169,7 @@ Database open(const DatabaseForm& form) {
   Database database(opened);
   if (code == SQLITE_OK) {
     configure(database);
-    code = establishPatiently(opened, form, folder);
+    code = establishWithRetries(opened, form, folder);
   }
   if (code != SQLITE_OK) {
     throw OpeningFailure::ofDatabase(folder.file(), code, sqlite3_system_errno(opened));
@@ -178,8 +181,8 @@ Database open(const DatabaseForm& form) {
 
 }  // namespace
 
-// Which frames of the WAL are checkpointed is known to its index alone, which is lost with the last
-// process: the next run would find the WAL as long as it was, and checkpoint it again.
+// Truncates a long WAL. Only the WAL index records which frames are checkpointed, and it is lost
+// when the last process closes the database: the next run would checkpoint the same frames again.
 void CloseDatabase::operator()(sqlite3* database) const {
   if (walLength != nullptr) {
     --openDatabases;

@@ -1,4 +1,4 @@
-// Opens a SQLite file of this project's, creating it when there is none. Knows no table.
+// Opens, creates and upgrades the SQLite files of this project. Knows no table.
 #pragma once
 
 #include <cstdint>
@@ -10,19 +10,19 @@ struct sqlite3;
 
 namespace kivo::linux_platform {
 
-/// Leaves the WAL of a database in place; a long one is truncated by a checkpoint unless another
-/// process is in the way.
+/// Closes a database without a checkpoint, so that its WAL stays. Checkpoints and truncates a WAL
+/// of 64 pages or more, unless another process uses the database.
 struct CloseDatabase {
   void operator()(sqlite3* database) const;
-  /// In pages, after the last commit; null for a database that was not opened.
+  /// The length of the WAL in pages after the last commit; null for a database that was not opened.
   std::unique_ptr<int> walLength = nullptr;
 };
 using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 
-/// How long each call on a database waits for other processes.
-inline constexpr int patienceInMilliseconds = 10'000;
+/// The timeout of each call on a database that waits for other processes.
+inline constexpr int busyTimeoutInMilliseconds = 10'000;
 
-/// What the name of a database ends in for the note that `oweErasure` leaves beside it.
+/// The suffix that `oweErasure` appends to the database's name for its note.
 inline constexpr const char* erasureNote = "-unerased";
 
 /// A kind of database file.
@@ -31,18 +31,19 @@ struct DatabaseForm {
   std::string_view folder;
   const char* file;
   std::int64_t applicationId;
-  /// The statements that make each version of the tables out of the one before, from version 1 on.
-  /// Their number is the current version, kept as user_version.
+  /// SQL for each version of the tables, which upgrades from the version before, the first one from
+  /// an empty file. Their number is the current version, stored as user_version.
   std::span<const char* const> versions;
 };
 
-/// Opens the file of `form`; an older version is brought to the current one.
-/// Commits through it are durable. Makes folder and file when there is none; takes from others what
-/// they may do with either, and makes up for an erasure that is owed. Null, with one line on
-/// standard error that says why, when there is no home, when the folder or the file cannot be made
-/// or made private, when one of them is a symbolic link or the folder another user's, and when the
-/// file is damaged, newer than this program or somebody else's; such a file, or what a link leads
-/// to, is left as it is. For one task at a time.
+/// Opens the file of `form` and upgrades an older version. Creates the folder and the file when
+/// they are missing, removes the permissions of other users from them, and erases replaced text
+/// when the note of `oweErasure` exists. Commits are durable. Returns null, after one line on
+/// standard error as `tellNotOpened`, when neither XDG_DATA_HOME nor HOME is set, when the folder
+/// or the file cannot be created, opened or made private, when one of them is a symbolic link, when
+/// the folder belongs to another user, and when the file is damaged, is of a newer version or
+/// belongs to another program. Such a file, or the target of such a link, stays unchanged. A handle
+/// is not thread-safe.
 Database openDatabase(const DatabaseForm& form);
 
 }  // namespace kivo::linux_platform

@@ -23,7 +23,7 @@ Statement& Statement::noteBinding(int code) {
   return *this;
 }
 
-// With a null pointer an empty text would become SQL's NULL.
+// A null pointer would bind NULL instead of an empty text.
 Statement& Statement::bind(std::string_view text) {
   return noteBinding(sqlite3_bind_text64(statement_.get(), ++bound_,
                                          text.empty() ? "" : text.data(), text.size(),

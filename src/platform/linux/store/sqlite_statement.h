@@ -12,37 +12,38 @@ struct sqlite3_stmt;
 
 namespace kivo::linux_platform {
 
-/// Runs the statements of `sql` and drops their rows; returns SQLite's code.
+/// Runs the statements of `sql` and ignores their rows. Returns SQLite's result code.
 int execute(sqlite3* database, const char* sql);
 
-/// SQLite's words for its result `code`.
+/// Returns SQLite's English text for its result `code`.
 const char* errorText(int code);
 
-/// A compiled statement. The first failure of SQLite's, compiling included, is kept: after it,
-/// calls do nothing until `reset`.
+/// A prepared statement. Keeps the code of its first failure: after that, `step` and `run` return
+/// false until `reset`, and for good when `sql` could not be compiled. Not thread-safe.
 class Statement {
  public:
   Statement() = default;
   /// Compiles `sql`, for repeated use.
   Statement(sqlite3* database, const char* sql);
 
-  /// SQLITE_OK, or SQLite's code for the first failure.
+  /// Returns SQLITE_OK, or SQLite's result code for the first failure.
   [[nodiscard]] int code() const { return code_; }
   [[nodiscard]] bool isCompiled() const { return statement_ != nullptr; }
 
-  /// Fills the next parameter, from the first one on. A text is not copied: it must live until the
+  /// Binds the next parameter, beginning with the first. A text is not copied: it must outlive the
   /// last `step`.
   Statement& bind(std::string_view text);
   Statement& bind(std::int64_t number);
   Statement& bind(double number);
-  /// Fills it with NULL when `number` is absent.
+  /// Binds NULL when `number` is absent.
   Statement& bindIfPresent(std::optional<std::int64_t> number);
 
   /// Goes to the next row; false at the end and after a failure.
   bool step();
-  /// Runs a statement without rows; false after a failure.
+  /// Runs a statement that returns no rows; false after a failure.
   bool run() { return !step() && code_ == 0; }
-  /// Frees the statement from its row, locks, bindings and failure, to be used again.
+  /// Releases the statement's locks and clears its bindings and its failure, so that it can be used
+  /// again. Has no effect when it could not be compiled.
   void reset();
 
   /// Columns of the current row, from 0. SQLite converts other types; a NULL is 0 or empty. `type`
@@ -51,7 +52,7 @@ class Statement {
   [[nodiscard]] bool isNull(int column) const;
   [[nodiscard]] std::int64_t integer(int column) const;
   [[nodiscard]] double real(int column) const;
-  /// Byte for byte as stored, which need not be UTF-8.
+  /// Returns the stored bytes, which need not be valid UTF-8.
   [[nodiscard]] std::string text(int column) const;
 
  private:
@@ -65,7 +66,7 @@ class Statement {
   int bound_ = 0;
 };
 
-/// Resets a statement that is used again, at the end of its scope.
+/// Resets a statement at the end of a scope.
 class StatementUse {
  public:
   explicit StatementUse(Statement& statement) : statement_(statement) {}
@@ -77,20 +78,20 @@ class StatementUse {
   Statement& statement_;
 };
 
-/// A transaction, rolled back at the end of its scope unless it was committed.
+/// A transaction. The destructor rolls it back unless it was committed.
 class Transaction {
  public:
-  /// Begins one that takes the write lock, after waiting for it as long as the busy timeout says,
-  /// or as `begin` says.
+  /// Begins it with the statement `begin`. The default takes the write lock, and waits for it up to
+  /// the busy timeout.
   explicit Transaction(sqlite3* database, const char* begin = "BEGIN IMMEDIATE")
       : database_(database), code_(execute(database, begin)) {}
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  /// Whether it began: SQLite's code.
+  /// Returns SQLite's result code of the beginning: SQLITE_OK when the transaction began.
   [[nodiscard]] int code() const { return code_; }
-  /// Commits; returns SQLite's code.
+  /// Commits. Returns SQLite's result code.
   int commit() { return execute(database_, "COMMIT"); }
 
  private:

@@ -40,11 +40,12 @@ UserDefaults::Value columnValue(const Statement& row, int column) {
 
 using Written = std::variant<double, std::string>;
 
-// Longer than any number or day as text: those are replaced by every run, and no message.
+// A text up to this length is a number or a date. Every run replaces those, and they contain no
+// message.
 constexpr std::size_t longestFigure = 24;
 
-// Whether `written` in the place of `stored` makes a text disappear. A list in JSON to which
-// something was appended still begins with all of the earlier one but its closing bracket.
+// Whether writing `written` over `stored` removes a text. A JSON list with items appended begins
+// with the earlier list without its closing bracket, and so removes nothing.
 bool takesTextAway(const UserDefaults::Value& stored, const Written& written) {
   const auto* const before = std::get_if<std::string>(&stored);
   if (before == nullptr || before->size() <= longestFigure) return false;
@@ -53,16 +54,15 @@ bool takesTextAway(const UserDefaults::Value& stored, const Written& written) {
   return !after->starts_with(std::string_view(*before).substr(0, before->size() - 1));
 }
 
-constexpr std::chrono::milliseconds patience(linux_platform::patienceInMilliseconds);
+constexpr std::chrono::milliseconds busyTimeout(linux_platform::busyTimeoutInMilliseconds);
 
-// The turn of one handle of this process to write, from before its transaction to the end of that:
-// SQLite would let the handles wait for each other by sleeping. Who has waited too long goes on
-// without it; SQLite's own lock remains.
+// Lets one handle of this process write at a time: SQLite's own lock makes the others sleep and
+// poll. After the timeout a handle continues without its turn, and SQLite's lock still protects it.
 class WritingTurn {
  public:
   WritingTurn() {
     std::unique_lock lock(mutex);
-    taken_ = ended.wait_for(lock, patience, [] { return !isTaken; });
+    taken_ = ended.wait_for(lock, busyTimeout, [] { return !isTaken; });
     if (taken_) isTaken = true;
   }
   ~WritingTurn() {
@@ -88,8 +88,9 @@ struct UserDefaults::Suite {
   mutable Statement reading;
   Statement writing;
   std::map<std::string, Written, std::less<>> pending;
-  // Why a read failed since the last synchronize. What is written after it may rest on a value
-  // taken for absent, the whole queue for example, and must not replace the one that is there.
+  // SQLite's code of a read that failed since the last flush. Writes after it may be based on a
+  // value that was wrongly read as absent, such as the whole queue, and must not replace the stored
+  // one.
   mutable int readFailure = SQLITE_OK;
 
   [[nodiscard]] Value value(std::string_view key) const {
@@ -187,7 +188,7 @@ std::optional<UserDefaults> UserDefaults::initWithSuiteName(std::string_view sui
   suite->database = linux_platform::openSuiteDatabase(suiteName);
   if (suite->database == nullptr) return std::nullopt;
   suite->reading = Statement(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1");
-  if (!suite->reading.isCompiled()) {  // the table is not there, or not this one
+  if (!suite->reading.isCompiled()) {  // the table is missing or has other columns
     tellNotOpened(OpeningFailure::isDamaged(sqlite3_db_filename(suite->database.get(), "main")));
     return std::nullopt;
   }

@@ -1,7 +1,10 @@
-// The client of the notification center on the session bus.
+// The client of the notification center on the session bus: posts notifications, and reads and sets
+// the permission.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/user_notifications/un_user_notification_center.h"
 
@@ -24,5 +27,13 @@ class BusUserNotificationCenter : public platform::UNUserNotificationCenter {
   SessionBus& bus_;
   std::string bundleIdentifier_;
 };
+
+/// Returns the user's decision for `bundle`; nullopt when the center does not reply within 5 s.
+/// Blocks until the reply.
+std::optional<platform::UNAuthorizationStatus> authorizationStatus(std::string_view bundle);
+
+/// Stores the user's decision for `bundle` in the center, durably. Blocks until the reply. Returns
+/// false when the center refuses or does not reply within 5 s.
+bool setAuthorizationStatus(std::string_view bundle, platform::UNAuthorizationStatus status);
 
 }  // namespace kivo::linux_platform

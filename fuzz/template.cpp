@@ -1,0 +1,80 @@
+// A template fits a message without a crash, in time linear in the lengths of both, and its sum is
+// a number of the message. A template that is taught fits the message that it was taught by, finds
+// the parts that were named, and holds no digit. The last byte chooses which of both is tried.
+#include <algorithm>
+#include <chrono>
+#include <string>
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include "ledger/templates/message_text.h"
+#include "ledger/templates/teaching.h"
+#include "platform/foundation/utf8.h"
+#include "property.h"
+
+namespace {
+
+using namespace kivo::ledger;
+using kivo::fuzz::require;
+
+std::string withoutBlanks(std::string text) {
+  std::erase(text, ' ');
+  return text;
+}
+
+void fitAnyPattern(FuzzedDataProvider& data) {
+  const std::string text = data.ConsumeRandomLengthString();
+  const std::string message = templateForm(data.ConsumeRemainingBytesAsString());
+  const auto begin = std::chrono::steady_clock::now();
+  const auto parsed = MessagePattern::parse(text);
+  require(parsed.pattern.has_value() == parsed.error.empty(),
+          "a text is a pattern or has an error");
+  if (!parsed.pattern) return;
+  const auto fit = parsed.pattern->fit(message);
+  const auto taken = std::chrono::steady_clock::now() - begin;
+  // Far above what a byte takes in a build with sanitizers, far below quadratic time.
+  constexpr auto start = std::chrono::milliseconds(200);
+  constexpr auto perByte = std::chrono::microseconds(200);
+  require(taken < start + perByte * static_cast<long>(text.size() + message.size()),
+          "time is linear");
+  if (!fit) return;
+  require(fit->amounts.empty() != parsed.pattern->hasAmount(), "{amount} is a number");
+  for (const std::string& amount : fit->amounts) {
+    require(withoutBlanks(message).find(amount) != std::string::npos, "the sum is in the message");
+  }
+  require(message.find(fit->payee) != std::string::npos, "the name is in the message");
+}
+
+void teachAny(FuzzedDataProvider& data) {
+  const bool isPayment = data.ConsumeBool();
+  const std::string amount = kivo::platform::repairedUtf8(data.ConsumeRandomLengthString());
+  const std::string payee = kivo::platform::repairedUtf8(data.ConsumeRandomLengthString());
+  const std::string message = kivo::platform::repairedUtf8(data.ConsumeRemainingBytesAsString());
+  const std::optional<Kind> kind = isPayment ? std::optional(Kind::expense) : std::nullopt;
+  const Taught taught = teach(message, {.kind = kind, .amount = amount, .payee = payee}, "EGP");
+  require(taught.made.has_value() == taught.error.empty(), "a template is made or has an error");
+  if (!taught.made) return;
+  const std::string& text = taught.made->text;
+  require(text.find_first_of("0123456789") == std::string::npos, "no digit is in a template");
+  const auto written = MessagePattern::parse(text);
+  require(written.pattern.has_value(), "what is written can be read");
+  const auto fit = written.pattern->fit(templateForm(message));
+  require(fit.has_value(), "the template fits its message");
+  if (!kind) return;
+  require(fit->amounts.size() == 1, "one number is the sum");
+  require(withoutBlanks(templateForm(amount)).find(fit->amounts[0]) != std::string::npos,
+          "the sum is the one that was named");
+  require(fit->payee == templateForm(payee), "the payee is the one that was named");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
+  FuzzedDataProvider data(bytes, size);
+  if (data.ConsumeBool()) {
+    fitAnyPattern(data);
+  } else {
+    teachAny(data);
+  }
+  return 0;
+}

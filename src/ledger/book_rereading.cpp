@@ -1,0 +1,39 @@
+// How an entry in review is read again, after its wording was taught.
+#include "ledger/book.h"
+#include "ledger/book_file.h"
+
+namespace kivo::ledger {
+
+using linux_platform::Statement;
+using linux_platform::Transaction;
+
+std::optional<LedgerEntry> Book::reread(std::int64_t id, const std::string& currency) const {
+  auto found = entry(id);
+  if (!found || !found->text) return std::nullopt;
+  const Reading reading = readingOf(*found->text, currency);
+  if (reading.outcome != Outcome::transaction && reading.outcome != Outcome::needsReview) {
+    return std::nullopt;
+  }
+  apply(reading, *found);
+  correct(*found);
+  Statement query(database_.get(), "SELECT user FROM transactions WHERE id = ?");
+  if (!next(query.bind(id))) return std::nullopt;
+  markLookAlike(*found, query.text(0));
+  return found;
+}
+
+bool Book::acceptAs(const LedgerEntry& entry) {
+  if (!entry.amount) return false;
+  Statement update(database_.get(), R"(
+    UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
+      payee = ?, account = ?, reference = ?, possible_duplicate_of = ?, state = 'booked'
+    WHERE id = ? AND state = 'review' RETURNING id)");
+  update.bind(kindText(entry.kind)).bind(entry.amount->minorUnits).bind(entry.amount->currency);
+  update.bind(entry.description).bind(entry.category).bind(entry.payee).bind(entry.account);
+  update.bind(entry.reference).bindIfPresent(entry.possibleDuplicateOf).bind(entry.id);
+  if (!next(update)) return false;
+  run(update);
+  return true;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,105 @@
+#include "ledger/overview/overview_commands.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "ledger/book_file.h"
+#include "ledger/calendar_day.h"
+#include "ledger/command_options.h"
+#include "ledger/ledger_terminal.h"
+#include "ledger/overview/report_figures.h"
+#include "ledger/overview/report_file.h"
+#include "ledger/overview/report_page.h"
+#include "ledger/overview/summary_view.h"
+#include "platform/linux/store/private_file.h"
+#include "platform/linux/terminal/screen.h"
+#include "platform/linux/terminal/terminal_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+using linux_platform::exitBadUsage;
+using linux_platform::GivenParameters;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+// Hands the book of one moment, the month that was asked for and the book's currency to `use`, and
+// returns what that returns.
+int withMonth(const GivenParameters& parameters,
+              const std::function<int(const Book&, const std::string& month,
+                                      const std::string& currency)>& use) {
+  const std::string month = given(parameters, "--month").value_or(currentMonth());
+  if (!isMonth(month)) return failFor("--month", month, "a month such as 2026-11");
+  const auto currency = bookCurrency();
+  if (!currency) return exitFailure;
+  return withBook([&](const Book& book) {
+    const auto snapshot = book.snapshot();
+    require(snapshot.code());
+    return use(book, month, *currency);
+  });
+}
+
+int summary(const GivenParameters& parameters) {
+  return withMonth(parameters, [&](const Book& book, const auto& month, const auto& currency) {
+    const MonthSummary figures = summarize(book, month, currency);
+    if (parameters.contains("--json")) {
+      return print(linux_platform::jsonForStandardOutput(SummaryView::json(figures).text()) + "\n");
+    }
+    SummaryView::Look look;
+    look.width = linux_platform::onTerminal() ? linux_platform::screenWidth() : look.width;
+    if (linux_platform::terminalShowsStyles()) look.style = SummaryView::Look::Style::coloured;
+    return print(SummaryView::text(figures, currentMonth(), look));
+  });
+}
+
+int writeReport(const std::string& page, const std::filesystem::path& path) {
+  if (const auto failure = linux_platform::writePrivateFile(path, page)) {
+    return fail("cannot write \"" + linux_platform::escapedControls(path.string()) +
+                "\": " + *failure);
+  }
+  return print(linux_platform::forStandardOutput(path.string()) + "\n");
+}
+
+int report(const GivenParameters& parameters) {
+  const auto output = parameters.find("--output");
+  const auto path = output == parameters.end()
+                        ? ReportFile::usualPlace()
+                        : std::optional<std::filesystem::path>(output->second);
+  if (!path) return fail("XDG_RUNTIME_DIR is not set; name a file by --output", exitBadUsage);
+  if (path->filename().empty()) return failFor("--output", path->string(), "the name of a file");
+  std::string page;
+  int status =
+      withMonth(parameters, [&](const Book& book, const auto& month, const auto& currency) {
+        page = reportPage(readReport(book, month, currency));
+        return 0;
+      });
+  if (status == 0) status = writeReport(page, *path);
+  if (status != 0 || parameters.contains("--no-open")) return status;
+  const std::string failure = ReportFile::open(*path);
+  if (failure.empty()) return 0;
+  return fail("the report is written but not opened: " + failure + "; open " +
+              linux_platform::escapedControls(path->string()) + " in a browser");
+}
+
+}  // namespace
+
+std::vector<linux_platform::Command> overviewCommands() {
+  const linux_platform::CommandParameter month{
+      "--month", "The month, as 2026-11; this month when not given", ParameterKind::optional};
+  return {
+      {"summary",
+       "Show what a month's money went to, beside the month before",
+       {month, {"--json", "Print JSON", ParameterKind::flag}},
+       summary},
+      {"report",
+       "Write a page about a month and the year before it, and open it",
+       {month,
+        {"--output", "The file to write; kivo/report.html in XDG_RUNTIME_DIR when not given",
+         ParameterKind::optional},
+        {"--no-open", "Only write it", ParameterKind::flag}},
+       report},
+  };
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,20 @@
+// The drawings of the report. Each has a text alternative; the page has the figures as tables.
+#pragma once
+
+#include <cstdint>
+
+#include "ledger/overview/html_writer.h"
+#include "ledger/overview/report_figures.h"
+
+namespace kivo::ledger::ReportCharts {
+
+/// Draws what was spent and received in each of the twelve months.
+void drawMonths(HtmlWriter& page, const ReportFigures& figures);
+
+/// Draws what was spent on each day of the month.
+void drawDays(HtmlWriter& page, const ReportFigures& figures);
+
+/// Draws `part` of `whole` as a bar without text.
+void drawShare(HtmlWriter& page, std::int64_t part, std::int64_t whole);
+
+}  // namespace kivo::ledger::ReportCharts

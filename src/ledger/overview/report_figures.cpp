@@ -1,0 +1,53 @@
+#include "ledger/overview/report_figures.h"
+
+#include <algorithm>
+
+#include "ledger/calendar_day.h"
+#include "platform/foundation/number_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+void readMonths(ReportFigures& figures, const Book& book) {
+  constexpr int count = 12;
+  const std::string& month = figures.summary.month;
+  for (int back = count - 1; back >= 0; --back) {
+    figures.months.emplace_back().month = monthBefore(month, back);
+  }
+  const std::string from = firstDayOf(figures.months.front().month);
+  for (const GroupSum& group : book.sums(Grouping::month, from, lastDayOf(month))) {
+    const auto found =
+        std::find_if(figures.months.begin(), figures.months.end(),
+                     [&](const ReportFigures::Month& one) { return one.month == group.group; });
+    if (found == figures.months.end()) continue;
+    found->transactions += group.transactions;
+    if (group.sum.currency == figures.summary.currency) found->sums.add(group);
+  }
+  figures.entries =
+      book.entries({.from = from, .to = lastDayOf(month), .most = ReportFigures::mostEntries});
+}
+
+void readDays(ReportFigures& figures, const Book& book) {
+  const std::string& month = figures.summary.month;
+  figures.days.resize(static_cast<std::size_t>(daysOf(month)));
+  for (const GroupSum& group : book.sums(Grouping::day, firstDayOf(month), lastDayOf(month))) {
+    const bool counts =
+        group.kind == Kind::expense && group.sum.currency == figures.summary.currency;
+    const auto day = platform::integerFromText(std::string_view(group.group).substr(8)).value_or(0);
+    if (!counts || day < 1 || day > daysOf(month)) continue;
+    figures.days[static_cast<std::size_t>(day - 1)] = group.sum.minorUnits;
+  }
+}
+
+}  // namespace
+
+ReportFigures readReport(const Book& book, const std::string& month, const std::string& currency) {
+  ReportFigures figures;
+  figures.summary = summarize(book, month, currency);
+  readMonths(figures, book);
+  readDays(figures, book);
+  figures.runs = month == currentMonth();
+  return figures;
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,33 @@
+#include "ledger/overview/report_file.h"
+
+#include <chrono>
+#include <system_error>
+
+#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/process/detached_programs.h"
+
+namespace kivo::ledger {
+namespace {
+
+// A browser that xdg-open starts itself keeps it running, so that a longer wait says nothing.
+constexpr std::chrono::seconds openingLimit(5);
+
+}  // namespace
+
+std::optional<std::filesystem::path> ReportFile::usualPlace() {
+  auto folder = linux_platform::runtimeFolder();
+  if (!folder) return std::nullopt;
+  std::error_code shownByWrite;
+  std::filesystem::create_directories(*folder, shownByWrite);
+  return *folder / "report.html";
+}
+
+std::string ReportFile::open(const std::filesystem::path& path) {
+  linux_platform::DetachedPrograms programs;
+  const auto status =
+      programs.startAndWait({"xdg-open", std::filesystem::absolute(path).string()}, openingLimit);
+  if (!status) return "xdg-open is not installed";
+  return *status == 0 ? "" : "xdg-open found no program for it";
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,18 @@
+// The usual place of the report, and opening it. Does not write it.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace kivo::ledger::ReportFile {
+
+/// Returns report.html in the runtime folder, which is in memory and goes at the end of the
+/// session; nullopt when there is none. Creates the folder, for the user alone, when it is missing.
+std::optional<std::filesystem::path> usualPlace();
+
+/// Opens `path` with xdg-open, as found in PATH, and waits for it for a few seconds. Returns why
+/// that failed; empty when the page is open.
+std::string open(const std::filesystem::path& path);
+
+}  // namespace kivo::ledger::ReportFile

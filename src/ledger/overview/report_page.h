@@ -1,0 +1,14 @@
+// The report as one HTML page. Reads no book and writes no file.
+#pragma once
+
+#include <string>
+
+#include "ledger/overview/report_figures.h"
+
+namespace kivo::ledger {
+
+/// `figures` as an HTML document that holds all it needs: no script, and nothing that is loaded.
+/// Sums are in the device's locale, words in English.
+std::string reportPage(const ReportFigures& figures);
+
+}  // namespace kivo::ledger

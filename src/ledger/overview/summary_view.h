@@ -1,0 +1,28 @@
+// The summary of a month as JSON and for a terminal.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "ledger/overview/month_summary.h"
+#include "platform/foundation/json_encoder.h"
+
+namespace kivo::ledger::SummaryView {
+
+/// `summary` as a JSON object, all members texts or arrays of such objects: "month", "currency",
+/// "expense", "income", "transfer", "transactions", "review", "previous", "categories", "payees",
+/// "other_currencies". Sums are plain decimals with the currency's decimals.
+platform::JSONEncoder json(const MonthSummary& summary);
+
+/// How a text for a terminal looks.
+struct Look {
+  std::size_t width = 80;
+  enum class Style { plain, coloured } style = Style::plain;
+};
+
+/// `summary` for a person, in the device's locale, without control characters. The names come last
+/// in their lines, so that one that is written from right to left moves no sum. Lines are no longer
+/// than the width of `look`, unless the sums alone are. `today` is the current month, yyyy-MM.
+std::string text(const MonthSummary& summary, const std::string& today, const Look& look);
+
+}  // namespace kivo::ledger::SummaryView

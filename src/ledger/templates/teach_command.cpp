@@ -1,0 +1,251 @@
+#include "ledger/templates/teach_command.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <istream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+#include "ledger/command_options.h"
+#include "ledger/entry_listing.h"
+#include "ledger/ledger_terminal.h"
+#include "ledger/templates/message_text.h"
+#include "ledger/templates/taught_entries.h"
+#include "ledger/templates/teaching.h"
+#include "ledger/templates/teaching_questions.h"
+#include "ledger/templates/template_file.h"
+#include "platform/foundation/number_text.h"
+#include "platform/foundation/utf8.h"
+#include "platform/linux/terminal/screen.h"
+#include "platform/linux/terminal/terminal_text.h"
+
+namespace kivo::ledger {
+namespace {
+
+using linux_platform::escapedControls;
+using linux_platform::exitBadUsage;
+using linux_platform::GivenParameters;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+// One call of the command.
+class Teaching {
+ public:
+  Teaching(const GivenParameters& parameters, Book& book, std::string currency)
+      : parameters_(parameters), book_(book), currency_(std::move(currency)) {}
+
+  int run() {
+    if (const auto error = TemplateFile::read().error) return fail(*error);
+    if (const int failed = readOptions(); failed != 0) return failed;
+    if (const int failed = openAnswers(); failed != 0) return failed;
+    if (const int failed = chooseMessage(); failed != 0) return failed;
+    const auto taught = confirmedTemplate();
+    if (!taught) return exitFailure;
+    if (const int failed = save(*taught); failed != 0) return failed;
+    return offerEntries(*taught);
+  }
+
+ private:
+  [[nodiscard]] bool isComplete() const { return given_.kind && (!*given_.kind || given_.amount); }
+  [[nodiscard]] std::string source() const { return given(parameters_, "ID").value_or(""); }
+
+  int readOptions() {
+    given_.amount = given(parameters_, "--amount");
+    given_.payee = given(parameters_, "--payee");
+    if (const auto kind = given(parameters_, "--kind")) {
+      given_.kind = taughtKindFromText(*kind);
+      if (!given_.kind) return failFor("--kind", *kind, "expense, income, transfer or none");
+    }
+    given_.currency = given(parameters_, "--currency").value_or("");
+    if (!given_.currency.empty() && !isCurrency(given_.currency)) {
+      return failFor("--currency", given_.currency, "a code such as EGP");
+    }
+    return 0;
+  }
+
+  // With a message from standard input, the terminal is not there.
+  int openAnswers() {
+    const bool asks = !isComplete() || source().empty();
+    if (!asks) return 0;
+    if (source() == "-") {
+      terminal_.open("/dev/tty");
+      if (terminal_) questions_.emplace(terminal_);
+    } else if (isatty(STDIN_FILENO) == 1) {
+      questions_.emplace(std::cin);
+    }
+    if (questions_) return 0;
+    return fail("there is no terminal to ask at; give ID or -, --kind and --amount", exitBadUsage);
+  }
+
+  int chooseMessage() {
+    std::string id = source();
+    if (id == "-") {
+      message_ = platform::repairedUtf8(
+          std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()));
+      if (templateForm(message_).empty()) return fail("standard input is empty", exitBadUsage);
+      propose(std::nullopt);
+      return 0;
+    }
+    if (id.empty()) {
+      const auto entries = book_.entries({.state = LedgerEntry::State::review});
+      if (entries.empty()) {
+        return fail(
+            "there is nothing to look at; `kivo-ledger teach ID` takes any transaction, "
+            "and `kivo-ledger teach -` a message from standard input");
+      }
+      print(EntryListing::table(entries, linux_platform::screenWidth()));
+      id = questions_->askId();
+      if (id.empty()) return fail("nothing was taught");
+    }
+    const auto number = platform::integerFromText(id);
+    if (!number) return failFor("ID", id, "a number, as list and review show it");
+    const auto entry = book_.entry(*number);
+    if (!entry) return fail("no transaction has the ID " + std::to_string(*number));
+    if (!entry->text) {
+      return fail("the text of " + std::to_string(*number) +
+                  " was forgotten; `kivo-ledger teach -` takes it from standard input");
+    }
+    message_ = *entry->text;
+    propose(entry);
+    return 0;
+  }
+
+  // What the book has or the rules read, as far as the message has it; else its first sum.
+  void propose(const std::optional<LedgerEntry>& entry) {
+    const Reading rules = read(message_, currency_);
+    proposed_.kind = entry ? entry->kind : rules.kind;
+    if (!entry && rules.outcome == Outcome::declined) proposed_.kind.reset();
+    if (entry && entry->amount) proposed_.amount = numberFor(message_, *entry->amount);
+    if (proposed_.amount.empty() && rules.amount) {
+      proposed_.amount = numberFor(message_, *rules.amount);
+    }
+    if (!rules.amount && !entry) proposed_.amount = firstSum(message_, currency_);
+    const std::string payee = entry ? entry->payee : rules.payee;
+    if (namesPayee(message_, payee)) proposed_.payee = payee;
+  }
+
+  // The template, shown and confirmed; absent after a line on standard error.
+  std::optional<MessageTemplate> confirmedTemplate() {
+    const auto taught = isComplete() ? std::optional(taughtByOptions()) : taughtByAnswers();
+    if (taught && !taught->made) {
+      fail(errorOf(*taught));
+      return std::nullopt;
+    }
+    if (taught) show(*taught->made);
+    if (taught && (isComplete() || questions_->confirms("Save it?"))) return taught->made;
+    fail("nothing was taught");
+    return std::nullopt;
+  }
+
+  [[nodiscard]] Taught taughtByOptions() const {
+    return teach(message_,
+                 {.kind = *given_.kind,
+                  .amount = given_.amount.value_or(""),
+                  .payee = given_.payee.value_or(""),
+                  .currency = given_.currency},
+                 currency_);
+  }
+
+  std::optional<Taught> taughtByAnswers() {
+    print("The message:\n  " + escapedControls(templateForm(message_)) + "\n\n");
+    return questions_->ask(message_, given_, proposed_, currency_);
+  }
+
+  static std::string errorOf(const Taught& taught) {
+    if (taught.part == Taught::Part::amount) return "--amount " + taught.error;
+    if (taught.part == Taught::Part::payee) return "--payee " + taught.error;
+    return "no template can be made of this message: " + taught.error;
+  }
+
+  void show(const MessageTemplate& taught) const {
+    const auto fit = taught.pattern.fit(templateForm(message_));
+    const Reading reading = readingBy(taught, *fit, read(message_, currency_), currency_);
+    std::string text = "no payment";
+    if (reading.outcome != Outcome::notATransaction) {
+      const std::string sum = reading.amount
+                                  ? amountText(*reading.amount) + " " + reading.amount->currency
+                                  : "for review, since the sum can be read in two ways";
+      text = std::string(kindText(reading.kind)) + ", " + sum + ", " + reading.description + ", " +
+             reading.category;
+    }
+    std::string lines = "\nThe template:\n  " + escapedControls(taught.text) +
+                        "\nIt reads this message as:\n  " + escapedControls(text) + "\n";
+    if (reading.amount && reading.amount->currency != currency_) {
+      lines += "  (" + reading.amount->currency +
+               " is booked at its rate, and is for review without one)\n";
+    }
+    print(lines + "\n");
+  }
+
+  static int save(const MessageTemplate& taught) {
+    const std::string path = escapedControls(TemplateFile::place().value_or("").string());
+    const auto known = TemplateFile::read().templates;
+    if (!known.empty() && known.back().readsAs(taught))
+      return print("It is in " + path + " already.\n");
+    if (const auto error = TemplateFile::add(taught)) return fail(*error);
+    return print("Saved in " + path + "\n");
+  }
+
+  int offerEntries(const MessageTemplate& taught) {
+    const TaughtEntries found = taughtEntries(book_, taught, currency_);
+    if (!found.none.empty()) {
+      print("For review, and no payment: " + listed(found.none) +
+            ". `kivo-ledger delete ID` deletes one.\n");
+    }
+    if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
+    if (found.clear.empty()) return 0;
+    print("\nFor review, as they are read now:\n" +
+          EntryListing::table(found.clear, linux_platform::screenWidth()));
+    const bool books =
+        parameters_.contains("--book") || (questions_ && questions_->confirms("Book them?"));
+    if (!books) return print("Not booked; with --book, teach books them.\n");
+    std::size_t booked = 0;
+    for (const LedgerEntry& entry : found.clear) booked += book_.acceptAs(entry) ? 1U : 0U;
+    return print("Booked " + std::to_string(booked) + ".\n");
+  }
+
+  const GivenParameters& parameters_;
+  Book& book_;
+  const std::string currency_;
+  TeachingQuestions::Given given_;
+  std::ifstream terminal_;
+  std::optional<TeachingQuestions> questions_;
+  std::string message_;
+  TaughtParts proposed_;
+};
+
+int runTeach(const GivenParameters& parameters) {
+  return withBook(
+      [&](Book& book) {
+        auto currency = bookCurrency();
+        return currency ? Teaching(parameters, book, *std::move(currency)).run() : exitFailure;
+      },
+      TemplateFile::reader());
+}
+
+}  // namespace
+
+linux_platform::Command teachCommand() {
+  constexpr auto optional = ParameterKind::optional;
+  return {
+      "teach",
+      "Have messages like one read as you say, by a template",
+      {{"ID", "The transaction with the message, or - for standard input", optional},
+       {"--amount", "The sum, as it is in the message", optional},
+       {"--payee", "The other party, as it is in the message", optional},
+       {"--kind", "expense, income, transfer, or none for no payment", optional,
+        [] {
+          return std::vector<std::string>{"expense", "income", "transfer", "none"};
+        }},
+       {"--currency", "The code of the sum's currency, as EGP, if the message has none", optional},
+       {"--book", "Book what is in review and fits, without asking", ParameterKind::flag}},
+      runTeach};
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,29 @@
+// The current month as the ledger on this machine has it. Does not open the book: kivo-ledger does.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kivo {
+
+/// The figures of the month that the widget and the status show.
+struct LedgerMonth {
+  /// The sum of the month's expenses, exact, in the book's currency and the device's locale.
+  std::string expenses;
+  /// The number of messages that are to be looked at, of any month.
+  std::int64_t toReview = 0;
+
+  /// Runs `kivo-ledger summary`. Blocks for at most 1 s. Returns nullopt when that is over, or the
+  /// program fails or prints something else; its errors are not shown.
+  static std::optional<LedgerMonth> ask();
+
+  /// Returns the figures in `summary`, the JSON that `kivo-ledger summary` prints; nullopt when
+  /// they are not in it.
+  static std::optional<LedgerMonth> fromSummary(std::string_view summary);
+
+  bool operator==(const LedgerMonth&) const = default;
+};
+
+}  // namespace kivo

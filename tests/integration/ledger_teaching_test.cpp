@@ -1,0 +1,285 @@
+// `kivo-ledger teach`: by options, in a dialogue on a pseudo-terminal, and beside a running
+// service.
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "platform/linux/process/child_process.h"
+#include "testkit/private_ledger.h"
+
+namespace kivo::testkit {
+namespace {
+
+using linux_platform::ProgramResult;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+// No rule knows this wording. The two sums make the rules ask.
+constexpr const char* unknown =
+    "Zap! Tulip Bank moved EGP 150.00 over to Nile Cinema on 21/11/2026, EGP 99.10 stay.";
+constexpr const char* next =
+    "Zap! Tulip Bank moved EGP 1,020.50 over to Old Town Books on 03/12/2026, EGP 78.60 stay.";
+constexpr const char* unclear = "Purchase EGP 10.00 EGP 20.00 at Nile Cinema";
+
+class ATaughtLedger : public testing::Test {
+ protected:
+  static std::string program() { return linux_platform::programFolder() / "kivo-ledger"; }
+  static ProgramResult run(std::vector<std::string> arguments, const std::string& input = "") {
+    return linux_platform::runProgram(
+        {.program = program(), .arguments = std::move(arguments), .input = input});
+  }
+  // Runs it on a pseudo-terminal, on which `typed` is typed.
+  static ProgramResult onTerminal(const std::string& arguments, const std::string& typed) {
+    return linux_platform::runProgram({.program = "script",
+                                       .arguments = {"--quiet", "--return", "--command",
+                                                     program() + " " + arguments, "/dev/null"},
+                                       .input = typed});
+  }
+  static nlohmann::json json(const std::string& command) {
+    return nlohmann::json::parse(run({command, "--json"}).output);
+  }
+  [[nodiscard]] std::filesystem::path file() const {
+    return ledger_.folders().home() / "config" / "kivo" / "templates.toml";
+  }
+  [[nodiscard]] std::string templates() const {
+    std::ostringstream text;
+    text << std::ifstream(file()).rdbuf();
+    return text.str();
+  }
+  void write(const std::string& text) const {
+    std::filesystem::create_directories(file().parent_path());
+    std::ofstream(file()) << text;
+  }
+  // Sends the messages to a service that ends again.
+  void receive(const std::vector<std::string>& messages) {
+    const auto server = ledger_.start();
+    int number = 0;
+    for (const std::string& message : messages) {
+      EXPECT_EQ(ledger_.post("KEY-" + std::to_string(++number), message).status(), 200);
+    }
+    server->signal(SIGTERM);
+    EXPECT_EQ(server->wait().status, 0);
+  }
+
+  PrivateLedger ledger_;
+};
+
+TEST_F(ATaughtLedger, LearnsAMessageFromStandardInput) {
+  const ProgramResult result = run(
+      {"teach", "-", "--kind", "expense", "--amount", "150.00", "--payee", "Nile Cinema"}, unknown);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(result.output,
+            "\nThe template:\n"
+            "  Zap! Tulip Bank moved EGP {amount} over to {payee} on {any}, EGP {any} stay.\n"
+            "It reads this message as:\n"
+            "  expense, 150.00 EGP, Nile Cinema, Entertainment\n\n"
+            "Saved in " +
+                file().string() + "\n");
+  EXPECT_THAT(templates(), HasSubstr("\n[[template]]\ntext = \"Zap! Tulip Bank moved EGP {amount} "
+                                     "over to {payee} on {any}, EGP {any} stay.\"\n"
+                                     "kind = \"expense\"\ncurrency = \"EGP\"\n"));
+}
+
+TEST_F(ATaughtLedger, ReadsTheNextMessageWithoutARestart) {
+  const auto server = ledger_.start();
+  EXPECT_THAT(ledger_.post("KEY-1", unknown).body(), Not(HasSubstr("\"saved\":true")));
+  ASSERT_EQ(run({"teach", "-", "--kind", "expense", "--amount", "150.00", "--payee", "Nile Cinema"},
+                unknown)
+                .status,
+            0);
+  EXPECT_THAT(ledger_.post("KEY-2", next).body(), HasSubstr("\"saved\":true"));
+  const auto listed = json("list");
+  ASSERT_THAT(listed, SizeIs(1));
+  EXPECT_EQ(listed[0]["amount"], "1020.50");
+  EXPECT_EQ(listed[0]["description"], "Old Town Books");
+}
+
+TEST_F(ATaughtLedger, TakesMessagesInSpiteOfADamagedFile) {
+  write("[[template]]\ntext = 'Zap {sum}'\nkind = 'expense'\n");
+  const auto server = ledger_.start();
+  EXPECT_THAT(ledger_.post("KEY-1").body(), HasSubstr("\"saved\":true"));
+  EXPECT_THAT(ledger_.post("KEY-2").body(), HasSubstr("\"saved\":true"));
+  server->signal(SIGTERM);
+  EXPECT_EQ(server->wait().errors,
+            "kivo-ledger: " + file().string() +
+                ": line 2: {amount}, {payee} and {any} are all placeholders; a brace itself is "
+                "written {{; messages are read without templates\n");
+}
+
+TEST_F(ATaughtLedger, DoesNotAddToADamagedFile) {
+  write("[[template]]\ntext = 'Zap {sum}'\nkind = 'expense'\n");
+  const ProgramResult result = run({"teach", "-", "--kind", "none"}, "Zap news");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, StartsWith("kivo-ledger: " + file().string() + ": line 2: "));
+  EXPECT_EQ(templates(), "[[template]]\ntext = 'Zap {sum}'\nkind = 'expense'\n");
+}
+
+TEST_F(ATaughtLedger, BooksWhatFitsWhenAsked) {
+  receive({unclear, "Purchase EGP 30.00 EGP 40.00 at Old Books", purchase});
+  ASSERT_THAT(json("review"), SizeIs(2));
+  const std::vector<std::string> teaching = {"teach",    "1",     "--kind",  "expense",
+                                             "--amount", "20.00", "--payee", "Nile Cinema"};
+  const ProgramResult shown = run(teaching);
+  EXPECT_EQ(shown.status, 0) << shown.errors;
+  EXPECT_THAT(shown.output, AllOf(HasSubstr("\nFor review, as they are read now:\nID "),
+                                  HasSubstr("40.00 EGP  Old Books"),
+                                  EndsWith("Not booked; with --book, teach books them.\n")));
+  EXPECT_THAT(json("review"), SizeIs(2));
+  auto booking = teaching;
+  booking.emplace_back("--book");
+  const ProgramResult booked = run(booking);
+  EXPECT_THAT(booked.output, AllOf(HasSubstr("It is in " + file().string() + " already.\n"),
+                                   EndsWith("Booked 2.\n")));
+  EXPECT_THAT(json("review"), SizeIs(0));
+  const auto listed = json("list");
+  ASSERT_THAT(listed, SizeIs(3));
+  EXPECT_EQ(listed[1]["id"], "2");
+  EXPECT_EQ(listed[1]["amount"], "40.00");
+  EXPECT_EQ(listed[1]["description"], "Old Books");
+}
+
+TEST_F(ATaughtLedger, NamesReviewsThatAreNoPayment) {
+  receive({unclear});
+  const ProgramResult result = run({"teach", "1", "--kind", "none"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_THAT(result.output, AllOf(HasSubstr("It reads this message as:\n  no payment\n"),
+                                   EndsWith("For review, and no payment: 1. `kivo-ledger delete "
+                                            "ID` deletes one.\n")));
+  EXPECT_THAT(json("review"), SizeIs(1));
+}
+
+TEST_F(ATaughtLedger, LeavesAForeignSumForReviewUntilThereIsARate) {
+  receive({"Purchase USD 10.00 USD 20.00 at Nile Cinema"});
+  const std::vector<std::string> teaching = {"teach",    "1",     "--kind", "expense",
+                                             "--amount", "20.00", "--book"};
+  EXPECT_THAT(run(teaching).output,
+              AllOf(HasSubstr("  expense, 20.00 USD, Payment, "),
+                    HasSubstr("\n  (USD is booked at its rate, and is for review without one)\n"),
+                    EndsWith("Still for review: 1.\n")));
+  run({"rate", "USD", "50"});
+  EXPECT_THAT(run(teaching).output, EndsWith("Booked 1.\n"));
+  EXPECT_EQ(json("list")[0]["amount"], "1000.00");
+}
+
+TEST_F(ATaughtLedger, AsksForThePartsAtATerminal) {
+  receive({unclear});
+  const ProgramResult result = onTerminal("teach 1", "e\n20\n20.00\n\n\ny\n");
+  EXPECT_EQ(result.status, 0);
+  const std::vector<std::string> parts = {
+      "The message:\r\n  Purchase EGP 10.00 EGP 20.00 at Nile Cinema\r\n",
+      "Kind: expense, income, transfer, or none for no payment? [expense] ",
+      "The sum, as the message writes it?",
+      "That has to be one number of the message, as it is there.\r\n",
+      "Who was paid, as the message writes it, or - for no name? [Nile Cinema] ",
+      "  Purchase EGP {any} EGP {amount} at {payee}\r\n",
+      "  expense, 20.00 EGP, Nile Cinema, Entertainment\r\n",
+      "Save it? [Y/n] ",
+      "Book them? [Y/n] ",
+      "Booked 1.\r\n"};
+  std::size_t place = 0;
+  for (const std::string& part : parts) {
+    place = result.output.find(part, place);
+    ASSERT_NE(place, std::string::npos) << part << "\nis not in\n" << result.output;
+  }
+  EXPECT_EQ(json("list")[0]["amount"], "20.00");
+}
+
+TEST_F(ATaughtLedger, TakesTheRulesReadingByEnter) {
+  receive({purchase});
+  const ProgramResult result = onTerminal("teach 1", "\n\n\n\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, AllOf(HasSubstr("[150.00] "), HasSubstr("[Carrefour City] ")));
+  EXPECT_THAT(
+      templates(),
+      HasSubstr("\"Your card ending {any} was charged EGP {amount} at {payee} on {any}.\""));
+}
+
+TEST_F(ATaughtLedger, AsksForTheMessageToo) {
+  receive({unclear});
+  const ProgramResult result = onTerminal("teach", "1\nnone\n\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("Teach which one? ID: "));
+  EXPECT_THAT(templates(), HasSubstr("kind = \"none\"\n"));
+}
+
+TEST_F(ATaughtLedger, LearnsNothingWithoutAnAnswer) {
+  receive({unclear});
+  for (const char* const typed : {"\x04", "e\n\x04", "e\n20.00\n\x04", "e\n20.00\n\nn\n"}) {
+    const ProgramResult result = onTerminal("teach 1", typed);
+    EXPECT_EQ(result.status, 1) << typed;
+    EXPECT_THAT(result.output, HasSubstr("kivo-ledger: nothing was taught\r\n")) << typed;
+    EXPECT_FALSE(std::filesystem::exists(file()));
+  }
+}
+
+TEST_F(ATaughtLedger, AsksAtTheTerminalForAMessageFromAPipe) {
+  const auto message = ledger_.folders().home() / "message";
+  std::ofstream(message) << unknown;
+  const ProgramResult result =
+      onTerminal("teach - < " + message.string(), "e\n150.00\nNile Cinema\ny\n");
+  EXPECT_EQ(result.status, 0) << result.output;
+  EXPECT_THAT(templates(), HasSubstr("moved EGP {amount} over to {payee} on"));
+}
+
+TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
+  receive({unclear});
+  const auto expectFailure = [](const std::vector<std::string>& arguments, int status,
+                                const std::string& error) {
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "kivo-ledger: " + error + "\n");
+  };
+  const std::string noTerminal =
+      "there is no terminal to ask at; give ID or -, --kind and --amount";
+  expectFailure({"teach"}, 64, noTerminal);
+  expectFailure({"teach", "1"}, 64, noTerminal);
+  expectFailure({"teach", "1", "--kind", "income"}, 64, noTerminal);
+  expectFailure({"teach", "1", "--amount", "20.00"}, 64, noTerminal);
+  expectFailure({"teach", "1", "--kind", "gift"}, 64,
+                "invalid --kind \"gift\": it must be expense, income, transfer or none");
+  expectFailure({"teach", "1", "--kind", "none", "--currency", "euro"}, 64,
+                "invalid --currency \"euro\": it must be a code such as EGP");
+  expectFailure({"teach", "x", "--kind", "none"}, 64,
+                "invalid ID \"x\": it must be a number, as list and review show it");
+  expectFailure({"teach", "9", "--kind", "none"}, 1, "no transaction has the ID 9");
+  expectFailure({"teach", "-", "--kind", "none"}, 64, "standard input is empty");
+  expectFailure({"teach", "1", "--kind", "expense", "--amount", "7"}, 1,
+                "--amount has to be one number of the message, as it is there");
+  expectFailure({"teach", "1", "--kind", "expense", "--amount", "20.00", "--payee", "Moon"}, 1,
+                "--payee has to be a part of the message, as it is there");
+  run({"forget-texts"});
+  expectFailure({"teach", "1", "--kind", "none"}, 1,
+                "the text of 1 was forgotten; `kivo-ledger teach -` takes it from standard input");
+  EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(ATaughtLedger, OffersTeachingAtATerminalWhereSomethingIsForReview) {
+  const std::string hint =
+      "To have messages like one of these booked from now on: kivo-ledger teach ID\r\n";
+  EXPECT_THAT(onTerminal("review", "").output, Not(HasSubstr("teach")));
+  receive({unclear});
+  EXPECT_THAT(onTerminal("review", "").output, EndsWith(hint));
+  EXPECT_THAT(onTerminal("review --json", "").output, Not(HasSubstr("teach")));
+  EXPECT_THAT(run({"review"}).output, Not(HasSubstr("teach")));
+}
+
+TEST_F(ATaughtLedger, EscapesControlCharactersOfAMessage) {
+  const ProgramResult result = run({"teach", "-", "--kind", "none"}, "Zap \x1b[2J \u202e news");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("\n  Zap \\x1b[{any} news\n"));
+}
+
+}  // namespace
+}  // namespace kivo::testkit

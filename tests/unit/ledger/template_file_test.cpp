@@ -1,0 +1,203 @@
+#include "ledger/templates/template_file.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "ledger/templates/teaching.h"
+#include "testkit/private_folders.h"
+
+namespace kivo::ledger {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class ATemplateFile : public testing::Test {
+ protected:
+  [[nodiscard]] fs::path file() const {
+    return folders_.home() / "config" / "kivo" / "templates.toml";
+  }
+  void write(const std::string& text) const {
+    fs::create_directories(file().parent_path());
+    std::ofstream(file(), std::ios::binary) << text;
+  }
+  [[nodiscard]] std::string text() const {
+    std::ostringstream text;
+    text << std::ifstream(file(), std::ios::binary).rdbuf();
+    return text.str();
+  }
+  // The error without the path in front.
+  [[nodiscard]] std::string errorOf(const std::string& text) const {
+    write(text);
+    const auto content = TemplateFile::read();
+    EXPECT_THAT(content.templates, IsEmpty());
+    const std::string before = file().string() + ": ";
+    EXPECT_THAT(content.error.value_or(""), StartsWith(before));
+    return content.error.value_or(before).substr(before.size());
+  }
+  static MessageTemplate taught(const std::string& message) {
+    const Taught made = teach(message, {.kind = Kind::expense, .amount = "5"}, "EGP");
+    if (!made.made) throw std::runtime_error(made.error);
+    return *made.made;
+  }
+  static std::string oneTemplate(const std::string& text) {
+    return "[[template]]\ntext = '" + text + "'\nkind = 'expense'\n";
+  }
+
+  testkit::PrivateFolders folders_;
+};
+
+TEST_F(ATemplateFile, HasNoTemplatesWhenItIsMissing) {
+  const auto content = TemplateFile::read();
+  EXPECT_THAT(content.templates, IsEmpty());
+  EXPECT_EQ(content.error, std::nullopt);
+}
+
+TEST_F(ATemplateFile, GivesBackWhatWasAdded) {
+  const MessageTemplate one = taught("\"Zap\" 'x' \\n {y} 🛒 زاب 5 EGP");
+  EXPECT_EQ(TemplateFile::add(one), std::nullopt);
+  EXPECT_EQ(TemplateFile::add(taught("Zip 5")), std::nullopt);
+  const auto content = TemplateFile::read();
+  ASSERT_THAT(content.templates, SizeIs(2)) << content.error.value_or("");
+  EXPECT_TRUE(content.templates[0].readsAs(one));
+  EXPECT_EQ(content.templates[1].text, "Zip {amount}");
+}
+
+TEST_F(ATemplateFile, IsReadableText) {
+  TemplateFile::add(taught("Zap 5 EGP زاب"));
+  EXPECT_THAT(text(), StartsWith("# Messages that Kivo was taught to read."));
+  EXPECT_THAT(text(), EndsWith("\n[[template]]\n"
+                               "text = \"Zap {amount} EGP زاب\"\n"
+                               "kind = \"expense\"\n"
+                               "currency = \"EGP\"\n"));
+}
+
+TEST_F(ATemplateFile, KeepsControlCharactersOfAMessage) {
+  const MessageTemplate one = taught(std::string("Zap \x01\x00\x7f 5 EGP", 14));
+  EXPECT_EQ(TemplateFile::add(one), std::nullopt);
+  ASSERT_THAT(TemplateFile::read().templates, SizeIs(1));
+  EXPECT_TRUE(TemplateFile::read().templates[0].readsAs(one));
+}
+
+TEST_F(ATemplateFile, IsPrivate) {
+  TemplateFile::add(taught("Zap 5"));
+  struct stat found {};
+  ASSERT_EQ(stat(file().c_str(), &found), 0);
+  EXPECT_EQ(found.st_mode & 0777U, 0600U);
+}
+
+TEST_F(ATemplateFile, KeepsCommentsAndLayout) {
+  const std::string mine = "# mine\r\n[[template]] # yes\r\n  kind='none'\r\n  text='News'";
+  write(mine);
+  EXPECT_EQ(TemplateFile::add(taught("Zap 5")), std::nullopt);
+  EXPECT_THAT(text(), StartsWith(mine + "\n\n[[template]]\n"));
+  EXPECT_THAT(TemplateFile::read().templates, SizeIs(2));
+}
+
+TEST_F(ATemplateFile, KeepsASymbolicLinkToIt) {
+  const fs::path real = folders_.home() / "elsewhere.toml";
+  std::ofstream(real) << oneTemplate("Zip {amount}");
+  fs::create_directories(file().parent_path());
+  fs::create_symlink(real, file());
+  EXPECT_EQ(TemplateFile::add(taught("Zap 5")), std::nullopt);
+  EXPECT_TRUE(fs::is_symlink(file()));
+  EXPECT_THAT(TemplateFile::read().templates, SizeIs(2));
+}
+
+TEST_F(ATemplateFile, StaysAsItIsWhenItIsDamaged) {
+  for (const std::string damaged : {"[[template]]\ntext = 'Zap\n", "template = []\n"}) {
+    write(damaged);
+    EXPECT_THAT(TemplateFile::add(taught("Zap 5")).value_or(""),
+                StartsWith(file().string() + ": "));
+    EXPECT_EQ(text(), damaged);
+  }
+}
+
+TEST_F(ATemplateFile, NamesTheLineThatIsWrong) {
+  const std::string first = oneTemplate("Zip {amount}");  // three lines
+  EXPECT_EQ(errorOf(first + "[[template]]\ntext = 'Zap\n"), "line 5: this is not valid TOML");
+  EXPECT_EQ(
+      errorOf(first + "[[template]]\nkind = 'expense'\ntext = 'Zap {sum}'\n"),
+      "line 6: {amount}, {payee} and {any} are all placeholders; a brace itself is written {{");
+  EXPECT_EQ(errorOf(first + oneTemplate("Zap {any}{amount}")),
+            "line 5: two placeholders touch; there must be text between them");
+  EXPECT_EQ(errorOf(first + oneTemplate("Zap {any}")),
+            "line 5: {amount} is missing; without it kind must be none");
+  EXPECT_EQ(errorOf(first + "[[template]]\ntext = 'Zap {amount}'\nkind = 'gift'\n"),
+            "line 6: kind must be expense, income, transfer or none");
+  EXPECT_EQ(errorOf(first + "[[template]]\ntext = 'Zap {amount}'\n"),
+            "line 4: kind must be expense, income, transfer or none");
+  EXPECT_EQ(errorOf(first + "[[template]]\nkind = 'none'\n"), "line 4: a template needs a text");
+  EXPECT_EQ(errorOf(first + oneTemplate("Zap {amount}") + "currency = 'E£'\n"),
+            "line 7: currency must be a code such as EGP");
+  EXPECT_EQ(errorOf(first + oneTemplate("Zap {amount}") + "colour = 'red'\n"),
+            "line 7: unknown key; a template has text, kind, currency, description and category");
+  EXPECT_EQ(errorOf(first + oneTemplate("Zap {amount}") + "category = 7\n"),
+            "line 7: this must be a text in quotes");
+  EXPECT_EQ(errorOf("templates = 1\n" + first), "line 1: only [[template]] may be here");
+  EXPECT_EQ(errorOf("[template]\ntext = 'Zap'\n"), "line 1: only [[template]] may be here");
+  EXPECT_EQ(errorOf("template = [\n1]\n"), "line 2: only [[template]] may be here");
+}
+
+TEST_F(ATemplateFile, IsRefusedWhenItIsTooLargeOrNoFile) {
+  EXPECT_EQ(errorOf(std::string((1 << 20) + 1, '#')), "it cannot be read");
+  fs::remove(file());
+  fs::create_directories(file());
+  EXPECT_EQ(TemplateFile::read().error, file().string() + ": it cannot be read");
+  EXPECT_EQ(TemplateFile::add(taught("Zap 5")), file().string() + ": it cannot be read");
+}
+
+TEST_F(ATemplateFile, DoesNotGrowBeyondWhatIsRead) {
+  const std::string large = "#" + std::string((1 << 20) - 10, 'x') + "\n";
+  write(large);
+  EXPECT_EQ(TemplateFile::add(taught("Zap 5")),
+            file().string() + ": nothing can be added at its end");
+  EXPECT_EQ(text(), large);
+}
+
+TEST_F(ATemplateFile, TakesDescriptionAndCategory) {
+  write(oneTemplate("Zap {amount}") +
+        "currency = 'KWD'\ndescription = 'Rent'\ncategory = 'Home'\n");
+  const Reading reading = TemplateFile::reader()("Zap 1.500", "KWD");
+  EXPECT_EQ(reading.amount, (Money{1500, "KWD"}));
+  EXPECT_EQ(reading.description, "Rent");
+  EXPECT_EQ(reading.category, "Home");
+}
+
+TEST_F(ATemplateFile, IsReadForEachMessage) {
+  const MessageReader reader = TemplateFile::reader();
+  EXPECT_EQ(reader("Zap 5", "EGP").outcome, Outcome::notATransaction);
+  write(oneTemplate("Zap {amount}"));
+  EXPECT_EQ(reader("Zap 5", "EGP").outcome, Outcome::transaction);
+  fs::remove(file());
+  EXPECT_EQ(reader("Zap 5", "EGP").outcome, Outcome::notATransaction);
+}
+
+TEST_F(ATemplateFile, LeavesMessagesToTheRulesWhenItIsDamaged) {
+  const MessageReader reader = TemplateFile::reader();
+  const std::string message = "Your card ending 4821 was charged EGP 150.00 at Carrefour City.";
+  write("zzz secret");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(reader(message, "EGP"), read(message, "EGP"));
+  EXPECT_EQ(reader(message, "EGP"), read(message, "EGP"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "kivo-ledger: " + file().string() +
+                ": line 1: this is not valid TOML; messages are read without templates\n");
+  write(oneTemplate("Zap {sum}"));
+  testing::internal::CaptureStderr();
+  reader(message, "EGP");
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(": line 2: {amount}, "));
+}
+
+}  // namespace
+}  // namespace kivo::ledger

@@ -1,0 +1,44 @@
+#include "phone/ledger_month.h"
+
+#include <string>
+#include <tuple>
+
+#include <gtest/gtest.h>
+
+#include "testkit/private_folders.h"
+
+namespace kivo {
+namespace {
+
+class ALedgerMonth : public testing::Test {
+ protected:
+  testkit::PrivateFolders folders_;
+};
+
+TEST_F(ALedgerMonth, HasTheExpensesInTheBooksCurrencyToTheCent) {
+  const auto month = LedgerMonth::fromSummary(
+      R"({"month":"2026-11","currency":"USD","expense":"90071992547409931.23","review":"2"})");
+  EXPECT_EQ(month, (LedgerMonth{.expenses = "$90,071,992,547,409,931.23", .toReview = 2}));
+}
+
+TEST_F(ALedgerMonth, KeepsTheDecimalsOfTheBook) {
+  for (const auto& [currency, sum, shown] :
+       {std::tuple("JPY", "1234", "¥1,234"), std::tuple("IQD", "1.235", "IQD\u00a01.235")}) {
+    const auto month = LedgerMonth::fromSummary(std::string(R"({"currency":")") + currency +
+                                                R"(","expense":")" + sum + R"(","review":"0"})");
+    ASSERT_TRUE(month);
+    EXPECT_EQ(month->expenses, shown);
+  }
+}
+
+TEST_F(ALedgerMonth, IsAbsentFromAnythingElse) {
+  for (const char* const summary :
+       {"", "No transaction fits.", "[]", "{}", R"({"currency":"USD","expense":"1.00"})",
+        R"({"currency":"USD","expense":1.0,"review":"2"})",
+        R"({"currency":"USD","expense":"1.00","review":"many"})"}) {
+    EXPECT_EQ(LedgerMonth::fromSummary(summary), std::nullopt) << summary;
+  }
+}
+
+}  // namespace
+}  // namespace kivo
