@@ -7,12 +7,15 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 IN_DOCUMENT = re.compile(r"`([A-Z][A-Za-z]+)\.([A-Z][a-z]+[A-Z][A-Za-z0-9]+)`")
 IN_SOURCE = re.compile(r"\bTEST(?:_[FP])?\(\s*(\w+),\s*(\w+)\s*\)")
+IN_LIST = re.compile(r"\badd_test\(NAME (\w+)\.(\w+)")
 
 
 def main():
     tests = set()
     for source in (ROOT / "tests").rglob("*.cpp"):
         tests.update(IN_SOURCE.findall(source.read_text(encoding="utf-8")))
+    for listed in (ROOT / "tests").rglob("CMakeLists.txt"):
+        tests.update(IN_LIST.findall(listed.read_text(encoding="utf-8")))
     named = 0
     absent = []
     for document in sorted((ROOT / "docs").rglob("*.md")):

@@ -205,6 +205,30 @@ class Names {
            isNameWord(at + 1);
   }
 
+  // Whether a name that began at `begin` ends before the word `at`, no mark being between them.
+  [[nodiscard]] bool isBehindName(std::size_t at, std::size_t begin, Meaning introduced) const {
+    const Item& item = items_[at];
+    const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
+                           static_cast<unsigned char>(item.text.front()) >= 0xE4;
+    if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
+    if (introduced == Meaning::info) {
+      return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
+             (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
+    }
+    if (isArticle(at)) return false;
+    if (isWordOf(at,
+                 {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
+                  Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {
+      return true;
+    }
+    // "COUNCIL TAX" is all name, "Council tax" need not be.
+    if (item.capitals && items_[begin].capitals) return false;
+    return isWordOf(
+        at, {Meaning::at, Meaning::amount, Meaning::charge, Meaning::done, Meaning::credited,
+             Meaning::debited, Meaning::spent, Meaning::paid, Meaning::sent, Meaning::received,
+             Meaning::declined, Meaning::notYet, Meaning::refund, Meaning::aside});
+  }
+
   [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Meaning introduced) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
@@ -228,25 +252,7 @@ class Names {
       const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
       return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
     }
-    const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
-                           static_cast<unsigned char>(item.text.front()) >= 0xE4;
-    if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
-    if (introduced == Meaning::info) {
-      return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
-             (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
-    }
-    if (isArticle(at)) return false;
-    if (isWordOf(at,
-                 {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
-                  Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {
-      return true;
-    }
-    // "COUNCIL TAX" is all name, "Council tax" need not be.
-    if (item.capitals && items_[begin].capitals) return false;
-    return isWordOf(
-        at, {Meaning::at, Meaning::amount, Meaning::charge, Meaning::done, Meaning::credited,
-             Meaning::debited, Meaning::spent, Meaning::paid, Meaning::sent, Meaning::received,
-             Meaning::declined, Meaning::notYet, Meaning::refund, Meaning::aside});
+    return isBehindName(at, begin, introduced);
   }
 
   [[nodiscard]] std::size_t endOfName(std::size_t begin, Meaning introduced) const {
