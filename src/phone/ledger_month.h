@@ -12,7 +12,7 @@ namespace kivo {
 struct LedgerMonth {
   /// The sum of the month's expenses, exact, in the book's currency and the device's locale.
   std::string expenses;
-  /// The number of messages that are to be looked at, of any month.
+  /// The number of entries in review, of any month.
   std::int64_t toReview = 0;
 
   /// Runs `kivo-ledger summary`. Blocks for at most 1 s. Returns nullopt when that is over, or the

@@ -14,18 +14,19 @@ struct DoubleEntry {
   std::string otherAccount;
   /// "Assets:Bank:4821"; "Assets:Bank" when the message shows no digits.
   std::string ownAccount;
-  /// What is posted to `otherAccount`; `toOwn` is its opposite. A transfer leaves the own account.
+  /// The sum posted to `otherAccount`; `toOwn` is its negative. A transfer leaves the own account.
   Money toOther;
   Money toOwn;
   /// The category, on one line, where `otherAccount` does not name it as it is; else empty.
   std::string unnamedCategory;
 };
 
-/// Makes a text one level of an account's name by the rules of a format; empty when nothing of it
-/// can stay.
+/// Converts a text to one level of an account's name by the rules of a format; returns an empty
+/// text when none of its characters can stay.
 using LevelName = std::string (*)(std::string_view text);
 
-/// `entry`, which has a sum. A category of which nothing can stay is "Other".
+/// Returns the postings of `entry`, which must have a sum. A category becomes "Other" when none of
+/// its characters can stay.
 DoubleEntry doubleEntryOf(const LedgerEntry& entry, LevelName levelName);
 
 }  // namespace kivo::ledger

@@ -7,7 +7,7 @@
 
 namespace kivo::ledger {
 
-/// export.
+/// Returns the command `export`.
 std::vector<linux_platform::Command> exportCommands();
 
 }  // namespace kivo::ledger

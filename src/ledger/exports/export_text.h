@@ -8,14 +8,15 @@
 
 namespace kivo::ledger {
 
-/// `text` (UTF-8) on one line: each run of blanks, line breaks and control characters becomes one
-/// space, and none remains at the ends. What XML does not allow counts as a control character.
+/// Returns `text` (UTF-8) on one line: each run of blanks, line breaks and control characters
+/// becomes one space, and none remains at the ends. What XML does not allow counts as a control
+/// character.
 std::string oneLine(std::string_view text);
 
-/// `text` with each `from` replaced by `to`.
+/// Returns `text` with each `from` replaced by `to`.
 std::string withReplaced(std::string text, char from, char to);
 
-/// A name for `entry` that an import can recognise: its id and 16 hexadecimal digits, such as
+/// Returns a name by which an import recognises `entry`: its id and 16 hexadecimal digits, such as
 /// "42-9f86d081884c7d65". It never changes, no entry of another book has it, and the key of the
 /// entry cannot be computed from it.
 std::string importId(const LedgerEntry& entry);

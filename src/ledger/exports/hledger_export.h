@@ -8,9 +8,9 @@
 
 namespace kivo::ledger {
 
-/// A journal of `entries`, in their order, that passes `hledger check --strict`. The tag "kivo-id"
-/// is the `importId`. A semicolon in a name becomes a comma and a bar a slash, since hledger has no
-/// escapes for them; a comma in the tags "category" and "reference" becomes a blank.
+/// Returns `entries`, in their order, as a journal that passes `hledger check --strict`. The tag
+/// "kivo-id" is the `importId`. A semicolon in a name becomes a comma and a bar a slash, since
+/// hledger has no escapes for them; a comma in the tags "category" and "reference" becomes a blank.
 std::string hledgerExport(const std::vector<LedgerEntry>& entries);
 
 }  // namespace kivo::ledger

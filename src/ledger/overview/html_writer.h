@@ -18,14 +18,14 @@ class HtmlWriter {
     html_.append(literal, size - 1);
     return *this;
   }
-  /// Text in the page's own direction.
+  /// Writes text in the direction of the page.
   HtmlWriter& text(std::string_view text);
-  /// A name from a message, in the direction of its script.
+  /// Writes a name from a message, isolated, in the direction of its script.
   HtmlWriter& name(std::string_view name);
-  /// An amount in the device's locale, which may be written from right to left.
+  /// Writes an amount in the device's locale, isolated, since it may run from right to left.
   HtmlWriter& amount(std::string_view amount);
   HtmlWriter& count(std::int64_t number);
-  /// A length with two decimals at most: "12.5".
+  /// Writes a length with two decimals at most: "12.5".
   HtmlWriter& length(double length);
 
   [[nodiscard]] const std::string& html() const { return html_; }

@@ -9,7 +9,7 @@
 
 namespace kivo::ledger {
 
-/// What was booked in a period in one currency, in its minor units. A transfer is neither income
+/// The sums booked in a period in one currency, in its minor units. A transfer is neither income
 /// nor expense.
 struct MovedSums {
   /// Adds those of `group`, whatever its currency.

@@ -7,7 +7,7 @@
 
 namespace kivo::ledger {
 
-/// summary, report.
+/// Returns the commands `summary` and `report`.
 std::vector<linux_platform::Command> overviewCommands();
 
 }  // namespace kivo::ledger

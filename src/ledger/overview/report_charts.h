@@ -8,10 +8,10 @@
 
 namespace kivo::ledger::ReportCharts {
 
-/// Draws what was spent and received in each of the twelve months.
+/// Draws expense and income of each of the twelve months.
 void drawMonths(HtmlWriter& page, const ReportFigures& figures);
 
-/// Draws what was spent on each day of the month.
+/// Draws the expense of each day of the month.
 void drawDays(HtmlWriter& page, const ReportFigures& figures);
 
 /// Draws `part` of `whole` as a bar without text.

@@ -7,8 +7,8 @@
 
 namespace kivo::ledger::ReportFile {
 
-/// Returns report.html in the runtime folder, which is in memory and goes at the end of the
-/// session; nullopt when there is none. Creates the folder, for the user alone, when it is missing.
+/// Returns the path of report.html in the runtime folder, which is in memory and is removed at the
+/// end of the session; nullopt without a runtime folder. Creates its folder for the user only.
 std::optional<std::filesystem::path> usualPlace();
 
 /// Opens `path` with xdg-open, as found in PATH, and waits for it for a few seconds. Returns why

@@ -7,7 +7,7 @@
 
 namespace kivo::ledger {
 
-/// `figures` as an HTML document that holds all it needs: no script, and nothing that is loaded.
+/// Returns `figures` as a self-contained HTML document without scripts.
 /// Sums are in the device's locale, words in English.
 std::string reportPage(const ReportFigures& figures);
 

@@ -1,10 +1,10 @@
-// How the report looks.
+// The appearance of the report. Holds no content.
 #pragma once
 
 namespace kivo::ledger {
 
-/// The page's style sheet: for screens of any width, light and dark, and for paper. Text and
-/// background differ by a contrast of 4.5 or more.
+/// Returns the page's style sheet: for screens of any width, light and dark, and for paper. Text
+/// and background differ by a contrast of 4.5 or more.
 inline constexpr char reportStyle[] = R"(
 :root{color-scheme:light dark;--ground:#f5f6f8;--sheet:#fff;--ink:#1b2230;--soft:#545e70;--line:#dfe3e9;
 --spent:#2b6cb0;--received:#2f855a;--notice:#fdf6e3;--edge:#b7791f}

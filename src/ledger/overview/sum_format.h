@@ -1,4 +1,4 @@
-// Sums of one currency as the person reads them.
+// Formats sums of one currency for the user. Converts nothing.
 #pragma once
 
 #include <cstdint>
@@ -14,9 +14,9 @@ class SumFormat {
   /// For `currency`, an ISO 4217 code.
   explicit SumFormat(std::string currency);
 
-  /// `minorUnits` without the currency: "1,250.00".
+  /// Returns `minorUnits` without the currency: "1,250.00".
   [[nodiscard]] std::string plain(std::int64_t minorUnits) const;
-  /// `minorUnits` with the currency: "EGP 1,250.00".
+  /// Returns `minorUnits` with the currency: "EGP 1,250.00".
   [[nodiscard]] std::string withCurrency(std::int64_t minorUnits) const;
 
  private:

@@ -9,20 +9,21 @@
 
 namespace kivo::ledger::SummaryView {
 
-/// `summary` as a JSON object, all members texts or arrays of such objects: "month", "currency",
-/// "expense", "income", "transfer", "transactions", "review", "previous", "categories", "payees",
-/// "other_currencies". Sums are plain decimals with the currency's decimals.
+/// Returns `summary` as a JSON object, all members texts or arrays of such objects: "month",
+/// "currency", "expense", "income", "transfer", "transactions", "review", "previous", "categories",
+/// "payees", "other_currencies". Sums are plain decimals with the currency's decimals.
 platform::JSONEncoder json(const MonthSummary& summary);
 
-/// How a text for a terminal looks.
+/// The width and the style of a terminal.
 struct Look {
   std::size_t width = 80;
   enum class Style { plain, coloured } style = Style::plain;
 };
 
-/// `summary` for a person, in the device's locale, without control characters. The names come last
-/// in their lines, so that one that is written from right to left moves no sum. Lines are no longer
-/// than the width of `look`, unless the sums alone are. `today` is the current month, yyyy-MM.
+/// Returns `summary` as text, in the device's locale, without control characters. The names come
+/// last in their lines, so that one that is written from right to left moves no sum. Lines are no
+/// longer than the width of `look`, unless the sums alone are. `today` is the current month,
+/// yyyy-MM.
 std::string text(const MonthSummary& summary, const std::string& today, const Look& look);
 
 }  // namespace kivo::ledger::SummaryView

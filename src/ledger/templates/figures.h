@@ -1,4 +1,5 @@
-// Removes the figures of a message from its wording: dates, times, balances, accounts, references.
+// Replaces the parts of a message that differ from one message to the next (dates, times, balances,
+// accounts, references) by {any}. Does not know which number is the sum.
 #pragma once
 
 #include <string>
@@ -6,17 +7,17 @@
 
 namespace kivo::ledger {
 
-/// What is beside a part of a message.
+/// Whether a placeholder touches a part of a message at its start or at its end.
 struct Neighbours {
   bool behindPlaceholder = false;
   bool beforePlaceholder = false;
 };
 
-/// `part` of a message (in template form) as literal text of a pattern, with {any} for each word
-/// that holds a digit, and for each month, day of the week and half of the day beside one. The
-/// marks at the ends of a word and the text in front of a ":", "=", "#" or bracket stay. A word
-/// that touches a placeholder keeps what is between it and the digits. Words in a row have one
-/// {any}, but beside a placeholder one each.
+/// Returns `part` of a message (in template form) as pattern text: each word that holds a digit
+/// becomes {any}, and so does a month, a weekday or AM/PM next to such a word. Punctuation at the
+/// ends of a word stays, as does its text up to a ":", "=", "#" or bracket. A word that touches a
+/// placeholder keeps the characters between the placeholder and its digits. Consecutive words
+/// become one {any}, except next to a placeholder.
 std::string withoutFigures(std::string_view part, Neighbours neighbours);
 
 }  // namespace kivo::ledger

@@ -2,8 +2,8 @@
 
 namespace kivo::ledger {
 
-std::optional<std::size_t> shortestFront(std::string_view text,
-                                         std::span<const std::string> literals) {
+std::optional<std::size_t> shortestPrefix(std::string_view text,
+                                          std::span<const std::string> literals) {
   if (!text.starts_with(literals.front())) return std::nullopt;
   std::size_t end = literals.front().size();
   for (const std::string& literal : literals.subspan(1)) {

@@ -1,4 +1,4 @@
-// Finds texts in a text, in time linear in the length of both, whatever they hold.
+// Searches for literal texts, in time linear in the lengths of both for every input.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,13 @@
 
 namespace kivo::ledger {
 
-/// Calls `found` with each place behind an occurrence of `literal` in `text`, in order, also of
-/// those that overlap, until it returns false. An empty literal occurs everywhere.
+/// Calls `found` with the end position of each occurrence of `literal` in `text`, in ascending
+/// order and including overlapping ones, until `found` returns false. An empty literal occurs at
+/// each position.
 template <class Found>
 void forEachEnd(std::string_view text, std::string_view literal, Found found) {
-  // The Knuth-Morris-Pratt algorithm: how much of the literal's front a part of it ends with.
+  // The failure function of Knuth, Morris and Pratt: for each prefix of the literal, the length of
+  // its longest proper suffix that is also a prefix.
   std::vector<std::size_t> front(literal.size() + 1, 0);
   for (std::size_t at = 1, fits = 0; at < literal.size(); ++at) {
     while (fits > 0 && literal[at] != literal[fits]) fits = front[fits];
@@ -30,10 +32,10 @@ void forEachEnd(std::string_view text, std::string_view literal, Found found) {
   }
 }
 
-/// The length of the shortest front of `text` that is `literals` in their order, the first one at
-/// its begin and at least one byte between two of them; nullopt when no front is. `literals` is not
-/// empty.
-std::optional<std::size_t> shortestFront(std::string_view text,
-                                         std::span<const std::string> literals);
+/// Returns the length of the shortest prefix of `text` that begins with the first of `literals`,
+/// ends with the last, and has all in this order with at least one byte between two of them;
+/// nullopt when no prefix has. `literals` must not be empty.
+std::optional<std::size_t> shortestPrefix(std::string_view text,
+                                          std::span<const std::string> literals);
 
 }  // namespace kivo::ledger

@@ -24,7 +24,7 @@ std::vector<bool> placesBehind(std::string_view text, std::span<const std::strin
   const std::string& last = literals.back();
   std::size_t least = 0;  // where the last literal may begin
   if (literals.size() > 1) {
-    const auto front = shortestFront(text, literals.first(literals.size() - 1));
+    const auto front = shortestPrefix(text, literals.first(literals.size() - 1));
     if (!front) return places;
     least = *front + 1;
   }
@@ -116,8 +116,8 @@ std::optional<std::string> MessagePattern::payeeIn(const Range& range) const {
   const std::span<const std::string> literals(literals_);
   const std::span<const std::string> backwards(backwards_);
   const auto front =
-      shortestFront(range.text, literals.subspan(range.first, middle - range.first + 1));
-  const auto back = shortestFront(
+      shortestPrefix(range.text, literals.subspan(range.first, middle - range.first + 1));
+  const auto back = shortestPrefix(
       range.reversed, backwards.subspan(literals_.size() - 1 - range.last, range.last - middle));
   if (!front || !back || *front + *back >= range.text.size()) return std::nullopt;
   if (!isHere) return "";

@@ -1,4 +1,4 @@
-// The text of a template with its placeholders, and how it fits messages. Knows no currency.
+// Matches messages against a text with placeholders. Knows no currency.
 #pragma once
 
 #include <cstddef>
@@ -9,28 +9,28 @@
 
 namespace kivo::ledger {
 
-/// How a pattern fits a message.
+/// The parts of a message that the placeholders of a pattern matched.
 struct PatternFit {
-  /// The digits and separators of the number that is {amount}; empty only without that placeholder.
-  /// Two when several numbers of the message could be it.
+  /// The digits and separators of the number that {amount} matched; empty if the pattern has no
+  /// {amount}. Two numbers when the match is ambiguous.
   std::vector<std::string> amounts;
-  /// The text of {payee}; empty without that placeholder, and with two amounts.
+  /// The text that {payee} matched; empty if the pattern has no {payee}, and with two amounts.
   std::string payee;
 };
 
 /// Literal text with the placeholders {amount} (a number), {payee} and {any} (any text that is not
-/// empty). "{{" in it is the brace itself.
+/// empty). "{{" stands for one brace.
 class MessagePattern {
  public:
-  /// A pattern, or why the text is none: one line that quotes nothing from it.
+  /// A pattern, or the reason why the text is not one, in one line that quotes nothing from it.
   struct Parsed;
   static Parsed parse(std::string_view text);
 
-  /// `text` with its braces doubled: a pattern that is literal.
+  /// Returns the pattern that matches exactly `text`: its braces are doubled.
   static std::string escaped(std::string_view text);
 
-  /// Fits the pattern to a whole message, in template form (message_text.h); nullopt when it does
-  /// not fit. {payee} takes as much as it can. Time is linear in the lengths of both.
+  /// Matches a whole message in template form (message_text.h); returns nullopt when it does not
+  /// match. {payee} matches as much as possible. Time is linear in the lengths of both.
   [[nodiscard]] std::optional<PatternFit> fit(std::string_view message) const;
 
   [[nodiscard]] bool hasAmount() const { return amount_.has_value(); }
@@ -38,9 +38,9 @@ class MessagePattern {
  private:
   MessagePattern() = default;
 
-  // literals_[n] is in front of placeholder n; the last one is behind the last placeholder.
+  // literals_[n] precedes placeholder n; the last one follows the last placeholder.
   std::vector<std::string> literals_;
-  // As literals_, from the end to the begin, each backwards.
+  // literals_ in reverse order, each reversed.
   std::vector<std::string> backwards_;
   std::optional<std::size_t> amount_;
   std::optional<std::size_t> payee_;

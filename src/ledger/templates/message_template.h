@@ -1,4 +1,4 @@
-// What a person taught about a bank's messages: a pattern, and what a message that fits it says.
+// A taught wording: a pattern, and how to read the messages that match it. Reads no file.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@
 namespace kivo::ledger {
 
 struct MessageTemplate {
-  /// As it was written.
+  /// The pattern as it was written.
   std::string text;
   /// `text`, parsed. Has {amount} when there is a kind.
   MessagePattern pattern;
@@ -20,32 +20,33 @@ struct MessageTemplate {
   std::optional<Kind> kind = {};
   /// The currency of {amount}, an ISO 4217 code; empty for the book's.
   std::string currency = {};
-  /// In the place of the payee's name; empty for none.
+  /// Replaces the description by the payee's name; empty to keep that.
   std::string description = {};
-  /// In the place of the category by the payee's name; empty for none.
+  /// Replaces the category by the payee's name; empty to keep that.
   std::string category = {};
 
-  /// Whether both read every message alike.
+  /// Returns whether both read every message in the same way.
   [[nodiscard]] bool readsAs(const MessageTemplate& other) const {
     return text == other.text && kind == other.kind && currency == other.currency &&
            description == other.description && category == other.category;
   }
 };
 
-/// Reads a message that fits `pattern` of `taught` as `fit`, for a book in `bookCurrency`. Account,
-/// reference and balance come from `rules`, its reading by rules. The outcome is `needsReview`
-/// without a sum when its digits can be read in two ways or several numbers could be it, with the
-/// sum when it is in another currency; `notATransaction` for a sum of zero.
+/// Returns the reading of a message that the pattern of `taught` matched as `fit`, for a book in
+/// `bookCurrency`. Account, reference and balance come from `rules`, the reading by the rules. The
+/// outcome is `needsReview` with the sum when that is in another currency, and without a sum when
+/// its digits or the match are ambiguous; `notATransaction` when the sum is zero.
 Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
                   std::string_view bookCurrency);
 
-/// As `read` (recognition/reading.h), but by the last of `templates` that fits, where one does.
+/// Reads `text` by the last of `templates` that matches; as `read` (recognition/reading.h) when no
+/// template does.
 Reading readWith(const std::vector<MessageTemplate>& templates, std::string_view text,
                  std::string_view bookCurrency);
 
-/// "expense", "income", "transfer" or "none", as `MessageTemplate::kind`.
+/// Returns "expense", "income", "transfer", or "none" for an absent `kind`.
 const char* taughtKindText(std::optional<Kind> kind);
-/// The kind of that name, which is absent for "none"; nullopt for another text.
+/// Returns the kind of that name, an absent kind for "none"; nullopt for another text.
 std::optional<std::optional<Kind>> taughtKindFromText(std::string_view text);
 
 }  // namespace kivo::ledger

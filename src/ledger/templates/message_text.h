@@ -1,4 +1,4 @@
-// The text of a message as templates see it: one spelling, and the numbers in it.
+// Normalises a message for templates, and finds the numbers in it.
 #pragma once
 
 #include <cstddef>
@@ -8,20 +8,20 @@
 
 namespace kivo::ledger {
 
-/// `text` (UTF-8) in the recogniser's readable form, with one blank for each run of white space and
-/// none at its ends.
+/// Returns `text` (UTF-8) in template form: the recogniser's readable form, with each run of white
+/// space replaced by one blank, and trimmed.
 std::string templateForm(std::string_view text);
 
 /// A number of a message.
 struct MessageNumber {
-  /// The place behind it.
+  /// The position after it.
   std::size_t end = 0;
-  /// Its digits and separators, without blanks between its groups.
+  /// Its digits and separators, without the blanks between groups.
   std::string digits;
 };
 
-/// The numbers that begin at `at` of `text` (in template form): none within a number; two where
-/// blanks may group its digits, as in "1 234,50".
+/// Returns the numbers that begin at position `at` of `text` (in template form): empty inside a
+/// number; two where a blank may group digits, as in "1 234,50".
 std::vector<MessageNumber> numbersAt(std::string_view text, std::size_t at);
 
 }  // namespace kivo::ledger

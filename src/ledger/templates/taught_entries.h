@@ -1,4 +1,4 @@
-// The entries in review that a new template fits, and booking them.
+// Finds the entries in review that a new template matches. Books none.
 #pragma once
 
 #include <cstdint>
@@ -10,22 +10,22 @@
 
 namespace kivo::ledger {
 
-/// The entries in review whose message a template fits, by their readings now.
+/// The entries in review that a template matches, by the outcome of reading them again.
 struct TaughtEntries {
-  /// Clear, and ready for `Book::acceptAs`.
+  /// Read without doubt, and ready for `Book::acceptAs`.
   std::vector<LedgerEntry> clear = {};
-  /// The ids of those that are still for review, such as those in a currency without a rate.
+  /// The ids of those that stay in review, such as those in a currency without a rate.
   std::vector<std::int64_t> unclear = {};
   /// The ids of those that are no payment.
   std::vector<std::int64_t> none = {};
 };
 
-/// Finds the entries of `book`, which is kept in `currency` and reads by the templates of the file,
-/// that fit `taught`.
+/// Reads the entries in review of `book` again and returns those that `taught` matches. The book is
+/// kept in `currency`, and its reader must use the templates of the file.
 TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
                             const std::string& currency);
 
-/// "1, 2 and 5".
+/// Returns `ids` as a list: "1, 2 and 5".
 std::string listed(const std::vector<std::int64_t>& ids);
 
 }  // namespace kivo::ledger

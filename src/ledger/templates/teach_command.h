@@ -5,7 +5,7 @@
 
 namespace kivo::ledger {
 
-/// teach.
+/// Returns the command `teach`.
 linux_platform::Command teachCommand();
 
 }  // namespace kivo::ledger

@@ -10,13 +10,13 @@
 
 namespace kivo::ledger {
 
-/// Reads a person's answers, a line each.
+/// Asks questions and reads the answers, one line each.
 class TeachingQuestions {
  public:
-  /// `answers` outlives this.
+  /// `answers` must outlive this object.
   explicit TeachingQuestions(std::istream& answers) : answers_(&answers) {}
 
-  /// The parts of a message that a person gave already; absent ones are asked for.
+  /// The parts that were given as options. Absent ones are asked for.
   struct Given {
     std::optional<std::optional<Kind>> kind = {};
     std::optional<std::string> amount = {};
@@ -24,16 +24,16 @@ class TeachingQuestions {
     std::string currency = {};
   };
 
-  /// Asks for what is not in `given` until a template can be made of `message`; Enter takes what
-  /// `proposed` has. Returns nullopt at the end of the answers, and the error of a part that was
-  /// given or cannot be asked for.
+  /// Asks for the parts that `given` lacks, again after a wrong answer; Enter takes the part in
+  /// `proposed`. Returns the template, or the error of a given part or of the message; nullopt when
+  /// the input ends.
   std::optional<Taught> ask(std::string_view message, const Given& given,
                             const TaughtParts& proposed, std::string_view bookCurrency);
 
-  /// Asks for the ID of an entry; empty at the end of the answers.
+  /// Asks for the ID of an entry. Returns an empty text when the input ends.
   std::string askId();
 
-  /// Asks "`question` [Y/n]"; Enter is yes, the end of the answers is no.
+  /// Asks "`question` [Y/n]". Enter means yes, the end of the input no.
   bool confirms(const std::string& question);
 
  private:

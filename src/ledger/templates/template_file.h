@@ -1,4 +1,4 @@
-// The file with the templates that people taught, which they may edit as well.
+// The file of templates, which `teach` extends and the user may edit. Matches no message.
 #pragma once
 
 #include <filesystem>
@@ -16,26 +16,26 @@ namespace kivo::ledger::TemplateFile {
 /// home folder.
 std::optional<std::filesystem::path> place();
 
-/// The content of the file.
+/// The content of the template file.
 struct Content {
   /// In the file's order; empty when there is no file.
   std::vector<MessageTemplate> templates = {};
-  /// Why the file cannot be used: one line with its path and, where one is wrong, the number of the
-  /// line. Quotes nothing from it. `templates` is empty then.
+  /// The reason why the file cannot be used, with its path and, for a syntax error, the number of
+  /// the line; quotes nothing from the file. `templates` is then empty.
   std::optional<std::string> error = {};
 };
 
 /// Reads the file.
 Content read();
 
-/// Adds a template at the end of the file, and leaves what is in it as it is. Creates the file and
-/// its folders for the user only. Returns why it could not, in one line that quotes nothing from
-/// the file; nullopt on success. A file with an error stays as it is.
+/// Appends a template to the file; the rest of the file stays byte for byte. Creates the file and
+/// its folders for the user only. Returns nullopt on success, else the reason in one line that
+/// quotes nothing from the file. A file with an error is not changed.
 std::optional<std::string> add(const MessageTemplate& taught);
 
-/// Reads each message with the templates that are in the file at that moment. When the file cannot
-/// be used, prints that line on standard error, once for each different one, and reads by rules
-/// alone.
+/// Returns a reader that uses the templates in the file at the time of each message. When the file
+/// cannot be used, it prints the reason on standard error, once for each different one, and reads
+/// by the rules alone.
 MessageReader reader();
 
 }  // namespace kivo::ledger::TemplateFile
