@@ -1,4 +1,4 @@
-// How an entry in review is read again, after its wording was taught.
+// Book::reread and Book::acceptAs: entries in review whose wording was taught.
 #include "ledger/book.h"
 #include "ledger/book_file.h"
 

@@ -1,4 +1,4 @@
-// The sums that the book answers.
+// Book::sums and Book::reviewCount.
 #include "ledger/book.h"
 #include "ledger/book_file.h"
 

@@ -124,7 +124,7 @@ struct ModemMessages::Bus {
   BusLoop loop{system.get()};
   std::atomic<bool> stopping = false;
 
-  // The unique name of the running ModemManager; empty when there is none. Only its signals count.
+  // The unique name of the running ModemManager; empty while none runs. Only its signals count.
   // Calls go to this name, so that the bus does not start ModemManager.
   std::string owner;
   bool all = false;

@@ -13,8 +13,8 @@
 namespace kivo::ledger {
 namespace {
 
-// Beancount 2 knows letters by tables of its own: of an old Unicode, and without the Chinese and
-// the Korean ones.
+// Beancount 2 has its own tables of letters: of an old version of Unicode, and without Chinese and
+// Korean.
 bool isLetterOrDigit(UChar32 c) {
   UVersionInfo since{};
   u_charAge(c, since);
@@ -23,7 +23,7 @@ bool isLetterOrDigit(UChar32 c) {
          u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE) == U_HST_NOT_APPLICABLE;
 }
 
-// Later scripts have got capitals since.
+// Scripts that Unicode added later have capitals that it does not know.
 bool mayBegin(UChar32 c) {
   return c < 0x1000 && isLetterOrDigit(c) && (u_isupper(c) || u_isdigit(c));
 }

@@ -20,7 +20,7 @@ std::string withoutFormula(const std::string& text) {
   return isFormula ? "'" + text : text;
 }
 
-// A field is quoted also for what some readers take for a separator or a blank to drop.
+// Also quotes characters that some readers take for separators, and blanks that they would trim.
 std::string quoted(const std::string& field) {
   const bool isPlain = field.find_first_of("\",;\t\r\n") == std::string::npos &&
                        !field.starts_with(' ') && !field.ends_with(' ');

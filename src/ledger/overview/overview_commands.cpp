@@ -24,8 +24,8 @@ using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-// Hands the book of one moment, the month that was asked for and the book's currency to `use`, and
-// returns what that returns.
+// Calls `use` with a snapshot of the book, the given or current month and the book's currency;
+// returns its result.
 int withMonth(const GivenParameters& parameters,
               const std::function<int(const Book&, const std::string& month,
                                       const std::string& currency)>& use) {

@@ -9,7 +9,7 @@
 namespace kivo::ledger {
 namespace {
 
-// A browser that xdg-open starts itself keeps it running, so that a longer wait says nothing.
+// xdg-open may run as long as the browser that it started, so waiting longer tells no more.
 constexpr std::chrono::seconds openingLimit(5);
 
 }  // namespace

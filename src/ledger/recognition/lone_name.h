@@ -11,9 +11,9 @@
 
 namespace kivo::ledger {
 
-/// The first name behind the first sum, capitals only rather than others; empty for none. `found`
-/// are the wordings of `items`, the items of `readable`. Banks sign at the end of a message: the
-/// last words are a name only when they are capitals directly behind the sum.
+/// Returns the first name after the first sum, preferably one in capitals; empty without one.
+/// `found` are the wordings of `items`, the items of `readable`. Banks sign at the end of a
+/// message: the last words are a name only when they are capitals directly behind the sum.
 std::string loneName(std::string_view readable, const Items& items, std::span<const Found> found);
 
 /// Whether `item` is a word that begins with a capital or with a letter of several bytes.

@@ -1,5 +1,5 @@
-// The part of a message that reports what happened, without codes, offers, requests and what is to
-// come. Does not say what happened.
+// Selects the part of a message that reports a past event, without codes, offers, requests and
+// announcements. Does not interpret it.
 #pragma once
 
 #include <span>
@@ -16,8 +16,8 @@ bool announcesACode(const Items& items, std::span<const Found> found);
 /// The items of the sentences that report something. Joined, they are a message of their own.
 Items reportedPart(const Items& items, std::span<const Found> found);
 
-/// Whether `items` hold what a bank writes of a movement and leaves out of an advertisement: the
-/// digits of an account, a date or time, a balance or a reference.
+/// Returns whether `items` hold evidence of a movement, which an advertisement lacks: the digits of
+/// an account, a date or time, a balance or a reference.
 bool showsEvidence(const Items& items, std::span<const Found> found);
 
 }  // namespace kivo::ledger

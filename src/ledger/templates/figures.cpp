@@ -15,12 +15,12 @@ namespace {
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view marks = ".,;:!?()[]\"'";
 
-// A word of the message, and its part for which {any} stands; an empty part for none.
+// A word of the message, and the part of it that {any} replaces, which may be empty.
 struct Word {
   std::string_view text;
   std::size_t begin = 0;
   std::size_t end = 0;
-  // The {any} of the word before stands for this one as well.
+  // Covered by the {any} of the previous word.
   bool joined = false;
 
   [[nodiscard]] bool isFigure() const { return begin < end; }
@@ -29,7 +29,7 @@ struct Word {
   }
 };
 
-// As the recogniser knows them: a number in front of a month is a part of a date.
+// The recogniser's months: a number before a month is part of a date.
 bool isMonth(std::string_view word) {
   const Items date = itemsOf("1 " + std::string(word));
   return date.size() == 2 && isDatePiece(date, 0);
@@ -54,7 +54,7 @@ std::vector<Word> wordsOf(std::string_view part) {
   return words;
 }
 
-// Marks the part of `word` that its digits belong to.
+// Sets the part of `word` that its digits belong to.
 void markFigure(Word& word, Neighbours touching) {
   const std::size_t first = word.text.find_first_of(digits);
   if (first == std::string_view::npos) return;
@@ -85,9 +85,9 @@ void markDateWords(std::vector<Word>& words, Neighbours neighbours) {
   for (std::size_t at = std::min(end, words.size() - 1); at-- > begin;) mark(at, at + 1);
 }
 
-// Joins figures that follow each other, such as a date and a time. Beside a placeholder each stays
-// a word of its own: of "{payee} {any}" the name could be any of several words, and of "{any}
-// {amount}" the sum any of several numbers.
+// Joins consecutive figures, such as a date and a time. Next to a placeholder each keeps an {any}
+// of its own: one {any} for several words would leave open where the name of "{payee} {any}" ends,
+// or which number is the sum of "{any} {amount}".
 void joinFigures(std::vector<Word>& words, Neighbours neighbours) {
   for (std::size_t first = 0, last = 0; first < words.size(); first = last + 1) {
     last = first;

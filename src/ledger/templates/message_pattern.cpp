@@ -17,8 +17,8 @@ bool isLetter(char byte) {
          static_cast<unsigned char>(byte) >= 0x80;
 }
 
-// Which numbers may begin behind the front of a pattern, `literals` up to {amount}: for each place
-// of `text` whether the front fits the text before it.
+// Returns for each position of `text` whether the number of {amount} may begin there, that is,
+// whether the pattern before {amount}, `literals`, matches the text before that position.
 std::vector<bool> placesBehind(std::string_view text, std::span<const std::string> literals) {
   std::vector<bool> places(text.size() + 1, false);
   const std::string& last = literals.back();
@@ -39,7 +39,7 @@ std::vector<bool> placesBehind(std::string_view text, std::span<const std::strin
 
 }  // namespace
 
-// A part of a message, and the literals that it has to be: those from `first` to `last`.
+// A part of a message, and the range of literals that it has to match.
 struct MessagePattern::Range {
   std::string_view text;
   std::string_view reversed;
@@ -105,8 +105,8 @@ std::optional<PatternFit> MessagePattern::fit(std::string_view message) const {
   return PatternFit{.amounts = {}, .payee = *std::move(payee)};
 }
 
-// The front up to {payee} as short as it can be, and so the end behind it. Without {payee} any
-// placeholder takes its part.
+// Matches as little as possible before and after {payee}, so that {payee} gets the rest. Without
+// {payee} it does not matter how the placeholders share the text.
 std::optional<std::string> MessagePattern::payeeIn(const Range& range) const {
   if (range.first == range.last) {
     return range.text == literals_[range.first] ? std::optional<std::string>("") : std::nullopt;

@@ -32,7 +32,7 @@ bool beginsNumber(std::string_view text, std::size_t at) {
   return at < 2 || !isSeparator(text, at - 1) || !isDigit(text, at - 2);
 }
 
-// Whether `next` is another group of the number that ends with `last`.
+// Returns whether `next` is another digit group of the number that ends with `last`.
 bool isGroup(const Item& last, const Item& next) {
   constexpr std::size_t groupSize = 3;
   return last.text.find_first_not_of(digits) == std::string::npos && !next.glued &&

@@ -69,7 +69,7 @@ class Teaching {
     return 0;
   }
 
-  // With a message from standard input, the terminal is not there.
+  // Standard input may be the message; the answers then come from the terminal itself.
   int openAnswers() {
     const bool asks = !isComplete() || source().empty();
     if (!asks) return 0;
@@ -116,7 +116,8 @@ class Teaching {
     return 0;
   }
 
-  // What the book has or the rules read, as far as the message has it; else its first sum.
+  // Proposes the parts in the book, or those that the rules read, if the message holds them; else
+  // its first sum.
   void propose(const std::optional<LedgerEntry>& entry) {
     const Reading rules = read(message_, currency_);
     proposed_.kind = entry ? entry->kind : rules.kind;
@@ -130,7 +131,7 @@ class Teaching {
     if (namesPayee(message_, payee)) proposed_.payee = payee;
   }
 
-  // The template, shown and confirmed; absent after a line on standard error.
+  // Shows the template and asks for confirmation. Returns nullopt after one line on standard error.
   std::optional<MessageTemplate> confirmedTemplate() {
     const auto taught = isComplete() ? std::optional(taughtByOptions()) : taughtByAnswers();
     if (taught && !taught->made) {

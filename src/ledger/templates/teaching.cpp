@@ -14,7 +14,7 @@
 namespace kivo::ledger {
 namespace {
 
-// A part of a message for which a placeholder stands.
+// A part of a message that a placeholder replaces.
 struct Place {
   std::size_t begin = 0;
   std::size_t end = 0;
@@ -26,7 +26,7 @@ struct Place {
   }
 };
 
-// The numbers between two places of `form`, each as long as it can be.
+// Returns the numbers between two positions of `form`, each as long as possible.
 std::vector<Place> numbersIn(std::string_view form, std::size_t begin, std::size_t end) {
   std::vector<Place> found;
   for (std::size_t at = begin; at < end; ++at) {
@@ -41,7 +41,7 @@ std::vector<Place> numbersIn(std::string_view form, std::size_t begin, std::size
   return found;
 }
 
-// The places of `form` at which `given` states one number.
+// Returns the positions in `form` where `given` occurs and states one number.
 std::vector<Place> amountPlaces(std::string_view form, std::string_view given) {
   std::vector<Place> places;
   if (numbersIn(given, 0, given.size()).size() != 1) return places;
@@ -59,8 +59,8 @@ bool isWordByte(std::string_view text, std::size_t at) {
   return byte >= 0x80 || std::isalnum(byte) != 0;
 }
 
-// The places of `form` that are the name `payee` and are no part of `amount`: whole words, or the
-// first part of a word when it is never a whole one. The first place is {payee}, the others {any}.
+// Returns the occurrences of the name `payee` in `form` outside `amount`: whole words, or the start
+// of a word if it never is a whole one. The first becomes {payee}, the others {any}.
 std::vector<Place> payeePlaces(std::string_view form, std::string_view payee,
                                const std::optional<Place>& amount) {
   std::vector<Place> words;
@@ -83,7 +83,7 @@ std::vector<Place> payeePlaces(std::string_view form, std::string_view payee,
   return words;
 }
 
-// `form` with placeholders for `places` and for the other figures.
+// Returns `form` with placeholders for `places` and for the other figures.
 std::string patternText(std::string_view form, std::vector<Place> places) {
   std::sort(places.begin(), places.end(),
             [](const Place& one, const Place& other) { return one.begin < other.begin; });
@@ -98,7 +98,7 @@ std::string patternText(std::string_view form, std::vector<Place> places) {
   return pattern + withoutFigures(form.substr(at), {.behindPlaceholder = at > 0});
 }
 
-// The currency that `form` states beside the number at `place`; empty when it states none.
+// Returns the currency that `form` states next to the number at `place`; empty without one.
 std::string statedCurrency(std::string_view form, const Place& place,
                            std::string_view bookCurrency) {
   for (const Item& item : withSums(itemsOf(form), bookCurrency)) {
@@ -117,7 +117,7 @@ struct NamedPlaces {
   std::vector<Place> all = {};
 };
 
-// Sets `named`; returns the error of a part that is not there, without one when both are.
+// Sets `named`; returns the error of a missing part, or no error when both are found.
 Taught findNamed(std::string_view form, const TaughtParts& parts, NamedPlaces& named) {
   if (parts.kind) {
     const auto stated = amountPlaces(form, templateForm(parts.amount));

@@ -7,7 +7,7 @@
 
 namespace kivo::ledger {
 
-// The trimmed answer, or `proposed` for an empty one; nullopt at the end of the answers.
+// Returns the trimmed answer, or `proposed` for an empty one; nullopt when the input ends.
 std::optional<std::string> TeachingQuestions::line(const std::string& question,
                                                    const std::string& proposed) {
   std::cerr << question;

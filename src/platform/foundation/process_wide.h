@@ -16,7 +16,7 @@ class ProcessWide {
   /// it.
   static void install(Object& object) { installed_.store(&object); }
 
-  /// Returns the installed object. Stops the process when there is none.
+  /// Returns the installed object. Stops the process when none is installed.
   static Object& object() {
     Object* const object = installed_.load();
     if (object == nullptr) fatalStop("a platform object is used before it is installed");

@@ -15,7 +15,7 @@ namespace kivo::linux_platform {
 std::string plainWords(std::string_view sentence);
 
 /// Returns a new intent whose shortcut has the phrase `sentence` (UTF-8), compared by `plainWords`;
-/// null when there is none.
+/// nullptr without such a shortcut.
 std::unique_ptr<platform::AppIntent> intentSpokenOf(const platform::AppIntentsExtension& extension,
                                                     std::string_view sentence);
 

@@ -108,7 +108,7 @@ BusLoop::End BusLoop::run(const BeforeWaiting& beforeWaiting) {
   return End::stopped;
 }
 
-// Handles one message or one deadline; false when there is none.
+// Handles one message or one deadline; returns false when none is pending.
 bool BusLoop::handleOne() {
   if (hasMessages(bus_)) {
     dbus_connection_dispatch(bus_);

@@ -39,7 +39,7 @@ class RememberingURLSession : public platform::URLSession {
   platform::URLSession& exchanging_;
 };
 
-/// Returns the last recorded exchange; nullopt when there is none or it cannot be read.
+/// Returns the last recorded exchange; nullopt when none was recorded or it cannot be read.
 std::optional<LastExchange> lastExchange();
 
 }  // namespace kivo::linux_platform

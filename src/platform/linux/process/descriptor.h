@@ -5,7 +5,7 @@
 
 namespace kivo::linux_platform {
 
-/// Closes the file descriptor when destroyed. A negative number means that there is none.
+/// Closes the file descriptor when destroyed. A negative number means no descriptor.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
