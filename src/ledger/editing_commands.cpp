@@ -1,6 +1,5 @@
 #include "ledger/editing_commands.h"
 
-#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <string>
@@ -20,13 +19,6 @@ using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-std::string upperCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-  });
-  return text;
-}
-
 // Reads --amount and --currency, each of which keeps the other as it is. Returns an exit status, 0
 // when they fit.
 int readAmount(const GivenParameters& parameters, const LedgerEntry& entry, EntryChange& change) {
@@ -34,7 +26,7 @@ int readAmount(const GivenParameters& parameters, const LedgerEntry& entry, Entr
   const auto code = given(parameters, "--currency");
   if (!amount && !code) return 0;
   if (!amount && !entry.amount) return fail("give the --amount as well", exitBadUsage);
-  std::string currency = code ? upperCase(*code) : "";
+  std::string currency = code ? currencyCode(*code) : "";
   if (code && !isCurrency(currency)) return failFor("--currency", *code, "a code such as EGP");
   if (!code) {
     const auto kept = entry.amount ? entry.amount->currency : bookCurrency();
@@ -138,7 +130,7 @@ int rate(const GivenParameters& parameters) {
   const auto value = given(parameters, "RATE");
   const bool removes = parameters.contains("--remove");
   if (!code) return withBook(showRates);
-  const std::string currency = upperCase(*code);
+  const std::string currency = currencyCode(*code);
   if (!isCurrency(currency)) return failFor("CURRENCY", *code, "a code such as USD");
   if (removes == value.has_value()) return fail("give either RATE or --remove", exitBadUsage);
   const double number = value ? platform::doubleFromText(*value).value_or(0) : 1;

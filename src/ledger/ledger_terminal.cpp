@@ -1,6 +1,5 @@
 #include "ledger/ledger_terminal.h"
 
-#include <algorithm>
 #include <iostream>
 #include <utility>
 
@@ -47,11 +46,7 @@ int withEntry(const linux_platform::GivenParameters& given,
 std::optional<std::string> bookCurrency() {
   const auto store = SharedStore::open(appGroup);
   if (!store) return std::nullopt;
-  std::string code = AmountFormatter::currencyCode(*store);
-  std::transform(code.begin(), code.end(), code.begin(), [](char letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-  });
-  return code;
+  return currencyCode(AmountFormatter::currencyCode(*store));
 }
 
 }  // namespace kivo::ledger

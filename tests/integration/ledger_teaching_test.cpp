@@ -91,6 +91,14 @@ TEST_F(ATaughtLedger, LearnsAMessageFromStandardInput) {
                                      "kind = \"expense\"\ncurrency = \"EGP\"\n"));
 }
 
+TEST_F(ATaughtLedger, TakesACurrencyInSmallLetters) {
+  const ProgramResult result =
+      run({"teach", "-", "--kind", "expense", "--amount", "20", "--currency", "usd"},
+          "Zap! Tulip Bank moved 20 over to Nile Cinema.");
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(templates(), HasSubstr("currency = \"USD\"\n"));
+}
+
 TEST_F(ATaughtLedger, ReadsTheNextMessageWithoutARestart) {
   const auto server = ledger_.start();
   EXPECT_THAT(ledger_.post("KEY-1", unknown).body(), Not(HasSubstr("\"saved\":true")));

@@ -12,6 +12,14 @@ int minorDigits(std::string_view currency) {
   return found == nullptr ? digitsOfMost : found->minorDigits;
 }
 
+std::string currencyCode(std::string_view text) {
+  std::string code(text);
+  for (char& letter : code) {
+    if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
+  }
+  return code;
+}
+
 bool isCurrency(std::string_view code) { return currencyByCode(code) != nullptr; }
 
 std::string amountText(const Money& money) {

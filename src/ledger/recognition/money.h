@@ -20,6 +20,9 @@ struct Money {
 /// The number of decimals of `currency` by ISO 4217 (0, 2, 3 or 4); 2 for an unknown code.
 int minorDigits(std::string_view currency);
 
+/// Returns `text` with its ASCII letters in upper case, as ISO 4217 writes codes.
+std::string currencyCode(std::string_view text);
+
 /// Whether `code` is an ISO 4217 code of money that circulates, in upper case.
 bool isCurrency(std::string_view code);
 

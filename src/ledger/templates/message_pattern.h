@@ -19,7 +19,7 @@ struct PatternFit {
 };
 
 /// Literal text with the placeholders {amount} (a number), {payee} and {any} (any text that is not
-/// empty). "{{" stands for one brace.
+/// empty). "{{" is an escaped "{".
 class MessagePattern {
  public:
   /// A pattern, or the reason why the text is not one, in one line that quotes nothing from it.

@@ -62,9 +62,9 @@ class Teaching {
       given_.kind = taughtKindFromText(*kind);
       if (!given_.kind) return failFor("--kind", *kind, "expense, income, transfer or none");
     }
-    given_.currency = given(parameters_, "--currency").value_or("");
-    if (!given_.currency.empty() && !isCurrency(given_.currency)) {
-      return failFor("--currency", given_.currency, "a code such as EGP");
+    if (const auto code = given(parameters_, "--currency")) {
+      given_.currency = currencyCode(*code);
+      if (!isCurrency(given_.currency)) return failFor("--currency", *code, "a code such as EGP");
     }
     return 0;
   }

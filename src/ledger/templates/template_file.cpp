@@ -169,8 +169,7 @@ std::optional<std::string> TemplateFile::add(const MessageTemplate& taught) {
   if (text->empty()) *text = introduction;
   if (!text->ends_with('\n')) *text += '\n';
   *text += blockOf(taught);
-  constexpr std::size_t longest = 1 << 20;  // as it is read
-  if (text->size() > longest || parsed(*text).error) {
+  if (text->size() > linux_platform::longestSettings || parsed(*text).error) {
     return before(*path, "nothing can be added at its end");
   }
   if (linux_platform::replaceSettingsFile(*path, *text)) return std::nullopt;

@@ -21,6 +21,12 @@ TEST(AnAmountText, CoversTheSmallestAndTheLargestAmount) {
   EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::max(), "EGP"}), "92233720368547758.07");
 }
 
+TEST(ACurrencyCode, IsInUpperCase) {
+  EXPECT_EQ(currencyCode("egp"), "EGP");
+  EXPECT_EQ(currencyCode("Usd"), "USD");
+  EXPECT_EQ(currencyCode("ж"), "ж");
+}
+
 TEST(AnAmountText, IsParsedIntoMinorUnits) {
   EXPECT_EQ(moneyFromText("150", "EGP"), (Money{15000, "EGP"}));
   EXPECT_EQ(moneyFromText("150.5", "EGP"), (Money{15050, "EGP"}));

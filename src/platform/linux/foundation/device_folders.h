@@ -22,8 +22,8 @@ std::optional<std::filesystem::path> stateHome();
 /// that is unset, empty or relative.
 std::optional<std::filesystem::path> runtimeFolder();
 
-/// Returns the path of the local backend's socket, ledger.sock in `runtimeFolder`; nullopt when
-/// there is none.
+/// Returns the path of the local backend's socket, ledger.sock in `runtimeFolder`; nullopt without
+/// that folder.
 std::optional<std::filesystem::path> localBackendSocket();
 
 }  // namespace kivo::linux_platform

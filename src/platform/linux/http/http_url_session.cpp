@@ -115,7 +115,7 @@ class Exchange {
   /// When the exchange must be over; its wait is cancelled when the exchange has ended.
   asio::steady_timer limit;
   bool ended = false;
-  /// Once ended: the answer, or else why there is none.
+  /// Once ended: the answer, or else the failure.
   std::optional<URLAnswer> answer;
   URLError failure{Code::networkConnectionLost};
 

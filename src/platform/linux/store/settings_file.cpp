@@ -15,11 +15,9 @@
 namespace kivo::linux_platform {
 namespace {
 
-constexpr std::size_t longest = 1 << 20;  // bytes
-
 // Returns the content of the file; nullopt when it is too long or cannot be read.
 std::optional<std::string> bytesOf(int file) {
-  std::string bytes(longest + 1, '\0');
+  std::string bytes(longestSettings + 1, '\0');
   std::size_t length = 0;
   while (length < bytes.size()) {
     const ssize_t count = ::read(file, bytes.data() + length, bytes.size() - length);
@@ -28,7 +26,7 @@ std::optional<std::string> bytesOf(int file) {
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
   }
-  if (length > longest) return std::nullopt;
+  if (length > longestSettings) return std::nullopt;
   bytes.resize(length);
   return bytes;
 }

@@ -1,6 +1,7 @@
 // Reads and replaces a settings file of the user. Knows no format.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -9,10 +10,13 @@
 
 namespace kivo::linux_platform {
 
+/// The length of the longest settings file that is read, in bytes.
+inline constexpr std::size_t longestSettings = 1 << 20;
+
 /// A settings file as it was read.
 struct SettingsFile {
-  /// The content, empty when there is no file; nullopt when it is no regular file, is over 1 MiB,
-  /// or cannot be read.
+  /// The content, empty when there is no file; nullopt when it is no regular file, is over
+  /// `longestSettings`, or cannot be read.
   std::optional<std::string> text;
   /// The modification time; the epoch when there is no file.
   platform::Moment changed = {};
