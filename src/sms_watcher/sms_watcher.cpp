@@ -14,8 +14,15 @@ SmsWatcher::SmsWatcher(WatcherRecord record, Pauses pauses)
     : record_(std::move(record)), pauses_(pauses), pause_(pauses.first) {}
 
 void SmsWatcher::setSenders(const std::vector<std::string>& senders, Moment changed) {
-  namedSince_ = record_.namedSince(senders, std::min(changed, Date::now()));
+  senders_ = senders;
+  changed_ = changed;
+  readNamingTimes();
   waiting_.keep([this](const WaitingMessage& one) { return isNamed(one.number); });
+}
+
+void SmsWatcher::readNamingTimes() {
+  const Moment now = Date::now();
+  namedSince_ = record_.namedSince(senders_, std::min(changed_, now), now);
 }
 
 bool SmsWatcher::isNamed(const std::string& number) const { return isNews(number, Moment::max()); }
@@ -34,6 +41,9 @@ bool SmsWatcher::isKnown(const std::string& mark) const {
 
 std::size_t SmsWatcher::take(const std::vector<ModemMessage>& messages, Extent extent,
                              Clock::time_point now) {
+  const bool clockWasAhead = std::any_of(namedSince_.begin(), namedSince_.end(),
+                                         [](const auto& one) { return one.second > Date::now(); });
+  if (clockWasAhead) readNamingTimes();
   std::set<std::string> marks;
   std::size_t tooOld = 0;
   for (const ModemMessage& message : messages) {

@@ -36,7 +36,8 @@ class SmsWatcher {
   SmsWatcher(WatcherRecord record, Pauses pauses);
 
   /// From now on hands on only messages that match one of `senders`, and drops the waiting ones
-  /// that do not. `changed` is when the settings were last changed.
+  /// that do not. `changed` is when the settings were last changed. A time in the future is from a
+  /// clock that was ahead and counts as now.
   void setSenders(const std::vector<std::string>& senders, platform::Moment changed);
 
   /// Queues those of `messages` that are to be handed on and were not yet. Returns how many from
@@ -58,6 +59,7 @@ class SmsWatcher {
   void failed(Clock::time_point now);
 
  private:
+  void readNamingTimes();
   [[nodiscard]] bool isNamed(const std::string& number) const;
   [[nodiscard]] bool isNews(const std::string& number, platform::Moment sent) const;
   [[nodiscard]] bool isKnown(const std::string& mark) const;
@@ -65,6 +67,8 @@ class SmsWatcher {
 
   WatcherRecord record_;
   Pauses pauses_;
+  std::vector<std::string> senders_;
+  platform::Moment changed_;
   std::map<std::string, platform::Moment> namedSince_;
   WaitingMessages waiting_;
   std::optional<WaitingMessage> underWay_;

@@ -144,15 +144,17 @@ void WatcherRecord::heldByModems(const std::set<std::string>& marks, Moment now)
 }
 
 std::map<std::string, Moment> WatcherRecord::namedSince(const std::vector<std::string>& senders,
-                                                        Moment named) {
+                                                        Moment named, Moment now) {
   sqlite3* const database = suite_->database.get();
   std::map<std::string, Moment> since;
   std::set<std::string> keys;
   inTransaction(database, [&] {
     for (const std::string& sender : senders) {
       const std::string key = senderPrefix + suite_->hash(sender);
-      Statement insert(database, "INSERT OR IGNORE INTO defaults VALUES (?, ?)");
-      if (!insert.bind(key).bind(number(named)).run()) return false;
+      Statement insert(database,
+                       "INSERT INTO defaults VALUES (?, ?) ON CONFLICT (key) DO UPDATE SET value = "
+                       "excluded.value WHERE value > ?");
+      if (!insert.bind(key).bind(number(named)).bind(number(now)).run()) return false;
       Statement query(database, "SELECT value FROM defaults WHERE key = ?");
       if (!query.bind(key).step()) return false;
       since[sender] = moment(query.integer(0));

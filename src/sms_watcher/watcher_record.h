@@ -43,9 +43,9 @@ class WatcherRecord {
   void heldByModems(const std::set<std::string>& marks, platform::Moment now);
 
   /// Returns since when each of `senders` is named: `named` for one that was not named at the last
-  /// call. Forgets all others.
+  /// call, or whose stored time is after `now` because the clock was ahead. Forgets all others.
   std::map<std::string, platform::Moment> namedSince(const std::vector<std::string>& senders,
-                                                     platform::Moment named);
+                                                     platform::Moment named, platform::Moment now);
 
  private:
   struct Suite;

@@ -171,6 +171,31 @@ TEST_F(TheSmsWatcher, IgnoresANamingTimeInTheFuture) {
   EXPECT_THAT(handedOn(), ElementsAre("Bank"));
 }
 
+TEST_F(TheSmsWatcher, TakesBackANamingTimeOnceAClockThatWasAheadIsRight) {
+  clock.advance(1000h);
+  watcher.setSenders({"MyBank", "Other"}, start + 1000h);
+  clock.advance(-1000h);
+  take({message("Other", 1h, "Other")});
+  EXPECT_THAT(handedOn(), ElementsAre("Other"));
+}
+
+TEST_F(TheSmsWatcher, DoesNotReadANamingTimeInTheFutureFromItsRecord) {
+  clock.advance(1000h);
+  watcher.setSenders({"MyBank", "Other"}, start + 1000h);
+  clock.advance(-1000h);
+  watcher = freshWatcher();
+  watcher.setSenders({"MyBank", "Other"}, start + 1000h);
+  take({message("Other", 1h, "Other")});
+  EXPECT_THAT(handedOn(), ElementsAre("Other"));
+
+  // The corrected time is kept: it does not move on with each restart.
+  clock.advance(72h);
+  watcher = freshWatcher();
+  watcher.setSenders({"MyBank", "Other"}, start + 1000h);
+  take({message("While it did not run", -1h, "Other")});
+  EXPECT_THAT(handedOn(), ElementsAre("While it did not run"));
+}
+
 TEST_F(TheSmsWatcher, ReturnsTheNumberOfMessagesThatAreTooOld) {
   EXPECT_EQ(take({message("Old", 48h), message("Older", 72h), message("Young"),
                   message("Old, of others", 48h, "Other")}),

@@ -71,7 +71,7 @@ TEST_F(AWatcherRecord, IsSaltedDifferentlyOnEachPhone) {
 TEST_F(AWatcherRecord, ContainsOnlyHashes) {
   WatcherRecord record = open();
   record.setHandled(record.markOf("MARKSENDER", "MARKTIME", "MARKTEXT"), start);
-  record.namedSince({"MARKSENDER"}, start);
+  record.namedSince({"MARKSENDER"}, start, start);
   const std::string rows = testkit::RawStore(file()).run("SELECT * FROM defaults");
   EXPECT_THAT(rows, Not(HasSubstr("MARK")));
   EXPECT_THAT(rows, HasSubstr("message."));
@@ -91,12 +91,12 @@ TEST_F(AWatcherRecord, KeepsEachMessageThatAModemHolds) {
 TEST_F(AWatcherRecord, ForgetsTheOldestMessagesThatNoModemHolds) {
   WatcherRecord record = open(3);
   for (int i = 0; i < 20; ++i) record.setHandled(mark(record, i), start + std::chrono::seconds(i));
-  record.namedSince({"MyBank"}, start);
+  record.namedSince({"MyBank"}, start, start);
   record.heldByModems({mark(record, 0), mark(record, 99)}, start + 60s);
   EXPECT_EQ(handledOf(record, 20), 4);
   for (const int kept : {0, 17, 18, 19}) EXPECT_TRUE(record.isHandled(mark(record, kept))) << kept;
   EXPECT_FALSE(record.isHandled(mark(record, 99)));
-  EXPECT_THAT(record.namedSince({"MyBank"}, start + 60s),
+  EXPECT_THAT(record.namedSince({"MyBank"}, start + 60s, start + 60s),
               UnorderedElementsAre(Pair("MyBank", start)));
 }
 
@@ -110,12 +110,12 @@ TEST_F(AWatcherRecord, CountsAgeFromWhenAModemLastHeldAMessage) {
 }
 
 TEST_F(AWatcherRecord, RemembersWhenASenderWasNamed) {
-  EXPECT_THAT(open().namedSince({"One"}, start), UnorderedElementsAre(Pair("One", start)));
+  EXPECT_THAT(open().namedSince({"One"}, start, start), UnorderedElementsAre(Pair("One", start)));
   WatcherRecord record = open();
-  EXPECT_THAT(record.namedSince({"One", "Two"}, start + 1h),
+  EXPECT_THAT(record.namedSince({"One", "Two"}, start + 1h, start + 1h),
               UnorderedElementsAre(Pair("One", start), Pair("Two", start + 1h)));
-  record.namedSince({"Two"}, start + 2h);
-  EXPECT_THAT(record.namedSince({"One"}, start + 3h),
+  record.namedSince({"Two"}, start + 2h, start + 2h);
+  EXPECT_THAT(record.namedSince({"One"}, start + 3h, start + 3h),
               UnorderedElementsAre(Pair("One", start + 3h)));
 }
 
