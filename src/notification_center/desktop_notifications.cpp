@@ -73,7 +73,7 @@ BusMessage notifyCall(const UNMutableNotificationContent& content, const Texts& 
   return methodCall(desktop, desktop_notifications_interface::notify, [&](BusWriter& arguments) {
     arguments.text("Kivo");
     arguments.natural(0);
-    arguments.text("");
+    arguments.text(desktopEntry);  // the icon's name: some desktops ignore the hint below for it
     arguments.text(content.title);
     arguments.text(has(desktop_notifications_interface::bodyMarkup) ? escapedMarkup(content.body)
                                                                     : content.body);
@@ -154,7 +154,7 @@ DesktopNotifications::Links::iterator DesktopNotifications::linkOf(std::optional
 
 // xdg-open could take a link without a scheme for an option or a file.
 void DesktopNotifications::open(const std::string& link) {
-  if (beginsWithScheme(link)) openers_.start({"xdg-open", link});
+  if (beginsWithScheme(link)) openers_.startOutsideService({"xdg-open", link});
 }
 
 void DesktopNotifications::rememberLink(std::uint32_t id, Shown shown) {

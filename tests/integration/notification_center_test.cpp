@@ -58,7 +58,7 @@ TEST_F(ANotificationCenter, SendsNameTitleBodyAndActionToTheDesktop) {
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown[0].appName, "Kivo");
   EXPECT_EQ(shown[0].replaces, 0U);
-  EXPECT_EQ(shown[0].icon, "");
+  EXPECT_EQ(shown[0].icon, "app.kivo.expenses");
   EXPECT_EQ(shown[0].summary, "Kept");
   EXPECT_EQ(shown[0].body, "a < b & c > d");
   EXPECT_THAT(shown[0].actions, ElementsAre("default", "Open"));
@@ -201,7 +201,8 @@ TEST_F(ANotificationCenter, ShowsOnAThirdPartyServer) {
       [&] { return phone.processOf("org.freedesktop.Notifications").has_value(); }));
   ASSERT_EQ(add("one").status, 0);
   const auto notified = [&] {
-    return server.outputSoFar().find("Notify \"Kivo\" 0 \"\" \"Kept\"") != std::string::npos;
+    return server.outputSoFar().find("Notify \"Kivo\" 0 \"app.kivo.expenses\" \"Kept\"") !=
+           std::string::npos;
   };
   EXPECT_TRUE(testkit::eventually(notified)) << server.outputSoFar();
   EXPECT_TRUE(testkit::eventually([&] { return pending() == "(@as [],)\n"; }));

@@ -59,6 +59,15 @@ class InstalledFiles(unittest.TestCase):
         self.assertEqual(entry["MimeType"], "x-scheme-handler/kivo-expenses;")
         self.assertEqual(entry["Exec"].split()[1:], ["open", "--", "%u"])
         self.assertEqual(entry["Terminal"], "false")
+        # Phosh hides programs that are not for a phone's screen.
+        self.assertEqual(entry["X-Purism-FormFactor"], "Workstation;Mobile;")
+
+    def test_the_desktop_knows_kivos_terminal_windows(self):
+        desktop = self.share / "applications/app.kivo.expenses.Terminal.desktop"
+        self.assertEqual(judge("desktop-file-validate", "--warn-kde", desktop), ("", 0))
+        entry = unit_file(desktop)["Desktop Entry"]
+        self.assertEqual((entry["Name"], entry["Icon"]), ("Kivo", "app.kivo.expenses"))
+        self.assertEqual(entry["NoDisplay"], "true")
 
     def test_the_icon_can_be_rendered(self):
         icon = self.share / "icons/hicolor/scalable/apps/app.kivo.expenses.svg"

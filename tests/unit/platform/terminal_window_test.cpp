@@ -77,6 +77,28 @@ TEST(TheShellInAWindow, WaitsForEnterUnlessItClosesOnSuccess) {
   EXPECT_EQ(endOf("false", WindowEnd::atSuccess), question);
 }
 
+// As `endOf`, when the terminal is a program that was called with `option` and first runs `other`;
+// with its last word if it survives.
+std::string endInTerminalWith(const std::string& option, WindowEnd end,
+                              const std::string& other = ":") {
+  const Call call = terminalCalls({"true"}, end).back();
+  Call arguments{"-c", "shift; " + other + "; \"$@\"; printf survived", "terminal", option};
+  arguments.insert(arguments.end(), call.end() - 4, call.end());
+  return runProgram({.program = "/bin/sh", .arguments = arguments, .input = "\n"}).output;
+}
+
+TEST(TheShellInAWindow, EndsATerminalThatWasStartedForItAlone) {
+  const std::string question = "\nPress Enter to close this window. ";
+  const std::string own = "--gapplication-app-id=app.kivo.expenses.Terminal";
+  EXPECT_EQ(endInTerminalWith(own, WindowEnd::atEnter), question);
+  EXPECT_EQ(endInTerminalWith(own, WindowEnd::atSuccess), "");
+  EXPECT_EQ(endInTerminalWith("--tab", WindowEnd::atEnter), question + "survived");
+  EXPECT_EQ(endInTerminalWith("--tab", WindowEnd::atSuccess), "survived");
+  EXPECT_EQ(endInTerminalWith(own, WindowEnd::atEnter, "sleep 2 >/dev/null 2>&1 & :"),
+            question + "survived")
+      << "another window's command runs in it";
+}
+
 // A folder as the whole PATH, in which fake programs record their arguments.
 class AWindow : public testing::Test {
  protected:
@@ -119,6 +141,20 @@ TEST_F(AWindow, IsOpenedByTheFirstInstalledTerminal) {
   EXPECT_THAT(call, ElementsAreArray(terminalCalls({"program", "an argument"}).at(4)));
 }
 
+// GNOME Console keeps the window of a command that has ended, so it has to be ended itself, and
+// with it none of the person's windows.
+TEST_F(AWindow, IsAGnomeConsoleOfKivosOwn) {
+  installFake("kgx");
+  std::filesystem::create_symlink(folder_.path() / "kgx", folder_.path() / "x-terminal-emulator");
+  ASSERT_TRUE(windows_.open({"program"}));
+  const Call call = called();
+  ASSERT_GT(call.size(), 3U);
+  const Call start(call.begin(), call.begin() + 4);
+  EXPECT_THAT(start,
+              ElementsAre("x-terminal-emulator", "--gapplication-app-id=app.kivo.expenses.Terminal",
+                          "-e", "/bin/sh"));
+}
+
 TEST_F(AWindow, IsOpenedByTheNextTerminalWhenOneCannotStart) {
   std::ofstream(folder_.path() / "konsole") << "#!/no/such/interpreter\n";
   std::filesystem::permissions(folder_.path() / "konsole", std::filesystem::perms::owner_all);
@@ -133,9 +169,9 @@ TEST_F(AWindow, RunsAsItsOwnUnitWhenAServiceOpensIt) {
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getpid()));
   ASSERT_TRUE(windows_.open({"program"}));
   const Call call = called();
-  const Call unit(call.begin(), call.begin() + 7);
-  EXPECT_THAT(unit,
-              ElementsAre("systemd-run", "--user", "--collect", "--quiet", "--", "xterm", "-e"));
+  const Call unit(call.begin(), call.begin() + 8);
+  EXPECT_THAT(unit, ElementsAre("systemd-run", "--user", "--property=ExitType=cgroup", "--collect",
+                                "--quiet", "--", "xterm", "-e"));
   EXPECT_EQ(call.back(), "program");
 }
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <string>
 #include <utility>
 
 #include <fcntl.h>
@@ -23,6 +24,11 @@ namespace {
 bool isExecutable(const std::filesystem::path& file) {
   std::error_code none;
   return std::filesystem::is_regular_file(file, none) && access(file.c_str(), X_OK) == 0;
+}
+
+bool isServiceOfSystemd() {
+  const char* const id = std::getenv("SYSTEMD_EXEC_PID");
+  return id != nullptr && id == std::to_string(getpid()) && programFile("systemd-run");
 }
 
 // A new session, and default signals where startProcess changed them.
@@ -77,6 +83,16 @@ bool DetachedPrograms::start(std::vector<std::string> call) {
   return id >= 0;
 }
 
+bool DetachedPrograms::startOutsideService(std::vector<std::string> call) {
+  if (isServiceOfSystemd()) {
+    // The unit goes on when its first program ends, which may have started a browser.
+    const std::vector<std::string> unit{"systemd-run", "--user",  "--property=ExitType=cgroup",
+                                        "--collect",   "--quiet", "--"};
+    call.insert(call.begin(), unit.begin(), unit.end());
+  }
+  return start(std::move(call));
+}
+
 std::optional<int> DetachedPrograms::startAndWait(std::vector<std::string> call,
                                                   std::chrono::milliseconds limit) {
   const pid_t id = spawn(std::move(call), Output::discarded);
@@ -99,15 +115,18 @@ bool DetachedPrograms::reapEnded() {
   return !programs_.empty();
 }
 
-bool isProgram(const std::string& name) {
-  if (name.empty()) return false;
-  if (name.find('/') != std::string::npos) return isExecutable(name);
+std::optional<std::filesystem::path> programFile(const std::string& name) {
+  if (name.empty()) return std::nullopt;
+  if (name.find('/') != std::string::npos) {
+    return isExecutable(name) ? std::optional<std::filesystem::path>(name) : std::nullopt;
+  }
   const char* const path = std::getenv("PATH");
   std::istringstream folders(path == nullptr ? "/usr/local/bin:/usr/bin:/bin" : path);
   for (std::string folder; std::getline(folders, folder, ':');) {
-    if (isExecutable(std::filesystem::path(folder) / name)) return true;
+    const std::filesystem::path file = std::filesystem::path(folder) / name;
+    if (isExecutable(file)) return file;
   }
-  return false;
+  return std::nullopt;
 }
 
 }  // namespace kivo::linux_platform

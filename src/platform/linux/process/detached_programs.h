@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,6 +19,10 @@ class DetachedPrograms {
   /// is ignored.
   bool start(std::vector<std::string> call);
 
+  /// As `start`. When this process is a systemd service, the program runs as a unit of its own: it
+  /// neither ends with the service nor shares its sandbox.
+  bool startOutsideService(std::vector<std::string> call);
+
   /// As `start`, with its output discarded, then waits until it ends, for at most `limit`. Returns
   /// its exit status, 128 plus the number of the signal that ended it, or 0 when it still runs;
   /// nullopt when it cannot be started.
@@ -33,7 +38,8 @@ class DetachedPrograms {
   std::vector<pid_t> programs_;
 };
 
-/// Whether `name` is an executable in PATH, or, when it contains a slash, an executable file.
-bool isProgram(const std::string& name);
+/// Returns the executable file of that name in PATH, or, when `name` contains a slash, the file
+/// itself; nullopt when there is none.
+std::optional<std::filesystem::path> programFile(const std::string& name);
 
 }  // namespace kivo::linux_platform

@@ -5,18 +5,26 @@
 #include <map>
 #include <string_view>
 
-#include <unistd.h>
-
 namespace kivo::linux_platform {
 namespace {
 
 using Call = std::vector<std::string>;
 
-// The shell survives an interrupt of the program, so that its output can be read.
+// GNOME Console keeps the window when the command has ended, and has one process for all windows of
+// an application. As an application of its own, which has a desktop file, the shell can end it.
+constexpr const char* console = "kgx";
+constexpr const char* ownConsole = "--gapplication-app-id=app.kivo.expenses.Terminal";
+
+// The shell survives an interrupt of the program, so that its output can be read. It ends a console
+// in which no other command runs.
 std::string shellLines(WindowEnd end) {
-  const std::string then = end == WindowEnd::atSuccess ? " && exit" : "";
+  const std::string then = end == WindowEnd::atSuccess ? " || " : "; ";
   return "trap : INT; \"$0\" \"$@\"" + then +
-         "; printf '\\nPress Enter to close this window. '; read -r line";
+         "{ printf '\\nPress Enter to close this window. '; read -r line; }; "
+         "grep -qszx -e '" +
+         ownConsole +
+         "' /proc/$PPID/cmdline && "
+         "[ \"$(cat /proc/$PPID/task/*/children)\" = \"$$ \" ] && kill $PPID";
 }
 
 std::string variable(const char* name) {
@@ -27,20 +35,18 @@ std::string variable(const char* name) {
 // The option between a terminal's name and the command to run, which differs between terminals.
 std::string_view separatorOf(const std::string& terminal) {
   static const std::map<std::string, std::string_view> others{
-      {"xdg-terminal-exec", ""},
-      {"foot", ""},
-      {"kgx", "--"},
-      {"gnome-terminal", "--"},
-      {"mate-terminal", "-x"},
-      {"xfce4-terminal", "-x"},
+      {"xdg-terminal-exec", ""}, {"foot", ""},
+      {console, "--"},           {"gnome-terminal", "--"},
+      {"mate-terminal", "-x"},   {"xfce4-terminal", "-x"},
   };
   const auto other = others.find(std::filesystem::path(terminal).filename().string());
   return other == others.end() ? "-e" : other->second;
 }
 
-// Programs that a systemd service starts end with it and share its sandbox.
-bool isServiceOfSystemd() {
-  return variable("SYSTEMD_EXEC_PID") == std::to_string(getpid()) && isProgram("systemd-run");
+// Also when x-terminal-emulator is a link to it.
+bool isConsole(const std::filesystem::path& program) {
+  std::error_code failed;
+  return std::filesystem::canonical(program, failed).filename() == console;
 }
 
 }  // namespace
@@ -49,7 +55,7 @@ std::vector<Call> terminalCalls(const Call& command, WindowEnd end) {
   std::vector<Call> calls;
   for (const std::string& terminal :
        {std::string("xdg-terminal-exec"), variable("TERMINAL"), std::string("x-terminal-emulator"),
-        std::string("kgx"), std::string("gnome-terminal"), std::string("konsole"),
+        std::string(console), std::string("gnome-terminal"), std::string("konsole"),
         std::string("xfce4-terminal"), std::string("mate-terminal"), std::string("foot"),
         std::string("xterm")}) {
     if (terminal.empty()) continue;
@@ -66,12 +72,10 @@ std::vector<Call> terminalCalls(const Call& command, WindowEnd end) {
 
 bool TerminalWindows::open(const Call& command, WindowEnd end) {
   for (Call& call : terminalCalls(command, end)) {
-    if (!isProgram(call.front())) continue;
-    if (isServiceOfSystemd()) {
-      const Call unit{"systemd-run", "--user", "--collect", "--quiet", "--"};
-      call.insert(call.begin(), unit.begin(), unit.end());
-    }
-    if (programs_.start(std::move(call))) return true;
+    const auto program = programFile(call.front());
+    if (!program) continue;
+    if (isConsole(*program)) call.insert(call.begin() + 1, ownConsole);
+    if (programs_.startOutsideService(std::move(call))) return true;
   }
   return false;
 }
