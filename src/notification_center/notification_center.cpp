@@ -9,11 +9,29 @@ namespace kivo {
 using platform::Date;
 using platform::Moment;
 using platform::UNAuthorizationStatus;
+using platform::UNMutableNotificationContent;
 
 namespace {
 
 NotificationName nameOf(const PendingNotification& notification) {
   return {notification.bundle, notification.request.identifier};
+}
+
+std::vector<NotificationName> namesOf(const std::vector<PendingNotification>& notifications) {
+  std::vector<NotificationName> names;
+  for (const PendingNotification& one : notifications) names.push_back(nameOf(one));
+  return names;
+}
+
+// The notification that stands for those of `rest`, which is not empty. It opens the same link as
+// the newest of them.
+UNMutableNotificationContent countOf(const std::vector<PendingNotification>& rest) {
+  UNMutableNotificationContent content;
+  content.title = std::to_string(rest.size()) +
+                  (rest.size() == 1 ? " earlier notification" : " earlier notifications");
+  content.body = "Too many to show at once. Open Kivo to see your payments.";
+  content.userInfo = rest.back().request.content.userInfo;
+  return content;
 }
 
 std::size_t sizeOf(const PendingNotification& notification) {
@@ -118,6 +136,18 @@ void NotificationCenter::serverAppeared() {
 std::optional<std::chrono::milliseconds> NotificationCenter::showDue() {
   if (serverMissing_) return std::nullopt;
   const Moment now = Date::now();
+  std::vector<PendingNotification> due = beginDue(now);
+  const auto newest = due.end() - static_cast<std::ptrdiff_t>(std::min(due.size(), mostAtOnce));
+  const std::vector<PendingNotification> rest(due.begin(), newest);
+  due.erase(due.begin(), newest);
+  for (const PendingNotification& one : due) show(one.request.content, {nameOf(one)});
+  // Last: a server that keeps only the latest ones of a program keeps the count.
+  if (!rest.empty()) show(countOf(rest), namesOf(rest));
+  return untilNextIsDue(now);
+}
+
+// Returns the notifications that are due, oldest first.
+std::vector<PendingNotification> NotificationCenter::beginDue(Moment now) {
   std::vector<PendingNotification> due;
   for (Waiting& entry : waiting_) {
     if (entry.stage == Stage::showing) continue;
@@ -126,11 +156,7 @@ std::optional<std::chrono::milliseconds> NotificationCenter::showDue() {
     entry.stage = Stage::showing;
     due.push_back(entry.notification);
   }
-  for (const PendingNotification& notification : due) {
-    show_(notification.request.content,
-          [this, name = nameOf(notification)](ShowOutcome outcome) { ended(name, outcome); });
-  }
-  return untilNextIsDue(now);
+  return due;
 }
 
 std::optional<std::chrono::milliseconds> NotificationCenter::untilNextIsDue(Moment now) const {
@@ -143,23 +169,31 @@ std::optional<std::chrono::milliseconds> NotificationCenter::untilNextIsDue(Mome
   return shortest;
 }
 
-void NotificationCenter::ended(const NotificationName& name, ShowOutcome outcome) {
-  const auto entry = find(name);
-  if (outcome == ShowOutcome::shown) {
-    if (entry != waiting_.end()) waiting_.erase(entry);
-    rememberShown(name);
-    setPendingFrom(waiting_);
-    record_.setShown(shown_);
-    record_.commit();  // on failure a restart shows it again, which is better than never
-    return;
-  }
-  if (outcome == ShowOutcome::noServer) serverMissing_ = true;
-  if (entry == waiting_.end()) return;
+// Shows `content` in place of the notifications `names`.
+void NotificationCenter::show(const UNMutableNotificationContent& content,
+                              std::vector<NotificationName> names) {
+  show_(content, [this, names = std::move(names)](ShowOutcome outcome) { ended(names, outcome); });
+}
+
+void NotificationCenter::ended(const std::vector<NotificationName>& names, ShowOutcome outcome) {
   const Moment::duration wait =
       outcome == ShowOutcome::failed ? Moment::duration(retryInterval) : Moment::duration(0);
-  entry->stage = Stage::retrying;
-  entry->showAt = Date::now() + wait;
-  entry->longestWait = wait;
+  if (outcome == ShowOutcome::noServer) serverMissing_ = true;
+  for (const NotificationName& name : names) {
+    const auto entry = find(name);
+    if (outcome == ShowOutcome::shown) {
+      if (entry != waiting_.end()) waiting_.erase(entry);
+      rememberShown(name);
+    } else if (entry != waiting_.end()) {
+      entry->stage = Stage::retrying;
+      entry->showAt = Date::now() + wait;
+      entry->longestWait = wait;
+    }
+  }
+  if (outcome != ShowOutcome::shown) return;
+  setPendingFrom(waiting_);
+  record_.setShown(shown_);
+  record_.commit();  // on failure a restart shows them again, which is better than never
 }
 
 std::vector<NotificationCenter::Waiting>::iterator NotificationCenter::find(
@@ -168,8 +202,8 @@ std::vector<NotificationCenter::Waiting>::iterator NotificationCenter::find(
                       [&](const Waiting& entry) { return nameOf(entry.notification) == name; });
 }
 
-void NotificationCenter::rememberShown(NotificationName name) {
-  shown_.push_back(std::move(name));
+void NotificationCenter::rememberShown(const NotificationName& name) {
+  shown_.push_back(name);
   std::size_t size = 0;
   for (const NotificationName& one : shown_) size += sizeOf(one);
   while (shown_.size() > mostRemembered || (size > mostBytesRemembered && shown_.size() > 1)) {

@@ -40,6 +40,9 @@ class NotificationCenter {
   static constexpr std::size_t mostBytesRemembered = 1 << 20;
   /// How long to wait before showing a notification again that the server refused.
   static constexpr std::chrono::seconds retryInterval{5};
+  /// The largest number of notifications that are shown at the same moment, without the one that
+  /// counts the rest.
+  static constexpr std::size_t mostAtOnce = 5;
 
   /// Shows a notification, and calls the callback with the outcome at any later time.
   using Show = std::function<void(const platform::UNMutableNotificationContent&,
@@ -67,8 +70,9 @@ class NotificationCenter {
   /// Call it when a notification server has appeared on the desktop.
   void serverAppeared();
 
-  /// Starts to show the notifications that are due. Returns the time until the next one is due;
-  /// nullopt when nothing waits, or while there is no server.
+  /// Starts to show the notifications that are due: the newest `mostAtOnce`, oldest first, then one
+  /// that counts the rest. The counted ones are not shown any more once that one was. Returns the
+  /// time until the next one is due; nullopt when nothing waits, or while there is no server.
   std::optional<std::chrono::milliseconds> showDue();
 
  private:
@@ -90,10 +94,13 @@ class NotificationCenter {
   };
 
   AddOutcome append(PendingNotification notification);
+  std::vector<PendingNotification> beginDue(platform::Moment now);
   std::optional<std::chrono::milliseconds> untilNextIsDue(platform::Moment now) const;
-  void ended(const NotificationName& name, ShowOutcome outcome);
+  void show(const platform::UNMutableNotificationContent& content,
+            std::vector<NotificationName> names);
+  void ended(const std::vector<NotificationName>& names, ShowOutcome outcome);
   std::vector<Waiting>::iterator find(const NotificationName& name);
-  void rememberShown(NotificationName name);
+  void rememberShown(const NotificationName& name);
   void setPendingFrom(const std::vector<Waiting>& waiting);
 
   NotificationRecord record_;

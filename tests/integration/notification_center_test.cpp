@@ -123,6 +123,18 @@ TEST_F(ANotificationCenter, WaitsForANotificationServerToStart) {
   EXPECT_TRUE(testkit::eventually([&] { return pending() == "(@as [],)\n"; }));
 }
 
+TEST_F(ANotificationCenter, ShowsFiveAndACountWhenAServerStartsAfterAFlood) {
+  for (int number = 1; number <= 20; ++number) {
+    ASSERT_EQ(add(std::to_string(number), "{'title': <'" + std::to_string(number) + "'>}").status,
+              0);
+  }
+  NotificationDisplay display(phone.address());
+  ASSERT_TRUE(testkit::eventually([&] { return pending() == "(@as [],)\n"; }));
+  std::vector<std::string> summaries;
+  for (const auto& one : display.shown()) summaries.push_back(one.summary);
+  EXPECT_THAT(summaries, ElementsAre("16", "17", "18", "19", "20", "15 earlier notifications"));
+}
+
 TEST_F(ANotificationCenter, ShowsADuplicateIdentifierOnce) {
   NotificationDisplay display(phone.address());
   ASSERT_EQ(add("one", link, "0.3").status, 0);

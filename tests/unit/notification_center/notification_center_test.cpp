@@ -58,6 +58,8 @@ class TheNotificationCenter : public testing::Test {
     center.emplace(NotificationRecord::open().value(),
                    [this](const platform::UNMutableNotificationContent& content, auto done) {
                      titles.push_back(content.title);
+                     const auto link = content.userInfo.find("deepLink");
+                     links.push_back(link == content.userInfo.end() ? "" : link->second);
                      answers.push_back(std::move(done));
                    });
   }
@@ -71,10 +73,16 @@ class TheNotificationCenter : public testing::Test {
     return center->add(ofBundle, std::move(request));
   }
 
+  // Adds the requests "1" to `count`.
+  void addMany(int count) {
+    for (int number = 1; number <= count; ++number) add(std::to_string(number));
+  }
+
   testkit::PrivateFolders folders;
   std::optional<NotificationCenter> center;
-  // The shown titles, and for each of them the callback for the outcome.
+  // The shown titles and links, and for each of them the callback for the outcome.
   std::vector<std::string> titles;
+  std::vector<std::string> links;
   std::vector<std::function<void(ShowOutcome)>> answers;
 };
 
@@ -115,6 +123,73 @@ TEST_F(TheNotificationCenter, ShowsOverdueRequestsAfterARestart) {
   restart();
   center->showDue();
   EXPECT_THAT(titles, ElementsAre("one", "two"));
+}
+
+TEST_F(TheNotificationCenter, ShowsTheFiveNewestOverdueRequestsAndOneThatCountsTheRest) {
+  addMany(12);
+  present += 1h;
+  restart();
+  EXPECT_EQ(center->showDue(), std::nullopt);
+  EXPECT_THAT(titles, ElementsAre("8", "9", "10", "11", "12", "7 earlier notifications"));
+  EXPECT_EQ(links.back(), "kivo-expenses://");
+}
+
+TEST_F(TheNotificationCenter, ShowsFiveOverdueRequestsWithoutACount) {
+  addMany(5);
+  present += 1h;
+  restart();
+  center->showDue();
+  EXPECT_THAT(titles, ElementsAre("1", "2", "3", "4", "5"));
+}
+
+TEST_F(TheNotificationCenter, CountsOneRequestInTheSingular) {
+  addMany(6);
+  present += 1h;
+  restart();
+  center->showDue();
+  EXPECT_THAT(titles, ElementsAre("2", "3", "4", "5", "6", "1 earlier notification"));
+}
+
+TEST_F(TheNotificationCenter, KeepsCountedRequestsUntilTheirCountIsShown) {
+  addMany(12);
+  present += 1h;
+  restart();
+  center->showDue();
+  EXPECT_EQ(center->pending(bundle).size(), 12U);
+  answers.at(5)(ShowOutcome::shown);
+  EXPECT_THAT(center->pending(bundle), ElementsAre("8", "9", "10", "11", "12"));
+  for (std::size_t one = 0; one < 5; ++one) answers.at(one)(ShowOutcome::shown);
+
+  restart();
+  EXPECT_THAT(center->pending(bundle), IsEmpty());
+  addMany(12);
+  EXPECT_THAT(center->pending(bundle), IsEmpty()) << "each was shown or counted";
+}
+
+TEST_F(TheNotificationCenter, ShowsMoreOfTheRestWhenTheServerRefusesTheirCount) {
+  addMany(12);
+  present += 1h;
+  restart();
+  center->showDue();
+  for (std::size_t one = 0; one < 5; ++one) answers.at(one)(ShowOutcome::shown);
+  answers.at(5)(ShowOutcome::failed);
+  EXPECT_THAT(center->showDue(), Optional(5000ms));
+  titles.clear();
+  present += 5s;
+  center->showDue();
+  EXPECT_THAT(titles, ElementsAre("3", "4", "5", "6", "7", "2 earlier notifications"));
+}
+
+TEST_F(TheNotificationCenter, ShowsAtMostFiveAndACountToAServerThatAppears) {
+  add("tried", 0s);
+  center->showDue();
+  answers.at(0)(ShowOutcome::noServer);
+  addMany(126);
+  present += 1h;
+  titles.clear();
+  center->serverAppeared();
+  center->showDue();
+  EXPECT_THAT(titles, ElementsAre("122", "123", "124", "125", "126", "122 earlier notifications"));
 }
 
 TEST_F(TheNotificationCenter, DoesNotRepeatShownRequestsAfterARestart) {
