@@ -1,6 +1,7 @@
 #include "notification_center/notification_center.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "notification_center/request_size.h"
@@ -65,8 +66,12 @@ UNAuthorizationStatus NotificationCenter::authorizationStatus(const std::string&
   return record_.status(bundle);
 }
 
-bool NotificationCenter::setAuthorizationStatus(const std::string& bundle,
-                                                UNAuthorizationStatus status) {
+PermissionOutcome NotificationCenter::setAuthorizationStatus(const std::string& bundle,
+                                                             UNAuthorizationStatus status) {
+  if (bundle.size() > longestBundle) return PermissionOutcome::longName;
+  const std::set<std::string> stored = record_.bundles();
+  if (stored.size() >= mostBundles && !stored.contains(bundle)) return PermissionOutcome::noRoom;
+
   std::vector<Waiting> remaining = waiting_;
   if (status == UNAuthorizationStatus::denied) {
     std::erase_if(remaining, [&](const Waiting& entry) {
@@ -75,9 +80,9 @@ bool NotificationCenter::setAuthorizationStatus(const std::string& bundle,
   }
   record_.setStatus(bundle, status);
   if (remaining.size() != waiting_.size()) setPendingFrom(remaining);
-  if (!record_.commit()) return false;
+  if (!record_.commit()) return PermissionOutcome::notKept;
   waiting_ = std::move(remaining);
-  return true;
+  return PermissionOutcome::kept;
 }
 
 AddOutcome NotificationCenter::add(const std::string& bundle,

@@ -27,6 +27,18 @@ enum class AddOutcome {
   notKept,
 };
 
+/// The outcome of `NotificationCenter::setAuthorizationStatus`.
+enum class PermissionOutcome {
+  /// Written to disk.
+  kept,
+  /// The bundle's name is longer than `longestBundle`.
+  longName,
+  /// The statuses of `mostBundles` others are stored.
+  noRoom,
+  /// Writing it to disk failed.
+  notKept,
+};
+
 /// Texts are valid UTF-8 without NUL. Not thread-safe.
 class NotificationCenter {
  public:
@@ -38,6 +50,10 @@ class NotificationCenter {
   /// The number of shown identifiers that are remembered, fewer if they are very long.
   static constexpr std::size_t mostRemembered = 500;
   static constexpr std::size_t mostBytesRemembered = 1 << 20;
+  /// The longest name of a bundle whose permission is stored, in bytes, and the largest number of
+  /// such bundles.
+  static constexpr std::size_t longestBundle = 255;
+  static constexpr std::size_t mostBundles = 500;
   /// How long to wait before showing a notification again that the server refused.
   static constexpr std::chrono::seconds retryInterval{5};
   /// The largest number of notifications that are shown at the same moment, without the one that
@@ -54,9 +70,9 @@ class NotificationCenter {
   [[nodiscard]] platform::UNAuthorizationStatus authorizationStatus(
       const std::string& bundle) const;
 
-  /// Returns false when the status could not be written. Denying a bundle also drops its waiting
-  /// notifications, except those that are being shown.
-  bool setAuthorizationStatus(const std::string& bundle, platform::UNAuthorizationStatus status);
+  /// Denying a bundle also drops its waiting notifications, except those that are being shown.
+  PermissionOutcome setAuthorizationStatus(const std::string& bundle,
+                                           platform::UNAuthorizationStatus status);
 
   /// Keeps `request` until its interval, counted from now, is over and it was shown. The request
   /// does not repeat, and its interval is finite, not negative and less than 100 years. Ignores a

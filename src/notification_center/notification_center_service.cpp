@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "notification_center/request_reader.h"
-#include "notification_center/request_size.h"
 #include "platform/linux/bus/bus_connection.h"
 #include "platform/linux/bus/bus_loop.h"
 #include "platform/linux/bus/notification_center_interface.h"
@@ -48,11 +47,18 @@ void setStatus(NotificationCenter& center, BusReader arguments, BusAnswer& answe
   const auto status = notification_center_interface::statusOf(*arguments.integer());
   if (!status)
     throw BusRefusal(DBUS_ERROR_INVALID_ARGS, "invalid status; it must be a number from 0 to 4");
-  if (sizeOf(bundle) > largestRequest) throw tooLarge();
-  if (!center.setAuthorizationStatus(std::string(bundle), *status)) {
-    throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be written to disk");
+  switch (center.setAuthorizationStatus(std::string(bundle), *status)) {
+    case PermissionOutcome::kept:
+      return answer.give();
+    case PermissionOutcome::longName:
+      throw BusRefusal(DBUS_ERROR_LIMITS_EXCEEDED,
+                       "the name of the bundle is longer than 255 bytes");
+    case PermissionOutcome::noRoom:
+      throw BusRefusal(DBUS_ERROR_LIMITS_EXCEEDED,
+                       "the permissions of 500 bundles are stored already");
+    case PermissionOutcome::notKept:
+      throw BusRefusal(DBUS_ERROR_IO_ERROR, "the status cannot be written to disk");
   }
-  answer.give();
 }
 
 std::vector<BusMethod> methodsOf(NotificationCenter& center) {

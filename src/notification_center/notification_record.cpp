@@ -1,6 +1,7 @@
 #include "notification_center/notification_record.h"
 
 #include <iostream>
+#include <string_view>
 
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
@@ -15,7 +16,9 @@ constexpr const char* suiteName = "app.kivo.NotificationCenter";
 constexpr const char* pendingKey = "pendingNotifications";
 constexpr const char* shownKey = "shownNotifications";
 
-std::string statusKey(const std::string& bundle) { return "authorizationStatus." + bundle; }
+constexpr std::string_view statusPrefix = "authorizationStatus.";
+
+std::string statusKey(const std::string& bundle) { return std::string(statusPrefix) + bundle; }
 
 void reportDamage(const char* key) {
   std::cerr << "kivo-notification-center: the stored value of " << key << " cannot be read\n";
@@ -42,6 +45,14 @@ UNAuthorizationStatus NotificationRecord::status(const std::string& bundle) cons
 
 void NotificationRecord::setStatus(const std::string& bundle, UNAuthorizationStatus status) {
   defaults_.setDouble(statusKey(bundle), static_cast<int>(status));
+}
+
+std::set<std::string> NotificationRecord::bundles() const {
+  std::set<std::string> bundles;
+  for (const auto& [key, value] : defaults_.dictionaryRepresentation()) {
+    if (key.starts_with(statusPrefix)) bundles.insert(key.substr(statusPrefix.size()));
+  }
+  return bundles;
 }
 
 std::vector<PendingNotification> NotificationRecord::pending() const {

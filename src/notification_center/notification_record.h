@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,9 @@ class NotificationRecord {
   /// Returns `notDetermined` for a bundle that was never set.
   [[nodiscard]] platform::UNAuthorizationStatus status(const std::string& bundle) const;
   void setStatus(const std::string& bundle, platform::UNAuthorizationStatus status);
+
+  /// Returns the bundles whose status was set.
+  [[nodiscard]] std::set<std::string> bundles() const;
 
   /// Returns the waiting notifications, oldest first; empty when the stored text is damaged, which
   /// is reported on standard error.

@@ -99,5 +99,28 @@ TEST_F(AnAttackedNotificationCenter, RefusesRequestsWhen32MiBArePending) {
   EXPECT_EQ(add("one").status, 0);
 }
 
+TEST_F(AnAttackedNotificationCenter, RefusesThePermissionOfABundleWithALongName) {
+  const std::string longest(255, 'b');
+  EXPECT_EQ(phone.callCenter("SetAuthorizationStatus", {longest, "2"}).output, "()\n");
+  const ProgramResult refused = phone.callCenter("SetAuthorizationStatus", {longest + "b", "2"});
+  EXPECT_THAT(refused.errors, testing::HasSubstr("org.freedesktop.DBus.Error.LimitsExceeded: the "
+                                                 "name of the bundle is longer than 255 bytes"));
+  EXPECT_EQ(status(longest), "(2,)\n");
+  EXPECT_EQ(status(longest + "b"), "(0,)\n");
+}
+
+TEST_F(AnAttackedNotificationCenter, KeepsThePermissionsOf500Bundles) {
+  const std::string said =
+      linux_platform::runProgram({.program = "/usr/bin/python3",
+                                  .arguments = {KIVO_CLIENTS_FOLDER "/many_bundles.py", "501"}})
+          .output;
+  EXPECT_EQ(said,
+            "500 org.freedesktop.DBus.Error.LimitsExceeded: the permissions of 500 bundles are "
+            "stored already\n");
+  EXPECT_EQ(phone.callCenter("SetAuthorizationStatus", {"app.number7", "1"}).output, "()\n")
+      << "one that is stored can change";
+  EXPECT_EQ(status("app.number7"), "(1,)\n");
+}
+
 }  // namespace
 }  // namespace kivo

@@ -276,7 +276,8 @@ TEST_F(TheNotificationCenter, DropsTheOldestRequestAbove500) {
 
 TEST_F(TheNotificationCenter, KeepsThePermissionOfEachBundle) {
   EXPECT_EQ(center->authorizationStatus(bundle), UNAuthorizationStatus::notDetermined);
-  EXPECT_TRUE(center->setAuthorizationStatus(bundle, UNAuthorizationStatus::provisional));
+  EXPECT_EQ(center->setAuthorizationStatus(bundle, UNAuthorizationStatus::provisional),
+            PermissionOutcome::kept);
   restart();
   EXPECT_EQ(center->authorizationStatus(bundle), UNAuthorizationStatus::provisional);
   EXPECT_EQ(center->authorizationStatus("app.other"), UNAuthorizationStatus::notDetermined);
@@ -296,7 +297,8 @@ TEST_F(TheNotificationCenter, ReportsARequestThatItCannotStore) {
   {
     const FullDisk full;
     EXPECT_EQ(add("one"), AddOutcome::notKept);
-    EXPECT_FALSE(center->setAuthorizationStatus(bundle, UNAuthorizationStatus::authorized));
+    EXPECT_EQ(center->setAuthorizationStatus(bundle, UNAuthorizationStatus::authorized),
+              PermissionOutcome::notKept);
   }
   EXPECT_THAT(center->pending(bundle), IsEmpty());
   EXPECT_EQ(center->authorizationStatus(bundle), UNAuthorizationStatus::notDetermined);
