@@ -152,6 +152,13 @@ class InstalledFiles(unittest.TestCase):
         for name in ("kivo-sms-watcher.service", "kivo-sms-watcher.path"):
             self.assertTrue((self.units / "default.target.wants" / name).samefile(self.units / name))
 
+    def test_the_session_waits_until_the_watcher_hears_of_messages(self):
+        if not (PREFIX / "bin/kivo-sms-watcher").exists():
+            self.skipTest("this build has no watcher")
+        unit = unit_file(self.units / "kivo-sms-watcher.service")
+        self.assertEqual(unit["Unit"]["Before"], "graphical-session-pre.target")
+        self.assertEqual((unit["Service"]["Type"], unit["Service"]["BusName"]), ("dbus", "app.kivo.SmsWatcher"))
+
     def test_the_ledger_is_started_by_its_socket_and_reaches_no_network(self):
         socket = self.units / "kivo-ledger.socket"
         self.assertTrue((self.units / "sockets.target.wants" / socket.name).samefile(socket))
