@@ -21,9 +21,11 @@ ROOT = {
 }
 ALICE = {"PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/home/alice", "USER": "alice"}
 # The first process of the system: its mounts, then pairs of a folder outside and its path inside. What
-# follows runs in its namespaces, and ends with it.
+# follows runs in its namespaces, and ends with it. Its root is no chroot, in which the kernel allows no user
+# namespaces.
 FIRST = """
 set -e
+mount --rbind "$1" "$1"
 cd "$1"
 shift
 mkdir -p dev
@@ -40,6 +42,8 @@ while [ $# -gt 0 ]; do
     mount --bind "$1" "./$2"
     shift 2
 done
+pivot_root . .
+umount --lazy .
 echo ready
 exec sleep infinity
 """
@@ -115,7 +119,7 @@ class CleanRoot:
             self.close()
             raise CannotBeMade("its mounts are refused")
         children = pathlib.Path(f"/proc/{self._first.pid}/task/{self._first.pid}/children").read_text().split()
-        self._enter = ["nsenter", "--target", children[0], "--mount", "--pid", "--root", f"--wd={self.folder}",
+        self._enter = ["nsenter", "--target", children[0], "--mount", "--pid", "--root", "--wd=/",
                        "/usr/sbin/chroot"]
         try:
             self.root(f"id alice >/dev/null 2>&1 || useradd --create-home --uid {ALICE_ID} --shell /bin/bash alice")
@@ -127,7 +131,7 @@ class CleanRoot:
     def command(self, *command, user="root"):
         """The call outside that has `command` run inside."""
         identity = [f"--userspec={ALICE_ID}:{ALICE_ID}", "--groups="] if user == "alice" else []
-        return [*self._enter, *identity, str(self.folder), *command]
+        return [*self._enter, *identity, "/", *command]
 
     def root(self, script, seconds=SECONDS):
         """The output of a shell script that has to succeed."""

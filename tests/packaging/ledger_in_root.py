@@ -37,6 +37,7 @@ def keep_a_book(session, backend):
           "a message starts the ledger, which books it")
     status = session.status_of("kivo-ledger.service")
     check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the ledger is confined, and has no network")
+    check(int(status["CapBnd"], 16) == 0, "the ledger has no capabilities")
 
     session.alice("systemctl --user kill --signal=KILL kivo-ledger.service")
     check(send("2.00") == "Tracked EGP\u00a02.00 at Bakery\n" and amounts() == ["1.00", "2.00"],

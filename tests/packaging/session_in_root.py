@@ -6,7 +6,7 @@ from clean_root import ALICE
 RUNTIME = "/run/user/1000"
 IN_SESSION = ALICE | {"XDG_RUNTIME_DIR": RUNTIME, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={RUNTIME}/bus"}
 SURROUNDINGS = f"""
-mkdir -p /run/systemd/system {RUNTIME} /sys/fs/cgroup
+mkdir -p /run/systemd/system /run/systemd/unit-root {RUNTIME} /sys/fs/cgroup
 chown 1000:1000 {RUNTIME}
 chmod 700 {RUNTIME}
 """
