@@ -128,16 +128,20 @@ Reading details(std::string_view readable, const Items& items, std::span<const F
 }  // namespace
 
 Reading read(std::string_view text, std::string_view bookCurrency) {
+  return readBy(Wordings::all(), text, bookCurrency);
+}
+
+Reading readBy(const Wordings& wordings, std::string_view text, std::string_view bookCurrency) {
   text = text.substr(0, wholeCharacters(text, longestMessage));
   if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
 
   const std::string readable = readableForm(text);
-  const Items all = withSums(itemsOf(readable), bookCurrency);
-  const AllFound said = wordingsIn(all);
+  const Items all = withSums(itemsOf(readable), bookCurrency, wordings);
+  const AllFound said = wordings.foundIn(all);
   if (announcesACode(all, said)) return {};
 
   const Items items = reportedPart(all, said);
-  const AllFound found = wordingsIn(items);
+  const AllFound found = wordings.foundIn(items);
   const SumParts sums = partsOfSums(items, found, bookCurrency);
   const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
   const Movement* const movement = movementIn(items, found, sums, begunToCome);

@@ -1,4 +1,4 @@
-// Reads a bank's message as a transaction, by the wordings of wordings.cpp. Stores nothing and
+// Reads a bank's message as a transaction, by the wordings of wordings.def. Stores nothing and
 // converts no currency.
 #pragma once
 
@@ -10,6 +10,8 @@
 #include "ledger/recognition/money.h"
 
 namespace kivo::ledger {
+
+class Wordings;
 
 /// The result of reading a message.
 enum class Outcome {
@@ -56,5 +58,8 @@ struct Reading {
 /// another currency yields `needsReview` with its own currency. Time is linear in the length of the
 /// text; never throws but for want of memory. Thread-safe.
 Reading read(std::string_view text, std::string_view bookCurrency);
+
+/// Reads as `read` does, but by `wordings` instead of all.
+Reading readBy(const Wordings& wordings, std::string_view text, std::string_view bookCurrency);
 
 }  // namespace kivo::ledger

@@ -8,14 +8,14 @@
 #include "ledger/recognition/currencies.h"
 #include "ledger/recognition/number_pieces.h"
 #include "ledger/recognition/stated_currency.h"
-#include "ledger/recognition/wordings.h"
 
 namespace kivo::ledger {
 namespace {
 
 class SumReader {
  public:
-  SumReader(Items items, std::string_view book) : items_(std::move(items)), book_(book) {}
+  SumReader(Items items, std::string_view book, const Wordings& wordings)
+      : items_(std::move(items)), book_(book), wordings_(wordings) {}
 
   Items read() {
     markPieces(items_);
@@ -133,9 +133,10 @@ class SumReader {
     if (digits.find_first_of(".,") != std::string::npos) return true;
     std::size_t end = number;
     while (end > 0 && isMark(items_[end - 1], ":-+=.")) --end;
-    if (endsWith(items_, end, Meaning::amount)) return true;
+    if (wordings_.anyEndsAt(items_, end, Meaning::amount)) return true;
     return end > 0 && items_[end - 1].text == "by" &&
-           (endsWith(items_, end, Meaning::debited) || endsWith(items_, end, Meaning::credited));
+           (wordings_.anyEndsAt(items_, end, Meaning::debited) ||
+            wordings_.anyEndsAt(items_, end, Meaning::credited));
   }
 
   // How far a sum goes around its number.
@@ -235,13 +236,14 @@ class SumReader {
 
   Items items_;
   const std::string_view book_;
+  const Wordings& wordings_;
   std::size_t taken_ = 0;  // items before it belong to an earlier number
 };
 
 }  // namespace
 
-Items withSums(Items items, std::string_view bookCurrency) {
-  return SumReader(std::move(items), bookCurrency).read();
+Items withSums(Items items, std::string_view bookCurrency, const Wordings& wordings) {
+  return SumReader(std::move(items), bookCurrency, wordings).read();
 }
 
 }  // namespace kivo::ledger

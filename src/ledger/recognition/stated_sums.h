@@ -4,13 +4,15 @@
 #include <string_view>
 
 #include "ledger/recognition/message_items.h"
+#include "ledger/recognition/wordings.h"
 
 namespace kivo::ledger {
 
 /// `items` with each number and the currency beside it joined to one sum item, and with the numbers
 /// of dates, times of day, account masks and the like marked as pieces. A number without a currency
-/// becomes a sum when it has decimals or follows a word for an amount. An ambiguous currency is
-/// `bookCurrency` where it may mean that.
-Items withSums(Items items, std::string_view bookCurrency);
+/// becomes a sum when it has decimals or follows a word for an amount, by `wordings`. An ambiguous
+/// currency is `bookCurrency` where it may mean that.
+Items withSums(Items items, std::string_view bookCurrency,
+               const Wordings& wordings = Wordings::all());
 
 }  // namespace kivo::ledger

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
+#include <span>
 #include <string>
 
 #include "ledger/recognition/spelling.h"
@@ -27,12 +27,6 @@ struct Element {
   std::string text = {};
 };
 
-struct Pattern {
-  Meaning meaning = Meaning::plain;
-  bool namePrecedes = false;
-  std::vector<Element> elements = {};
-};
-
 constexpr std::size_t longestGap = 8;
 constexpr std::string_view sumKey = "#";
 
@@ -43,24 +37,6 @@ Element elementOf(const Item& item) {
   return {Element::Kind::word, item.text};
 }
 
-Pattern patternOf(const Wording& wording) {
-  Pattern pattern{.meaning = wording.meaning};
-  for (const Item& item : itemsOf(wording.words)) {
-    if (item.text == "~") {
-      pattern.elements.back().kind = Element::Kind::front;
-    } else if (item.text == "^" && pattern.elements.empty()) {
-      pattern.namePrecedes = true;
-    } else {
-      pattern.elements.push_back(elementOf(item));
-    }
-  }
-  return pattern;
-}
-
-// Patterns by their first word. One whose first word is open at its end is under the first
-// character of that word and "~", one that begins with a sum under "#".
-using Patterns = std::map<std::string, std::vector<Pattern>, std::less<>>;
-
 std::string openKey(std::string_view word) {
   return std::string(word.substr(0, characterLength(word))) + "~";
 }
@@ -70,18 +46,40 @@ std::string keyOf(const Element& first) {
   return first.kind == Element::Kind::front ? openKey(first.text) : first.text;
 }
 
-Patterns compiled() {
-  Patterns patterns;
-  for (const Wording& wording : wordings) {
-    Pattern pattern = patternOf(wording);
-    std::string key = keyOf(pattern.elements.front());
-    patterns[std::move(key)].push_back(std::move(pattern));
+}  // namespace
+
+struct WordingPattern {
+  Meaning meaning = Meaning::plain;
+  bool namePrecedes = false;
+  std::vector<Element> elements = {};
+  // Its first word. If that word is open at its end, its first character and "~". "#" for a sum.
+  std::string key = {};
+};
+
+namespace {
+
+WordingPattern patternOf(const Wording& wording) {
+  WordingPattern pattern{.meaning = wording.meaning};
+  for (const Item& item : itemsOf(wording.words)) {
+    if (item.text == "~") {
+      pattern.elements.back().kind = Element::Kind::front;
+    } else if (item.text == "^" && pattern.elements.empty()) {
+      pattern.namePrecedes = true;
+    } else {
+      pattern.elements.push_back(elementOf(item));
+    }
   }
-  return patterns;
+  pattern.key = keyOf(pattern.elements.front());
+  return pattern;
 }
 
-const Patterns& allPatterns() {
-  static const Patterns patterns = compiled();
+// In the order of wordings.def.
+const std::vector<WordingPattern>& compiled() {
+  static const std::vector<WordingPattern> patterns = [] {
+    std::vector<WordingPattern> all;
+    for (const Wording& wording : wordings) all.push_back(patternOf(wording));
+    return all;
+  }();
   return patterns;
 }
 
@@ -132,27 +130,45 @@ std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std:
 }
 
 // The longest of `patterns` that matches at `at`, if it is longer than `longest`.
-void findLonger(const std::vector<Pattern>& patterns, const Items& items, std::size_t at,
+void findLonger(std::span<const WordingPattern* const> patterns, const Items& items, std::size_t at,
                 std::optional<Found>& longest, std::size_t& mostElements) {
-  for (const Pattern& pattern : patterns) {
-    const auto end = endOfMatch(pattern.elements, 0, items, at);
-    if (!end || pattern.elements.size() < mostElements) continue;
-    if (longest && pattern.elements.size() == mostElements && *end <= longest->end) continue;
-    mostElements = pattern.elements.size();
-    longest = Found{.meaning = pattern.meaning,
+  for (const WordingPattern* const pattern : patterns) {
+    const auto end = endOfMatch(pattern->elements, 0, items, at);
+    if (!end || pattern->elements.size() < mostElements) continue;
+    if (longest && pattern->elements.size() == mostElements && *end <= longest->end) continue;
+    mostElements = pattern->elements.size();
+    longest = Found{.meaning = pattern->meaning,
                     .begin = at,
                     .end = *end,
-                    .nameFollows = pattern.elements.back().kind == Element::Kind::name,
-                    .namePrecedes = pattern.namePrecedes};
+                    .nameFollows = pattern->elements.back().kind == Element::Kind::name,
+                    .namePrecedes = pattern->namePrecedes};
   }
 }
 
-std::optional<Found> longestAt(const Items& items, std::size_t at) {
+}  // namespace
+
+Wordings::Wordings() {
+  for (const WordingPattern& pattern : compiled()) patterns_.push_back(&pattern);
+  std::ranges::stable_sort(patterns_, {}, &WordingPattern::key);
+}
+
+const Wordings& Wordings::all() {
+  static const Wordings every;
+  return every;
+}
+
+Wordings Wordings::allBut(std::size_t index) {
+  Wordings rest = all();
+  std::erase(rest.patterns_, &compiled().at(index));
+  return rest;
+}
+
+std::optional<Found> Wordings::longestAt(const Items& items, std::size_t at) const {
   std::optional<Found> longest;
   std::size_t mostElements = 0;
   const auto findUnder = [&](std::string_view key) {
-    const auto same = allPatterns().find(key);
-    if (same != allPatterns().end()) findLonger(same->second, items, at, longest, mostElements);
+    const auto same = std::ranges::equal_range(patterns_, key, {}, &WordingPattern::key);
+    findLonger(same, items, at, longest, mostElements);
   };
   const Item& item = items[at];
   if (item.kind == Item::Kind::sum) {
@@ -170,9 +186,7 @@ std::optional<Found> longestAt(const Items& items, std::size_t at) {
   return longest;
 }
 
-}  // namespace
-
-std::vector<Found> wordingsIn(const Items& items) {
+std::vector<Found> Wordings::foundIn(const Items& items) const {
   std::vector<Found> found;
   for (std::size_t at = 0; at < items.size();) {
     const auto longest = longestAt(items, at);
@@ -182,7 +196,7 @@ std::vector<Found> wordingsIn(const Items& items) {
   return found;
 }
 
-bool endsWith(const Items& items, std::size_t end, Meaning meaning) {
+bool Wordings::anyEndsAt(const Items& items, std::size_t end, Meaning meaning) const {
   constexpr std::size_t mostItems = 4;
   for (std::size_t length = 1; length <= std::min(mostItems, end); ++length) {
     const auto longest = longestAt(items, end - length);

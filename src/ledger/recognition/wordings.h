@@ -1,4 +1,4 @@
-// The wordings of wordings.def, found in a message. Does not decide between them.
+// Finds the wordings of wordings.def in a message. Does not decide between them.
 #pragma once
 
 #include <cstddef>
@@ -66,7 +66,7 @@ enum class Meaning {
   own,
   account,
   reference,
-  // Looks like one of these and is none.
+  // Words that would otherwise be read as one of the above: "to block", "for details".
   plain,
 };
 
@@ -82,11 +82,29 @@ struct Found {
   bool namePrecedes = false;
 };
 
-/// The wordings in `items` from left to right. They do not overlap: at each item the longest
-/// counts.
-std::vector<Found> wordingsIn(const Items& items);
+struct WordingPattern;
 
-/// Whether a wording of `meaning` without sums or names ends in front of `items[end]`.
-bool endsWith(const Items& items, std::size_t end, Meaning meaning);
+/// The wordings to look up in messages.
+class Wordings {
+ public:
+  /// All of wordings.def, compiled at the first call. Thread-safe; lives as long as the process.
+  static const Wordings& all();
+
+  /// All but the one with this index in wordings.def, the first being 0.
+  static Wordings allBut(std::size_t index);
+
+  /// The wordings in `items` from left to right. They do not overlap: at each item the longest
+  /// counts.
+  [[nodiscard]] std::vector<Found> foundIn(const Items& items) const;
+
+  /// Whether a wording of `meaning` without sums or names ends in front of `items[end]`.
+  [[nodiscard]] bool anyEndsAt(const Items& items, std::size_t end, Meaning meaning) const;
+
+ private:
+  Wordings();
+  [[nodiscard]] std::optional<Found> longestAt(const Items& items, std::size_t at) const;
+
+  std::vector<const WordingPattern*> patterns_;  // ordered by their keys
+};
 
 }  // namespace kivo::ledger

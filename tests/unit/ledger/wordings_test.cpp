@@ -25,12 +25,33 @@ constexpr auto examples = std::to_array<Example>({
 #undef WORDING
 });
 
-TEST(EachWording, IsReadInItsExample) {
+std::string bookOf(const Example& example) {
   constexpr std::size_t codeLength = 3;
+  return std::string(example.reading.substr(0, codeLength));
+}
+
+TEST(EachWording, IsReadInItsExample) {
   for (const Example& example : examples) {
-    const std::string book(example.reading.substr(0, codeLength));
+    const std::string book = bookOf(example);
     const bool payee = example.reading.find(" |") != std::string_view::npos;
     EXPECT_EQ(book + " " + readingText(read(example.message, book), book, payee), example.reading)
+        << "«" << example.words << "»: " << example.message;
+  }
+}
+
+TEST(EachWording, IsNeededByItsExample) {
+  for (std::size_t index = 0; index < examples.size(); ++index) {
+    const Example& example = examples[index];
+    const std::string book = bookOf(example);
+    EXPECT_FALSE(readBy(Wordings::allBut(index), example.message, book) ==
+                 read(example.message, book))
+        << "«" << example.words << "» changes nothing in: " << example.message;
+  }
+}
+
+TEST(EachWording, HasAMessageWithoutPlaceholdersAsItsExample) {
+  for (const Example& example : examples) {
+    EXPECT_EQ(example.message.find_first_of("^_"), std::string_view::npos)
         << "«" << example.words << "»: " << example.message;
   }
 }
