@@ -167,12 +167,12 @@ TEST_F(AWindow, RunsAsItsOwnUnitWhenAServiceOpensIt) {
   installFake("xterm");
   installFake("systemd-run");
   const ScopedVariable service("SYSTEMD_EXEC_PID", std::to_string(getpid()));
-  ASSERT_TRUE(windows_.open({"program"}));
+  ASSERT_TRUE(windows_.open({"program", "$HOME and $$"}));
   const Call call = called();
   const Call unit(call.begin(), call.begin() + 8);
   EXPECT_THAT(unit, ElementsAre("systemd-run", "--user", "--property=ExitType=cgroup", "--collect",
                                 "--quiet", "--", "xterm", "-e"));
-  EXPECT_EQ(call.back(), "program");
+  EXPECT_EQ(call.back(), "$$HOME and $$$$") << "the service manager makes one of two";
 }
 
 TEST_F(AWindow, RunsAsAPlainProcessWhenAChildOfAServiceOpensIt) {

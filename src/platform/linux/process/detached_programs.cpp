@@ -31,6 +31,13 @@ bool isServiceOfSystemd() {
   return id != nullptr && id == std::to_string(getpid()) && programFile("systemd-run");
 }
 
+// The service manager expands variables in the words of a unit, and makes one dollar sign of two.
+std::string withDoubledDollars(const std::string& word) {
+  std::string doubled;
+  for (const char letter : word) doubled.append(letter == '$' ? 2 : 1, letter);
+  return doubled;
+}
+
 // A new session, and default signals where startProcess changed them.
 class DetachedAttributes {
  public:
@@ -85,6 +92,7 @@ bool DetachedPrograms::start(std::vector<std::string> call) {
 
 bool DetachedPrograms::startOutsideService(std::vector<std::string> call) {
   if (isServiceOfSystemd()) {
+    for (std::string& word : call) word = withDoubledDollars(word);
     // The unit goes on when its first program ends, which may have started a browser.
     const std::vector<std::string> unit{"systemd-run", "--user",  "--property=ExitType=cgroup",
                                         "--collect",   "--quiet", "--"};
