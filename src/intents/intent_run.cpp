@@ -7,6 +7,7 @@
 #include "feedback/amount_formatter.h"
 #include "feedback/expense_notifier.h"
 #include "feedback/widget_stats.h"
+#include "intents/stats_excluded_categories.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/iso8601_date_formatter.h"
 #include "platform/foundation/standard_output.h"
@@ -23,12 +24,6 @@ using platform::Task;
 namespace {
 
 constexpr int drainedPerRun = 3;
-
-// Whether the widget's totals exclude a category: money that moves without being spent. Compared by
-// exact name.
-bool isExcludedFromTotals(std::string_view category) {
-  return category == "__system_transfer__" || category == "Credit Card Settlement";
-}
 
 }  // namespace
 
@@ -85,7 +80,7 @@ Task<IntentResult> IntentRun::saveOffline(PendingSmsItem item) {
 }
 
 void IntentRun::countInTotals(const SMSExtractionResponse::SavedExpense& expense) {
-  if (isExcludedFromTotals(expense.category)) return;
+  if (StatsExcludedCategories::contains(expense.category)) return;
   WidgetStats::recordExpense(store_, expense.amount);
 }
 
