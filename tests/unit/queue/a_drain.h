@@ -12,6 +12,7 @@
 #include "queue/pending_sms_queue.h"
 #include "queue/sms_queue_drainer.h"
 #include "testkit/queued_items.h"
+#include "testkit/raw_store.h"
 #include "testkit/task_runner.h"
 #include "testkit/test_phone.h"
 
@@ -39,6 +40,15 @@ class ADrain : public ::testing::Test {
     }
   }
   void setLock(double takenAt) { phone_.put(StoreKeys::smsQueueDrainLock, takenAt); }
+  /// Frees the lock; once its value is next `comparison`, `statement` changes the store with it.
+  void whenTheLockBecomes(const std::string& comparison, const std::string& statement) {
+    setLock(0);
+    testkit::RawStore(phone_.folders.storeFile())
+        .run(
+            "CREATE TRIGGER at_lock AFTER UPDATE ON defaults WHEN new.key = 'smsQueueDrainLock' "
+            "AND new.value " +
+            comparison + " BEGIN " + statement + "; END");
+  }
   std::optional<double> lock() { return phone_.number(StoreKeys::smsQueueDrainLock); }
   /// Drains a queue of one item, which the backend answers with `body`; returns the notifications.
   std::vector<std::string> toldOf(const std::string& body) {

@@ -99,6 +99,14 @@ TEST_F(AQueue, DetectsADuplicateOfAnyItem) {
   EXPECT_THAT(idsAndCounts(load()), ElementsAre("A:0", "other:0"));
 }
 
+TEST_F(AQueue, DetectsADuplicateOfTheOldestItemOfAFullQueue) {
+  auto full = items(200);
+  full.front() = queuedAt("A", "2026-01-31T09:00:00Z");
+  save(full);
+  enqueue(queuedAt("B", "2026-01-31T09:00:30Z"));
+  EXPECT_EQ(load(), full);
+}
+
 TEST_F(AQueue, DistinguishesTextsByEveryCharacter) {
   PendingSmsItem item = queuedAt("A", "2026-01-31T09:00:00Z");
   for (const auto* const text : {"Paid 1", "Paid 1 ", " Paid 1", "paid 1", "Paid\u00a01"}) {

@@ -91,6 +91,26 @@ TEST_F(ADrain, HoldsTheLockFromStartToEnd) {
   EXPECT_EQ(lock(), 0.0);
 }
 
+TEST_F(ADrain, SavesTheQueueBeforeItFreesTheLock) {
+  queue({queuedItem("A"), queuedItem("B")});
+  willAnswer({notSavedBody});
+  whenTheLockBecomes("= 0",
+                     "INSERT INTO defaults SELECT 'queueAtRelease', value FROM defaults "
+                     "WHERE key = 'pendingSmsQueue'");
+  drain(1);
+  EXPECT_EQ(phone_.contents().at("queueAtRelease"), phone_.contents().at("pendingSmsQueue"));
+}
+
+TEST_F(ADrain, LoadsTheQueueAfterItTakesTheLock) {
+  queue({queuedItem("A")});
+  willAnswer({notSavedBody});
+  whenTheLockBecomes("> 0",
+                     "UPDATE defaults SET value = replace(value, '\"A\"', '\"B\"') "
+                     "WHERE key = 'pendingSmsQueue'");
+  drain();
+  EXPECT_THAT(phone_.session.sent("idempotency_key"), ElementsAre("B"));
+}
+
 TEST_F(ADrain, DoesNothingWhileTheLockIsHeld) {
   queue({queuedItem("A")});
   setLock(startSeconds - 29.9);
