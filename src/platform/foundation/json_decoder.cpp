@@ -49,6 +49,11 @@ void requireNumber(const json& value, const std::string& path) {
   throw DecodingError(Kind::typeMismatch, path, "number", value.type_name());
 }
 
+// The parser makes a signed integer of a text with a minus only: a signed 0 was written "-0".
+bool isNegativeZero(const json& value) {
+  return value.type() == json::value_t::number_integer && value.get<std::int64_t>() == 0;
+}
+
 std::int64_t integer(const json& value, const std::string& path) {
   using Limits = std::numeric_limits<std::int64_t>;
   if (value.is_number_unsigned()) {
@@ -115,6 +120,7 @@ std::string JSONObject::decodeString(std::string_view key) const {
 double JSONObject::decodeDouble(std::string_view key) const {
   const json& value = node_->require(key);
   requireNumber(value, node_->pathOf(key));
+  if (isNegativeZero(value)) return -0.0;
   return value.get<double>();
 }
 

@@ -1,5 +1,6 @@
 #include "platform/foundation/json_decoder.h"
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -147,6 +148,20 @@ TEST(AJSONObject, ReadsEveryNumberAsTheNearestDouble) {
   }
 }
 
+TEST(AJSONObject, KeepsTheSignOfZero) {
+  const auto isNegative = [](const std::string& number) {
+    const double value = JSONDecoder::object(R"({"n":)" + number + "}").decodeDouble("n");
+    EXPECT_EQ(value, 0.0) << number;
+    return std::signbit(value);
+  };
+  for (const auto* const zero : {"-0", "-0.0", "-0e0", "-0E+5", "-1e-400"}) {
+    EXPECT_TRUE(isNegative(zero)) << zero;
+  }
+  for (const auto* const zero : {"0", "0.0", "0e0", "1e-400"}) {
+    EXPECT_FALSE(isNegative(zero)) << zero;
+  }
+}
+
 TEST(AJSONObject, AcceptsIntegersInEveryNumberFormat) {
   const auto read = [](const std::string& number) {
     return JSONDecoder::object(R"({"n":)" + number + "}").decodeInteger("n");
@@ -157,6 +172,7 @@ TEST(AJSONObject, AcceptsIntegersInEveryNumberFormat) {
   EXPECT_EQ(read("0"), 0);
   EXPECT_EQ(read("-0"), 0);
   EXPECT_EQ(read("-0.0"), 0);
+  EXPECT_EQ(read("-0e0"), 0);
   EXPECT_EQ(read("-12"), -12);
   EXPECT_EQ(read("1e18"), 1000000000000000000);
   EXPECT_EQ(read("9223372036854775807"), std::numeric_limits<std::int64_t>::max());

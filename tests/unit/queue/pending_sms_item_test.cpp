@@ -123,6 +123,7 @@ TEST(APendingItem, AcceptsEveryIntegerRetryCount) {
     EXPECT_NE(item.encode().text().find(R"("retryCount":3,)"), std::string::npos);
   }
   EXPECT_EQ(decode(withMember("retryCount", "-1")).retryCount, -1);
+  EXPECT_EQ(decode(withMember("retryCount", "-0")).retryCount, 0);
 }
 
 TEST(APendingItem, RefusesARetryCountWithAFractionOrOutOfRange) {
