@@ -1,7 +1,8 @@
 // Property: whatever bytes a server sends before it closes the connection, the exchange ends: with
-// the response that they contain, of status 200 to 999 and a body of at most 1 MiB, or with a
-// URLError of a kind that a response can cause. The session is the real one. Its socket is one end
-// of a socket pair, since millions of connections would use up the ports.
+// the response that they contain, of status 200 to 999 and a body of at most 1 MiB, with an answer
+// that is not HTTP, or with a URLError of a kind that a response can cause. The session is the real
+// one. Its socket is one end of a socket pair, since millions of connections would use up the
+// ports.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -159,7 +160,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     fuzz::require(canBeCausedByAnAnswer(*outcome.failure), "a failure is told by its cause");
     return 0;
   }
-  const int status = outcome.answer->response.statusCode;
+  if (!outcome.answer->response) {
+    fuzz::require(outcome.answer->data.empty(), "an answer that is not HTTP has no body");
+    return 0;
+  }
+  const int status = outcome.answer->response->statusCode;
   fuzz::require(status >= 200 && status <= 999, "a status is a final one");
   fuzz::require(tellOf(status, answer.bytes), "a status is one that the server sent");
   fuzz::require(outcome.answer->data.size() <= mebibyte, "a body is 1 MiB at most");

@@ -51,7 +51,7 @@ platform::Task<SMSExtractionResponse> SMSExtractionClient::extract(std::string s
   request.httpBody = requestBody(smsText, userId, expenseDate, idempotencyKey);
 
   const platform::URLAnswer answer = co_await URLSession::shared().data(std::move(request));
-  if (answer.response.statusCode != statusOK) {
+  if (!answer.response || answer.response->statusCode != statusOK) {
     throw NSError("SMSExtraction", 500, "Failed to extract SMS");
   }
   co_return SMSExtractionResponse::decode(answer.data);

@@ -19,9 +19,10 @@ std::optional<platform::URL> endpoint(const std::string& supabaseUrl);
 /// every attempt for one text, so that the backend stores it once. All texts are UTF-8.
 ///
 /// Suspends during the exchange, for at most 15 s. Cancelling the task cancels the exchange. Throws
-/// URLError when there is no answer, NSError of domain "SMSExtraction" for any status but 200, and
-/// DecodingError for an answer that does not fit. Stops the process when the base URL cannot be
-/// parsed, since a bank message must not go to a wrong place. Thread-safe.
+/// URLError when there is no complete answer, NSError of domain "SMSExtraction" for an answer that
+/// is not HTTP or has any status but 200, and DecodingError for a body that does not fit. Stops the
+/// process when the base URL cannot be parsed, since a bank message must not go to a wrong place.
+/// Thread-safe.
 platform::Task<SMSExtractionResponse> extract(std::string smsText, std::string userId,
                                               std::string supabaseUrl, std::string expenseDate,
                                               std::string idempotencyKey);

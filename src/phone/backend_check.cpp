@@ -23,7 +23,7 @@ Task<void> ask(HTTPURLSession* session, URL endpoint, ExchangeOutcome* outcome) 
   request.timeoutInterval = timeout;
   try {
     const platform::URLAnswer answer = co_await session->data(std::move(request));
-    *outcome = answer.response.statusCode;
+    *outcome = linux_platform::outcomeOf(answer);
   } catch (const URLError& error) {
     *outcome = error;
   }

@@ -62,12 +62,12 @@ std::vector<Misbehaviour> brokenAnswers() {
       {"a chunk shorter than it says", answering(chunkedHead + "ff\r\n" + body + "\r\n0\r\n\r\n"),
        Ending::savedOffline, lost},
       {"a chunk longer than it says", answering(chunkedHead + "2\r\n" + body + "\r\n0\r\n\r\n"),
-       Ending::savedOffline, noHTTP},
+       Ending::savedOffline, badAnswer},
       {"a chunk of no size", answering(chunkedHead + "zz\r\n" + body + "\r\n0\r\n\r\n"),
-       Ending::savedOffline, noHTTP},
+       Ending::savedOffline, badAnswer},
       {"a chunk of a size past 64 bits",
        answering(chunkedHead + "fffffffffffffffff\r\n" + body + "\r\n0\r\n\r\n"),
-       Ending::savedOffline, noHTTP},
+       Ending::savedOffline, badAnswer},
       {"no last chunk", answering(chunkedHead + chunk(body)), Ending::savedOffline, lost},
 
       // Endless answers.
@@ -83,8 +83,9 @@ std::vector<Misbehaviour> brokenAnswers() {
        tooLarge},
       {"endless trailers", endless(chunkedHead + "0\r\n", "A: b\r\n"), Ending::savedOffline,
        tooLarge},
-      {"17 interim answers", answering(repeated(interim, 17) + good), Ending::savedOffline, noHTTP},
-      {"a storm of interim answers", endless("", interim), Ending::savedOffline, noHTTP},
+      {"17 interim answers", answering(repeated(interim, 17) + good), Ending::savedOffline,
+       badAnswer},
+      {"a storm of interim answers", endless("", interim), Ending::savedOffline, badAnswer},
 
       // Not HTTP/1.
       {"the preface of HTTP/2", answering("PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n"), Ending::savedOffline,

@@ -12,12 +12,13 @@ namespace kivo::testkit {
 using namespace std::chrono_literals;
 
 inline const std::string lost = "URLError networkConnectionLost";
-inline const std::string noHTTP = "URLError badServerResponse";
+inline const std::string badAnswer = "URLError badServerResponse";
 inline const std::string tooLarge = "URLError dataLengthExceedsMaximum";
 inline const std::string timedOut = "URLError timedOut";
 inline const std::string insecure = "URLError secureConnectionFailed";
 inline const std::string undecodable = "DecodingError dataCorrupted";
 inline const std::string refusedStatus = "Error Domain=SMSExtraction Code=500";
+inline const std::string noHTTP = refusedStatus;
 
 inline const std::string chunkedHead = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
 

@@ -188,6 +188,35 @@ TEST_F(AnExtractionOverTheNetwork, FailsForEveryStatusExcept200) {
   }
 }
 
+TEST_F(AnExtractionOverTheNetwork, FailsLikeAWrongStatusWhenTheAnswerIsNotHTTP) {
+  const std::string body = R"({"saved":false})";
+  for (const std::string& answer :
+       {std::string("SSH-2.0-server\r\n\r\n"), "HTTP/2 200\r\n\r\n" + body,
+        "HTTP/1.1 2OO OK\r\n\r\n" + body, "HTTP/1.1 200 OK\n\n" + body,
+        "HTTP/1.1 200 OK\r\nNo colon\r\n\r\n" + body,
+        "HTTP/1.1 200 OK\r\nContent-Length: -1\r\n\r\n" + body}) {
+    const auto error = failureAt<NSError>(answer);
+    ASSERT_TRUE(error) << answer;
+    EXPECT_STREQ(error->what(), "Error Domain=SMSExtraction Code=500 \"Failed to extract SMS\"");
+  }
+}
+
+TEST_F(AnExtractionOverTheNetwork, ThrowsATransportErrorWhenAnHTTPAnswerFailsOnItsWay) {
+  const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+  const std::map<std::string, URLError::Code> failures = {
+      {"HTT", URLError::Code::networkConnectionLost},
+      {"HTTP/1.1 200 OK\r\nContent-Le", URLError::Code::networkConnectionLost},
+      {chunked + "x\r\n", URLError::Code::badServerResponse},
+      {"HTTP/1.1 200 OK\r\nX: " + std::string(70000, 'x'),
+       URLError::Code::dataLengthExceedsMaximum},
+  };
+  for (const auto& [answer, code] : failures) {
+    const auto error = failureAt<URLError>(answer);
+    ASSERT_TRUE(error) << answer;
+    EXPECT_EQ(error->code(), code) << answer;
+  }
+}
+
 TEST_F(AnExtractionOverTheNetwork, FailsToDecodeAnErrorObject) {
   const auto error = failureAt<DecodingError>(httpAnswer(200, R"({"error":"no such user"})"));
   ASSERT_TRUE(error);

@@ -116,18 +116,32 @@ TEST_F(AFailingHTTPExchange, RefusesABrokenChunk) {
   }
 }
 
-TEST_F(AFailingHTTPExchange, RefusesAnAnswerThatIsNotHTTP) {
+TEST_F(AFailingHTTPExchange, ReturnsAnAnswerWithoutAResponseWhenItIsNotHTTP) {
   for (const char* const bytes :
-       {"garbage\r\n\r\n", "SSH-2.0-server\r\n", "HTTP/9.9 200 OK\r\n\r\n",
-        "HTTP/1.1 20 OK\r\n\r\n", "HTTP/1.1 2000 OK\r\n\r\n", "HTTP/1.1 abc OK\r\n\r\n",
-        "HTTP/1.1 000 OK\r\n\r\n", "HTTP/1.1 099 OK\r\n\r\n", "<html>not found</html>",
+       {"garbage\r\n\r\n",
+        "SSH-2.0-server\r\n",
+        "HTTP/9.9 200 OK\r\n\r\n",
+        "HTTP/1.1 20 OK\r\n\r\n",
+        "HTTP/1.1 2000 OK\r\n\r\n",
+        "HTTP/1.1 abc OK\r\n\r\n",
+        "HTTP/1.1 000 OK\r\n\r\n",
+        "HTTP/1.1 099 OK\r\n\r\n",
+        "<html>not found</html>",
         "\x16\x03\x01 and more bytes that are no text\r\n\r\n",
         "HTTP/1.1 200 OK\r\nContent-Length: -1\r\n\r\n",
         "HTTP/1.1 200 OK\r\nContent-Length: 2x\r\n\r\n{}",
         "HTTP/1.1 200 OK\r\nContent-Length: 2\r\nContent-Length: 3\r\n\r\n{} ",
         "HTTP/1.1 200 OK\r\nContent-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}",
-        "HTTP/1.1 200 OK\r\nNo colon\r\n\r\n", "HTTP/1.1 200 OK\r\nBad name: x\r\n\r\n"}) {
-    EXPECT_EQ(answeredWith(bytes).failure, Failure::badServerResponse) << bytes;
+        "HTTP/1.1 200 OK\r\nNo colon\r\n\r\n",
+        "HTTP/1.1 200 OK\r\nBad name: x\r\n\r\n",
+        "HTTP/1.1 200 OK\n\n{}",
+        "HTTP/1.1 20\r\n\r\n{}",
+        "HTTP/1.1  200\r\n\r\n{}",
+        "HTTP/1.1 200\t\r\n\r\n{}",
+        "HTTP/1.1 100 Continue\r\n\r\ngarbage\r\n\r\n"}) {
+    const Outcome outcome = answeredWith(bytes);
+    EXPECT_EQ(outcome.body(), "") << bytes;
+    EXPECT_FALSE(outcome.isHTTP()) << bytes;
   }
 }
 

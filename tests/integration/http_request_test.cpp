@@ -92,6 +92,22 @@ TEST_F(AnHTTPExchange, AcceptsAnswersWithoutABody) {
   EXPECT_EQ(answeredWith("HTTP/1.1 200 \r\nContent-Length: 0\r\n\r\n").status(), 200);
 }
 
+TEST_F(AnHTTPExchange, AcceptsAStatusLineThatEndsAfterTheStatus) {
+  const std::string answer = "HTTP/1.1 200\r\nContent-Length: 2\r\n\r\n{}";
+  EXPECT_EQ(answeredWith(answer).body(), "{}");
+  EXPECT_EQ(answeredWith("HTTP/1.0 200\r\n\r\n{}").body(), "{}");
+  EXPECT_EQ(answeredWith("HTTP/1.1 404\r\n\r\n").status(), 404);
+  EXPECT_EQ(answeredWith("HTTP/1.1 100\r\n\r\nHTTP/1.1 100\r\n\r\n" + answer).body(), "{}");
+}
+
+TEST_F(AnHTTPExchange, AcceptsAStatusLineWithoutABlankInAnyPieces) {
+  const ScriptedServer server([](ServerConnection& connection) {
+    connection.readRequest();
+    connection.drip("HTTP/1.1 200\r\nContent-Length: 2\r\n\r\n{}", std::chrono::milliseconds(5));
+  });
+  EXPECT_EQ(exchange(session_, post(server.url())).body(), "{}");
+}
+
 TEST_F(AnHTTPExchange, FollowsNoRedirect) {
   const ScriptedServer elsewhere(answering(httpAnswer(200, "{}")));
   for (const int status : {301, 302, 303, 307, 308}) {

@@ -23,7 +23,7 @@ class ALoopbackHttpServer : public ::testing::Test {
     request.timeoutInterval = std::chrono::seconds(20);
     request.httpBody = body;
     answer_ = await(session_.data(request));
-    return answer_.response.statusCode;
+    return answer_.response.value().statusCode;
   }
 
   void expectNoConnection() {

@@ -20,7 +20,9 @@ struct Outcome {
   std::chrono::milliseconds took{};
 
   /// The answer's status; 0 without one.
-  [[nodiscard]] int status() const { return answer ? answer->response.statusCode : 0; }
+  [[nodiscard]] int status() const { return isHTTP() ? answer->response->statusCode : 0; }
+  /// Whether there is an answer with a response.
+  [[nodiscard]] bool isHTTP() const { return answer && answer->response; }
   /// The answer's body; "no answer" without one.
   [[nodiscard]] std::string body() const { return answer ? answer->data : "no answer"; }
 };

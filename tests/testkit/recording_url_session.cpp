@@ -11,6 +11,7 @@
 
 namespace kivo::testkit {
 
+using platform::HTTPURLResponse;
 using platform::URLAnswer;
 using platform::URLError;
 using platform::URLRequest;
@@ -32,7 +33,7 @@ struct RecordingURLSession::UnderWay {
 
 void RecordingURLSession::willAnswer(std::string body, int status) {
   willDo([body = std::move(body), status](const URLRequest&) {
-    return URLAnswer{.data = body, .response = {.statusCode = status}};
+    return URLAnswer{.data = body, .response = HTTPURLResponse{.statusCode = status}};
   });
 }
 

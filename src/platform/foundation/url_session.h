@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "platform/concurrency/task.h"
@@ -31,11 +32,12 @@ struct HTTPURLResponse {
   int statusCode = 0;
 };
 
-/// A complete HTTP response.
+/// A server's answer.
 struct URLAnswer {
-  /// The body, unchanged.
+  /// The whole body, unchanged; empty without a response.
   std::string data;
-  HTTPURLResponse response;
+  /// nullopt when the answer is not HTTP: its status line or a header is malformed.
+  std::optional<HTTPURLResponse> response;
 };
 
 /// Thread-safe. Any number of exchanges may be in progress.
@@ -45,12 +47,12 @@ class URLSession {
 
   virtual ~URLSession() = default;
 
-  /// Sends `request` and returns the complete response, whatever its status. Does not follow
-  /// redirects. Suspends during the exchange. Throws URLError when there is no complete response,
-  /// for example `timedOut` after the request's timeout, or `cancelled` when the task is cancelled
-  /// before or during the exchange. Supports http, https and http+unix. Sends nothing before the
-  /// server is verified: over https its certificate and name, over http+unix that its socket
-  /// belongs to this user or to root.
+  /// Sends `request` and returns the answer, whatever its status, or that it is not HTTP. Does not
+  /// follow redirects. Suspends during the exchange. Throws URLError when there is no complete
+  /// answer, for example `timedOut` after the request's timeout, or `cancelled` when the task is
+  /// cancelled before or during the exchange. Supports http, https and http+unix. Sends nothing
+  /// before the server is verified: over https its certificate and name, over http+unix that its
+  /// socket belongs to this user or to root.
   virtual Task<URLAnswer> data(URLRequest request) = 0;
 };
 

@@ -141,6 +141,18 @@ TEST_F(AnExtraction, FailsForEveryStatusExcept200) {
   }
 }
 
+TEST_F(AnExtraction, FailsLikeAWrongStatusWhenTheAnswerIsNotHTTP) {
+  phone_.session.willDo([](const URLRequest&) {
+    return platform::URLAnswer{.data = testkit::savedBody(), .response = std::nullopt};
+  });
+  try {
+    extract();
+    ADD_FAILURE() << "no error";
+  } catch (const NSError& error) {
+    EXPECT_STREQ(error.what(), R"(Error Domain=SMSExtraction Code=500 "Failed to extract SMS")");
+  }
+}
+
 TEST_F(AnExtraction, ThrowsTheErrorOfTheSessionUnchanged) {
   using Code = URLError::Code;
   for (const Code code :

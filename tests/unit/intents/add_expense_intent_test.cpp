@@ -84,7 +84,8 @@ TEST_F(AnAddedExpense, HasItsAmountFormattedAgainForTheDialog) {
   phone_.session.willAnswer(savedBody());
   phone_.session.willDo([](const platform::URLRequest&) {
     TestPhone::put(StoreKeys::currency, "USD");  // the app changes it while the queue drains
-    return platform::URLAnswer{.data = notSavedBody, .response = {.statusCode = 200}};
+    return platform::URLAnswer{.data = notSavedBody,
+                               .response = platform::HTTPURLResponse{.statusCode = 200}};
   });
   EXPECT_EQ(perform(), "Tracked $150.00 at Carrefour");
   EXPECT_THAT(phone_.notifications.told(),

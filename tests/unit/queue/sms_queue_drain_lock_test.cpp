@@ -8,6 +8,7 @@ namespace kivo {
 namespace {
 
 using namespace std::chrono_literals;
+using platform::HTTPURLResponse;
 using platform::URLAnswer;
 using platform::URLRequest;
 using ::testing::ElementsAre;
@@ -72,7 +73,7 @@ TEST_F(ADrain, OverwritesItemsThatAnotherRunEnqueuesMeanwhile) {
   phone_.session.willDo([](const URLRequest&) {
     SharedStore other = TestPhone::openStore();
     PendingSmsQueue::enqueue(queuedItem("new"), other);
-    return URLAnswer{.data = notSavedBody, .response = {.statusCode = 200}};
+    return URLAnswer{.data = notSavedBody, .response = HTTPURLResponse{.statusCode = 200}};
   });
   drain();
   EXPECT_THAT(queued(), IsEmpty());
@@ -137,7 +138,7 @@ TEST_F(ADrain, LosesItsLockWhenItRunsLongerThanThirtySeconds) {
       phone_.clock.advance(duration);
       SharedStore other = TestPhone::openStore();
       taken.push_back(SmsQueueDrainer::tryAcquireLock(other));
-      return URLAnswer{.data = notSavedBody, .response = {.statusCode = 200}};
+      return URLAnswer{.data = notSavedBody, .response = HTTPURLResponse{.statusCode = 200}};
     });
   }
   drain();

@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -23,17 +22,14 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
-#include <boost/beast/http/error.hpp>
 #include <boost/beast/http/message.hpp>
-#include <boost/beast/http/parser.hpp>
-#include <boost/beast/http/read.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
 
 #include "platform/foundation/errors.h"
 #include "platform/linux/http/host_lookup.h"
+#include "platform/linux/http/http_answer.h"
 #include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/http/server_trust.h"
 #include "platform/linux/http/socket_owner.h"
@@ -51,24 +47,6 @@ using platform::URLRequest;
 using Code = URLError::Code;
 
 namespace {
-
-constexpr int mostInterimAnswers = 16;
-constexpr std::uint32_t longestHeader = 64U << 10U;
-constexpr std::uint64_t longestBody = 1U << 20U;
-// Room for unparsed bytes: a header block, or one read of a body.
-constexpr std::size_t readBuffer = longestHeader << 1U;
-
-Code answerFailure(const error_code& error) {
-  if (error == http::error::header_limit || error == http::error::body_limit ||
-      error == http::error::buffer_overflow) {
-    return Code::dataLengthExceedsMaximum;
-  }
-  static const auto& httpErrors = make_error_code(http::error::bad_value).category();
-  const bool cutShort =
-      error == http::error::end_of_stream || error == http::error::partial_message;
-  return error.category() == httpErrors && !cutShort ? Code::badServerResponse
-                                                     : Code::networkConnectionLost;
-}
 
 /// One request and its response. The steps run as their own task on the strand of the caller's
 /// task. The caller waits for `limit` only, so that timeout and cancellation are handled in one
@@ -94,10 +72,8 @@ class Exchange {
       co_await self->steps();
     } catch (const URLError& error) {
       self->failure = error;
-    } catch (const boost::system::system_error& error) {
-      self->failure = self->failureFrom(error.code());
     } catch (const std::exception&) {
-      self->failure = URLError(self->stage_);
+      self->failure = self->stageFailure();
     }
     self->ended = true;
     self->limit.cancel();
@@ -197,8 +173,7 @@ class Exchange {
     requireOwnPeer(local_.socket().native_handle());
   }
 
-  URLError failureFrom(const error_code& error) {
-    if (stage_ == Code::networkConnectionLost) return URLError(answerFailure(error));
+  [[nodiscard]] URLError stageFailure() {
     const long verified = stage_ == Code::secureConnectionFailed
                               ? SSL_get_verify_result(secured_->native_handle())
                               : X509_V_OK;
@@ -226,28 +201,12 @@ class Exchange {
     return message;
   }
 
-  /// Sends the request and reads the answer, past the interim ones.
   template <typename Stream>
   Task<void> transfer(Stream& stream) {
     stage_ = Code::networkConnectionLost;
     const auto sent = message();
     co_await http::async_write(stream, sent, asio::use_awaitable);
-    beast::flat_buffer buffer(readBuffer);
-    std::optional<http::response_parser<http::string_body>> parser;
-    for (int answers = 0; !parser || parser->get().result_int() / 100 == 1; ++answers) {
-      if (answers > mostInterimAnswers) throw URLError(Code::badServerResponse);
-      parser.emplace();
-      parser->header_limit(longestHeader);
-      parser->body_limit(longestBody);
-      const std::size_t header =
-          co_await http::async_read_header(stream, buffer, *parser, asio::use_awaitable);
-      // The parser's own limit holds for the status line and for the fields, one by one.
-      if (header > longestHeader) throw URLError(Code::dataLengthExceedsMaximum);
-    }
-    co_await http::async_read(stream, buffer, *parser, asio::use_awaitable);
-    const auto status = static_cast<int>(parser->get().result_int());
-    if (status < 200) throw URLError(Code::badServerResponse);
-    answer = URLAnswer{.data = std::move(parser->get().body()), .response = {.statusCode = status}};
+    answer = co_await readAnswer(stream);
   }
 
   URLRequest request_;

@@ -56,6 +56,11 @@ void remember(const ExchangeOutcome& outcome) {
 
 }  // namespace
 
+ExchangeOutcome outcomeOf(const platform::URLAnswer& answer) {
+  if (answer.response) return answer.response->statusCode;
+  return platform::URLError(platform::URLError::Code::badServerResponse);
+}
+
 platform::Task<platform::URLAnswer> RememberingURLSession::data(platform::URLRequest request) {
   std::optional<platform::URLError> failure;
   platform::URLAnswer answer;
@@ -64,7 +69,7 @@ platform::Task<platform::URLAnswer> RememberingURLSession::data(platform::URLReq
   } catch (const platform::URLError& error) {
     failure = error;
   }
-  remember(failure ? ExchangeOutcome(*failure) : answer.response.statusCode);
+  remember(failure ? *failure : outcomeOf(answer));
   if (failure) throw *failure;
   co_return answer;
 }

@@ -15,6 +15,9 @@ namespace kivo::linux_platform {
 /// The outcome of an exchange: the HTTP status, or the error when there was no response.
 using ExchangeOutcome = std::variant<int, platform::URLError>;
 
+/// Returns the status of `answer`; badServerResponse when it is not HTTP.
+ExchangeOutcome outcomeOf(const platform::URLAnswer& answer);
+
 struct LastExchange {
   /// Rounded down to the second.
   platform::Moment endedAt;
