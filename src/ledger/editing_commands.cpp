@@ -91,26 +91,37 @@ int accept(const GivenParameters& parameters) {
   });
 }
 
-bool isConfirmed(const LedgerEntry& entry) {
-  std::cerr << EntryListing::details(entry) << "\nDelete this transaction? [y/N] " << std::flush;
+bool isConfirmed(const std::string& question) {
+  std::cerr << question << " [y/N] " << std::flush;
   std::string answer;
   if (!std::getline(std::cin, answer)) std::cerr << '\n';
   return answer == "y" || answer == "Y" || answer == "yes";
 }
 
+bool hasTerminal() { return isatty(STDIN_FILENO) == 1; }
+
 int remove(const GivenParameters& parameters) {
   const bool asks = !parameters.contains("--yes");
-  if (asks && isatty(STDIN_FILENO) != 1) {
+  if (asks && !hasTerminal()) {
     return fail("there is no terminal to ask at; --yes deletes without asking", exitBadUsage);
   }
   return withEntry(parameters, [asks](Book& book, const LedgerEntry& entry) {
-    if (asks && !isConfirmed(entry)) return fail("nothing was deleted");
+    if (asks && !isConfirmed(EntryListing::details(entry) + "\nDelete this transaction?")) {
+      return fail("nothing was deleted");
+    }
     book.remove(entry.id);
     return print("Deleted.\n");
   });
 }
 
-int forgetTexts(const GivenParameters&) {
+int forgetTexts(const GivenParameters& parameters) {
+  const bool asks = !parameters.contains("--yes");
+  if (asks && !hasTerminal()) {
+    return fail("there is no terminal to ask at; --yes forgets without asking", exitBadUsage);
+  }
+  if (asks && !isConfirmed("Remove the texts of all messages from the book, for ever?")) {
+    return fail("nothing was forgotten");
+  }
   return withBook([](Book& book) {
     const std::int64_t count = book.forgetTexts();
     return print("Forgot " + std::to_string(count) + (count == 1 ? " text.\n" : " texts.\n"));
@@ -167,7 +178,10 @@ std::vector<linux_platform::Command> editingCommands() {
        "Delete a transaction, after asking",
        {id, {"--yes", "Delete it without asking", ParameterKind::flag}},
        remove},
-      {"forget-texts", "Remove the texts of all messages from the book", {}, forgetTexts},
+      {"forget-texts",
+       "Remove the texts of all messages from the book, after asking",
+       {{"--yes", "Remove them without asking", ParameterKind::flag}},
+       forgetTexts},
       {"rate",
        "Show or set what one unit of a foreign currency is worth",
        {{"CURRENCY", "The currency's code, as USD", optional},

@@ -16,6 +16,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "ledger/private_folder.h"
+
 namespace kivo::ledger {
 
 using linux_platform::Descriptor;
@@ -24,6 +26,8 @@ namespace {
 
 // The first file descriptor of socket activation.
 constexpr int firstHandedOver = 3;
+
+constexpr std::string_view advice = "name a socket in a folder of your own by --socket";
 
 [[noreturn]] void fail(const std::filesystem::path& path, const std::string& what) {
   throw std::runtime_error(path.string() + " " + what);
@@ -76,25 +80,11 @@ void removeStale(const std::filesystem::path& path, const sockaddr_un& address) 
   unlink(path.c_str());
 }
 
-// Opens the folder of the socket, and creates it when it is missing. `create` locks it, so that
-// only one server at a time checks the socket file and creates its own.
-int openFolder(const std::filesystem::path& folder) {
-  std::error_code ignored;
-  std::filesystem::create_directories(folder, ignored);
-  const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (opened < 0) failForSystem(folder, errno);
-  return opened;
-}
-
-// A user who can write to the folder could replace our socket with another.
-void requirePrivate(int folder, const std::filesystem::path& path) {
-  struct stat found {};
-  if (fstat(folder, &found) != 0) failForSystem(path, errno);
-  const bool ours = found.st_uid == geteuid() || found.st_uid == 0;
-  const bool sticky = (found.st_mode & S_ISVTX) != 0;
-  if (!ours || ((found.st_mode & 0022) != 0 && !sticky)) {
-    fail(path, "is open to other users; name a socket in a folder of your own by --socket");
-  }
+// Only one server at a time checks the socket file and creates its own. Another user can lock a
+// shared folder as well, so the lock is not waited for.
+void lockFolder(int folder, const std::filesystem::path& path) {
+  if (flock(folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+  fail(path, "is locked by another program; try again, or " + std::string(advice));
 }
 
 }  // namespace
@@ -117,9 +107,8 @@ std::optional<ListeningSocket> ListeningSocket::handedOver() {
 ListeningSocket ListeningSocket::create(const std::filesystem::path& path) {
   const sockaddr_un address = addressOf(path);
   const std::filesystem::path parent = std::filesystem::absolute(path).parent_path();
-  const Descriptor folder(openFolder(parent));
-  requirePrivate(folder.number(), parent);
-  flock(folder.number(), LOCK_EX);
+  const Descriptor folder = openPrivateFolder(parent, advice);
+  lockFolder(folder.number(), parent);
   removeStale(path, address);
   ListeningSocket made(openSocket(), {});
   int error = made.descriptor_ < 0 ? errno : bindTo(made.descriptor_, address);

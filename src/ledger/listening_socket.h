@@ -18,11 +18,11 @@ class ListeningSocket {
   /// listening UNIX stream socket.
   static std::optional<ListeningSocket> handedOver();
 
-  /// Creates a socket (0600) at `path`, and the folders above it by the umask when they are
-  /// missing. Replaces a stale socket file, at which no server listens. Throws std::runtime_error
+  /// Creates a socket (0600) at `path`, in a folder that `openPrivateFolder` opens. Replaces a
+  /// stale socket file, at which no server listens. Waits for no lock. Throws std::runtime_error
   /// with one line when another server listens there, when another file exists at `path`, when the
-  /// folder belongs to a user other than this one or root, when others can write to it without the
-  /// sticky bit, when `path` is too long, and when the socket cannot be created.
+  /// folder is refused or another program has locked it, when `path` is too long, and when the
+  /// socket cannot be created.
   static ListeningSocket create(const std::filesystem::path& path);
 
   ListeningSocket(ListeningSocket&& other) noexcept;

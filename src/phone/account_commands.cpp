@@ -65,10 +65,10 @@ std::string shownBase(const std::string& base) {
   return LocalLedger::url() == base ? "the ledger on this machine" : base;
 }
 
-// Checks the backend at `base`; has the service manager start the ledger when that does not answer.
+// Checks the backend at `base`; has the service manager start the ledger where that would help.
 BackendFindings findStarted(const std::string& base) {
   BackendFindings findings = BackendCheck::find(base);
-  if (findings.answers() || LocalLedger::url() != base) return findings;
+  if (!findings.ledgerIsToStart) return findings;
   LocalLedger::startSocket();
   return BackendCheck::find(base);
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "extraction/sms_extraction_client.h"
+#include "phone/local_ledger.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/http/http_url_session.h"
 
@@ -62,7 +63,10 @@ BackendFindings BackendCheck::find(const std::string& base) {
   HTTPURLSession session;
   linux_platform::TaskExecutor executor(1);
   executor.perform(ask(&session, SMSExtractionClient::endpoint(base).value(), &outcome));
-  return {.base = base, .outcome = std::move(outcome)};
+  const bool failed = std::holds_alternative<URLError>(outcome);
+  return {.base = base,
+          .outcome = std::move(outcome),
+          .ledgerIsToStart = failed && LocalLedger::url() == base && LocalLedger::isToStart()};
 }
 
 std::vector<std::string> BackendCheck::sentences(const BackendFindings& findings) {
@@ -78,7 +82,7 @@ std::vector<std::string> BackendCheck::sentences(const BackendFindings& findings
     sentences.push_back("The backend cannot be reached now: " +
                         std::get<URLError>(findings.outcome).localizedDescription() +
                         ". Messages wait until it can.");
-    if (url.scheme == "http+unix") {
+    if (findings.ledgerIsToStart) {
       sentences.emplace_back(
           "systemctl --user start kivo-ledger.socket starts it, or kivo-ledger serve by hand.");
     }

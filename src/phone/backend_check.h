@@ -15,6 +15,9 @@ struct BackendFindings {
   std::string base;
   /// The outcome of a GET of the extraction endpoint.
   linux_platform::ExchangeOutcome outcome;
+  /// Whether the backend is the ledger on this machine, and starting its socket would help: the
+  /// socket is missing or refuses connections.
+  bool ledgerIsToStart = false;
 
   [[nodiscard]] bool answers() const { return outcome.index() == 0; }
 };
@@ -26,7 +29,8 @@ namespace BackendCheck {
 BackendFindings find(const std::string& base);
 
 /// Describes `findings` in sentences: whether the endpoint answers, what is wrong with host,
-/// connection or certificate, and whether messages would cross a network unencrypted.
+/// connection or certificate, how to start the ledger where that would help, and whether messages
+/// would cross a network unencrypted.
 std::vector<std::string> sentences(const BackendFindings& findings);
 
 }  // namespace BackendCheck

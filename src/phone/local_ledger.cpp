@@ -5,6 +5,7 @@
 
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/http/http_endpoint.h"
+#include "platform/linux/http/unix_socket.h"
 #include "platform/linux/process/child_process.h"
 
 namespace kivo {
@@ -22,6 +23,11 @@ bool LocalLedger::isSignedIn(const SharedStore& store) {
 
 std::filesystem::path LocalLedger::program() {
   return linux_platform::programFolder() / "kivo-ledger";
+}
+
+bool LocalLedger::isToStart() {
+  const auto socket = linux_platform::localBackendSocket();
+  return socket && linux_platform::lacksServer(socket->string());
 }
 
 void LocalLedger::startSocket() {

@@ -18,6 +18,9 @@ bool isSignedIn(const SharedStore& store);
 /// Returns the path of kivo-ledger, which is installed beside this program.
 std::filesystem::path program();
 
+/// Returns whether no server listens at the socket: it is missing or refuses connections.
+bool isToStart();
+
 /// Asks the user's service manager to listen on the socket, for a session that is older than the
 /// installation. Blocks for at most 5 s. Does nothing without a service manager or without the
 /// unit.

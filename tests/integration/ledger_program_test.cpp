@@ -259,7 +259,7 @@ TEST_F(ALedger, ShowsATable) {
   EXPECT_EQ(json({"list", "--to", "2026-11-21", "--search", "carrefour"}).size(), 2U);
   EXPECT_EQ(json({"list", "--category", "groceries"})[0]["possible_duplicate_of"], "1");
   EXPECT_EQ(shown({"delete", "2", "--yes"}), "Deleted.\n");
-  EXPECT_EQ(shown({"forget-texts"}), "Forgot 1 text.\n");
+  EXPECT_EQ(shown({"forget-texts", "--yes"}), "Forgot 1 text.\n");
   EXPECT_EQ(json({"list"}).size(), 1U);
 }
 

@@ -267,7 +267,7 @@ TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
                 "--amount has to be one number of the message, as it is there");
   expectFailure({"teach", "1", "--kind", "expense", "--amount", "20.00", "--payee", "Moon"}, 1,
                 "--payee has to be a part of the message, as it is there");
-  run({"forget-texts"});
+  run({"forget-texts", "--yes"});
   expectFailure({"teach", "1", "--kind", "none"}, 1,
                 "the text of 1 was forgotten; `kivo-ledger teach -` takes it from standard input");
   EXPECT_FALSE(std::filesystem::exists(file()));

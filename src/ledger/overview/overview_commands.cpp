@@ -2,7 +2,7 @@
 
 #include <filesystem>
 #include <functional>
-#include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "ledger/book_file.h"
@@ -61,25 +61,37 @@ int writeReport(const std::string& page, const std::filesystem::path& path) {
   return print(linux_platform::forStandardOutput(path.string()) + "\n");
 }
 
+// Chooses the file to write. Returns an exit status, 0 when there is one.
+int choosePlace(const GivenParameters& parameters, std::filesystem::path& place) {
+  if (const auto output = parameters.find("--output"); output != parameters.end()) {
+    place = output->second;
+    return place.filename().empty() ? failFor("--output", place.string(), "the name of a file") : 0;
+  }
+  try {
+    const auto usual = ReportFile::usualPlace();
+    if (!usual) return fail("XDG_RUNTIME_DIR is not set; name a file by --output", exitBadUsage);
+    place = *usual;
+    return 0;
+  } catch (const std::runtime_error& refused) {
+    return fail(linux_platform::escapedControls(refused.what()));
+  }
+}
+
 int report(const GivenParameters& parameters) {
-  const auto output = parameters.find("--output");
-  const auto path = output == parameters.end()
-                        ? ReportFile::usualPlace()
-                        : std::optional<std::filesystem::path>(output->second);
-  if (!path) return fail("XDG_RUNTIME_DIR is not set; name a file by --output", exitBadUsage);
-  if (path->filename().empty()) return failFor("--output", path->string(), "the name of a file");
+  std::filesystem::path path;
+  if (const int failed = choosePlace(parameters, path); failed != 0) return failed;
   std::string page;
   int status =
       withMonth(parameters, [&](const Book& book, const auto& month, const auto& currency) {
         page = reportPage(readReport(book, month, currency));
         return 0;
       });
-  if (status == 0) status = writeReport(page, *path);
+  if (status == 0) status = writeReport(page, path);
   if (status != 0 || parameters.contains("--no-open")) return status;
-  const std::string failure = ReportFile::open(*path);
+  const std::string failure = ReportFile::open(path);
   if (failure.empty()) return 0;
   return fail("the report is written but not opened: " + failure + "; open " +
-              linux_platform::escapedControls(path->string()) + " in a browser");
+              linux_platform::escapedControls(path.string()) + " in a browser");
 }
 
 }  // namespace

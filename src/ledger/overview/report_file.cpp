@@ -1,8 +1,8 @@
 #include "ledger/overview/report_file.h"
 
 #include <chrono>
-#include <system_error>
 
+#include "ledger/private_folder.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/process/detached_programs.h"
 
@@ -15,10 +15,9 @@ constexpr std::chrono::seconds openingLimit(5);
 }  // namespace
 
 std::optional<std::filesystem::path> ReportFile::usualPlace() {
-  auto folder = linux_platform::runtimeFolder();
+  const auto folder = linux_platform::runtimeFolder();
   if (!folder) return std::nullopt;
-  std::error_code shownByWrite;
-  std::filesystem::create_directories(*folder, shownByWrite);
+  openPrivateFolder(*folder, "name a file by --output");
   return *folder / "report.html";
 }
 

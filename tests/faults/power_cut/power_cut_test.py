@@ -234,7 +234,7 @@ class APowerCut(unittest.TestCase):
         recording = self.phone.record()
         ledger = [PROGRAMS / "kivo-ledger"]
         recording.run(ledger + ["delete", "--yes", "3"], env=self.phone.environment)
-        recording.run(ledger + ["forget-texts"], env=self.phone.environment)
+        recording.run(ledger + ["forget-texts", "--yes"], env=self.phone.environment)
         recording.run(ledger + ["edit", "5", "--category", "Food"], env=self.phone.environment)
         self.expect_kept(recording, store=LEDGER)
         # The test can see that: without the last syncs, a text comes back and no note says so.

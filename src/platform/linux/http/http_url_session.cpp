@@ -32,7 +32,7 @@
 #include "platform/linux/http/http_answer.h"
 #include "platform/linux/http/http_endpoint.h"
 #include "platform/linux/http/server_trust.h"
-#include "platform/linux/http/socket_owner.h"
+#include "platform/linux/http/unix_socket.h"
 
 namespace kivo::linux_platform {
 namespace asio = boost::asio;
