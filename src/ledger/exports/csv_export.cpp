@@ -2,19 +2,42 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <initializer_list>
 #include <string_view>
+
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
 
 namespace kivo::ledger {
 namespace {
 
-// Spreadsheets run a cell that begins with one of these, some after blanks or in full width.
+// Spreadsheets run a cell that begins with one of these, some in full width or after characters
+// that they drop.
 constexpr std::array<std::string_view, 8> formulaSigns = {"=",  "+",  "-",  "@",
                                                           "＝", "＋", "－", "＠"};
 
+bool isBlankOrInvisible(UChar32 character) {
+  constexpr std::uint32_t categories =
+      U_GC_ZS_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK | U_GC_CC_MASK | U_GC_CF_MASK;
+  return character >= 0 && (U_GET_GC_MASK(character) & categories) != 0;
+}
+
+// `text` (UTF-8) from its first character that is visible and no apostrophe.
+std::string_view visiblePart(std::string_view text) {
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  const auto size = static_cast<std::int64_t>(text.size());
+  std::int64_t begin = 0;
+  for (std::int64_t end = 0; end < size; begin = end) {
+    UChar32 character = 0;
+    U8_NEXT(bytes, end, size, character);
+    if (character != '\'' && !isBlankOrInvisible(character)) break;
+  }
+  return text.substr(static_cast<std::size_t>(begin));
+}
+
 std::string withoutFormula(const std::string& text) {
-  const std::string_view rest =
-      std::string_view(text).substr(std::min(text.find_first_not_of("' \t\r\n"), text.size()));
+  const std::string_view rest = visiblePart(text);
   const bool isFormula = std::any_of(formulaSigns.begin(), formulaSigns.end(),
                                      [&](std::string_view sign) { return rest.starts_with(sign); });
   return isFormula ? "'" + text : text;

@@ -53,8 +53,19 @@ TEST(ACsvExport, PutsAnApostropheBeforeAFormula) {
   }
   EXPECT_EQ(recordOf(" \t=A1"), around("\"' \t=A1\""));
   EXPECT_EQ(recordOf("'=A1"), around("''=A1"));
+  EXPECT_EQ(recordOf("\u00a0 \u200b'=A1"), around("'\u00a0 \u200b'=A1"));
   EXPECT_EQ(recordOf("'A1"), around("'A1"));
   EXPECT_EQ(recordOf("a=b"), around("a=b"));
+}
+
+TEST(ACsvExport, PutsAnApostropheBeforeAFormulaBehindInvisibleCharacters) {
+  for (const char* const lead :
+       {"\u00a0", "\u3000", "\u2028", "\u2029", "\ufeff", "\u200b", "\u00ad", "\u202e", "\x01",
+        "\v", "\f", "\x7f", "\u0085", "\U000e0020"}) {
+    const std::string text = lead + std::string("@A1");
+    EXPECT_EQ(recordOf(text), around("'" + text)) << text;
+    EXPECT_EQ(recordOf(lead + std::string("A1")), around(lead + std::string("A1")));
+  }
 }
 
 }  // namespace
