@@ -16,14 +16,15 @@ ARROWS = {
     "queue": {"extraction", "feedback", "store", "platform"},
     "feedback": {"store", "platform"},
     "store": {"platform"},
+    "names": set(),
     "platform": set(),
     "platform/linux": {"platform"},
-    "notification_center": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
-    "sms_watcher": {"store", "queue", "extraction", "feedback", "platform", "platform/linux"},
-    "phone": {"sms_watcher", "store", "queue", "extraction", "feedback", "platform", "platform/linux"},
-    "ledger/recognition": set(),
-    "ledger": {"ledger/recognition", "store", "extraction", "feedback", "platform", "platform/linux"},
-    "demo": {"ledger/recognition", "store", "platform", "platform/linux"},
+    "notification_center": {"store", "queue", "extraction", "feedback", "names", "platform", "platform/linux"},
+    "sms_watcher": {"store", "queue", "extraction", "feedback", "names", "platform", "platform/linux"},
+    "phone": {"sms_watcher", "store", "queue", "extraction", "feedback", "names", "platform", "platform/linux"},
+    "ledger/recognition": {"names"},
+    "ledger": {"ledger/recognition", "names", "store", "extraction", "feedback", "platform", "platform/linux"},
+    "demo": {"ledger/recognition", "names", "store", "platform", "platform/linux"},
 }
 
 # Within a room, its folders -> its folders that they may include. None leads in a circle.

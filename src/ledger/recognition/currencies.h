@@ -18,7 +18,7 @@ struct Currency {
 
 /// A sign or word for money, such as "Rs", with all currencies that it may mean.
 struct CurrencyWord {
-  /// In folded spelling, cut into items by blanks: "ج . م".
+  /// Cut into items by blanks: "ج . م".
   std::string_view items;
   /// Codes separated by blanks, the likeliest first.
   std::string_view codes;

@@ -5,6 +5,7 @@
 #include <cctype>
 
 #include "ledger/recognition/spelling.h"
+#include "names/name_fold.h"
 
 namespace kivo::ledger {
 namespace {
@@ -104,8 +105,10 @@ Item itemAt(std::string_view text, std::size_t begin) {
     item.text = text.substr(begin, item.end - begin);
   } else if (isLetter(character)) {
     item.end = endOfWord(text, begin);
-    item.text = foldedForm(text.substr(begin, item.end - begin));
-    item.capitals = isCapitals(text.substr(begin, item.end - begin));
+    const std::string_view word = text.substr(begin, item.end - begin);
+    item.text = names::foldedName(word);
+    if (item.text.empty()) item.text = word;  // of invisible characters or accents only
+    item.capitals = isCapitals(word);
   } else {
     item.kind = Item::Kind::mark;
     item.end = begin + character.size();

@@ -56,7 +56,7 @@ struct Reading {
 /// Reads `text` (UTF-8; its first 4096 bytes count) for a book kept in `bookCurrency` (ISO 4217).
 /// An ambiguous sign such as "$" or "Rs" is the book's currency where that uses it. A sum in
 /// another currency yields `needsReview` with its own currency. Time is linear in the length of the
-/// text; never throws but for want of memory. Thread-safe.
+/// text. Throws only what `foldedName` throws, and for want of memory. Thread-safe.
 Reading read(std::string_view text, std::string_view bookCurrency);
 
 /// Reads as `read` does, but by `wordings` instead of all.

@@ -1,4 +1,4 @@
-// One spelling for what banks write in many: digits, blanks, letter variants. Knows no words.
+// One spelling for what banks write in many: digits, blanks, separators. Knows no words.
 #pragma once
 
 #include <string>
@@ -9,9 +9,6 @@ namespace kivo::ledger {
 /// `text` (UTF-8) with Western digits and separators for those of other scripts, plain blanks for
 /// wide and narrow ones, and without marks of writing direction and stretched Arabic letters.
 std::string readableForm(std::string_view text);
-
-/// `word` for comparing: small letters without accents, Arabic letters without variants.
-std::string foldedForm(std::string_view word);
 
 /// The length in bytes of the UTF-8 character at the front of `text`, at least 1 and at most the
 /// text's own length; 0 for an empty text.

@@ -17,11 +17,7 @@ using Words = std::vector<std::pair<std::vector<std::string>, std::string_view>>
 
 std::vector<std::string> split(std::string_view text) {
   std::vector<std::string> words;
-  while (!text.empty()) {
-    const std::size_t blank = std::min(text.find(' '), text.size());
-    words.emplace_back(text.substr(0, blank));
-    text.remove_prefix(std::min(blank + 1, text.size()));
-  }
+  for (Item& item : itemsOf(text)) words.push_back(std::move(item.text));
   return words;
 }
 

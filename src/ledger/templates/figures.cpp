@@ -6,8 +6,8 @@
 
 #include "ledger/recognition/message_items.h"
 #include "ledger/recognition/number_pieces.h"
-#include "ledger/recognition/spelling.h"
 #include "ledger/templates/message_pattern.h"
+#include "names/name_fold.h"
 
 namespace kivo::ledger {
 namespace {
@@ -41,7 +41,7 @@ bool isDayOrHalf(std::string_view word) {
        "tue",      "tues",     "wed",       "thu",      "thur",   "thurs",    "fri",    "sat",
        "sun",      "am",       "pm",        "a.m",      "p.m",    "السبت",    "الاحد",  "الاثنين",
        "الثلاثاء", "الاربعاء", "الخميس",    "الجمعه",   "ص",      "م",        "صباحا",  "مساء"});
-  return std::find(known.begin(), known.end(), foldedForm(word)) != known.end();
+  return std::find(known.begin(), known.end(), names::foldedName(word)) != known.end();
 }
 
 std::vector<Word> wordsOf(std::string_view part) {
