@@ -77,10 +77,13 @@ std::optional<Money> moneyOf(const Sum& sum, std::string_view bookCurrency) {
 }
 
 std::string categoryOf(const Movement& naming, const std::string& payee) {
-  const bool fixed = naming.kind != Kind::expense || payee.empty();
-  const std::string_view byName = fixed ? std::string_view() : merchantCategory(payee);
-  if (!byName.empty()) return std::string(byName);
-  return std::string(naming.category.empty() ? "Other" : naming.category);
+  // Cash is cash wherever the machine is, in a mall or at a petrol station.
+  const bool fixed = naming.kind != Kind::expense || payee.empty() || naming.category == "Cash";
+  std::string_view category = fixed                           ? std::string_view()
+                              : naming.category == "Transfer" ? recipientCategory(payee)
+                                                              : merchantCategory(payee);
+  if (category.empty()) category = naming.category;
+  return std::string(category.empty() ? "Other" : category);
 }
 
 // The movement that the message reports; null for none.
