@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Tries a Debian package of Kivo on real desktops, in a Debian 12 of their own, as an ordinary user.
 
-    desktops_check.py PACKAGE.deb [gnome_shell_test|phosh_test]...    all without a name
+    desktops_check.py PACKAGE.deb [gnome_shell_test|phosh_test|chatty_test]...    all without a name
 
 Pictures and, where something failed, logs are then in build/desktops/. The system with the desktops is kept in
 build/clean-root/ for a week. Needs root and mounts; exit status 77 where they are missing.
@@ -23,7 +23,7 @@ PACKAGES = """
     at-spi2-core dbus desktop-file-utils gir1.2-webkit2-4.1 libfile-mimeinfo-perl librsvg2-common xdg-utils
     fonts-cantarell fonts-dejavu-core fonts-noto-color-emoji python3-dbus python3-gi
 """
-TESTS = ("gnome_shell_test", "phosh_test")
+TESTS = ("gnome_shell_test", "phosh_test", "chatty_test")
 SECONDS = 180  # for all of them
 FOUND = TREE / "build/desktops"
 
@@ -44,13 +44,15 @@ def archive():
     return ARCHIVE
 
 
-def furnish(root, package):
-    """Kivo, the tests, and a folder that alice may write; and the bus of the system, without a service manager."""
+def desktops(stack, package):
+    """The system with Kivo and the tests, until the end of `stack`; and with its bus, without a service manager."""
+    root = stack.enter_context(contextlib.closing(CleanRoot(made_of=archive())))
     shutil.copy(package, root.folder / "kivo.deb")
     root.root("apt-get install -qq --no-install-recommends /kivo.deb")
     shutil.copytree(TREE / "tests", root.folder / "srv/kivo/tests")
     root.root("chmod -R a+rX /srv/kivo && install -d -o alice /srv/kivo/kept"
               " && mkdir -p /run/dbus && dbus-daemon --system --fork")
+    return root
 
 
 def try_out(root, test, end):
@@ -69,11 +71,10 @@ def main(package, *names):
     with contextlib.ExitStack() as stack:
         begin = time.monotonic()
         try:
-            root = stack.enter_context(contextlib.closing(CleanRoot(made_of=archive())))
+            root = desktops(stack, package)
         except CannotBeMade as reason:
             print(f"desktops: not tried: {reason}")
             sys.exit(77)
-        furnish(root, package)
         ready = time.monotonic()
         failed = [test for test in names or TESTS if not try_out(root, test, ready + SECONDS)]
         shutil.rmtree(FOUND, ignore_errors=True)

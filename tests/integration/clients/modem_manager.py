@@ -74,10 +74,14 @@ class Modem(dbus.service.Object):
         self.messages = []
         super().__init__(bus, self.path)
 
+    def messaging(self):
+        return dbus.Dictionary({"Messages": dbus.Array(self.messages, "o")}, "sv")
+
     def interfaces(self):
-        paths = dbus.Array([dbus.ObjectPath(one) for one in self.messages], "o")
-        return {NAME + ".Modem": dbus.Dictionary({}, "sv"),
-                MESSAGING: dbus.Dictionary({"Messages": paths}, "sv")}
+        return {NAME + ".Modem": dbus.Dictionary({}, "sv"), MESSAGING: self.messaging()}
+
+    def has_changed(self):
+        self.PropertiesChanged(MESSAGING, self.messaging(), dbus.Array([], "s"))
 
     @dbus.service.method(MESSAGING, "", "ao", async_callbacks=("reply", "error"))
     def List(self, reply, error):
@@ -86,9 +90,21 @@ class Modem(dbus.service.Object):
     @dbus.service.method(MESSAGING, "o", "")
     def Delete(self, path):
         calls.append(f"Delete {path}")
+        self.messages.remove(path)
+        messages.pop(path.rsplit("/", 1)[-1]).remove_from_connection()
+        self.has_changed()
+        self.Deleted(path)
 
     @dbus.service.signal(MESSAGING, "ob")
     def Added(self, path, received):
+        pass
+
+    @dbus.service.signal(MESSAGING, "o")
+    def Deleted(self, path):
+        pass
+
+    @dbus.service.signal(PROPERTIES, "sa{sv}as")
+    def PropertiesChanged(self, interface, changed, invalidated):
         pass
 
 
@@ -115,6 +131,7 @@ class Manager(dbus.service.Object):
         message = Message(self.bus, properties)
         messages[properties["path"]] = message
         modems[modem].messages.append(dbus.ObjectPath(message.path))
+        modems[modem].has_changed()
         return message
 
     def add_modem(self, number, its_messages):
