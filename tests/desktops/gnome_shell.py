@@ -96,3 +96,15 @@ class GnomeShell:
 
     def types_into_a_window(self):
         return self.evaluate("Boolean(global.display.focus_window)")
+
+    def window_place(self):
+        """Of the window that has the keyboard, without its shadow."""
+        return self.evaluate("(({x, y, width, height}) => [x, y, width, height])"
+                             "(global.display.focus_window.get_frame_rect())")
+
+    def resize_window(self, width, height):
+        self.evaluate(f"global.display.focus_window.move_resize_frame(true, 100, 100, {width}, {height})")
+
+    def close_window(self):
+        self.evaluate("global.display.focus_window.delete(global.get_current_time())")
+        wait_for(lambda: not self.windows(), "the window is closed")
