@@ -61,13 +61,13 @@ std::string ownAccount(const Items& items, std::span<const Found> found, Kind ki
     if (!digits.empty()) return digits;
   }
   for (const Found& wording : found) {
-    if (wording.meaning != Meaning::own && wording.meaning != Meaning::ends) continue;
+    if (wording.meaning != Meaning::own) continue;
     std::string digits = digitsBehind(items, wording.end);
     if (digits.empty()) continue;
     const std::string before = wording.begin == 0 ? "" : items[wording.begin - 1].text;
     const bool other = kind == Kind::income ? before == "from" : before == "to";
-    if (wording.meaning == Meaning::own && !other && !digits.empty()) return digits;
-    if (first.empty() && wording.meaning == Meaning::own) first = digits;
+    if (!other) return digits;
+    if (first.empty()) first = digits;
   }
   if (!first.empty()) return first;
   for (std::size_t at = 0; at + 1 < items.size(); ++at) {  // "x7477", "**1234"

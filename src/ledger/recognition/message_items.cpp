@@ -44,7 +44,7 @@ bool isIdeograph(std::string_view character) {
 }
 
 // The end of the number at `begin`: digits, and separators between them. A separator before a date
-// ("5000.00,21-11-2026") is none of it.
+// ("5000.00,21-11-2026") is not part of it.
 std::size_t endOfNumber(std::string_view text, std::size_t begin) {
   const auto endOfDigits = [text](std::size_t at) {
     while (at < text.size() && isDigit(text[at])) ++at;
@@ -84,13 +84,6 @@ bool isCapitals(std::string_view word) {
   return std::all_of(word.begin(), word.end(), [](char character) {
     return character == '\'' || (character >= 'A' && character <= 'Z');
   });
-}
-
-// A point in front of digits begins a number (".93") unless it belongs to a word or number before.
-bool beginsFraction(std::string_view text, std::size_t at) {
-  return text[at] == '.' && at + 1 < text.size() && isDigit(text[at + 1]) &&
-         (at == 0 || text[at - 1] == ' ' || text[at - 1] == '\n' || text[at - 1] == '-' ||
-          text[at - 1] == '$');
 }
 
 Item itemAt(std::string_view text, std::size_t begin) {
@@ -137,6 +130,11 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
 }
 
 }  // namespace
+
+bool beginsFraction(std::string_view readable, std::size_t at) {
+  return readable[at] == '.' && at + 1 < readable.size() && isDigit(readable[at + 1]) &&
+         (at == 0 || std::string_view(" \n-$").find(readable[at - 1]) != std::string_view::npos);
+}
 
 bool isMark(const Item& item, std::string_view marks) {
   return item.kind == Item::Kind::mark && item.text.size() == 1 &&

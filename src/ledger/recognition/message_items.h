@@ -46,6 +46,10 @@ using Items = std::vector<Item>;
 /// Whether `item` is one of the ASCII `marks`.
 bool isMark(const Item& item, std::string_view marks);
 
+/// Whether the character at `at` of `readable` is a point that begins a number such as ".93": it
+/// belongs to no word or number before.
+bool beginsFraction(std::string_view readable, std::size_t at);
+
 /// The items of `readable` (spelling.h), in order. Blanks separate and are no items.
 Items itemsOf(std::string_view readable);
 

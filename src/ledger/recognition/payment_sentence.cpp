@@ -31,8 +31,9 @@ std::optional<std::string> plainDecimal(std::string_view number) {
         std::from_chars(exponent.data(), exponent.data() + exponent.size(), shift);
     const bool whole = error == std::errc() && end == exponent.data() + exponent.size();
     if (!whole || shift > mostShifts || shift < -mostShifts) return std::nullopt;
-    if (shift < 0) plain.insert(0, static_cast<std::size_t>(-shift), '0');
-    if (shift > 0) {
+    if (shift < 0) {
+      plain.insert(0, static_cast<std::size_t>(-shift), '0');
+    } else {
       plain.append(static_cast<std::size_t>(shift), '0');
       point += static_cast<std::size_t>(shift);
     }

@@ -19,12 +19,6 @@ bool isSeparator(std::string_view text, std::size_t at) {
   return at < text.size() && separators.find(text[at]) != std::string_view::npos;
 }
 
-// ".93", but not the point of "Rs.93".
-bool beginsFraction(std::string_view text, std::size_t at) {
-  return at < text.size() && text[at] == '.' && isDigit(text, at + 1) &&
-         (at == 0 || std::string_view(" -$").find(text[at - 1]) != std::string_view::npos);
-}
-
 bool beginsNumber(std::string_view text, std::size_t at) {
   if (beginsFraction(text, at)) return true;
   if (!isDigit(text, at)) return false;
