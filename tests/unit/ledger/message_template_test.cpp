@@ -62,6 +62,15 @@ TEST(ATemplate, TakesAccountReferenceAndBalanceFromTheRules) {
   EXPECT_EQ(reading.balance, rules.balance);
 }
 
+TEST(ATemplate, TakesTheCategoryFromTheRulesForTheSamePayee) {
+  const std::string message = "Salary of EGP 900.00 from Nile Works credited to account 4821";
+  const auto categoryBy = [&message](const std::string& text) {
+    return readBy(taught(text, Kind::income), message).category;
+  };
+  EXPECT_EQ(categoryBy("Salary of EGP {amount} from {payee} credited to {any}"), "Salary");
+  EXPECT_EQ(categoryBy("Salary of EGP {amount} from Nile {payee} credited to {any}"), "Income");
+}
+
 TEST(ATemplate, LeavesASumInAForeignCurrencyToAPerson) {
   const MessageTemplate one = taught("Zap! {amount} USD gone", Kind::expense, "USD");
   const Reading reading = readBy(one, "Zap! 20 USD gone");

@@ -63,5 +63,14 @@ TEST(EachWording, HasOneMeaning) {
   }
 }
 
+TEST(AGapInAWording, SpansEightWordsOfOneSentence) {
+  const auto outcome = [](const std::string& gap) {
+    return read("Your refund of EGP 20.00 arrives in " + gap + " working days", "EGP").outcome;
+  };
+  EXPECT_EQ(outcome("1 2 3 4 5 6 7 8"), Outcome::notATransaction);
+  EXPECT_EQ(outcome("1 2 3 4 5 6 7 8 9"), Outcome::transaction);
+  EXPECT_EQ(outcome("3. Call"), Outcome::transaction);
+}
+
 }  // namespace
 }  // namespace kivo::ledger
