@@ -10,9 +10,9 @@ namespace kivo::ledger {
 struct Currency {
   std::string_view code;
   int minorDigits;
-  /// What a lone point before exactly three digits does in its countries: "5.000" is five thousand.
+  /// Whether its countries group thousands by a point: "5.000" is five thousand.
   bool pointGroups;
-  /// What a lone comma before exactly three digits does where three decimals are usual.
+  /// Whether its countries separate three decimals by a comma: "1,500" is one and a half.
   bool commaDecimal;
 };
 

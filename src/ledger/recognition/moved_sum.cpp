@@ -66,7 +66,7 @@ class Sums {
     }
     if (moved.empty()) moved = charges;
     dropUnsaid(moved);
-    // Where some sums have a currency, a bare number is none unless it is called an amount.
+    // Where some of these numbers have a currency, the ones without are not money.
     const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
     if (!std::all_of(moved.begin(), moved.end(), bare)) std::erase_if(moved, bare);
     if (!moved.empty()) choose(moved, result);

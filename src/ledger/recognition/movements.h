@@ -24,7 +24,7 @@ struct Movement {
   std::string_view category;
 };
 
-/// The movement that `meaning` stands for; null when it stands for none.
+/// The movement that `meaning` stands for, or null.
 const Movement* movementOf(Meaning meaning);
 
 /// The movement of a message with these wordings: the strongest, of equals the first. Null for

@@ -13,11 +13,12 @@ namespace kivo::ledger {
 std::string nameBetween(std::string_view readable, const Items& items, std::size_t begin,
                         std::size_t end);
 
-/// The piece of a narration such as "UPI/CR/42494/MEERA NAIR/Y" that is a name; empty for none.
+/// The piece of a narration such as "UPI/CR/42494/MEERA NAIR/Y" that is a name; empty when no piece
+/// is.
 std::string nameInNarration(std::string_view readable, const Items& items, std::size_t begin,
                             std::size_t end);
 
-/// Whether a narration uses `word` for the way of a payment, such as "upi" or "pos".
+/// Whether `word` names the channel of a payment in a narration, such as "upi" or "pos".
 bool isChannelWord(std::string_view word);
 
 /// `name` on one line, without quotes, blanks and marks around it, 60 bytes at most.

@@ -53,9 +53,9 @@ class Names {
     });
     for (const Found& wording : found_) {
       auto rank = rankOf(wording.meaning, wording.nameFollows || wording.namePrecedes, kind_);
-      constexpr int surest = 8;  // "spent on 20-Oct-26 on Web Bazaar"
+      constexpr int leastSure = 8;  // "spent on 20-Oct-26 on Web Bazaar"
       const std::string& word = items_[wording.begin].text;
-      if (wording.meaning == Meaning::ends && (word == "on" || word == "في")) rank = surest;
+      if (wording.meaning == Meaning::ends && (word == "on" || word == "في")) rank = leastSure;
       // Where money came, "at" is a branch, unless a shop gives it back.
       if (kind_ == Kind::income && wording.meaning == Meaning::at && !givesBack) rank.reset();
       if (!rank || *rank >= bestRank) continue;
@@ -164,7 +164,7 @@ class Names {
     if (isWordOf(
             at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
                  Meaning::limit, Meaning::charge, Meaning::code, Meaning::done})) {
-      // "Card Zone" and "Account Books" are names; "card 1234" and "account" are none.
+      // "Card Zone" and "Account Books" are names; "card 1234" and "account" are not.
       return false;
     }
     return true;

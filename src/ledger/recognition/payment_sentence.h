@@ -8,9 +8,9 @@
 
 namespace kivo::ledger {
 
-/// `text` as that sentence, its number a double's shortest text, exponent form included. An empty
-/// currency is the book's. Absent for any other text; `needsReview` for a number that is no sum in
-/// its currency or for another currency than the book's.
+/// Reads `text` as that sentence. Its number is the shortest text of a double, which may have an
+/// exponent; an empty currency is the book's. Absent for any other text; `needsReview` for a number
+/// that is no sum in its currency or for another currency than the book's.
 std::optional<Reading> paymentSentence(std::string_view text, std::string_view bookCurrency);
 
 }  // namespace kivo::ledger

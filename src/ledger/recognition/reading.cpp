@@ -99,7 +99,8 @@ const Movement* movementIn(const Items& items, const AllFound& found, const SumP
   }
   if (movement == nullptr) movement = movementByPlace(items, found);
   if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
-  // What begins with what is to come goes on about it: "Your bill is ready. Min payment ...".
+  // A message that opens with what is to come needs a verb to report a movement: "Your bill is
+  // ready. Min payment ..." has none.
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
   return begunToCome && !sure ? nullptr : movement;
 }
@@ -112,7 +113,8 @@ Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
           .category = "Other"};
 }
 
-// A transaction of `movement`, as if all of it were clear. `sums` have one that moved.
+// The transaction that the message reports as `movement`. The caller decides whether a person has
+// to look at it. `sums` have one that moved.
 Reading details(std::string_view readable, const Items& items, std::span<const Found> found,
                 const SumParts& sums, const Movement& movement, std::string_view bookCurrency) {
   const Movement& naming = namingMovement(found, movement);

@@ -22,8 +22,8 @@ struct StatedCurrency {
 };
 
 /// The longest currency word that ends in front of item `end` and does not begin before `taken`,
-/// for the number at `number`. One or two letters are a currency only where the book uses it,
-/// unless they are read nowhere else.
+/// for the number at `number`. One or two letters count only where they may mean the book's
+/// currency; two common ones such as "Rs" and "kr" always do.
 std::optional<StatedCurrency> currencyBefore(const Items& items, std::size_t end, std::size_t taken,
                                              std::size_t number, std::string_view book);
 
