@@ -87,7 +87,7 @@ const Step& stepBackOnline() {
                          "Tracked ",
                          {"💸 Expense Tracked", "💸 Expense Tracked", "💸 Expense Tracked"},
                          "0",
-                         "The widget's totals leave out what the queue sent."};
+                         "The widget's running total leaves out what the queue sent."};
   return step;
 }
 

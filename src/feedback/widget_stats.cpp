@@ -30,6 +30,18 @@ std::string WidgetStats::today() {
   return platform::DateFormatter{.dateFormat = "yyyy-MM-dd"}.string(platform::Date::now());
 }
 
+bool WidgetStats::anyIsCounted(const SharedStore& store) {
+  return readTotal(store, StoreKeys::todayTotal) != 0 ||
+         readTotal(store, StoreKeys::monthlyTotal) != 0 ||
+         readCount(store, StoreKeys::todayCount) != 0;
+}
+
+void WidgetStats::restart(SharedStore& store) {
+  store.writeText(StoreKeys::todayTotal, platform::doubleText(0));
+  store.writeText(StoreKeys::todayCount, platform::integerText(0));
+  store.writeText(StoreKeys::monthlyTotal, platform::doubleText(0));
+}
+
 void WidgetStats::recordExpense(SharedStore& store, double amount) {
   const std::string day = today();
   std::int64_t count = 1;

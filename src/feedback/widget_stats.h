@@ -1,4 +1,4 @@
-// Updates the totals that the home-screen widget shows. Does not reload the widget.
+// Updates and restarts the totals that the home-screen widget shows. Does not reload the widget.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +12,12 @@ namespace kivo::WidgetStats {
 /// zone; on a new day its total and count restart. Totals that cannot be parsed count as 0. Stops
 /// the process when the count would overflow.
 void recordExpense(SharedStore& store, double amount);
+
+/// Whether one of the totals or today's count in `store` is not zero.
+bool anyIsCounted(const SharedStore& store);
+
+/// Writes zero for both totals and today's count. Does not synchronize.
+void restart(SharedStore& store);
 
 /// Reads the figure under `key`; 0 when it is absent or cannot be parsed.
 double readTotal(const SharedStore& store, StoreKey key);

@@ -64,8 +64,10 @@ std::string monthName(std::string_view month) {
   return std::string(names.at(number - 1)) + " " + std::string(month.substr(0, 4));
 }
 
-std::string currentMonth() {
-  const platform::DateFormatter formatter{.dateFormat = "yyyy-MM", .locale = "en_US_POSIX"};
+std::string currentMonth() { return currentDay().substr(0, 7); }
+
+std::string currentDay() {
+  const platform::DateFormatter formatter{.dateFormat = "yyyy-MM-dd", .locale = "en_US_POSIX"};
   return formatter.string(platform::Date::now());
 }
 

@@ -26,7 +26,8 @@ int daysOf(std::string_view month);
 /// `month`, yyyy-MM, in words: "November 2026".
 std::string monthName(std::string_view month);
 
-/// The current month in the device's time zone, yyyy-MM.
+/// The current month and the current day in the device's time zone, yyyy-MM and yyyy-MM-dd.
 std::string currentMonth();
+std::string currentDay();
 
 }  // namespace kivo::ledger

@@ -1,12 +1,15 @@
 #include "phone/account_commands.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "extraction/sms_extraction_client.h"
 #include "feedback/amount_formatter.h"
+#include "feedback/widget_stats.h"
 #include "phone/backend_check.h"
 #include "phone/ledger_month.h"
 #include "phone/local_ledger.h"
@@ -16,10 +19,12 @@
 #include "platform/foundation/date.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/utf8.h"
+#include "platform/linux/bus/session_bus.h"
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
+#include "platform/linux/widget_kit/bus_widget_center.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
 
@@ -73,6 +78,11 @@ BackendFindings findStarted(const std::string& base) {
   return BackendCheck::find(base);
 }
 
+void reloadWidgets() {
+  linux_platform::SessionBus bus;
+  linux_platform::BusWidgetCenter(bus).reloadAllTimelines();
+}
+
 // What is wrong with the options of sign-in, if anything.
 std::optional<std::string> signInError(const GivenParameters& given) {
   const bool local = given.contains("--local");
@@ -92,6 +102,34 @@ std::optional<std::string> baseOf(const GivenParameters& given) {
   return std::nullopt;
 }
 
+bool areOneCurrency(std::string_view one, std::string_view other) {
+  constexpr auto small = [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  };
+  return std::ranges::equal(one, other, {}, small, small);
+}
+
+// Writes the currency. Returns a line about the widget's totals when they begin at zero, since sums
+// of two currencies cannot be added.
+std::string writeCurrency(SharedStore& store, const std::string& currency) {
+  const std::string before = AmountFormatter::currencyCode(store);
+  store.writeText(StoreKeys::currency, currency);
+  if (areOneCurrency(before, currency) || !WidgetStats::anyIsCounted(store)) return "";
+  WidgetStats::restart(store);
+  return forStandardOutput("The widget's totals were in " + before + "; they begin at zero in " +
+                           currency + ".") +
+         "\n";
+}
+
+int printFindings(const SharedStore& store, const std::string& base) {
+  std::string lines;
+  for (const std::string& sentence : BackendCheck::sentences(findStarted(base))) {
+    lines += forStandardOutput(sentence) + "\n";
+  }
+  if (const auto warning = currencyWarning(store)) lines += forStandardOutput(*warning) + "\n";
+  return print(lines);
+}
+
 int signIn(const GivenParameters& given) {
   if (const auto error = signInError(given)) return fail(*error, exitBadUsage);
   const std::string userId = given.contains("--user-id") ? textOf(given, "--user-id") : "local";
@@ -107,25 +145,23 @@ int signIn(const GivenParameters& given) {
   if (!store) return failWithoutStore();
   store->writeText(StoreKeys::userId, userId);
   store->writeText(StoreKeys::supabaseUrl, base);
+  std::string restarted;
   if (given.contains("--currency")) {
-    store->writeText(StoreKeys::currency, textOf(given, "--currency"));
+    restarted = writeCurrency(*store, textOf(given, "--currency"));
   }
   if (!store->synchronize()) return exitFailure;
+  if (!restarted.empty()) reloadWidgets();
 
   if (userId.empty() || base.empty()) {
-    return print("Stored. An empty user identifier or URL counts as signed out.\n");
+    return print("Stored. An empty user identifier or URL counts as signed out.\n" + restarted);
   }
   // Printed before the check, which takes up to its timeout when there is no answer.
-  if (const int failed = print("Signed in at " + forStandardOutput(shownBase(base)) + "\n");
+  if (const int failed =
+          print("Signed in at " + forStandardOutput(shownBase(base)) + "\n" + restarted);
       failed != 0) {
     return failed;
   }
-  std::string lines;
-  for (const std::string& sentence : BackendCheck::sentences(findStarted(base))) {
-    lines += forStandardOutput(sentence) + "\n";
-  }
-  if (const auto warning = currencyWarning(*store)) lines += forStandardOutput(*warning) + "\n";
-  return print(lines);
+  return printFindings(*store, base);
 }
 
 int signOut(const GivenParameters&) {

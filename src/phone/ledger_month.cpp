@@ -17,10 +17,11 @@ using linux_platform::AmountFormat;
 
 constexpr std::chrono::seconds timeout(1);
 
-// The number of decimals of a plain decimal such as "150.00".
-int decimalsOf(const std::string& sum) {
+// `sum`, a plain decimal such as "150.00", with its own number of decimals.
+std::string sumText(const std::string& sum, const std::string& currency) {
   const std::size_t point = sum.find('.');
-  return point == std::string::npos ? 0 : static_cast<int>(sum.size() - point - 1);
+  const auto decimals = point == std::string::npos ? 0 : static_cast<int>(sum.size() - point - 1);
+  return AmountFormat(currency, decimals, AmountFormat::Currency::shown).text(sum);
 }
 
 }  // namespace
@@ -39,12 +40,16 @@ std::optional<LedgerMonth> LedgerMonth::ask() {
 std::optional<LedgerMonth> LedgerMonth::fromSummary(std::string_view summary) {
   try {
     const auto figures = platform::JSONDecoder::object(summary);
-    const std::string expenses = figures.decodeString("expense");
+    const std::string currency = figures.decodeString("currency");
     const auto toReview = platform::integerFromText(figures.decodeString("review"));
-    if (!toReview) return std::nullopt;
-    const AmountFormat format(figures.decodeString("currency"), decimalsOf(expenses),
-                              AmountFormat::Currency::shown);
-    return LedgerMonth{.expenses = format.text(expenses), .toReview = *toReview};
+    const auto today = figures.decodeObjectIfPresent("today");
+    if (!toReview || !today) return std::nullopt;
+    const auto count = platform::integerFromText(today->decodeString("expenses"));
+    if (!count) return std::nullopt;
+    return LedgerMonth{.expenses = sumText(figures.decodeString("expense"), currency),
+                       .todayTotal = sumText(today->decodeString("expense"), currency),
+                       .todayCount = *count,
+                       .toReview = *toReview};
   } catch (const platform::DecodingError&) {
     return std::nullopt;
   }

@@ -1,4 +1,5 @@
-// The current month as the ledger on this machine has it. Does not open the book: kivo-ledger does.
+// The current month and day as the ledger on this machine has them. Does not open the book:
+// kivo-ledger does.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +9,14 @@
 
 namespace kivo {
 
-/// The figures of the month that the widget and the status show.
+/// The figures of the book that the widget and the status show. Sums are exact, in the book's
+/// currency and the device's locale.
 struct LedgerMonth {
-  /// The sum of the month's expenses, exact, in the book's currency and the device's locale.
+  /// The sum of the month's expenses.
   std::string expenses;
+  /// The sum and the number of today's expenses.
+  std::string todayTotal;
+  std::int64_t todayCount = 0;
   /// The number of entries in review, of any month.
   std::int64_t toReview = 0;
 

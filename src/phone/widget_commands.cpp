@@ -39,23 +39,24 @@ int showWidget() {
   const auto store = SharedStore::open(appGroup);
   if (!store) return failWithoutStore();
   WidgetFigures figures = WidgetView::read(*store);
-  if (LocalLedger::isSignedIn(*store)) figures.ledgerMonth = LedgerMonth::ask();
+  if (LocalLedger::isSignedIn(*store)) WidgetView::takeFromBook(figures, LedgerMonth::ask());
   return print(drawnWidget(figures));
 }
 
 // The ledger's figures while the widget is watched. Corrections of the book send no reload signal.
 class WatchedLedger {
  public:
-  std::optional<LedgerMonth> month(const SharedStore& store, WidgetWatch::Cause cause) {
+  // Completes the figures of `store` where the ledger on this machine has them.
+  void complete(WidgetFigures& figures, const SharedStore& store, WidgetWatch::Cause cause) {
     if (!LocalLedger::isSignedIn(store)) {
       asked_.reset();
-      return std::nullopt;
+      return;
     }
     if (cause == WidgetWatch::Cause::reload || !asked_ || Clock::now() - *asked_ >= askInterval) {
       month_ = LedgerMonth::ask();
       asked_ = Clock::now();
     }
-    return month_;
+    WidgetView::takeFromBook(figures, month_);
   }
 
  private:
@@ -75,7 +76,7 @@ int watchWidget() {
     const auto store = SharedStore::open(appGroup);
     if (!store) return failWithoutStore() == 0;
     WidgetFigures figures = WidgetView::read(*store);
-    figures.ledgerMonth = ledger.month(*store, cause);
+    ledger.complete(figures, *store, cause);
     const bool changed = std::exchange(drawn, figures) != figures;
     if (!changed) return true;
     const std::string widget = drawnWidget(figures);

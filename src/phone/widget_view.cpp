@@ -16,6 +16,7 @@ using linux_platform::columnsOf;
 using linux_platform::paddedTo;
 
 constexpr std::size_t smallestWidth = 24;
+constexpr const char* unknown = "unknown";
 
 // The formatter drops the sign; elsewhere the words around the amount express it.
 std::string signedAmount(const SharedStore& store, double amount) {
@@ -43,11 +44,9 @@ struct Row {
 };
 
 std::vector<Row> rowsOf(const WidgetFigures& figures) {
-  std::vector<Row> rows{{"Kivo · today", ""},
-                        {"", ""},
-                        {"", figures.todayTotal},
-                        {counted(figures.todayCount), ""},
-                        {"", ""}};
+  std::vector<Row> rows{{"Kivo · today", ""}, {"", ""}, {"", figures.todayTotal}};
+  if (figures.todayCount) rows.push_back({counted(*figures.todayCount), ""});
+  rows.push_back({"", ""});
   const auto& month = figures.ledgerMonth;
   if (month) rows.push_back({"This month     ", month->expenses});
   rows.push_back({"Running total  ", figures.runningTotal});
@@ -83,10 +82,18 @@ WidgetFigures WidgetView::read(const SharedStore& store) {
                   store.readNonEmptyText(StoreKeys::supabaseUrl).has_value()};
 }
 
+void WidgetView::takeFromBook(WidgetFigures& figures, const std::optional<LedgerMonth>& month) {
+  figures.ledgerMonth = month;
+  figures.todayTotal = month ? month->todayTotal : unknown;
+  figures.todayCount.reset();
+  if (month) figures.todayCount = month->todayCount;
+}
+
 std::string WidgetView::asLines(const WidgetFigures& figures) {
-  std::string lines = "Today          " + figures.todayTotal + "\n" + "Expenses       " +
-                      platform::integerText(figures.todayCount) + "\n" + "Running total  " +
-                      figures.runningTotal + "\n" + "Waiting        " +
+  const std::string count =
+      figures.todayCount ? platform::integerText(*figures.todayCount) : unknown;
+  std::string lines = "Today          " + figures.todayTotal + "\n" + "Expenses       " + count +
+                      "\n" + "Running total  " + figures.runningTotal + "\n" + "Waiting        " +
                       platform::integerText(figures.waitingMessages) + "\n" + "Signed in      " +
                       (figures.signedIn ? "yes" : "no") + "\n";
   if (const auto& month = figures.ledgerMonth) {

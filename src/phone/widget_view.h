@@ -14,7 +14,8 @@ namespace kivo {
 struct WidgetFigures {
   /// Amounts in the user's currency, with a minus when negative.
   std::string todayTotal;
-  std::int64_t todayCount = 0;
+  /// Absent when unknown.
+  std::optional<std::int64_t> todayCount = 0;
   std::string runningTotal;
   /// The number of queued texts.
   std::int64_t waitingMessages = 0;
@@ -30,6 +31,10 @@ namespace WidgetView {
 /// Reads the figures in `store`. Today's are 0 when the stored ones are of another day. Values that
 /// cannot be parsed count as 0. The ledger is not asked.
 WidgetFigures read(const SharedStore& store);
+
+/// Takes today's and the month's figures from the book of the ledger on this machine, so that all
+/// but the running total have one source. Without `month` today's are unknown.
+void takeFromBook(WidgetFigures& figures, const std::optional<LedgerMonth>& month);
 
 /// Formats the figures as lines of name and value, for programs.
 std::string asLines(const WidgetFigures& figures);

@@ -59,7 +59,7 @@ class APhoneWithALedger : public testing::Test {
   PrivateLedger ledger_;
 };
 
-TEST_F(APhoneWithALedger, ShowsTheMonthOfTheBookBesideTheRunningTotal) {
+TEST_F(APhoneWithALedger, ShowsTheFiguresOfTheBookBesideTheRunningTotal) {
   const auto server = ledger_.start();
   const auto process = [](const char* text) {
     EXPECT_EQ(runProgram({.program = linux_platform::programFolder() / "kivo-intents",
@@ -71,7 +71,7 @@ TEST_F(APhoneWithALedger, ShowsTheMonthOfTheBookBesideTheRunningTotal) {
   process("Your card was charged USD 20.10 at Cafe");
   process("Your card was charged EUR 7.00 at Netflix");  // has no rate
   EXPECT_EQ(run("widget"),
-            "Today          $1,225.60\nExpenses       2\nRunning total  $1,225.60\n"
+            "Today          $20.10\nExpenses       1\nRunning total  $1,225.60\n"
             "Waiting        0\nSigned in      yes\nThis month     $20.10\nTo review      1\n");
   EXPECT_THAT(run("status"),
               HasSubstr("This month     $20.10\nRunning total  $1,225.60\n"
@@ -87,7 +87,9 @@ TEST_F(APhoneWithALedger, AsksAlsoWhileTheServiceIsNotRunning) {
 TEST_F(APhoneWithALedger, LeavesOutABookThatCannotBeRead) {
   std::filesystem::create_directories(ledger_.file().parent_path());
   std::ofstream(ledger_.file()) << "no database, but a text that is long enough for one";
-  EXPECT_THAT(run("widget"), testing::EndsWith("Signed in      yes\n"));
+  EXPECT_EQ(run("widget"),
+            "Today          unknown\nExpenses       unknown\nRunning total  $1,205.50\n"
+            "Waiting        0\nSigned in      yes\n");
   EXPECT_THAT(run("status"), HasSubstr("This month     unknown; kivo-ledger summary says why\n"));
 }
 
@@ -95,6 +97,7 @@ TEST_F(APhoneWithALedger, DoesNotAskItWhileSignedInElsewhere) {
   SharedStore store = SharedStore::open(appGroup).value();
   store.writeText(StoreKeys::supabaseUrl, "http://127.0.0.1:1");
   ASSERT_TRUE(store.synchronize());
+  EXPECT_THAT(run("widget"), testing::StartsWith("Today          $1,205.50\nExpenses       1\n"));
   EXPECT_THAT(run("widget"), Not(HasSubstr("This month")));
   EXPECT_THAT(run("status"), Not(HasSubstr("This month")));
   EXPECT_FALSE(std::filesystem::exists(ledger_.file()));
@@ -119,7 +122,8 @@ class APhoneWithAnotherLedger : public testing::Test {
   // What `summary --json` of that ledger prints from now on.
   void haveMonth(const std::string& expense) {
     std::ofstream(home() / "summary")
-        << R"({"currency":"USD","expense":")" << expense << R"(","review":"0"})";
+        << R"({"currency":"USD","expense":")" << expense
+        << R"(","review":"0","today":{"expense":"1.00","expenses":"1"}})";
   }
 
   ProgramCall call(std::vector<std::string> arguments) {

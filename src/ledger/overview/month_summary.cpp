@@ -73,6 +73,18 @@ void readPayees(MonthSummary& summary, const Book& book) {
   if (summary.payees.size() > mostPayees) summary.payees.resize(mostPayees);
 }
 
+void readToday(MonthSummary& summary, const Book& book) {
+  const std::string date = currentDay();
+  if (!date.starts_with(summary.month)) return;
+  MonthSummary::Today& today = summary.today.emplace();
+  today.date = date;
+  for (const GroupSum& group : book.sums(Grouping::day, date, date)) {
+    if (!isExpense(group, summary.currency)) continue;
+    today.expense += group.sum.minorUnits;
+    today.expenses += group.transactions;
+  }
+}
+
 }  // namespace
 
 void MovedSums::add(const GroupSum& group) {
@@ -97,6 +109,7 @@ MonthSummary summarize(const Book& book, const std::string& month, const std::st
   readTotals(summary, book);
   readCategories(summary, book);
   readPayees(summary, book);
+  readToday(summary, book);
   summary.review = book.reviewCount();
   return summary;
 }

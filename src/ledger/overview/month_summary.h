@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,13 @@ struct MonthSummary {
     std::string currency;
     MovedSums sums;
   };
+  /// The expenses of the current day.
+  struct Today {
+    /// yyyy-MM-dd.
+    std::string date;
+    std::int64_t expense = 0;
+    std::int64_t expenses = 0;
+  };
 
   /// yyyy-MM.
   std::string month;
@@ -55,6 +63,8 @@ struct MonthSummary {
   std::vector<Payee> payees;
   /// By code.
   std::vector<OtherCurrency> otherCurrencies;
+  /// Absent unless the month is the current one.
+  std::optional<Today> today;
 
   /// Whether nothing was booked in this month, in any currency.
   [[nodiscard]] bool isEmpty() const { return sums.transactions == 0 && otherCurrencies.empty(); }

@@ -46,6 +46,14 @@ std::vector<JSONEncoder> payeeObjects(const MonthSummary& summary) {
   return objects;
 }
 
+JSONEncoder todayObject(const MonthSummary::Today& today, const std::string& currency) {
+  JSONEncoder object;
+  object.encodeString("date", today.date);
+  object.encodeString("expense", amountText({today.expense, currency}));
+  object.encodeString("expenses", std::to_string(today.expenses));
+  return object;
+}
+
 }  // namespace
 
 JSONEncoder SummaryView::json(const MonthSummary& summary) {
@@ -55,6 +63,7 @@ JSONEncoder SummaryView::json(const MonthSummary& summary) {
   encodeSums(object, summary.sums, summary.currency);
   object.encodeString("transactions", std::to_string(summary.sums.transactions));
   object.encodeString("review", std::to_string(summary.review));
+  if (summary.today) object.encodeObject("today", todayObject(*summary.today, summary.currency));
   object.encodeObject("previous",
                       monthObject(monthBefore(summary.month), summary.previous, summary.currency));
   object.encodeObjects("categories", categoryObjects(summary));

@@ -210,6 +210,17 @@ TEST_F(WidgetFigures, CountAsMissingWhenTheyAreStoredAsNumbers) {
   EXPECT_EQ(figures(), (Figures{"2026-01-31", "1.0", "1", "1.0"}));
 }
 
+TEST_F(WidgetFigures, BeginAtZeroAgainWhenRestarted) {
+  SharedStore store = phone_.openStore();
+  EXPECT_FALSE(WidgetStats::anyIsCounted(store));
+  WidgetStats::recordExpense(store, 150);
+  EXPECT_TRUE(WidgetStats::anyIsCounted(store));
+  WidgetStats::restart(store);
+  EXPECT_FALSE(WidgetStats::anyIsCounted(store));
+  store.synchronize();
+  EXPECT_EQ(figures(), (Figures{"2026-01-31", "0.0", "0", "0.0"}));
+}
+
 TEST_F(WidgetFigures, DoNotReloadTheWidget) {
   record(1);
   EXPECT_EQ(phone_.widget.reloads(), 0);

@@ -179,7 +179,23 @@ TEST_F(AMonthSummary, CountsReviewsOfEveryMonthAndAddsNoneOfThem) {
   EXPECT_THAT(summary.categories, IsEmpty());
 }
 
+TEST_F(AMonthSummary, HasTodaysExpensesInTheCurrentMonthAlone) {
+  const testkit::SetClock clock(testkit::utc(2026, 11, 21, 12));
+  Book book = open();
+  booked(book, spent(100), "2026-11-20");
+  booked(book, spent(2000), "2026-11-21");
+  booked(book, spent(30000, "Moon Café"), "2026-11-21");
+  booked(book, of(Kind::income, 7), "2026-11-21");
+  bookedAbroad(book, 5, "KWD", "2026-11-21");
+  const MonthSummary summary = summarize(book, "2026-11", "EGP");
+  EXPECT_THAT(
+      SummaryView::json(summary).text(),
+      testing::HasSubstr(R"("today":{"date":"2026-11-21","expense":"320.00","expenses":"2"})"));
+  EXPECT_FALSE(summarize(book, "2026-10", "EGP").today);
+}
+
 TEST_F(AMonthSummary, IsJsonWithPlainDecimals) {
+  const testkit::SetClock clock(testkit::utc(2026, 12, 1));
   Book book = open();
   booked(book, spent(12345), "2026-11-02");
   booked(book, of(Kind::income, 5), "2026-11-02");

@@ -135,8 +135,9 @@ TEST_F(AWidget, ShowsThatMessagesWait) {
 
 TEST_F(AWidget, ShowsTheMonthOfTheLedgerAndThatMessagesNeedALook) {
   const auto box = [](std::int64_t toReview) {
-    return WidgetView::asBox({"$5.00", 1, "$1,205.00", 0, true, LedgerMonth{"$80.00", toReview}},
-                             Figures::plain);
+    return WidgetView::asBox(
+        {"$5.00", 1, "$1,205.00", 0, true, LedgerMonth{"$80.00", "$5.00", 1, toReview}},
+        Figures::plain);
   };
   EXPECT_EQ(box(2),
             "╭──────────────────────────╮\n"
@@ -152,6 +153,30 @@ TEST_F(AWidget, ShowsTheMonthOfTheLedgerAndThatMessagesNeedALook) {
             "╰──────────────────────────╯\n");
   EXPECT_THAT(box(1), HasSubstr("│ 1 message needs a look   │\n"));
   EXPECT_THAT(box(0), EndsWith("│ Running total  $1,205.00 │\n╰──────────────────────────╯\n"));
+}
+
+TEST_F(AWidget, TakesAllButTheRunningTotalFromTheBook) {
+  WidgetFigures figures{"$1,200.00", 7, "$1,205.00", 0, true};
+  WidgetView::takeFromBook(figures, LedgerMonth{"$240.00", "$20.00", 1, 0});
+  EXPECT_EQ(WidgetView::asLines(figures),
+            "Today          $20.00\nExpenses       1\nRunning total  $1,205.00\n"
+            "Waiting        0\nSigned in      yes\nThis month     $240.00\nTo review      0\n");
+}
+
+TEST_F(AWidget, ShowsNoFigureOfTodayWhenTheBookCannotBeRead) {
+  WidgetFigures figures{"$1,200.00", 7, "$1,205.00", 0, true};
+  WidgetView::takeFromBook(figures, std::nullopt);
+  EXPECT_EQ(WidgetView::asLines(figures),
+            "Today          unknown\nExpenses       unknown\nRunning total  $1,205.00\n"
+            "Waiting        0\nSigned in      yes\n");
+  EXPECT_EQ(WidgetView::asBox(figures, Figures::plain),
+            "╭──────────────────────────╮\n"
+            "│ Kivo · today             │\n"
+            "│                          │\n"
+            "│ unknown                  │\n"
+            "│                          │\n"
+            "│ Running total  $1,205.00 │\n"
+            "╰──────────────────────────╯\n");
 }
 
 TEST_F(AWidget, ShowsHowToSignInWhenSignedOut) {
@@ -172,8 +197,9 @@ TEST_F(AWidget, IsPlainLinesWithoutATerminal) {
             "Signed in      yes\n");
   EXPECT_THAT(WidgetView::asLines({"$5.00", 1, "$12.00", 0, false}),
               EndsWith("Waiting        0\nSigned in      no\n"));
-  EXPECT_THAT(WidgetView::asLines({"$5.00", 1, "$12.00", 0, true, LedgerMonth{"$80.00", 2}}),
-              EndsWith("Signed in      yes\nThis month     $80.00\nTo review      2\n"));
+  EXPECT_THAT(
+      WidgetView::asLines({"$5.00", 1, "$12.00", 0, true, LedgerMonth{"$80.00", "$5.00", 1, 2}}),
+      EndsWith("Signed in      yes\nThis month     $80.00\nTo review      2\n"));
 }
 
 }  // namespace
