@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string_view>
 
 #include "platform/linux/terminal/terminal_text.h"
@@ -15,7 +16,7 @@ using linux_platform::escapedControls;
 using linux_platform::paddedTo;
 
 constexpr std::string_view gap = "  ";
-constexpr std::size_t shortestDescription = 16;
+constexpr std::size_t shortestName = 12;
 
 using Row = std::array<std::string, 6>;
 constexpr std::size_t amountColumn = 3;
@@ -28,16 +29,17 @@ std::string sumText(const LedgerEntry& entry) {
 
 std::string likeness(const LedgerEntry& entry) {
   if (!entry.possibleDuplicateOf) return "";
-  return " (looks like " + std::to_string(*entry.possibleDuplicateOf) + ")";
+  return "looks like " + std::to_string(*entry.possibleDuplicateOf);
 }
 
 Row rowOf(const LedgerEntry& entry) {
+  const std::string like = likeness(entry);
   return {std::to_string(entry.id),
           entry.date,
           kindText(entry.kind),
           escapedControls(sumText(entry)),
           escapedControls(entry.description),
-          escapedControls(entry.category) + likeness(entry)};
+          escapedControls(entry.category) + (like.empty() ? "" : " (" + like + ")")};
 }
 
 // A text of several lines, each without control characters.
@@ -51,7 +53,9 @@ std::string linesOf(std::string_view text) {
   return lines;
 }
 
-std::string line(const Row& row, const std::array<std::size_t, 6>& widths) {
+using Widths = std::array<std::size_t, 6>;
+
+std::string line(const Row& row, const Widths& widths) {
   std::string text;
   for (std::size_t column = 0; column + 1 < row.size(); ++column) {
     const std::size_t missing = widths[column] - std::min(widths[column], columnsOf(row[column]));
@@ -64,23 +68,56 @@ std::string line(const Row& row, const std::array<std::size_t, 6>& widths) {
   return text + row.back() + "\n";
 }
 
+std::string rightAligned(std::size_t width, const std::string& text) {
+  return std::string(width - std::min(width, columnsOf(text)), ' ') + text;
+}
+
+// The description of `entry` and its category, with its kind unless that is an expense, in `width`
+// columns. The category has half of them, or what the description leaves.
+std::string names(const LedgerEntry& entry, std::size_t width) {
+  std::string category = escapedControls(entry.category);
+  if (entry.kind != Kind::expense) category += std::string(", ") + kindText(entry.kind);
+  const std::string description = escapedControls(entry.description);
+  const std::size_t taken = columnsOf(description) + gap.size();
+  const std::size_t room = std::max(width - std::min(width, taken), width / 2);
+  category = linux_platform::cutTo(room, category);
+  const std::size_t left = width - std::min(width, columnsOf(category) + gap.size());
+  return linux_platform::cutTo(left, description) + std::string(gap) + category;
+}
+
+// Two or three lines for each entry, for a screen on which the table has no room.
+std::string stacked(const std::vector<LedgerEntry>& entries, const Widths& widths,
+                    std::size_t width) {
+  const auto front = [&](const std::string& id, const std::string& date, const std::string& sum) {
+    return paddedTo(widths[0], id) + std::string(gap) + paddedTo(widths[1], date) +
+           std::string(gap) + rightAligned(widths[amountColumn], sum) + "\n";
+  };
+  const std::string indent(widths[0] + gap.size(), ' ');
+  std::string lines = front("ID", "DATE", "AMOUNT");
+  for (const LedgerEntry& entry : entries) {
+    lines += front(std::to_string(entry.id), entry.date, escapedControls(sumText(entry)));
+    lines += indent + names(entry, width - std::min(width, indent.size())) + "\n";
+    if (const std::string like = likeness(entry); !like.empty()) lines += indent + like + "\n";
+  }
+  return lines;
+}
+
 }  // namespace
 
 std::string EntryListing::table(const std::vector<LedgerEntry>& entries, std::size_t width) {
   std::vector<Row> rows{{"ID", "DATE", "KIND", "AMOUNT", "DESCRIPTION", "CATEGORY"}};
   for (const LedgerEntry& entry : entries) rows.push_back(rowOf(entry));
-  std::array<std::size_t, 6> widths{};
+  Widths widths{};
   for (const Row& row : rows) {
     for (std::size_t column = 0; column < row.size(); ++column) {
       widths[column] = std::max(widths[column], columnsOf(row[column]));
     }
   }
-  std::size_t others = gap.size() * (widths.size() - 1);
-  for (const std::size_t column : widths) others += column;
-  others -= widths[descriptionColumn];
-  const std::size_t left = width > others ? width - others : 0;
-  widths[descriptionColumn] =
-      std::min(widths[descriptionColumn], std::max(left, shortestDescription));
+  std::size_t& description = widths[descriptionColumn];
+  const std::size_t others =
+      std::accumulate(widths.begin(), widths.end(), gap.size() * (widths.size() - 1)) - description;
+  if (width < others + std::min(description, shortestName)) return stacked(entries, widths, width);
+  description = std::min(description, width - others);
   std::string table;
   for (const Row& row : rows) table += line(row, widths);
   return table;

@@ -10,8 +10,9 @@
 
 namespace kivo::ledger::EntryListing {
 
-/// Returns a table of `entries`, one line each, with control characters escaped. Shortens
-/// descriptions to fit a screen of `width` columns, to 16 columns at least.
+/// Returns a table of `entries`, one line each, with control characters escaped, and descriptions
+/// shortened to fit a screen of `width` columns. On a screen without room for it, each entry has
+/// two or three lines: id, day and sum, then the names, then the entry that it looks like.
 std::string table(const std::vector<LedgerEntry>& entries, std::size_t width);
 
 /// Returns all members of `entry` as lines of text, the message last, with control characters

@@ -40,7 +40,7 @@ int review(const GivenParameters& parameters) {
     const bool asJson = parameters.contains("--json");
     const int status = show(entries, asJson, "There is nothing to look at.");
     if (asJson || entries.empty() || status != 0 || !linux_platform::onTerminal()) return status;
-    return print("To have messages like one of these booked from now on: kivo-ledger teach ID\n");
+    return print("To have messages like one of these\nbooked from now on: kivo-ledger teach ID\n");
   });
 }
 

@@ -42,12 +42,15 @@ class InventedBook:
         return subprocess.run([self._program, *arguments], env=self._environment, check=True, capture_output=True,
                               text=True, timeout=60).stdout
 
-    def add(self, date, kind, minor_units, description, category, currency="EGP", state="booked", like=None):
+    def add(self, date, kind, minor_units, description, category, currency="EGP", state="booked", like=None,
+            text=None):
         self._keys += 1
         self._book.execute(
             "INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category, payee,"
-            " account, reference, state, possible_duplicate_of) VALUES ('local', ?, ?, ?, ?, ?, ?, ?, ?, '', '', ?, ?)",
-            (f"KEY-{self._keys}", str(date), kind, minor_units, currency, description, category, description, state, like))
+            " account, reference, state, possible_duplicate_of, text)"
+            " VALUES ('local', ?, ?, ?, ?, ?, ?, ?, ?, '', '', ?, ?, ?)",
+            (f"KEY-{self._keys}", str(date), kind, minor_units, currency, description, category, description, state, like,
+             text))
 
     def add_year(self):
         """What somebody in Cairo may pay from December 2025 to 24 November 2026; always the same."""
@@ -63,7 +66,10 @@ class InventedBook:
                     self.add(day, kind, chance.randint(least, most) * 100, description, category)
             day += datetime.timedelta(days=1)
         self.add("2026-11-10", "expense", 12500, "Dubai Duty Free", "Shopping", "AED")
-        self.add("2026-11-23", "expense", 4999, "Steam", "Entertainment", "USD", "review")
+        self.add("2026-11-23", "expense", 4999, "Steam", "Entertainment", "USD", "review",
+                 text="Your card ending 4821 was charged USD 49.99 at Steam on 23-11-2026.")
+        self.add("2026-11-19", "expense", None, "Nile Cinema", "Entertainment", "", "review",
+                 text="Purchase EGP 150.00 EGP 350.00 at Nile Cinema")
         self._book.execute("COMMIT")
 
     def report(self, name="report.html", month="2026-11"):

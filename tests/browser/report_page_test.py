@@ -36,6 +36,8 @@ class TheReport(unittest.TestCase):
         hostile.add("2026-11-20", "expense", 123456, HOSTILE, HOSTILE)
         hostile.add("2026-11-20", "income", 123456789012, "W" * 300, "ش" * 300)
         hostile.add("2026-11-20", "expense", 123456, "مطعم أبو طارق (2)", "Dining", "KWD", like=1)
+        hostile.add("2026-11-20", "income", 123456789012345, HOSTILE + "W" * 90, "Other", state="review",
+                    text=f"{HOSTILE}\n{'W' * 300} مطعم أبو طارق")
         cls.hostile = hostile.report()
         cls.empty = InventedBook(f"{folder}/empty", PROGRAMS).report()
         arabic = InventedBook(f"{folder}/arabic", PROGRAMS, "ar_EG.UTF-8")
@@ -96,6 +98,25 @@ class TheReport(unittest.TestCase):
         self.browser.show(self.hostile)
         shown = HOSTILE.replace("\x1b", "\\x1b").replace("\u202e", "\\u202e")
         self.assertIn(shown, self.browser.value("[...document.querySelectorAll('.what bdi')].map(one => one.textContent)"))
+
+    def test_shows_the_id_of_each_payment_on_each_screen(self):
+        for width in (SMALLEST, PHONE, DESK):
+            self.browser.show(self.year, width)
+            self.browser.run(OPEN_ALL)
+            shown = self.browser.value("[...document.querySelectorAll('.list tbody tr')].map(row =>"
+                                       " row.querySelector('.id').getBoundingClientRect().width > 0)")
+            self.assertGreater(len(shown), 300)
+            self.assertTrue(all(shown))
+
+    def test_lists_what_waits_in_review(self):
+        for width in (PHONE, DESK):
+            self.browser.show(self.year, width)
+            rows = self.browser.value("[...document.querySelectorAll('[aria-labelledby=review] tbody tr')].map(row =>"
+                                      " row.innerText.replace(/\\s+/g, ' '))")
+            self.assertEqual(len(rows), 2)
+            self.assertRegex(rows[0], r"^\d+ Steam 2026-11-23 Your card ending 4821 was charged USD 49.99 at Steam on"
+                                      r" 23-11-2026. \$49.99$")
+            self.assertRegex(rows[1], r"^\d+ Nile Cinema 2026-11-19 Purchase EGP 150.00 EGP 350.00 at Nile Cinema unknown$")
 
     def test_keeps_each_sum_at_the_right_edge(self):
         for page in (self.year, self.hostile, self.arabic):

@@ -275,7 +275,7 @@ TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
 
 TEST_F(ATaughtLedger, OffersTeachingAtATerminalWhereSomethingIsForReview) {
   const std::string hint =
-      "To have messages like one of these booked from now on: kivo-ledger teach ID\r\n";
+      "To have messages like one of these\r\nbooked from now on: kivo-ledger teach ID\r\n";
   EXPECT_THAT(onTerminal("review", "").output, Not(HasSubstr("teach")));
   receive({unclear});
   EXPECT_THAT(onTerminal("review", "").output, EndsWith(hint));

@@ -46,6 +46,8 @@ ReportFigures readReport(const Book& book, const std::string& month, const std::
   figures.summary = summarize(book, month, currency);
   readMonths(figures, book);
   readDays(figures, book);
+  figures.review =
+      book.entries({.state = LedgerEntry::State::review, .most = ReportFigures::mostEntries});
   figures.runs = month == currentMonth();
   return figures;
 }

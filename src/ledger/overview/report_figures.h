@@ -27,6 +27,8 @@ struct ReportFigures {
   std::vector<std::int64_t> days;
   /// The newest of the twelve months, `mostEntries` at most, the newest first.
   std::vector<LedgerEntry> entries;
+  /// What waits in review, of any month: the newest `mostEntries` at most, the newest first.
+  std::vector<LedgerEntry> review;
   /// Whether the summary's month is the current one.
   bool runs = false;
 

@@ -7,6 +7,7 @@
 #include "ledger/calendar_day.h"
 #include "ledger/overview/html_writer.h"
 #include "ledger/overview/report_charts.h"
+#include "ledger/overview/report_review.h"
 #include "ledger/overview/report_style.h"
 #include "ledger/overview/sum_format.h"
 
@@ -26,12 +27,11 @@ class Page {
     head();
     title();
     html_.markup("<main>");
-    review();
+    ReportReview::writeNotice(html_, figures_);
     if (!summary_.isEmpty()) month();
-    if (!isEmpty()) {
-      months();
-      list();
-    }
+    if (!isEmpty()) months();
+    ReportReview::writeList(html_, figures_, [this](const auto& entry) { return sumOf(entry); });
+    if (!isEmpty()) list();
     html_.markup("</main>\n<footer><p>Made by <code>kivo-ledger report</code> on this machine. ")
         .markup("The page loads nothing from elsewhere.</p></footer>\n</body>\n</html>\n");
     return html_.html();
@@ -69,15 +69,6 @@ class Page {
       html_.text(summary_.currency).markup(".");
     }
     html_.markup("</p></header>\n");
-  }
-
-  void review() {
-    if (summary_.review == 0) return;
-    html_.markup("<p class=\"notice\">").text(counted(summary_.review));
-    html_.text(summary_.review == 1 ? " waits in review and is" : " wait in review and are");
-    html_.markup(" not in these sums. <code>kivo-ledger review</code> ")
-        .text(summary_.review == 1 ? "shows it." : "shows them.")
-        .markup("</p>\n");
   }
 
   void month() {

@@ -59,13 +59,14 @@ summary:focus-visible{outline:2px solid var(--spent);outline-offset:3px;border-r
 .list>details{margin:0;border-top:1px solid var(--line)}
 .list>details>summary{padding:.6rem 0;color:inherit;font-size:1rem}
 .what{display:grid;grid-template-columns:1fr 13rem;column-gap:1rem;align-items:baseline}
+.message{display:block}
 .income{color:var(--received)}
 .day{white-space:nowrap;width:1%}
 footer{padding-top:.5rem;padding-bottom:2.5rem;font-size:.85rem;color:var(--soft)}
 code{font-family:ui-monospace,"DejaVu Sans Mono",monospace;font-size:.92em}
 @media(max-width:44rem){header{padding-top:1.3rem}h1{font-size:1.5rem}.cards,.two{grid-template-columns:1fr;gap:.8rem}
 .cards>div{padding:.7rem 1rem}.sheet{padding:1rem}
-th,td{padding-left:.7rem}.two>*{margin:0}.what{grid-template-columns:1fr}.id{display:none}
+th,td{padding-left:.7rem}.two>*{margin:0}.what{grid-template-columns:1fr}
 .chart svg{height:9rem}.axis{height:10.2rem}.chart{font-size:.7rem}}
 @media print{:root{color-scheme:light;--ground:#fff;--sheet:#fff;--ink:#000;--soft:#444;--line:#ccc;--spent:#2b6cb0;
 --received:#2f855a;--notice:#fff;--edge:#777}body{font-size:10pt}.sheet,.cards>div{border-color:#bbb;break-inside:avoid}

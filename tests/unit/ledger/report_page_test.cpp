@@ -161,7 +161,37 @@ TEST_F(AReport, CountsWhatWaitsInReview) {
   Reading unclear = spent(100);
   unclear.outcome = Outcome::needsReview;
   booked(book, unclear);
-  EXPECT_THAT(page(book), HasSubstr("1 transaction waits in review and is not in these sums."));
+  EXPECT_THAT(page(book), HasSubstr("1 transaction waits in review and is not in these sums"));
+}
+
+TEST_F(AReport, ListsWhatWaitsInReviewOfAnyMonth) {
+  Book book = open();
+  Reading unclear = spent(2005, "Nile <b>Cinema", "KWD");
+  unclear.outcome = Outcome::needsReview;
+  booked(book, unclear, "2025-03-02");
+  unclear.amount.reset();
+  unclear.kind = Kind::income;
+  booked(book, unclear, "2026-11-02");
+  const std::string written = page(book);
+  EXPECT_THAT(written,
+              HasSubstr("<td class=\"count id soft\">1</td><td><bdi>Nile &lt;b&gt;Cinema</bdi>"
+                        "<small class=\"message\"><time datetime=\"2025-03-02\">2025-03-02"
+                        "</time></small><small class=\"message\"><bdi>text of KEY-1</bdi>"
+                        "</small></td><td class=\"sum\"><bdi>KWD\u00a02.005</bdi></td>"));
+  EXPECT_THAT(written, HasSubstr("2026-11-02</time> · income</small>"));
+  EXPECT_THAT(written, HasSubstr("<td class=\"sum\">unknown</td>"));
+  EXPECT_LT(written.find("2026-11-02</time>"), written.find("2025-03-02</time>"));
+}
+
+TEST_F(AReport, SaysHowManyOfAVeryLongReviewItLeavesOut) {
+  Book book = open();
+  Reading unclear = spent(100);
+  unclear.outcome = Outcome::needsReview;
+  booked(book, unclear);
+  ReportFigures figures = readReport(book, "2026-11", "EGP");
+  EXPECT_THAT(reportPage(figures), Not(HasSubstr("The newest")));
+  figures.summary.review = 7000;
+  EXPECT_THAT(reportPage(figures), HasSubstr("The newest 1 are here."));
 }
 
 }  // namespace
