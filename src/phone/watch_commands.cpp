@@ -46,6 +46,7 @@ int addSender(const GivenParameters& given) {
   if (const auto objection = SenderPattern::objectionTo(sender)) {
     return fail("a sender " + *objection + "; nothing was changed", linux_platform::exitBadUsage);
   }
+  const auto lock = SendersFile::lock();
   auto senders = namedSenders();
   if (!senders) return exitFailure;
   const std::string done = "Messages of " + quoted(sender) + " are handed to Kivo.\n";
@@ -56,6 +57,7 @@ int addSender(const GivenParameters& given) {
 
 int removeSender(const GivenParameters& given) {
   const std::string sender = senderOf(given);
+  const auto lock = SendersFile::lock();
   auto senders = namedSenders();
   if (!senders) return exitFailure;
   const auto isIt = [&sender](const std::string& one) {

@@ -3,11 +3,8 @@
 #include <sstream>
 #include <utility>
 
-#define TOML_EXCEPTIONS 0
-#include <toml++/toml.h>
-
 #include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/store/settings_file.h"
+#include "platform/linux/store/settings_toml.h"
 
 namespace kivo::SendersFile {
 namespace {
@@ -23,11 +20,10 @@ std::string atLine(const toml::source_position& position) {
 
 // Parses the file; the result has either the senders or the error.
 Content parsed(const std::string& bytes) {
-  const toml::parse_result result = toml::parse(bytes);
-  // The library's message would quote the file.
-  if (!result) return {.error = atLine(result.error().source().begin) + "this is not valid TOML"};
+  linux_platform::SettingsTable settings = linux_platform::settingsTable(bytes);
+  if (settings.error) return {.error = std::move(settings.error)};
   Content content;
-  for (const auto& [key, value] : result.table()) {
+  for (const auto& [key, value] : settings.table) {
     const std::string line = atLine(value.source().begin);
     if (key.str() != sendersKey) return {.error = line + "unknown key; the only one is senders"};
     const toml::array* const senders = value.as_array();
@@ -61,12 +57,14 @@ std::optional<std::filesystem::path> place() {
 Content read() {
   const auto path = place();
   if (!path) return {};
-  const linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
-  Content content = file.text ? parsed(*file.text) : Content{.error = "it cannot be read"};
+  linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
+  Content content = file.error ? Content{.error = std::move(file.error)} : parsed(file.text);
   if (content.error) content.error = path->string() + ": " + *content.error;
   content.changed = file.changed;
   return content;
 }
+
+linux_platform::SettingsLock lock() { return linux_platform::SettingsLock(place().value_or("")); }
 
 bool write(const std::vector<std::string>& senders) {
   const auto path = place();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/foundation/date.h"
+#include "platform/linux/store/settings_file.h"
 
 namespace kivo::SendersFile {
 
@@ -26,6 +27,10 @@ struct Content {
 
 /// Reads the file. A missing file, or one without a key, has no senders.
 Content read();
+
+/// Locks the file against other programs that change it, as SettingsLock does; to be held from
+/// before `read` until after `write`.
+[[nodiscard]] linux_platform::SettingsLock lock();
 
 /// Replaces the file atomically and durably, and creates it and its folders for the user only. If
 /// the file is a symbolic link, replaces its target. Returns false when a step failed; the file

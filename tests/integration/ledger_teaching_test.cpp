@@ -3,8 +3,10 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -131,6 +133,37 @@ TEST_F(ATaughtLedger, DoesNotAddToADamagedFile) {
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.errors, StartsWith("kivo-ledger: " + file().string() + ": line 2: "));
   EXPECT_EQ(templates(), "[[template]]\ntext = 'Zap {sum}'\nkind = 'expense'\n");
+}
+
+TEST_F(ATaughtLedger, KeepsTheTemplatesOfManyThatTeachAtOnce) {
+  constexpr std::string_view names = "abcdefghij";
+  std::vector<std::unique_ptr<linux_platform::ChildProcess>> teachers;
+  for (const char name : names) {
+    teachers.push_back(std::make_unique<linux_platform::ChildProcess>(linux_platform::ProgramCall{
+        .program = program(),
+        .arguments = {"teach", "-", "--kind", "expense", "--amount", "5"},
+        .input = std::string("Zap! Bank ") + name + " moved EGP 5"}));
+  }
+  for (const auto& teacher : teachers) {
+    const ProgramResult result = teacher->wait();
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("Saved in "));
+  }
+  for (const char name : names) {
+    EXPECT_THAT(templates(), HasSubstr(std::string("Zap! Bank ") + name + " moved EGP {amount}"));
+  }
+}
+
+TEST_F(ATaughtLedger, RefusesAFileThatOtherUsersMayChange) {
+  write("[[template]]\ntext = 'Zap {any}'\nkind = 'none'\n");
+  std::filesystem::permissions(file(), std::filesystem::perms(0664));
+  const ProgramResult result = run({"teach", "-", "--kind", "none"}, "Zip news");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors,
+            "kivo-ledger: " + file().string() +
+                ": other users may change it; take that right from them with chmod go-w\n");
+  std::filesystem::permissions(file(), std::filesystem::perms(0644));
+  EXPECT_EQ(run({"teach", "-", "--kind", "none"}, "Zip news").status, 0);
 }
 
 TEST_F(ATaughtLedger, BooksWhatFitsWhenAsked) {

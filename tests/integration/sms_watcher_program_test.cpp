@@ -2,6 +2,8 @@
 // the intents service that the bus starts processes it.
 #include <csignal>
 #include <fstream>
+#include <memory>
+#include <string_view>
 
 #include <sys/stat.h>
 
@@ -110,6 +112,31 @@ TEST_F(NamingSenders, CreatesAFileThatOnlyItsOwnerCanRead) {
   EXPECT_EQ(found.st_mode & 0777, 0600U);
   ASSERT_EQ(stat(file().parent_path().c_str(), &found), 0);
   EXPECT_EQ(found.st_mode & 0777, 0700U);
+}
+
+TEST_F(NamingSenders, KeepsAllThatAreAddedAtOnce) {
+  constexpr std::string_view names = "abcdefghij";
+  std::vector<std::unique_ptr<ChildProcess>> adding;
+  for (const char name : names) {
+    adding.push_back(std::make_unique<ChildProcess>(
+        linux_platform::ProgramCall{.program = linux_platform::programFolder() / "kivo-phone",
+                                    .arguments = {"watch", "add", std::string("Bank ") + name}}));
+  }
+  for (const auto& one : adding) EXPECT_EQ(one->wait().status, 0);
+  const std::string listed = watch({"list"}).output;
+  for (const char name : names) {
+    EXPECT_THAT(listed, HasSubstr(std::string("Bank ") + name + "\n"));
+  }
+}
+
+TEST_F(NamingSenders, RefusesAFileThatOtherUsersMayChange) {
+  write("senders = ['MyBank']");
+  std::filesystem::permissions(file(), std::filesystem::perms(0646));
+  const ProgramResult result = watch({"list"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors,
+            "kivo-phone: " + file().string() +
+                ": other users may change it; take that right from them with chmod go-w\n");
 }
 
 TEST_F(NamingSenders, DoesNotOverwriteAFileThatCannotBeRead) {

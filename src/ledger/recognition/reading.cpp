@@ -18,8 +18,6 @@
 namespace kivo::ledger {
 namespace {
 
-constexpr std::size_t longestMessage = 4096;
-
 using AllFound = std::vector<Found>;
 
 bool holds(std::span<const Found> found, Meaning meaning) {
@@ -132,12 +130,16 @@ Reading details(std::string_view readable, const Items& items, std::span<const F
 
 }  // namespace
 
+std::string_view partThatCounts(std::string_view text) {
+  return text.substr(0, wholeCharacters(text, longestMessage));
+}
+
 Reading read(std::string_view text, std::string_view bookCurrency) {
   return readBy(Wordings::all(), text, bookCurrency);
 }
 
 Reading readBy(const Wordings& wordings, std::string_view text, std::string_view bookCurrency) {
-  text = text.substr(0, wholeCharacters(text, longestMessage));
+  text = partThatCounts(text);
   if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
 
   const std::string readable = readableForm(text);

@@ -2,6 +2,7 @@
 // converts no currency.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -53,7 +54,13 @@ struct Reading {
   bool operator==(const Reading&) const = default;
 };
 
-/// Reads `text` (UTF-8; its first 4096 bytes count) for a book kept in `bookCurrency` (ISO 4217).
+/// The most of a message that is read, in bytes.
+inline constexpr std::size_t longestMessage = 4096;
+
+/// The front of `text` that is read: whole characters of UTF-8, `longestMessage` bytes at most.
+std::string_view partThatCounts(std::string_view text);
+
+/// Reads `text` (UTF-8; `partThatCounts` of it) for a book kept in `bookCurrency` (ISO 4217).
 /// An ambiguous sign such as "$" or "Rs" is the book's currency where that uses it. A sum in
 /// another currency yields `needsReview` with its own currency. Time is linear in the length of the
 /// text. Throws only what `foldedName` throws, and for want of memory. Thread-safe.

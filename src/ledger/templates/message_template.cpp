@@ -54,7 +54,7 @@ Reading readWith(const std::vector<MessageTemplate>& templates, std::string_view
                  std::string_view bookCurrency) {
   Reading rules = read(text, bookCurrency);
   if (templates.empty()) return rules;
-  const std::string form = templateForm(text);
+  const std::string form = templateForm(partThatCounts(text));
   for (auto taught = templates.rbegin(); taught != templates.rend(); ++taught) {
     if (const auto fit = taught->pattern.fit(form)) {
       return readingBy(*taught, *fit, rules, bookCurrency);

@@ -10,7 +10,7 @@ TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
                             const std::string& currency) {
   TaughtEntries found;
   for (const LedgerEntry& entry : book.entries({.state = LedgerEntry::State::review})) {
-    if (!entry.text || !taught.pattern.fit(templateForm(*entry.text))) continue;
+    if (!entry.text || !taught.pattern.fit(templateForm(partThatCounts(*entry.text)))) continue;
     auto read = book.reread(entry.id, currency);
     if (!read) {
       found.none.push_back(entry.id);

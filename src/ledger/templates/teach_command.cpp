@@ -86,8 +86,8 @@ class Teaching {
   int chooseMessage() {
     std::string id = source();
     if (id == "-") {
-      message_ = platform::repairedUtf8(
-          std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()));
+      const std::string input(std::istreambuf_iterator<char>(std::cin), {});
+      message_ = partThatCounts(platform::repairedUtf8(input));
       if (templateForm(message_).empty()) return fail("standard input is empty", exitBadUsage);
       propose(std::nullopt);
       return 0;
@@ -111,7 +111,7 @@ class Teaching {
       return fail("the text of " + std::to_string(*number) +
                   " was forgotten; `kivo-ledger teach -` takes it from standard input");
     }
-    message_ = *entry->text;
+    message_ = partThatCounts(*entry->text);
     propose(entry);
     return 0;
   }

@@ -5,12 +5,10 @@
 #include <string_view>
 #include <utility>
 
-#define TOML_EXCEPTIONS 0
-#include <toml++/toml.h>
-
 #include "ledger/recognition/money.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/store/settings_file.h"
+#include "platform/linux/store/settings_toml.h"
 #include "platform/linux/terminal/command_line.h"
 #include "platform/linux/terminal/terminal_text.h"
 
@@ -95,14 +93,10 @@ void readTemplate(const toml::table& table, Content& content) {
 
 // Parses the file; the result has either the templates or the error.
 Content parsed(const std::string& bytes) {
-  const toml::parse_result result = toml::parse(bytes);
-  if (!result) {
-    // The library's message would quote the file.
-    return {.error = "line " + std::to_string(result.error().source().begin.line) +
-                     ": this is not valid TOML"};
-  }
+  linux_platform::SettingsTable settings = linux_platform::settingsTable(bytes);
+  if (settings.error) return {.error = std::move(settings.error)};
   Content content;
-  for (const auto& [key, value] : result.table()) {
+  for (const auto& [key, value] : settings.table) {
     const toml::array* const templates = value.as_array();
     if (key.str() != templateKey || templates == nullptr) {
       return {.error = atLine(value) + "only [[template]] may be here"};
@@ -154,8 +148,8 @@ std::optional<std::filesystem::path> TemplateFile::place() {
 Content TemplateFile::read() {
   const auto path = place();
   if (!path) return {};
-  const auto text = linux_platform::readSettingsFile(*path).text;
-  Content content = text ? parsed(*text) : Content{.error = "it cannot be read"};
+  linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
+  Content content = file.error ? Content{.error = std::move(file.error)} : parsed(file.text);
   if (content.error) content.error = before(*path, *content.error);
   return content;
 }
@@ -163,16 +157,18 @@ Content TemplateFile::read() {
 std::optional<std::string> TemplateFile::add(const MessageTemplate& taught) {
   const auto path = place();
   if (!path) return "HOME is not set, so there is no place for templates";
-  auto text = linux_platform::readSettingsFile(*path).text;
-  if (!text) return before(*path, "it cannot be read");
-  if (const auto error = parsed(*text).error) return before(*path, *error);
-  if (text->empty()) *text = introduction;
-  if (!text->ends_with('\n')) *text += '\n';
-  *text += blockOf(taught);
-  if (text->size() > linux_platform::longestSettings || parsed(*text).error) {
+  const linux_platform::SettingsLock lock(*path);
+  linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
+  if (file.error) return before(*path, *file.error);
+  std::string text = std::move(file.text);
+  if (const auto error = parsed(text).error) return before(*path, *error);
+  if (text.empty()) text = introduction;
+  if (!text.ends_with('\n')) text += '\n';
+  text += blockOf(taught);
+  if (text.size() > linux_platform::longestSettings || parsed(text).error) {
     return before(*path, "nothing can be added at its end");
   }
-  if (linux_platform::replaceSettingsFile(*path, *text)) return std::nullopt;
+  if (linux_platform::replaceSettingsFile(*path, text)) return std::nullopt;
   return before(*path, "it cannot be written");
 }
 

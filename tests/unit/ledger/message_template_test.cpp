@@ -30,6 +30,15 @@ TEST(ATemplate, DecidesKindSumAndPayee) {
   EXPECT_EQ(reading.category, "Entertainment");
 }
 
+TEST(ATemplate, ReadsAsMuchOfAMessageAsTheRules) {
+  const std::string front = "Zap! 5 flew to Nile Cinema ";
+  const std::string filling(longestMessage - front.size() - 4, 'x');
+  const MessageTemplate one = taught("Zap! {amount} flew to {payee} x{any} end");
+  EXPECT_EQ(readBy(one, front + filling + " end").amount, (Money{500, "EGP"}));
+  EXPECT_EQ(readBy(one, front + filling + "x end").outcome, Outcome::notATransaction);
+  EXPECT_EQ(readBy(one, front + filling + " end of it").amount, (Money{500, "EGP"}));
+}
+
 TEST(ATemplate, LeavesMessagesThatDoNotFitToTheRules) {
   const std::string message = "Your card ending 4821 was charged EGP 150.00 at Carrefour City.";
   EXPECT_EQ(readBy(taught("Zap! {amount}"), message), read(message, "EGP"));

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "ledger/templates/teaching.h"
 #include "testkit/private_folders.h"
@@ -147,6 +148,37 @@ TEST_F(ATemplateFile, NamesTheLineThatIsWrong) {
   EXPECT_EQ(errorOf("templates = 1\n" + first), "line 1: only [[template]] may be here");
   EXPECT_EQ(errorOf("[template]\ntext = 'Zap'\n"), "line 1: only [[template]] may be here");
   EXPECT_EQ(errorOf("template = [\n1]\n"), "line 2: only [[template]] may be here");
+}
+
+TEST_F(ATemplateFile, IsRefusedWhenItsKeysHaveDots) {
+  std::string deep = "a";
+  for (int part = 0; part < 100'000; ++part) deep += ".a";
+  const std::string words = "a dot is allowed only within quotes";
+  EXPECT_EQ(errorOf(deep + " = 1\n"), "line 1: " + words);
+  EXPECT_EQ(errorOf("# 1.\n[" + deep + "]\n"), "line 2: " + words);
+  EXPECT_EQ(errorOf("template = [{ text = '.', " + deep + " = 1 }]\n"), "line 1: " + words);
+  EXPECT_EQ(errorOf("a = \"\"\".\n\\\"\"\".\"\"\"\"\"\n" + deep + " = ''\n"), "line 3: " + words);
+  EXPECT_EQ(errorOf("a = '''.''''\n" + deep + " = ''\n"), "line 2: " + words);
+  EXPECT_EQ(errorOf("a = '\\'\n" + deep + " = ''\n"), "line 2: " + words);
+  EXPECT_EQ(errorOf("a = 'no end\n" + deep + " = ''\n"), "line 2: " + words);
+}
+
+TEST_F(ATemplateFile, HasDotsWithinQuotesAndComments) {
+  write(
+      "# 1.\n[[template]] # 2.\ntext = 'Zap. {any}' # 'no end.\n\"kind\" = \"none\"\n"
+      "description = '''Zap's \"Z.''''\ncategory = \"\"\"\\\"\"\\\\.\"\"\"\n");
+  const auto content = TemplateFile::read();
+  ASSERT_THAT(content.templates, SizeIs(1)) << content.error.value_or("");
+  EXPECT_EQ(content.templates[0].description, "Zap's \"Z.'");
+  EXPECT_EQ(content.templates[0].category, "\"\"\\.");
+}
+
+TEST_F(ATemplateFile, IsRefusedWhenItBelongsToAnotherUser) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+  write(oneTemplate("Zap {amount}"));
+  ASSERT_EQ(chown(file().c_str(), 65534, 65534), 0);
+  EXPECT_EQ(TemplateFile::read().error, file().string() + ": it belongs to another user");
+  EXPECT_EQ(TemplateFile::add(taught("Zap 5")), file().string() + ": it belongs to another user");
 }
 
 TEST_F(ATemplateFile, IsRefusedWhenItIsTooLargeOrNoFile) {

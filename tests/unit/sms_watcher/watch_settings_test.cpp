@@ -16,6 +16,12 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testkit::writtenBy;
 
+std::string repeated(const std::string& text, int times) {
+  std::string all;
+  for (int time = 0; time < times; ++time) all += text;
+  return all;
+}
+
 class AWatchSettingsFile : public testing::Test {
  protected:
   void write(const std::string& text) {
@@ -60,6 +66,9 @@ TEST_F(AWatchSettingsFile, NamesNoSenderWhenItIsInvalid) {
       {"\nsenders = 'MARK'", "line 2: senders must be a list of texts in quotes"},
       {"senders = ['MARK', 7]", "line 1: a sender must be a text in quotes"},
       {"senders = ['MARK']\nsender = 'MARK'", "line 2: unknown key; the only one is senders"},
+      {"\nsenders" + repeated(".x", 100'000) + " = 'MARK'",
+       "line 2: a dot is allowed only within quotes"},
+      {"senders = " + repeated("[", 100'000), "line 1: this is not valid TOML"},
       {"senders = ['MARK', '']", "a sender is empty"},
       {"senders = ['MARK', '*']", "a sender of * alone would hand on the messages of everybody"},
       {std::string("senders = ['\xFF']"), "this is not valid TOML"},

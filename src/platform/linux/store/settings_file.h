@@ -1,4 +1,4 @@
-// Reads and replaces a settings file of the user. Knows no format.
+// Reads, locks and replaces a settings file of the user. Knows no format.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/foundation/date.h"
+#include "platform/linux/process/descriptor.h"
 
 namespace kivo::linux_platform {
 
@@ -15,15 +16,30 @@ inline constexpr std::size_t longestSettings = 1 << 20;
 
 /// A settings file as it was read.
 struct SettingsFile {
-  /// The content, empty when there is no file; nullopt when it is no regular file, is over
-  /// `longestSettings`, or cannot be read.
-  std::optional<std::string> text;
+  /// The content; empty when there is no file, or an error.
+  std::string text = {};
   /// The modification time; the epoch when there is no file.
   platform::Moment changed = {};
+  /// Why the file must not be used, as a sentence about "it": it is no regular file, is over
+  /// `longestSettings`, cannot be read, or a user other than this one and root decides what is in
+  /// it.
+  std::optional<std::string> error = {};
 };
 
 /// Reads the file at `path`, also through a symbolic link.
 SettingsFile readSettingsFile(const std::filesystem::path& path);
+
+/// Keeps two programs from changing a settings file at the same time, when each of them has a lock
+/// from before it reads the file until it has replaced it. Locks the folder, so that no other file
+/// is needed. File systems that lock no folders, such as NFS, are used without the lock.
+class SettingsLock {
+ public:
+  /// Creates the folders above `path`, and waits until no other program has the lock.
+  explicit SettingsLock(const std::filesystem::path& path);
+
+ private:
+  Descriptor folder_;
+};
 
 /// Replaces the file at `path` atomically and durably, and creates it and its folders for the user
 /// only. If it is a symbolic link, replaces its target. Returns false when a step failed; the file
