@@ -15,6 +15,7 @@
 #include "phone/local_ledger.h"
 #include "phone/phone_terminal.h"
 #include "phone/waiting_texts.h"
+#include "phone/watcher_status.h"
 #include "phone/widget_view.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/number_text.h"
@@ -239,6 +240,7 @@ int status(const GivenParameters&) {
   if (const auto warning = currencyWarning(*store)) lines += line("", *warning);
   lines += ledgerLines(*store);
   lines += line("Notifications", permissionWord().value_or(noCenter));
+  lines += line("Senders", WatcherStatus::sentence());
   lines += line("Waiting", WaitingTexts::sentence(items, linux_platform::lastExchange(),
                                                   platform::Date::now()));
   if (!items.empty()) lines += line("", "kivo-phone queue send sends them now");

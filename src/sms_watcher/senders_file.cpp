@@ -5,6 +5,7 @@
 
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/store/settings_toml.h"
+#include "sms_watcher/sender_pattern.h"
 
 namespace kivo::SendersFile {
 namespace {
@@ -65,6 +66,17 @@ Content read() {
 }
 
 linux_platform::SettingsLock lock() { return linux_platform::SettingsLock(place().value_or("")); }
+
+Content readValid() {
+  Content content = read();
+  for (const std::string& sender : content.senders) {
+    if (const auto objection = SenderPattern::objectionTo(sender)) {
+      content.error = place()->string() + ": a sender " + *objection;
+    }
+  }
+  if (content.error) content.senders.clear();
+  return content;
+}
 
 bool write(const std::vector<std::string>& senders) {
   const auto path = place();

@@ -32,6 +32,9 @@ Content read();
 /// before `read` until after `write`.
 [[nodiscard]] linux_platform::SettingsLock lock();
 
+/// As `read`, but a file with an invalid sender cannot be used either.
+Content readValid();
+
 /// Replaces the file atomically and durably, and creates it and its folders for the user only. If
 /// the file is a symbolic link, replaces its target. Returns false when a step failed; the file
 /// then has either its old or its new content.

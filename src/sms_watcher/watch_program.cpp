@@ -20,8 +20,6 @@ namespace kivo {
 namespace {
 using std::chrono::milliseconds;
 
-constexpr const char* ownName = "app.kivo.SmsWatcher";
-
 // Escaped, since the text may include an error message from the bus.
 void tell(const std::string& what) {
   std::cerr << "kivo-sms-watcher: " << linux_platform::escapedControls(what) << '\n';
@@ -57,7 +55,7 @@ class WatchProgram {
 
   WatchLimits limits_;
   ModemMessages modems_{limits_.modemCall, limits_.pauses.first};
-  IntentsClient intents_{ownName, limits_.perform, [this] { modems_.wake(); }};
+  IntentsClient intents_{watcherBusName, limits_.perform, [this] { modems_.wake(); }};
   // Opened only after the bus name is taken, so that no other watcher uses it.
   SmsWatcher watcher_{openRecord(), limits_.pauses};
   WatchSettings settings_;

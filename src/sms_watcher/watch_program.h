@@ -7,6 +7,9 @@
 
 namespace kivo {
 
+/// The bus name of the watcher that runs.
+inline constexpr const char* watcherBusName = "app.kivo.SmsWatcher";
+
 /// The program's timeouts and intervals.
 struct WatchLimits {
   /// How often to check for changed settings and a sign-in when nothing else wakes it.

@@ -3,30 +3,12 @@
 #include <iostream>
 #include <utility>
 
-#include "sms_watcher/sender_pattern.h"
 #include "sms_watcher/senders_file.h"
 
 namespace kivo {
-namespace {
-
-using SendersFile::Content;
-
-// The content of the file, with an error when it names an invalid sender.
-Content checkedContent() {
-  Content content = SendersFile::read();
-  for (const std::string& sender : content.senders) {
-    if (const auto objection = SenderPattern::objectionTo(sender)) {
-      content.error = SendersFile::place()->string() + ": a sender " + *objection;
-    }
-  }
-  if (content.error) content.senders.clear();
-  return content;
-}
-
-}  // namespace
 
 bool WatchSettings::refresh() {
-  Content content = checkedContent();
+  SendersFile::Content content = SendersFile::readValid();
   const bool same = read_ && content.senders == senders_ && content.error == error_;
   read_ = true;
   senders_ = std::move(content.senders);

@@ -136,6 +136,8 @@ TEST_F(ASignedInPhone, ShowsBackendAndPermissionInItsStatus) {
                                         "Backend        The backend answers.\n"
                                         "Currency       EGP\n"
                                         "Notifications  authorized\n"
+                                        "Senders        none for kivo-sms-watcher; "
+                                        "kivo-phone watch add names one\n"
                                         "Waiting        none\n");
 }
 
