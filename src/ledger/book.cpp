@@ -125,10 +125,14 @@ std::optional<BookedSum> Book::accept(std::int64_t id, const std::string& curren
   Transaction transaction(database_.get());
   require(transaction.code());
   const auto accepted = entry(id);
-  if (!accepted || !accepted->amount) return std::nullopt;
+  if (!accepted || !accepted->amount || !isBookable(*accepted->amount)) return std::nullopt;
   BookedSum sum{*accepted->amount};
   if (accepted->state == LedgerEntry::State::review && sum.amount.currency != currency) {
-    sum = converted(sum.amount, currency).value_or(sum);
+    if (const auto set = rate(sum.amount.currency)) {
+      const auto converted = set->convert(sum.amount, currency);
+      if (!converted) return std::nullopt;
+      sum = {*converted, set->text()};
+    }
   }
   Statement update(database_.get(), R"(
     UPDATE transactions SET state = 'booked', minor_units = ?, currency = ? WHERE id = ?)");
@@ -176,9 +180,16 @@ std::int64_t Book::forgetTexts() {
   return count;
 }
 
-void Book::setRate(const std::string& currency, const std::string& rate) {
+void Book::setRate(const std::string& currency, const Rate& rate) {
   Statement upsert(database_.get(), "INSERT OR REPLACE INTO rates VALUES (?, ?)");
-  run(upsert.bind(currency).bind(rate));
+  const std::string text = rate.text();
+  run(upsert.bind(currency).bind(text));
+}
+
+std::optional<Rate> Book::rate(const std::string& currency) const {
+  Statement query(database_.get(), "SELECT rate FROM rates WHERE currency = ?");
+  if (!next(query.bind(currency))) return std::nullopt;
+  return Rate::fromText(query.text(0));
 }
 
 bool Book::removeRate(const std::string& currency) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ledger/ledger_entry.h"
+#include "ledger/recognition/rate.h"
 #include "platform/linux/store/sqlite_database.h"
 #include "platform/linux/store/sqlite_statement.h"
 
@@ -111,9 +112,9 @@ class Book {
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category
   /// that is not empty also applies to later messages of the same payee.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id`; returns nullopt when no entry has this id, or it has no amount. The
-  /// amount of an entry in review that is not in `currency` is converted when a rate is set, and
-  /// stays as it is otherwise.
+  /// Books the entry `id`. The amount of an entry in review that is not in `currency` is converted
+  /// when a rate is set, and stays as it is otherwise. Returns nullopt, and changes nothing, when
+  /// no entry has this id, or it has no amount that is bookable, also by the rate.
   std::optional<BookedSum> accept(std::int64_t id, const std::string& currency);
   /// Returns the entry `id` as its message is read now for a book kept in `currency`, with rates
   /// and corrections, marked where it looks like an earlier one. Changes nothing. nullopt when no
@@ -131,11 +132,14 @@ class Book {
   std::int64_t forgetTexts();
 
   /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
-  /// entries accepted later. `rate` is a plain decimal above zero.
-  void setRate(const std::string& currency, const std::string& rate);
+  /// entries accepted later.
+  void setRate(const std::string& currency, const Rate& rate);
+  /// Returns the rate of `currency`; nullopt when it has none, or none that `Rate` reads.
+  [[nodiscard]] std::optional<Rate> rate(const std::string& currency) const;
   /// Removes the rate of `currency`; returns false when it has no rate.
   bool removeRate(const std::string& currency);
-  /// Returns the currencies and their rates, in the order of the codes.
+  /// Returns the currencies and their rates as they are stored, also those that `Rate` does not
+  /// read, in the order of the codes.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
 
  private:
@@ -143,8 +147,6 @@ class Book {
 
   [[nodiscard]] std::optional<std::string> answerTo(const Message& message) const;
   [[nodiscard]] Reading readingOf(const std::string& text, const std::string& currency) const;
-  [[nodiscard]] std::optional<BookedSum> converted(const Money& foreign,
-                                                   const std::string& currency) const;
   void correct(LedgerEntry& entry) const;
   void markLookAlike(LedgerEntry& entry, const std::string& userId) const;
   void insert(LedgerEntry& entry, const std::string& userId) const;

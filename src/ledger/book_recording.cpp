@@ -1,5 +1,4 @@
 // Book::record and its steps.
-#include <cmath>
 #include <limits>
 
 #include "extraction/sms_extraction_response.h"
@@ -33,8 +32,6 @@ SMSExtractionResponse responseTo(const LedgerEntry& entry) {
               .category = entry.category,
               .expense_date = entry.date}};
 }
-
-double power(double base, int exponent) { return std::pow(base, exponent); }
 
 }  // namespace
 
@@ -70,7 +67,7 @@ std::optional<std::string> Book::answerTo(const Message& message) const {
 }
 
 // A message that is in review only for its currency is read again in that currency, and converted
-// when a rate is set.
+// when a rate is set and the result is bookable.
 Reading Book::readingOf(const std::string& text, const std::string& currency) const {
   Reading reading = reader_(text, currency);
   if (reading.outcome != Outcome::needsReview || !reading.amount ||
@@ -79,25 +76,10 @@ Reading Book::readingOf(const std::string& text, const std::string& currency) co
   }
   Reading foreign = reader_(text, reading.amount->currency);
   if (foreign.outcome != Outcome::transaction || foreign.amount != reading.amount) return reading;
-  const auto sum = converted(*foreign.amount, currency);
-  if (!sum) return reading;
-  foreign.amount = sum->amount;
-  return foreign;
-}
-
-// `foreign` converted at its rate, rounded to whole minor units; absent without a rate, and when
-// the result is less than one minor unit or not exact as a double.
-std::optional<BookedSum> Book::converted(const Money& foreign, const std::string& currency) const {
-  Statement query(database_.get(), "SELECT rate FROM rates WHERE currency = ?");
-  if (!next(query.bind(foreign.currency))) return std::nullopt;
-  const std::string rateText = query.text(0);
-  const double rate = platform::doubleFromText(rateText).value_or(0);
-  const int shift = minorDigits(currency) - minorDigits(foreign.currency);
-  const double units =
-      std::round(static_cast<double>(foreign.minorUnits) * rate * power(10, shift));
-  constexpr double largestExact = 9007199254740992;  // 2 to the 53rd
-  if (!(units >= 1 && units < largestExact)) return std::nullopt;
-  return BookedSum{{static_cast<std::int64_t>(units), currency}, rateText};
+  const auto set = rate(foreign.amount->currency);
+  if (!set) return reading;
+  foreign.amount = set->convert(*foreign.amount, currency);
+  return foreign.amount ? foreign : reading;
 }
 
 // Applies the user's earlier corrections for this payee.

@@ -1,6 +1,5 @@
 #include "ledger/editing_commands.h"
 
-#include <cmath>
 #include <iostream>
 #include <string>
 
@@ -10,11 +9,12 @@
 #include "ledger/command_options.h"
 #include "ledger/entry_listing.h"
 #include "ledger/ledger_terminal.h"
-#include "platform/foundation/number_text.h"
+#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::ledger {
 namespace {
 
+using linux_platform::escapedControls;
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
@@ -76,15 +76,26 @@ int edit(const GivenParameters& parameters) {
   });
 }
 
+// The reason why `accept` does not book an entry, and the command that helps.
+std::string whyNotBooked(const LedgerEntry& entry, const std::string& currency) {
+  const std::string edit = "; kivo-ledger edit " + std::to_string(entry.id) + " --amount ";
+  if (!entry.amount) return "its sum is unknown" + edit + "gives it one";
+  const std::string sum = entry.amount->currency + " " + amountText(*entry.amount);
+  if (!isBookable(*entry.amount)) {
+    return "its sum " + sum + " is not above zero and " +
+           amountText({largestSum, entry.amount->currency}) + " at most" + edit + "corrects it";
+  }
+  return "its sum " + sum + " converted at its rate is not from " + amountText({1, currency}) +
+         " to " + amountText({largestSum, currency}) + edit + "SUM --currency " + currency +
+         " gives it one";
+}
+
 int accept(const GivenParameters& parameters) {
   const auto currency = bookCurrency();
   if (!currency) return exitFailure;
   return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
     const auto sum = book.accept(entry.id, *currency);
-    if (!sum) {
-      return fail("its sum is unknown; kivo-ledger edit " + std::to_string(entry.id) +
-                  " --amount gives it one");
-    }
+    if (!sum) return fail(whyNotBooked(entry, *currency));
     const std::string rate = sum->rate.empty() ? "" : " at the rate " + sum->rate;
     return print("Booked as " + sum->amount.currency + " " + amountText(sum->amount) + rate +
                  ".\n");
@@ -128,10 +139,17 @@ int forgetTexts(const GivenParameters& parameters) {
   });
 }
 
+std::string rateForm() {
+  return "a number above zero such as 48.5: " + std::to_string(Rate::mostDigits) +
+         " digits at most, with at most one point";
+}
+
 int showRates(const Book& book) {
   std::string lines;
   for (const auto& [currency, rate] : book.rates()) {
-    lines.append(currency).append(" ").append(rate).append("\n");
+    lines += escapedControls(currency + " " + rate);
+    if (!Rate::fromText(rate)) lines += " is not used: a rate must be " + rateForm();
+    lines += "\n";
   }
   return print(lines.empty() ? "No rate is set.\n" : lines);
 }
@@ -144,13 +162,11 @@ int rate(const GivenParameters& parameters) {
   const std::string currency = currencyCode(*code);
   if (!isCurrency(currency)) return failFor("CURRENCY", *code, "a code such as USD");
   if (removes == value.has_value()) return fail("give either RATE or --remove", exitBadUsage);
-  const double number = value ? platform::doubleFromText(*value).value_or(0) : 1;
-  if (!(number > 0 && std::isfinite(number))) {
-    return failFor("RATE", *value, "a number above zero such as 48.5");
-  }
+  const auto set = value ? Rate::fromText(*value) : std::nullopt;
+  if (value && !set) return failFor("RATE", *value, rateForm());
   return withBook([&](Book& book) {
     if (removes) return book.removeRate(currency) ? 0 : fail("there is no rate for " + currency);
-    book.setRate(currency, *value);
+    book.setRate(currency, *set);
     return 0;
   });
 }

@@ -236,6 +236,39 @@ TEST_F(ALedger, SaysTheSumAndTheRateOfAnAcceptedForeignSum) {
   EXPECT_EQ(shown({"accept", "2"}), "Booked as EGP 970.00 at the rate 48.5.\n");
 }
 
+TEST_F(ALedger, RoundsAConvertedSumHalfUp) {
+  const auto server = ledger_.start();
+  shown({"rate", "USD", "1.005"});
+  EXPECT_THAT(ledger_.post("KEY-1", "Your card was charged USD 1.00 at Netflix.").body(),
+              HasSubstr(R"("amount":1.01)"));
+}
+
+TEST_F(ALedger, KeepsForReviewAForeignSumThatConvertsToNothing) {
+  const auto server = ledger_.start();
+  shown({"rate", "IRR", "0.00001"});
+  EXPECT_THAT(ledger_.post("KEY-1", "Your card was charged IRR 499.99 at Netflix.").body(),
+              HasSubstr("needs_review"));
+  EXPECT_EQ(json({"review"})[0]["amount"], "499.99");
+  expectFailure({"accept", "1"}, 1,
+                "its sum IRR 499.99 converted at its rate is not from 0.01 to 90071992547409.92; "
+                "kivo-ledger edit 1 --amount SUM --currency EGP gives it one");
+  EXPECT_EQ(json({"review"}).size(), 1U);
+}
+
+TEST_F(ALedger, IgnoresAStoredRateThatIsNoDecimal) {
+  const auto server = ledger_.start();
+  shown({"rate", "EUR", "52"});
+  RawStore(book()).run(
+      "PRAGMA ignore_check_constraints = ON; INSERT INTO rates (currency, rate) VALUES "
+      "('USD', '0x30')");
+  EXPECT_EQ(shown({"rate"}),
+            "EUR 52\n"
+            "USD 0x30 is not used: a rate must be a number above zero such as 48.5: 18 digits at "
+            "most, with at most one point\n");
+  EXPECT_THAT(ledger_.post("KEY-1", purchaseAbroad).body(), HasSubstr("needs_review"));
+  EXPECT_EQ(shown({"accept", "1"}), "Booked as USD 20.00.\n");
+}
+
 TEST_F(ALedger, BooksInTheCurrencyOfTheStore) {
   SharedStore store = SharedStore::open(appGroup).value();
   store.writeText(StoreKeys::currency, "usd");
@@ -276,8 +309,14 @@ TEST_F(ALedger, RefusesInvalidArguments) {
   expectFailure({"delete", "7"}, 64,
                 "there is no terminal to ask at; --yes deletes without asking");
   expectFailure({"rate", "XX", "1"}, 64, "invalid CURRENCY \"XX\": it must be a code such as USD");
-  expectFailure({"rate", "USD", "nan"}, 64,
-                "invalid RATE \"nan\": it must be a number above zero such as 48.5");
+  for (const char* const rate :
+       {"nan", "0x30", "4e1", "1e308", "-1", "+48.5", "0", "1,5", "", "1234567890123456789"}) {
+    expectFailure({"rate", "USD", rate}, 64,
+                  std::string("invalid RATE \"") + rate +
+                      "\": it must be a number above zero such as 48.5: 18 digits at most, with "
+                      "at most one point");
+  }
+  EXPECT_EQ(shown({"rate"}), "No rate is set.\n");
   expectFailure({"rate", "USD"}, 64, "give either RATE or --remove");
   expectFailure({"rate", "USD", "--remove"}, 1, "there is no rate for USD");
 }

@@ -6,6 +6,10 @@
 
 namespace kivo::ledger {
 
+bool isBookable(const Money& money) {
+  return money.minorUnits > 0 && money.minorUnits <= largestSum;
+}
+
 int minorDigits(std::string_view currency) {
   constexpr int digitsOfMost = 2;
   const Currency* const found = currencyByCode(currency);

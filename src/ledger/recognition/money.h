@@ -17,6 +17,12 @@ struct Money {
   bool operator==(const Money&) const = default;
 };
 
+/// The largest sum that is booked, in minor units: up to it, an answer can carry each as a double.
+inline constexpr std::int64_t largestSum = std::int64_t{1} << 53;
+
+/// Whether `money` is above zero and `largestSum` at most.
+bool isBookable(const Money& money);
+
 /// The number of decimals of `currency` by ISO 4217 (0, 2, 3 or 4); 2 for an unknown code.
 int minorDigits(std::string_view currency);
 

@@ -128,7 +128,7 @@ TEST_F(ABook, PutsAForeignAmountInReviewUntilARateIsSet) {
   };
   EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");
   EXPECT_EQ(book.entries({.state = LedgerEntry::State::review})[0].amount, (Money{1050, "USD"}));
-  book.setRate("USD", "48.5");
+  book.setRate("USD", rate("48.5"));
   const auto response = record(book, message("KEY-2"));
   ASSERT_TRUE(response.saved);
   EXPECT_EQ(response.expense->amount, 509.25);
@@ -143,14 +143,14 @@ TEST_F(ABook, ConvertsBetweenCurrenciesWithDifferentDecimals) {
     if (currency != "KWD") reading.outcome = Outcome::needsReview;
     return reading;
   };
-  book.setRate("KWD", "490.5");
+  book.setRate("KWD", rate("490.5"));
   book.record(message("KEY-1"), "JPY");
   EXPECT_EQ(book.entries({})[0].amount, (Money{613, "JPY"}));  // 613.125
 }
 
 TEST_F(ABook, PutsAnUnclearForeignAmountInReviewDespiteARate) {
   Book book = open();
-  book.setRate("USD", "48.5");
+  book.setRate("USD", rate("48.5"));
   reading_ = spent(1050, "Sunny Market", "USD");
   reading_.outcome = Outcome::needsReview;
   EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");

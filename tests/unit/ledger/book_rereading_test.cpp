@@ -61,7 +61,7 @@ TEST_F(AReadAgainEntry, HasCorrectionsAndRates) {
   Book book = open();
   const LedgerEntry known = recorded(book, "KEY-1", spent(100));
   book.edit(known.id, {.category = "Food"});
-  book.setRate("USD", "50");
+  book.setRate("USD", rate("50"));
   const LedgerEntry entry = recorded(book, "KEY-2", unclear());
   readings_ = [](std::string_view currency) {
     Reading reading = spent(2000, "Sunny Market", "USD");

@@ -115,7 +115,7 @@ TEST_F(AStoredBook, ConvertsAForeignAmountOnAcceptWhenARateIsSet) {
   EXPECT_EQ(asShown.amount, (Money{1000, "USD"}));
   EXPECT_EQ(asShown.rate, "");
 
-  book.setRate("USD", "48.5");
+  book.setRate("USD", rate("48.5"));
   const auto converted = book.accept(2, "EGP").value();
   EXPECT_EQ(converted.amount, (Money{48500, "EGP"}));
   EXPECT_EQ(converted.rate, "48.5");
@@ -129,7 +129,7 @@ TEST_F(AStoredBook, KeepsTheAmountOfABookedEntryThatIsAcceptedAgain) {
   foreign.outcome = Outcome::needsReview;
   recorded(book, "KEY-1", foreign);
   book.accept(1, "EGP");
-  book.setRate("USD", "48.5");
+  book.setRate("USD", rate("48.5"));
   EXPECT_EQ(book.accept(1, "EGP")->amount, (Money{1000, "USD"}));
   EXPECT_EQ(book.entry(1)->amount, (Money{1000, "USD"}));
 }
@@ -170,9 +170,9 @@ TEST_F(AStoredBook, ErasesForgottenTextsFromItsFiles) {
 
 TEST_F(AStoredBook, StoresRates) {
   Book book = open();
-  book.setRate("USD", "48.5");
-  book.setRate("EUR", "52");
-  book.setRate("USD", "49");
+  book.setRate("USD", rate("48.5"));
+  book.setRate("EUR", rate("52"));
+  book.setRate("USD", rate("49"));
   EXPECT_THAT(book.rates(), ElementsAre(Pair("EUR", "52"), Pair("USD", "49")));
   EXPECT_TRUE(book.removeRate("USD"));
   EXPECT_FALSE(book.removeRate("USD"));

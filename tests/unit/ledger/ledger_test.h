@@ -32,6 +32,8 @@ class LedgerTest : public testing::Test {
     return reading;
   }
 
+  static Rate rate(const char* text) { return Rate::fromText(text).value(); }
+
   // A book that reads each message as `reading_`, whatever its text.
   Book open() {
     auto book = Book::open([this](std::string_view, std::string_view currency) {
