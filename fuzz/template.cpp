@@ -7,6 +7,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include "ledger/recognition/amount_digits.h"
 #include "ledger/templates/message_text.h"
 #include "ledger/templates/teaching.h"
 #include "platform/foundation/utf8.h"
@@ -62,7 +63,10 @@ void teachAny(FuzzedDataProvider& data) {
   require(fit.has_value(), "the template fits its message");
   if (!kind) return;
   require(fit->amounts.size() == 1, "one number is the sum");
-  require(withoutBlanks(templateForm(amount)).find(fit->amounts[0]) != std::string::npos,
+  const std::string& currency = taught.made->currency;
+  const auto named = moneyFromText(templateForm(amount), currency);
+  require(withoutBlanks(templateForm(amount)).find(fit->amounts[0]) != std::string::npos ||
+              (named && minorUnitsOf(fit->amounts[0], currency) == named->minorUnits),
           "the sum is the one that was named");
   require(fit->payee == templateForm(payee), "the payee is the one that was named");
 }

@@ -19,30 +19,60 @@ using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-// Reads --amount and --currency, each of which keeps the other as it is. Returns an exit status, 0
-// when they fit.
-int readAmount(const GivenParameters& parameters, const LedgerEntry& entry, EntryChange& change) {
+std::string sumText(const Money& sum) { return sum.currency + " " + amountText(sum); }
+
+int readSum(const std::string& text, const std::string& currency, EntryChange& change) {
+  change.amount = moneyFromText(text, currency);
+  if (change.amount && isBookable(*change.amount)) return 0;
+  return failFor("--amount", text,
+                 "a sum above zero such as 1,189.50: " + std::to_string(minorDigits(currency)) +
+                     " decimals at most, commas only between thousands, and up to " +
+                     amountText({largestSum, currency}));
+}
+
+// Reads --currency without --amount: the sum is converted by its rate.
+int readConversion(const Book& book, const LedgerEntry& entry, const std::string& currency,
+                   EntryChange& change) {
+  if (!entry.amount) return fail("its sum is unknown: give --amount as well", exitBadUsage);
+  const Money& sum = *entry.amount;
+  if (sum.currency == currency) return 0;
+  const std::string give = "give the sum in " + currency + " by --amount";
+  const auto booksIn = bookCurrency();
+  if (!booksIn) return exitFailure;
+  if (currency != *booksIn) {
+    return fail("there are rates for " + *booksIn + " alone: " + give, exitBadUsage);
+  }
+  const auto rate = book.rate(sum.currency);
+  if (!rate) {
+    return fail("there is no rate for " + sum.currency + ": set it by kivo-ledger rate " +
+                    sum.currency + " RATE, or " + give,
+                exitBadUsage);
+  }
+  change.amount = rate->convert(sum, currency);
+  if (change.amount) return 0;
+  return fail(sumText(sum) + " cannot be converted at the rate " + rate->text() + ": " + give,
+              exitBadUsage);
+}
+
+// Reads --amount and --currency. Returns an exit status, 0 when they fit.
+int readAmount(const GivenParameters& parameters, const Book& book, const LedgerEntry& entry,
+               EntryChange& change) {
   const auto amount = given(parameters, "--amount");
   const auto code = given(parameters, "--currency");
-  if (!amount && !code) return 0;
-  if (!amount && !entry.amount) return fail("give the --amount as well", exitBadUsage);
-  std::string currency = code ? currencyCode(*code) : "";
-  if (code && !isCurrency(currency)) return failFor("--currency", *code, "a code such as EGP");
-  if (!code) {
-    const auto kept = entry.amount ? entry.amount->currency : bookCurrency();
-    if (!kept) return exitFailure;
-    currency = *kept;
+  if (code) {
+    const std::string currency = currencyCode(*code);
+    if (!isCurrency(currency)) return failFor("--currency", *code, "a code such as EGP");
+    return amount ? readSum(*amount, currency, change)
+                  : readConversion(book, entry, currency, change);
   }
-  const std::string text = amount ? *amount : amountText(*entry.amount);
-  change.amount = moneyFromText(text, currency);
-  if (change.amount && change.amount->minorUnits > 0) return 0;
-  return failFor(
-      "--amount", text,
-      "a sum above zero with " + std::to_string(minorDigits(currency)) + " decimals at most");
+  if (!amount) return 0;
+  const auto kept = entry.amount ? entry.amount->currency : bookCurrency();
+  return kept ? readSum(*amount, *kept, change) : exitFailure;
 }
 
 // Returns an exit status, 0 when all that was given fits.
-int readChange(const GivenParameters& parameters, const LedgerEntry& entry, EntryChange& change) {
+int readChange(const GivenParameters& parameters, const Book& book, const LedgerEntry& entry,
+               EntryChange& change) {
   change.date = given(parameters, "--date");
   if (change.date && !isDay(*change.date)) {
     return failFor("--date", *change.date, "a day such as 2026-11-21");
@@ -55,7 +85,7 @@ int readChange(const GivenParameters& parameters, const LedgerEntry& entry, Entr
   change.category = given(parameters, "--category");
   if (change.description == "") return fail("--description is empty", exitBadUsage);
   if (change.category == "") return fail("--category is empty", exitBadUsage);
-  return readAmount(parameters, entry, change);
+  return readAmount(parameters, book, entry, change);
 }
 
 int showChanged(const Book& book, std::int64_t id) {
@@ -70,7 +100,7 @@ int edit(const GivenParameters& parameters) {
   }
   return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
     EntryChange change;
-    if (const int failed = readChange(parameters, entry, change); failed != 0) return failed;
+    if (const int failed = readChange(parameters, book, entry, change); failed != 0) return failed;
     book.edit(entry.id, change);
     return showChanged(book, entry.id);
   });
@@ -80,7 +110,7 @@ int edit(const GivenParameters& parameters) {
 std::string whyNotBooked(const LedgerEntry& entry, const std::string& currency) {
   const std::string edit = "; kivo-ledger edit " + std::to_string(entry.id) + " --amount ";
   if (!entry.amount) return "its sum is unknown" + edit + "gives it one";
-  const std::string sum = entry.amount->currency + " " + amountText(*entry.amount);
+  const std::string sum = sumText(*entry.amount);
   if (!isBookable(*entry.amount)) {
     return "its sum " + sum + " is not above zero and " +
            amountText({largestSum, entry.amount->currency}) + " at most" + edit + "corrects it";
@@ -97,8 +127,7 @@ int accept(const GivenParameters& parameters) {
     const auto sum = book.accept(entry.id, *currency);
     if (!sum) return fail(whyNotBooked(entry, *currency));
     const std::string rate = sum->rate.empty() ? "" : " at the rate " + sum->rate;
-    return print("Booked as " + sum->amount.currency + " " + amountText(sum->amount) + rate +
-                 ".\n");
+    return print("Booked as " + sumText(sum->amount) + rate + ".\n");
   });
 }
 
@@ -183,8 +212,8 @@ std::vector<linux_platform::Command> editingCommands() {
        "Correct a transaction; description and category hold for its payee from then on",
        {id,
         {"--date", "The day, as 2026-11-21", optional},
-        {"--amount", "The sum, as 150.00", optional},
-        {"--currency", "The currency's code, as EGP", optional},
+        {"--amount", "The sum, as 1,189.50", optional},
+        {"--currency", "Its currency's code, as EGP; converts it without --amount", optional},
         {"--kind", "expense, income or transfer", optional, kinds},
         {"--description", "The merchant or payee", optional},
         {"--category", "The category", optional}},

@@ -269,6 +269,32 @@ TEST_F(ALedger, IgnoresAStoredRateThatIsNoDecimal) {
   EXPECT_EQ(shown({"accept", "1"}), "Booked as USD 20.00.\n");
 }
 
+TEST_F(ALedger, TakesASumWithCommasBetweenThousands) {
+  {
+    const auto server = ledger_.start();
+    ledger_.post("KEY-1");
+  }
+  shown({"edit", "1", "--amount", "1,189.50"});
+  EXPECT_EQ(json({"list"})[0]["amount"], "1189.50");
+}
+
+TEST_F(ALedger, ConvertsAnEntryWhoseCurrencyIsEdited) {
+  const auto server = ledger_.start();
+  ledger_.post("KEY-1", "Your card was charged USD 9.99 at Netflix.");
+  expectFailure({"edit", "1", "--currency", "EGP"}, 64,
+                "there is no rate for USD: set it by kivo-ledger rate USD RATE, or give the sum in "
+                "EGP by --amount");
+  expectFailure({"edit", "1", "--currency", "EUR"}, 64,
+                "there are rates for EGP alone: give the sum in EUR by --amount");
+  EXPECT_EQ(json({"review"})[0]["currency"], "USD");
+  shown({"edit", "1", "--currency", "USD", "--category", "Fun"});
+  EXPECT_EQ(json({"review"})[0]["amount"], "9.99");
+  shown({"rate", "USD", "48.5"});
+  shown({"edit", "1", "--currency", "EGP"});
+  EXPECT_EQ(json({"review"})[0]["amount"], "484.52");
+  EXPECT_EQ(json({"review"})[0]["currency"], "EGP");
+}
+
 TEST_F(ALedger, BooksInTheCurrencyOfTheStore) {
   SharedStore store = SharedStore::open(appGroup).value();
   store.writeText(StoreKeys::currency, "usd");
@@ -326,10 +352,14 @@ TEST_F(ALedger, RefusesInvalidEdits) {
     const auto server = ledger_.start();
     ledger_.post("KEY-1");
   }
-  expectFailure({"edit", "1", "--amount", "0"}, 64,
-                "invalid --amount \"0\": it must be a sum above zero with 2 decimals at most");
-  expectFailure({"edit", "1", "--amount", "1.001"}, 64,
-                "invalid --amount \"1.001\": it must be a sum above zero with 2 decimals at most");
+  for (const char* const sum : {"0", "-5", "1.001", "1,18.50", "1189,50", "1e3", "0x30", "",
+                                "90071992547409.93", "92233720368547758.08"}) {
+    expectFailure(
+        {"edit", "1", "--amount", sum}, 64,
+        std::string("invalid --amount \"") + sum +
+            "\": it must be a sum above zero such as 1,189.50: 2 decimals at most, commas "
+            "only between thousands, and up to 90071992547409.92");
+  }
   expectFailure({"edit", "1", "--currency", "EURO"}, 64,
                 "invalid --currency \"EURO\": it must be a code such as EGP");
   expectFailure({"edit", "1", "--kind", "gift"}, 64,

@@ -101,6 +101,13 @@ TEST_F(ATaughtLedger, TakesACurrencyInSmallLetters) {
   EXPECT_THAT(templates(), HasSubstr("currency = \"USD\"\n"));
 }
 
+TEST_F(ATaughtLedger, TakesASumWithCommasBetweenThousands) {
+  const ProgramResult result = run({"teach", "-", "--kind", "expense", "--amount", "1,189.50"},
+                                   "Zap! Tulip Bank moved EGP 1189.50 over.");
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, HasSubstr("  expense, 1189.50 EGP, Payment, Other\n"));
+}
+
 TEST_F(ATaughtLedger, ReadsTheNextMessageWithoutARestart) {
   const auto server = ledger_.start();
   EXPECT_THAT(ledger_.post("KEY-1", unknown).body(), Not(HasSubstr("\"saved\":true")));
@@ -215,13 +222,14 @@ TEST_F(ATaughtLedger, LeavesAForeignSumForReviewUntilThereIsARate) {
 
 TEST_F(ATaughtLedger, AsksForThePartsAtATerminal) {
   receive({unclear});
-  const ProgramResult result = onTerminal("teach 1", "e\n20\n20.00\n\n\ny\n");
+  const ProgramResult result = onTerminal("teach 1", "e\n7\n20.00\n\n\ny\n");
   EXPECT_EQ(result.status, 0);
   const std::vector<std::string> parts = {
       "The message:\r\n  Purchase EGP 10.00 EGP 20.00 at Nile Cinema\r\n",
       "Kind: expense, income, transfer, or none for no payment? [expense] ",
       "The sum, as the message writes it?",
-      "That has to be one number of the message, as it is there.\r\n",
+      "That has to be one number of the message, as it is there or such as 1,189.50: commas only "
+      "between thousands.\r\n",
       "Who was paid, as the message writes it, or - for no name? [Nile Cinema] ",
       "  Purchase EGP {any} EGP {amount} at {payee}\r\n",
       "  expense, 20.00 EGP, Nile Cinema, Entertainment\r\n",
@@ -296,8 +304,9 @@ TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
                 "invalid ID \"x\": it must be a number, as list and review show it");
   expectFailure({"teach", "9", "--kind", "none"}, 1, "no transaction has the ID 9");
   expectFailure({"teach", "-", "--kind", "none"}, 64, "standard input is empty");
-  expectFailure({"teach", "1", "--kind", "expense", "--amount", "7"}, 1,
-                "--amount has to be one number of the message, as it is there");
+  expectFailure({"teach", "1", "--kind", "expense", "--amount", "1,18.50"}, 1,
+                "--amount has to be one number of the message, as it is there or such as 1,189.50: "
+                "commas only between thousands");
   expectFailure({"teach", "1", "--kind", "expense", "--amount", "20.00", "--payee", "Moon"}, 1,
                 "--payee has to be a part of the message, as it is there");
   run({"forget-texts", "--yes"});

@@ -6,6 +6,24 @@
 
 namespace kivo::ledger {
 
+namespace {
+
+// Returns `whole` without its commas; empty when they are not between all thousands.
+std::string withoutCommas(std::string_view whole) {
+  constexpr std::size_t groupAndComma = 4;
+  if (whole.find(',') == std::string_view::npos) return std::string(whole);
+  if (whole.front() == ',' || whole.front() == '0') return {};
+  std::string digits;
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    const bool between = (whole.size() - at) % groupAndComma == 0;
+    if (between != (whole[at] == ',')) return {};
+    if (!between) digits += whole[at];
+  }
+  return digits;
+}
+
+}  // namespace
+
 bool isBookable(const Money& money) {
   return money.minorUnits > 0 && money.minorUnits <= largestSum;
 }
@@ -40,7 +58,7 @@ std::optional<Money> moneyFromText(std::string_view amount, std::string_view cur
   const bool negative = amount.starts_with('-');
   if (negative) amount.remove_prefix(1);
   const std::size_t point = amount.find('.');
-  const std::string_view whole = amount.substr(0, point);
+  const std::string whole = withoutCommas(amount.substr(0, point));
   const std::string_view fraction =
       point == std::string_view::npos ? std::string_view() : amount.substr(point + 1);
   const auto decimals = static_cast<std::size_t>(minorDigits(currency));
@@ -53,7 +71,9 @@ std::optional<Money> moneyFromText(std::string_view amount, std::string_view cur
   Money money{.currency = std::string(currency)};
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), money.minorUnits);
-  if (error != std::errc()) return std::nullopt;
+  const bool fits =
+      error == std::errc() && money.minorUnits >= -largestSum && money.minorUnits <= largestSum;
+  if (!fits) return std::nullopt;
   return money;
 }
 

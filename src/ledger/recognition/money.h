@@ -36,8 +36,9 @@ bool isCurrency(std::string_view code);
 /// "-0.05".
 std::string amountText(const Money& money);
 
-/// Reads a plain decimal such as "150", "150.5" or "-0.05" as a sum in `currency`. Absent when
-/// `amount` is anything else, has more decimals than the currency, or does not fit 64 bits.
+/// Reads a decimal such as "150", "1,189.50" or "-0.05" as a sum in `currency`: a point before the
+/// decimals, and commas, if any, between all thousands. Absent when `amount` is anything else, has
+/// more decimals than the currency, or exceeds `largestSum` in either direction.
 std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency);
 
 }  // namespace kivo::ledger

@@ -109,6 +109,29 @@ std::string statedCurrency(std::string_view form, const Place& place,
   return "";
 }
 
+// Returns the minor units that the number at `place` states.
+std::optional<std::int64_t> unitsAt(std::string_view form, const Place& place,
+                                    std::string_view currency) {
+  std::string digits(form.substr(place.begin, place.end - place.begin));
+  std::erase(digits, ' ');
+  return minorUnitsOf(digits, currency);
+}
+
+// Returns the numbers of `form` that state the sum `given`, such as "1,189.50", in `currency`, or
+// in the currency beside each when that is empty.
+std::vector<Place> placesOfSum(std::string_view form, std::string_view given,
+                               std::string_view currency, std::string_view bookCurrency) {
+  std::vector<Place> places;
+  for (const Place& number : numbersIn(form, 0, form.size())) {
+    std::string code(currency);
+    if (code.empty()) code = statedCurrency(form, number, bookCurrency);
+    if (code.empty()) code = bookCurrency;
+    const auto sum = moneyFromText(given, code);
+    if (sum && unitsAt(form, number, code) == sum->minorUnits) places.push_back(number);
+  }
+  return places;
+}
+
 Taught wrong(Taught::Part part, const char* error) { return {.part = part, .error = error}; }
 
 // The named parts in the message.
@@ -118,11 +141,17 @@ struct NamedPlaces {
 };
 
 // Sets `named`; returns the error of a missing part, or no error when both are found.
-Taught findNamed(std::string_view form, const TaughtParts& parts, NamedPlaces& named) {
+Taught findNamed(std::string_view form, const TaughtParts& parts, std::string_view bookCurrency,
+                 NamedPlaces& named) {
   if (parts.kind) {
-    const auto stated = amountPlaces(form, templateForm(parts.amount));
+    const std::string given = templateForm(parts.amount);
+    auto stated = amountPlaces(form, given);
+    if (stated.empty()) stated = placesOfSum(form, given, parts.currency, bookCurrency);
     if (stated.empty()) {
-      return wrong(Taught::Part::amount, "has to be one number of the message, as it is there");
+      return wrong(
+          Taught::Part::amount,
+          "has to be one number of the message, as it is there or such as 1,189.50: commas "
+          "only between thousands");
     }
     if (stated.size() > 1) {
       return wrong(Taught::Part::amount,
@@ -146,7 +175,8 @@ Taught findNamed(std::string_view form, const TaughtParts& parts, NamedPlaces& n
 Taught teach(std::string_view message, const TaughtParts& parts, std::string_view bookCurrency) {
   const std::string form = templateForm(message);
   NamedPlaces named;
-  if (Taught failed = findNamed(form, parts, named); !failed.error.empty()) return failed;
+  if (Taught failed = findNamed(form, parts, bookCurrency, named); !failed.error.empty())
+    return failed;
   std::string text = patternText(form, std::move(named.all));
   MessagePattern::Parsed parsed = MessagePattern::parse(text);
   if (!parsed.pattern) return {.error = parsed.error};
@@ -173,12 +203,9 @@ std::string numberFor(std::string_view message, const Money& sum) {
   const std::string form = templateForm(message);
   std::string found;
   for (const Place& number : numbersIn(form, 0, form.size())) {
-    const std::string text = form.substr(number.begin, number.end - number.begin);
-    std::string digits = text;
-    std::erase(digits, ' ');
-    if (minorUnitsOf(digits, sum.currency) != sum.minorUnits) continue;
+    if (unitsAt(form, number, sum.currency) != sum.minorUnits) continue;
     if (!found.empty()) return "";
-    found = text;
+    found = form.substr(number.begin, number.end - number.begin);
   }
   return found;
 }

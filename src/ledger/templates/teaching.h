@@ -13,8 +13,8 @@ namespace kivo::ledger {
 struct TaughtParts {
   /// Absent when the message is no payment; the sum does not matter then.
   std::optional<Kind> kind = {};
-  /// The number of the sum as the message writes it; with text around it if the same number occurs
-  /// twice.
+  /// The number of the sum as the message writes it, with text around it if the same number occurs
+  /// twice; or the sum as `moneyFromText` reads it.
   std::string amount = {};
   /// The other party as the message writes it; empty when it names none.
   std::string payee = {};

@@ -228,8 +228,7 @@ TEST(AnyOtherText, IsNoTransaction) {
 TEST(ThePaymentSentence, IsReadToTheMinorUnit) {
   EXPECT_EQ(of("Paid 25.0 EGP at Cafe"), "expense 25.00 | Cafe | Dining");
   EXPECT_EQ(of("Paid 12.345 EUR at 7 Palms"), "review ? | 7 Palms | Other");
-  EXPECT_EQ(of("Paid 1e+16 EGP at Tulip Store"),
-            "expense 10000000000000000.00 | Tulip Store | Shopping");
+  EXPECT_EQ(of("Paid 1e+16 EGP at Tulip Store"), "review ? | Tulip Store | Shopping");
 }
 
 TEST(ThePaymentSentence, KeepsOddMerchantsAndCurrencies) {

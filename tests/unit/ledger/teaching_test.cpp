@@ -71,12 +71,26 @@ TEST(Teaching, AsksForMoreOfASumThatIsThereTwice) {
 }
 
 TEST(Teaching, RefusesASumThatIsNotInTheMessage) {
-  for (const char* const amount : {"", "6", "50.00", "150", "EGP", "150.00 EGP at 10", "150.0"}) {
+  for (const char* const amount :
+       {"", "6", "50.00", "EGP", "150.00 EGP at 10", "1,50.00", "150,00", "1e2"}) {
     const Taught taught = teach("Zap! 150.00 EGP at 10:33", spent(amount), "EGP");
     EXPECT_FALSE(taught.made) << amount;
     EXPECT_EQ(taught.part, Taught::Part::amount);
-    EXPECT_EQ(taught.error, "has to be one number of the message, as it is there") << amount;
+    EXPECT_EQ(
+        taught.error,
+        "has to be one number of the message, as it is there or such as 1,189.50: commas only "
+        "between thousands")
+        << amount;
   }
+}
+
+TEST(Teaching, TakesTheSumInAnotherSpellingThanTheMessages) {
+  EXPECT_EQ(written("Zap! 1189.50 EGP gone", spent("1,189.50")), "Zap! {amount} EGP gone");
+  EXPECT_EQ(written("Zap! 1.189,50 EUR gone", spent("1,189.50")), "Zap! {amount} EUR gone");
+  EXPECT_EQ(written("Zap! 1 189,50 EGP gone", spent("1189.5")), "Zap! {amount} EGP gone");
+  EXPECT_EQ(written("Zap! 150.00 EGP gone", spent("150")), "Zap! {amount} EGP gone");
+  EXPECT_EQ(written("Zap! 150.00 EGP gone, 150 EGP left", spent("150.0")),
+            "error: is in the message more than once; give it with the words beside it");
 }
 
 TEST(Teaching, RefusesAPayeeThatIsNotInTheMessage) {
