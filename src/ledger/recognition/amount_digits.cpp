@@ -33,7 +33,7 @@ bool areThousands(const Groups& groups, std::size_t count) {
   if (count == 1) return true;
   const std::string_view separators = std::string_view(groups.separators).substr(0, count - 1);
   if (separators.find_first_not_of(separators.front()) != std::string_view::npos) return false;
-  if (groups.digits[0].empty() || groups.digits[0].size() > 3 || groups.digits[0] == "0") {
+  if (groups.digits[0].empty() || groups.digits[0].size() > 3 || groups.digits[0][0] == '0') {
     return false;
   }
   if (groups.digits[count - 1].size() != 3) return false;
@@ -51,22 +51,40 @@ bool isZeros(std::string_view digits) {
   return digits.find_first_not_of('0') == std::string_view::npos;
 }
 
+bool groupsByPoints(std::string_view code) {
+  const Currency* const currency = currencyByCode(code);
+  return currency != nullptr && currency->pointGroups;
+}
+
+// A separator before three digits that cannot end thousands: "0.500", "1234,500", "01,500".
+LastSeparator notOfThousands(const Groups& groups, std::string_view code) {
+  const std::string_view whole = groups.digits.front();
+  if (whole.empty() || whole == "0") return LastSeparator::isDecimal;
+  if (whole.front() == '0') return LastSeparator::unclear;
+  const bool usual = groups.separators.back() == (groupsByPoints(code) ? ',' : '.');
+  return usual || minorDigits(code) == 3 ? LastSeparator::isDecimal : LastSeparator::unclear;
+}
+
 LastSeparator onlySeparator(const Groups& groups, std::string_view code) {
+  constexpr std::size_t group = 3;
   const std::string_view fraction = groups.digits.back();
   const char separator = groups.separators.back();
-  if (fraction.size() != 3)
-    return separator == '\'' ? LastSeparator::unclear : LastSeparator::isDecimal;
   const bool mayGroup = areThousands(groups, 2);
-  if (!mayGroup) return LastSeparator::isDecimal;
-  const Currency* const currency = currencyByCode(code);
+  if (separator == '\'') return mayGroup ? LastSeparator::groups : LastSeparator::unclear;
   const int decimals = minorDigits(code);
+  if (fraction.size() > group) {  // "12.5000", but "1,0000" might be ten thousand
+    const bool decimal = separator == '.' && decimals > 0 && !groupsByPoints(code);
+    return decimal ? LastSeparator::isDecimal : LastSeparator::unclear;
+  }
+  if (fraction.size() < group) return LastSeparator::isDecimal;
+  if (!mayGroup) return notOfThousands(groups, code);
   if (separator == ',') {
+    const Currency* const currency = currencyByCode(code);
     return currency != nullptr && currency->commaDecimal ? LastSeparator::isDecimal
                                                          : LastSeparator::groups;
   }
-  if (separator == '\'') return LastSeparator::groups;
   if (decimals == 3) return LastSeparator::isDecimal;
-  if (decimals == 0 || (currency != nullptr && currency->pointGroups)) return LastSeparator::groups;
+  if (decimals == 0 || groupsByPoints(code)) return LastSeparator::groups;
   // "Rs. 5.000" is five rupees with a zero too many; "Rs. 5.250" might be five thousand.
   return isZeros(fraction) ? LastSeparator::isDecimal : LastSeparator::unclear;
 }
@@ -75,16 +93,20 @@ LastSeparator lastSeparator(const Groups& groups, std::string_view code) {
   const std::size_t count = groups.digits.size();
   if (count == 1) return LastSeparator::groups;
   if (count == 2) return onlySeparator(groups, code);
-  const bool same = groups.separators[count - 2] == groups.separators[count - 3];
+  const std::string_view fraction = groups.digits.back();
+  const char separator = groups.separators.back();
+  const bool same = separator == groups.separators[count - 3];
   if (same && areThousands(groups, count)) return LastSeparator::groups;
-  // "55.000.00" separates its decimals as it does its thousands.
-  if (same && groups.digits.back().size() != 2) return LastSeparator::unclear;
+  // "55.000.00" separates its decimals as it does its thousands; "1,000,00" might be lakhs.
+  if (same && (separator != '.' || fraction.size() != 2)) return LastSeparator::unclear;
+  if (separator == '\'' || (separator == ',' && fraction.size() > 3)) return LastSeparator::unclear;
   return areThousands(groups, count - 1) ? LastSeparator::isDecimal : LastSeparator::unclear;
 }
 
 }  // namespace
 
 std::optional<std::int64_t> minorUnitsOf(std::string_view digits, std::string_view currency) {
+  if (digits.find_first_not_of("0123456789.,'") != std::string_view::npos) return std::nullopt;
   const Groups groups = groupsOf(digits);
   const LastSeparator last = lastSeparator(groups, currency);
   if (last == LastSeparator::unclear) return std::nullopt;

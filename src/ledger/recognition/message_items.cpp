@@ -62,6 +62,51 @@ std::size_t endOfNumber(std::string_view text, std::size_t begin) {
   return end;
 }
 
+// Marks that change the value of the digits before them: superscripts, subscripts, fractions,
+// numbers in circles.
+bool changesValue(std::string_view character) {
+  constexpr auto ofTwoBytes = std::to_array<std::string_view>({"²", "³", "¹", "¼", "½", "¾"});
+  if (std::find(ofTwoBytes.begin(), ofTwoBytes.end(), character) != ofTwoBytes.end()) return true;
+  if (character.size() != 3) return false;
+  const std::string_view front = character.substr(0, 2);
+  const auto last = static_cast<unsigned char>(character[2]);
+  if (front == "\xE2\x81") return last >= 0xB0 && last <= 0xB9;
+  if (front == "\xE2\x82") return last >= 0x80 && last <= 0x89;
+  return front == "\xE2\x85" || front == "\xE2\x91";
+}
+
+// The length of what joins the digits behind it to those before: "1e3", "1_000", "1,,000", "5×10".
+std::size_t joinLength(std::string_view text) {
+  constexpr auto joins = std::to_array<std::string_view>(
+      {"e+", "e-", "E+", "E-", "e", "E",  "_",  "`",  "^",  "·",  "´", "ʼ",
+       "×",  "‧",  "˙",  "∙",  "⋅", ",,", ",.", ".,", "''", ",'", ".'"});
+  for (const std::string_view join : joins) {
+    if (text.starts_with(join) && text.size() > join.size() && isDigit(text[join.size()])) {
+      return join.size();
+    }
+  }
+  return 0;
+}
+
+// The end of the number that ends at `end` for now, with what may change its value and is not
+// read: no sum is read without it.
+std::size_t endOfUnread(std::string_view text, std::size_t end) {
+  while (end < text.size()) {
+    const std::string_view rest = text.substr(end);
+    const std::string_view character = rest.substr(0, characterLength(rest));
+    if (changesValue(character)) {
+      end += character.size();
+    } else if (isDigit(rest.front())) {
+      end = endOfNumber(text, end);
+    } else if (const std::size_t length = joinLength(rest); length > 0) {
+      end = endOfNumber(text, end + length);
+    } else {
+      break;
+    }
+  }
+  return end;
+}
+
 // Letters of one script; an apostrophe between two letters belongs to the word.
 std::size_t endOfWord(std::string_view text, std::size_t begin) {
   std::size_t end = begin + characterLength(text.substr(begin));
@@ -94,7 +139,7 @@ Item itemAt(std::string_view text, std::size_t begin) {
     item.end = begin + 1;
   } else if (isDigit(text[begin]) || beginsFraction(text, begin)) {
     item.kind = Item::Kind::number;
-    item.end = endOfNumber(text, isDigit(text[begin]) ? begin : begin + 1);
+    item.end = endOfUnread(text, endOfNumber(text, isDigit(text[begin]) ? begin : begin + 1));
     item.text = text.substr(begin, item.end - begin);
   } else if (isLetter(character)) {
     item.end = endOfWord(text, begin);

@@ -27,7 +27,8 @@ struct Item {
   /// Its place in the readable form.
   std::size_t begin = 0;
   std::size_t end = 0;
-  /// The folded word (names/name_fold.h), not empty, the digits with their separators, or the mark.
+  /// The folded word (names/name_fold.h), not empty, the digits with their separators and with what
+  /// changes their value ("1e3", "5²"), or the mark.
   std::string text = {};
   /// No blank separates it from the item before.
   bool glued = false;

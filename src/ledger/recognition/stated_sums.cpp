@@ -7,6 +7,7 @@
 #include "ledger/recognition/amount_digits.h"
 #include "ledger/recognition/currencies.h"
 #include "ledger/recognition/number_pieces.h"
+#include "ledger/recognition/split_numbers.h"
 #include "ledger/recognition/stated_currency.h"
 
 namespace kivo::ledger {
@@ -121,11 +122,15 @@ class SumReader {
 
   [[nodiscard]] bool isMultiplied(std::size_t next) const {
     constexpr auto multipliers = std::to_array<std::string_view>(
-        {"lakh",     "lakhs", "lac",  "lacs",    "crore",    "crores", "million",
-         "millions", "mln",   "mn",   "billion", "thousand", "k",      "الف",
-         "مليون",    "mil",   "juta", "ribu",    "тыс",      "млн"});
-    return next < items_.size() && std::find(multipliers.begin(), multipliers.end(),
-                                             items_[next].text) != multipliers.end();
+        {"lakh", "lakhs", "lac",     "lacs",     "crore", "crores", "million", "millions",
+         "mln",  "mn",    "billion", "thousand", "k",     "الف",    "مليون",   "mil",
+         "juta", "ribu",  "тыс",     "млн",      "bn",    "万",     "萬",      "億",
+         "亿",   "千",    "만",      "만원",     "천",    "천원",   "억",      "억원"});
+    if (next >= items_.size()) return false;
+    const Item& item = items_[next];
+    const bool letter = item.glued && (item.text == "m" || item.text == "b" || item.text == "l");
+    return letter ||
+           std::find(multipliers.begin(), multipliers.end(), item.text) != multipliers.end();
   }
 
   [[nodiscard]] bool isBareSum(std::size_t number) const {
@@ -167,30 +172,19 @@ class SumReader {
 
   [[nodiscard]] Extent extentAt(std::size_t number) const {
     Extent extent = spacedExtent(number);
-    const auto after = behind(extent.last);
+    const bool multiplied = isMultiplied(extent.last + 1);
+    const auto after = behind(multiplied ? extent.last + 1 : extent.last);
+    extent.unclear = extent.unclear || multiplied || isPartOfNumber(items_, number, extent.last);
     constexpr std::size_t oneCode = 3;
     const bool settles = extent.currency && after && extent.currency->codes.size() > oneCode &&
                          extent.currency->mayBe(after->codes);  // "$500 MXN"
     if (settles) extent.currency->codes = after->codes;
     if (!extent.currency && after) {
       extent.currency = after;
-      extent.unclear = extent.unclear || followsGroup(number);
+      extent.unclear = extent.unclear || followsGroup(items_, number);
     }
     if (after && (settles || extent.currency->begin == after->begin)) extent.last = after->end - 1;
     return extent;
-  }
-
-  // The "234" of "1 234 USD" when it was not joined.
-  [[nodiscard]] bool followsGroup(std::size_t number) const {
-    constexpr std::size_t group = 3;
-    if (number == 0 ||
-        items_[number].text.substr(0, group).find_first_of(".,") != std::string::npos) {
-      return false;
-    }
-    const Item& before = items_[number - 1];
-    const std::size_t whole = std::min(items_[number].text.find('.'), items_[number].text.size());
-    return whole == group && before.kind == Item::Kind::number && !before.isPiece &&
-           before.text.size() <= group && before.end + 1 == items_[number].begin;
   }
 
   // Reads the sum around the number at `at` and moves `at` to its last item.
@@ -202,7 +196,8 @@ class SumReader {
     const auto& stated = extent.currency;
     if (!stated && (item.isPiece || !isBareSum(number))) return item;
     // A number within a word is a sum only by a currency in front, or glued to it.
-    if (item.isPiece && stated->begin > number && !items_[stated->begin].glued) return item;
+    const bool apart = stated && stated->begin > number && !items_[stated->begin].glued;
+    if (item.isPiece && apart && !extent.unclear) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
     item.sum.sign = extent.sign != '\0' ? extent.sign : signInFront(number);
@@ -215,7 +210,7 @@ class SumReader {
     }
     item.end = items_[extent.last].end;
     const std::string_view habit = stated ? std::string_view(item.sum.currency) : book_;
-    const bool unclear = extent.unclear || isMultiplied(extent.last + 1);
+    const bool unclear = extent.unclear || isMultiplied(extent.last + 1);  // "5 USD million"
     if (!unclear) item.sum.minorUnits = minorUnitsOf(item.text, habit);
     at = extent.last;
     return item;

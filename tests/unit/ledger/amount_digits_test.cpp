@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ledger/recognition/money.h"
+
 namespace kivo::ledger {
 namespace {
 
@@ -44,6 +46,33 @@ TEST(ALoneCommaBeforeThreeDigits, IsAThousandsSeparatorUnlessDecimalsUseCommas) 
   EXPECT_EQ(minorUnitsOf("5,000", "KWD"), 5000000);
   EXPECT_EQ(minorUnitsOf("5,000", "TND"), 5000);
   EXPECT_EQ(minorUnitsOf("0,500", "KWD"), 500);
+}
+
+TEST(TheDigitsOfAnAmount, AreRefusedWhenTheyHaveTwoReadings) {
+  EXPECT_EQ(minorUnitsOf("1,0000", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1.0000", "EUR"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1.0000", "JPY"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1,000,00", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1'000'00", "CHF"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1,000'00", "CHF"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1.234,0000", "EUR"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1234,500", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1234.500", "EUR"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("01,500", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("01.500", "EGP"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1234.500", "KWD"), 1234500);
+  EXPECT_EQ(minorUnitsOf("1234,500", "EUR"), 123450);
+}
+
+TEST(TheDigitsOfAnAmount, AreRefusedWithAnythingElseAmongThem) {
+  for (const char* const digits : {"1e3", "1_000", "5²", "1,234.5e2", "1 000", "-5", "+5"}) {
+    EXPECT_EQ(minorUnitsOf(digits, "EGP"), std::nullopt) << digits;
+  }
+}
+
+TEST(TheDigitsOfAnAmount, AreRefusedBeyondTheLargestSum) {
+  EXPECT_EQ(minorUnitsOf("90,071,992,547,409.92", "EGP"), largestSum);
+  EXPECT_EQ(minorUnitsOf("90,071,992,547,409.93", "EGP"), std::nullopt);
 }
 
 TEST(TheDigitsOfAnAmount, AreRefusedWhenTheyFollowNoConvention) {

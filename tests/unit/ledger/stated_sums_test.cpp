@@ -1,3 +1,8 @@
+#include <array>
+#include <cstdint>
+#include <random>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "ledger/recognition/reading.h"
@@ -64,6 +69,129 @@ TEST(AnAmountThatCanBeReadInTwoWays, RequiresAReview) {
   EXPECT_EQ(of("Rs 5.250 debited from a/c 12", "INR"), "review ?");
   EXPECT_EQ(of("Rs 5 lakh debited from a/c 12", "INR"), "review ?");
   EXPECT_EQ(of("99999999999999999999 EGP debited", "EGP"), "review ?");
+}
+
+// Each form of a number in front of its currency, behind it, and joined to it.
+TEST(ANumberThatCanBeReadInTwoWays, RequiresAReview) {
+  for (const std::string number : {"1e3",
+                                   "1E3",
+                                   "1e308",
+                                   "1.5e3",
+                                   "1e+3",
+                                   "1e-3",
+                                   "1_000",
+                                   "1,0000",
+                                   "1,000,00",
+                                   "500 00",
+                                   "5²",
+                                   "5¹⁰",
+                                   "5½",
+                                   "5⅓",
+                                   "1·000",
+                                   "1´000",
+                                   "5×10",
+                                   "2^10",
+                                   "1,,000",
+                                   "1, 000",
+                                   "1-000",
+                                   "500-1000",
+                                   "1/000",
+                                   "1 234",
+                                   "1234,500",
+                                   "01,500",
+                                   "5万",
+                                   "90071992547409.93",
+                                   "92233720368547758.07",
+                                   "99999999999999999999"}) {
+    for (const std::string& sum : {"EGP " + number, number + " EGP", number + "EGP"}) {
+      const std::string message = "Your card was charged " + sum + " at Netflix.";
+      EXPECT_EQ(of(message, "EGP"), "review ?") << message;
+    }
+  }
+}
+
+TEST(AMultipliedNumber, RequiresAReview) {
+  EXPECT_EQ(of("Your card was charged EGP 5 million at Netflix.", "EGP"), "review ?");
+  EXPECT_EQ(of("Your card was charged 5 million EGP at Netflix.", "EGP"), "review ?");
+  EXPECT_EQ(of("Your card was charged EGP 5M at Netflix.", "EGP"), "review ?");
+}
+
+TEST(ANumberOfAnOrdinaryForm, IsNoReview) {
+  const auto booked = [](const std::string& sum, std::string_view book) {
+    return of("Your card was charged " + sum + " at Netflix.", book);
+  };
+  EXPECT_EQ(booked("EGP 1,234.50", "EGP"), "expense 1234.50");
+  EXPECT_EQ(booked("1.234,50 EUR", "EUR"), "expense 1234.50");
+  EXPECT_EQ(booked("1 234,50 EUR", "EUR"), "expense 1234.50");
+  EXPECT_EQ(booked("INR 12,34,567.00", "INR"), "expense 1234567.00");
+  EXPECT_EQ(booked("EGP ١٬٢٣٤٫٥٠", "EGP"), "expense 1234.50");
+  EXPECT_EQ(booked("CHF 1'234.50", "CHF"), "expense 1234.50");
+  EXPECT_EQ(booked("CHF 1’234.50", "CHF"), "expense 1234.50");
+  EXPECT_EQ(booked("EGP 500", "EGP"), "expense 500.00");
+  EXPECT_EQ(booked("Rs.500/-", "INR"), "expense 500.00");
+  EXPECT_EQ(booked("EGP 90,071,992,547,409.92", "EGP"), "expense 90071992547409.92");
+}
+
+TEST(ANumberBesideOtherNumbers, IsNoReview) {
+  EXPECT_EQ(of("EGP 500 12/05/2026 14:32 charged at Netflix", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("EGP 500 21 Nov 2026 charged at Netflix", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("Card 4821 500 EGP charged at Netflix", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("EGP 500.00 12 Oct charged at Netflix, ref 4821_77", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("EGP 500 charged at 7-Eleven", "EGP"), "expense 500.00");
+}
+
+// The whole number that the digits of `written` make, without their separators.
+std::uint64_t digitsOf(std::string_view written) {
+  std::uint64_t digits = 0;
+  for (const char character : written) {
+    if (character >= '0' && character <= '9') {
+      digits = digits * 10 + static_cast<std::uint64_t>(character - '0');
+    }
+  }
+  return digits;
+}
+
+// Whether `units` is all digits of `written`, with none or up to three of them behind its last
+// separator, which is a point or a comma.
+bool isWhole(std::int64_t units, std::string_view written) {
+  constexpr std::uint64_t hundredths = 100;
+  const std::uint64_t all = digitsOf(written) * hundredths;
+  const std::size_t last = written.find_last_not_of("0123456789");
+  const auto booked = static_cast<std::uint64_t>(units);
+  if (booked == all) return true;
+  if (last == std::string_view::npos || (written[last] != '.' && written[last] != ','))
+    return false;
+  const std::size_t decimals = written.size() - last - 1;
+  std::uint64_t power = 1;
+  for (std::size_t count = 0; count < decimals; ++count) power *= 10;
+  return booked * power == all && (decimals <= 3 || written[last] == '.');
+}
+
+TEST(ABookedSum, IsAllThatIsWrittenBesideItsCurrency) {
+  constexpr auto parts =
+      std::to_array<std::string_view>({"0", "1", "5", "00", "50", "000", "234", "0000", "1", "7"});
+  constexpr auto joins = std::to_array<std::string_view>(
+      {".", ",", "'", "_", "e", "E", ",,", ".,", "²", "·", "½", "", ".", ","});
+  constexpr auto groups = std::to_array<std::string_view>({"1", "50", "00", "000", "234"});
+  constexpr auto blank = std::to_array<std::string_view>({" "});
+  std::mt19937 random(20261121);  // the same numbers in each run
+  const auto any = [&random](const auto& of) { return std::string(of[random() % of.size()]); };
+  const auto number = [&](const auto& pieces, const auto& between) {
+    std::string text = any(pieces);
+    for (auto more = random() % 4; more > 0; --more) text += any(between) + any(pieces);
+    return text;
+  };
+  int booked = 0;
+  for (int count = 0; count < 4000; ++count) {
+    const std::string written = count % 4 == 0 ? number(groups, blank) : number(parts, joins);
+    const std::string sum = random() % 2 == 0 ? "EGP " + written : written + " EGP";
+    const Reading reading = read("Your card was charged " + sum + " at Netflix.", "EGP");
+    if (reading.outcome != Outcome::transaction) continue;
+    ++booked;
+    EXPECT_TRUE(isWhole(reading.amount->minorUnits, written))
+        << sum << " is booked as " << amountText(*reading.amount);
+  }
+  EXPECT_GT(booked, 400);
 }
 
 TEST(TwoPossibleAmounts, RequireAReview) {
