@@ -52,6 +52,15 @@ struct GroupSum {
   std::int64_t transactions = 0;
 };
 
+/// The booked entries of a period that its sums count.
+struct Counted {
+  /// The largest amount that is counted.
+  std::int64_t largest = largestSum;
+  /// The ids of the entries that are not, ascending: their amounts are not above zero, or above
+  /// `largest`.
+  std::vector<std::int64_t> leftOut = {};
+};
+
 /// The user's changes to an entry. Absent members do not change.
 struct EntryChange {
   std::optional<std::string> date = {};
@@ -99,10 +108,14 @@ class Book {
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
   /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
+  /// Returns the booked entries from the day `from` to the day `to`, inclusive, that sums count.
+  /// `largest` is `largestSum`, or less where the sum of all would exceed 64 bits.
+  [[nodiscard]] Counted counted(const std::string& from, const std::string& to) const;
   /// Returns the sums of the booked entries from the day `from` to the day `to`, inclusive, in no
-  /// particular order. Throws BookFailure also when a sum exceeds 64 bits.
+  /// particular order. Counts amounts above zero up to `largest`, that of a period that includes
+  /// these days.
   [[nodiscard]] std::vector<GroupSum> sums(Grouping grouping, const std::string& from,
-                                           const std::string& to) const;
+                                           const std::string& to, std::int64_t largest) const;
   /// Returns the number of entries in review.
   [[nodiscard]] std::int64_t reviewCount() const;
   /// Begins a read transaction: until the result is destroyed, all reads see the book at one

@@ -112,8 +112,8 @@ std::string whyNotBooked(const LedgerEntry& entry, const std::string& currency) 
   if (!entry.amount) return "its sum is unknown" + edit + "gives it one";
   const std::string sum = sumText(*entry.amount);
   if (!isBookable(*entry.amount)) {
-    return "its sum " + sum + " is not above zero and " +
-           amountText({largestSum, entry.amount->currency}) + " at most" + edit + "corrects it";
+    return "its sum " + sum + " is not above zero and up to " +
+           amountText({largestSum, entry.amount->currency}) + edit + "corrects it";
   }
   return "its sum " + sum + " converted at its rate is not from " + amountText({1, currency}) +
          " to " + amountText({largestSum, currency}) + edit + "SUM --currency " + currency +

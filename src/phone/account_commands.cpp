@@ -227,7 +227,12 @@ std::string ledgerLines(const SharedStore& store) {
   if (!month) return line("This month", "unknown; kivo-ledger summary says why");
   std::string review = platform::integerText(month->toReview);
   if (month->toReview > 0) review += "; kivo-ledger review shows what needs a look";
-  return line("This month", month->expenses) +
+  std::string expenses = month->expenses;
+  if (!month->leftOut.empty()) {
+    constexpr std::size_t idColumns = 40;
+    expenses += "; left out of sums: " + linux_platform::cutTo(idColumns, month->leftOut);
+  }
+  return line("This month", expenses) +
          line("Running total", WidgetView::read(store).runningTotal) + line("To review", review);
 }
 

@@ -49,7 +49,8 @@ std::optional<LedgerMonth> LedgerMonth::fromSummary(std::string_view summary) {
     return LedgerMonth{.expenses = sumText(figures.decodeString("expense"), currency),
                        .todayTotal = sumText(today->decodeString("expense"), currency),
                        .todayCount = *count,
-                       .toReview = *toReview};
+                       .toReview = *toReview,
+                       .leftOut = figures.decodeStringIfPresent("left_out").value_or("")};
   } catch (const platform::DecodingError&) {
     return std::nullopt;
   }

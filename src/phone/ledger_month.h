@@ -19,6 +19,9 @@ struct LedgerMonth {
   std::int64_t todayCount = 0;
   /// The number of entries in review, of any month.
   std::int64_t toReview = 0;
+  /// The ids of the entries of this month and the one before that no sum counts, as "3, 12"; empty
+  /// when there are none.
+  std::string leftOut = {};
 
   /// Runs `kivo-ledger summary`. Blocks for at most 1 s. Returns nullopt when that is over, or the
   /// program fails or prints something else; its errors are not shown.

@@ -10,6 +10,7 @@
 
 #include "platform/linux/process/child_process.h"
 #include "testkit/private_ledger.h"
+#include "testkit/raw_store.h"
 
 namespace kivo::testkit {
 namespace {
@@ -77,6 +78,32 @@ TEST_F(AnOverview, SumsUpAMonth) {
   EXPECT_EQ(json["payees"][0]["description"], "Carrefour City");
   EXPECT_EQ(run({"summary", "--month", "2026-09"}).output,
             "Nothing is booked in September 2026.\n");
+}
+
+TEST_F(AnOverview, LeavesOutAndNamesAnEntryWhoseAmountIsOutOfRange) {
+  {
+    const auto server = ledger_.start();
+    for (const char* const key : {"KEY-1", "KEY-2", "KEY-3"}) {
+      ASSERT_EQ(ledger_.post(key).status(), 200);
+    }
+  }
+  RawStore(ledger_.file())
+      .run(
+          "PRAGMA ignore_check_constraints = ON;"
+          "UPDATE transactions SET minor_units = 9223372036854775807 WHERE id = 1;"
+          "UPDATE transactions SET minor_units = -9223372036854775807 - 1 WHERE id = 2");
+  for (const char* const month : {"2026-11", "2026-12"}) {
+    const ProgramResult shown = run({"summary", "--month", month});
+    EXPECT_EQ(shown.status, 0) << shown.errors;
+    EXPECT_THAT(shown.output, HasSubstr("too large or not above zero: 1, 2.\nkivo-ledger edit ID"));
+    EXPECT_EQ(run({"report", "--month", month, "--no-open"}).status, 0);
+    EXPECT_THAT(contentOf(page()), HasSubstr("too large or not above zero: 1, 2."));
+  }
+  const auto json = nlohmann::json::parse(run({"summary", "--month", "2026-11", "--json"}).output);
+  EXPECT_EQ(json["expense"], "150.00");
+  EXPECT_EQ(json["left_out"], "1, 2");
+  run({"edit", "1", "--amount", "150"});
+  EXPECT_THAT(run({"summary", "--month", "2026-11"}).output, HasSubstr("300.00  0.00  Spent\n"));
 }
 
 TEST_F(AnOverview, WritesAReportForTheUserAlone) {

@@ -295,6 +295,22 @@ TEST_F(ALedger, ConvertsAnEntryWhoseCurrencyIsEdited) {
   EXPECT_EQ(json({"review"})[0]["currency"], "EGP");
 }
 
+TEST_F(ALedger, RefusesToBookASumThatIsOutOfRange) {
+  const auto server = ledger_.start();
+  EXPECT_THAT(
+      ledger_.post("KEY-1", "Your card was charged EGP 92233720368547758.07 at Netflix.").body(),
+      HasSubstr("needs_review"));
+  expectFailure({"accept", "1"}, 1, "its sum is unknown; kivo-ledger edit 1 --amount gives it one");
+  RawStore(book()).run(
+      "PRAGMA ignore_check_constraints = ON; UPDATE transactions SET currency = 'EGP', "
+      "minor_units = 9007199254740993");
+  expectFailure({"accept", "1"}, 1,
+                "its sum EGP 90071992547409.93 is not above zero and up to 90071992547409.92; "
+                "kivo-ledger edit 1 --amount corrects it");
+  shown({"edit", "1", "--amount", "90,071,992,547,409.92"});
+  EXPECT_EQ(shown({"accept", "1"}), "Booked as EGP 90071992547409.92.\n");
+}
+
 TEST_F(ALedger, BooksInTheCurrencyOfTheStore) {
   SharedStore store = SharedStore::open(appGroup).value();
   store.writeText(StoreKeys::currency, "usd");

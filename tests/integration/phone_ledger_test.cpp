@@ -14,6 +14,7 @@
 #include "store/shared_store.h"
 #include "testkit/private_ledger.h"
 #include "testkit/private_phone.h"
+#include "testkit/raw_store.h"
 
 namespace kivo::testkit {
 namespace {
@@ -76,6 +77,19 @@ TEST_F(APhoneWithALedger, ShowsTheFiguresOfTheBookBesideTheRunningTotal) {
   EXPECT_THAT(run("status"),
               HasSubstr("This month     $20.10\nRunning total  $1,225.60\n"
                         "To review      1; kivo-ledger review shows what needs a look\n"));
+}
+
+TEST_F(APhoneWithALedger, NamesAnEntryThatNoSumCounts) {
+  const auto server = ledger_.start();
+  runProgram({.program = linux_platform::programFolder() / "kivo-intents",
+              .arguments = {"perform", "ProcessSMSIntent", "--smsText", "-"},
+              .input = "Your card was charged USD 20.10 at Cafe"});
+  RawStore(ledger_.file())
+      .run(
+          "PRAGMA ignore_check_constraints = ON;"
+          "UPDATE transactions SET minor_units = 9223372036854775807");
+  EXPECT_THAT(run("status"), HasSubstr("This month     $0.00; left out of sums: 1\n"));
+  EXPECT_THAT(run("widget"), HasSubstr("This month     $0.00\n"));
 }
 
 TEST_F(APhoneWithALedger, AsksAlsoWhileTheServiceIsNotRunning) {

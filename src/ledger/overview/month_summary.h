@@ -65,6 +65,8 @@ struct MonthSummary {
   std::vector<OtherCurrency> otherCurrencies;
   /// Absent unless the month is the current one.
   std::optional<Today> today;
+  /// The entries whose amounts no sum counts: their ids, ascending.
+  std::vector<std::int64_t> leftOut;
 
   /// Whether nothing was booked in this month, in any currency.
   [[nodiscard]] bool isEmpty() const { return sums.transactions == 0 && otherCurrencies.empty(); }
@@ -73,5 +75,12 @@ struct MonthSummary {
 /// Reads the figures of `month` (yyyy-MM) of a book kept in `currency`. Takes a few
 /// queries: hold a snapshot of the book.
 MonthSummary summarize(const Book& book, const std::string& month, const std::string& currency);
+/// Does so for a period that includes the month and the one before, of which the book counts
+/// `counted`.
+MonthSummary summarize(const Book& book, const std::string& month, const std::string& currency,
+                       Counted counted);
+
+/// Returns sentences that name the entries that are left out, and help; empty when there are none.
+std::string leftOutNote(const std::vector<std::int64_t>& leftOut);
 
 }  // namespace kivo::ledger

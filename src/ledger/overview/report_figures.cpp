@@ -8,14 +8,15 @@
 namespace kivo::ledger {
 namespace {
 
-void readMonths(ReportFigures& figures, const Book& book) {
-  constexpr int count = 12;
+constexpr int shownMonths = 12;
+
+void readMonths(ReportFigures& figures, const Book& book, std::int64_t largest) {
   const std::string& month = figures.summary.month;
-  for (int back = count - 1; back >= 0; --back) {
+  for (int back = shownMonths - 1; back >= 0; --back) {
     figures.months.emplace_back().month = monthBefore(month, back);
   }
   const std::string from = firstDayOf(figures.months.front().month);
-  for (const GroupSum& group : book.sums(Grouping::month, from, lastDayOf(month))) {
+  for (const GroupSum& group : book.sums(Grouping::month, from, lastDayOf(month), largest)) {
     const auto found =
         std::find_if(figures.months.begin(), figures.months.end(),
                      [&](const ReportFigures::Month& one) { return one.month == group.group; });
@@ -27,10 +28,11 @@ void readMonths(ReportFigures& figures, const Book& book) {
       book.entries({.from = from, .to = lastDayOf(month), .most = ReportFigures::mostEntries});
 }
 
-void readDays(ReportFigures& figures, const Book& book) {
+void readDays(ReportFigures& figures, const Book& book, std::int64_t largest) {
   const std::string& month = figures.summary.month;
   figures.days.resize(static_cast<std::size_t>(daysOf(month)));
-  for (const GroupSum& group : book.sums(Grouping::day, firstDayOf(month), lastDayOf(month))) {
+  for (const GroupSum& group :
+       book.sums(Grouping::day, firstDayOf(month), lastDayOf(month), largest)) {
     const bool counts =
         group.kind == Kind::expense && group.sum.currency == figures.summary.currency;
     const auto day = platform::integerFromText(std::string_view(group.group).substr(8)).value_or(0);
@@ -43,9 +45,11 @@ void readDays(ReportFigures& figures, const Book& book) {
 
 ReportFigures readReport(const Book& book, const std::string& month, const std::string& currency) {
   ReportFigures figures;
-  figures.summary = summarize(book, month, currency);
-  readMonths(figures, book);
-  readDays(figures, book);
+  const Counted counted =
+      book.counted(firstDayOf(monthBefore(month, shownMonths - 1)), lastDayOf(month));
+  figures.summary = summarize(book, month, currency, counted);
+  readMonths(figures, book, counted.largest);
+  readDays(figures, book, counted.largest);
   figures.review =
       book.entries({.state = LedgerEntry::State::review, .most = ReportFigures::mostEntries});
   figures.runs = month == currentMonth();

@@ -28,6 +28,7 @@ class Page {
     title();
     html_.markup("<main>");
     ReportReview::writeNotice(html_, figures_);
+    leftOut();
     if (!summary_.isEmpty()) month();
     if (!isEmpty()) months();
     ReportReview::writeList(html_, figures_, [this](const auto& entry) { return sumOf(entry); });
@@ -69,6 +70,11 @@ class Page {
       html_.text(summary_.currency).markup(".");
     }
     html_.markup("</p></header>\n");
+  }
+
+  void leftOut() {
+    if (summary_.leftOut.empty()) return;
+    html_.markup("<p class=\"notice\">").text(leftOutNote(summary_.leftOut)).markup("</p>\n");
   }
 
   void month() {

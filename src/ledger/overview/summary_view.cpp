@@ -74,6 +74,11 @@ JSONEncoder SummaryView::json(const MonthSummary& summary) {
     encodeSums(others.back(), other.sums, other.currency);
   }
   object.encodeObjects("other_currencies", others);
+  std::string leftOut;
+  for (const std::int64_t id : summary.leftOut) {
+    leftOut += (leftOut.empty() ? "" : ", ") + std::to_string(id);
+  }
+  object.encodeString("left_out", leftOut);
   return object;
 }
 

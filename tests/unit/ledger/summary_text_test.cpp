@@ -63,6 +63,16 @@ TEST_F(ASummaryText, ShowsAMonthBesideTheMonthBefore) {
             "  250.50   1x  Uber\n");
 }
 
+TEST_F(ASummaryText, NamesTheEntriesThatAreLeftOut) {
+  summary_.leftOut = {3, 12};
+  EXPECT_THAT(text({.width = 40}), EndsWith("\n\nLeft out of the sums, since their\n"
+                                            "amounts are too large or not above zero:\n"
+                                            "3, 12. kivo-ledger edit ID --amount\n"
+                                            "corrects one.\n"));
+  summary_.leftOut = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  EXPECT_THAT(text({.width = 200}), HasSubstr(": 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 and 2 more. "));
+}
+
 TEST_F(ASummaryText, SaysThatTheMonthStillRuns) {
   EXPECT_THAT(SummaryView::text(summary_, "2026-11", {}),
               testing::StartsWith("November 2026 so far, in EGP\nbeside all of October 2026\n"));
