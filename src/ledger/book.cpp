@@ -2,7 +2,10 @@
 
 #include <utility>
 
+#include "ledger/book_categories.h"
+#include "ledger/book_damage.h"
 #include "ledger/book_file.h"
+#include "platform/foundation/utf8.h"
 #include "platform/linux/store/replaced_text.h"
 
 namespace kivo::ledger {
@@ -15,22 +18,26 @@ constexpr const char* columns =
     "id, key, date, kind, minor_units, currency, description, category, payee, account, "
     "reference, state, possible_duplicate_of, text";
 
+// A damaged file may hold any bytes.
 LedgerEntry entryOf(const Statement& row) {
+  const auto text = [&row](int column) { return platform::repairedUtf8(row.text(column)); };
+  const auto kind = kindFromText(row.text(3));
+  const auto state = stateFromText(row.text(11));
   LedgerEntry entry;
   entry.id = row.integer(0);
-  entry.key = row.text(1);
-  entry.date = row.text(2);
-  entry.kind = kindFromText(row.text(3)).value_or(Kind::expense);
-  if (!row.isNull(4)) entry.amount = Money{row.integer(4), row.text(5)};
-  entry.description = row.text(6);
-  entry.category = row.text(7);
-  entry.payee = row.text(8);
-  entry.account = row.text(9);
-  entry.reference = row.text(10);
-  const bool booked = row.text(11) == stateText(LedgerEntry::State::booked);
-  entry.state = booked ? LedgerEntry::State::booked : LedgerEntry::State::review;
+  entry.key = text(1);
+  entry.date = text(2);
+  entry.kind = kind.value_or(Kind::expense);
+  if (!row.isNull(4)) entry.amount = Money{row.integer(4), text(5)};
+  entry.description = text(6);
+  entry.category = text(7);
+  entry.payee = text(8);
+  entry.account = text(9);
+  entry.reference = text(10);
+  entry.state = state.value_or(LedgerEntry::State::setAside);
   if (!row.isNull(12)) entry.possibleDuplicateOf = row.integer(12);
-  if (!row.isNull(13)) entry.text = row.text(13);
+  if (!row.isNull(13)) entry.text = text(13);
+  if (!kind || !impossibleValue(entry).empty()) entry.state = LedgerEntry::State::setAside;
   return entry;
 }
 
@@ -57,10 +64,12 @@ std::optional<Book> Book::open(MessageReader reader) {
 
 std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
   const std::string pattern = patternFor(filter.search);
+  const std::string category =
+      filter.category.empty() ? "" : spelledCategory(database_.get(), filter.category);
   std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE state = ?";
   if (!filter.from.empty()) sql += " AND date >= ?";
   if (!filter.to.empty()) sql += " AND date <= ?";
-  if (!filter.category.empty()) sql += " AND category = ? COLLATE NOCASE";
+  if (!filter.category.empty()) sql += " AND category = ?";
   if (!filter.search.empty()) {
     sql += R"( AND description || char(10) || category || char(10) || account || char(10) ||
              reference LIKE ? ESCAPE '\')";
@@ -69,13 +78,26 @@ std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
   Statement query(database_.get(), sql.c_str());
   query.bind(stateText(filter.state));
   for (const std::string& bound :
-       {std::cref(filter.from), std::cref(filter.to), std::cref(filter.category)}) {
+       {std::cref(filter.from), std::cref(filter.to), std::cref(category)}) {
     if (!bound.empty()) query.bind(bound);
   }
   if (!filter.search.empty()) query.bind(pattern);
   query.bind(filter.most);
   std::vector<LedgerEntry> found;
-  while (next(query)) found.push_back(entryOf(query));
+  std::string impossible;
+  while (next(query)) {
+    LedgerEntry entry = entryOf(query);
+    if (entry.state == filter.state) {
+      found.push_back(std::move(entry));
+    } else {  // it was whole when it was written
+      impossible += (impossible.empty() ? "" : ", ") + std::to_string(entry.id);
+    }
+  }
+  if (!impossible.empty()) {
+    noteDamage(database_.get(),
+               "the values of these transactions cannot be: " + impossible +
+                   "; look at them with kivo-ledger show, and edit or delete them");
+  }
   return found;
 }
 
@@ -95,30 +117,22 @@ bool Book::edit(std::int64_t id, const EntryChange& change) {
   if (change.kind) edited->kind = *change.kind;
   if (change.amount) edited->amount = change.amount;
   if (change.description) edited->description = *change.description;
-  if (change.category) edited->category = *change.category;
+  if (change.category) edited->category = keepCategory(database_.get(), *change.category, id);
+  const bool corrected =
+      edited->state == LedgerEntry::State::setAside && impossibleValue(*edited).empty();
+  if (corrected) edited->state = LedgerEntry::State::review;
   Statement update(database_.get(), R"(
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
-      category = ? WHERE id = ?)");
+      category = ?, state = ? WHERE id = ?)");
   update.bind(edited->date).bind(kindText(edited->kind));
   update.bindIfPresent(edited->amount ? std::optional(edited->amount->minorUnits) : std::nullopt);
   update.bind(edited->amount ? std::string_view(edited->amount->currency) : "");
-  update.bind(edited->description).bind(edited->category).bind(id);
+  update.bind(edited->description).bind(edited->category).bind(stateText(edited->state)).bind(id);
   run(update);
+  markLikenessAgain(id);
   holdCorrection(*edited, change);
   require(transaction.commit());
   return true;
-}
-
-void Book::holdCorrection(const LedgerEntry& entry, const EntryChange& change) const {
-  if (entry.payee.empty() || !(change.description || change.category)) return;
-  Statement upsert(database_.get(), R"(
-    INSERT INTO corrections (payee, description, category) VALUES (?, nullif(?, ''), nullif(?, ''))
-    ON CONFLICT (payee) DO UPDATE SET description = coalesce(excluded.description, description),
-      category = coalesce(excluded.category, category))");
-  upsert.bind(entry.payee);
-  upsert.bind(change.description ? std::string_view(*change.description) : "");
-  upsert.bind(change.category ? std::string_view(*change.category) : "");
-  run(upsert);
 }
 
 std::optional<BookedSum> Book::accept(std::int64_t id, const std::string& currency) {
@@ -126,6 +140,7 @@ std::optional<BookedSum> Book::accept(std::int64_t id, const std::string& curren
   require(transaction.code());
   const auto accepted = entry(id);
   if (!accepted || !accepted->amount || !isBookable(*accepted->amount)) return std::nullopt;
+  if (accepted->state == LedgerEntry::State::setAside) return std::nullopt;
   BookedSum sum{*accepted->amount};
   if (accepted->state == LedgerEntry::State::review && sum.amount.currency != currency) {
     if (const auto set = rate(sum.amount.currency)) {
@@ -137,6 +152,7 @@ std::optional<BookedSum> Book::accept(std::int64_t id, const std::string& curren
   Statement update(database_.get(), R"(
     UPDATE transactions SET state = 'booked', minor_units = ?, currency = ? WHERE id = ?)");
   run(update.bind(sum.amount.minorUnits).bind(sum.amount.currency).bind(id));
+  markLikenessAgain(id);
   require(transaction.commit());
   return sum;
 }
@@ -148,20 +164,12 @@ bool Book::remove(std::int64_t id) {
     Statement removal(database_.get(), "DELETE FROM transactions WHERE id = ? RETURNING id");
     if (!next(removal.bind(id))) return false;
     run(removal);
-    forgetLikeness(id);
+    markLikenessAgain(id);
     linux_platform::oweErasure(database_.get());
     require(transaction.commit());
   }
   linux_platform::eraseReplacedText(database_.get());
   return true;
-}
-
-void Book::forgetLikeness(std::int64_t id) const {
-  Statement update(database_.get(), R"(
-    UPDATE transactions SET possible_duplicate_of =
-      nullif((SELECT min(id) FROM transactions WHERE possible_duplicate_of = ?), id)
-    WHERE possible_duplicate_of = ?)");
-  run(update.bind(id).bind(id));
 }
 
 std::int64_t Book::forgetTexts() {

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "ledger/book_file.h"
 #include "ledger/ledger_entry.h"
 #include "ledger/recognition/rate.h"
 #include "platform/linux/store/sqlite_database.h"
@@ -32,7 +33,7 @@ struct EntryFilter {
   /// The first and the last day, yyyy-MM-dd.
   std::string from = {};
   std::string to = {};
-  /// The whole name. ASCII letters match in either case.
+  /// The whole name, in any case and accents.
   std::string category = {};
   /// A part of description, category, account or reference. ASCII letters match in either case.
   std::string search = {};
@@ -88,9 +89,10 @@ struct BookedSum {
 /// Reads a message, as `read` does.
 using MessageReader = std::function<Reading(std::string_view text, std::string_view bookCurrency)>;
 
-/// An open book. Not thread-safe; other processes may have the same book open. A change is durable
-/// when the call returns. Every call throws BookFailure when the file cannot be read or written,
-/// and has then changed nothing.
+/// An open book. An entry whose values cannot be is set aside: it is in no list and no sum but that
+/// of the state `setAside`. Not thread-safe; other processes may have the same book open. A change
+/// is durable when the call returns. Every call throws BookFailure when the file cannot be read or
+/// written, and has then changed nothing.
 class Book {
  public:
   /// Opens the book, and creates the file when it is missing. On failure, prints one line on
@@ -118,12 +120,22 @@ class Book {
                                            const std::string& to, std::int64_t largest) const;
   /// Returns the number of entries in review.
   [[nodiscard]] std::int64_t reviewCount() const;
+  /// Returns whether the file is whole. Reads all of it at the first call and while the note of
+  /// `noteDamage` exists. Sets entries aside whose values cannot be. Removes the note when the file
+  /// is whole; otherwise prints one line on standard error and leaves the note.
+  bool isWhole();
+  /// Prints one line on standard error about `failure`: for damage the file, the place and what to
+  /// do, and leaves the note of `noteDamage`.
+  void tell(const BookFailure& failure) const;
+
   /// Begins a read transaction: until the result is destroyed, all reads see the book at one
   /// moment, and nothing can be changed.
   [[nodiscard]] linux_platform::Transaction snapshot() const;
 
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category
-  /// that is not empty also applies to later messages of the same payee.
+  /// that is not empty also applies to later messages of the same payee. A category gets the
+  /// spelling that the book has for it. An entry that was set aside goes to review when all its
+  /// values can be. Look-alikes are looked for again.
   bool edit(std::int64_t id, const EntryChange& change);
   /// Books the entry `id`. The amount of an entry in review that is not in `currency` is converted
   /// when a rate is set, and stays as it is otherwise. Returns nullopt, and changes nothing, when
@@ -163,11 +175,12 @@ class Book {
   void correct(LedgerEntry& entry) const;
   void markLookAlike(LedgerEntry& entry, const std::string& userId) const;
   void insert(LedgerEntry& entry, const std::string& userId) const;
-  void forgetLikeness(std::int64_t id) const;
+  void markLikenessAgain(std::int64_t id) const;
   void holdCorrection(const LedgerEntry& entry, const EntryChange& change) const;
 
   linux_platform::Database database_;
   MessageReader reader_;
+  bool wasChecked_ = false;
 };
 
 }  // namespace kivo::ledger

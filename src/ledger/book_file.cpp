@@ -3,17 +3,21 @@
 #include <array>
 #include <string>
 
+#include "ledger/book_version_2.h"
+
 namespace kivo::ledger {
 namespace {
+
+using linux_platform::DatabaseVersion;
 
 // "KvLg" in ASCII.
 constexpr std::int64_t applicationId = 0x4B764C67;
 
-// The statements that create each version of the tables. A released version never changes.
+// A released version never changes.
 //
 // `answers` keeps its rows when transactions are deleted: a key always gets the same answer. SQLite
 // uses a partial index only for a query that contains its condition.
-constexpr std::array versions = {R"(
+constexpr const char* version1 = R"(
 CREATE TABLE answers (
   user TEXT NOT NULL, key TEXT NOT NULL, answer TEXT NOT NULL, PRIMARY KEY (user, key)
 ) STRICT, WITHOUT ROWID;
@@ -32,11 +36,14 @@ CREATE INDEX transactions_by_reference ON transactions (reference) WHERE referen
 CREATE TABLE corrections (
   payee TEXT PRIMARY KEY NOT NULL COLLATE NOCASE, description TEXT, category TEXT
 ) STRICT;
-CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT)"};
+CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT)";
+
+constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2}};
 
 }  // namespace
 
-BookFailure::BookFailure(int code) : std::runtime_error(linux_platform::errorText(code)) {}
+BookFailure::BookFailure(int code)
+    : std::runtime_error(linux_platform::errorText(code)), code_(code) {}
 
 void require(int code) {
   if (code != 0) throw BookFailure(code);

@@ -15,7 +15,13 @@ class BookFailure : public std::runtime_error {
   /// `code` is a result code of SQLite.
   explicit BookFailure(int code);
   /// `why` is shown to the user.
-  explicit BookFailure(const char* why) : std::runtime_error(why) {}
+  explicit BookFailure(const char* why) : std::runtime_error(why), code_(0) {}
+
+  /// Returns SQLite's result code; 0 for a reason of the book's own.
+  [[nodiscard]] int code() const { return code_; }
+
+ private:
+  int code_;
 };
 
 /// Throws BookFailure unless SQLite's result `code` is SQLITE_OK.

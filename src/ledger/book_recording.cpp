@@ -1,9 +1,10 @@
 // Book::record and its steps.
-#include <limits>
-
 #include "extraction/sms_extraction_response.h"
 #include "ledger/book.h"
+#include "ledger/book_categories.h"
 #include "ledger/book_file.h"
+#include "ledger/recognition/payment_sentence.h"
+#include "names/name_fold.h"
 #include "platform/foundation/number_text.h"
 
 namespace kivo::ledger {
@@ -21,6 +22,16 @@ LedgerEntry entryFrom(const Reading& reading, const Message& message) {
   return entry;
 }
 
+// The category of a transfer in an answer to the expense intent, which knows by the category alone
+// that a payment is not to be counted. Other answers and the book have the entry's own.
+std::string answeredCategory(const LedgerEntry& entry) {
+  constexpr std::string_view uncounted = "__system_transfer__";
+  constexpr std::string_view uncountedToo = "Credit Card Settlement";
+  if (entry.kind != Kind::transfer || entry.category == uncountedToo) return entry.category;
+  const bool isItsSentence = paymentSentence(*entry.text, entry.amount->currency).has_value();
+  return isItsSentence ? std::string(uncounted) : entry.category;
+}
+
 SMSExtractionResponse responseTo(const LedgerEntry& entry) {
   if (entry.state == LedgerEntry::State::review) return {.saved = false, .reason = "needs_review"};
   return {.saved = true,
@@ -29,7 +40,7 @@ SMSExtractionResponse responseTo(const LedgerEntry& entry) {
               .id = std::to_string(entry.id),
               .description = entry.description,
               .amount = platform::doubleFromText(amountText(*entry.amount)).value(),
-              .category = entry.category,
+              .category = answeredCategory(entry),
               .expense_date = entry.date}};
 }
 
@@ -49,6 +60,7 @@ Recorded Book::record(const Message& message, const std::string& currency) {
   if (reading.outcome == Outcome::transaction || reading.outcome == Outcome::needsReview) {
     entry = entryFrom(reading, message);
     correct(*entry);
+    entry->category = keepCategory(database_.get(), entry->category);
     markLookAlike(*entry, message.userId);
     insert(*entry, message.userId);
     response = responseTo(*entry);
@@ -82,43 +94,17 @@ Reading Book::readingOf(const std::string& text, const std::string& currency) co
   return foreign.amount ? foreign : reading;
 }
 
-// Applies the user's earlier corrections for this payee.
-void Book::correct(LedgerEntry& entry) const {
-  if (entry.payee.empty()) return;
-  Statement query(database_.get(), "SELECT description, category FROM corrections WHERE payee = ?");
-  if (!next(query.bind(entry.payee))) return;
-  if (!query.text(0).empty()) entry.description = query.text(0);
-  if (!query.text(1).empty()) entry.category = query.text(1);
-}
-
-void Book::markLookAlike(LedgerEntry& entry, const std::string& userId) const {
-  Statement query(database_.get(), R"(
-    SELECT min(id) FROM (
-      SELECT id FROM transactions WHERE date = ? AND minor_units = ? AND currency = ? AND kind = ?
-        AND payee = ? COLLATE NOCASE AND user = ?
-      UNION ALL
-      SELECT id FROM transactions WHERE reference <> '' AND reference = ? AND user = ?)
-    WHERE id < ?)");
-  // -1 matches no entry: an absent amount is no duplicate of another.
-  query.bind(entry.date).bind(entry.amount ? entry.amount->minorUnits : -1);
-  query.bind(entry.amount ? std::string_view(entry.amount->currency) : "")
-      .bind(kindText(entry.kind));
-  query.bind(entry.payee).bind(userId).bind(entry.reference).bind(userId);
-  constexpr auto all = std::numeric_limits<std::int64_t>::max();
-  query.bind(entry.id == 0 ? all : entry.id);  // a new entry has no id yet
-  if (next(query) && !query.isNull(0)) entry.possibleDuplicateOf = query.integer(0);
-}
-
 void Book::insert(LedgerEntry& entry, const std::string& userId) const {
   Statement insertion(database_.get(), R"(
     INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
-      payee, account, reference, state, possible_duplicate_of, text)
-    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
+      payee, folded_payee, account, reference, state, possible_duplicate_of, text)
+    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
+  const std::string folded = names::foldedName(entry.payee);
   insertion.bind(userId).bind(entry.key).bind(entry.date).bind(kindText(entry.kind));
   insertion.bindIfPresent(entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt);
   insertion.bind(entry.amount ? std::string_view(entry.amount->currency) : "");
-  insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(entry.account);
-  insertion.bind(entry.reference).bind(stateText(entry.state));
+  insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(folded);
+  insertion.bind(entry.account).bind(entry.reference).bind(stateText(entry.state));
   insertion.bindIfPresent(entry.possibleDuplicateOf);
   insertion.bind(*entry.text);
   if (!next(insertion)) throw BookFailure(insertion.code());

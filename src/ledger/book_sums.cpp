@@ -3,6 +3,8 @@
 
 #include "ledger/book.h"
 #include "ledger/book_file.h"
+#include "ledger/calendar_day.h"
+#include "platform/foundation/utf8.h"
 
 namespace kivo::ledger {
 namespace {
@@ -22,6 +24,12 @@ const char* expressionFor(Grouping grouping) {
       return "description";
   }
   return "";
+}
+
+// A damaged file may hold any bytes.
+bool isPossible(Grouping grouping, std::string_view group) {
+  if (grouping == Grouping::month) return isMonth(group);
+  return grouping != Grouping::day || isDay(group);
 }
 
 }  // namespace
@@ -55,9 +63,12 @@ std::vector<GroupSum> Book::sums(Grouping grouping, const std::string& from, con
   query.bind(from).bind(to).bind(largest);
   std::vector<GroupSum> found;
   while (next(query)) {
-    found.push_back({.group = query.text(0),
-                     .kind = kindFromText(query.text(1)).value_or(Kind::expense),
-                     .sum = {query.integer(2), query.text(3)},
+    const std::string name = platform::repairedUtf8(query.text(0));
+    const auto kind = kindFromText(query.text(1));
+    if (!kind || !isPossible(grouping, name)) continue;
+    found.push_back({.group = name,
+                     .kind = *kind,
+                     .sum = {query.integer(2), platform::repairedUtf8(query.text(3))},
                      .transactions = query.integer(4)});
   }
   return found;

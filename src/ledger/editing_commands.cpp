@@ -124,6 +124,10 @@ int accept(const GivenParameters& parameters) {
   const auto currency = bookCurrency();
   if (!currency) return exitFailure;
   return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+    if (entry.state == LedgerEntry::State::setAside) {
+      return fail("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
+                  " says which value to edit");
+    }
     const auto sum = book.accept(entry.id, *currency);
     if (!sum) return fail(whyNotBooked(entry, *currency));
     const std::string rate = sum->rate.empty() ? "" : " at the rate " + sum->rate;

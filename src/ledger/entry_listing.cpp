@@ -35,11 +35,19 @@ std::string likeness(const LedgerEntry& entry) {
 Row rowOf(const LedgerEntry& entry) {
   const std::string like = likeness(entry);
   return {std::to_string(entry.id),
-          entry.date,
+          escapedControls(entry.date),
           kindText(entry.kind),
           escapedControls(sumText(entry)),
           escapedControls(entry.description),
           escapedControls(entry.category) + (like.empty() ? "" : " (" + like + ")")};
+}
+
+std::string stateWords(const LedgerEntry& entry) {
+  if (entry.state == LedgerEntry::State::booked) return "booked";
+  if (entry.state == LedgerEntry::State::review) return "in review";
+  const std::string_view wrong = impossibleValue(entry);
+  return "set aside, since its " + std::string(wrong.empty() ? "kind or amount" : wrong) +
+         " cannot be; edit or delete it";
 }
 
 // A text of several lines, each without control characters.
@@ -130,7 +138,7 @@ std::string EntryListing::details(const LedgerEntry& entry) {
     if (!value.empty()) lines += paddedTo(nameWidth, name) + escapedControls(value) + "\n";
   };
   add("ID", std::to_string(entry.id));
-  add("State", entry.state == LedgerEntry::State::booked ? "booked" : "in review");
+  add("State", stateWords(entry));
   add("Date", entry.date);
   add("Kind", kindText(entry.kind));
   add("Amount", sumText(entry));

@@ -8,7 +8,6 @@
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
-#include "platform/linux/terminal/command_line.h"
 
 namespace kivo::ledger {
 namespace {
@@ -70,15 +69,18 @@ Answer ExtractionEndpoint::record(const Message& message) {
   const auto currency = book_ ? currency_() : std::nullopt;
   if (!currency) return refusal(serviceUnavailable, "the book cannot be opened");
   try {
+    if (!book_->isWhole()) {
+      book_.reset();
+      return refusal(serviceUnavailable, "the book is damaged");
+    }
     Recorded recorded = book_->record(message, *currency);
     if (recorded.entry && recorded.entry->state == LedgerEntry::State::review) {
       review_(*recorded.entry);
     }
     return {.status = ok, .body = std::move(recorded.answer), .allow = ""};
   } catch (const BookFailure& failure) {
+    book_->tell(failure);
     book_.reset();  // the next request opens it again: the user may replace a damaged file
-    linux_platform::complain("kivo-ledger",
-                             "the book could not be written: " + std::string(failure.what()));
     return refusal(serviceUnavailable, "the book cannot be written");
   }
 }

@@ -25,9 +25,9 @@ class ExtractionEndpoint {
   /// Returns 200 and the response record for a POST to /functions/v1/sms-extraction whose body is
   /// an object of exactly the request's four strings, with an existing date; 400 for another body,
   /// 404 for another path, 405 for another method, and 503 when the book cannot be opened or
-  /// written, or its currency cannot be read. After 503 nothing is stored, and the next request
-  /// tries again; a line on standard error gives the reason, once for repeated failures to open.
-  /// The body of every status but 200 is `{"error": ...}`.
+  /// written or is damaged, or its currency cannot be read. After 503 nothing is stored, and the
+  /// next request tries again; a line on standard error gives the reason, once for repeated
+  /// failures to open. The body of every status but 200 is `{"error": ...}`.
   UnixHttpServer::Answer answer(const UnixHttpServer::Request& request);
 
  private:

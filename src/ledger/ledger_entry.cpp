@@ -1,17 +1,29 @@
 #include "ledger/ledger_entry.h"
 
+#include <algorithm>
+
+#include "ledger/calendar_day.h"
+
 namespace kivo::ledger {
+namespace {
+
+bool isCodeShaped(std::string_view currency) {
+  return currency.size() == 3 &&
+         std::all_of(currency.begin(), currency.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+}  // namespace
 
 void apply(const Reading& reading, LedgerEntry& entry) {
   entry.kind = reading.kind;
-  entry.amount = reading.amount;
+  entry.amount = reading.amount && isBookable(*reading.amount) ? reading.amount : std::nullopt;
   entry.description = reading.description;
   entry.category = reading.category;
   entry.payee = reading.payee;
   entry.account = reading.account;
   entry.reference = reading.reference;
-  entry.state = reading.outcome == Outcome::transaction ? LedgerEntry::State::booked
-                                                        : LedgerEntry::State::review;
+  const bool isClear = reading.outcome == Outcome::transaction && entry.amount;
+  entry.state = isClear ? LedgerEntry::State::booked : LedgerEntry::State::review;
 }
 
 const char* kindText(Kind kind) {
@@ -34,7 +46,30 @@ std::optional<Kind> kindFromText(std::string_view text) {
 }
 
 const char* stateText(LedgerEntry::State state) {
-  return state == LedgerEntry::State::booked ? "booked" : "review";
+  switch (state) {
+    case LedgerEntry::State::booked:
+      return "booked";
+    case LedgerEntry::State::review:
+      return "review";
+    case LedgerEntry::State::setAside:
+      return "set_aside";
+  }
+  return "";
+}
+
+std::optional<LedgerEntry::State> stateFromText(std::string_view text) {
+  using State = LedgerEntry::State;
+  for (const State state : {State::booked, State::review, State::setAside}) {
+    if (text == stateText(state)) return state;
+  }
+  return std::nullopt;
+}
+
+std::string_view impossibleValue(const LedgerEntry& entry) {
+  if (!isDay(entry.date)) return "date";
+  if (!entry.amount) return entry.state == LedgerEntry::State::booked ? "amount" : "";
+  if (!isBookable(*entry.amount)) return "amount";
+  return isCodeShaped(entry.amount->currency) ? "" : "currency";
 }
 
 }  // namespace kivo::ledger

@@ -14,6 +14,8 @@ struct LedgerEntry {
     booked,
     /// The user decides whether to book it.
     review,
+    /// One of its values cannot be; it counts nowhere until the user corrects it.
+    setAside,
   };
 
   /// Unique, and never reused.
@@ -23,7 +25,8 @@ struct LedgerEntry {
   /// yyyy-MM-dd.
   std::string date;
   Kind kind = Kind::expense;
-  /// Above zero; absent only in review, when the message's sum is ambiguous.
+  /// Above zero; absent only in review, when the message's sum is ambiguous. Of an entry that is
+  /// set aside, any sum, or none.
   std::optional<Money> amount;
   std::string description;
   std::string category;
@@ -40,14 +43,21 @@ struct LedgerEntry {
   std::optional<std::string> text;
 };
 
-/// Sets all that the reading of its message holds.
+/// Sets all that the reading of its message holds. An entry whose sum cannot be booked is in review
+/// without it.
 void apply(const Reading& reading, LedgerEntry& entry);
 
 /// Returns "expense", "income" or "transfer".
 const char* kindText(Kind kind);
 /// Returns the kind of that name; absent for another text.
 std::optional<Kind> kindFromText(std::string_view text);
-/// Returns "booked" or "review".
+/// Returns "booked", "review" or "set_aside".
 const char* stateText(LedgerEntry::State state);
+/// Returns the state of that name; absent for another text.
+std::optional<LedgerEntry::State> stateFromText(std::string_view text);
+
+/// Returns the name of a value of `entry` that cannot be, such as "date"; empty when all can. An
+/// entry that is set aside needs those of one in review.
+std::string_view impossibleValue(const LedgerEntry& entry);
 
 }  // namespace kivo::ledger

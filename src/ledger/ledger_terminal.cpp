@@ -26,7 +26,8 @@ int withBook(const std::function<int(Book&)>& use, MessageReader reader) {
   try {
     return use(*book);
   } catch (const BookFailure& failure) {
-    return fail("the book cannot be read or written: " + std::string(failure.what()));
+    book->tell(failure);
+    return exitFailure;
   }
 }
 
@@ -41,6 +42,18 @@ int withEntry(const linux_platform::GivenParameters& given,
     const auto entry = book.entry(*id);
     return entry ? use(book, *entry) : fail("no transaction has the ID " + std::to_string(*id));
   });
+}
+
+void tellSetAside(const Book& book) {
+  std::string ids;
+  for (const LedgerEntry& entry : book.entries({.state = LedgerEntry::State::setAside})) {
+    ids += (ids.empty() ? "" : ", ") + std::to_string(entry.id);
+  }
+  if (ids.empty()) return;
+  linux_platform::complain("kivo-ledger",
+                           "these transactions are set aside and counted nowhere, since a value of "
+                           "each cannot be: " +
+                               ids + "; kivo-ledger show ID says which, edit or delete it");
 }
 
 std::optional<std::string> bookCurrency() {

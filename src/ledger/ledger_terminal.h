@@ -27,6 +27,9 @@ int withBook(const std::function<int(Book&)>& use, MessageReader reader = read);
 int withEntry(const linux_platform::GivenParameters& given,
               const std::function<int(Book&, const LedgerEntry&)>& use);
 
+/// Prints a line on standard error that names the entries of `book` that are set aside, if any.
+void tellSetAside(const Book& book);
+
 /// Returns the currency of the book: that of the shared store in upper case, EGP when it has none.
 /// Absent, after one line on standard error, when the store cannot be opened.
 std::optional<std::string> bookCurrency();

@@ -30,12 +30,14 @@ int list(const GivenParameters& parameters) {
   EntryFilter filter;
   if (const int failed = readFilter(parameters, filter); failed != 0) return failed;
   return withBook([&](Book& book) {
+    tellSetAside(book);
     return show(book.entries(filter), parameters.contains("--json"), "No transaction fits.");
   });
 }
 
 int review(const GivenParameters& parameters) {
   return withBook([&](Book& book) {
+    tellSetAside(book);
     const auto entries = book.entries({.state = LedgerEntry::State::review});
     const bool asJson = parameters.contains("--json");
     const int status = show(entries, asJson, "There is nothing to look at.");

@@ -47,8 +47,8 @@ class InventedBook:
         self._keys += 1
         self._book.execute(
             "INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category, payee,"
-            " account, reference, state, possible_duplicate_of, text)"
-            " VALUES ('local', ?, ?, ?, ?, ?, ?, ?, ?, '', '', ?, ?, ?)",
+            " folded_payee, account, reference, state, possible_duplicate_of, text)"
+            " VALUES ('local', ?, ?, ?, ?, ?, ?, ?, ?, '', '', '', ?, ?, ?)",
             (f"KEY-{self._keys}", str(date), kind, minor_units, currency, description, category, description, state, like,
              text))
 

@@ -50,7 +50,7 @@ TEST_F(ALedgerOnASmallDisk, KeepsAcknowledgedMessagesAndAcceptsTheOthersLater) {
   }
   server->signal(SIGTERM);
   EXPECT_THAT(server->wait().errors,
-              testing::HasSubstr("kivo-ledger: the book could not be written"));
+              testing::HasSubstr("kivo-ledger: the book cannot be read or written"));
   EXPECT_EQ(testkit::RawStore(ledger_.file()).run("PRAGMA integrity_check"), "ok\n");
   EXPECT_EQ(testkit::RawStore(ledger_.file()).run("SELECT count(*) FROM transactions"),
             std::to_string(acknowledged.size()) + "\n");

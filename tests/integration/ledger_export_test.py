@@ -23,7 +23,7 @@ from beancount import loader
 from ofxparse import OfxParser
 
 LEDGER = pathlib.Path(os.environ["KIVO_BIN"]) / "kivo-ledger"
-LARGEST = 2**63 - 1
+LARGEST = 2**53  # of what is booked, in minor units
 
 # Names that one of the formats has to escape or to change.
 HARD = [
@@ -68,7 +68,7 @@ class Book:
             first = book.execute("SELECT count(*) FROM transactions").fetchone()[0]
             book.executemany(
                 "INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category, payee,"
-                " account, reference, state) VALUES ('u', ?, ?, ?, ?, ?, ?, ?, '', ?, ?, ?)",
+                " folded_payee, account, reference, state) VALUES ('u', ?, ?, ?, ?, ?, ?, ?, '', '', ?, ?, ?)",
                 [(f"KEY-{number}", *entry) for number, entry in enumerate(entries, start=first)])
         book.close()
 

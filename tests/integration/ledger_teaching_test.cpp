@@ -122,6 +122,29 @@ TEST_F(ATaughtLedger, ReadsTheNextMessageWithoutARestart) {
   EXPECT_EQ(listed[0]["description"], "Old Town Books");
 }
 
+TEST_F(ATaughtLedger, ShowsTransfersByTheirNameAndKeepsThemOutOfTheTotals) {
+  write("[[template]]\ntext = \"Paid {amount} EGP at Savings\"\nkind = \"transfer\"\n");
+  const auto program = [](const char* name, std::vector<std::string> arguments) {
+    return linux_platform::runProgram({.program = linux_platform::programFolder() / name,
+                                       .arguments = std::move(arguments)})
+        .output;
+  };
+  const auto server = ledger_.start();
+  program("kivo-phone", {"sign-in", "--local"});
+  EXPECT_EQ(program("kivo-intents",
+                    {"perform", "AddExpenseIntent", "--amount", "150", "--merchant", "Savings"}),
+            "Tracked EGP\u00a0150.00 at Own transfer\n");
+  EXPECT_EQ(program("kivo-intents", {"perform", "ProcessSMSIntent", "--smsText",
+                                     "Transfer of EGP 40.00 between your accounts was completed."}),
+            "Tracked EGP\u00a040.00 at Own transfer\n");
+  EXPECT_EQ(program("kivo-phone", {"store", "get", "todayTotal"}), "");
+  const auto listed = json("list");
+  ASSERT_THAT(listed, SizeIs(2));
+  EXPECT_EQ(listed[0]["category"], "Transfer");
+  EXPECT_EQ(listed[1]["category"], "Transfer");
+  EXPECT_THAT(run({"export", "--format", "csv"}).output, Not(HasSubstr("__system_transfer__")));
+}
+
 TEST_F(ATaughtLedger, TakesMessagesInSpiteOfADamagedFile) {
   write("[[template]]\ntext = 'Zap {sum}'\nkind = 'expense'\n");
   const auto server = ledger_.start();

@@ -65,6 +65,7 @@ int exportBook(const GivenParameters& parameters) {
                                           [&](const Format& one) { return one.name == name; });
   if (format == formats.end()) return failFor("--format", name, "csv, hledger, beancount or ofx");
   return withBook([&](Book& book) {
+    tellSetAside(book);
     std::vector<LedgerEntry> entries = book.entries(filter);
     std::reverse(entries.begin(), entries.end());  // imports want the oldest first
     const std::string text = format->written(entries);

@@ -36,6 +36,7 @@ int withMonth(const GivenParameters& parameters,
   return withBook([&](const Book& book) {
     const auto snapshot = book.snapshot();
     require(snapshot.code());
+    tellSetAside(book);
     return use(book, month, *currency);
   });
 }

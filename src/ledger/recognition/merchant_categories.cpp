@@ -140,4 +140,10 @@ std::string_view recipientCategory(std::string_view name) {
   return categoryOf(name, Named::shopOrPerson);
 }
 
+std::vector<std::string_view> merchantCategories() {
+  std::vector<std::string_view> found{"Subscriptions"};  // of chains alone
+  for (const ShopWords& shop : shopWords) found.push_back(shop.category);
+  return found;
+}
+
 }  // namespace kivo::ledger

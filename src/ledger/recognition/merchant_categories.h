@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 namespace kivo::ledger {
 
@@ -14,5 +15,8 @@ std::string_view merchantCategory(std::string_view name);
 /// The same for a name that a person can have as well: a chain counts only by its whole name, since
 /// "Oscar" and "Zara" begin names of people.
 std::string_view recipientCategory(std::string_view name);
+
+/// The categories that `merchantCategory` returns.
+std::vector<std::string_view> merchantCategories();
 
 }  // namespace kivo::ledger

@@ -29,13 +29,14 @@ constexpr auto movements = std::to_array<Movement>({
     {Meaning::salary, Kind::income, Strength::noun, "Salary", "Salary"},
     {Meaning::refund, Kind::income, Strength::refund, "Refund", "Refund"},
     {Meaning::cashback, Kind::income, Strength::noun, "Cashback", "Refund"},
-    {Meaning::ownTransfer, Kind::transfer, Strength::transfer, "Own transfer",
-     "__system_transfer__"},
+    {Meaning::ownTransfer, Kind::transfer, Strength::transfer, "Own transfer", "Transfer"},
     {Meaning::cardSettlement, Kind::transfer, Strength::transfer, "Credit card",
      "Credit Card Settlement"},
 });
 
 }  // namespace
+
+std::span<const Movement> allMovements() { return movements; }
 
 const Movement* movementOf(Meaning meaning) {
   const auto* const found =

@@ -24,6 +24,8 @@ struct Movement {
   std::string_view category;
 };
 
+/// All movements.
+std::span<const Movement> allMovements();
 /// The movement that `meaning` stands for, or null.
 const Movement* movementOf(Meaning meaning);
 

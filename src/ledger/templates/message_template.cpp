@@ -21,7 +21,7 @@ std::string categoryOf(Kind kind, const std::string& payee, const Reading& rules
   }
   if (rules.kind == kind && !rules.category.empty() && rules.payee == payee) return rules.category;
   if (kind == Kind::income) return "Income";
-  return kind == Kind::transfer ? "__system_transfer__" : "Other";
+  return kind == Kind::transfer ? "Transfer" : "Other";
 }
 
 }  // namespace

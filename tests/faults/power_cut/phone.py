@@ -5,6 +5,7 @@ import os
 import pathlib
 import signal
 import socket
+import sqlite3
 import subprocess
 import time
 
@@ -56,6 +57,18 @@ class Phone:
         queue = json.dumps(items, separators=(",", ":"))
         self.set_up("store", "set", "pendingSmsQueue", queue)
         self.set_up("store", "set", "pendingSmsQueueCount", str(count))
+
+    def make_first_book(self, count):
+        """A book of version 1 with transactions in two spellings of one category."""
+        header = (pathlib.Path(__file__).parents[2] / "testkit/first_book.h").read_text()
+        file = self.home / LEDGER
+        file.parent.mkdir(mode=0o700, parents=True)
+        with contextlib.closing(sqlite3.connect(file, isolation_level=None)) as book:
+            book.executescript(header.partition('R"(')[2].partition(')" + sql')[0])
+            for number in range(count):
+                book.execute("INSERT INTO transactions VALUES (?, 'u', ?, '2026-01-31', 'expense', 1000, 'EGP',"
+                             "'Café', ?, 'CAFÉ', '', '', 'booked', NULL, ?)",
+                             (number + 1, f"KEY-{number}", ("groceries", "Groceries")[number % 2], self.text()))
 
     def text(self):
         self.number += 1

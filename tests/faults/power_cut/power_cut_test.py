@@ -241,6 +241,16 @@ class APowerCut(unittest.TestCase):
         self.assertTrue(self.violations(recording, count=400, store=LEDGER,
                                         ignores_sync=lambda path: path.endswith("-wal")))
 
+    def test_loses_nothing_while_a_book_of_the_first_version_is_upgraded(self):
+        self.phone.sign_in()
+        self.phone.make_first_book(60)
+        recording = self.phone.record()
+        ledger = [PROGRAMS / "kivo-ledger"]
+        recording.run(ledger + ["list"], env=self.phone.environment)
+        recording.run(ledger + ["edit", "5", "--category", "Food"], env=self.phone.environment)
+        recording.run(ledger + ["edit", "6", "--amount", "5"], env=self.phone.environment)
+        self.expect_kept(recording, store=LEDGER)
+
     def test_is_seen_to_lose_what_the_ledger_booked_on_a_disk_that_ignores_syncs_of_the_wal(self):
         self.assertTrue(self.violations(self.recorded("ledger_session"), count=400, store=LEDGER,
                                         ignores_sync=lambda path: path.endswith("-wal")))

@@ -42,6 +42,23 @@ TEST_F(ABook, AnswersAKnownKeyWithTheSameBytesWhateverTheText) {
   EXPECT_EQ(read_, 1);
 }
 
+TEST_F(ABook, NamesTheUncountedCategoryOnlyInAnswersToTheExpenseIntent) {
+  Book book = open();
+  reading_ = spent(15000, "");
+  reading_.kind = Kind::transfer;
+  reading_.category = "Transfer";
+  EXPECT_EQ(record(book, message("KEY-1")).expense->category, "Transfer");
+  Message sentence = message("KEY-2");
+  sentence.text = "Paid 150.0 EGP at Savings";
+  const auto response = record(book, sentence);
+  EXPECT_EQ(response.transaction_type, "transfer");
+  EXPECT_EQ(response.expense->category, "__system_transfer__");
+  EXPECT_EQ(book.entry(2)->category, "Transfer");
+  reading_.category = "Credit Card Settlement";  // is not counted either
+  sentence.idempotencyKey = "KEY-3";
+  EXPECT_EQ(record(book, sentence).expense->category, "Credit Card Settlement");
+}
+
 TEST_F(ABook, KeepsTheKeysOfUsersApart) {
   Book book = open();
   Message other = message("KEY-1");
@@ -85,6 +102,13 @@ TEST_F(ABook, PutsAnUnclearMessageInReview) {
   const auto entries = book.entries({.state = LedgerEntry::State::review});
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_FALSE(entries[0].amount);
+}
+
+TEST_F(ABook, PutsAMessageWithASumThatCannotBeBookedInReview) {
+  Book book = open();
+  reading_ = spent((std::int64_t{1} << 53) + 1);
+  EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");
+  EXPECT_FALSE(book.entry(1)->amount);
 }
 
 TEST_F(ABook, MarksADuplicateByAmountPayeeAndDay) {

@@ -53,7 +53,7 @@ TEST_F(AStoredBook, IsPrivateAndHasItsApplicationIdAndVersion) {
   EXPECT_EQ(modeOf(file().parent_path()), 0700U);
   testkit::RawStore raw(file());
   EXPECT_EQ(raw.run("PRAGMA journal_mode"), "wal\n");
-  EXPECT_EQ(raw.run("PRAGMA user_version"), "1\n");
+  EXPECT_EQ(raw.run("PRAGMA user_version"), "2\n");
   EXPECT_EQ(raw.run("PRAGMA application_id"), "1266044007\n");
 }
 
@@ -180,7 +180,7 @@ TEST_F(AStoredBook, StoresRates) {
 
 TEST_F(AStoredBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
   open();
-  for (const char* const sql : {"PRAGMA user_version = 2", "PRAGMA application_id = 7"}) {
+  for (const char* const sql : {"PRAGMA user_version = 3", "PRAGMA application_id = 7"}) {
     testkit::RawStore(file()).run(sql);
     testing::internal::CaptureStderr();
     EXPECT_FALSE(Book::open([](auto, auto) { return Reading(); })) << sql;

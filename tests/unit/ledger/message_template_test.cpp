@@ -117,7 +117,7 @@ TEST(ATemplate, DescribesAPaymentWithoutAPayee) {
   };
   EXPECT_EQ(described(Kind::expense), "Payment, Other");
   EXPECT_EQ(described(Kind::income), "Deposit, Income");
-  EXPECT_EQ(described(Kind::transfer), "Own transfer, __system_transfer__");
+  EXPECT_EQ(described(Kind::transfer), "Own transfer, Transfer");
 }
 
 TEST(ATemplate, GivesItsOwnDescriptionAndCategory) {

@@ -135,7 +135,7 @@ TEST(ATransferOut, IsAnExpenseToItsPayee) {
 
 TEST(ATransferBetweenOwnAccounts, IsATransfer) {
   EXPECT_EQ(of("Transfer of EGP 4,000.00 between your accounts was completed."),
-            "transfer 4000.00 | Own transfer | __system_transfer__");
+            "transfer 4000.00 | Own transfer | Transfer");
 }
 
 TEST(ACreditCardSettlement, IsCategorisedAsOne) {

@@ -17,9 +17,7 @@
 namespace kivo::linux_platform {
 namespace {
 
-std::string noteOf(sqlite3* database) {
-  return std::string(sqlite3_db_filename(database, "main")) + erasureNote;
-}
+std::string noteOf(sqlite3* database) { return fileOf(database).string() + erasureNote; }
 
 // With secure_delete SQLite overwrites deleted bytes, but not the copies that stay in the free
 // space of a page when a row moves to another page. Only VACUUM removes those.

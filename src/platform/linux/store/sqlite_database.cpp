@@ -102,13 +102,13 @@ int fill(sqlite3* database, const DatabaseForm& form) {
   std::int64_t version = 0;
   int code = identify(database, form, owner, version);
   if (code == SQLITE_OK && isToBeFilled(owner)) {
-    std::string steps;
-    for (const char* const next : form.versions.subspan(static_cast<std::size_t>(version))) {
-      steps += std::string(next) + ";";
+    for (const DatabaseVersion& next : form.versions.subspan(static_cast<std::size_t>(version))) {
+      if (code == SQLITE_OK) code = execute(database, next.sql);
+      if (code == SQLITE_OK && next.step != nullptr) code = next.step(database);
     }
-    steps += "PRAGMA application_id = " + std::to_string(form.applicationId) +
-             ";PRAGMA user_version = " + std::to_string(form.versions.size());
-    code = execute(database, steps.c_str());
+    const std::string mark = "PRAGMA application_id = " + std::to_string(form.applicationId) +
+                             ";PRAGMA user_version = " + std::to_string(form.versions.size());
+    if (code == SQLITE_OK) code = execute(database, mark.c_str());
   }
   return code == SQLITE_OK ? transaction.commit() : code;
 }
@@ -193,6 +193,8 @@ void CloseDatabase::operator()(sqlite3* database) const {
   }
   sqlite3_close(database);
 }
+
+std::filesystem::path fileOf(sqlite3* database) { return sqlite3_db_filename(database, "main"); }
 
 Database openDatabase(const DatabaseForm& form) {
   try {

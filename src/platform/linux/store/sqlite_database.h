@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -25,15 +26,24 @@ inline constexpr int busyTimeoutInMilliseconds = 10'000;
 /// The suffix that `oweErasure` appends to the database's name for its note.
 inline constexpr const char* erasureNote = "-unerased";
 
+/// How the tables of one version are made from those of the version before, the first one from an
+/// empty file.
+struct DatabaseVersion {
+  const char* sql;
+  /// Runs after `sql` in the same transaction, for what SQL alone cannot do. Returns SQLite's
+  /// result code and throws nothing. Null for none.
+  int (*step)(sqlite3* database) = nullptr;
+};
+
 /// A kind of database file.
 struct DatabaseForm {
   /// The folder's name in `dataHome`.
   std::string_view folder;
   const char* file;
   std::int64_t applicationId;
-  /// SQL for each version of the tables, which upgrades from the version before, the first one from
-  /// an empty file. Their number is the current version, stored as user_version.
-  std::span<const char* const> versions;
+  /// Their number is the current version, stored as user_version. An upgrade over several versions
+  /// is one transaction.
+  std::span<const DatabaseVersion> versions;
 };
 
 /// Opens the file of `form` and upgrades an older version. Creates the folder and the file when
@@ -45,5 +55,8 @@ struct DatabaseForm {
 /// belongs to another program. Such a file, or the target of such a link, stays unchanged. A handle
 /// is not thread-safe.
 Database openDatabase(const DatabaseForm& form);
+
+/// Returns the path of the file of an open database.
+std::filesystem::path fileOf(sqlite3* database);
 
 }  // namespace kivo::linux_platform

@@ -1,14 +1,48 @@
 #include "platform/linux/store/sqlite_statement.h"
 
+#include <exception>
+
 #include <sqlite3.h>
 
 namespace kivo::linux_platform {
+namespace {
+
+using TextFunction = std::string (*)(std::string_view);
+
+std::string_view textOf(sqlite3_value* value) {
+  const void* const bytes = sqlite3_value_text(value);
+  if (bytes == nullptr) return {};
+  return {static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+void callTextFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+  try {
+    const auto function = reinterpret_cast<TextFunction>(sqlite3_user_data(context));
+    const std::string text = function(textOf(arguments[0]));
+    sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  } catch (const std::exception& error) {
+    sqlite3_result_error(context, error.what(), -1);
+  }
+}
+
+}  // namespace
 
 int execute(sqlite3* database, const char* sql) {
   return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
 }
 
 const char* errorText(int code) { return sqlite3_errstr(code); }
+
+bool isDamage(int code) {
+  const int primary = code & 0xff;
+  return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
+}
+
+int defineTextFunction(sqlite3* database, const char* name, TextFunction value) {
+  return sqlite3_create_function_v2(database, name, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                    reinterpret_cast<void*>(value), callTextFunction, nullptr,
+                                    nullptr, nullptr);
+}
 
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 

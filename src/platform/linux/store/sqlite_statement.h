@@ -17,6 +17,13 @@ int execute(sqlite3* database, const char* sql);
 
 /// Returns SQLite's English text for its result `code`.
 const char* errorText(int code);
+/// Returns whether SQLite's result `code` says that the file is damaged or no database.
+bool isDamage(int code);
+
+/// Defines the SQL function `name` of one text for `database`: `value`, which gives the same result
+/// for the same text. What `value` throws becomes an error of the statement. Returns SQLite's
+/// result code.
+int defineTextFunction(sqlite3* database, const char* name, std::string (*value)(std::string_view));
 
 /// A prepared statement. Keeps the code of its first failure: after that, `step` and `run` return
 /// false until `reset`, and for good when `sql` could not be compiled. Not thread-safe.

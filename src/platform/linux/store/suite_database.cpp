@@ -5,8 +5,8 @@
 namespace kivo::linux_platform {
 namespace {
 
-constexpr std::array versions = {
-    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT"};
+constexpr std::array versions = {DatabaseVersion{
+    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT"}};
 
 }  // namespace
 
