@@ -16,7 +16,7 @@ using linux_platform::Transaction;
 
 constexpr const char* columns =
     "id, key, date, kind, minor_units, currency, description, category, payee, account, "
-    "reference, state, possible_duplicate_of, text";
+    "reference, state, possible_duplicate_of, text, edited";
 
 // A damaged file may hold any bytes.
 LedgerEntry entryOf(const Statement& row) {
@@ -37,6 +37,7 @@ LedgerEntry entryOf(const Statement& row) {
   entry.state = state.value_or(LedgerEntry::State::setAside);
   if (!row.isNull(12)) entry.possibleDuplicateOf = row.integer(12);
   if (!row.isNull(13)) entry.text = text(13);
+  entry.edited = row.integer(14) != 0;
   if (!kind || !impossibleValue(entry).empty()) entry.state = LedgerEntry::State::setAside;
   return entry;
 }
@@ -123,7 +124,7 @@ bool Book::edit(std::int64_t id, const EntryChange& change) {
   if (corrected) edited->state = LedgerEntry::State::review;
   Statement update(database_.get(), R"(
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
-      category = ?, state = ? WHERE id = ?)");
+      category = ?, state = ?, edited = 1 WHERE id = ?)");
   update.bind(edited->date).bind(kindText(edited->kind));
   update.bindIfPresent(edited->amount ? std::optional(edited->amount->minorUnits) : std::nullopt);
   update.bind(edited->amount ? std::string_view(edited->amount->currency) : "");

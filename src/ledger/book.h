@@ -146,8 +146,8 @@ class Book {
   /// entry has this id, its text was forgotten, or it is read as no transaction.
   [[nodiscard]] std::optional<LedgerEntry> reread(std::int64_t id,
                                                   const std::string& currency) const;
-  /// Books an entry in review as `entry`, which `reread` returned, in one step; false when that has
-  /// no sum, or it is no longer in review.
+  /// Books an entry as `entry`, which `reread` returned, in one step, also one that is booked;
+  /// false when that has no sum, or it was edited, set aside or deleted.
   bool acceptAs(const LedgerEntry& entry);
   /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
   /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates

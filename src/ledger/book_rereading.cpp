@@ -1,4 +1,4 @@
-// Book::reread and Book::acceptAs: entries in review whose wording was taught.
+// Book::reread and Book::acceptAs: entries whose wording was taught.
 #include "ledger/book.h"
 #include "ledger/book_categories.h"
 #include "ledger/book_file.h"
@@ -34,7 +34,7 @@ bool Book::acceptAs(const LedgerEntry& entry) {
   Statement update(database_.get(), R"(
     UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
       payee = ?, folded_payee = ?, account = ?, reference = ?, state = 'booked'
-    WHERE id = ? AND state = 'review' RETURNING id)");
+    WHERE id = ? AND state IN ('booked', 'review') AND edited = 0 RETURNING id)");
   update.bind(kindText(entry.kind)).bind(entry.amount->minorUnits).bind(entry.amount->currency);
   update.bind(entry.description).bind(category).bind(entry.payee).bind(folded);
   update.bind(entry.account).bind(entry.reference).bind(entry.id);

@@ -22,7 +22,7 @@ CREATE TABLE made (
   description TEXT NOT NULL, category TEXT NOT NULL, payee TEXT NOT NULL,
   folded_payee TEXT NOT NULL,
   account TEXT NOT NULL, reference TEXT NOT NULL, state TEXT NOT NULL,
-  possible_duplicate_of INTEGER, text TEXT,
+  possible_duplicate_of INTEGER, text TEXT, edited INTEGER NOT NULL DEFAULT 0,
   UNIQUE (user, key),
   CHECK (state IN ('booked', 'review', 'set_aside')),
   CHECK (state = 'set_aside' OR (
@@ -45,7 +45,7 @@ INSERT INTO made SELECT id, user, key, date, kind, minor_units, currency, descri
     WHEN minor_units NOT BETWEEN 1 AND 9007199254740992 THEN 'set_aside'
     WHEN currency NOT GLOB '[A-Z][A-Z][A-Z]' THEN 'set_aside'
     ELSE state END,
-  possible_duplicate_of, text FROM transactions;
+  possible_duplicate_of, text, 0 FROM transactions;
 DELETE FROM sqlite_sequence WHERE name = 'made';
 INSERT INTO sqlite_sequence SELECT 'made', seq FROM sqlite_sequence WHERE name = 'transactions';
 DROP TABLE transactions;

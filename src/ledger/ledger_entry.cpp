@@ -14,6 +14,12 @@ bool isCodeShaped(std::string_view currency) {
 
 }  // namespace
 
+bool LedgerEntry::readsAs(const LedgerEntry& other) const {
+  return state == other.state && kind == other.kind && amount == other.amount &&
+         description == other.description && category == other.category && payee == other.payee &&
+         account == other.account && reference == other.reference;
+}
+
 void apply(const Reading& reading, LedgerEntry& entry) {
   entry.kind = reading.kind;
   entry.amount = reading.amount && isBookable(*reading.amount) ? reading.amount : std::nullopt;

@@ -41,6 +41,11 @@ struct LedgerEntry {
   std::optional<std::int64_t> possibleDuplicateOf;
   /// The text of the message; absent after Book::forgetTexts.
   std::optional<std::string> text;
+  /// Whether the user changed it with `edit`.
+  bool edited = false;
+
+  /// Returns whether both have the same state and the same of all that a message is read as.
+  [[nodiscard]] bool readsAs(const LedgerEntry& other) const;
 };
 
 /// Sets all that the reading of its message holds. An entry whose sum cannot be booked is in review

@@ -50,6 +50,9 @@ class ATaughtLedger : public testing::Test {
   static nlohmann::json json(const std::string& command) {
     return nlohmann::json::parse(run({command, "--json"}).output);
   }
+  static nlohmann::json shownEntry(const std::string& id) {
+    return nlohmann::json::parse(run({"show", id, "--json"}).output);
+  }
   [[nodiscard]] std::filesystem::path file() const {
     return ledger_.folders().home() / "config" / "kivo" / "templates.toml";
   }
@@ -87,7 +90,8 @@ TEST_F(ATaughtLedger, LearnsAMessageFromStandardInput) {
             "It reads this message as:\n"
             "  expense, 150.00 EGP, Nile Cinema, Entertainment\n\n"
             "Saved in " +
-                file().string() + "\n");
+                file().string() +
+                "\nThe message itself is not booked: it did not come from the phone.\n");
   EXPECT_THAT(templates(), HasSubstr("\n[[template]]\ntext = \"Zap! Tulip Bank moved EGP {amount} "
                                      "over to {payee} on {any}, EGP {any} stay.\"\n"
                                      "kind = \"expense\"\ncurrency = \"EGP\"\n"));
@@ -196,6 +200,44 @@ TEST_F(ATaughtLedger, RefusesAFileThatOtherUsersMayChange) {
   EXPECT_EQ(run({"teach", "-", "--kind", "none"}, "Zip news").status, 0);
 }
 
+TEST_F(ATaughtLedger, CorrectsTheTransactionThatItWasShown) {
+  receive({purchase});
+  const ProgramResult result = run({"teach", "1", "--kind", "transfer", "--amount", "150.00"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_THAT(result.output, AllOf(HasSubstr("It reads this message as:\n  transfer, 150.00 EGP, "),
+                                   EndsWith("Corrected 1.\n")));
+  EXPECT_EQ(json("list")[0]["kind"], "transfer");
+}
+
+TEST_F(ATaughtLedger, LeavesWhatAPersonEdited) {
+  receive({unclear, "Purchase EGP 30.00 EGP 40.00 at Old Books", purchase});
+  run({"edit", "2", "--amount", "33.00"});
+  run({"accept", "2"});
+  run({"edit", "3", "--date", "2026-11-20"});
+  const ProgramResult result = run(
+      {"teach", "1", "--kind", "expense", "--amount", "20.00", "--payee", "Nile Cinema", "--book"});
+  EXPECT_THAT(result.output, EndsWith("Booked 1.\nLeft as you edited them: 2.\n"));
+  const ProgramResult shown = run({"teach", "3", "--kind", "transfer", "--amount", "150.00"});
+  EXPECT_THAT(shown.output, EndsWith("Left as you edited them: 3.\n"));
+  EXPECT_EQ(shownEntry("2")["amount"], "33.00");
+  EXPECT_EQ(shownEntry("3")["kind"], "expense");
+}
+
+TEST_F(ATaughtLedger, OffersBookedTransactionsThatFit) {
+  receive({purchase, "Your card ending 7 was charged EGP 9.50 at Old Books on 20-11-2026."});
+  const std::vector<std::string> teaching = {"teach",    "1",      "--kind",  "transfer",
+                                             "--amount", "150.00", "--payee", "Carrefour City"};
+  const ProgramResult shown = run(teaching);
+  EXPECT_THAT(shown.output,
+              AllOf(HasSubstr("\nOthers that fit, as they are read now:\nID "),
+                    EndsWith("Left as they are; with --book, teach books them so.\n")));
+  auto booking = teaching;
+  booking.emplace_back("--book");
+  EXPECT_THAT(run(booking).output, EndsWith("Booked 1 so.\n"));
+  EXPECT_THAT(run(booking).output, EndsWith(" already.\n"));
+  for (const auto& entry : json("list")) EXPECT_EQ(entry["kind"], "transfer");
+}
+
 TEST_F(ATaughtLedger, BooksWhatFitsWhenAsked) {
   receive({unclear, "Purchase EGP 30.00 EGP 40.00 at Old Books", purchase});
   ASSERT_THAT(json("review"), SizeIs(2));
@@ -203,15 +245,16 @@ TEST_F(ATaughtLedger, BooksWhatFitsWhenAsked) {
                                              "--amount", "20.00", "--payee", "Nile Cinema"};
   const ProgramResult shown = run(teaching);
   EXPECT_EQ(shown.status, 0) << shown.errors;
-  EXPECT_THAT(shown.output, AllOf(HasSubstr("\nFor review, as they are read now:\nID "),
-                                  HasSubstr("40.00 EGP  Old Books"),
-                                  EndsWith("Not booked; with --book, teach books them.\n")));
-  EXPECT_THAT(json("review"), SizeIs(2));
+  EXPECT_THAT(shown.output,
+              AllOf(HasSubstr("Booked 1.\n\nOthers that fit, as they are read now:\nID "),
+                    HasSubstr("40.00 EGP  Old Books"),
+                    EndsWith("Left as they are; with --book, teach books them so.\n")));
+  EXPECT_THAT(json("review"), SizeIs(1));
   auto booking = teaching;
   booking.emplace_back("--book");
   const ProgramResult booked = run(booking);
   EXPECT_THAT(booked.output, AllOf(HasSubstr("It is in " + file().string() + " already.\n"),
-                                   EndsWith("Booked 2.\n")));
+                                   EndsWith("Booked 1 so.\n")));
   EXPECT_THAT(json("review"), SizeIs(0));
   const auto listed = json("list");
   ASSERT_THAT(listed, SizeIs(3));
@@ -225,7 +268,7 @@ TEST_F(ATaughtLedger, NamesReviewsThatAreNoPayment) {
   const ProgramResult result = run({"teach", "1", "--kind", "none"});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_THAT(result.output, AllOf(HasSubstr("It reads this message as:\n  no payment\n"),
-                                   EndsWith("For review, and no payment: 1. `kivo-ledger delete "
+                                   EndsWith("In the book, and no payment: 1. `kivo-ledger delete "
                                             "ID` deletes one.\n")));
   EXPECT_THAT(json("review"), SizeIs(1));
 }
@@ -245,7 +288,7 @@ TEST_F(ATaughtLedger, LeavesAForeignSumForReviewUntilThereIsARate) {
 
 TEST_F(ATaughtLedger, AsksForThePartsAtATerminal) {
   receive({unclear});
-  const ProgramResult result = onTerminal("teach 1", "e\n7\n20.00\n\n\ny\n");
+  const ProgramResult result = onTerminal("teach 1", "e\n7\n20.00\n\n\n");
   EXPECT_EQ(result.status, 0);
   const std::vector<std::string> parts = {
       "The message:\r\n  Purchase EGP 10.00 EGP 20.00 at Nile Cinema\r\n",
@@ -257,7 +300,6 @@ TEST_F(ATaughtLedger, AsksForThePartsAtATerminal) {
       "  Purchase EGP {any} EGP {amount} at {payee}\r\n",
       "  expense, 20.00 EGP, Nile Cinema, Entertainment\r\n",
       "Save it? [Y/n] ",
-      "Book them? [Y/n] ",
       "Booked 1.\r\n"};
   std::size_t place = 0;
   for (const std::string& part : parts) {

@@ -5,19 +5,33 @@
 #include "ledger/templates/message_text.h"
 
 namespace kivo::ledger {
+namespace {
+
+void sortIn(const Book& book, const LedgerEntry& entry, const std::string& currency,
+            TaughtEntries& found) {
+  if (entry.edited) {
+    found.edited.push_back(entry.id);
+    return;
+  }
+  auto read = book.reread(entry.id, currency);
+  if (!read) {
+    found.none.push_back(entry.id);
+  } else if (read->state == LedgerEntry::State::booked) {
+    if (!read->readsAs(entry)) found.clear.push_back(*std::move(read));
+  } else if (entry.state == LedgerEntry::State::review) {
+    found.unclear.push_back(entry.id);
+  }
+}
+
+}  // namespace
 
 TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
                             const std::string& currency) {
   TaughtEntries found;
-  for (const LedgerEntry& entry : book.entries({.state = LedgerEntry::State::review})) {
-    if (!entry.text || !taught.pattern.fit(templateForm(partThatCounts(*entry.text)))) continue;
-    auto read = book.reread(entry.id, currency);
-    if (!read) {
-      found.none.push_back(entry.id);
-    } else if (read->state == LedgerEntry::State::review) {
-      found.unclear.push_back(entry.id);
-    } else {
-      found.clear.push_back(*std::move(read));
+  for (const auto state : {LedgerEntry::State::review, LedgerEntry::State::booked}) {
+    for (const LedgerEntry& entry : book.entries({.state = state})) {
+      const bool fits = entry.text && taught.pattern.fit(templateForm(partThatCounts(*entry.text)));
+      if (fits) sortIn(book, entry, currency, found);
     }
   }
   return found;

@@ -1,4 +1,4 @@
-// Finds the entries in review that a new template matches. Books none.
+// Finds the entries that a new template matches. Changes none.
 #pragma once
 
 #include <cstdint>
@@ -10,18 +10,22 @@
 
 namespace kivo::ledger {
 
-/// The entries in review that a template matches, by the outcome of reading them again.
+/// The entries, booked or in review, that a template matches, by the outcome of reading them again.
 struct TaughtEntries {
-  /// Read without doubt, and ready for `Book::acceptAs`.
+  /// As they are read now, without doubt and otherwise than the book has them; ready for
+  /// `Book::acceptAs`.
   std::vector<LedgerEntry> clear = {};
-  /// The ids of those that stay in review, such as those in a currency without a rate.
+  /// The ids of those in review that stay there, such as those in a currency without a rate.
   std::vector<std::int64_t> unclear = {};
   /// The ids of those that are no payment.
   std::vector<std::int64_t> none = {};
+  /// The ids of those that the user edited; they are not read again.
+  std::vector<std::int64_t> edited = {};
 };
 
-/// Reads the entries in review of `book` again and returns those that `taught` matches. The book is
-/// kept in `currency`, and its reader must use the templates of the file.
+/// Reads the entries of `book` again that `taught` matches. The book is kept in `currency`, and its
+/// reader must use the templates of the file. Takes time for every entry of the book that still has
+/// its text.
 TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
                             const std::string& currency);
 

@@ -1,6 +1,7 @@
 #include "ledger/templates/teach_command.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 #include <istream>
@@ -48,7 +49,8 @@ class Teaching {
     const auto taught = confirmedTemplate();
     if (!taught) return exitFailure;
     if (const int failed = save(*taught); failed != 0) return failed;
-    return offerEntries(*taught);
+    if (const int failed = correctShown(); failed != 0) return failed;
+    return offerOthers(*taught);
   }
 
  private:
@@ -111,6 +113,7 @@ class Teaching {
       return fail("the text of " + std::to_string(*number) +
                   " was forgotten; `kivo-ledger teach -` takes it from standard input");
     }
+    shown_ = entry->id;
     message_ = partThatCounts(*entry->text);
     propose(entry);
     return 0;
@@ -193,22 +196,40 @@ class Teaching {
     return print("Saved in " + path + "\n");
   }
 
-  int offerEntries(const MessageTemplate& taught) {
+  // Has the transaction that was shown in the book as it is read now.
+  int correctShown() {
+    if (!shown_)
+      return print("The message itself is not booked: it did not come from the phone.\n");
+    const auto before = book_.entry(*shown_);
+    const auto read = book_.reread(*shown_, currency_);
+    if (!before || before->edited || !read || read->readsAs(*before)) return 0;
+    const std::string id = std::to_string(*shown_);
+    const bool waits = before->state == LedgerEntry::State::review;
+    if (read->state == LedgerEntry::State::review) {
+      return waits ? 0 : print(id + " stays as it is, since it would be for review.\n");
+    }
+    return book_.acceptAs(*read) ? print((waits ? "Booked " : "Corrected ") + id + ".\n") : 0;
+  }
+
+  int offerOthers(const MessageTemplate& taught) {
     const TaughtEntries found = taughtEntries(book_, taught, currency_);
+    if (!found.edited.empty()) {
+      print("Left as you edited them: " + listed(found.edited) + ".\n");
+    }
     if (!found.none.empty()) {
-      print("For review, and no payment: " + listed(found.none) +
+      print("In the book, and no payment: " + listed(found.none) +
             ". `kivo-ledger delete ID` deletes one.\n");
     }
     if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
     if (found.clear.empty()) return 0;
-    print("\nFor review, as they are read now:\n" +
+    print("\nOthers that fit, as they are read now:\n" +
           EntryListing::table(found.clear, linux_platform::screenWidth()));
     const bool books =
-        parameters_.contains("--book") || (questions_ && questions_->confirms("Book them?"));
-    if (!books) return print("Not booked; with --book, teach books them.\n");
+        parameters_.contains("--book") || (questions_ && questions_->confirms("Book them so?"));
+    if (!books) return print("Left as they are; with --book, teach books them so.\n");
     std::size_t booked = 0;
     for (const LedgerEntry& entry : found.clear) booked += book_.acceptAs(entry) ? 1U : 0U;
-    return print("Booked " + std::to_string(booked) + ".\n");
+    return print("Booked " + std::to_string(booked) + " so.\n");
   }
 
   const GivenParameters& parameters_;
@@ -217,6 +238,8 @@ class Teaching {
   TeachingQuestions::Given given_;
   std::ifstream terminal_;
   std::optional<TeachingQuestions> questions_;
+  // The transaction with the message; absent for one from standard input.
+  std::optional<std::int64_t> shown_;
   std::string message_;
   TaughtParts proposed_;
 };
@@ -245,7 +268,8 @@ linux_platform::Command teachCommand() {
           return std::vector<std::string>{"expense", "income", "transfer", "none"};
         }},
        {"--currency", "The code of the sum's currency, as EGP, if the message has none", optional},
-       {"--book", "Book what is in review and fits, without asking", ParameterKind::flag}},
+       {"--book", "Book all others that fit as they are read now, without asking",
+        ParameterKind::flag}},
       runTeach};
 }
 

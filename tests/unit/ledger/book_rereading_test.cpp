@@ -57,6 +57,22 @@ TEST_F(AReadAgainEntry, IsBookedInOneStep) {
   EXPECT_EQ(booked->key, "KEY-1");
 }
 
+TEST_F(AReadAgainEntry, ReplacesABookedReadingUnlessItWasEdited) {
+  Book book = open();
+  const LedgerEntry entry = recorded(book, "KEY-1", spent(15000));
+  reading_ = spent(15000);
+  reading_.kind = Kind::transfer;
+  ASSERT_TRUE(book.acceptAs(*book.reread(entry.id, "EGP")));
+  EXPECT_EQ(book.entry(entry.id)->kind, Kind::transfer);
+  EXPECT_FALSE(book.entry(entry.id)->edited);
+  reading_.kind = Kind::income;
+  const auto read = book.reread(entry.id, "EGP");
+  book.edit(entry.id, {.date = "2026-11-20"});
+  EXPECT_TRUE(book.entry(entry.id)->edited);
+  EXPECT_FALSE(book.acceptAs(*read));
+  EXPECT_EQ(book.entry(entry.id)->kind, Kind::transfer);
+}
+
 TEST_F(AReadAgainEntry, HasCorrectionsAndRates) {
   Book book = open();
   const LedgerEntry known = recorded(book, "KEY-1", spent(100));
@@ -98,14 +114,13 @@ TEST_F(AReadAgainEntry, IsAbsentWithoutATextOrAPayment) {
   EXPECT_EQ(book.reread(entry.id, "EGP"), std::nullopt);
 }
 
-TEST_F(AReadAgainEntry, IsNotBookedTwiceNorWithoutASum) {
+TEST_F(AReadAgainEntry, IsNotBookedWithoutASumNorOnceDeleted) {
   Book book = open();
   const LedgerEntry entry = recorded(book, "KEY-1", unclear());
   EXPECT_FALSE(book.acceptAs(entry));
   reading_ = spent(15000);
   const auto read = book.reread(entry.id, "EGP");
   EXPECT_TRUE(book.acceptAs(*read));
-  EXPECT_FALSE(book.acceptAs(*read));
   book.remove(entry.id);
   EXPECT_FALSE(book.acceptAs(*read));
 }
