@@ -103,6 +103,7 @@ TEST_F(AnOverview, LeavesOutAndNamesAnEntryWhoseAmountIsOutOfRange) {
   EXPECT_EQ(json["expense"], "150.00");
   EXPECT_EQ(json["left_out"], "1, 2");
   run({"edit", "1", "--amount", "150"});
+  run({"accept", "1"});
   EXPECT_THAT(run({"summary", "--month", "2026-11"}).output, HasSubstr("300.00  0.00  Spent\n"));
 }
 

@@ -120,7 +120,7 @@ TEST_F(ADamagedBook, ListsAndAddsUpTheOtherRowsWhenValuesOfSomeCannotBe) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(),
               HasSubstr(" is damaged: the values of these transactions cannot be: 4, 3, 2, 1; "));
   std::int64_t sum = 0;
-  for (const GroupSum& group : book.sums(Grouping::day, "2026-11-01", "2026-11-31")) {
+  for (const GroupSum& group : book.sums(Grouping::day, "2026-11-01", "2026-11-31", largestSum)) {
     sum += group.sum.minorUnits;
   }
   EXPECT_EQ(sum, 104 + 105);
