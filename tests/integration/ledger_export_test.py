@@ -280,7 +280,7 @@ class Export(unittest.TestCase):
             self.assertNotIn("KEY-", book.export(form).read_text())
 
     def test_the_options_choose_what_list_shows(self):
-        for options in (["--month", "2026-12"], ["--from", "2026-01-01", "--to", "2026-11-21"], ["--category", "eating OUT"],
+        for options in (["--month", "2026-12"], ["--from", "2026-01-01", "--to", "2026-11-21"], ["--category", "eating out"],
                         ["--search", "café"], ["--search", "4821"]):
             expected = [entry["id"] for entry in self.book.listed(*options)][::-1]
             self.assertGreater(len(expected), 0)

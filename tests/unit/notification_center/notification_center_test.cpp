@@ -125,7 +125,7 @@ TEST_F(TheNotificationCenter, ShowsOverdueRequestsAfterARestart) {
   EXPECT_THAT(titles, ElementsAre("one", "two"));
 }
 
-TEST_F(TheNotificationCenter, ShowsTheFiveNewestOverdueRequestsAndOneThatCountsTheRest) {
+TEST_F(TheNotificationCenter, ShowsTheFiveNewestOverdueRequestsAndCountsTheRest) {
   addMany(12);
   present += 1h;
   restart();
