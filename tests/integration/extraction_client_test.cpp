@@ -201,7 +201,7 @@ TEST_F(AnExtractionOverTheNetwork, FailsLikeAWrongStatusWhenTheAnswerIsNotHTTP) 
   }
 }
 
-TEST_F(AnExtractionOverTheNetwork, ThrowsATransportErrorWhenAnHTTPAnswerIsCutShort) {
+TEST_F(AnExtractionOverTheNetwork, ThrowsATransportErrorWhenAnHTTPAnswerIsBroken) {
   const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
   const std::map<std::string, URLError::Code> failures = {
       {"HTT", URLError::Code::networkConnectionLost},
