@@ -181,7 +181,7 @@ int showRates(const Book& book) {
   std::string lines;
   for (const auto& [currency, rate] : book.rates()) {
     lines += escapedControls(currency + " " + rate);
-    if (!Rate::fromText(rate)) lines += " is not used: a rate must be " + rateForm();
+    if (!Rate::fromText(rate)) lines.append(" is not used: a rate must be ").append(rateForm());
     lines += "\n";
   }
   return print(lines.empty() ? "No rate is set.\n" : lines);
