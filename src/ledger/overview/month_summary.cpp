@@ -78,7 +78,7 @@ void readPayees(MonthSummary& summary, const Book& book, std::int64_t largest) {
 void readToday(MonthSummary& summary, const Book& book, std::int64_t largest) {
   const std::string date = currentDay();
   if (!date.starts_with(summary.month)) return;
-  MonthSummary::Today& today = summary.today.emplace();
+  TodaysExpenses& today = summary.today.emplace();
   today.date = date;
   for (const GroupSum& group : book.sums(Grouping::day, date, date, largest)) {
     if (!isExpense(group, summary.currency)) continue;

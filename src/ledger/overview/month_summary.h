@@ -23,6 +23,14 @@ struct MovedSums {
   std::int64_t transactions = 0;
 };
 
+/// The expenses of the current day.
+struct TodaysExpenses {
+  /// yyyy-MM-dd.
+  std::string date;
+  std::int64_t expense = 0;
+  std::int64_t expenses = 0;
+};
+
 /// All sums are in `currency`, but for those of `otherCurrencies`: sums of different currencies are
 /// never added.
 struct MonthSummary {
@@ -41,13 +49,6 @@ struct MonthSummary {
     std::string currency;
     MovedSums sums;
   };
-  /// The expenses of the current day.
-  struct Today {
-    /// yyyy-MM-dd.
-    std::string date;
-    std::int64_t expense = 0;
-    std::int64_t expenses = 0;
-  };
 
   /// yyyy-MM.
   std::string month;
@@ -64,7 +65,7 @@ struct MonthSummary {
   /// By code.
   std::vector<OtherCurrency> otherCurrencies;
   /// Absent unless the month is the current one.
-  std::optional<Today> today;
+  std::optional<TodaysExpenses> today;
   /// The entries whose amounts no sum counts: their ids, ascending.
   std::vector<std::int64_t> leftOut;
 

@@ -46,7 +46,7 @@ std::vector<JSONEncoder> payeeObjects(const MonthSummary& summary) {
   return objects;
 }
 
-JSONEncoder todayObject(const MonthSummary::Today& today, const std::string& currency) {
+JSONEncoder todayObject(const TodaysExpenses& today, const std::string& currency) {
   JSONEncoder object;
   object.encodeString("date", today.date);
   object.encodeString("expense", amountText({today.expense, currency}));
