@@ -180,7 +180,7 @@ std::string rateForm() {
 int showRates(const Book& book) {
   std::string lines;
   for (const auto& [currency, rate] : book.rates()) {
-    lines += escapedControls(currency + " " + rate);
+    lines.append(escapedControls(currency)).append(" ").append(escapedControls(rate));
     if (!Rate::fromText(rate)) lines.append(" is not used: a rate must be ").append(rateForm());
     lines += "\n";
   }

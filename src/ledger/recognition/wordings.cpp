@@ -167,8 +167,11 @@ std::optional<Found> Wordings::longestAt(const Items& items, std::size_t at) con
   std::optional<Found> longest;
   std::size_t mostElements = 0;
   const auto findUnder = [&](std::string_view key) {
-    const auto same = std::ranges::equal_range(patterns_, key, {}, &WordingPattern::key);
-    findLonger(same, items, at, longest, mostElements);
+    // clang 14 rejects the range that std::ranges::equal_range returns.
+    const auto begin = std::ranges::lower_bound(patterns_, key, {}, &WordingPattern::key);
+    const auto end =
+        std::ranges::upper_bound(begin, patterns_.end(), key, {}, &WordingPattern::key);
+    findLonger({begin, end}, items, at, longest, mostElements);
   };
   const Item& item = items[at];
   if (item.kind == Item::Kind::sum) {
