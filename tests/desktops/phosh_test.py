@@ -27,8 +27,8 @@ class APhosh(DesktopTest):
         return wait_for(banner, "the notification is shown")
 
     def test_the_apps_have_kivo(self):
+        wait_for(lambda: self.phone.controls(program="phosh", name="Kivo"), "Kivo is in the list of apps")
         self.picture("apps")
-        self.assertTrue(self.phone.controls(program="phosh", name="Kivo"), "Kivo is not in the list of apps")
 
     def test_a_notification_has_the_name_and_the_icon_of_kivo(self):
         banner = self.notified()
