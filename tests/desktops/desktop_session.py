@@ -52,7 +52,8 @@ class Session:
 
     def __init__(self, **variables):
         self._end = contextlib.ExitStack()
-        self.home = pathlib.Path(self._end.enter_context(tempfile.TemporaryDirectory(prefix="kivo-session-", ignore_cleanup_errors=True)))
+        folder = tempfile.TemporaryDirectory(prefix="kivo-session-", ignore_cleanup_errors=True)
+        self.home = pathlib.Path(self._end.enter_context(folder))
         self.logs = self.home / "logs"
         self.logs.mkdir()
         self.runtime = self.home / "runtime"
