@@ -24,7 +24,7 @@ std::vector<NotificationName> namesOf(const std::vector<PendingNotification>& no
   return names;
 }
 
-// The notification that stands for those of `rest`, which is not empty. It opens the same link as
+// The notification that counts those of `rest`, which is not empty. It opens the same link as
 // the newest of them.
 UNMutableNotificationContent countOf(const std::vector<PendingNotification>& rest) {
   UNMutableNotificationContent content;

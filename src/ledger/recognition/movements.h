@@ -26,7 +26,7 @@ struct Movement {
 
 /// All movements.
 std::span<const Movement> allMovements();
-/// The movement that `meaning` stands for, or null.
+/// Returns the movement of `meaning`; null when there is none. Lives as long as the program.
 const Movement* movementOf(Meaning meaning);
 
 /// The movement of a message with these wordings: the strongest, of equals the first. Null for
