@@ -1,21 +1,23 @@
 // Measures the ledger's book with up to 100,000 transactions.
-#include "ledger/book.h"
+#include "book/book.h"
 
 #include <string>
 
 #include <benchmark/benchmark.h>
 
-#include "ledger/entry_listing.h"
+#include "ledger/commands/entry_listing.h"
 #include "ledger/extraction_endpoint.h"
 #include "platform/foundation/json_encoder.h"
 #include "testkit/private_folders.h"
 #include "testkit/raw_store.h"
 
 namespace kivo::bench {
+
+using book::Book;
+
 namespace {
 
 using benchmark::State;
-using ledger::Book;
 
 // Creates a book of `count` transactions, 55 a day up to 2026-11-21, of 200 payees.
 void fill(const testkit::PrivateFolders& folders, std::int64_t count) {
@@ -55,7 +57,7 @@ std::string body(const std::string& key) {
 void ledgerAnswer(State& state) {
   const testkit::PrivateFolders folders;
   fill(folders, state.range(0));
-  ledger::ExtractionEndpoint endpoint([] { return "EGP"; }, [](const ledger::LedgerEntry&) {});
+  ledger::ExtractionEndpoint endpoint([] { return "EGP"; }, [](const book::LedgerEntry&) {});
   int number = 0;
   for (auto _ : state) {
     const auto answer = endpoint.answer({.method = "POST",

@@ -4,7 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "ledger/recognition/reading.h"
+#include "recognition/reading.h"
 
 namespace kivo::bench {
 namespace {
@@ -21,7 +21,7 @@ constexpr auto messages = std::to_array<std::string_view>({
 
 void messageRead(benchmark::State& state) {
   const std::string_view message = messages.at(static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) benchmark::DoNotOptimize(ledger::read(message, "EGP"));
+  for (auto _ : state) benchmark::DoNotOptimize(recognition::read(message, "EGP"));
 }
 BENCHMARK(messageRead)->DenseRange(0, messages.size() - 1);
 

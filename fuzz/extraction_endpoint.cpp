@@ -25,9 +25,9 @@ using ledger::UnixHttpServer;
 struct Ledger {
   testkit::PrivateFolders folders;
   ExtractionEndpoint endpoint{[] { return std::optional<std::string>("EGP"); },
-                              [this](const ledger::LedgerEntry&) { ++notices; }};
+                              [this](const book::LedgerEntry&) { ++notices; }};
   // Creates the file that `rows` opens.
-  std::optional<ledger::Book> book = ledger::Book::open();
+  std::optional<book::Book> book = book::Book::open();
   testkit::RawStore rows{folders.dataHome() / "app.kivo.ledger" / "ledger.sqlite3"};
   int notices = 0;
 

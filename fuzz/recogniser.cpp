@@ -4,13 +4,13 @@
 #include <ctime>
 #include <string>
 
-#include "ledger/recognition/reading.h"
-#include "ledger/recognition/spelling.h"
 #include "property.h"
+#include "recognition/reading.h"
+#include "recognition/spelling.h"
 
 namespace {
 
-using namespace kivo::ledger;
+using namespace kivo::recognition;
 
 constexpr const char* books[] = {"EGP", "INR", "KWD", "JPY", "EUR", "ZAR", "XXX", ""};
 

@@ -7,15 +7,16 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "ledger/recognition/amount_digits.h"
-#include "ledger/templates/message_text.h"
-#include "ledger/templates/teaching.h"
 #include "platform/foundation/utf8.h"
 #include "property.h"
+#include "recognition/amount_digits.h"
+#include "recognition/templates/message_text.h"
+#include "recognition/templates/teaching.h"
 
 namespace {
 
-using namespace kivo::ledger;
+using namespace kivo;
+using namespace kivo::recognition;
 using kivo::fuzz::require;
 
 std::string withoutBlanks(std::string text) {
@@ -51,7 +52,8 @@ void teachAny(FuzzedDataProvider& data) {
   const std::string amount = kivo::platform::repairedUtf8(data.ConsumeRandomLengthString());
   const std::string payee = kivo::platform::repairedUtf8(data.ConsumeRandomLengthString());
   const std::string message = kivo::platform::repairedUtf8(data.ConsumeRemainingBytesAsString());
-  const std::optional<Kind> kind = isPayment ? std::optional(Kind::expense) : std::nullopt;
+  const std::optional<money::Kind> kind =
+      isPayment ? std::optional(money::Kind::expense) : std::nullopt;
   const Taught taught = teach(message, {.kind = kind, .amount = amount, .payee = payee}, "EGP");
   require(taught.made.has_value() == taught.error.empty(), "a template is made or has an error");
   if (!taught.made) return;
@@ -64,7 +66,7 @@ void teachAny(FuzzedDataProvider& data) {
   if (!kind) return;
   require(fit->amounts.size() == 1, "one number is the sum");
   const std::string& currency = taught.made->currency;
-  const auto named = moneyFromText(templateForm(amount), currency);
+  const auto named = money::moneyFromText(templateForm(amount), currency);
   require(withoutBlanks(templateForm(amount)).find(fit->amounts[0]) != std::string::npos ||
               (named && minorUnitsOf(fit->amounts[0], currency) == named->minorUnits),
           "the sum is the one that was named");

@@ -6,8 +6,8 @@
 #include <limits>
 #include <vector>
 
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/screen.h"
-#include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/text_columns.h"
 
 namespace kivo {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "demo/demo_phone.h"
-#include "ledger/recognition/reading.h"
 #include "platform/foundation/utf8.h"
+#include "recognition/reading.h"
 #include "store/store_keys.h"
 
 namespace kivo {
@@ -251,7 +251,7 @@ DemoEnd DemoStory::show(DemoScreen& screen, const std::string& message,
                         const std::function<bool()>& goesOn) {
   // The phone takes the message's currency, so that the ledger needs no exchange rate.
   const std::string text = platform::repairedUtf8(message);
-  const auto amount = ledger::read(text, usualCurrency).amount;
+  const auto amount = recognition::read(text, usualCurrency).amount;
   const std::string currency = amount ? amount->currency : std::string(usualCurrency);
   Demonstration demonstration(screen, goesOn, currency);
   demonstration.processed(message);

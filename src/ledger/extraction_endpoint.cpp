@@ -3,13 +3,19 @@
 #include <string_view>
 #include <utility>
 
-#include "ledger/book_file.h"
-#include "ledger/calendar_day.h"
+#include "money/calendar_day.h"
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
 
 namespace kivo::ledger {
+
+using book::BookFailure;
+using book::LedgerEntry;
+using money::isDay;
+using recording::Message;
+using recording::Recorded;
+
 namespace {
 
 using Answer = UnixHttpServer::Answer;
@@ -51,8 +57,8 @@ Message messageFrom(std::string_view body) {
 
 ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<std::string>()> currency,
                                        std::function<void(const LedgerEntry&)> review,
-                                       BookOpener open)
-    : currency_(std::move(currency)), review_(std::move(review)), open_(std::move(open)) {}
+                                       recording::MessageReader read)
+    : currency_(std::move(currency)), review_(std::move(review)), read_(std::move(read)) {}
 
 Answer ExtractionEndpoint::answer(const UnixHttpServer::Request& request) {
   if (!isEndpoint(request.target)) return refusal(notFound, "not found");
@@ -65,7 +71,7 @@ Answer ExtractionEndpoint::answer(const UnixHttpServer::Request& request) {
 }
 
 Answer ExtractionEndpoint::record(const Message& message) {
-  if (!book_) book_ = open_();
+  if (!book_) book_ = book::Book::open();
   const auto currency = book_ ? currency_() : std::nullopt;
   if (!currency) return refusal(serviceUnavailable, "the book cannot be opened");
   try {
@@ -73,7 +79,7 @@ Answer ExtractionEndpoint::record(const Message& message) {
       book_.reset();
       return refusal(serviceUnavailable, "the book is damaged");
     }
-    Recorded recorded = book_->record(message, *currency);
+    Recorded recorded = recording::record(*book_, message, read_, *currency);
     if (recorded.entry && recorded.entry->state == LedgerEntry::State::review) {
       review_(*recorded.entry);
     }

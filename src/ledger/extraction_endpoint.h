@@ -5,22 +5,20 @@
 #include <optional>
 #include <string>
 
-#include "ledger/book.h"
+#include "book/book.h"
 #include "ledger/unix_http_server.h"
+#include "recording/recording.h"
 
 namespace kivo::ledger {
 
 /// The extraction endpoint. Opens the book at the first request. Not thread-safe.
 class ExtractionEndpoint {
  public:
-  using BookOpener = std::function<std::optional<Book>()>;
-
   /// `currency` returns the currency of the book, absent when it cannot be read. It is called for
   /// each message. `review` is called with each new entry in review, after it is durable.
-  ExtractionEndpoint(
-      std::function<std::optional<std::string>()> currency,
-      std::function<void(const LedgerEntry&)> review,
-      BookOpener open = [] { return Book::open(); });
+  ExtractionEndpoint(std::function<std::optional<std::string>()> currency,
+                     std::function<void(const book::LedgerEntry&)> review,
+                     recording::MessageReader read = recognition::read);
 
   /// Returns 200 and the response record for a POST to /functions/v1/sms-extraction whose body is
   /// an object of exactly the request's four strings, with an existing date; 400 for another body,
@@ -31,12 +29,12 @@ class ExtractionEndpoint {
   UnixHttpServer::Answer answer(const UnixHttpServer::Request& request);
 
  private:
-  UnixHttpServer::Answer record(const Message& message);
+  UnixHttpServer::Answer record(const recording::Message& message);
 
   std::function<std::optional<std::string>()> currency_;
-  std::function<void(const LedgerEntry&)> review_;
-  BookOpener open_;
-  std::optional<Book> book_;
+  std::function<void(const book::LedgerEntry&)> review_;
+  recording::MessageReader read_;
+  std::optional<book::Book> book_;
 };
 
 }  // namespace kivo::ledger

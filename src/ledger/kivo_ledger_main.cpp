@@ -4,21 +4,26 @@
 #include <stdexcept>
 #include <utility>
 
-#include "ledger/editing_commands.h"
-#include "ledger/exports/export_commands.h"
+#include "ledger/book_currency.h"
+#include "ledger/commands/editing_commands.h"
+#include "ledger/commands/export_commands.h"
+#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/listing_commands.h"
+#include "ledger/commands/overview_commands.h"
+#include "ledger/commands/teach_command.h"
 #include "ledger/extraction_endpoint.h"
-#include "ledger/ledger_terminal.h"
-#include "ledger/listing_commands.h"
-#include "ledger/overview/overview_commands.h"
 #include "ledger/review_notifier.h"
-#include "ledger/templates/teach_command.h"
-#include "ledger/templates/template_file.h"
+#include "ledger/template_file.h"
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_line.h"
-#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::ledger {
+
+using book::Book;
+using book::LedgerEntry;
+
 namespace {
 
 using linux_platform::Command;
@@ -40,7 +45,7 @@ void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseco
   ReviewNotifier notifier;
   ExtractionEndpoint endpoint(
       bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
-      [] { return Book::open(TemplateFile::reader()); });
+      TemplateFile::reader());
   UnixHttpServer server(
       [&endpoint](const UnixHttpServer::Request& request) { return endpoint.answer(request); });
   server.run(socket, idleLimit);

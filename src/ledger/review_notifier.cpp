@@ -9,6 +9,9 @@
 
 namespace kivo::ledger {
 
+using book::LedgerEntry;
+using money::Kind;
+
 // The executor comes last: its destructor waits for the tasks, which use the platform.
 struct ReviewNotifier::Reached {
   linux_platform::InstalledPlatform platform{extensionBundle};

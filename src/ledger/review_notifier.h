@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "ledger/ledger_entry.h"
+#include "book/ledger_entry.h"
 
 namespace kivo::ledger {
 
@@ -19,10 +19,10 @@ class ReviewNotifier {
 
   /// Posts "Needs a look" for `entry` as the extension's notification, if the user has authorized
   /// those. Returns at once. Ignores failures.
-  void post(const LedgerEntry& entry);
+  void post(const book::LedgerEntry& entry);
 
   /// Returns the notification's text, such as "20.00 USD at Netflix".
-  static std::string body(const LedgerEntry& entry);
+  static std::string body(const book::LedgerEntry& entry);
 
  private:
   struct Reached;

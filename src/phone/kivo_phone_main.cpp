@@ -13,9 +13,9 @@
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/user_defaults.h"
 #include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_line.h"
-#include "platform/linux/terminal/terminal_text.h"
 #include "store/shared_store.h"
 
 namespace kivo {

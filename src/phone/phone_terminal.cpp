@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "platform/linux/terminal/command_line.h"
+#include "platform/linux/foundation/complaint.h"
 
 namespace kivo {
 int fail(const std::string& what, int status) {

@@ -22,7 +22,7 @@
 #include "platform/foundation/user_defaults.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/concurrency/task_executor.h"
-#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
 

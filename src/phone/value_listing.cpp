@@ -4,7 +4,7 @@
 #include <array>
 
 #include "platform/foundation/number_text.h"
-#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/text_columns.h"
 
 namespace kivo {

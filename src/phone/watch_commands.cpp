@@ -8,7 +8,7 @@
 #include "phone/phone_terminal.h"
 #include "platform/foundation/character_set.h"
 #include "platform/foundation/utf8.h"
-#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "sms_watcher/sender_pattern.h"
 #include "sms_watcher/senders_file.h"
 

@@ -12,8 +12,8 @@
 #include "phone/phone_terminal.h"
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/child_process.h"
-#include "platform/linux/terminal/terminal_text.h"
 #include "platform/linux/terminal/terminal_window.h"
 #include "store/shared_store.h"
 

@@ -6,7 +6,7 @@
 #include "feedback/amount_formatter.h"
 #include "feedback/widget_stats.h"
 #include "platform/foundation/number_text.h"
-#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/text_columns.h"
 
 namespace kivo {

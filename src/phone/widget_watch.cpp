@@ -8,8 +8,8 @@
 #include "platform/linux/bus/bus_loop.h"
 #include "platform/linux/bus/bus_signal.h"
 #include "platform/linux/bus/widget_center_interface.h"
+#include "platform/linux/foundation/complaint.h"
 #include "platform/linux/process/stop_signals.h"
-#include "platform/linux/terminal/command_line.h"
 
 namespace kivo {
 namespace {

@@ -9,8 +9,8 @@
 
 #include <unistd.h>
 
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/stop_signals.h"
-#include "platform/linux/terminal/terminal_text.h"
 #include "sms_watcher/intents_client.h"
 #include "sms_watcher/modem_messages.h"
 #include "sms_watcher/watch_settings.h"

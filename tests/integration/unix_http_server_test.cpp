@@ -23,6 +23,10 @@
 #include "testkit/private_folders.h"
 
 namespace kivo::testkit {
+
+using ledger::ListeningSocket;
+using ledger::UnixHttpServer;
+
 namespace {
 
 using ledger::ListeningSocket;

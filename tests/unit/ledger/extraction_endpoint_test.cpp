@@ -4,10 +4,17 @@
 
 #include <gmock/gmock.h>
 
-#include "ledger_test.h"
 #include "platform/foundation/json_encoder.h"
+#include "unit/recording/ledger_test.h"
 
 namespace kivo::ledger {
+
+using recording::LedgerTest;
+
+using book::Book;
+using book::LedgerEntry;
+using recognition::Outcome;
+
 namespace {
 
 using ledger::UnixHttpServer;
@@ -33,12 +40,9 @@ class AnExtractionEndpoint : public LedgerTest {
 
   std::optional<std::string> currency_ = "EGP";
   std::vector<std::int64_t> reviewed_;
-  ExtractionEndpoint endpoint_{
-      [this] { return currency_; },
-      [this](const LedgerEntry& entry) { reviewed_.push_back(entry.id); },
-      [this] {
-        return Book::open([this](std::string_view, std::string_view) { return reading_; });
-      }};
+  ExtractionEndpoint endpoint_{[this] { return currency_; },
+                               [this](const LedgerEntry& entry) { reviewed_.push_back(entry.id); },
+                               reader()};
 };
 
 TEST_F(AnExtractionEndpoint, AnswersWithAResponseRecord) {

@@ -1,4 +1,4 @@
-#include "ledger/templates/template_file.h"
+#include "ledger/template_file.h"
 
 #include <filesystem>
 #include <fstream>
@@ -9,10 +9,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ledger/templates/teaching.h"
+#include "recognition/templates/teaching.h"
 #include "testkit/private_folders.h"
 
 namespace kivo::ledger {
+
+using money::Kind;
+using money::Money;
+using recognition::MessageTemplate;
+using recognition::Outcome;
+using recognition::Reading;
+using recognition::Taught;
+using recording::MessageReader;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -47,7 +56,7 @@ class ATemplateFile : public testing::Test {
     return content.error.value_or(before).substr(before.size());
   }
   static MessageTemplate taught(const std::string& message) {
-    const Taught made = teach(message, {.kind = Kind::expense, .amount = "5"}, "EGP");
+    const Taught made = recognition::teach(message, {.kind = Kind::expense, .amount = "5"}, "EGP");
     if (!made.made) throw std::runtime_error(made.error);
     return *made.made;
   }
@@ -220,8 +229,8 @@ TEST_F(ATemplateFile, LeavesMessagesToTheRulesWhenItIsDamaged) {
   const std::string message = "Your card ending 4821 was charged EGP 150.00 at Carrefour City.";
   write("zzz secret");
   testing::internal::CaptureStderr();
-  EXPECT_EQ(reader(message, "EGP"), read(message, "EGP"));
-  EXPECT_EQ(reader(message, "EGP"), read(message, "EGP"));
+  EXPECT_EQ(reader(message, "EGP"), recognition::read(message, "EGP"));
+  EXPECT_EQ(reader(message, "EGP"), recognition::read(message, "EGP"));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "kivo-ledger: " + file().string() +
                 ": line 1: this is not valid TOML; messages are read without templates\n");

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 #include <unicode/unistr.h>
 
-#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/foundation/safe_text.h"
 
 namespace kivo::linux_platform {
 namespace {

@@ -18,9 +18,10 @@
 #include "platform/linux/app_intents/parameter_entry.h"
 #include "platform/linux/app_intents/spoken_phrases.h"
 #include "platform/linux/concurrency/task_executor.h"
+#include "platform/linux/foundation/complaint.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_line.h"
-#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::linux_platform {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "platform/linux/app_intents/shortcut_search.h"
 #include "platform/linux/bus/intents_interface.h"
-#include "platform/linux/terminal/command_line.h"
+#include "platform/linux/foundation/complaint.h"
 
 namespace kivo::linux_platform {
 namespace {

@@ -9,7 +9,7 @@
 
 #include <sqlite3.h>
 
-#include "platform/linux/terminal/terminal_text.h"
+#include "platform/linux/foundation/safe_text.h"
 
 namespace kivo::linux_platform {
 namespace {

@@ -11,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "platform/linux/foundation/complaint.h"
 #include "platform/linux/terminal/command_description.h"
 #include "platform/linux/terminal/nearest_word.h"
 
@@ -242,11 +243,6 @@ int answerError(const CommandProgram& program, const CLI::App& app, const CLI::P
 }
 
 }  // namespace
-
-void complain(const std::string& program, const std::string& what) {
-  const std::string line = program + ": " + what + "\n";
-  std::fputs(line.c_str(), stderr);
-}
 
 int runCommand(const CommandProgram& program, int argc, char** argv) {
   if (argc == 2 && argv[1] == describeOption) return printDescription(program);

@@ -54,7 +54,4 @@ struct CommandProgram {
 /// values. Passes values on byte for byte, empty ones too.
 int runCommand(const CommandProgram& program, int argc, char** argv);
 
-/// Prints `what` as one line on standard error, after the name of `program`.
-void complain(const std::string& program, const std::string& what);
-
 }  // namespace kivo::linux_platform

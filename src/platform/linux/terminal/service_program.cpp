@@ -4,9 +4,10 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "platform/linux/foundation/complaint.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_description.h"
 #include "platform/linux/terminal/command_line.h"
-#include "platform/linux/terminal/terminal_text.h"
 
 namespace kivo::linux_platform {
 

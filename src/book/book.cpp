@@ -1,0 +1,183 @@
+#include "book/book.h"
+
+#include <utility>
+
+#include "book/book_categories.h"
+#include "book/book_damage.h"
+#include "book/book_file.h"
+#include "book/book_rates.h"
+#include "book/book_sums.h"
+#include "book/payee_memory.h"
+#include "book/stored_entry.h"
+#include "platform/linux/store/replaced_text.h"
+
+namespace kivo::book {
+
+using linux_platform::Statement;
+
+struct Book::File {
+  linux_platform::Database owner;
+  sqlite3* database = owner.get();
+  bool wasChecked = false;
+};
+
+Book::Book(std::unique_ptr<File> file) : file_(std::move(file)) {}
+Book::Book(Book&& other) noexcept = default;
+Book& Book::operator=(Book&& other) noexcept = default;
+Book::~Book() = default;
+
+std::optional<Book> Book::open() {
+  linux_platform::Database database = openBookFile();
+  if (database == nullptr) return std::nullopt;
+  return Book(std::make_unique<File>(File{std::move(database)}));
+}
+
+void Book::inOneStep(const std::function<void()>& steps) {
+  WriteTransaction transaction(file_->database);
+  steps();
+  transaction.commit();
+}
+
+void Book::atOneMoment(const std::function<void()>& reads) const {
+  const linux_platform::Transaction transaction(file_->database, "BEGIN");
+  require(transaction.code());
+  reads();
+}
+
+std::optional<std::string> Book::answer(const std::string& userId, const std::string& key) const {
+  Statement query(file_->database, "SELECT answer FROM answers WHERE user = ? AND key = ?");
+  if (!next(query.bind(userId).bind(key))) return std::nullopt;
+  return query.text(0);
+}
+
+void Book::keepAnswer(const std::string& userId, const std::string& key,
+                      const std::string& answer) {
+  Statement insertion(file_->database, "INSERT INTO answers VALUES (?, ?, ?)");
+  run(insertion.bind(userId).bind(key).bind(answer));
+}
+
+LedgerEntry Book::fitted(LedgerEntry entry) const {
+  applyCorrection(file_->database, entry);
+  entry.category = spelledCategory(file_->database, entry.category, entry.id);
+  entry.possibleDuplicateOf = firstAlike(file_->database, entry);
+  return entry;
+}
+
+std::int64_t Book::add(const LedgerEntry& entry) {
+  keepCategory(file_->database, entry.category);
+  return insertEntry(file_->database, entry);
+}
+
+std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
+  return storedEntries(file_->database, filter);
+}
+
+std::optional<LedgerEntry> Book::entry(std::int64_t id) const {
+  return storedEntry(file_->database, id);
+}
+
+std::int64_t Book::reviewCount() const {
+  Statement query(file_->database, "SELECT count(*) FROM transactions WHERE state = 'review'");
+  return next(query) ? query.integer(0) : 0;
+}
+
+Counted Book::counted(const std::string& from, const std::string& to) const {
+  return countedBetween(file_->database, from, to);
+}
+
+std::vector<GroupSum> Book::sums(Grouping grouping, const std::string& from, const std::string& to,
+                                 std::int64_t largest) const {
+  return sumsBetween(file_->database, grouping, from, to, largest);
+}
+
+bool Book::edit(std::int64_t id, const EntryChange& change) {
+  WriteTransaction transaction(file_->database);
+  auto edited = entry(id);
+  if (!edited) return false;
+  if (change.date) edited->date = *change.date;
+  if (change.kind) edited->kind = *change.kind;
+  if (change.amount) edited->amount = change.amount;
+  if (change.description) edited->description = *change.description;
+  if (change.category) edited->category = keepCategory(file_->database, *change.category, id);
+  const bool corrected =
+      edited->state == LedgerEntry::State::setAside && impossibleValue(*edited).empty();
+  if (corrected) edited->state = LedgerEntry::State::review;
+  writeEdited(file_->database, *edited);
+  markAlikeAgain(file_->database, id);
+  keepCorrection(file_->database, *edited, change);
+  transaction.commit();
+  return true;
+}
+
+void Book::bookWith(std::int64_t id, const money::Money& amount) {
+  Statement update(file_->database, R"(
+    UPDATE transactions SET state = 'booked', minor_units = ?, currency = ? WHERE id = ?)");
+  run(update.bind(amount.minorUnits).bind(amount.currency).bind(id));
+  markAlikeAgain(file_->database, id);
+}
+
+bool Book::bookAs(const LedgerEntry& entry) {
+  if (!entry.amount) return false;
+  WriteTransaction transaction(file_->database);
+  LedgerEntry kept = entry;
+  kept.category = keepCategory(file_->database, entry.category, entry.id);
+  if (!writeBooked(file_->database, kept)) return false;
+  markAlikeAgain(file_->database, entry.id);
+  transaction.commit();
+  return true;
+}
+
+bool Book::remove(std::int64_t id) {
+  {
+    WriteTransaction transaction(file_->database);
+    Statement removal(file_->database, "DELETE FROM transactions WHERE id = ? RETURNING id");
+    if (!next(removal.bind(id))) return false;
+    run(removal);
+    markAlikeAgain(file_->database, id);
+    linux_platform::oweErasure(file_->database);
+    transaction.commit();
+  }
+  linux_platform::eraseReplacedText(file_->database);
+  return true;
+}
+
+std::int64_t Book::forgetTexts() {
+  std::int64_t count = 0;
+  {
+    WriteTransaction transaction(file_->database);
+    Statement counting(file_->database, "SELECT count(text) FROM transactions");
+    if (next(counting)) count = counting.integer(0);
+    linux_platform::oweErasure(file_->database);
+    Statement update(file_->database, "UPDATE transactions SET text = NULL WHERE text IS NOT NULL");
+    run(update);
+    transaction.commit();
+  }
+  linux_platform::eraseReplacedText(file_->database);
+  return count;
+}
+
+void Book::setRate(const std::string& currency, const money::Rate& rate) {
+  book::setRate(file_->database, currency, rate);
+}
+
+std::optional<money::Rate> Book::rate(const std::string& currency) const {
+  return rateOf(file_->database, currency);
+}
+
+bool Book::removeRate(const std::string& currency) {
+  return book::removeRate(file_->database, currency);
+}
+
+std::vector<std::pair<std::string, std::string>> Book::rates() const {
+  return allRates(file_->database);
+}
+
+bool Book::isWhole() {
+  if (file_->wasChecked && !isDamageNoted(file_->database)) return true;
+  file_->wasChecked = checkWhole(file_->database);
+  return file_->wasChecked;
+}
+
+void Book::tell(const BookFailure& failure) const { tellFailure(file_->database, failure); }
+
+}  // namespace kivo::book

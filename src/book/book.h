@@ -1,0 +1,152 @@
+// The book: what is kept of a person's payments. Reads no message and knows no HTTP.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "book/book_failure.h"
+#include "book/ledger_entry.h"
+#include "money/rate.h"
+
+namespace kivo::book {
+
+/// Selects entries. An empty text selects all.
+struct EntryFilter {
+  LedgerEntry::State state = LedgerEntry::State::booked;
+  /// The first and the last day, yyyy-MM-dd.
+  std::string from = {};
+  std::string to = {};
+  /// The whole name, in any case and accents.
+  std::string category = {};
+  /// A part of description, category, account or reference. ASCII letters match in either case.
+  std::string search = {};
+  /// The newest so many; a negative number for all.
+  std::int64_t most = -1;
+};
+
+/// How sums are grouped. Names that differ only in the case of ASCII letters are one group.
+enum class Grouping { month, day, category, description };
+
+/// The sum of the booked transactions of one group, one kind and one currency.
+struct GroupSum {
+  /// The month (yyyy-MM), the day (yyyy-MM-dd) or the name.
+  std::string group;
+  money::Kind kind = money::Kind::expense;
+  money::Money sum;
+  std::int64_t transactions = 0;
+};
+
+/// The booked entries of a period that its sums count.
+struct Counted {
+  /// The largest amount that is counted.
+  std::int64_t largest = money::largestSum;
+  /// The ids of the entries that are not, ascending: their amounts are not above zero, or above
+  /// `largest`.
+  std::vector<std::int64_t> leftOut = {};
+};
+
+/// The user's changes to an entry. Absent members do not change.
+struct EntryChange {
+  std::optional<std::string> date = {};
+  std::optional<money::Kind> kind = {};
+  std::optional<money::Money> amount = {};
+  std::optional<std::string> description = {};
+  std::optional<std::string> category = {};
+};
+
+/// An open book. An entry whose values cannot be is set aside: it is in no list and no sum but that
+/// of the state `setAside`. Not thread-safe; other processes may have the same book open. A change
+/// is durable when the call returns. Every call throws BookFailure when the book cannot be read or
+/// written, and has then changed nothing.
+class Book {
+ public:
+  /// Opens the book, and creates it when it is missing. On failure, prints one line on standard
+  /// error, unless it is the same as last time, and returns nullopt.
+  static std::optional<Book> open();
+  Book(Book&& other) noexcept;
+  Book& operator=(Book&& other) noexcept;
+  ~Book();
+
+  /// Calls `steps`, which use this book alone: all that they change is durable together, or nothing
+  /// is when one of them throws. They see no change of another process.
+  void inOneStep(const std::function<void()>& steps);
+  /// Calls `reads`, which see the book at one moment and change nothing.
+  void atOneMoment(const std::function<void()>& reads) const;
+
+  /// Returns the answer that is kept for the idempotency key `key` of the user `userId`; nullopt
+  /// when there is none.
+  [[nodiscard]] std::optional<std::string> answer(const std::string& userId,
+                                                  const std::string& key) const;
+  /// Keeps `answer` for a key that has none. Call it in a step, with what the answer says.
+  void keepAnswer(const std::string& userId, const std::string& key, const std::string& answer);
+
+  /// Returns `entry`, which may be new, as the book would have it: with the user's corrections for
+  /// its payee, the category as the book spells it, and the entry that it looks like.
+  [[nodiscard]] LedgerEntry fitted(LedgerEntry entry) const;
+  /// Stores `entry`, a new one that was `fitted` in the same step, and returns its id.
+  std::int64_t add(const LedgerEntry& entry);
+
+  /// Returns the entries that match `filter`, newest first.
+  [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
+  /// Returns the entry `id`; nullopt when no entry has this id.
+  [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
+  /// Returns the number of entries in review.
+  [[nodiscard]] std::int64_t reviewCount() const;
+  /// Returns the booked entries from the day `from` to the day `to`, inclusive, that sums count.
+  /// `largest` is `largestSum`, or less where the sum of all would exceed 64 bits.
+  [[nodiscard]] Counted counted(const std::string& from, const std::string& to) const;
+  /// Returns the sums of the booked entries from the day `from` to the day `to`, inclusive, in no
+  /// particular order. Counts amounts above zero up to `largest`, that of a period that includes
+  /// these days.
+  [[nodiscard]] std::vector<GroupSum> sums(Grouping grouping, const std::string& from,
+                                           const std::string& to, std::int64_t largest) const;
+
+  /// Changes the entry `id`; returns false when no entry has this id. A new description or category
+  /// that is not empty also applies to later messages of the same payee. A category gets the
+  /// spelling that the book has for it. An entry that was set aside goes to review when all its
+  /// values can be. Look-alikes are looked for again.
+  bool edit(std::int64_t id, const EntryChange& change);
+  /// Books the entry `id` with the sum `amount`.
+  void bookWith(std::int64_t id, const money::Money& amount);
+  /// Books an entry as `entry`, which `fitted` returned, in one step, also one that is booked;
+  /// false when that has no sum, or it was edited, set aside or deleted.
+  bool bookAs(const LedgerEntry& entry);
+  /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
+  /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
+  /// of the first of them.
+  bool remove(std::int64_t id);
+  /// Erases the texts of all messages from the file. Returns their number.
+  std::int64_t forgetTexts();
+
+  /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
+  /// entries accepted later.
+  void setRate(const std::string& currency, const money::Rate& rate);
+  /// Returns the rate of `currency`; nullopt when it has none, or none that `Rate` reads.
+  [[nodiscard]] std::optional<money::Rate> rate(const std::string& currency) const;
+  /// Removes the rate of `currency`; returns false when it has no rate.
+  bool removeRate(const std::string& currency);
+  /// Returns the currencies and their rates as they are stored, also those that `Rate` does not
+  /// read, in the order of the codes.
+  [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
+
+  /// Returns whether the file is whole. Reads all of it at the first call and while the note of
+  /// damage beside it exists (docs/backup.md). Sets entries aside whose values cannot be. Removes
+  /// the note when the file is whole; otherwise prints one line on standard error and leaves it.
+  bool isWhole();
+  /// Prints one line on standard error about `failure`: for damage the file, the place and what to
+  /// do, and leaves the note.
+  void tell(const BookFailure& failure) const;
+
+ private:
+  struct File;
+  explicit Book(std::unique_ptr<File> file);
+
+  std::unique_ptr<File> file_;
+};
+
+}  // namespace kivo::book

@@ -1,0 +1,74 @@
+#include "book/book_categories.h"
+
+#include <optional>
+#include <vector>
+
+#include "book/book_file.h"
+#include "names/name_fold.h"
+#include "names/standard_categories.h"
+
+namespace kivo::book {
+
+namespace {
+
+using linux_platform::Statement;
+using names::foldedName;
+
+struct Spelling {
+  std::string folded;
+  std::string name;
+};
+
+// A category has its own name and stands above those that begin with it and a colon; a semicolon
+// follows the colon.
+std::optional<std::string> spellingInUse(sqlite3* database, const std::string& folded,
+                                         std::int64_t except) {
+  Statement query(database, R"(
+    SELECT name FROM categories WHERE folded = ? AND EXISTS (
+      SELECT 1 FROM transactions WHERE id <> ? AND
+        (category = name OR category > name || ':' AND category < name || ';')))");
+  if (!next(query.bind(folded).bind(except))) return std::nullopt;
+  return query.text(0);
+}
+
+std::string standardSpelling(const std::string& folded, const std::string& name) {
+  for (const std::string_view standard : names::standardCategories) {
+    if (foldedName(standard) == folded) return std::string(standard);
+  }
+  return name;
+}
+
+// The category and those above it, the highest first.
+std::vector<Spelling> spellingsOf(sqlite3* database, std::string_view category,
+                                  std::int64_t except) {
+  std::vector<Spelling> levels;
+  for (std::string_view left = category == "__system_transfer__" ? "Transfer" : category;;) {
+    const std::size_t colon = left.find(':');
+    std::string name = levels.empty() ? "" : levels.back().name + ":";
+    name += left.substr(0, colon);
+    const std::string folded = foldedName(name);
+    const auto used = spellingInUse(database, folded, except);
+    levels.push_back({folded, used ? *used : standardSpelling(folded, name)});
+    if (colon == std::string_view::npos) return levels;
+    left.remove_prefix(colon + 1);
+  }
+}
+
+}  // namespace
+
+std::string spelledCategory(sqlite3* database, std::string_view category, std::int64_t except) {
+  return spellingsOf(database, category, except).back().name;
+}
+
+std::string keepCategory(sqlite3* database, std::string_view category, std::int64_t except) {
+  const std::vector<Spelling> levels = spellingsOf(database, category, except);
+  for (const Spelling& level : levels) {
+    Statement upsert(database, R"(
+      INSERT INTO categories VALUES (?, ?)
+      ON CONFLICT (folded) DO UPDATE SET name = excluded.name WHERE name <> excluded.name)");
+    run(upsert.bind(level.folded).bind(level.name));
+  }
+  return levels.back().name;
+}
+
+}  // namespace kivo::book

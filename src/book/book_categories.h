@@ -1,0 +1,23 @@
+// One spelling for each category of the book.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+
+namespace kivo::book {
+
+/// Returns `category` in the one spelling of the book: that of the transactions that have it, those
+/// of the entry `except` left out; else that of the standard category; else as given. Names are
+/// compared as payees are (`foldedName`), level by level where a colon parts them, so that
+/// "food:tea" is "Food:tea" beside "Food:Coffee". The name by which answers keep a transfer out of
+/// totals becomes "Transfer". Throws BookFailure.
+std::string spelledCategory(sqlite3* database, std::string_view category, std::int64_t except = 0);
+
+/// As `spelledCategory`, and stores the spelling. Call it in the transaction that writes the
+/// category to the entry `except`, 0 for a new one.
+std::string keepCategory(sqlite3* database, std::string_view category, std::int64_t except = 0);
+
+}  // namespace kivo::book

@@ -1,0 +1,73 @@
+#include "book/book_file.h"
+
+#include <array>
+#include <string>
+
+#include "book/book_version_2.h"
+
+namespace kivo::book {
+namespace {
+
+using linux_platform::DatabaseVersion;
+
+// "KvLg" in ASCII.
+constexpr std::int64_t applicationId = 0x4B764C67;
+
+// A released version never changes.
+//
+// `answers` keeps its rows when transactions are deleted: a key always gets the same answer. SQLite
+// uses a partial index only for a query that contains its condition.
+constexpr const char* version1 = R"(
+CREATE TABLE answers (
+  user TEXT NOT NULL, key TEXT NOT NULL, answer TEXT NOT NULL, PRIMARY KEY (user, key)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE transactions (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  user TEXT NOT NULL, key TEXT NOT NULL, date TEXT NOT NULL, kind TEXT NOT NULL,
+  minor_units INTEGER, currency TEXT NOT NULL,
+  description TEXT NOT NULL, category TEXT NOT NULL, payee TEXT NOT NULL,
+  account TEXT NOT NULL, reference TEXT NOT NULL, state TEXT NOT NULL,
+  possible_duplicate_of INTEGER, text TEXT,
+  UNIQUE (user, key)
+) STRICT;
+CREATE INDEX transactions_by_day ON transactions (state, date, id);
+CREATE INDEX transactions_by_sum ON transactions (date, minor_units);
+CREATE INDEX transactions_by_reference ON transactions (reference) WHERE reference <> '';
+CREATE TABLE corrections (
+  payee TEXT PRIMARY KEY NOT NULL COLLATE NOCASE, description TEXT, category TEXT
+) STRICT;
+CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT)";
+
+constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2}};
+
+}  // namespace
+
+DatabaseFailure::DatabaseFailure(int code)
+    : BookFailure(linux_platform::errorText(code),
+                  linux_platform::isDamage(code) ? Cause::damagedFile : Cause::other),
+      code_(code) {}
+
+void require(int code) {
+  if (code != 0) throw DatabaseFailure(code);
+}
+
+void run(linux_platform::Statement& statement) {
+  if (!statement.run()) require(statement.code());
+}
+
+bool next(linux_platform::Statement& statement) {
+  if (statement.step()) return true;
+  require(statement.code());
+  return false;
+}
+
+WriteTransaction::WriteTransaction(sqlite3* database) : transaction_(database) {
+  require(transaction_.code());
+}
+
+linux_platform::Database openBookFile() {
+  return linux_platform::openDatabase(
+      {"app.kivo.ledger", "ledger.sqlite3", applicationId, versions});
+}
+
+}  // namespace kivo::book

@@ -1,0 +1,43 @@
+// The database file of the book: its tables, and SQLite's errors as exceptions.
+#pragma once
+
+#include "book/book_failure.h"
+#include "platform/linux/store/sqlite_database.h"
+#include "platform/linux/store/sqlite_statement.h"
+
+namespace kivo::book {
+
+/// A failure that SQLite reports with a result code other than SQLITE_OK.
+class DatabaseFailure : public BookFailure {
+ public:
+  explicit DatabaseFailure(int code);
+  [[nodiscard]] int code() const { return code_; }
+
+ private:
+  int code_;
+};
+
+/// Throws DatabaseFailure unless SQLite's result `code` is SQLITE_OK.
+void require(int code);
+/// Runs a statement that returns no rows. Throws BookFailure.
+void run(linux_platform::Statement& statement);
+/// Goes to the next row; returns false at the end. Throws BookFailure.
+bool next(linux_platform::Statement& statement);
+
+/// A write transaction. The destructor rolls it back unless it was committed.
+class WriteTransaction {
+ public:
+  /// Throws BookFailure when it cannot begin, such as after waiting for another writer in vain.
+  explicit WriteTransaction(sqlite3* database);
+  /// Throws BookFailure when nothing was committed.
+  void commit() { require(transaction_.commit()); }
+
+ private:
+  linux_platform::Transaction transaction_;
+};
+
+/// Opens `app.kivo.ledger/ledger.sqlite3` in `dataHome`. Returns null, after one line on standard
+/// error, when `openDatabase` fails.
+linux_platform::Database openBookFile();
+
+}  // namespace kivo::book

@@ -1,0 +1,35 @@
+#include "book/book_rates.h"
+
+#include "book/book_file.h"
+
+namespace kivo::book {
+
+using linux_platform::Statement;
+
+void setRate(sqlite3* database, const std::string& currency, const money::Rate& rate) {
+  Statement upsert(database, "INSERT OR REPLACE INTO rates VALUES (?, ?)");
+  const std::string text = rate.text();
+  run(upsert.bind(currency).bind(text));
+}
+
+std::optional<money::Rate> rateOf(sqlite3* database, const std::string& currency) {
+  Statement query(database, "SELECT rate FROM rates WHERE currency = ?");
+  if (!next(query.bind(currency))) return std::nullopt;
+  return money::Rate::fromText(query.text(0));
+}
+
+bool removeRate(sqlite3* database, const std::string& currency) {
+  Statement removal(database, "DELETE FROM rates WHERE currency = ? RETURNING currency");
+  if (!next(removal.bind(currency))) return false;
+  run(removal);
+  return true;
+}
+
+std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database) {
+  Statement query(database, "SELECT currency, rate FROM rates ORDER BY currency");
+  std::vector<std::pair<std::string, std::string>> found;
+  while (next(query)) found.emplace_back(query.text(0), query.text(1));
+  return found;
+}
+
+}  // namespace kivo::book

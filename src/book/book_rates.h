@@ -1,0 +1,21 @@
+// The exchange rates that are kept in the book. Converts nothing.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "money/rate.h"
+
+struct sqlite3;
+
+namespace kivo::book {
+
+/// As the functions of Book. They throw BookFailure.
+void setRate(sqlite3* database, const std::string& currency, const money::Rate& rate);
+std::optional<money::Rate> rateOf(sqlite3* database, const std::string& currency);
+bool removeRate(sqlite3* database, const std::string& currency);
+std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database);
+
+}  // namespace kivo::book

@@ -1,0 +1,53 @@
+#include "book/ledger_entry.h"
+
+#include <algorithm>
+
+#include "money/calendar_day.h"
+
+namespace kivo::book {
+
+using money::isDay;
+
+namespace {
+
+bool isCodeShaped(std::string_view currency) {
+  return currency.size() == 3 &&
+         std::all_of(currency.begin(), currency.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+}  // namespace
+
+bool LedgerEntry::readsAs(const LedgerEntry& other) const {
+  return state == other.state && kind == other.kind && amount == other.amount &&
+         description == other.description && category == other.category && payee == other.payee &&
+         account == other.account && reference == other.reference;
+}
+
+const char* stateText(LedgerEntry::State state) {
+  switch (state) {
+    case LedgerEntry::State::booked:
+      return "booked";
+    case LedgerEntry::State::review:
+      return "review";
+    case LedgerEntry::State::setAside:
+      return "set_aside";
+  }
+  return "";
+}
+
+std::optional<LedgerEntry::State> stateFromText(std::string_view text) {
+  using State = LedgerEntry::State;
+  for (const State state : {State::booked, State::review, State::setAside}) {
+    if (text == stateText(state)) return state;
+  }
+  return std::nullopt;
+}
+
+std::string_view impossibleValue(const LedgerEntry& entry) {
+  if (!isDay(entry.date)) return "date";
+  if (!entry.amount) return entry.state == LedgerEntry::State::booked ? "amount" : "";
+  if (!isBookable(*entry.amount)) return "amount";
+  return isCodeShaped(entry.amount->currency) ? "" : "currency";
+}
+
+}  // namespace kivo::book

@@ -1,0 +1,62 @@
+// One transaction of the book.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "money/kind.h"
+#include "money/money.h"
+
+namespace kivo::book {
+
+struct LedgerEntry {
+  enum class State {
+    booked,
+    /// The user decides whether to book it.
+    review,
+    /// One of its values cannot be; it counts nowhere until the user corrects it.
+    setAside,
+  };
+
+  /// Unique, and never reused.
+  std::int64_t id = 0;
+  /// The idempotency key of its message, and the user that sent it.
+  std::string key;
+  std::string userId;
+  /// yyyy-MM-dd.
+  std::string date;
+  money::Kind kind = money::Kind::expense;
+  /// Above zero; absent only in review, when the message's sum is ambiguous. Of an entry that is
+  /// set aside, any sum, or none.
+  std::optional<money::Money> amount;
+  std::string description;
+  std::string category;
+  /// The other party as the message names it; empty when it names none.
+  std::string payee;
+  /// The digits of the user's own account or card as in the message; empty when it has none.
+  std::string account;
+  /// The bank's reference; empty when the message has none.
+  std::string reference;
+  State state = State::booked;
+  /// The id of an earlier entry of which this may be a duplicate.
+  std::optional<std::int64_t> possibleDuplicateOf;
+  /// The text of the message; absent after `Book::forgetTexts`.
+  std::optional<std::string> text;
+  /// Whether the user changed it with `edit`.
+  bool edited = false;
+
+  /// Returns whether both have the same state and the same of all that a message is read as.
+  [[nodiscard]] bool readsAs(const LedgerEntry& other) const;
+};
+
+/// Returns "booked", "review" or "set_aside".
+const char* stateText(LedgerEntry::State state);
+/// Returns the state of that name; absent for another text.
+std::optional<LedgerEntry::State> stateFromText(std::string_view text);
+
+/// Returns the name of a value of `entry` that cannot be, such as "date"; empty when all can. An
+/// entry that is set aside needs those of one in review.
+std::string_view impossibleValue(const LedgerEntry& entry);
+
+}  // namespace kivo::book

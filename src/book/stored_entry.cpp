@@ -1,0 +1,150 @@
+#include "book/stored_entry.h"
+
+#include <string>
+
+#include "book/book_categories.h"
+#include "book/book_damage.h"
+#include "book/book_file.h"
+#include "names/name_fold.h"
+#include "platform/foundation/utf8.h"
+
+namespace kivo::book {
+namespace {
+
+using linux_platform::Statement;
+
+constexpr const char* columns =
+    "id, key, date, kind, minor_units, currency, description, category, payee, account, "
+    "reference, state, possible_duplicate_of, text, edited, user";
+
+// A damaged file may hold any bytes.
+LedgerEntry entryOf(const Statement& row) {
+  const auto text = [&row](int column) { return platform::repairedUtf8(row.text(column)); };
+  const auto kind = money::kindFromText(row.text(3));
+  const auto state = stateFromText(row.text(11));
+  LedgerEntry entry;
+  entry.id = row.integer(0);
+  entry.key = text(1);
+  entry.date = text(2);
+  entry.kind = kind.value_or(money::Kind::expense);
+  if (!row.isNull(4)) entry.amount = money::Money{row.integer(4), text(5)};
+  entry.description = text(6);
+  entry.category = text(7);
+  entry.payee = text(8);
+  entry.account = text(9);
+  entry.reference = text(10);
+  entry.state = state.value_or(LedgerEntry::State::setAside);
+  if (!row.isNull(12)) entry.possibleDuplicateOf = row.integer(12);
+  if (!row.isNull(13)) entry.text = text(13);
+  entry.edited = row.integer(14) != 0;
+  entry.userId = row.text(15);
+  if (!kind || !impossibleValue(entry).empty()) entry.state = LedgerEntry::State::setAside;
+  return entry;
+}
+
+// The LIKE pattern for texts that contain `part`.
+std::string patternFor(const std::string& part) {
+  std::string pattern = "%";
+  for (const char c : part) {
+    if (c == '%' || c == '_' || c == '\\') pattern += '\\';
+    pattern += c;
+  }
+  return pattern + "%";
+}
+
+void bindAmount(Statement& statement, const LedgerEntry& entry) {
+  statement.bindIfPresent(entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt);
+  statement.bind(entry.amount ? std::string_view(entry.amount->currency) : "");
+}
+
+}  // namespace
+
+std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& filter) {
+  const std::string pattern = patternFor(filter.search);
+  const std::string category =
+      filter.category.empty() ? "" : spelledCategory(database, filter.category);
+  std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE state = ?";
+  if (!filter.from.empty()) sql += " AND date >= ?";
+  if (!filter.to.empty()) sql += " AND date <= ?";
+  if (!filter.category.empty()) sql += " AND category = ?";
+  if (!filter.search.empty()) {
+    sql += R"( AND description || char(10) || category || char(10) || account || char(10) ||
+             reference LIKE ? ESCAPE '\')";
+  }
+  sql += " ORDER BY date DESC, id DESC LIMIT ?";
+  Statement query(database, sql.c_str());
+  query.bind(stateText(filter.state));
+  for (const std::string& bound :
+       {std::cref(filter.from), std::cref(filter.to), std::cref(category)}) {
+    if (!bound.empty()) query.bind(bound);
+  }
+  if (!filter.search.empty()) query.bind(pattern);
+  query.bind(filter.most);
+  std::vector<LedgerEntry> found;
+  std::string impossible;
+  while (next(query)) {
+    LedgerEntry entry = entryOf(query);
+    if (entry.state == filter.state) {
+      found.push_back(std::move(entry));
+    } else {  // it was whole when it was written
+      impossible += (impossible.empty() ? "" : ", ") + std::to_string(entry.id);
+    }
+  }
+  if (!impossible.empty()) {
+    noteDamage(database, "the values of these transactions cannot be: " + impossible +
+                             "; look at them with kivo-ledger show, and edit or delete them");
+  }
+  return found;
+}
+
+std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id) {
+  const std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE id = ?";
+  Statement query(database, sql.c_str());
+  if (!next(query.bind(id))) return std::nullopt;
+  return entryOf(query);
+}
+
+std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
+  Statement insertion(database, R"(
+    INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
+      payee, folded_payee, account, reference, state, possible_duplicate_of, text)
+    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
+  const std::string folded = names::foldedName(entry.payee);
+  insertion.bind(entry.userId).bind(entry.key).bind(entry.date).bind(kindText(entry.kind));
+  bindAmount(insertion, entry);
+  insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(folded);
+  insertion.bind(entry.account).bind(entry.reference).bind(stateText(entry.state));
+  insertion.bindIfPresent(entry.possibleDuplicateOf);
+  insertion.bind(entry.text.value());
+  if (!next(insertion)) throw BookFailure("a new row has no number");
+  const std::int64_t id = insertion.integer(0);
+  run(insertion);
+  return id;
+}
+
+void writeEdited(sqlite3* database, const LedgerEntry& entry) {
+  Statement update(database, R"(
+    UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
+      category = ?, state = ?, edited = 1 WHERE id = ?)");
+  update.bind(entry.date).bind(kindText(entry.kind));
+  bindAmount(update, entry);
+  update.bind(entry.description).bind(entry.category).bind(stateText(entry.state)).bind(entry.id);
+  run(update);
+}
+
+bool writeBooked(sqlite3* database, const LedgerEntry& entry) {
+  Statement update(database, R"(
+    UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
+      payee = ?, folded_payee = ?, account = ?, reference = ?, state = 'booked'
+    WHERE id = ? AND state IN ('booked', 'review') AND edited = 0 RETURNING id)");
+  const std::string folded = names::foldedName(entry.payee);
+  update.bind(kindText(entry.kind));
+  bindAmount(update, entry);
+  update.bind(entry.description).bind(entry.category).bind(entry.payee).bind(folded);
+  update.bind(entry.account).bind(entry.reference).bind(entry.id);
+  if (!next(update)) return false;
+  run(update);
+  return true;
+}
+
+}  // namespace kivo::book

@@ -1,0 +1,26 @@
+// Entries as rows of the table of transactions.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "book/book.h"
+
+struct sqlite3;
+
+namespace kivo::book {
+
+/// As the functions of Book with these names. They throw BookFailure.
+std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& filter);
+std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id);
+
+/// Inserts a row for a new entry and returns its id.
+std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry);
+/// Writes what a person may change of `entry`, and its state. Marks it as edited.
+void writeEdited(sqlite3* database, const LedgerEntry& entry);
+/// Writes all that `entry` is read as, and books it. Returns false when it is neither booked nor in
+/// review, or was edited.
+bool writeBooked(sqlite3* database, const LedgerEntry& entry);
+
+}  // namespace kivo::book

@@ -1,0 +1,300 @@
+#include "ledger/commands/teach_command.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <iostream>
+#include <istream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+#include "ledger/commands/command_options.h"
+#include "ledger/commands/entry_listing.h"
+#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/teaching_questions.h"
+#include "ledger/template_file.h"
+#include "platform/foundation/number_text.h"
+#include "platform/foundation/utf8.h"
+#include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/screen.h"
+#include "recognition/templates/message_text.h"
+#include "recognition/templates/teaching.h"
+#include "recording/rereading.h"
+#include "recording/taught_entries.h"
+
+namespace kivo::ledger {
+
+using book::Book;
+using book::LedgerEntry;
+using money::currencyCode;
+using money::isCurrency;
+using recognition::firstSum;
+using recognition::MessageTemplate;
+using recognition::namesPayee;
+using recognition::numberFor;
+using recognition::Outcome;
+using recognition::partThatCounts;
+using recognition::Reading;
+using recognition::readingBy;
+using recognition::Taught;
+using recognition::taughtKindFromText;
+using recognition::TaughtParts;
+using recognition::templateForm;
+using recording::listed;
+using recording::MessageReader;
+using recording::reread;
+using recording::TaughtEntries;
+using recording::taughtEntries;
+
+namespace {
+
+using linux_platform::escapedControls;
+using linux_platform::exitBadUsage;
+using linux_platform::GivenParameters;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+// One call of the command.
+class Teaching {
+ public:
+  Teaching(const GivenParameters& parameters, Book& book, std::string currency)
+      : parameters_(parameters), book_(book), currency_(std::move(currency)) {}
+
+  int run() {
+    if (const auto error = TemplateFile::read().error) return fail(*error);
+    if (const int failed = readOptions(); failed != 0) return failed;
+    if (const int failed = openAnswers(); failed != 0) return failed;
+    if (const int failed = chooseMessage(); failed != 0) return failed;
+    const auto taught = confirmedTemplate();
+    if (!taught) return exitFailure;
+    if (const int failed = save(*taught); failed != 0) return failed;
+    if (const int failed = correctShown(); failed != 0) return failed;
+    return offerOthers(*taught);
+  }
+
+ private:
+  [[nodiscard]] bool isComplete() const { return given_.kind && (!*given_.kind || given_.amount); }
+  [[nodiscard]] std::string source() const { return given(parameters_, "ID").value_or(""); }
+
+  int readOptions() {
+    given_.amount = given(parameters_, "--amount");
+    given_.payee = given(parameters_, "--payee");
+    if (const auto kind = given(parameters_, "--kind")) {
+      given_.kind = taughtKindFromText(*kind);
+      if (!given_.kind) return failFor("--kind", *kind, "expense, income, transfer or none");
+    }
+    if (const auto code = given(parameters_, "--currency")) {
+      given_.currency = currencyCode(*code);
+      if (!isCurrency(given_.currency)) return failFor("--currency", *code, "a code such as EGP");
+    }
+    return 0;
+  }
+
+  // Standard input may be the message; the answers then come from the terminal itself.
+  int openAnswers() {
+    const bool asks = !isComplete() || source().empty();
+    if (!asks) return 0;
+    if (source() == "-") {
+      terminal_.open("/dev/tty");
+      if (terminal_) questions_.emplace(terminal_);
+    } else if (isatty(STDIN_FILENO) == 1) {
+      questions_.emplace(std::cin);
+    }
+    if (questions_) return 0;
+    return fail("there is no terminal to ask at; give ID or -, --kind and --amount", exitBadUsage);
+  }
+
+  int chooseMessage() {
+    std::string id = source();
+    if (id == "-") {
+      const std::string input(std::istreambuf_iterator<char>(std::cin), {});
+      message_ = partThatCounts(platform::repairedUtf8(input));
+      if (templateForm(message_).empty()) return fail("standard input is empty", exitBadUsage);
+      propose(std::nullopt);
+      return 0;
+    }
+    if (id.empty()) {
+      const auto entries = book_.entries({.state = LedgerEntry::State::review});
+      if (entries.empty()) {
+        return fail(
+            "there is nothing to look at; `kivo-ledger teach ID` takes any transaction, "
+            "and `kivo-ledger teach -` a message from standard input");
+      }
+      print(EntryListing::table(entries, linux_platform::screenWidth()));
+      id = questions_->askId();
+      if (id.empty()) return fail("nothing was taught");
+    }
+    const auto number = platform::integerFromText(id);
+    if (!number) return failFor("ID", id, "a number, as list and review show it");
+    const auto entry = book_.entry(*number);
+    if (!entry) return fail("no transaction has the ID " + std::to_string(*number));
+    if (!entry->text) {
+      return fail("the text of " + std::to_string(*number) +
+                  " was forgotten; `kivo-ledger teach -` takes it from standard input");
+    }
+    shown_ = entry->id;
+    message_ = partThatCounts(*entry->text);
+    propose(entry);
+    return 0;
+  }
+
+  // Proposes the parts in the book, or those that the rules read, if the message holds them; else
+  // its first sum.
+  void propose(const std::optional<LedgerEntry>& entry) {
+    const Reading rules = recognition::read(message_, currency_);
+    proposed_.kind = entry ? entry->kind : rules.kind;
+    if (!entry && rules.outcome == Outcome::declined) proposed_.kind.reset();
+    if (entry && entry->amount) proposed_.amount = numberFor(message_, *entry->amount);
+    if (proposed_.amount.empty() && rules.amount) {
+      proposed_.amount = numberFor(message_, *rules.amount);
+    }
+    if (!rules.amount && !entry) proposed_.amount = firstSum(message_, currency_);
+    const std::string payee = entry ? entry->payee : rules.payee;
+    if (namesPayee(message_, payee)) proposed_.payee = payee;
+  }
+
+  // Shows the template and asks for confirmation. Returns nullopt after one line on standard error.
+  std::optional<MessageTemplate> confirmedTemplate() {
+    const auto taught = isComplete() ? std::optional(taughtByOptions()) : taughtByAnswers();
+    if (taught && !taught->made) {
+      fail(errorOf(*taught));
+      return std::nullopt;
+    }
+    if (taught) show(*taught->made);
+    if (taught && (isComplete() || questions_->confirms("Save it?"))) return taught->made;
+    fail("nothing was taught");
+    return std::nullopt;
+  }
+
+  [[nodiscard]] Taught taughtByOptions() const {
+    return recognition::teach(message_,
+                              {.kind = *given_.kind,
+                               .amount = given_.amount.value_or(""),
+                               .payee = given_.payee.value_or(""),
+                               .currency = given_.currency},
+                              currency_);
+  }
+
+  std::optional<Taught> taughtByAnswers() {
+    print("The message:\n  " + escapedControls(templateForm(message_)) + "\n\n");
+    return questions_->ask(message_, given_, proposed_, currency_);
+  }
+
+  static std::string errorOf(const Taught& taught) {
+    if (taught.part == Taught::Part::amount) return "--amount " + taught.error;
+    if (taught.part == Taught::Part::payee) return "--payee " + taught.error;
+    return "no template can be made of this message: " + taught.error;
+  }
+
+  void show(const MessageTemplate& taught) const {
+    const auto fit = taught.pattern.fit(templateForm(message_));
+    const Reading reading =
+        readingBy(taught, *fit, recognition::read(message_, currency_), currency_);
+    std::string text = "no payment";
+    if (reading.outcome != Outcome::notATransaction) {
+      const std::string sum = reading.amount
+                                  ? amountText(*reading.amount) + " " + reading.amount->currency
+                                  : "for review, since the sum can be read in two ways";
+      text = std::string(kindText(reading.kind)) + ", " + sum + ", " + reading.description + ", " +
+             reading.category;
+    }
+    std::string lines = "\nThe template:\n  " + escapedControls(taught.text) +
+                        "\nIt reads this message as:\n  " + escapedControls(text) + "\n";
+    if (reading.amount && reading.amount->currency != currency_) {
+      lines += "  (" + reading.amount->currency +
+               " is booked at its rate, and is for review without one)\n";
+    }
+    print(lines + "\n");
+  }
+
+  static int save(const MessageTemplate& taught) {
+    const std::string path = escapedControls(TemplateFile::place().value_or("").string());
+    const auto known = TemplateFile::read().templates;
+    if (!known.empty() && known.back().readsAs(taught))
+      return print("It is in " + path + " already.\n");
+    if (const auto error = TemplateFile::add(taught)) return fail(*error);
+    return print("Saved in " + path + "\n");
+  }
+
+  // Has the transaction that was shown in the book as it is read now.
+  int correctShown() {
+    if (!shown_)
+      return print("The message itself is not booked: it did not come from the phone.\n");
+    const auto before = book_.entry(*shown_);
+    const auto read = reread(book_, *shown_, reader_, currency_);
+    if (!before || before->edited || !read || read->readsAs(*before)) return 0;
+    const std::string id = std::to_string(*shown_);
+    const bool waits = before->state == LedgerEntry::State::review;
+    if (read->state == LedgerEntry::State::review) {
+      return waits ? 0 : print(id + " stays as it is, since it would be for review.\n");
+    }
+    return book_.bookAs(*read) ? print((waits ? "Booked " : "Corrected ") + id + ".\n") : 0;
+  }
+
+  int offerOthers(const MessageTemplate& taught) {
+    const TaughtEntries found = taughtEntries(book_, taught, reader_, currency_);
+    if (!found.edited.empty()) {
+      print("Left as you edited them: " + listed(found.edited) + ".\n");
+    }
+    if (!found.none.empty()) {
+      print("In the book, and no payment: " + listed(found.none) +
+            ". `kivo-ledger delete ID` deletes one.\n");
+    }
+    if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
+    if (found.clear.empty()) return 0;
+    print("\nOthers that fit, as they are read now:\n" +
+          EntryListing::table(found.clear, linux_platform::screenWidth()));
+    const bool books =
+        parameters_.contains("--book") || (questions_ && questions_->confirms("Book them so?"));
+    if (!books) return print("Left as they are; with --book, teach books them so.\n");
+    std::size_t booked = 0;
+    for (const LedgerEntry& entry : found.clear) booked += book_.bookAs(entry) ? 1U : 0U;
+    return print("Booked " + std::to_string(booked) + " so.\n");
+  }
+
+  const GivenParameters& parameters_;
+  Book& book_;
+  const std::string currency_;
+  const MessageReader reader_ = TemplateFile::reader();
+  TeachingQuestions::Given given_;
+  std::ifstream terminal_;
+  std::optional<TeachingQuestions> questions_;
+  // The transaction with the message; absent for one from standard input.
+  std::optional<std::int64_t> shown_;
+  std::string message_;
+  TaughtParts proposed_;
+};
+
+int runTeach(const GivenParameters& parameters) {
+  return withBook([&](Book& book) {
+    auto currency = bookCurrency();
+    return currency ? Teaching(parameters, book, *std::move(currency)).run() : exitFailure;
+  });
+}
+
+}  // namespace
+
+linux_platform::Command teachCommand() {
+  constexpr auto optional = ParameterKind::optional;
+  return {
+      "teach",
+      "Learn from one message how to read others like it, as a template",
+      {{"ID", "The transaction with the message, or - for standard input", optional},
+       {"--amount", "The sum, as it is in the message", optional},
+       {"--payee", "The other party, as it is in the message", optional},
+       {"--kind", "expense, income, transfer, or none for no payment", optional,
+        [] {
+          return std::vector<std::string>{"expense", "income", "transfer", "none"};
+        }},
+       {"--currency", "The code of the sum's currency, as EGP, if the message has none", optional},
+       {"--book", "Book all others that fit as they are read now, without asking",
+        ParameterKind::flag}},
+      runTeach};
+}
+
+}  // namespace kivo::ledger

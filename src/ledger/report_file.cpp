@@ -1,0 +1,32 @@
+#include "ledger/report_file.h"
+
+#include <chrono>
+
+#include "ledger/private_folder.h"
+#include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/process/detached_programs.h"
+
+namespace kivo::ledger {
+namespace {
+
+// xdg-open may run as long as the browser that it started, so waiting longer tells no more.
+constexpr std::chrono::seconds openingLimit(5);
+
+}  // namespace
+
+std::optional<std::filesystem::path> ReportFile::usualPlace() {
+  const auto folder = linux_platform::runtimeFolder();
+  if (!folder) return std::nullopt;
+  openPrivateFolder(*folder, "name a file by --output");
+  return *folder / "report.html";
+}
+
+std::string ReportFile::open(const std::filesystem::path& path) {
+  linux_platform::DetachedPrograms programs;
+  const auto status =
+      programs.startAndWait({"xdg-open", std::filesystem::absolute(path).string()}, openingLimit);
+  if (!status) return "xdg-open is not installed";
+  return *status == 0 ? "" : "xdg-open found no program for it";
+}
+
+}  // namespace kivo::ledger

@@ -1,0 +1,80 @@
+#include "money/money.h"
+
+#include <charconv>
+
+#include "money/currencies.h"
+
+namespace kivo::money {
+
+namespace {
+
+// Returns `whole` without its commas; empty when they are not between all thousands.
+std::string withoutCommas(std::string_view whole) {
+  constexpr std::size_t groupAndComma = 4;
+  if (whole.find(',') == std::string_view::npos) return std::string(whole);
+  if (whole.front() == ',' || whole.front() == '0') return {};
+  std::string digits;
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    const bool between = (whole.size() - at) % groupAndComma == 0;
+    if (between != (whole[at] == ',')) return {};
+    if (!between) digits += whole[at];
+  }
+  return digits;
+}
+
+}  // namespace
+
+bool isBookable(const Money& money) {
+  return money.minorUnits > 0 && money.minorUnits <= largestSum;
+}
+
+int minorDigits(std::string_view currency) {
+  constexpr int digitsOfMost = 2;
+  const Currency* const found = currencyByCode(currency);
+  return found == nullptr ? digitsOfMost : found->minorDigits;
+}
+
+std::string currencyCode(std::string_view text) {
+  std::string code(text);
+  for (char& letter : code) {
+    if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
+  }
+  return code;
+}
+
+bool isCurrency(std::string_view code) { return currencyByCode(code) != nullptr; }
+
+std::string amountText(const Money& money) {
+  const auto decimals = static_cast<std::size_t>(minorDigits(money.currency));
+  const bool negative = money.minorUnits < 0;
+  // The smallest integer has no positive counterpart, its digits have.
+  std::string digits = std::to_string(money.minorUnits).substr(negative ? 1 : 0);
+  if (digits.size() <= decimals) digits.insert(0, decimals + 1 - digits.size(), '0');
+  if (decimals > 0) digits.insert(digits.size() - decimals, 1, '.');
+  return negative ? "-" + digits : digits;
+}
+
+std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency) {
+  const bool negative = amount.starts_with('-');
+  if (negative) amount.remove_prefix(1);
+  const std::size_t point = amount.find('.');
+  const std::string whole = withoutCommas(amount.substr(0, point));
+  const std::string_view fraction =
+      point == std::string_view::npos ? std::string_view() : amount.substr(point + 1);
+  const auto decimals = static_cast<std::size_t>(minorDigits(currency));
+  if (whole.empty() || fraction.size() > decimals || amount.ends_with('.')) return std::nullopt;
+  std::string digits(negative ? "-" : "");
+  digits.append(whole).append(fraction).append(decimals - fraction.size(), '0');
+  if (digits.find_first_not_of("0123456789", negative ? 1 : 0) != std::string::npos) {
+    return std::nullopt;
+  }
+  Money money{.currency = std::string(currency)};
+  const auto [end, error] =
+      std::from_chars(digits.data(), digits.data() + digits.size(), money.minorUnits);
+  const bool fits =
+      error == std::errc() && money.minorUnits >= -largestSum && money.minorUnits <= largestSum;
+  if (!fits) return std::nullopt;
+  return money;
+}
+
+}  // namespace kivo::money

@@ -1,0 +1,44 @@
+// Sums of money in whole minor units, and their texts. Knows no exchange rates.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kivo::money {
+
+/// A sum in whole minor units: 15000 and "EGP" are 150.00 Egyptian pounds.
+struct Money {
+  std::int64_t minorUnits = 0;
+  /// An ISO 4217 code in upper case.
+  std::string currency;
+
+  bool operator==(const Money&) const = default;
+};
+
+/// The largest sum that is booked, in minor units: up to it, an answer can carry each as a double.
+inline constexpr std::int64_t largestSum = std::int64_t{1} << 53;
+
+/// Whether `money` is above zero and `largestSum` at most.
+bool isBookable(const Money& money);
+
+/// The number of decimals of `currency` by ISO 4217 (0, 2, 3 or 4); 2 for an unknown code.
+int minorDigits(std::string_view currency);
+
+/// Returns `text` with its ASCII letters in upper case, as ISO 4217 writes codes.
+std::string currencyCode(std::string_view text);
+
+/// Whether `code` is an ISO 4217 code of money that circulates, in upper case.
+bool isCurrency(std::string_view code);
+
+/// `money` as a plain decimal with all decimals of its currency, without the code: "150.00",
+/// "-0.05".
+std::string amountText(const Money& money);
+
+/// Reads a decimal such as "150", "1,189.50" or "-0.05" as a sum in `currency`: a point before the
+/// decimals, and commas, if any, between all thousands. Absent when `amount` is anything else, has
+/// more decimals than the currency, or exceeds `largestSum` in either direction.
+std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency);
+
+}  // namespace kivo::money

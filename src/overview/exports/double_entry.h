@@ -1,0 +1,32 @@
+// An entry as two postings that balance, for the formats of double-entry bookkeeping.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "book/ledger_entry.h"
+
+namespace kivo::overview {
+
+struct DoubleEntry {
+  /// "Expenses:Groceries" or "Income:Salary", with a level more for each colon in the category;
+  /// "Equity:Transfers" for a transfer.
+  std::string otherAccount;
+  /// "Assets:Bank:4821"; "Assets:Bank" when the message shows no digits.
+  std::string ownAccount;
+  /// The sum posted to `otherAccount`; `toOwn` is its negative. A transfer leaves the own account.
+  money::Money toOther;
+  money::Money toOwn;
+  /// The category, on one line, where `otherAccount` does not name it as it is; else empty.
+  std::string unnamedCategory;
+};
+
+/// Converts a text to one level of an account's name by the rules of a format; returns an empty
+/// text when none of its characters can stay.
+using LevelName = std::string (*)(std::string_view text);
+
+/// Returns the postings of `entry`, which must have a sum. A category becomes "Other" when none of
+/// its characters can stay.
+DoubleEntry doubleEntryOf(const book::LedgerEntry& entry, LevelName levelName);
+
+}  // namespace kivo::overview

@@ -1,0 +1,275 @@
+#include "overview/report_page.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "money/calendar_day.h"
+#include "overview/html_writer.h"
+#include "overview/report_charts.h"
+#include "overview/report_review.h"
+#include "overview/report_style.h"
+#include "overview/sum_format.h"
+
+namespace kivo::overview {
+
+using book::LedgerEntry;
+using money::Kind;
+using money::monthBefore;
+using money::monthName;
+
+namespace {
+
+std::string counted(std::int64_t count) {
+  return std::to_string(count) + (count == 1 ? " transaction" : " transactions");
+}
+
+class Page {
+ public:
+  explicit Page(const ReportFigures& figures)
+      : figures_(figures), summary_(figures.summary), sums_(summary_.currency) {}
+
+  std::string written() {
+    head();
+    title();
+    html_.markup("<main>");
+    ReportReview::writeNotice(html_, figures_);
+    leftOut();
+    if (!summary_.isEmpty()) month();
+    if (!isEmpty()) months();
+    ReportReview::writeList(html_, figures_, [this](const auto& entry) { return sumOf(entry); });
+    if (!isEmpty()) list();
+    html_.markup("</main>\n<footer><p>Made by <code>kivo-ledger report</code> on this machine. ")
+        .markup("The page loads nothing from elsewhere.</p></footer>\n</body>\n</html>\n");
+    return html_.html();
+  }
+
+ private:
+  // Whether nothing was booked in all of the twelve months.
+  [[nodiscard]] bool isEmpty() const {
+    return std::all_of(figures_.months.begin(), figures_.months.end(),
+                       [](const ReportFigures::Month& month) { return month.transactions == 0; });
+  }
+
+  void head() {
+    html_
+        .markup(
+            "<!DOCTYPE html>\n<html lang=\"en\" dir=\"ltr\">\n<head>\n<meta charset=\"utf-8\">\n")
+        .markup("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; ")
+        .markup(
+            "style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'\">\n")
+        .markup("<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n")
+        .markup("<meta name=\"referrer\" content=\"no-referrer\">\n<title>Kivo: ")
+        .text(monthName(summary_.month))
+        .markup("</title>\n<style>")
+        .markup(reportStyle)
+        .markup("</style>\n</head>\n<body>\n");
+  }
+
+  void title() {
+    html_.markup("<header><h1>").text(monthName(summary_.month)).markup("</h1><p class=\"soft\">");
+    if (summary_.isEmpty()) {
+      html_.markup("Nothing is booked in ").text(monthName(summary_.month)).markup(".");
+    } else {
+      html_.text(figures_.runs ? "So far, beside all of " : "Beside ");
+      html_.text(monthName(monthBefore(summary_.month))).markup(". Sums are in ");
+      html_.text(summary_.currency).markup(".");
+    }
+    html_.markup("</p></header>\n");
+  }
+
+  void leftOut() {
+    if (summary_.leftOut.empty()) return;
+    html_.markup("<p class=\"notice\">").text(leftOutNote(summary_.leftOut)).markup("</p>\n");
+  }
+
+  void month() {
+    html_.markup("<dl class=\"cards\">");
+    card("Spent", summary_.sums.expense, summary_.previous.expense);
+    card("Received", summary_.sums.income, summary_.previous.income);
+    card("Transferred", summary_.sums.transfer, summary_.previous.transfer);
+    html_.markup("</dl>\n");
+    if (summary_.sums.expense > 0) {
+      html_.markup("<div class=\"two\">");
+      categories();
+      payees();
+      html_.markup("</div>\n");
+      days();
+    }
+    otherCurrencies();
+  }
+
+  void card(const char* name, std::int64_t sum, std::int64_t previous) {
+    html_.markup("<div><dt>").text(name).markup("</dt><dd><strong>");
+    html_.amount(sums_.withCurrency(sum)).markup("</strong><small>");
+    html_.amount(sums_.plain(previous)).markup(" in ");
+    html_.text(monthName(monthBefore(summary_.month))).markup("</small></dd></div>");
+  }
+
+  void sumCell(std::int64_t sum) {
+    html_.markup("<td class=\"sum\">").amount(sums_.plain(sum)).markup("</td>");
+  }
+
+  void categories() {
+    html_.markup("<section class=\"sheet\" aria-labelledby=\"categories\">")
+        .markup("<h2 id=\"categories\">Categories</h2><table><thead><tr>")
+        .markup("<th scope=\"col\">Category</th><th scope=\"col\" class=\"sum\">Spent</th>")
+        .markup("<th scope=\"col\" class=\"sum\">")
+        .text(monthName(monthBefore(summary_.month)).substr(0, 3))
+        .markup("</th></tr></thead><tbody>");
+    for (const MonthSummary::Category& category : summary_.categories) {
+      html_.markup("<tr><th scope=\"row\">").name(category.name);
+      ReportCharts::drawShare(html_, category.expense, summary_.categories.front().expense);
+      html_.markup("</th>");
+      sumCell(category.expense);
+      html_.markup("<td class=\"sum soft\">").amount(sums_.plain(category.previous));
+      html_.markup("</td></tr>\n");
+    }
+    html_.markup("</tbody></table></section>\n");
+  }
+
+  void payees() {
+    html_.markup("<section class=\"sheet\" aria-labelledby=\"payees\">")
+        .markup("<h2 id=\"payees\">Biggest payees</h2><table><thead><tr>")
+        .markup("<th scope=\"col\">Payee</th><th scope=\"col\" class=\"count\">Times</th>")
+        .markup("<th scope=\"col\" class=\"sum\">Spent</th></tr></thead><tbody>");
+    for (const MonthSummary::Payee& payee : summary_.payees) {
+      html_.markup("<tr><th scope=\"row\">").name(payee.description);
+      html_.markup("</th><td class=\"count soft\">").count(payee.transactions).markup("</td>");
+      sumCell(payee.expense);
+      html_.markup("</tr>\n");
+    }
+    html_.markup("</tbody></table></section>\n");
+  }
+
+  void days() {
+    html_.markup("<section class=\"sheet\" aria-labelledby=\"days\"><h2 id=\"days\">Days</h2>");
+    ReportCharts::drawDays(html_, figures_);
+    html_.markup("<details><summary>The days as a table</summary><table><thead><tr>")
+        .markup("<th scope=\"col\">Day</th><th scope=\"col\" class=\"sum\">Spent</th></tr></thead>")
+        .markup("<tbody>");
+    for (std::size_t day = 0; day < figures_.days.size(); ++day) {
+      if (figures_.days[day] == 0) continue;
+      html_.markup("<tr><th scope=\"row\">").count(static_cast<std::int64_t>(day) + 1);
+      html_.markup(" ").text(monthName(summary_.month)).markup("</th>");
+      sumCell(figures_.days[day]);
+      html_.markup("</tr>\n");
+    }
+    html_.markup("</tbody></table></details></section>\n");
+  }
+
+  void otherCurrencies() {
+    if (summary_.otherCurrencies.empty()) return;
+    html_.markup("<section class=\"sheet\" aria-labelledby=\"others\">")
+        .markup("<h2 id=\"others\">In other currencies</h2><table>")
+        .markup("<caption>Not part of the other sums.</caption><thead><tr>")
+        .markup("<th scope=\"col\">Currency</th><th scope=\"col\" class=\"sum\">Spent</th>")
+        .markup("<th scope=\"col\" class=\"sum\">Received</th>")
+        .markup("<th scope=\"col\" class=\"sum\">Transferred</th></tr></thead><tbody>");
+    for (const MonthSummary::OtherCurrency& other : summary_.otherCurrencies) {
+      const SumFormat sums(other.currency);
+      html_.markup("<tr><th scope=\"row\">").text(other.currency).markup("</th>");
+      for (const std::int64_t sum : {other.sums.expense, other.sums.income, other.sums.transfer}) {
+        html_.markup("<td class=\"sum\">").amount(sums.plain(sum)).markup("</td>");
+      }
+      html_.markup("</tr>\n");
+    }
+    html_.markup("</tbody></table></section>\n");
+  }
+
+  void months() {
+    html_
+        .markup(
+            "<section class=\"sheet\" aria-labelledby=\"months\"><h2 id=\"months\">Twelve "
+            "months</h2>")
+        .markup("<ul class=\"legend\"><li><svg aria-hidden=\"true\" viewBox=\"0 0 1 1\">")
+        .markup("<rect class=\"spent\" width=\"1\" height=\"1\"/></svg>Spent</li>")
+        .markup("<li><svg aria-hidden=\"true\" viewBox=\"0 0 1 1\">")
+        .markup("<rect class=\"received\" width=\"1\" height=\"1\"/></svg>Received</li></ul>");
+    ReportCharts::drawMonths(html_, figures_);
+    html_.markup("<details><summary>The months as a table</summary><table><thead><tr>")
+        .markup("<th scope=\"col\">Month</th><th scope=\"col\" class=\"sum\">Spent</th>")
+        .markup("<th scope=\"col\" class=\"sum\">Received</th></tr></thead><tbody>");
+    for (const ReportFigures::Month& month : figures_.months) {
+      html_.markup("<tr><th scope=\"row\">").text(monthName(month.month)).markup("</th>");
+      sumCell(month.sums.expense);
+      sumCell(month.sums.income);
+      html_.markup("</tr>\n");
+    }
+    html_.markup("</tbody></table></details></section>\n");
+  }
+
+  void list() {
+    html_.markup("<section class=\"sheet list\" aria-labelledby=\"list\">")
+        .markup("<h2 id=\"list\">Transactions</h2>");
+    std::int64_t all = 0;
+    for (const ReportFigures::Month& month : figures_.months) all += month.transactions;
+    const auto listed = static_cast<std::int64_t>(figures_.entries.size());
+    if (listed < all) {
+      html_.markup("<p class=\"soft\">The newest ").count(listed).markup(" of ").count(all);
+      html_.markup(" are here. <code>kivo-ledger list</code> shows all.</p>");
+    }
+    auto entry = figures_.entries.begin();
+    while (entry != figures_.entries.end()) {
+      const std::string month = entry->date.substr(0, 7);
+      const auto end = std::find_if(entry, figures_.entries.end(), [&](const LedgerEntry& other) {
+        return !other.date.starts_with(month);
+      });
+      listMonth(month, entry, end);
+      entry = end;
+    }
+    html_.markup("</section>\n");
+  }
+
+  using Entry = std::vector<LedgerEntry>::const_iterator;
+
+  void listMonth(const std::string& month, Entry entry, Entry end) {
+    html_.markup("<details");
+    if (month == summary_.month) html_.markup(" open");
+    html_.markup("><summary>").text(monthName(month)).markup(" <small>");
+    html_.text(counted(end - entry)).markup("</small></summary><table><thead><tr>");
+    html_.markup("<th scope=\"col\" class=\"day\">Day</th><th scope=\"col\"><div class=\"what\">")
+        .markup("<span>Description</span><span>Category</span></div></th>")
+        .markup("<th scope=\"col\" class=\"count id\">ID</th>")
+        .markup("<th scope=\"col\" class=\"sum\">Sum</th></tr></thead><tbody>\n");
+    for (; entry != end; ++entry) row(*entry);
+    html_.markup("</tbody></table></details>\n");
+  }
+
+  void row(const LedgerEntry& entry) {
+    html_.markup("<tr><td class=\"day\"><time datetime=\"").text(entry.date).markup("\">");
+    html_.text(entry.date.substr(8)).markup("</time></td><td><div class=\"what\">");
+    html_.markup("<span>").name(entry.description).markup("</span><small>").name(entry.category);
+    if (entry.kind != Kind::expense) html_.markup(" · ").text(kindText(entry.kind));
+    if (entry.possibleDuplicateOf) {
+      html_.markup(" · looks like ").count(*entry.possibleDuplicateOf);
+    }
+    html_.markup("</small></div></td><td class=\"count id soft\">").count(entry.id);
+    html_.markup("</td>");
+    if (entry.kind == Kind::income) {
+      html_.markup("<td class=\"sum income\">+");
+    } else {
+      html_.markup("<td class=\"sum\">");
+    }
+    html_.amount(sumOf(entry)).markup("</td></tr>\n");
+  }
+
+  std::string sumOf(const LedgerEntry& entry) {
+    if (!entry.amount) return "";
+    if (entry.amount->currency == summary_.currency) return sums_.plain(entry.amount->minorUnits);
+    const auto other = others_.try_emplace(entry.amount->currency, entry.amount->currency).first;
+    return other->second.withCurrency(entry.amount->minorUnits);
+  }
+
+  const ReportFigures& figures_;
+  const MonthSummary& summary_;
+  SumFormat sums_;
+  std::map<std::string, SumFormat> others_;
+  HtmlWriter html_;
+};
+
+}  // namespace
+
+std::string reportPage(const ReportFigures& figures) { return Page(figures).written(); }
+
+}  // namespace kivo::overview

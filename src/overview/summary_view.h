@@ -1,0 +1,30 @@
+// The summary of a month as JSON and for a terminal.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "overview/month_summary.h"
+#include "platform/foundation/json_encoder.h"
+
+namespace kivo::overview::SummaryView {
+
+/// Returns `summary` as a JSON object, all members texts or arrays of such objects: "month",
+/// "currency", "expense", "income", "transfer", "transactions", "review", "today" (absent unless
+/// the month is the current one), "previous", "categories", "payees", "other_currencies",
+/// "left_out". Sums are plain decimals with the currency's decimals.
+platform::JSONEncoder json(const MonthSummary& summary);
+
+/// The width and the style of a terminal.
+struct Look {
+  std::size_t width = 80;
+  enum class Style { plain, coloured } style = Style::plain;
+};
+
+/// Returns `summary` as text, in the device's locale, without control characters. The names come
+/// last in their lines, so that one that is written from right to left moves no sum. Lines are no
+/// longer than the width of `look`, unless the sums alone are. `today` is the current month,
+/// yyyy-MM.
+std::string text(const MonthSummary& summary, const std::string& today, const Look& look);
+
+}  // namespace kivo::overview::SummaryView

@@ -1,0 +1,22 @@
+// Finds the shop chain by which a name begins.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kivo::recognition {
+
+/// A chain whose name stands at the front of another name.
+struct Chain {
+  /// The number of words that make up the chain's name; 0 when no chain was found.
+  std::size_t words = 0;
+  /// The category of a payment to it; empty when no chain was found.
+  std::string_view category = {};
+};
+
+/// The chain with the longest name that `words`, a name by `names::foldedWords`, begin with.
+Chain chainIn(std::span<const std::string> words);
+
+}  // namespace kivo::recognition

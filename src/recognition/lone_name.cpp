@@ -1,0 +1,81 @@
+#include "recognition/lone_name.h"
+
+#include <algorithm>
+#include <cctype>
+#include <vector>
+
+#include "recognition/name_text.h"
+
+namespace kivo::recognition {
+namespace {
+
+// Whether each item belongs to a wording.
+std::vector<bool> explainedItems(const Items& items, std::span<const Found> found) {
+  std::vector<bool> explained(items.size(), false);
+  for (const Found& wording : found) {
+    for (std::size_t at = wording.begin; at < std::max(wording.end, wording.begin + 1); ++at) {
+      explained[at] = true;
+    }
+  }
+  return explained;
+}
+
+// The rest of "CO-OP", "B&B".
+bool joins(const Items& items, std::size_t at) {
+  constexpr std::string_view marks = "&-.'";
+  const bool behindMark = items[at].kind == Item::Kind::word && isMark(items[at - 1], marks);
+  return items[at].glued && (isMark(items[at], marks) || behindMark);
+}
+
+// "Kite Bank Card 1234" is the bank's. Scripts without capitals need a mark on both sides:
+// "3.500 د.ك - كافيه - بطاقة".
+bool mayStandAlone(const Items& items, std::span<const Found> found, std::size_t begin,
+                   std::size_t end) {
+  const auto behind =
+      std::lower_bound(found.begin(), found.end(), end,
+                       [](const Found& wording, std::size_t at) { return wording.begin < at; });
+  if (behind != found.end() && behind->begin == end && behind->meaning == Meaning::own) {
+    return false;
+  }
+  constexpr std::string_view marks = "-|,/";
+  const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
+  return latin ||
+         (end < items.size() && isMark(items[begin - 1], marks) && isMark(items[end], marks));
+}
+
+}  // namespace
+
+bool beginsLikeAName(std::string_view readable, const Item& item) {
+  const auto first = static_cast<unsigned char>(readable[item.begin]);
+  return item.kind == Item::Kind::word && (first >= 0x80 || std::isupper(first) != 0);
+}
+
+// "$48.13 CAD, TIMBERLINE CO-OP, card 0031", "card *2280 FARMACIA SOL 10-11-26"
+std::string loneName(std::string_view readable, const Items& items, std::span<const Found> found) {
+  const std::vector<bool> explained = explainedItems(items, found);
+  const auto isNameWord = [&](std::size_t at) {
+    return !explained[at] && beginsLikeAName(readable, items[at]);
+  };
+  std::string second;
+  std::size_t at = 0;
+  while (at < items.size() && items[at].kind != Item::Kind::sum) ++at;
+  while (++at < items.size()) {
+    if (!isNameWord(at)) continue;
+    const std::size_t begin = at;
+    bool capitals = true;
+    for (; at < items.size() && (isNameWord(at) || (at > begin && joins(items, at))); ++at) {
+      capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
+    }
+    const bool signs =
+        at >= items.size() && !(capitals && items[begin - 1].kind == Item::Kind::sum);
+    if (signs || !mayStandAlone(items, found, begin, at)) continue;
+    std::string name = nameBetween(readable, items, begin, at);
+    constexpr std::size_t shortest = 4;
+    if (name.size() < shortest) continue;
+    if (capitals) return name;
+    if (second.empty()) second = std::move(name);
+  }
+  return second;
+}
+
+}  // namespace kivo::recognition

@@ -1,0 +1,215 @@
+#include "recognition/message_items.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include "names/name_fold.h"
+#include "recognition/spelling.h"
+
+namespace kivo::recognition {
+namespace {
+
+constexpr std::string_view narrowBlank = "\u202F";
+
+bool isDigit(char character) { return character >= '0' && character <= '9'; }
+
+// Characters of several bytes that are no letters, by the front of their encoding.
+constexpr auto markFronts = std::to_array<std::string_view>(
+    {"\xC2\xA0", "\xC2\xA1", "\xC2\xA2", "\xC2\xA3",     "\xC2\xA4",     "\xC2\xA5",     "\xC2\xA6",
+     "\xC2\xA7", "\xC2\xA8", "\xC2\xA9", "\xC2\xAB",     "\xC2\xAC",     "\xC2\xAD",     "\xC2\xAE",
+     "\xC2\xAF", "\xC2\xB0", "\xC2\xB1", "\xC2\xB2",     "\xC2\xB3",     "\xC2\xB4",     "\xC2\xB6",
+     "\xC2\xB7", "\xC2\xB8", "\xC2\xB9", "\xC2\xBB",     "\xC2\xBF",     "\xC3\x97",     "\xC3\xB7",
+     "\xD6\x8F", "\xD8\x8B", "\xD8\x9B", "\xE0\xA7\xB3", "\xE0\xB8\xBF", "\xE1\x9F\x9B", "\xE2\x80",
+     "\xE2\x81", "\xE2\x82", "\xE2\x83", "\xE2\x84",     "\xE2\x86",     "\xE2\x88",     "\xE2\x89",
+     "\xE2\x96", "\xE2\x97", "\xE2\x98", "\xE2\x9A",     "\xE2\x9B",     "\xE2\x9C",     "\xE2\x9D",
+     "\xE2\x9E", "\xE2\xAD", "\xE3\x80", "\xEF\xB7\xBC", "\xEF\xBF\xBD", "\xF0\x9F"});
+
+bool isLetter(std::string_view character) {
+  if (character.size() == 1) {
+    const auto byte = static_cast<unsigned char>(character[0]);
+    return byte < 0x80 && std::isalpha(byte) != 0;
+  }
+  return std::none_of(markFronts.begin(), markFronts.end(),
+                      [character](std::string_view front) { return character.starts_with(front); });
+}
+
+bool isArabic(std::string_view character) {
+  return character.size() == 2 && character[0] >= '\xD8' && character[0] <= '\xDB';
+}
+
+// Chinese writes no blanks between words, so each of its characters is a word.
+bool isIdeograph(std::string_view character) {
+  return character.size() == 3 && character[0] >= '\xE4' && character[0] <= '\xE9';
+}
+
+// The end of the number at `begin`: digits, and separators between them. A separator before a date
+// ("5000.00,21-11-2026") is not part of it.
+std::size_t endOfNumber(std::string_view text, std::size_t begin) {
+  const auto endOfDigits = [text](std::size_t at) {
+    while (at < text.size() && isDigit(text[at])) ++at;
+    return at;
+  };
+  std::size_t end = endOfDigits(begin);
+  while (end + 1 < text.size() && std::string_view(".,'").find(text[end]) != text.npos &&
+         isDigit(text[end + 1])) {
+    const std::size_t next = endOfDigits(end + 1);
+    const bool joined = next + 1 < text.size() && (text[next] == '-' || text[next] == '/') &&
+                        std::isalnum(static_cast<unsigned char>(text[next + 1])) != 0;
+    if (joined && end > begin && next - end - 1 <= 2) break;
+    end = next;
+  }
+  return end;
+}
+
+// Marks that change the value of the digits before them: superscripts, subscripts, fractions,
+// numbers in circles.
+bool changesValue(std::string_view character) {
+  constexpr auto ofTwoBytes = std::to_array<std::string_view>({"²", "³", "¹", "¼", "½", "¾"});
+  if (std::find(ofTwoBytes.begin(), ofTwoBytes.end(), character) != ofTwoBytes.end()) return true;
+  if (character.size() != 3) return false;
+  const std::string_view front = character.substr(0, 2);
+  const auto last = static_cast<unsigned char>(character[2]);
+  if (front == "\xE2\x81") return last >= 0xB0 && last <= 0xB9;
+  if (front == "\xE2\x82") return last >= 0x80 && last <= 0x89;
+  return front == "\xE2\x85" || front == "\xE2\x91";
+}
+
+// The length of what joins the digits behind it to those before: "1e3", "1_000", "1,,000", "5×10".
+std::size_t joinLength(std::string_view text) {
+  constexpr auto joins = std::to_array<std::string_view>(
+      {"e+", "e-", "E+", "E-", "e", "E",  "_",  "`",  "^",  "·",  "´", "ʼ",
+       "×",  "‧",  "˙",  "∙",  "⋅", ",,", ",.", ".,", "''", ",'", ".'"});
+  for (const std::string_view join : joins) {
+    if (text.starts_with(join) && text.size() > join.size() && isDigit(text[join.size()])) {
+      return join.size();
+    }
+  }
+  return 0;
+}
+
+// The end of the number that ends at `end` for now, with what may change its value and is not
+// read: no sum is read without it.
+std::size_t endOfUnread(std::string_view text, std::size_t end) {
+  while (end < text.size()) {
+    const std::string_view rest = text.substr(end);
+    const std::string_view character = rest.substr(0, characterLength(rest));
+    if (changesValue(character)) {
+      end += character.size();
+    } else if (isDigit(rest.front())) {
+      end = endOfNumber(text, end);
+    } else if (const std::size_t length = joinLength(rest); length > 0) {
+      end = endOfNumber(text, end + length);
+    } else {
+      break;
+    }
+  }
+  return end;
+}
+
+// Letters of one script; an apostrophe between two letters belongs to the word.
+std::size_t endOfWord(std::string_view text, std::size_t begin) {
+  std::size_t end = begin + characterLength(text.substr(begin));
+  if (isIdeograph(text.substr(begin, end - begin))) return end;
+  const bool arabic = isArabic(text.substr(begin, end - begin));
+  while (end < text.size()) {
+    std::size_t at = end;
+    if (text[at] == '\'') ++at;
+    const std::string_view character = text.substr(at, characterLength(text.substr(at)));
+    if (character.empty() || !isLetter(character) || isArabic(character) != arabic ||
+        isIdeograph(character)) {
+      break;
+    }
+    end = at + character.size();
+  }
+  return end;
+}
+
+bool isCapitals(std::string_view word) {
+  return std::all_of(word.begin(), word.end(), [](char character) {
+    return character == '\'' || (character >= 'A' && character <= 'Z');
+  });
+}
+
+Item itemAt(std::string_view text, std::size_t begin) {
+  Item item{.begin = begin};
+  const std::string_view character = text.substr(begin, characterLength(text.substr(begin)));
+  if (character == "\n") {
+    item.kind = Item::Kind::lineBreak;
+    item.end = begin + 1;
+  } else if (isDigit(text[begin]) || beginsFraction(text, begin)) {
+    item.kind = Item::Kind::number;
+    item.end = endOfUnread(text, endOfNumber(text, isDigit(text[begin]) ? begin : begin + 1));
+    item.text = text.substr(begin, item.end - begin);
+  } else if (isLetter(character)) {
+    item.end = endOfWord(text, begin);
+    const std::string_view word = text.substr(begin, item.end - begin);
+    item.text = names::foldedName(word);
+    if (item.text.empty()) item.text = word;  // of invisible characters or accents only
+    item.capitals = isCapitals(word);
+  } else {
+    item.kind = Item::Kind::mark;
+    item.end = begin + character.size();
+    item.text = character;
+  }
+  return item;
+}
+
+// Words behind which a point does not end a sentence.
+constexpr auto abbreviations = std::to_array<std::string_view>(
+    {"rs",  "tk",  "no",     "nos", "avl", "avail", "av", "bal", "acc", "acct", "ac",
+     "c",   "ref", "st",     "mr",  "mrs", "ms",    "dr", "cr",  "amt", "txn",  "trx",
+     "id",  "tel", "approx", "inr", "ج",   "م",     "ر",  "س",   "د",   "sh",   "ksh",
+     "tsh", "a",   "e",      "g",   "i",   "l",     "s",  "m"});
+
+bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
+  const Item& item = items[at];
+  if (item.kind == Item::Kind::lineBreak) return true;
+  if (item.kind != Item::Kind::mark || !blankFollows) return false;
+  if (item.text == "!" || item.text == "?") return true;
+  if (item.text != "." || at == 0) return false;
+  const Item& before = items[at - 1];
+  if (before.capitals && before.end - before.begin == 1) return false;  // "MARIA L. SANTOS"
+  return before.kind != Item::Kind::word ||
+         std::find(abbreviations.begin(), abbreviations.end(), before.text) == abbreviations.end();
+}
+
+}  // namespace
+
+bool beginsFraction(std::string_view readable, std::size_t at) {
+  return readable[at] == '.' && at + 1 < readable.size() && isDigit(readable[at + 1]) &&
+         (at == 0 || std::string_view(" \n-$").find(readable[at - 1]) != std::string_view::npos);
+}
+
+bool isMark(const Item& item, std::string_view marks) {
+  return item.kind == Item::Kind::mark && item.text.size() == 1 &&
+         marks.find(item.text.front()) != std::string_view::npos;
+}
+
+Items itemsOf(std::string_view readable) {
+  Items items;
+  std::size_t at = 0;
+  bool blank = true;
+  while (at < readable.size()) {
+    const std::string_view rest = readable.substr(at);
+    if (rest.front() == ' ' || rest.starts_with(narrowBlank)) {
+      at += rest.front() == ' ' ? 1 : narrowBlank.size();
+      blank = true;
+      continue;
+    }
+    Item item = itemAt(readable, at);
+    item.glued = !blank;
+    if (item.text == "@" && blank) {  // "purchase @ KAROO FUEL"
+      item.kind = Item::Kind::word;
+      item.text = "at";
+    }
+    item.startsSentence = items.empty() || endsSentence(items, items.size() - 1, blank) ||
+                          (items.back().kind == Item::Kind::lineBreak);
+    at = item.end;
+    blank = item.kind == Item::Kind::lineBreak;
+    items.push_back(std::move(item));
+  }
+  return items;
+}
+
+}  // namespace kivo::recognition

@@ -1,0 +1,206 @@
+#include "recognition/moved_sum.h"
+
+#include <algorithm>
+
+#include "recognition/movements.h"
+
+namespace kivo::recognition {
+namespace {
+
+enum class Part { moved, balance, limit, charge, aside };
+
+std::optional<Part> partOf(Meaning meaning) {
+  switch (meaning) {
+    case Meaning::balance:
+      return Part::balance;
+    case Meaning::limit:
+      return Part::limit;
+    case Meaning::fee:
+    case Meaning::charge:
+      return Part::charge;
+    case Meaning::aside:
+      return Part::aside;
+    case Meaning::amount:
+    case Meaning::equivalent:
+      return Part::moved;
+    default:
+      break;
+  }
+  const Movement* const movement = movementOf(meaning);
+  if (movement != nullptr && movement->strength >= Strength::verb) return Part::moved;
+  return std::nullopt;
+}
+
+// Whether the items from `begin` to `end` lie in one sentence. A label on a line of its own belongs
+// to the sum on the next.
+bool inOneSentence(const Items& items, std::size_t begin, std::size_t end) {
+  bool onlyLabel = true;
+  for (std::size_t at = begin; at < end; ++at) {
+    onlyLabel = onlyLabel && (items[at].kind == Item::Kind::lineBreak || items[at].text == ":");
+  }
+  if (onlyLabel) return true;
+  for (std::size_t at = begin; at <= end; ++at) {
+    if (items[at].startsSentence) return false;
+  }
+  return true;
+}
+
+class Sums {
+ public:
+  Sums(const Items& items, std::span<const Found> found, std::string_view book)
+      : items_(items), found_(found), book_(book) {
+    for (std::size_t at = 0; at < items.size(); ++at) {
+      if (items[at].kind == Item::Kind::sum && !isZero(at)) sums_.push_back(at);
+    }
+  }
+
+  [[nodiscard]] SumParts parts() const {
+    SumParts result;
+    std::vector<std::size_t> moved;
+    std::vector<std::size_t> charges;
+    for (std::size_t index = 0; index < sums_.size(); ++index) {
+      const Part part = partOfSum(index);
+      if (part == Part::moved) moved.push_back(sums_[index]);
+      if (part == Part::charge) charges.push_back(sums_[index]);
+      if (part == Part::balance && !result.balance) result.balance = sums_[index];
+    }
+    if (moved.empty()) moved = charges;
+    dropUnsaid(moved);
+    // Where some of these numbers have a currency, the ones without are not money.
+    const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
+    if (!std::all_of(moved.begin(), moved.end(), bare)) std::erase_if(moved, bare);
+    if (!moved.empty()) choose(moved, result);
+    return result;
+  }
+
+ private:
+  [[nodiscard]] bool isZero(std::size_t at) const { return items_[at].sum.minorUnits == 0; }
+
+  [[nodiscard]] Part partOfSum(std::size_t index) const {
+    const std::size_t sum = sums_[index];
+    const std::size_t previous = index == 0 ? 0 : sums_[index - 1];
+    const auto behind = partSaidBehind(index);
+    if (behind && *behind != Part::moved) return *behind;
+    Part part = Part::moved;
+    for (const Found& wording : found_) {
+      if (wording.begin < previous || wording.end > sum) continue;
+      const auto said = partOf(wording.meaning);
+      if (!said || !inOneSentence(items_, wording.end, sum)) continue;
+      part = *said;
+    }
+    return part;
+  }
+
+  // "Bought EGP 20.00. You now own EGP 480.00": a sentence that says nothing of a movement adds no
+  // sum to one that did.
+  void dropUnsaid(std::vector<std::size_t>& moved) const {
+    if (moved.size() < 2) return;
+    const std::vector<bool> speaks = itemsOfSpeakingSentences();
+    auto said =
+        std::find_if(moved.begin(), moved.end(), [&](std::size_t sum) { return speaks[sum]; });
+    const bool card = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
+      return wording.meaning == Meaning::own;
+    });
+    if (said == moved.end() && card && !inOneSentence(items_, moved[0], moved[1])) {
+      said = std::next(moved.begin());
+    }
+    moved.erase(std::remove_if(said, moved.end(), [&](std::size_t sum) { return !speaks[sum]; }),
+                moved.end());
+  }
+
+  // For each item, whether its sentence has a wording of a movement or an amount.
+  [[nodiscard]] std::vector<bool> itemsOfSpeakingSentences() const {
+    std::vector<bool> speaks(items_.size(), false);
+    auto wording = found_.begin();
+    for (std::size_t begin = 0, end = 1; begin < items_.size(); begin = end++) {
+      while (end < items_.size() && !items_[end].startsSentence) ++end;
+      bool speaking = false;
+      for (; wording != found_.end() && wording->begin < end; ++wording) {
+        speaking = speaking || wording->meaning == Meaning::amount ||
+                   movementOf(wording->meaning) != nullptr;
+      }
+      std::fill(speaks.begin() + static_cast<std::ptrdiff_t>(begin),
+                speaks.begin() + static_cast<std::ptrdiff_t>(end), speaking);
+    }
+    return speaks;
+  }
+
+  // "EGP 5,430.10 is your available balance", unless the words introduce the next sum.
+  [[nodiscard]] std::optional<Part> partSaidBehind(std::size_t index) const {
+    constexpr std::size_t near = 4;
+    const std::size_t sum = sums_[index];
+    for (const Found& wording : found_) {
+      if (wording.begin <= sum) continue;
+      if (index + 1 < sums_.size() && wording.begin > sums_[index + 1]) break;
+      if (wording.begin > sum + near || !inOneSentence(items_, sum + 1, wording.begin)) break;
+      const auto said = partOf(wording.meaning);
+      if (!said) continue;
+      if (introducesNumber(wording)) return std::nullopt;
+      return said;
+    }
+    return std::nullopt;
+  }
+
+  // "Avl Bal 5521": the words belong to what follows.
+  [[nodiscard]] bool introducesNumber(const Found& wording) const {
+    constexpr std::size_t near = 5;
+    for (std::size_t at = wording.end; at < std::min(items_.size(), wording.end + near); ++at) {
+      if (items_[at].kind == Item::Kind::mark && items_[at].text == ".") return false;
+      const bool number = items_[at].kind == Item::Kind::number && !items_[at].isPiece;
+      if (number || items_[at].kind == Item::Kind::sum) return true;
+    }
+    return false;
+  }
+
+  [[nodiscard]] bool isBook(std::size_t at) const {
+    const std::string& currency = items_[at].sum.currency;
+    return currency.empty() || currency == book_;
+  }
+
+  // The bank states the same sum in two currencies: "USD 20.00 (EGP 980.00)".
+  [[nodiscard]] bool isEquivalent(std::size_t one, std::size_t other) const {
+    for (const Found& wording : found_) {
+      if (wording.meaning == Meaning::equivalent && wording.begin > one && wording.end <= other) {
+        return true;
+      }
+    }
+    constexpr std::size_t nearest = 3;
+    if (other - one > nearest) return false;
+    return std::all_of(items_.begin() + static_cast<std::ptrdiff_t>(one) + 1,
+                       items_.begin() + static_cast<std::ptrdiff_t>(other), [](const Item& item) {
+                         return item.kind == Item::Kind::mark &&
+                                std::string_view("(/=[~").find(item.text) != std::string_view::npos;
+                       });
+  }
+
+  void choose(const std::vector<std::size_t>& moved, SumParts& result) const {
+    const std::size_t first = moved.front();
+    result.moved = first;
+    for (const std::size_t other : moved) {
+      if (other == first) continue;
+      const Sum& one = items_[*result.moved].sum;
+      const Sum& two = items_[other].sum;
+      if (one.currency == two.currency && one.minorUnits == two.minorUnits) continue;
+      if (isBook(first) != isBook(other) && isEquivalent(first, other)) {
+        if (!isBook(first)) result.moved = other;
+        continue;
+      }
+      result.unclear = true;
+    }
+    if (!items_[*result.moved].sum.minorUnits) result.unclear = true;
+  }
+
+  const Items& items_;
+  const std::span<const Found> found_;
+  const std::string_view book_;
+  std::vector<std::size_t> sums_;
+};
+
+}  // namespace
+
+SumParts partsOfSums(const Items& items, std::span<const Found> found,
+                     std::string_view bookCurrency) {
+  return Sums(items, found, bookCurrency).parts();
+}
+
+}  // namespace kivo::recognition

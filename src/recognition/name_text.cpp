@@ -1,0 +1,99 @@
+#include "recognition/name_text.h"
+
+#include <algorithm>
+#include <array>
+
+#include "recognition/spelling.h"
+
+namespace kivo::recognition {
+namespace {
+
+constexpr std::size_t longestName = 60;
+
+// Words in a bank's narration that are no names: "UPI/P2M/4249/ORCHID MART".
+constexpr auto channelWords = std::to_array<std::string_view>(
+    {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m",  "p",    "a",
+     "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach",  "ref",  "no",
+     "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr",  "ftr",  "txn",
+     "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",   "iban", "vpa",
+     "otp",  "inr", "onl",  "frm",  "ft",   "pmt",  "web", "app",  "ussd", "nip",  "csh",
+     "cash", "chq", "mmt",  "vps",  "ips",  "tpt",  "nach"});
+
+// Words that say how the money went, not to whom: a name is not made of them alone.
+constexpr auto commonWords = std::to_array<std::string_view>(
+    {"atm",         "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
+     "payment",     "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
+     "sms",         "charge",   "charges",  "fee",      "fees", "emi",        "bank",
+     "online",      "net",      "internet", "interest", "rent", "txn",        "refund",
+     "reversal",    "agent",    "it",       "of",       "us",   "them",       "merchant",
+     "cheque",      "check",    "savings",  "checking", "self", "others",     "رقم",
+     "transaction", "nil",      "na"});
+
+}  // namespace
+
+bool isChannelWord(std::string_view word) {
+  return std::find(channelWords.begin(), channelWords.end(), word) != channelWords.end();
+}
+
+std::string nameBetween(std::string_view readable, const Items& items, std::size_t begin,
+                        std::size_t end) {
+  if (begin >= end) return {};
+  const auto namesSomebody = [](const Item& item) {
+    return item.kind == Item::Kind::word && item.text.find_first_not_of('x') != std::string::npos &&
+           std::find(commonWords.begin(), commonWords.end(), item.text) == commonWords.end() &&
+           std::find(channelWords.begin(), channelWords.end(), item.text) == channelWords.end();
+  };
+  if (std::none_of(items.begin() + static_cast<std::ptrdiff_t>(begin),
+                   items.begin() + static_cast<std::ptrdiff_t>(end), namesSomebody)) {
+    return {};
+  }
+  std::string name =
+      shownPayee(readable.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
+  constexpr auto shortened =
+      std::to_array<std::string_view>({"co", "inc", "ltd", "ent", "corp", "jr", "sr", "bros"});
+  const bool isShort =
+      std::find(shortened.begin(), shortened.end(), items[end - 1].text) != shortened.end();
+  const bool goesOn = end + 1 < items.size() && isMark(items[end], ".") &&
+                      readable[items[end + 1].begin] >= 'a' &&
+                      readable[items[end + 1].begin] <= 'z';
+  if (isShort && goesOn) name += '.';  // "Puffin Coffee Co. with"
+  return name;
+}
+
+std::string nameInNarration(std::string_view readable, const Items& items, std::size_t begin,
+                            std::size_t end) {
+  std::size_t piece = begin;
+  for (std::size_t at = begin; at <= end; ++at) {
+    const bool cut =
+        at == end || isMark(items[at], "/") || (isMark(items[at], "-:*") && items[at].glued);
+    if (!cut) continue;
+    const auto isName = [&](std::size_t word) {
+      return items[word].kind == Item::Kind::word && items[word].text.size() > 2 &&
+             std::find(channelWords.begin(), channelWords.end(), items[word].text) ==
+                 channelWords.end() &&
+             items[word].text.find_first_not_of('x') != std::string::npos;
+    };
+    bool named = false;
+    for (std::size_t word = piece; word < at; ++word) named = named || isName(word);
+    while (named && isChannelWord(items[piece].text)) ++piece;
+    if (named) return nameBetween(readable, items, piece, at);
+    piece = at + 1;
+  }
+  return {};
+}
+
+std::string shownPayee(std::string_view name) {
+  std::string line(name);
+  std::replace_if(
+      line.begin(), line.end(),
+      [](char character) { return static_cast<unsigned char>(character) < ' '; }, ' ');
+  constexpr std::string_view edges = " \"'*:-.,#;/_";
+  const std::size_t begin = line.find_first_not_of(edges);
+  if (begin == std::string::npos) return {};
+  line.erase(0, begin);
+  line.resize(wholeCharacters(line, longestName));
+  line.erase(line.find_last_not_of(edges) + 1);
+  return line;
+}
+
+}  // namespace kivo::recognition

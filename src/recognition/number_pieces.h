@@ -1,0 +1,14 @@
+// Numbers that are no sums: parts of dates, times of day, account masks, shares and words.
+#pragma once
+
+#include "recognition/message_items.h"
+
+namespace kivo::recognition {
+
+/// Sets `isPiece` of the numbers that are parts of something else.
+void markPieces(Items& items);
+
+/// Whether the number at `at` is a part of a date or a time of day, whatever is beside it.
+bool isDatePiece(const Items& items, std::size_t at);
+
+}  // namespace kivo::recognition

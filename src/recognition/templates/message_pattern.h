@@ -1,0 +1,59 @@
+// Matches messages against a text with placeholders. Knows no currency.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kivo::recognition {
+
+/// The parts of a message that the placeholders of a pattern matched.
+struct PatternFit {
+  /// The digits and separators of the number that {amount} matched; empty if the pattern has no
+  /// {amount}. Two numbers when the match is ambiguous.
+  std::vector<std::string> amounts;
+  /// The text that {payee} matched; empty if the pattern has no {payee}, and with two amounts.
+  std::string payee;
+};
+
+/// Literal text with the placeholders {amount} (a number), {payee} and {any} (any text that is not
+/// empty). "{{" is an escaped "{".
+class MessagePattern {
+ public:
+  /// A pattern, or the reason why the text is not one, in one line that quotes nothing from it.
+  struct Parsed;
+  static Parsed parse(std::string_view text);
+
+  /// Returns the pattern that matches exactly `text`: its braces are doubled.
+  static std::string escaped(std::string_view text);
+
+  /// Matches a whole message in template form (message_text.h); returns nullopt when it does not
+  /// match. {payee} matches as much as possible. Time is linear in the lengths of both.
+  [[nodiscard]] std::optional<PatternFit> fit(std::string_view message) const;
+
+  [[nodiscard]] bool hasAmount() const { return amount_.has_value(); }
+
+ private:
+  MessagePattern() = default;
+
+  // literals_[n] precedes placeholder n; the last one follows the last placeholder.
+  std::vector<std::string> literals_;
+  // literals_ in reverse order, each reversed.
+  std::vector<std::string> backwards_;
+  std::optional<std::size_t> amount_;
+  std::optional<std::size_t> payee_;
+
+  struct Range;
+  [[nodiscard]] std::optional<std::string> payeeIn(const Range& range) const;
+  [[nodiscard]] std::optional<PatternFit> fitWithAmount(std::string_view message,
+                                                        const std::string& reversed) const;
+};
+
+struct MessagePattern::Parsed {
+  std::optional<MessagePattern> pattern = {};
+  std::string error = {};
+};
+
+}  // namespace kivo::recognition

@@ -1,0 +1,79 @@
+#include "recognition/templates/message_template.h"
+
+#include "money/kind.h"
+#include "recognition/amount_digits.h"
+#include "recognition/merchant_categories.h"
+#include "recognition/name_text.h"
+#include "recognition/templates/message_text.h"
+
+namespace kivo::recognition {
+
+using money::Kind;
+using money::kindFromText;
+using money::Money;
+
+namespace {
+
+// For messages that name no payee.
+const char* descriptionOf(Kind kind) {
+  if (kind == Kind::income) return "Deposit";
+  return kind == Kind::transfer ? "Own transfer" : "Payment";
+}
+
+std::string categoryOf(Kind kind, const std::string& payee, const Reading& rules) {
+  if (const auto byName = merchantCategory(payee); kind == Kind::expense && !byName.empty()) {
+    return std::string(byName);
+  }
+  if (rules.kind == kind && !rules.category.empty() && rules.payee == payee) return rules.category;
+  if (kind == Kind::income) return "Income";
+  return kind == Kind::transfer ? "Transfer" : "Other";
+}
+
+}  // namespace
+
+Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
+                  std::string_view bookCurrency) {
+  if (!taught.kind) return {};
+  Reading reading{.outcome = Outcome::needsReview, .kind = *taught.kind};
+  const std::string currency =
+      taught.currency.empty() ? std::string(bookCurrency) : taught.currency;
+  if (fit.amounts.size() == 1) {
+    const auto units = minorUnitsOf(fit.amounts.front(), currency);
+    if (units == 0) return {};
+    if (units) reading.amount = Money{*units, currency};
+    if (units && currency == bookCurrency) reading.outcome = Outcome::transaction;
+  }
+  reading.payee = shownPayee(fit.payee);
+  reading.description = !taught.description.empty() ? taught.description
+                        : !reading.payee.empty()    ? reading.payee
+                                                    : descriptionOf(*taught.kind);
+  reading.category =
+      taught.category.empty() ? categoryOf(*taught.kind, reading.payee, rules) : taught.category;
+  reading.account = rules.account;
+  reading.reference = rules.reference;
+  reading.balance = rules.balance;
+  return reading;
+}
+
+Reading readWith(const std::vector<MessageTemplate>& templates, std::string_view text,
+                 std::string_view bookCurrency) {
+  Reading rules = read(text, bookCurrency);
+  if (templates.empty()) return rules;
+  const std::string form = templateForm(partThatCounts(text));
+  for (auto taught = templates.rbegin(); taught != templates.rend(); ++taught) {
+    if (const auto fit = taught->pattern.fit(form)) {
+      return readingBy(*taught, *fit, rules, bookCurrency);
+    }
+  }
+  return rules;
+}
+
+const char* taughtKindText(std::optional<Kind> kind) { return kind ? kindText(*kind) : "none"; }
+
+std::optional<std::optional<Kind>> taughtKindFromText(std::string_view text) {
+  if (text == "none") return std::optional<Kind>();
+  if (const auto kind = kindFromText(text)) return std::optional<std::optional<Kind>>(kind);
+  return std::nullopt;
+}
+
+}  // namespace kivo::recognition

@@ -1,0 +1,52 @@
+// A taught wording: a pattern, and how to read the messages that match it. Reads no file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "recognition/reading.h"
+#include "recognition/templates/message_pattern.h"
+
+namespace kivo::recognition {
+
+struct MessageTemplate {
+  /// The pattern as it was written.
+  std::string text;
+  /// `text`, parsed. Has {amount} when there is a kind.
+  MessagePattern pattern;
+  /// Absent for messages that are no payment.
+  std::optional<money::Kind> kind = {};
+  /// The currency of {amount}, an ISO 4217 code; empty for the book's.
+  std::string currency = {};
+  /// Replaces the description by the payee's name; empty to keep that.
+  std::string description = {};
+  /// Replaces the category by the payee's name; empty to keep that.
+  std::string category = {};
+
+  /// Returns whether both read every message in the same way.
+  [[nodiscard]] bool readsAs(const MessageTemplate& other) const {
+    return text == other.text && kind == other.kind && currency == other.currency &&
+           description == other.description && category == other.category;
+  }
+};
+
+/// Returns the reading of a message that the pattern of `taught` matched as `fit`, for a book in
+/// `bookCurrency`. Account, reference and balance come from `rules`, the reading by the rules. The
+/// outcome is `needsReview` with the sum when that is in another currency, and without a sum when
+/// its digits or the match are ambiguous; `notATransaction` when the sum is zero.
+Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
+                  std::string_view bookCurrency);
+
+/// Reads `text` by the last of `templates` that matches; as `read` (recognition/reading.h) when no
+/// template does.
+Reading readWith(const std::vector<MessageTemplate>& templates, std::string_view text,
+                 std::string_view bookCurrency);
+
+/// Returns "expense", "income", "transfer", or "none" for an absent `kind`.
+const char* taughtKindText(std::optional<money::Kind> kind);
+/// Returns the kind of that name, an absent kind for "none"; nullopt for another text.
+std::optional<std::optional<money::Kind>> taughtKindFromText(std::string_view text);
+
+}  // namespace kivo::recognition

@@ -1,0 +1,212 @@
+#include "recognition/wordings.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string>
+
+#include "recognition/spelling.h"
+
+namespace kivo::recognition {
+
+namespace {
+
+struct Wording {
+  Meaning meaning;
+  std::string_view words;
+};
+
+constexpr auto wordings = std::to_array<Wording>({
+#define WORDING(meaning, words, example, reading) {Meaning::meaning, words},
+#include "recognition/wordings.def"
+#undef WORDING
+});
+
+struct Element {
+  enum class Kind { word, front, sum, name, gap };
+  Kind kind = Kind::word;
+  std::string text = {};
+};
+
+constexpr std::size_t longestGap = 8;
+constexpr std::string_view sumKey = "#";
+
+Element elementOf(const Item& item) {
+  if (item.text == "#") return {Element::Kind::sum};
+  if (item.text == "^") return {Element::Kind::name};
+  if (item.text == "_") return {Element::Kind::gap};
+  return {Element::Kind::word, item.text};
+}
+
+std::string openKey(std::string_view word) {
+  return std::string(word.substr(0, characterLength(word))) + "~";
+}
+
+std::string keyOf(const Element& first) {
+  if (first.kind == Element::Kind::sum) return std::string(sumKey);
+  return first.kind == Element::Kind::front ? openKey(first.text) : first.text;
+}
+
+}  // namespace
+
+struct WordingPattern {
+  Meaning meaning = Meaning::plain;
+  bool namePrecedes = false;
+  std::vector<Element> elements = {};
+  // Its first word. If that word is open at its end, its first character and "~". "#" for a sum.
+  std::string key = {};
+};
+
+namespace {
+
+WordingPattern patternOf(const Wording& wording) {
+  WordingPattern pattern{.meaning = wording.meaning};
+  for (const Item& item : itemsOf(wording.words)) {
+    if (item.text == "~") {
+      pattern.elements.back().kind = Element::Kind::front;
+    } else if (item.text == "^" && pattern.elements.empty()) {
+      pattern.namePrecedes = true;
+    } else {
+      pattern.elements.push_back(elementOf(item));
+    }
+  }
+  pattern.key = keyOf(pattern.elements.front());
+  return pattern;
+}
+
+// In the order of wordings.def.
+const std::vector<WordingPattern>& compiled() {
+  static const std::vector<WordingPattern> patterns = [] {
+    std::vector<WordingPattern> all;
+    for (const Wording& wording : wordings) all.push_back(patternOf(wording));
+    return all;
+  }();
+  return patterns;
+}
+
+// Arabic "and" and the article are written with the word: "والرصيد".
+std::string_view withoutPrefix(std::string_view word) {
+  constexpr std::string_view conjunction = "و";
+  constexpr std::string_view article = "ال";
+  constexpr std::size_t shortest = 6;  // three letters of two bytes
+  if (word.starts_with(conjunction) && word.size() >= conjunction.size() + shortest) {
+    word.remove_prefix(conjunction.size());
+  }
+  if (word.starts_with(article) && word.size() >= article.size() + shortest) {
+    word.remove_prefix(article.size());
+  }
+  return word;
+}
+
+bool fits(const Element& element, const Item& item) {
+  if (element.kind == Element::Kind::sum) return item.kind == Item::Kind::sum;
+  if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak) return false;
+  const std::string_view bare = withoutPrefix(item.text);
+  return element.kind == Element::Kind::front
+             ? item.text.starts_with(element.text) || bare.starts_with(element.text)
+             : item.text == element.text || bare == element.text;
+}
+
+// The end of the match of the elements from `element` on at `at`, or absent. A gap spans a few
+// items of one sentence.
+std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std::size_t element,
+                                      const Items& items, std::size_t at) {
+  for (; element < elements.size(); ++element, ++at) {
+    const bool last = element + 1 == elements.size();
+    if (elements[element].kind == Element::Kind::name) return at;
+    if (elements[element].kind == Element::Kind::gap) {
+      for (std::size_t skipped = 0; skipped <= longestGap && at + skipped < items.size();
+           ++skipped) {
+        if (skipped > 0 && items[at + skipped - 1].kind == Item::Kind::lineBreak) break;
+        if (skipped > 0 && items[at + skipped].startsSentence) break;
+        if (const auto end = endOfMatch(elements, element + 1, items, at + skipped)) return end;
+      }
+      return std::nullopt;
+    }
+    if (at >= items.size() || !fits(elements[element], items[at])) return std::nullopt;
+    // A closing sum is only looked at, so that it may begin the next wording.
+    if (last && element > 0 && elements[element].kind == Element::Kind::sum) return at;
+  }
+  return at;
+}
+
+// The longest of `patterns` that matches at `at`, if it is longer than `longest`.
+void findLonger(std::span<const WordingPattern* const> patterns, const Items& items, std::size_t at,
+                std::optional<Found>& longest, std::size_t& mostElements) {
+  for (const WordingPattern* const pattern : patterns) {
+    const auto end = endOfMatch(pattern->elements, 0, items, at);
+    if (!end || pattern->elements.size() < mostElements) continue;
+    if (longest && pattern->elements.size() == mostElements && *end <= longest->end) continue;
+    mostElements = pattern->elements.size();
+    longest = Found{.meaning = pattern->meaning,
+                    .begin = at,
+                    .end = *end,
+                    .nameFollows = pattern->elements.back().kind == Element::Kind::name,
+                    .namePrecedes = pattern->namePrecedes};
+  }
+}
+
+}  // namespace
+
+Wordings::Wordings() {
+  for (const WordingPattern& pattern : compiled()) patterns_.push_back(&pattern);
+  std::ranges::stable_sort(patterns_, {}, &WordingPattern::key);
+}
+
+const Wordings& Wordings::all() {
+  static const Wordings every;
+  return every;
+}
+
+Wordings Wordings::allBut(std::size_t index) {
+  Wordings rest = all();
+  std::erase(rest.patterns_, &compiled().at(index));
+  return rest;
+}
+
+std::optional<Found> Wordings::longestAt(const Items& items, std::size_t at) const {
+  std::optional<Found> longest;
+  std::size_t mostElements = 0;
+  const auto findUnder = [&](std::string_view key) {
+    // clang 14 rejects the range that std::ranges::equal_range returns.
+    const auto begin = std::ranges::lower_bound(patterns_, key, {}, &WordingPattern::key);
+    const auto end =
+        std::ranges::upper_bound(begin, patterns_.end(), key, {}, &WordingPattern::key);
+    findLonger({begin, end}, items, at, longest, mostElements);
+  };
+  const Item& item = items[at];
+  if (item.kind == Item::Kind::sum) {
+    findUnder(sumKey);
+    return longest;
+  }
+  if (item.text.empty()) return longest;
+  findUnder(item.text);
+  if (item.kind != Item::Kind::word) return longest;
+  findUnder(openKey(item.text));
+  const std::string_view bare = withoutPrefix(item.text);
+  if (bare.size() == item.text.size()) return longest;
+  findUnder(bare);
+  findUnder(openKey(bare));
+  return longest;
+}
+
+std::vector<Found> Wordings::foundIn(const Items& items) const {
+  std::vector<Found> found;
+  for (std::size_t at = 0; at < items.size();) {
+    const auto longest = longestAt(items, at);
+    if (longest) found.push_back(*longest);
+    at = longest ? std::max(longest->end, at + 1) : at + 1;
+  }
+  return found;
+}
+
+bool Wordings::anyEndsAt(const Items& items, std::size_t end, Meaning meaning) const {
+  constexpr std::size_t mostItems = 4;
+  for (std::size_t length = 1; length <= std::min(mostItems, end); ++length) {
+    const auto longest = longestAt(items, end - length);
+    if (longest && longest->meaning == meaning && longest->end == end) return true;
+  }
+  return false;
+}
+
+}  // namespace kivo::recognition

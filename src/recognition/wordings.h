@@ -1,0 +1,110 @@
+// Finds the wordings of wordings.def in a message. Does not decide between them.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "recognition/message_items.h"
+
+namespace kivo::recognition {
+
+/// The use of a wording. wordings.def explains each.
+enum class Meaning {
+  // Money moved.
+  spent,
+  purchase,
+  paid,
+  payment,
+  sent,
+  transferOut,
+  withdrew,
+  withdrawal,
+  debited,
+  debit,
+  fee,
+  machine,
+  transaction,
+  creditTaken,
+  credited,
+  credit,
+  received,
+  transferIn,
+  deposit,
+  salary,
+  refund,
+  cashback,
+  cardSettlement,
+  ownTransfer,
+  // No money moved.
+  code,
+  warning,
+  declined,
+  notYet,
+  planned,
+  notDone,
+  offer,
+  urged,
+  done,
+  // The part that a sum plays.
+  amount,
+  balance,
+  limit,
+  charge,
+  aside,
+  equivalent,
+  // Names, accounts and references.
+  label,
+  at,
+  to,
+  towards,
+  from,
+  by,
+  info,
+  ends,
+  own,
+  account,
+  reference,
+  // Words that would otherwise be read as one of the above: "to block", "for details".
+  plain,
+};
+
+/// A wording in a message.
+struct Found {
+  Meaning meaning = Meaning::plain;
+  /// Its items, from the first to behind the last.
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  /// The other party's name begins at `end`.
+  bool nameFollows = false;
+  /// The other party's name ends at `begin`.
+  bool namePrecedes = false;
+};
+
+struct WordingPattern;
+
+/// The wordings to look up in messages.
+class Wordings {
+ public:
+  /// All of wordings.def, compiled at the first call. Thread-safe; lives as long as the process.
+  static const Wordings& all();
+
+  /// All but the one with this index in wordings.def, the first being 0.
+  static Wordings allBut(std::size_t index);
+
+  /// The wordings in `items` from left to right. They do not overlap: at each item the longest
+  /// counts.
+  [[nodiscard]] std::vector<Found> foundIn(const Items& items) const;
+
+  /// Whether a wording of `meaning` without sums or names ends in front of `items[end]`.
+  [[nodiscard]] bool anyEndsAt(const Items& items, std::size_t end, Meaning meaning) const;
+
+ private:
+  Wordings();
+  [[nodiscard]] std::optional<Found> longestAt(const Items& items, std::size_t at) const;
+
+  std::vector<const WordingPattern*> patterns_;  // ordered by their keys
+};
+
+}  // namespace kivo::recognition

@@ -1,0 +1,36 @@
+#include "recording/message_reading.h"
+
+namespace kivo::recording {
+
+using book::LedgerEntry;
+using recognition::Outcome;
+using recognition::Reading;
+
+Reading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
+                   const std::string& currency) {
+  Reading reading = read(text, currency);
+  if (reading.outcome != Outcome::needsReview || !reading.amount ||
+      reading.amount->currency == currency) {
+    return reading;
+  }
+  Reading foreign = read(text, reading.amount->currency);
+  if (foreign.outcome != Outcome::transaction || foreign.amount != reading.amount) return reading;
+  const auto rate = book.rate(foreign.amount->currency);
+  if (!rate) return reading;
+  foreign.amount = rate->convert(*foreign.amount, currency);
+  return foreign.amount ? foreign : reading;
+}
+
+void apply(const Reading& reading, LedgerEntry& entry) {
+  entry.kind = reading.kind;
+  entry.amount = reading.amount && isBookable(*reading.amount) ? reading.amount : std::nullopt;
+  entry.description = reading.description;
+  entry.category = reading.category;
+  entry.payee = reading.payee;
+  entry.account = reading.account;
+  entry.reference = reading.reference;
+  const bool isClear = reading.outcome == Outcome::transaction && entry.amount;
+  entry.state = isClear ? LedgerEntry::State::booked : LedgerEntry::State::review;
+}
+
+}  // namespace kivo::recording

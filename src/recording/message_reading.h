@@ -1,0 +1,28 @@
+// Reads a message for the book: by the recogniser or by templates, and with the book's exchange
+// rates. Stores nothing.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "book/book.h"
+#include "recognition/reading.h"
+
+namespace kivo::recording {
+
+/// Reads a message, as `recognition::read` does.
+using MessageReader =
+    std::function<recognition::Reading(std::string_view text, std::string_view bookCurrency)>;
+
+/// Reads `text` by `read` for `book`, which is kept in `currency`. A message that is in review only
+/// for its currency is read in that currency, and converted, when the book has a rate for it and
+/// the result is bookable. Throws BookFailure.
+recognition::Reading readingFor(const book::Book& book, const MessageReader& read,
+                                const std::string& text, const std::string& currency);
+
+/// Sets all of `entry` that the reading of its message holds. An entry whose sum cannot be booked
+/// is in review without it.
+void apply(const recognition::Reading& reading, book::LedgerEntry& entry);
+
+}  // namespace kivo::recording

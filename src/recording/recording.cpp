@@ -1,0 +1,77 @@
+#include "recording/recording.h"
+
+#include "extraction/sms_extraction_response.h"
+#include "platform/foundation/number_text.h"
+#include "recognition/payment_sentence.h"
+
+namespace kivo::recording {
+namespace {
+
+using book::LedgerEntry;
+using recognition::Outcome;
+using recognition::Reading;
+
+LedgerEntry entryFrom(const Reading& reading, const Message& message) {
+  LedgerEntry entry;
+  entry.key = message.idempotencyKey;
+  entry.userId = message.userId;
+  entry.date = message.expenseDate;
+  apply(reading, entry);
+  entry.text = message.text;
+  return entry;
+}
+
+// The category of a transfer in an answer to the expense intent, which knows by the category alone
+// that a payment is not to be counted. Other answers and the book have the entry's own.
+std::string answeredCategory(const LedgerEntry& entry) {
+  constexpr std::string_view uncounted = "__system_transfer__";
+  constexpr std::string_view uncountedToo = "Credit Card Settlement";
+  if (entry.kind != money::Kind::transfer || entry.category == uncountedToo) return entry.category;
+  const bool isItsSentence =
+      recognition::paymentSentence(*entry.text, entry.amount->currency).has_value();
+  return isItsSentence ? std::string(uncounted) : entry.category;
+}
+
+SMSExtractionResponse responseTo(const LedgerEntry& entry) {
+  if (entry.state == LedgerEntry::State::review) return {.saved = false, .reason = "needs_review"};
+  return {.saved = true,
+          .transaction_type = kindText(entry.kind),
+          .expense = SMSExtractionResponse::SavedExpense{
+              .id = std::to_string(entry.id),
+              .description = entry.description,
+              .amount = platform::doubleFromText(amountText(*entry.amount)).value(),
+              .category = answeredCategory(entry),
+              .expense_date = entry.date}};
+}
+
+// Stores the transaction of `reading`, if it is one, and the answer. Call it in a step.
+Recorded store(book::Book& book, const Reading& reading, const Message& message) {
+  Recorded recorded;
+  SMSExtractionResponse response{.saved = false, .reason = "not_a_transaction"};
+  if (reading.outcome == Outcome::declined) response.reason = "declined";
+  if (reading.outcome == Outcome::transaction || reading.outcome == Outcome::needsReview) {
+    recorded.entry = book.fitted(entryFrom(reading, message));
+    recorded.entry->id = book.add(*recorded.entry);
+    response = responseTo(*recorded.entry);
+  }
+  recorded.answer = response.encode();
+  book.keepAnswer(message.userId, message.idempotencyKey, recorded.answer);
+  return recorded;
+}
+
+}  // namespace
+
+Recorded record(book::Book& book, const Message& message, const MessageReader& read,
+                const std::string& currency) {
+  const auto known = [&] { return book.answer(message.userId, message.idempotencyKey); };
+  if (auto answer = known()) return {*std::move(answer)};
+  const Reading reading = readingFor(book, read, message.text, currency);
+  Recorded recorded;
+  book.inOneStep([&] {
+    auto answer = known();  // of another process that was faster
+    recorded = answer ? Recorded{*std::move(answer)} : store(book, reading, message);
+  });
+  return recorded;
+}
+
+}  // namespace kivo::recording

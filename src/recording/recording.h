@@ -1,0 +1,38 @@
+// A message into the book: reads it, converts its sum, applies corrections, marks look-alikes, and
+// stores it with the answer to its key. Speaks no HTTP.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "book/book.h"
+#include "recording/message_reading.h"
+
+namespace kivo::recording {
+
+/// A message of an extraction request.
+struct Message {
+  std::string text;
+  std::string userId;
+  /// yyyy-MM-dd.
+  std::string expenseDate;
+  /// The same in each attempt to send this message.
+  std::string idempotencyKey;
+};
+
+/// The result of recording a message.
+struct Recorded {
+  /// The response record as JSON.
+  std::string answer;
+  /// The new entry; absent when the key was known, and when the message is no transaction.
+  std::optional<book::LedgerEntry> entry = {};
+};
+
+/// Returns the answer to `message`. A key that this user has sent before gets the same bytes as
+/// then, whatever the text. For a new key, reads the message and stores the key, the answer and the
+/// transaction in one step. `currency` is the currency of the book: a transaction in another one is
+/// converted when a rate is set, and is in review otherwise. Throws BookFailure.
+Recorded record(book::Book& book, const Message& message, const MessageReader& read,
+                const std::string& currency);
+
+}  // namespace kivo::recording

@@ -1,0 +1,48 @@
+#include "recording/rereading.h"
+
+namespace kivo::recording {
+namespace {
+
+using book::LedgerEntry;
+using recognition::Outcome;
+
+// The sum of `entry` as it is booked; absent when it cannot be.
+std::optional<BookedSum> bookableSum(const book::Book& book, const LedgerEntry& entry,
+                                     const std::string& currency) {
+  const bool canBe =
+      entry.state != LedgerEntry::State::setAside && entry.amount && isBookable(*entry.amount);
+  if (!canBe) return std::nullopt;
+  const bool isForeign =
+      entry.state == LedgerEntry::State::review && entry.amount->currency != currency;
+  const auto rate = isForeign ? book.rate(entry.amount->currency) : std::nullopt;
+  if (!rate) return BookedSum{*entry.amount};
+  const auto converted = rate->convert(*entry.amount, currency);
+  if (!converted) return std::nullopt;
+  return BookedSum{*converted, rate};
+}
+
+}  // namespace
+
+std::optional<BookedSum> accept(book::Book& book, std::int64_t id, const std::string& currency) {
+  std::optional<BookedSum> sum;
+  book.inOneStep([&] {
+    const auto entry = book.entry(id);
+    if (entry) sum = bookableSum(book, *entry, currency);
+    if (sum) book.bookWith(id, sum->amount);
+  });
+  return sum;
+}
+
+std::optional<LedgerEntry> reread(const book::Book& book, std::int64_t id,
+                                  const MessageReader& read, const std::string& currency) {
+  auto found = book.entry(id);
+  if (!found || !found->text) return std::nullopt;
+  const recognition::Reading reading = readingFor(book, read, *found->text, currency);
+  if (reading.outcome != Outcome::transaction && reading.outcome != Outcome::needsReview) {
+    return std::nullopt;
+  }
+  apply(reading, *found);
+  return book.fitted(*std::move(found));
+}
+
+}  // namespace kivo::recording

@@ -1,0 +1,79 @@
+#include "money/money.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace kivo::money {
+namespace {
+
+TEST(AnAmountText, HasTheDecimalsOfItsCurrency) {
+  EXPECT_EQ(amountText({15000, "EGP"}), "150.00");
+  EXPECT_EQ(amountText({4250, "KWD"}), "4.250");
+  EXPECT_EQ(amountText({150, "JPY"}), "150");
+  EXPECT_EQ(amountText({5, "EGP"}), "0.05");
+  EXPECT_EQ(amountText({-5, "EGP"}), "-0.05");
+  EXPECT_EQ(amountText({0, "EGP"}), "0.00");
+}
+
+TEST(AnAmountText, CoversTheSmallestAndTheLargestAmount) {
+  EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::min(), "EGP"}), "-92233720368547758.08");
+  EXPECT_EQ(amountText({std::numeric_limits<std::int64_t>::max(), "EGP"}), "92233720368547758.07");
+}
+
+TEST(ACurrencyCode, IsInUpperCase) {
+  EXPECT_EQ(currencyCode("egp"), "EGP");
+  EXPECT_EQ(currencyCode("Usd"), "USD");
+  EXPECT_EQ(currencyCode("ж"), "ж");
+}
+
+TEST(AnAmountText, IsParsedIntoMinorUnits) {
+  EXPECT_EQ(moneyFromText("150", "EGP"), (Money{15000, "EGP"}));
+  EXPECT_EQ(moneyFromText("150.5", "EGP"), (Money{15050, "EGP"}));
+  EXPECT_EQ(moneyFromText("-0.05", "EGP"), (Money{-5, "EGP"}));
+  EXPECT_EQ(moneyFromText("4.250", "KWD"), (Money{4250, "KWD"}));
+  EXPECT_EQ(moneyFromText("90071992547409.92", "EGP"), (Money{largestSum, "EGP"}));
+  EXPECT_EQ(moneyFromText("-90071992547409.92", "EGP"), (Money{-largestSum, "EGP"}));
+}
+
+TEST(AnAmountText, IsRefusedWhenItIsNoAmountOfItsCurrency) {
+  for (const char* const text : {"", "-", ".5", "5.", "1,5", "1e3", " 1", "+1", "0x1", "nan",
+                                 "1.2.3", "1.005", "90071992547409.93", "-90071992547409.93",
+                                 "-92233720368547758.08", "99999999999999999999"}) {
+    EXPECT_EQ(moneyFromText(text, "EGP"), std::nullopt) << text;
+  }
+  EXPECT_EQ(moneyFromText("1.5", "JPY"), std::nullopt);
+}
+
+TEST(AnAmountText, MayHaveCommasBetweenThousands) {
+  EXPECT_EQ(moneyFromText("1,189.50", "EGP"), (Money{118950, "EGP"}));
+  EXPECT_EQ(moneyFromText("12,345,678", "EGP"), (Money{1234567800, "EGP"}));
+  EXPECT_EQ(moneyFromText("123,456.7", "EGP"), (Money{12345670, "EGP"}));
+}
+
+TEST(AnAmountText, IsRefusedWithACommaElsewhere) {
+  for (const char* const text :
+       {"1,18.50", "1189,50", "1,1895", "1,189,50", "1234,567", "1,234567", ",189", "189,", "0,189",
+        "1,,189", "1.189,50", "1,189.5,0", "12,34,567", "1'189", "1 189"}) {
+    EXPECT_EQ(moneyFromText(text, "EGP"), std::nullopt) << text;
+  }
+}
+
+TEST(ASumOfMoney, IsBookableAboveZeroUpToTheLargestSum) {
+  EXPECT_TRUE(isBookable({1, "EGP"}));
+  EXPECT_TRUE(isBookable({9007199254740992, "EGP"}));
+  EXPECT_FALSE(isBookable({0, "EGP"}));
+  EXPECT_FALSE(isBookable({-1, "EGP"}));
+  EXPECT_FALSE(isBookable({9007199254740993, "EGP"}));
+}
+
+TEST(ACurrency, IsKnownByItsCodeInCapitals) {
+  EXPECT_TRUE(isCurrency("AED"));
+  EXPECT_TRUE(isCurrency("ZMW"));
+  EXPECT_FALSE(isCurrency("aed"));
+  EXPECT_FALSE(isCurrency("ABC"));
+  EXPECT_FALSE(isCurrency(""));
+}
+
+}  // namespace
+}  // namespace kivo::money

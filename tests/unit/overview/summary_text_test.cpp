@@ -1,0 +1,144 @@
+#include <sstream>
+
+#include <gmock/gmock.h>
+
+#include "overview/summary_view.h"
+#include "platform/linux/terminal/text_columns.h"
+#include "testkit/private_folders.h"
+
+namespace kivo::overview {
+namespace {
+
+using linux_platform::columnsOf;
+using testing::Each;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Le;
+using testing::Not;
+using testing::ResultOf;
+
+using Look = SummaryView::Look;
+
+class ASummaryText : public testing::Test {
+ protected:
+  ASummaryText() {
+    summary_.month = "2026-11";
+    summary_.currency = "EGP";
+    summary_.sums = {.expense = 125050, .income = 1850000, .transfer = 0, .transactions = 7};
+    summary_.previous = {.expense = 99, .income = 0, .transfer = 5000, .transactions = 2};
+    summary_.categories = {{"Groceries", 100000, 99}, {"Transport", 25050, 0}, {"Rent", 0, 50}};
+    summary_.payees = {{"Carrefour City", 100000, 12}, {"Uber", 25050, 1}};
+  }
+  [[nodiscard]] std::string text(const Look& look = {}) const {
+    return SummaryView::text(summary_, "2026-12", look);
+  }
+  static std::vector<std::string> linesOf(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+  }
+
+  testkit::PrivateFolders folders_;
+  MonthSummary summary_;
+};
+
+TEST_F(ASummaryText, ShowsAMonthBesideTheMonthBefore) {
+  EXPECT_EQ(text(),
+            "November 2026, in EGP\n"
+            "beside October 2026\n"
+            "\n"
+            "      Nov    Oct\n"
+            " 1,250.50   0.99  Spent\n"
+            "18,500.00   0.00  Received\n"
+            "     0.00  50.00  Transferred\n"
+            "\n"
+            "Spent on\n"
+            " 1,000.00   0.99  ████████████████████████  Groceries\n"
+            "   250.50   0.00  ██████                    Transport\n"
+            "     0.00   0.50                            Rent\n"
+            "\n"
+            "Biggest payees\n"
+            "1,000.00  12x  Carrefour City\n"
+            "  250.50   1x  Uber\n");
+}
+
+TEST_F(ASummaryText, NamesTheEntriesThatAreLeftOut) {
+  summary_.leftOut = {3, 12};
+  EXPECT_THAT(text({.width = 40}), EndsWith("\n\nLeft out of the sums, since their\n"
+                                            "amounts are too large or not above zero:\n"
+                                            "3, 12. kivo-ledger edit ID --amount\n"
+                                            "corrects one.\n"));
+  summary_.leftOut = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  EXPECT_THAT(text({.width = 200}), HasSubstr(": 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 and 2 more. "));
+}
+
+TEST_F(ASummaryText, SaysThatTheMonthStillRuns) {
+  EXPECT_THAT(SummaryView::text(summary_, "2026-11", {}),
+              testing::StartsWith("November 2026 so far, in EGP\nbeside all of October 2026\n"));
+}
+
+TEST_F(ASummaryText, FitsInFortyColumnsWithItsBars) {
+  summary_.categories[1].name = "A category with a name that is too long for any column";
+  summary_.payees[0].description = "A payee with a name that is too long for any column";
+  const std::string narrow = text({.width = 40});
+  EXPECT_THAT(linesOf(narrow), Each(ResultOf(columnsOf, Le(40U))));
+  EXPECT_THAT(narrow, HasSubstr(" 1,000.00   0.99  ██"));
+  EXPECT_THAT(narrow, HasSubstr("…\n"));
+}
+
+TEST_F(ASummaryText, LeavesOutTheBarsBeforeASum) {
+  EXPECT_THAT(text({.width = 20}), HasSubstr(" 1,000.00   0.99  Groceries\n"));
+}
+
+TEST_F(ASummaryText, PutsNamesAtTheEndOfTheirLines) {
+  summary_.categories[0].name = "بقالة";
+  summary_.payees[0].description = "مطعم أبو طارق";
+  EXPECT_THAT(text(), HasSubstr("█  بقالة\n"));
+  EXPECT_THAT(text(), HasSubstr("1,000.00  12x  مطعم أبو طارق\n"));
+}
+
+TEST_F(ASummaryText, IsAlignedInTheDigitsOfTheLocale) {
+  const testkit::ScopedVariable arabic("LC_ALL", "ar_EG.UTF-8");
+  EXPECT_THAT(text(), HasSubstr(" ١٬٢٥٠٫٥٠\u200e   ٠٫٩٩\u200e  Spent\n"));
+  EXPECT_THAT(text(), HasSubstr("١٨٬٥٠٠٫٠٠\u200e   ٠٫٠٠\u200e  Received\n"));
+}
+
+TEST_F(ASummaryText, HasNoControlCharactersOfAMessage) {
+  summary_.categories[0].name = "a\x1b[2Jb";
+  summary_.payees[0].description = "line\nbreak \u202e";
+  summary_.currency = "E\x07P";
+  EXPECT_THAT(text(), HasSubstr("  a\\x1b[2Jb\n"));
+  EXPECT_THAT(text(), HasSubstr("line\\nbreak \\u202e\n"));
+  EXPECT_THAT(text(), Not(HasSubstr("\x07")));
+}
+
+TEST_F(ASummaryText, IsColouredOnlyWhenAskedTo) {
+  EXPECT_THAT(text(), Not(HasSubstr("\x1b")));
+  EXPECT_THAT(text({.style = Look::Style::coloured}), HasSubstr("\x1b[1mSpent on\x1b[0m\n"));
+}
+
+TEST_F(ASummaryText, ListsOtherCurrenciesApart) {
+  summary_.otherCurrencies = {{"KWD", {.expense = 12005, .income = 5}}, {"USD", {.transfer = 100}}};
+  EXPECT_THAT(text(), HasSubstr("\nBesides, in other currencies\n"
+                                "KWD 12.005 spent\n"
+                                "KWD 0.005 received\n"
+                                "USD 1.00 transferred\n"));
+}
+
+TEST_F(ASummaryText, SaysHowManyWaitInReview) {
+  summary_.review = 1;
+  EXPECT_THAT(text(), EndsWith("\n\n1 transaction waits in review:\nkivo-ledger review\n"));
+  summary_.review = 2;
+  EXPECT_THAT(text(), EndsWith("\n\n2 transactions wait in review:\nkivo-ledger review\n"));
+}
+
+TEST_F(ASummaryText, OfAnEmptyMonthIsOneSentence) {
+  summary_ = {};
+  summary_.month = "2026-02";
+  summary_.currency = "EGP";
+  EXPECT_EQ(text(), "Nothing is booked in February 2026.\n");
+}
+
+}  // namespace
+}  // namespace kivo::overview

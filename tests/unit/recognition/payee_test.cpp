@@ -1,0 +1,71 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "recognition/reading.h"
+
+// Where the name of the other party begins and ends. The merchants and people do not exist.
+
+namespace kivo::recognition {
+namespace {
+
+std::string payeeOf(std::string_view message) { return read(message, "EGP").payee; }
+
+TEST(AName, BeginsBehindAMaskedAccount) {
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to *1234 Ahmad Samir"), "Ahmad Samir");
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to ****; Ahmad Samir"), "Ahmad Samir");
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to ****1234 - Ahmad Samir"), "Ahmad Samir");
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to 0722000000 - JANE DOE"), "JANE DOE");
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to ****"), "");
+}
+
+TEST(AName, MayBeginWithAHouseNumber) {
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at 1234 Fern Street on 21-11-2026"), "1234 Fern Street");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at 12345 Fern Street on 21-11-2026"), "Fern Street");
+}
+
+TEST(AName, MayHoldANumberOfFourDigits) {
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Route 6600 on 21-11-2026"), "Route 6600");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Route 66001 on 21-11-2026"), "Route");
+}
+
+TEST(AName, MayBeginWithATitleOfThreeLetters) {
+  EXPECT_EQ(payeeOf("You paid EGP 50.00 to Mrs. Mona Samir on 21-11-2026"), "Mrs. Mona Samir");
+}
+
+TEST(AName, HasACapitalBehindAPreposition) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited to another wallet"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited to zero fee pots"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited to anna@pay"), "anna@pay");
+}
+
+TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited from a/c 4821; Mona Samir has just been credited"),
+            "Mona Samir");
+  EXPECT_EQ(payeeOf("Has been credited EGP 50.00"), "");
+}
+
+TEST(AName, EndsAtAMark) {
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at Sun Market (online) today"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET (online) today"), "SUN MARKET");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at Sun Market; thanks"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET, APPROVED"), "SUN MARKET");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET, AUSTIN for food"), "SUN MARKET, AUSTIN");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET (TST) was approved"), "SUN MARKET (TST)");
+}
+
+TEST(AName, MayHoldAnArticle) {
+  EXPECT_EQ(payeeOf("Compra de EGP 20.00 en Panaderia El Sol"), "Panaderia El Sol");
+}
+
+TEST(AName, OfTheCardIsNotThePayees) {
+  EXPECT_EQ(payeeOf("EGP 48.13 spent, Kite Bank Card 1234"), "");
+}
+
+TEST(AMessage, MayEndWhereANameShouldFollow) {
+  EXPECT_EQ(payeeOf("Balance EGP 900.00. EGP 20.00 at"), "");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at\n"), "");
+}
+
+}  // namespace
+}  // namespace kivo::recognition

@@ -1,0 +1,226 @@
+#include <array>
+#include <cstdint>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "recognition/reading.h"
+#include "unit/recognition/reading_text.h"
+
+namespace kivo::recognition {
+
+using money::Money;
+
+namespace {
+
+std::string of(std::string_view message, std::string_view book) {
+  return readingText(read(message, book), book, false);
+}
+
+TEST(AStatedCurrency, MayBeJoinedToItsAmount) {
+  EXPECT_EQ(of("Paid SAR150 to Oasis", "SAR"), "expense 150.00");
+  EXPECT_EQ(of("Paid 150SAR to Oasis", "SAR"), "expense 150.00");
+  EXPECT_EQ(of("شراء بـSAR 150 لدى متجر الورد", "SAR"), "expense 150.00");
+  EXPECT_EQ(of("N150.00 debited", "NGN"), "expense 150.00");
+}
+
+TEST(AStatedCurrency, MayBeWrittenTwice) {
+  EXPECT_EQ(of("INR Rs.15000.00 credited", "INR"), "income 15000.00");
+  EXPECT_EQ(of("$500.00 MXN debited", "USD"), "review MXN 500.00");
+}
+
+TEST(AnAmbiguousSign, IsReadAsTheBooksCurrencyWhenThatUsesIt) {
+  EXPECT_EQ(of("You spent $12.99 at Maple", "CAD"), "expense 12.99");
+  EXPECT_EQ(of("You spent $12.99 at Maple", "EGP"), "review USD 12.99");
+  EXPECT_EQ(of("Rs.100 debited from a/c 12", "PKR"), "expense 100.00");
+  EXPECT_EQ(of("Rs.100 debited from a/c 12", "AED"), "review INR 100.00");
+  EXPECT_EQ(of("You spent £7.20 at Kettle", "EGP"), "review GBP 7.20");
+}
+
+TEST(AnArticle, IsNotPartOfADollarSign) {
+  EXPECT_EQ(of("You made a $18.20 purchase at Maple", "USD"), "expense 18.20");
+}
+
+TEST(AReference, IsNoAmountEvenWhenItsLettersAreACurrency) {
+  EXPECT_EQ(of("AED 500.00 transferred to Salem Ali. Transfer reference FT2610", "AED"),
+            "expense 500.00");
+}
+
+TEST(AnAccountNumber, IsNoAmount) {
+  EXPECT_EQ(of("TK 0221xxx: 250,000VND debited", "VND"), "expense 250000");
+  EXPECT_EQ(of("Card 4821 EGP 50.00 purchase at Metro", "EGP"), "expense 50.00");
+  EXPECT_EQ(of("A/c 1***2222 debited with ETB 25.00", "ETB"), "expense 25.00");
+}
+
+TEST(ADateInAMessage, IsNoAmountAndEndsTheOneBeforeIt) {
+  EXPECT_EQ(of("Rs.5000.00,21-11-2026 debited from A/c XX12", "INR"), "expense 5000.00");
+  EXPECT_EQ(of("Achat de 42,00 € chez Lune le 12/10", "EUR"), "expense 42.00");
+}
+
+TEST(BlanksBetweenDigits, GroupThousandsWhereThatIsTheConvention) {
+  EXPECT_EQ(of("R1 234.50 paid", "ZAR"), "expense 1234.50");
+  EXPECT_EQ(of("Achat de 1 234,56 EUR chez Lune", "EUR"), "expense 1234.56");
+}
+
+TEST(BlanksBetweenDigits, RequireAReviewElsewhere) {
+  EXPECT_EQ(of("Rs 1 234.00 debited", "INR"), "review ?");
+  EXPECT_EQ(of("You paid 1 234 USD at Maple", "USD"), "review ?");
+}
+
+TEST(AnAmountThatCanBeReadInTwoWays, RequiresAReview) {
+  EXPECT_EQ(of("Rs 5.250 debited from a/c 12", "INR"), "review ?");
+  EXPECT_EQ(of("Rs 5 lakh debited from a/c 12", "INR"), "review ?");
+  EXPECT_EQ(of("99999999999999999999 EGP debited", "EGP"), "review ?");
+}
+
+// Each form of a number in front of its currency, behind it, and joined to it.
+TEST(ANumberThatCanBeReadInTwoWays, RequiresAReview) {
+  for (const std::string number : {"1e3",
+                                   "1E3",
+                                   "1e308",
+                                   "1.5e3",
+                                   "1e+3",
+                                   "1e-3",
+                                   "1_000",
+                                   "1,0000",
+                                   "1,000,00",
+                                   "500 00",
+                                   "5²",
+                                   "5¹⁰",
+                                   "5½",
+                                   "5⅓",
+                                   "1·000",
+                                   "1´000",
+                                   "5×10",
+                                   "2^10",
+                                   "1,,000",
+                                   "1, 000",
+                                   "1-000",
+                                   "500-1000",
+                                   "1/000",
+                                   "1 234",
+                                   "1234,500",
+                                   "01,500",
+                                   "5万",
+                                   "90071992547409.93",
+                                   "92233720368547758.07",
+                                   "99999999999999999999"}) {
+    for (const std::string& sum : {"EGP " + number, number + " EGP", number + "EGP"}) {
+      const std::string message = "Your card was charged " + sum + " at Netflix.";
+      EXPECT_EQ(of(message, "EGP"), "review ?") << message;
+    }
+  }
+}
+
+TEST(AMultipliedNumber, RequiresAReview) {
+  EXPECT_EQ(of("Your card was charged EGP 5 million at Netflix.", "EGP"), "review ?");
+  EXPECT_EQ(of("Your card was charged 5 million EGP at Netflix.", "EGP"), "review ?");
+  EXPECT_EQ(of("Your card was charged EGP 5M at Netflix.", "EGP"), "review ?");
+}
+
+TEST(ANumberOfAnOrdinaryForm, IsNoReview) {
+  const auto booked = [](const std::string& sum, std::string_view book) {
+    return of("Your card was charged " + sum + " at Netflix.", book);
+  };
+  EXPECT_EQ(booked("EGP 1,234.50", "EGP"), "expense 1234.50");
+  EXPECT_EQ(booked("1.234,50 EUR", "EUR"), "expense 1234.50");
+  EXPECT_EQ(booked("1 234,50 EUR", "EUR"), "expense 1234.50");
+  EXPECT_EQ(booked("INR 12,34,567.00", "INR"), "expense 1234567.00");
+  EXPECT_EQ(booked("EGP ١٬٢٣٤٫٥٠", "EGP"), "expense 1234.50");
+  EXPECT_EQ(booked("CHF 1'234.50", "CHF"), "expense 1234.50");
+  EXPECT_EQ(booked("CHF 1’234.50", "CHF"), "expense 1234.50");
+  EXPECT_EQ(booked("EGP 500", "EGP"), "expense 500.00");
+  EXPECT_EQ(booked("Rs.500/-", "INR"), "expense 500.00");
+  EXPECT_EQ(booked("EGP 90,071,992,547,409.92", "EGP"), "expense 90071992547409.92");
+}
+
+TEST(ANumberBesideOtherNumbers, IsNoReview) {
+  EXPECT_EQ(of("EGP 500 12/05/2026 14:32 charged at Netflix", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("EGP 500 21 Nov 2026 charged at Netflix", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("Card 4821 500 EGP charged at Netflix", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("EGP 500.00 12 Oct charged at Netflix, ref 4821_77", "EGP"), "expense 500.00");
+  EXPECT_EQ(of("EGP 500 charged at 7-Eleven", "EGP"), "expense 500.00");
+}
+
+// The whole number that the digits of `written` make, without their separators.
+std::uint64_t digitsOf(std::string_view written) {
+  std::uint64_t digits = 0;
+  for (const char character : written) {
+    if (character >= '0' && character <= '9') {
+      digits = digits * 10 + static_cast<std::uint64_t>(character - '0');
+    }
+  }
+  return digits;
+}
+
+// Whether `units` is all digits of `written`, with none or up to three of them behind its last
+// separator, which is a point or a comma.
+bool isWhole(std::int64_t units, std::string_view written) {
+  constexpr std::uint64_t hundredths = 100;
+  const std::uint64_t all = digitsOf(written) * hundredths;
+  const std::size_t last = written.find_last_not_of("0123456789");
+  const auto booked = static_cast<std::uint64_t>(units);
+  if (booked == all) return true;
+  if (last == std::string_view::npos || (written[last] != '.' && written[last] != ','))
+    return false;
+  const std::size_t decimals = written.size() - last - 1;
+  std::uint64_t power = 1;
+  for (std::size_t count = 0; count < decimals; ++count) power *= 10;
+  return booked * power == all && (decimals <= 3 || written[last] == '.');
+}
+
+TEST(ABookedSum, IsAllThatIsWrittenBesideItsCurrency) {
+  constexpr auto parts =
+      std::to_array<std::string_view>({"0", "1", "5", "00", "50", "000", "234", "0000", "1", "7"});
+  constexpr auto joins = std::to_array<std::string_view>(
+      {".", ",", "'", "_", "e", "E", ",,", ".,", "²", "·", "½", "", ".", ","});
+  constexpr auto groups = std::to_array<std::string_view>({"1", "50", "00", "000", "234"});
+  constexpr auto blank = std::to_array<std::string_view>({" "});
+  std::mt19937 random(20261121);  // the same numbers in each run
+  const auto any = [&random](const auto& of) { return std::string(of[random() % of.size()]); };
+  const auto number = [&](const auto& pieces, const auto& between) {
+    std::string text = any(pieces);
+    for (auto more = random() % 4; more > 0; --more) text += any(between) + any(pieces);
+    return text;
+  };
+  int booked = 0;
+  for (int count = 0; count < 4000; ++count) {
+    const std::string written = count % 4 == 0 ? number(groups, blank) : number(parts, joins);
+    const std::string sum = random() % 2 == 0 ? "EGP " + written : written + " EGP";
+    const Reading reading = read("Your card was charged " + sum + " at Netflix.", "EGP");
+    if (reading.outcome != Outcome::transaction) continue;
+    ++booked;
+    EXPECT_TRUE(isWhole(reading.amount->minorUnits, written))
+        << sum << " is booked as " << amountText(*reading.amount);
+  }
+  EXPECT_GT(booked, 400);
+}
+
+TEST(TwoPossibleAmounts, RequireAReview) {
+  EXPECT_EQ(of("EGP 20.00 EGP 30.00 debited from your card", "EGP"), "review 20.00");
+}
+
+TEST(AnAmountInTwoCurrencies, IsReadInTheBooksCurrency) {
+  EXPECT_EQ(of("Purchase USD 20.00 (EGP 980.00) at Cloud", "EGP"), "expense 980.00");
+  EXPECT_EQ(of("Purchase USD 20.00 at Cloud. Available limit EGP 980.00", "EGP"),
+            "review USD 20.00");
+}
+
+TEST(AReading, HasAccountReferenceAndBalance) {
+  const Reading reading = read(
+      "Rs.450.00 debited from A/c XX5521 to RAVI TRADERS. Ref No 628811204417. Avl Bal Rs.900.50",
+      "INR");
+  EXPECT_EQ(reading.account, "5521");
+  EXPECT_EQ(reading.reference, "628811204417");
+  EXPECT_EQ(reading.balance, (Money{90050, "INR"}));
+  EXPECT_EQ(reading.payee, "RAVI TRADERS");
+}
+
+TEST(AReading, PrefersTheUsersAccountToThePayees) {
+  EXPECT_EQ(read("PKR 100.00 sent to BILAL KHAN A/C *9901 via IBFT from A/C *1234", "PKR").account,
+            "1234");
+}
+
+}  // namespace
+}  // namespace kivo::recognition
