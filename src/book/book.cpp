@@ -81,20 +81,33 @@ std::int64_t Book::reviewCount() const {
   return next(query) ? query.integer(0) : 0;
 }
 
-Counted Book::counted(const std::string& from, const std::string& to) const {
-  return countedBetween(file_->database, from, to);
+Counted Book::counted(const money::Period& period) const {
+  return countedIn(file_->database, period);
 }
 
-std::vector<GroupSum> Book::sums(Grouping grouping, const std::string& from, const std::string& to,
-                                 std::int64_t largest) const {
-  return sumsBetween(file_->database, grouping, from, to, largest);
+std::vector<GroupSum<money::Month>> Book::sumsByMonth(const money::Period& period,
+                                                      std::int64_t largest) const {
+  return book::sumsByMonth(file_->database, {period, largest});
+}
+
+std::vector<GroupSum<money::Day>> Book::sumsByDay(const money::Period& period,
+                                                  std::int64_t largest) const {
+  return book::sumsByDay(file_->database, {period, largest});
+}
+
+std::vector<GroupSum<std::string>> Book::sumsByName(Names names, const money::Period& period,
+                                                    std::int64_t largest) const {
+  return book::sumsByName(file_->database, names, {period, largest});
 }
 
 bool Book::edit(std::int64_t id, const EntryChange& change) {
   WriteTransaction transaction(file_->database);
   auto edited = entry(id);
   if (!edited) return false;
-  if (change.date) edited->date = *change.date;
+  if (change.date) {
+    edited->date = *change.date;
+    edited->impossibleDate.reset();
+  }
   if (change.kind) edited->kind = *change.kind;
   if (change.amount) edited->amount = change.amount;
   if (change.description) edited->description = *change.description;

@@ -15,12 +15,12 @@
 
 namespace kivo::book {
 
-/// Selects entries. An empty text selects all.
+/// Selects entries. An empty text or an absent day selects all.
 struct EntryFilter {
   LedgerEntry::State state = LedgerEntry::State::booked;
-  /// The first and the last day, yyyy-MM-dd.
-  std::string from = {};
-  std::string to = {};
+  /// The first and the last day.
+  std::optional<money::Day> from = {};
+  std::optional<money::Day> to = {};
   /// The whole name, in any case and accents.
   std::string category = {};
   /// A part of description, category, account or reference. ASCII letters match in either case.
@@ -29,13 +29,14 @@ struct EntryFilter {
   std::int64_t most = -1;
 };
 
-/// How sums are grouped. Names that differ only in the case of ASCII letters are one group.
-enum class Grouping { month, day, category, description };
+/// The names by which sums are grouped. Those that differ only in the case of ASCII letters are one
+/// group.
+enum class Names { category, description };
 
 /// The sum of the booked transactions of one group, one kind and one currency.
+template <typename Group>
 struct GroupSum {
-  /// The month (yyyy-MM), the day (yyyy-MM-dd) or the name.
-  std::string group;
+  Group group;
   money::Kind kind = money::Kind::expense;
   money::Money sum;
   std::int64_t transactions = 0;
@@ -52,7 +53,7 @@ struct Counted {
 
 /// The user's changes to an entry. Absent members do not change.
 struct EntryChange {
-  std::optional<std::string> date = {};
+  std::optional<money::Day> date = {};
   std::optional<money::Kind> kind = {};
   std::optional<money::Money> amount = {};
   std::optional<std::string> description = {};
@@ -97,14 +98,18 @@ class Book {
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
   /// Returns the number of entries in review.
   [[nodiscard]] std::int64_t reviewCount() const;
-  /// Returns the booked entries from the day `from` to the day `to`, inclusive, that sums count.
-  /// `largest` is `largestSum`, or less where the sum of all would exceed 64 bits.
-  [[nodiscard]] Counted counted(const std::string& from, const std::string& to) const;
-  /// Returns the sums of the booked entries from the day `from` to the day `to`, inclusive, in no
-  /// particular order. Counts amounts above zero up to `largest`, that of a period that includes
-  /// these days.
-  [[nodiscard]] std::vector<GroupSum> sums(Grouping grouping, const std::string& from,
-                                           const std::string& to, std::int64_t largest) const;
+  /// Returns the booked entries of `period` that sums count. `largest` is `largestSum`, or less
+  /// where the sum of all would exceed 64 bits.
+  [[nodiscard]] Counted counted(const money::Period& period) const;
+  /// Return the sums of the booked entries of `period`, in no particular order. Count amounts above
+  /// zero up to `largest`, that of a period that includes this one.
+  [[nodiscard]] std::vector<GroupSum<money::Month>> sumsByMonth(const money::Period& period,
+                                                                std::int64_t largest) const;
+  [[nodiscard]] std::vector<GroupSum<money::Day>> sumsByDay(const money::Period& period,
+                                                            std::int64_t largest) const;
+  [[nodiscard]] std::vector<GroupSum<std::string>> sumsByName(Names names,
+                                                              const money::Period& period,
+                                                              std::int64_t largest) const;
 
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category
   /// that is not empty also applies to later messages of the same payee. A category gets the

@@ -1,83 +1,77 @@
 #include "book/book_sums.h"
 
 #include <limits>
+#include <optional>
 
 #include "book/book_file.h"
-#include "money/calendar_day.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
-
-using money::isDay;
-using money::isMonth;
-using money::kindFromText;
-using money::largestSum;
-
 namespace {
 
 using linux_platform::Statement;
 
-// The group of a transaction.
-const char* expressionFor(Grouping grouping) {
-  switch (grouping) {
-    case Grouping::month:
-      return "substr(date, 1, 7)";
-    case Grouping::day:
-      return "date";
-    case Grouping::category:
-      return "category";
-    case Grouping::description:
-      return "description";
-  }
-  return "";
-}
-
-// A damaged file may hold any bytes.
-bool isPossible(Grouping grouping, std::string_view group) {
-  if (grouping == Grouping::month) return isMonth(group);
-  return grouping != Grouping::day || isDay(group);
-}
-
-}  // namespace
-
-Counted countedBetween(sqlite3* database, const std::string& from, const std::string& to) {
-  Counted counted;
-  // Multiples of 1024, so that their sum fits.
-  Statement adding(database, R"(
-    SELECT count(*), sum((minor_units >> 10) + 1) FROM transactions
-    WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?)");
-  adding.bind(from).bind(to).bind(largestSum);
-  constexpr auto most = std::numeric_limits<std::int64_t>::max();
-  if (next(adding) && adding.integer(1) > most >> 10) counted.largest = most / adding.integer(0);
-  Statement query(database, R"(
-    SELECT id FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ?
-      AND (minor_units BETWEEN 1 AND ?) IS NOT TRUE ORDER BY id)");
-  query.bind(from).bind(to).bind(counted.largest);
-  while (next(query)) counted.leftOut.push_back(query.integer(0));
-  return counted;
-}
-
-std::vector<GroupSum> sumsBetween(sqlite3* database, Grouping grouping, const std::string& from,
-                                  const std::string& to, std::int64_t largest) {
-  const std::string group = expressionFor(grouping);
-  const std::string sql = "SELECT min(" + group +
+// The sums of the groups that `expression` makes of a row. `groupOf` reads the text of a group, and
+// returns nullopt where a damaged file holds none.
+template <typename GroupOf>
+auto sumsBy(sqlite3* database, const std::string& expression, const SumScope& scope,
+            GroupOf groupOf) {
+  const std::string sql = "SELECT min(" + expression +
                           "), kind, sum(minor_units), currency, count(*) FROM transactions "
                           "WHERE state = 'booked' AND date BETWEEN ? AND ? AND "
                           "minor_units BETWEEN 1 AND ? GROUP BY " +
-                          group + " COLLATE NOCASE, kind, currency";
+                          expression + " COLLATE NOCASE, kind, currency";
   Statement query(database, sql.c_str());
-  query.bind(from).bind(to).bind(largest);
-  std::vector<GroupSum> found;
+  const std::string first = scope.period.first.text();
+  const std::string last = scope.period.last.text();
+  query.bind(first).bind(last).bind(scope.largest);
+  using Group = typename decltype(groupOf(std::string()))::value_type;
+  std::vector<GroupSum<Group>> found;
   while (next(query)) {
-    const std::string name = platform::repairedUtf8(query.text(0));
-    const auto kind = kindFromText(query.text(1));
-    if (!kind || !isPossible(grouping, name)) continue;
-    found.push_back({.group = name,
+    const auto group = groupOf(platform::repairedUtf8(query.text(0)));
+    const auto kind = money::kindFromText(query.text(1));
+    if (!kind || !group) continue;
+    found.push_back({.group = *group,
                      .kind = *kind,
                      .sum = {query.integer(2), platform::repairedUtf8(query.text(3))},
                      .transactions = query.integer(4)});
   }
   return found;
+}
+
+}  // namespace
+
+Counted countedIn(sqlite3* database, const money::Period& period) {
+  const std::string first = period.first.text();
+  const std::string last = period.last.text();
+  Counted counted;
+  // Multiples of 1024, so that their sum fits.
+  Statement adding(database, R"(
+    SELECT count(*), sum((minor_units >> 10) + 1) FROM transactions
+    WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?)");
+  adding.bind(first).bind(last).bind(money::largestSum);
+  constexpr auto most = std::numeric_limits<std::int64_t>::max();
+  if (next(adding) && adding.integer(1) > most >> 10) counted.largest = most / adding.integer(0);
+  Statement query(database, R"(
+    SELECT id FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ?
+      AND (minor_units BETWEEN 1 AND ?) IS NOT TRUE ORDER BY id)");
+  query.bind(first).bind(last).bind(counted.largest);
+  while (next(query)) counted.leftOut.push_back(query.integer(0));
+  return counted;
+}
+
+std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScope& scope) {
+  return sumsBy(database, "substr(date, 1, 7)", scope, money::Month::fromText);
+}
+
+std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope) {
+  return sumsBy(database, "date", scope, money::Day::fromText);
+}
+
+std::vector<GroupSum<std::string>> sumsByName(sqlite3* database, Names names,
+                                              const SumScope& scope) {
+  return sumsBy(database, names == Names::category ? "category" : "description", scope,
+                [](std::string name) { return std::optional(std::move(name)); });
 }
 
 }  // namespace kivo::book

@@ -1,4 +1,4 @@
-// Counts and adds booked entries.
+// Counts and adds booked entries. The functions throw BookFailure.
 #pragma once
 
 #include <cstdint>
@@ -11,10 +11,17 @@ struct sqlite3;
 
 namespace kivo::book {
 
-/// As Book::counted. Throws BookFailure, as the next does.
-Counted countedBetween(sqlite3* database, const std::string& from, const std::string& to);
-/// As Book::sums.
-std::vector<GroupSum> sumsBetween(sqlite3* database, Grouping grouping, const std::string& from,
-                                  const std::string& to, std::int64_t largest);
+/// The amounts that a sum counts: those of `period`, from 1 to `largest`.
+struct SumScope {
+  money::Period period;
+  std::int64_t largest;
+};
+
+/// As the functions of Book.
+Counted countedIn(sqlite3* database, const money::Period& period);
+std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScope& scope);
+std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope);
+std::vector<GroupSum<std::string>> sumsByName(sqlite3* database, Names names,
+                                              const SumScope& scope);
 
 }  // namespace kivo::book

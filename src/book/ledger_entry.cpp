@@ -2,11 +2,7 @@
 
 #include <algorithm>
 
-#include "money/calendar_day.h"
-
 namespace kivo::book {
-
-using money::isDay;
 
 namespace {
 
@@ -44,7 +40,7 @@ std::optional<LedgerEntry::State> stateFromText(std::string_view text) {
 }
 
 std::string_view impossibleValue(const LedgerEntry& entry) {
-  if (!isDay(entry.date)) return "date";
+  if (entry.impossibleDate) return "date";
   if (!entry.amount) return entry.state == LedgerEntry::State::booked ? "amount" : "";
   if (!isBookable(*entry.amount)) return "amount";
   return isCodeShaped(entry.amount->currency) ? "" : "currency";

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "money/day.h"
 #include "money/kind.h"
 #include "money/money.h"
 
@@ -24,8 +25,7 @@ struct LedgerEntry {
   /// The idempotency key of its message, and the user that sent it.
   std::string key;
   std::string userId;
-  /// yyyy-MM-dd.
-  std::string date;
+  money::Day date;
   money::Kind kind = money::Kind::expense;
   /// Above zero; absent only in review, when the message's sum is ambiguous. Of an entry that is
   /// set aside, any sum, or none.
@@ -45,6 +45,9 @@ struct LedgerEntry {
   std::optional<std::string> text;
   /// Whether the user changed it with `edit`.
   bool edited = false;
+  /// Of an entry that is set aside: the stored text in the place of a date that is no day. Else
+  /// absent.
+  std::optional<std::string> impossibleDate;
 
   /// Returns whether both have the same state and the same of all that a message is read as.
   [[nodiscard]] bool readsAs(const LedgerEntry& other) const;

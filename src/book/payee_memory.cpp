@@ -61,7 +61,8 @@ std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& ent
   Statement query(database, sql.c_str());
   constexpr auto behindAll = std::numeric_limits<std::int64_t>::max();
   query.bind(entry.id == 0 ? behindAll : entry.id);  // a new entry has no id yet
-  query.bind(entry.userId).bind(entry.date);
+  const std::string date = entry.date.text();
+  query.bind(entry.userId).bind(date);
   query.bindIfPresent(entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt);
   query.bind(entry.amount ? std::string_view(entry.amount->currency) : "");
   query.bind(kindText(entry.kind)).bind(folded).bind(entry.reference);

@@ -25,7 +25,9 @@ LedgerEntry entryOf(const Statement& row) {
   LedgerEntry entry;
   entry.id = row.integer(0);
   entry.key = text(1);
-  entry.date = text(2);
+  const auto date = money::Day::fromText(row.text(2));
+  if (date) entry.date = *date;
+  if (!date) entry.impossibleDate = text(2);
   entry.kind = kind.value_or(money::Kind::expense);
   if (!row.isNull(4)) entry.amount = money::Money{row.integer(4), text(5)};
   entry.description = text(6);
@@ -52,6 +54,10 @@ std::string patternFor(const std::string& part) {
   return pattern + "%";
 }
 
+std::string dateText(const LedgerEntry& entry) {
+  return entry.impossibleDate.value_or(entry.date.text());
+}
+
 void bindAmount(Statement& statement, const LedgerEntry& entry) {
   statement.bindIfPresent(entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt);
   statement.bind(entry.amount ? std::string_view(entry.amount->currency) : "");
@@ -64,8 +70,10 @@ std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& fil
   const std::string category =
       filter.category.empty() ? "" : spelledCategory(database, filter.category);
   std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE state = ?";
-  if (!filter.from.empty()) sql += " AND date >= ?";
-  if (!filter.to.empty()) sql += " AND date <= ?";
+  const std::string from = filter.from ? filter.from->text() : "";
+  const std::string to = filter.to ? filter.to->text() : "";
+  if (filter.from) sql += " AND date >= ?";
+  if (filter.to) sql += " AND date <= ?";
   if (!filter.category.empty()) sql += " AND category = ?";
   if (!filter.search.empty()) {
     sql += R"( AND description || char(10) || category || char(10) || account || char(10) ||
@@ -74,8 +82,7 @@ std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& fil
   sql += " ORDER BY date DESC, id DESC LIMIT ?";
   Statement query(database, sql.c_str());
   query.bind(stateText(filter.state));
-  for (const std::string& bound :
-       {std::cref(filter.from), std::cref(filter.to), std::cref(category)}) {
+  for (const std::string& bound : {std::cref(from), std::cref(to), std::cref(category)}) {
     if (!bound.empty()) query.bind(bound);
   }
   if (!filter.search.empty()) query.bind(pattern);
@@ -110,7 +117,8 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
       payee, folded_payee, account, reference, state, possible_duplicate_of, text)
     VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
   const std::string folded = names::foldedName(entry.payee);
-  insertion.bind(entry.userId).bind(entry.key).bind(entry.date).bind(kindText(entry.kind));
+  const std::string date = dateText(entry);
+  insertion.bind(entry.userId).bind(entry.key).bind(date).bind(kindText(entry.kind));
   bindAmount(insertion, entry);
   insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(folded);
   insertion.bind(entry.account).bind(entry.reference).bind(stateText(entry.state));
@@ -126,7 +134,8 @@ void writeEdited(sqlite3* database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
       category = ?, state = ?, edited = 1 WHERE id = ?)");
-  update.bind(entry.date).bind(kindText(entry.kind));
+  const std::string date = dateText(entry);
+  update.bind(date).bind(kindText(entry.kind));
   bindAmount(update, entry);
   update.bind(entry.description).bind(entry.category).bind(stateText(entry.state)).bind(entry.id);
   run(update);

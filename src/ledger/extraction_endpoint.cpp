@@ -3,7 +3,6 @@
 #include <string_view>
 #include <utility>
 
-#include "money/calendar_day.h"
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
@@ -12,7 +11,6 @@ namespace kivo::ledger {
 
 using book::BookFailure;
 using book::LedgerEntry;
-using money::isDay;
 using recording::Message;
 using recording::Recorded;
 
@@ -44,12 +42,11 @@ Message messageFrom(std::string_view body) {
   const platform::JSONObject object = platform::JSONDecoder::object(body);
   Message message{.text = object.decodeString("sms_text"),
                   .userId = object.decodeString("user_id"),
-                  .expenseDate = object.decodeString("expense_date"),
                   .idempotencyKey = object.decodeString("idempotency_key")};
+  const auto date = money::Day::fromText(object.decodeString("expense_date"));
   if (object.memberCount() != 4) throw DecodingError(DecodingError::Kind::dataCorrupted, "");
-  if (!isDay(message.expenseDate)) {
-    throw DecodingError(DecodingError::Kind::dataCorrupted, "expense_date");
-  }
+  if (!date) throw DecodingError(DecodingError::Kind::dataCorrupted, "expense_date");
+  message.expenseDate = *date;
   return message;
 }
 

@@ -1,6 +1,8 @@
 #include "money/money.h"
 
 #include <charconv>
+#include <cstdlib>
+#include <stdexcept>
 
 #include "money/currencies.h"
 
@@ -23,6 +25,14 @@ std::string withoutCommas(std::string_view whole) {
 }
 
 }  // namespace
+
+Money& Money::operator+=(const Money& other) {
+  if (other.currency != currency) std::abort();
+  if (__builtin_add_overflow(minorUnits, other.minorUnits, &minorUnits)) {
+    throw std::overflow_error("a sum does not fit");
+  }
+  return *this;
+}
 
 bool isBookable(const Money& money) {
   return money.minorUnits > 0 && money.minorUnits <= largestSum;

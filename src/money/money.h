@@ -15,6 +15,10 @@ struct Money {
   std::string currency;
 
   bool operator==(const Money&) const = default;
+
+  /// Adds a sum of the same currency; any other is a bug, which stops the process. Throws
+  /// std::overflow_error when the result does not fit.
+  Money& operator+=(const Money& other);
 };
 
 /// The largest sum that is booked, in minor units: up to it, an answer can carry each as a double.

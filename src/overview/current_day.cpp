@@ -4,11 +4,11 @@
 
 namespace kivo::overview {
 
-std::string currentMonth() { return currentDay().substr(0, 7); }
-
-std::string currentDay() {
+money::Day currentDay() {
   const platform::DateFormatter formatter{.dateFormat = "yyyy-MM-dd", .locale = "en_US_POSIX"};
-  return formatter.string(platform::Date::now());
+  return money::Day::fromText(formatter.string(platform::Date::now())).value();
 }
+
+money::Month currentMonth() { return currentDay().month(); }
 
 }  // namespace kivo::overview

@@ -1,12 +1,11 @@
 // The current day in the device's time zone.
 #pragma once
 
-#include <string>
+#include "money/day.h"
 
 namespace kivo::overview {
 
-/// The current month and the current day, yyyy-MM and yyyy-MM-dd.
-std::string currentMonth();
-std::string currentDay();
+money::Day currentDay();
+money::Month currentMonth();
 
 }  // namespace kivo::overview

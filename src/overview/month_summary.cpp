@@ -5,46 +5,40 @@
 #include <tuple>
 #include <utility>
 
-#include "money/calendar_day.h"
 #include "overview/current_day.h"
 
 namespace kivo::overview {
 
 using book::Book;
 using book::Counted;
-using book::Grouping;
 using book::GroupSum;
-using money::firstDayOf;
 using money::Kind;
-using money::lastDayOf;
-using money::monthBefore;
+using money::Money;
+using money::Month;
+using money::Period;
 
 namespace {
 
 constexpr std::size_t mostPayees = 10;
 
-std::vector<GroupSum> sumsOf(const Book& book, Grouping grouping, const std::string& month,
-                             std::int64_t largest) {
-  return book.sums(grouping, firstDayOf(month), lastDayOf(month), largest);
-}
-
-bool isExpense(const GroupSum& group, const std::string& currency) {
+template <typename Group>
+bool isExpense(const GroupSum<Group>& group, const std::string& currency) {
   return group.kind == Kind::expense && group.sum.currency == currency;
 }
 
 void readTotals(MonthSummary& summary, const Book& book, std::int64_t largest) {
   std::map<std::string, MovedSums> others;
-  const std::string before = monthBefore(summary.month);
-  for (const GroupSum& group :
-       book.sums(Grouping::month, firstDayOf(before), lastDayOf(summary.month), largest)) {
-    const bool isOwn = group.sum.currency == summary.currency;
-    if (group.group == before) {
-      if (isOwn) summary.previous.add(group);
-    } else {
-      (isOwn ? summary.sums : others[group.sum.currency]).add(group);
-    }
+  const Month before = summary.month.before();
+  for (const auto& group : book.sumsByMonth(Period::of(before, summary.month), largest)) {
+    const std::string& currency = group.sum.currency;
+    const bool isOwn = currency == summary.currency;
+    if (group.group == before && !isOwn) continue;
+    MovedSums& sums = !isOwn                  ? others.try_emplace(currency, currency).first->second
+                      : group.group == before ? summary.previous
+                                              : summary.sums;
+    sums.add(group.kind, group.sum, group.transactions);
   }
-  for (const auto& [currency, sums] : others) summary.otherCurrencies.push_back({currency, sums});
+  for (const auto& [currency, sums] : others) summary.otherCurrencies.push_back(sums);
 }
 
 // As the book compares names.
@@ -56,75 +50,73 @@ std::string withoutCase(std::string name) {
 }
 
 void readCategories(MonthSummary& summary, const Book& book, std::int64_t largest) {
+  const Money nothing{0, summary.currency};
   std::map<std::string, MonthSummary::Category> found;
-  const auto read = [&](const std::string& month, std::int64_t MonthSummary::Category::*sum) {
-    for (const GroupSum& group : sumsOf(book, Grouping::category, month, largest)) {
+  const auto read = [&](const Month& month, Money MonthSummary::Category::*sum) {
+    for (const auto& group : book.sumsByName(book::Names::category, Period::of(month), largest)) {
       if (!isExpense(group, summary.currency)) continue;
-      MonthSummary::Category& category = found[withoutCase(group.group)];
-      if (category.name.empty()) category.name = group.group;
-      category.*sum = group.sum.minorUnits;
+      const MonthSummary::Category begun{group.group, nothing, nothing};
+      found.try_emplace(withoutCase(group.group), begun).first->second.*sum = group.sum;
     }
   };
   read(summary.month, &MonthSummary::Category::expense);
-  read(monthBefore(summary.month), &MonthSummary::Category::previous);
+  read(summary.month.before(), &MonthSummary::Category::previous);
   for (const auto& [name, category] : found) summary.categories.push_back(category);
   std::sort(summary.categories.begin(), summary.categories.end(),
             [](const auto& one, const auto& other) {
-              return std::tie(other.expense, other.previous, one.name) <
-                     std::tie(one.expense, one.previous, other.name);
+              return std::tie(other.expense.minorUnits, other.previous.minorUnits, one.name) <
+                     std::tie(one.expense.minorUnits, one.previous.minorUnits, other.name);
             });
 }
 
 void readPayees(MonthSummary& summary, const Book& book, std::int64_t largest) {
-  for (const GroupSum& group : sumsOf(book, Grouping::description, summary.month, largest)) {
+  const Period period = Period::of(summary.month);
+  for (const auto& group : book.sumsByName(book::Names::description, period, largest)) {
     if (!isExpense(group, summary.currency)) continue;
-    summary.payees.push_back({group.group, group.sum.minorUnits, group.transactions});
+    summary.payees.push_back({group.group, group.sum, group.transactions});
   }
   std::sort(summary.payees.begin(), summary.payees.end(), [](const auto& one, const auto& other) {
-    return std::tie(other.expense, one.description) < std::tie(one.expense, other.description);
+    return std::tie(other.expense.minorUnits, one.description) <
+           std::tie(one.expense.minorUnits, other.description);
   });
   if (summary.payees.size() > mostPayees) summary.payees.resize(mostPayees);
 }
 
 void readToday(MonthSummary& summary, const Book& book, std::int64_t largest) {
-  const std::string date = currentDay();
-  if (!date.starts_with(summary.month)) return;
-  TodaysExpenses& today = summary.today.emplace();
-  today.date = date;
-  for (const GroupSum& group : book.sums(Grouping::day, date, date, largest)) {
+  const money::Day date = currentDay();
+  if (date.month() != summary.month) return;
+  TodaysExpenses& today = summary.today.emplace(TodaysExpenses{date, {0, summary.currency}});
+  for (const auto& group : book.sumsByDay({date, date}, largest)) {
     if (!isExpense(group, summary.currency)) continue;
-    today.expense += group.sum.minorUnits;
+    today.expense += group.sum;
     today.expenses += group.transactions;
   }
 }
 
 }  // namespace
 
-void MovedSums::add(const GroupSum& group) {
-  switch (group.kind) {
+void MovedSums::add(Kind kind, const Money& sum, std::int64_t count) {
+  switch (kind) {
     case Kind::expense:
-      expense += group.sum.minorUnits;
+      expense += sum;
       break;
     case Kind::income:
-      income += group.sum.minorUnits;
+      income += sum;
       break;
     case Kind::transfer:
-      transfer += group.sum.minorUnits;
+      transfer += sum;
       break;
   }
-  transactions += group.transactions;
+  transactions += count;
 }
 
-MonthSummary summarize(const Book& book, const std::string& month, const std::string& currency) {
-  return summarize(book, month, currency,
-                   book.counted(firstDayOf(monthBefore(month)), lastDayOf(month)));
+MonthSummary summarize(const Book& book, const Month& month, const std::string& currency) {
+  return summarize(book, month, currency, book.counted(Period::of(month.before(), month)));
 }
 
-MonthSummary summarize(const Book& book, const std::string& month, const std::string& currency,
+MonthSummary summarize(const Book& book, const Month& month, const std::string& currency,
                        Counted counted) {
-  MonthSummary summary;
-  summary.month = month;
-  summary.currency = currency;
+  MonthSummary summary(month, currency);
   readTotals(summary, book, counted.largest);
   readCategories(summary, book, counted.largest);
   readPayees(summary, book, counted.largest);

@@ -10,24 +10,24 @@
 
 namespace kivo::overview {
 
-/// The sums booked in a period in one currency, in its minor units. A transfer is neither income
-/// nor expense.
+/// The sums booked in a period in one currency. A transfer is neither income nor expense.
 struct MovedSums {
-  /// Adds those of `group`, whatever its currency.
-  void add(const book::GroupSum& group);
+  explicit MovedSums(const std::string& currency)
+      : expense{0, currency}, income{0, currency}, transfer{0, currency} {}
+  /// Adds `sum`, in the same currency, of so many transactions.
+  void add(money::Kind kind, const money::Money& sum, std::int64_t count);
 
-  std::int64_t expense = 0;
-  std::int64_t income = 0;
-  std::int64_t transfer = 0;
+  money::Money expense;
+  money::Money income;
+  money::Money transfer;
   /// The number of transactions of any kind.
   std::int64_t transactions = 0;
 };
 
 /// The expenses of the current day.
 struct TodaysExpenses {
-  /// yyyy-MM-dd.
-  std::string date;
-  std::int64_t expense = 0;
+  money::Day date;
+  money::Money expense;
   std::int64_t expenses = 0;
 };
 
@@ -37,21 +37,20 @@ struct MonthSummary {
   /// The expenses of a category in this month and in the month before.
   struct Category {
     std::string name;
-    std::int64_t expense = 0;
-    std::int64_t previous = 0;
+    money::Money expense;
+    money::Money previous;
   };
   struct Payee {
     std::string description;
-    std::int64_t expense = 0;
+    money::Money expense;
     std::int64_t transactions = 0;
   };
-  struct OtherCurrency {
-    std::string currency;
-    MovedSums sums;
-  };
 
-  /// yyyy-MM.
-  std::string month;
+  /// Of `ofMonth` in a book kept in `bookCurrency`; without figures.
+  MonthSummary(const money::Month& ofMonth, const std::string& bookCurrency)
+      : month(ofMonth), currency(bookCurrency), sums(bookCurrency), previous(bookCurrency) {}
+
+  money::Month month;
   std::string currency;
   MovedSums sums;
   /// The whole month before, also when this one still runs.
@@ -59,27 +58,27 @@ struct MonthSummary {
   /// The number of entries that wait in review, of any month.
   std::int64_t review = 0;
   /// The largest expense of this month first, then those of the month before alone.
-  std::vector<Category> categories;
+  std::vector<Category> categories = {};
   /// The ten with the largest expenses, the largest first.
-  std::vector<Payee> payees;
-  /// By code.
-  std::vector<OtherCurrency> otherCurrencies;
+  std::vector<Payee> payees = {};
+  /// The sums in each other currency, by code.
+  std::vector<MovedSums> otherCurrencies = {};
   /// Absent unless the month is the current one.
-  std::optional<TodaysExpenses> today;
+  std::optional<TodaysExpenses> today = {};
   /// The entries whose amounts no sum counts: their ids, ascending.
-  std::vector<std::int64_t> leftOut;
+  std::vector<std::int64_t> leftOut = {};
 
   /// Whether nothing was booked in this month, in any currency.
   [[nodiscard]] bool isEmpty() const { return sums.transactions == 0 && otherCurrencies.empty(); }
 };
 
-/// Reads the figures of `month` (yyyy-MM) of a book kept in `currency`. Takes a few
-/// queries: hold a snapshot of the book.
-MonthSummary summarize(const book::Book& book, const std::string& month,
+/// Reads the figures of `month` of a book kept in `currency`. Takes a few queries: call it
+/// `atOneMoment` of the book.
+MonthSummary summarize(const book::Book& book, const money::Month& month,
                        const std::string& currency);
 /// Does so for a period that includes the month and the one before, of which the book counts
 /// `counted`.
-MonthSummary summarize(const book::Book& book, const std::string& month,
+MonthSummary summarize(const book::Book& book, const money::Month& month,
                        const std::string& currency, book::Counted counted);
 
 /// Returns sentences that name the entries that are left out, and help; empty when there are none.

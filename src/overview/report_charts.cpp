@@ -5,14 +5,13 @@
 #include <cmath>
 #include <string>
 
-#include "money/calendar_day.h"
 #include "overview/sum_format.h"
 #include "platform/foundation/number_text.h"
 
 namespace kivo::overview {
 
 using money::minorDigits;
-using money::monthName;
+using money::Money;
 
 namespace {
 
@@ -38,8 +37,8 @@ class Axis {
         format_(currency, top_ < 2 ? minorDigits(currency) : 0,
                 linux_platform::AmountFormat::Currency::hidden) {}
 
-  [[nodiscard]] double heightOf(std::int64_t sum) const {
-    return static_cast<double>(sum) / unit_ / top_ * chartHeight;
+  [[nodiscard]] double heightOf(const Money& sum) const {
+    return static_cast<double>(sum.minorUnits) / unit_ / top_ * chartHeight;
   }
   void drawLabels(HtmlWriter& page) const {
     page.markup("<div class=\"axis\" aria-hidden=\"true\">");
@@ -88,16 +87,16 @@ void ReportCharts::drawMonths(HtmlWriter& page, const ReportFigures& figures) {
   const SumFormat format(figures.summary.currency);
   std::int64_t largest = 0;
   for (const auto& [month, sums, transactions] : figures.months) {
-    largest = std::max({largest, sums.expense, sums.income});
+    largest = std::max({largest, sums.expense.minorUnits, sums.income.minorUnits});
   }
   const Axis axis(largest, figures.summary.currency);
   beginDrawing(page, axis, figures.months.size());
-  page.text("Spent and received in each month from " + monthName(figures.months.front().month) +
-            " to " + monthName(figures.months.back().month) + ". The table below has the sums.");
+  page.text("Spent and received in each month from " + figures.months.front().month.name() +
+            " to " + figures.months.back().month.name() + ". The table below has the sums.");
   endTitle(page, figures.months.size());
   double left = 0;
   for (const auto& [month, sums, transactions] : figures.months) {
-    page.markup("<g><title>").text(monthName(month)).markup(": spent ");
+    page.markup("<g><title>").text(month.name()).markup(": spent ");
     page.text(format.plain(sums.expense)).markup(", received ").text(format.plain(sums.income));
     page.markup("</title>");
     drawBar(page, "spent", left + 18, left + 48, axis.heightOf(sums.expense));
@@ -107,24 +106,24 @@ void ReportCharts::drawMonths(HtmlWriter& page, const ReportFigures& figures) {
   }
   page.markup("</svg><div class=\"slots\" aria-hidden=\"true\">");
   for (const ReportFigures::Month& month : figures.months) {
-    page.markup("<span>").text(monthName(month.month).substr(0, 3)).markup("</span>");
+    page.markup("<span>").text(month.month.shortName()).markup("</span>");
   }
   page.markup("</div></div>");
 }
 
 void ReportCharts::drawDays(HtmlWriter& page, const ReportFigures& figures) {
   const SumFormat format(figures.summary.currency);
-  const auto largest = std::max_element(figures.days.begin(), figures.days.end());
-  const Axis axis(*largest, figures.summary.currency);
+  const auto largest = std::ranges::max_element(figures.days, {}, &Money::minorUnits);
+  const Axis axis(largest->minorUnits, figures.summary.currency);
   beginDrawing(page, axis, figures.days.size());
-  page.text("Spent on each day of " + monthName(figures.summary.month) +
+  page.text("Spent on each day of " + figures.summary.month.name() +
             ". The table below has the sums.");
   endTitle(page, figures.days.size());
   for (std::size_t day = 0; day < figures.days.size(); ++day) {
-    if (figures.days[day] == 0) continue;
+    if (figures.days[day].minorUnits == 0) continue;
     const double left = slotWidth * static_cast<double>(day);
     page.markup("<g><title>").count(static_cast<std::int64_t>(day) + 1).markup(" ");
-    page.text(monthName(figures.summary.month)).markup(": ").text(format.plain(figures.days[day]));
+    page.text(figures.summary.month.name()).markup(": ").text(format.plain(figures.days[day]));
     page.markup("</title>");
     drawBar(page, "spent", left + 15, left + 85, axis.heightOf(figures.days[day]));
     page.markup("</g>");
@@ -139,9 +138,9 @@ void ReportCharts::drawDays(HtmlWriter& page, const ReportFigures& figures) {
   page.markup("</div></div>");
 }
 
-void ReportCharts::drawShare(HtmlWriter& page, std::int64_t part, std::int64_t whole) {
-  const double share =
-      static_cast<double>(part) / static_cast<double>(std::max<std::int64_t>(whole, 1));
+void ReportCharts::drawShare(HtmlWriter& page, const Money& part, const Money& whole) {
+  const double share = static_cast<double>(part.minorUnits) /
+                       static_cast<double>(std::max<std::int64_t>(whole.minorUnits, 1));
   page.markup("<svg class=\"share\" aria-hidden=\"true\" preserveAspectRatio=\"none\" ")
       .markup("viewBox=\"0 0 100 1\"><rect width=\"")
       .length(100 * share)

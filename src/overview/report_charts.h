@@ -1,8 +1,6 @@
 // The drawings of the report. Each has a text alternative; the page has the figures as tables.
 #pragma once
 
-#include <cstdint>
-
 #include "overview/html_writer.h"
 #include "overview/report_figures.h"
 
@@ -14,7 +12,7 @@ void drawMonths(HtmlWriter& page, const ReportFigures& figures);
 /// Draws the expense of each day of the month.
 void drawDays(HtmlWriter& page, const ReportFigures& figures);
 
-/// Draws `part` of `whole` as a bar without text.
-void drawShare(HtmlWriter& page, std::int64_t part, std::int64_t whole);
+/// Draws `part` of `whole`, in one currency, as a bar without text.
+void drawShare(HtmlWriter& page, const money::Money& part, const money::Money& whole);
 
 }  // namespace kivo::overview::ReportCharts

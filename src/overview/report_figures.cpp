@@ -2,65 +2,57 @@
 
 #include <algorithm>
 
-#include "money/calendar_day.h"
 #include "overview/current_day.h"
-#include "platform/foundation/number_text.h"
 
 namespace kivo::overview {
 
 using book::Book;
 using book::Counted;
-using book::Grouping;
-using book::GroupSum;
 using book::LedgerEntry;
-using money::daysOf;
-using money::firstDayOf;
 using money::Kind;
-using money::lastDayOf;
-using money::monthBefore;
+using money::Money;
+using money::Month;
+using money::Period;
 
 namespace {
 
 constexpr int shownMonths = 12;
 
+Period periodBefore(const Month& month) { return Period::of(month.before(shownMonths - 1), month); }
+
 void readMonths(ReportFigures& figures, const Book& book, std::int64_t largest) {
-  const std::string& month = figures.summary.month;
+  const MonthSummary& summary = figures.summary;
   for (int back = shownMonths - 1; back >= 0; --back) {
-    figures.months.emplace_back().month = monthBefore(month, back);
+    figures.months.push_back({summary.month.before(back), MovedSums(summary.currency)});
   }
-  const std::string from = firstDayOf(figures.months.front().month);
-  for (const GroupSum& group : book.sums(Grouping::month, from, lastDayOf(month), largest)) {
+  const Period period = periodBefore(summary.month);
+  for (const auto& group : book.sumsByMonth(period, largest)) {
     const auto found =
         std::find_if(figures.months.begin(), figures.months.end(),
                      [&](const ReportFigures::Month& one) { return one.month == group.group; });
     if (found == figures.months.end()) continue;
     found->transactions += group.transactions;
-    if (group.sum.currency == figures.summary.currency) found->sums.add(group);
+    if (group.sum.currency != summary.currency) continue;
+    found->sums.add(group.kind, group.sum, group.transactions);
   }
   figures.entries =
-      book.entries({.from = from, .to = lastDayOf(month), .most = ReportFigures::mostEntries});
+      book.entries({.from = period.first, .to = period.last, .most = ReportFigures::mostEntries});
 }
 
 void readDays(ReportFigures& figures, const Book& book, std::int64_t largest) {
-  const std::string& month = figures.summary.month;
-  figures.days.resize(static_cast<std::size_t>(daysOf(month)));
-  for (const GroupSum& group :
-       book.sums(Grouping::day, firstDayOf(month), lastDayOf(month), largest)) {
-    const bool counts =
-        group.kind == Kind::expense && group.sum.currency == figures.summary.currency;
-    const auto day = platform::integerFromText(std::string_view(group.group).substr(8)).value_or(0);
-    if (!counts || day < 1 || day > daysOf(month)) continue;
-    figures.days[static_cast<std::size_t>(day - 1)] = group.sum.minorUnits;
+  const MonthSummary& summary = figures.summary;
+  figures.days.assign(static_cast<std::size_t>(summary.month.days()), Money{0, summary.currency});
+  for (const auto& group : book.sumsByDay(Period::of(summary.month), largest)) {
+    const bool counts = group.kind == Kind::expense && group.sum.currency == summary.currency;
+    if (counts) figures.days[static_cast<std::size_t>(group.group.number() - 1)] = group.sum;
   }
 }
 
 }  // namespace
 
-ReportFigures readReport(const Book& book, const std::string& month, const std::string& currency) {
-  ReportFigures figures;
-  const Counted counted =
-      book.counted(firstDayOf(monthBefore(month, shownMonths - 1)), lastDayOf(month));
-  figures.summary = summarize(book, month, currency, counted);
+ReportFigures readReport(const Book& book, const Month& month, const std::string& currency) {
+  const Counted counted = book.counted(periodBefore(month));
+  ReportFigures figures{.summary = summarize(book, month, currency, counted)};
   readMonths(figures, book, counted.largest);
   readDays(figures, book, counted.largest);
   figures.review =

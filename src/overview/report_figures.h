@@ -12,8 +12,7 @@ namespace kivo::overview {
 
 struct ReportFigures {
   struct Month {
-    /// yyyy-MM.
-    std::string month;
+    money::Month month;
     /// In the book's currency.
     MovedSums sums;
     /// The number of transactions in all currencies.
@@ -22,13 +21,13 @@ struct ReportFigures {
 
   MonthSummary summary;
   /// Twelve, the summary's month last.
-  std::vector<Month> months;
+  std::vector<Month> months = {};
   /// The expenses of each day of the summary's month in the book's currency, the first day's first.
-  std::vector<std::int64_t> days;
+  std::vector<money::Money> days = {};
   /// The newest of the twelve months, `mostEntries` at most, the newest first.
-  std::vector<book::LedgerEntry> entries;
+  std::vector<book::LedgerEntry> entries = {};
   /// What waits in review, of any month: the newest `mostEntries` at most, the newest first.
-  std::vector<book::LedgerEntry> review;
+  std::vector<book::LedgerEntry> review = {};
   /// Whether the summary's month is the current one.
   bool runs = false;
 
@@ -36,9 +35,9 @@ struct ReportFigures {
   static constexpr std::int64_t mostEntries = 5000;
 };
 
-/// Reads the figures around `month` (yyyy-MM) of a book kept in `currency`. Takes a few queries:
-/// hold a snapshot of the book.
-ReportFigures readReport(const book::Book& book, const std::string& month,
+/// Reads the figures around `month` of a book kept in `currency`. Takes a few queries: call it
+/// `atOneMoment` of the book.
+ReportFigures readReport(const book::Book& book, const money::Month& month,
                          const std::string& currency);
 
 }  // namespace kivo::overview

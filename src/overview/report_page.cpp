@@ -4,7 +4,6 @@
 #include <map>
 #include <utility>
 
-#include "money/calendar_day.h"
 #include "overview/html_writer.h"
 #include "overview/report_charts.h"
 #include "overview/report_review.h"
@@ -15,8 +14,8 @@ namespace kivo::overview {
 
 using book::LedgerEntry;
 using money::Kind;
-using money::monthBefore;
-using money::monthName;
+using money::Money;
+using money::Month;
 
 namespace {
 
@@ -60,19 +59,19 @@ class Page {
             "style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'\">\n")
         .markup("<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n")
         .markup("<meta name=\"referrer\" content=\"no-referrer\">\n<title>Kivo: ")
-        .text(monthName(summary_.month))
+        .text(summary_.month.name())
         .markup("</title>\n<style>")
         .markup(reportStyle)
         .markup("</style>\n</head>\n<body>\n");
   }
 
   void title() {
-    html_.markup("<header><h1>").text(monthName(summary_.month)).markup("</h1><p class=\"soft\">");
+    html_.markup("<header><h1>").text(summary_.month.name()).markup("</h1><p class=\"soft\">");
     if (summary_.isEmpty()) {
-      html_.markup("Nothing is booked in ").text(monthName(summary_.month)).markup(".");
+      html_.markup("Nothing is booked in ").text(summary_.month.name()).markup(".");
     } else {
       html_.text(figures_.runs ? "So far, beside all of " : "Beside ");
-      html_.text(monthName(monthBefore(summary_.month))).markup(". Sums are in ");
+      html_.text(summary_.month.before().name()).markup(". Sums are in ");
       html_.text(summary_.currency).markup(".");
     }
     html_.markup("</p></header>\n");
@@ -89,7 +88,7 @@ class Page {
     card("Received", summary_.sums.income, summary_.previous.income);
     card("Transferred", summary_.sums.transfer, summary_.previous.transfer);
     html_.markup("</dl>\n");
-    if (summary_.sums.expense > 0) {
+    if (summary_.sums.expense.minorUnits > 0) {
       html_.markup("<div class=\"two\">");
       categories();
       payees();
@@ -99,14 +98,14 @@ class Page {
     otherCurrencies();
   }
 
-  void card(const char* name, std::int64_t sum, std::int64_t previous) {
+  void card(const char* name, const Money& sum, const Money& previous) {
     html_.markup("<div><dt>").text(name).markup("</dt><dd><strong>");
     html_.amount(sums_.withCurrency(sum)).markup("</strong><small>");
     html_.amount(sums_.plain(previous)).markup(" in ");
-    html_.text(monthName(monthBefore(summary_.month))).markup("</small></dd></div>");
+    html_.text(summary_.month.before().name()).markup("</small></dd></div>");
   }
 
-  void sumCell(std::int64_t sum) {
+  void sumCell(const Money& sum) {
     html_.markup("<td class=\"sum\">").amount(sums_.plain(sum)).markup("</td>");
   }
 
@@ -115,7 +114,7 @@ class Page {
         .markup("<h2 id=\"categories\">Categories</h2><table><thead><tr>")
         .markup("<th scope=\"col\">Category</th><th scope=\"col\" class=\"sum\">Spent</th>")
         .markup("<th scope=\"col\" class=\"sum\">")
-        .text(monthName(monthBefore(summary_.month)).substr(0, 3))
+        .text(summary_.month.before().shortName())
         .markup("</th></tr></thead><tbody>");
     for (const MonthSummary::Category& category : summary_.categories) {
       html_.markup("<tr><th scope=\"row\">").name(category.name);
@@ -149,9 +148,9 @@ class Page {
         .markup("<th scope=\"col\">Day</th><th scope=\"col\" class=\"sum\">Spent</th></tr></thead>")
         .markup("<tbody>");
     for (std::size_t day = 0; day < figures_.days.size(); ++day) {
-      if (figures_.days[day] == 0) continue;
+      if (figures_.days[day].minorUnits == 0) continue;
       html_.markup("<tr><th scope=\"row\">").count(static_cast<std::int64_t>(day) + 1);
-      html_.markup(" ").text(monthName(summary_.month)).markup("</th>");
+      html_.markup(" ").text(summary_.month.name()).markup("</th>");
       sumCell(figures_.days[day]);
       html_.markup("</tr>\n");
     }
@@ -166,10 +165,11 @@ class Page {
         .markup("<th scope=\"col\">Currency</th><th scope=\"col\" class=\"sum\">Spent</th>")
         .markup("<th scope=\"col\" class=\"sum\">Received</th>")
         .markup("<th scope=\"col\" class=\"sum\">Transferred</th></tr></thead><tbody>");
-    for (const MonthSummary::OtherCurrency& other : summary_.otherCurrencies) {
-      const SumFormat sums(other.currency);
-      html_.markup("<tr><th scope=\"row\">").text(other.currency).markup("</th>");
-      for (const std::int64_t sum : {other.sums.expense, other.sums.income, other.sums.transfer}) {
+    for (const MovedSums& other : summary_.otherCurrencies) {
+      const std::string& currency = other.expense.currency;
+      const SumFormat sums(currency);
+      html_.markup("<tr><th scope=\"row\">").text(currency).markup("</th>");
+      for (const Money& sum : {other.expense, other.income, other.transfer}) {
         html_.markup("<td class=\"sum\">").amount(sums.plain(sum)).markup("</td>");
       }
       html_.markup("</tr>\n");
@@ -191,7 +191,7 @@ class Page {
         .markup("<th scope=\"col\">Month</th><th scope=\"col\" class=\"sum\">Spent</th>")
         .markup("<th scope=\"col\" class=\"sum\">Received</th></tr></thead><tbody>");
     for (const ReportFigures::Month& month : figures_.months) {
-      html_.markup("<tr><th scope=\"row\">").text(monthName(month.month)).markup("</th>");
+      html_.markup("<tr><th scope=\"row\">").text(month.month.name()).markup("</th>");
       sumCell(month.sums.expense);
       sumCell(month.sums.income);
       html_.markup("</tr>\n");
@@ -211,9 +211,9 @@ class Page {
     }
     auto entry = figures_.entries.begin();
     while (entry != figures_.entries.end()) {
-      const std::string month = entry->date.substr(0, 7);
+      const Month month = entry->date.month();
       const auto end = std::find_if(entry, figures_.entries.end(), [&](const LedgerEntry& other) {
-        return !other.date.starts_with(month);
+        return other.date.month() != month;
       });
       listMonth(month, entry, end);
       entry = end;
@@ -223,10 +223,10 @@ class Page {
 
   using Entry = std::vector<LedgerEntry>::const_iterator;
 
-  void listMonth(const std::string& month, Entry entry, Entry end) {
+  void listMonth(const Month& month, Entry entry, Entry end) {
     html_.markup("<details");
     if (month == summary_.month) html_.markup(" open");
-    html_.markup("><summary>").text(monthName(month)).markup(" <small>");
+    html_.markup("><summary>").text(month.name()).markup(" <small>");
     html_.text(counted(end - entry)).markup("</small></summary><table><thead><tr>");
     html_.markup("<th scope=\"col\" class=\"day\">Day</th><th scope=\"col\"><div class=\"what\">")
         .markup("<span>Description</span><span>Category</span></div></th>")
@@ -237,8 +237,10 @@ class Page {
   }
 
   void row(const LedgerEntry& entry) {
-    html_.markup("<tr><td class=\"day\"><time datetime=\"").text(entry.date).markup("\">");
-    html_.text(entry.date.substr(8)).markup("</time></td><td><div class=\"what\">");
+    html_.markup("<tr><td class=\"day\"><time datetime=\"").text(entry.date.text()).markup("\">");
+    html_.text(entry.date.number() < 10 ? "0" : "")
+        .count(entry.date.number())
+        .markup("</time></td><td><div class=\"what\">");
     html_.markup("<span>").name(entry.description).markup("</span><small>").name(entry.category);
     if (entry.kind != Kind::expense) html_.markup(" · ").text(kindText(entry.kind));
     if (entry.possibleDuplicateOf) {
@@ -256,9 +258,9 @@ class Page {
 
   std::string sumOf(const LedgerEntry& entry) {
     if (!entry.amount) return "";
-    if (entry.amount->currency == summary_.currency) return sums_.plain(entry.amount->minorUnits);
+    if (entry.amount->currency == summary_.currency) return sums_.plain(*entry.amount);
     const auto other = others_.try_emplace(entry.amount->currency, entry.amount->currency).first;
-    return other->second.withCurrency(entry.amount->minorUnits);
+    return other->second.withCurrency(*entry.amount);
   }
 
   const ReportFigures& figures_;

@@ -19,7 +19,7 @@ std::string inOneLine(std::string text) {
 void writeRow(HtmlWriter& html, const LedgerEntry& entry, const std::string& sum) {
   html.markup("<tr><td class=\"count id soft\">").count(entry.id).markup("</td><td>");
   html.name(entry.description).markup("<small class=\"message\"><time datetime=\"");
-  html.text(entry.date).markup("\">").text(entry.date).markup("</time>");
+  html.text(entry.date.text()).markup("\">").text(entry.date.text()).markup("</time>");
   if (entry.kind != Kind::expense) html.markup(" · ").text(kindText(entry.kind));
   if (entry.possibleDuplicateOf) html.markup(" · looks like ").count(*entry.possibleDuplicateOf);
   html.markup("</small>");

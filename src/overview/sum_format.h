@@ -1,9 +1,9 @@
 // Formats sums of one currency for the user. Converts nothing.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
+#include "money/money.h"
 #include "platform/linux/locale/amount_format.h"
 
 namespace kivo::overview {
@@ -12,15 +12,14 @@ namespace kivo::overview {
 class SumFormat {
  public:
   /// For `currency`, an ISO 4217 code.
-  explicit SumFormat(std::string currency);
+  explicit SumFormat(const std::string& currency);
 
-  /// Returns `minorUnits` without the currency: "1,250.00".
-  [[nodiscard]] std::string plain(std::int64_t minorUnits) const;
-  /// Returns `minorUnits` with the currency: "EGP 1,250.00".
-  [[nodiscard]] std::string withCurrency(std::int64_t minorUnits) const;
+  /// Returns `sum`, which is in that currency, without it: "1,250.00".
+  [[nodiscard]] std::string plain(const money::Money& sum) const;
+  /// Returns `sum`, which is in that currency, with it: "EGP 1,250.00".
+  [[nodiscard]] std::string withCurrency(const money::Money& sum) const;
 
  private:
-  std::string currency_;
   linux_platform::AmountFormat plain_;
   linux_platform::AmountFormat withCurrency_;
 };

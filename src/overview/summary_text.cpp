@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "money/calendar_day.h"
 #include "overview/sum_format.h"
 #include "overview/summary_view.h"
 #include "platform/linux/foundation/safe_text.h"
@@ -14,8 +13,7 @@
 
 namespace kivo::overview {
 
-using money::monthBefore;
-using money::monthName;
+using money::Money;
 
 namespace {
 
@@ -76,9 +74,6 @@ class RightAligned {
   std::size_t width_ = 0;
 };
 
-// "Nov" of "2026-11".
-std::string shortName(const std::string& month) { return monthName(month).substr(0, 3); }
-
 // The lines of one summary: sums of this month and of the one before, with a name at the end.
 class Lines {
  public:
@@ -86,13 +81,12 @@ class Lines {
       : summary_(summary),
         look_(look),
         sums_(summary.currency),
-        now_(shortName(summary.month)),
-        before_(shortName(monthBefore(summary.month))) {
-    for (const std::int64_t sum :
-         {summary.sums.expense, summary.sums.income, summary.sums.transfer}) {
+        now_(summary.month.shortName()),
+        before_(summary.month.before().shortName()) {
+    for (const Money& sum : {summary.sums.expense, summary.sums.income, summary.sums.transfer}) {
       now_.add(sums_.plain(sum));
     }
-    for (const std::int64_t sum :
+    for (const Money& sum :
          {summary.previous.expense, summary.previous.income, summary.previous.transfer}) {
       before_.add(sums_.plain(sum));
     }
@@ -115,7 +109,7 @@ class Lines {
     std::int64_t largest = 0;
     std::size_t longest = 0;
     for (const MonthSummary::Category& category : summary_.categories) {
-      largest = std::max(largest, category.expense);
+      largest = std::max(largest, category.expense.minorUnits);
       longest = std::max(longest, columnsOf(escapedControls(category.name)));
     }
     const std::size_t left = room(columnsOf(pair(0)) + gap.size());
@@ -128,7 +122,8 @@ class Lines {
     for (std::size_t at = 0; at < summary_.categories.size(); ++at) {
       const MonthSummary::Category& category = summary_.categories[at];
       lines += pair(totalRows + 1 + at) + std::string(gap);
-      if (barWidth > 0) lines += bar(category.expense, largest, barWidth, look_) + std::string(gap);
+      if (barWidth > 0)
+        lines += bar(category.expense.minorUnits, largest, barWidth, look_) + std::string(gap);
       lines += linux_platform::cutTo(nameWidth, escapedControls(category.name)) + "\n";
     }
     return lines;
@@ -155,13 +150,14 @@ class Lines {
 
   [[nodiscard]] std::string otherCurrencies() const {
     std::string lines;
-    for (const MonthSummary::OtherCurrency& other : summary_.otherCurrencies) {
-      const SumFormat sums(other.currency);
-      const std::string code = escapedControls(other.currency) + " ";
-      if (other.sums.expense > 0) lines += code + sums.plain(other.sums.expense) + " spent\n";
-      if (other.sums.income > 0) lines += code + sums.plain(other.sums.income) + " received\n";
-      if (other.sums.transfer > 0)
-        lines += code + sums.plain(other.sums.transfer) + " transferred\n";
+    for (const MovedSums& other : summary_.otherCurrencies) {
+      const SumFormat sums(other.expense.currency);
+      const std::string code = escapedControls(other.expense.currency) + " ";
+      for (const auto& [sum, verb] : {std::pair(&other.expense, " spent\n"),
+                                      {&other.income, " received\n"},
+                                      {&other.transfer, " transferred\n"}}) {
+        if (sum->minorUnits > 0) lines += code + sums.plain(*sum) + verb;
+      }
     }
     return lines;
   }
@@ -213,16 +209,16 @@ std::string leftOutLines(const MonthSummary& summary, const SummaryView::Look& l
 
 }  // namespace
 
-std::string SummaryView::text(const MonthSummary& summary, const std::string& today,
+std::string SummaryView::text(const MonthSummary& summary, const money::Month& today,
                               const Look& look) {
-  const std::string month = monthName(summary.month);
+  const std::string month = summary.month.name();
   const std::string notes = leftOutLines(summary, look) + reviewLine(summary);
   if (summary.isEmpty()) return "Nothing is booked in " + month + ".\n" + notes;
   const bool runs = summary.month == today;
   const Lines lines(summary, look);
   std::string text = bold(month + (runs ? " so far" : ""), look) + ", in " +
                      escapedControls(summary.currency) + "\nbeside " + (runs ? "all of " : "") +
-                     monthName(monthBefore(summary.month)) + "\n\n" + lines.totals();
+                     summary.month.before().name() + "\n\n" + lines.totals();
   const auto add = [&](const char* heading, const std::string& section) {
     if (!section.empty()) text += "\n" + bold(heading, look) + "\n" + section;
   };

@@ -2,28 +2,22 @@
 
 #include <vector>
 
-#include "money/calendar_day.h"
-
 namespace kivo::overview {
-
-using money::amountText;
-using money::monthBefore;
 
 namespace {
 
 using platform::JSONEncoder;
 
-void encodeSums(JSONEncoder& object, const MovedSums& sums, const std::string& currency) {
-  object.encodeString("expense", amountText({sums.expense, currency}));
-  object.encodeString("income", amountText({sums.income, currency}));
-  object.encodeString("transfer", amountText({sums.transfer, currency}));
+void encodeSums(JSONEncoder& object, const MovedSums& sums) {
+  object.encodeString("expense", amountText(sums.expense));
+  object.encodeString("income", amountText(sums.income));
+  object.encodeString("transfer", amountText(sums.transfer));
 }
 
-JSONEncoder monthObject(const std::string& month, const MovedSums& sums,
-                        const std::string& currency) {
+JSONEncoder monthObject(const money::Month& month, const MovedSums& sums) {
   JSONEncoder object;
-  object.encodeString("month", month);
-  encodeSums(object, sums, currency);
+  object.encodeString("month", month.text());
+  encodeSums(object, sums);
   object.encodeString("transactions", std::to_string(sums.transactions));
   return object;
 }
@@ -33,8 +27,8 @@ std::vector<JSONEncoder> categoryObjects(const MonthSummary& summary) {
   for (const MonthSummary::Category& category : summary.categories) {
     JSONEncoder& object = objects.emplace_back();
     object.encodeString("category", category.name);
-    object.encodeString("expense", amountText({category.expense, summary.currency}));
-    object.encodeString("previous", amountText({category.previous, summary.currency}));
+    object.encodeString("expense", amountText(category.expense));
+    object.encodeString("previous", amountText(category.previous));
   }
   return objects;
 }
@@ -44,16 +38,16 @@ std::vector<JSONEncoder> payeeObjects(const MonthSummary& summary) {
   for (const MonthSummary::Payee& payee : summary.payees) {
     JSONEncoder& object = objects.emplace_back();
     object.encodeString("description", payee.description);
-    object.encodeString("expense", amountText({payee.expense, summary.currency}));
+    object.encodeString("expense", amountText(payee.expense));
     object.encodeString("transactions", std::to_string(payee.transactions));
   }
   return objects;
 }
 
-JSONEncoder todayObject(const TodaysExpenses& today, const std::string& currency) {
+JSONEncoder todayObject(const TodaysExpenses& today) {
   JSONEncoder object;
-  object.encodeString("date", today.date);
-  object.encodeString("expense", amountText({today.expense, currency}));
+  object.encodeString("date", today.date.text());
+  object.encodeString("expense", amountText(today.expense));
   object.encodeString("expenses", std::to_string(today.expenses));
   return object;
 }
@@ -62,20 +56,19 @@ JSONEncoder todayObject(const TodaysExpenses& today, const std::string& currency
 
 JSONEncoder SummaryView::json(const MonthSummary& summary) {
   JSONEncoder object;
-  object.encodeString("month", summary.month);
+  object.encodeString("month", summary.month.text());
   object.encodeString("currency", summary.currency);
-  encodeSums(object, summary.sums, summary.currency);
+  encodeSums(object, summary.sums);
   object.encodeString("transactions", std::to_string(summary.sums.transactions));
   object.encodeString("review", std::to_string(summary.review));
-  if (summary.today) object.encodeObject("today", todayObject(*summary.today, summary.currency));
-  object.encodeObject("previous",
-                      monthObject(monthBefore(summary.month), summary.previous, summary.currency));
+  if (summary.today) object.encodeObject("today", todayObject(*summary.today));
+  object.encodeObject("previous", monthObject(summary.month.before(), summary.previous));
   object.encodeObjects("categories", categoryObjects(summary));
   object.encodeObjects("payees", payeeObjects(summary));
   std::vector<JSONEncoder> others;
-  for (const MonthSummary::OtherCurrency& other : summary.otherCurrencies) {
-    others.emplace_back().encodeString("currency", other.currency);
-    encodeSums(others.back(), other.sums, other.currency);
+  for (const MovedSums& sums : summary.otherCurrencies) {
+    others.emplace_back().encodeString("currency", sums.expense.currency);
+    encodeSums(others.back(), sums);
   }
   object.encodeObjects("other_currencies", others);
   std::string leftOut;

@@ -23,8 +23,7 @@ struct Look {
 
 /// Returns `summary` as text, in the device's locale, without control characters. The names come
 /// last in their lines, so that one that is written from right to left moves no sum. Lines are no
-/// longer than the width of `look`, unless the sums alone are. `today` is the current month,
-/// yyyy-MM.
-std::string text(const MonthSummary& summary, const std::string& today, const Look& look);
+/// longer than the width of `look`, unless the sums alone are. `today` is the current month.
+std::string text(const MonthSummary& summary, const money::Month& today, const Look& look);
 
 }  // namespace kivo::overview::SummaryView

@@ -41,7 +41,7 @@ SMSExtractionResponse responseTo(const LedgerEntry& entry) {
               .description = entry.description,
               .amount = platform::doubleFromText(amountText(*entry.amount)).value(),
               .category = answeredCategory(entry),
-              .expense_date = entry.date}};
+              .expense_date = entry.date.text()}};
 }
 
 // Stores the transaction of `reading`, if it is one, and the answer. Call it in a step.

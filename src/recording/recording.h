@@ -14,8 +14,7 @@ namespace kivo::recording {
 struct Message {
   std::string text;
   std::string userId;
-  /// yyyy-MM-dd.
-  std::string expenseDate;
+  money::Day expenseDate = {};
   /// The same in each attempt to send this message.
   std::string idempotencyKey;
 };

@@ -4,15 +4,15 @@
 #include <utility>
 
 #include "ledger/commands/ledger_terminal.h"
-#include "money/calendar_day.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/foundation/safe_text.h"
 
 namespace kivo::ledger {
 
 using book::EntryFilter;
-using money::isDay;
-using money::isMonth;
+using money::Day;
+using money::Month;
+using money::Period;
 
 using linux_platform::CommandParameter;
 using linux_platform::GivenParameters;
@@ -44,15 +44,16 @@ int readFilter(const GivenParameters& parameters, EntryFilter& filter) {
   for (const auto& [name, bound] : {std::pair("--from", &filter.from), {"--to", &filter.to}}) {
     const auto day = given(parameters, name);
     if (!day) continue;
-    if (!isDay(*day)) return failFor(name, *day, "a day such as 2026-11-21");
-    *bound = *day;
+    *bound = Day::fromText(*day);
+    if (!*bound) return failFor(name, *day, "a day such as 2026-11-21");
   }
   const auto month = given(parameters, "--month");
   if (!month) return 0;
-  if (!isMonth(*month)) return failFor("--month", *month, "a month such as 2026-11");
-  filter.from = std::max(filter.from, *month + "-01");
-  const std::string last = *month + "-31";  // days are compared as texts
-  filter.to = filter.to.empty() ? last : std::min(filter.to, last);
+  const auto read = Month::fromText(*month);
+  if (!read) return failFor("--month", *month, "a month such as 2026-11");
+  const auto [first, last] = Period::of(*read);
+  filter.from = std::max(filter.from.value_or(first), first);
+  filter.to = std::min(filter.to.value_or(last), last);
   return 0;
 }
 

@@ -8,7 +8,6 @@
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/commands/ledger_terminal.h"
-#include "money/calendar_day.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "recording/rereading.h"
 
@@ -20,7 +19,6 @@ using book::LedgerEntry;
 using money::amountText;
 using money::currencyCode;
 using money::isCurrency;
-using money::isDay;
 using money::kindFromText;
 using money::largestSum;
 using money::minorDigits;
@@ -89,9 +87,9 @@ int readAmount(const GivenParameters& parameters, const Book& book, const Ledger
 // Returns an exit status, 0 when all that was given fits.
 int readChange(const GivenParameters& parameters, const Book& book, const LedgerEntry& entry,
                EntryChange& change) {
-  change.date = given(parameters, "--date");
-  if (change.date && !isDay(*change.date)) {
-    return failFor("--date", *change.date, "a day such as 2026-11-21");
+  if (const auto date = given(parameters, "--date")) {
+    change.date = money::Day::fromText(*date);
+    if (!change.date) return failFor("--date", *date, "a day such as 2026-11-21");
   }
   if (const auto kind = given(parameters, "--kind")) {
     change.kind = kindFromText(*kind);

@@ -15,6 +15,11 @@ using money::Kind;
 
 namespace {
 
+// As it is stored, also where that is no day.
+std::string dateOf(const LedgerEntry& entry) {
+  return entry.impossibleDate.value_or(entry.date.text());
+}
+
 using linux_platform::columnsOf;
 using linux_platform::escapedControls;
 using linux_platform::paddedTo;
@@ -39,7 +44,7 @@ std::string likeness(const LedgerEntry& entry) {
 Row rowOf(const LedgerEntry& entry) {
   const std::string like = likeness(entry);
   return {std::to_string(entry.id),
-          escapedControls(entry.date),
+          escapedControls(dateOf(entry)),
           kindText(entry.kind),
           escapedControls(sumText(entry)),
           escapedControls(entry.description),
@@ -107,7 +112,7 @@ std::string stacked(const std::vector<LedgerEntry>& entries, const Widths& width
   const std::string indent(widths[0] + gap.size(), ' ');
   std::string lines = front("ID", "DATE", "AMOUNT");
   for (const LedgerEntry& entry : entries) {
-    lines += front(std::to_string(entry.id), entry.date, escapedControls(sumText(entry)));
+    lines += front(std::to_string(entry.id), dateOf(entry), escapedControls(sumText(entry)));
     lines += indent + names(entry, width - std::min(width, indent.size())) + "\n";
     if (const std::string like = likeness(entry); !like.empty()) lines += indent + like + "\n";
   }
@@ -143,7 +148,7 @@ std::string EntryListing::details(const LedgerEntry& entry) {
   };
   add("ID", std::to_string(entry.id));
   add("State", stateWords(entry));
-  add("Date", entry.date);
+  add("Date", dateOf(entry));
   add("Kind", kindText(entry.kind));
   add("Amount", sumText(entry));
   add("Description", entry.description);
@@ -161,7 +166,7 @@ platform::JSONEncoder EntryListing::json(const LedgerEntry& entry) {
   platform::JSONEncoder object;
   object.encodeString("id", std::to_string(entry.id));
   object.encodeString("key", entry.key);
-  object.encodeString("date", entry.date);
+  object.encodeString("date", dateOf(entry));
   object.encodeString("kind", kindText(entry.kind));
   object.encodeString("amount", entry.amount ? amountText(*entry.amount) : "");
   object.encodeString("currency", entry.amount ? entry.amount->currency : "");

@@ -8,7 +8,6 @@
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/ledger_terminal.h"
 #include "ledger/report_file.h"
-#include "money/calendar_day.h"
 #include "overview/current_day.h"
 #include "overview/report_figures.h"
 #include "overview/report_page.h"
@@ -20,7 +19,7 @@
 namespace kivo::ledger {
 
 using book::Book;
-using money::isMonth;
+using money::Month;
 using overview::currentMonth;
 using overview::MonthSummary;
 using overview::readReport;
@@ -36,18 +35,19 @@ using ParameterKind = linux_platform::CommandParameter::Kind;
 
 // Calls `use` with a snapshot of the book, the given or current month and the book's currency;
 // returns its result.
-int withMonth(const GivenParameters& parameters,
-              const std::function<int(const Book&, const std::string& month,
-                                      const std::string& currency)>& use) {
-  const std::string month = given(parameters, "--month").value_or(currentMonth());
-  if (!isMonth(month)) return failFor("--month", month, "a month such as 2026-11");
+int withMonth(
+    const GivenParameters& parameters,
+    const std::function<int(const Book&, const Month& month, const std::string& currency)>& use) {
+  const auto given = ledger::given(parameters, "--month");
+  const auto month = given ? Month::fromText(*given) : currentMonth();
+  if (!month) return failFor("--month", *given, "a month such as 2026-11");
   const auto currency = bookCurrency();
   if (!currency) return exitFailure;
   return withBook([&](const Book& book) {
     int status = exitFailure;
     book.atOneMoment([&] {
       tellSetAside(book);
-      status = use(book, month, *currency);
+      status = use(book, *month, *currency);
     });
     return status;
   });

@@ -76,9 +76,9 @@ std::string beancountExport(const std::vector<LedgerEntry>& entries) {
   std::string transactions;
   for (const LedgerEntry& entry : entries) {
     const DoubleEntry made = doubleEntryOf(entry, level);
-    opened.try_emplace(made.otherAccount, entry.date);
-    opened.try_emplace(made.ownAccount, entry.date);
-    transactions.append("\n").append(entry.date).append(" * ");
+    opened.try_emplace(made.otherAccount, entry.date.text());
+    opened.try_emplace(made.ownAccount, entry.date.text());
+    transactions.append("\n").append(entry.date.text()).append(" * ");
     transactions.append(string(oneLine(entry.description))).append(" \"\"\n");
     transactions.append(metadata("kivo-id", importId(entry)));
     transactions.append(metadata("category", made.unnamedCategory));

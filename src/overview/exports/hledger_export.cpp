@@ -38,7 +38,10 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
     const DoubleEntry made = doubleEntryOf(entry, name);
     accounts.insert({made.otherAccount, made.ownAccount});
     currencies.insert(entry.amount->currency);
-    transactions.append("\n").append(entry.date).append(" * (").append(std::to_string(entry.id));
+    transactions.append("\n")
+        .append(entry.date.text())
+        .append(" * (")
+        .append(std::to_string(entry.id));
     transactions.append(") ").append(name(entry.description)).append("\n");
     transactions.append(tag("kivo-id", importId(entry)));
     transactions.append(tag("category", made.unnamedCategory));

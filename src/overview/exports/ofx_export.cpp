@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -46,8 +47,8 @@ std::string element(const char* name, const std::string& text) {
   return std::string("<") + name + ">" + linux_platform::escapedMarkup(text) + "</" + name + ">\n";
 }
 
-std::string day(const std::string& date) {
-  std::string digits = date;
+std::string day(const money::Day& date) {
+  std::string digits = date.text();
   std::erase(digits, '-');
   return digits;
 }
@@ -77,10 +78,10 @@ std::string transaction(const LedgerEntry& entry) {
 
 std::string balance(const Statement& entries) {
   Money sum{0, entries.front()->amount->currency};
-  for (const LedgerEntry* entry : entries) {
-    if (__builtin_add_overflow(sum.minorUnits, signedSum(*entry).minorUnits, &sum.minorUnits)) {
-      return "";
-    }
+  try {
+    for (const LedgerEntry* entry : entries) sum += signedSum(*entry);
+  } catch (const std::overflow_error&) {
+    return "";
   }
   return "<LEDGERBAL>\n" + element("BALAMT", amountText(sum)) +
          element("DTASOF", day(entries.back()->date)) + "</LEDGERBAL>\n";

@@ -126,7 +126,7 @@ TEST_F(ADamagedBook, ListsAndAddsUpTheOtherRowsWhenValuesOfSomeCannotBe) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(),
               HasSubstr(" is damaged: the values of these transactions cannot be: 4, 3, 2, 1; "));
   std::int64_t sum = 0;
-  for (const GroupSum& group : book.sums(Grouping::day, "2026-11-01", "2026-11-31", largestSum)) {
+  for (const auto& group : book.sumsByDay(money::Period::of(money::Month("2026-11")), largestSum)) {
     sum += group.sum.minorUnits;
   }
   EXPECT_EQ(sum, 104 + 105);
@@ -189,7 +189,7 @@ TEST_F(ADamagedBook, NeverAcknowledgesWhatItLoses) {
       reading_ = spent(1, "Another");
       EXPECT_EQ(post(served, "NEW").body, answer);
       int listed = 0;
-      for (const LedgerEntry& entry : open().entries({.from = "2026-11-21"})) {
+      for (const LedgerEntry& entry : open().entries({.from = money::Day("2026-11-21")})) {
         if (entry.key == "NEW" && entry.amount == Money{77700, "EGP"}) ++listed;
       }
       EXPECT_EQ(listed, 1);

@@ -69,9 +69,9 @@ TEST_F(APayee, IsComparedAgainWhenAnEntryIsEdited) {
   ASSERT_TRUE(book.edit(1, {.amount = Money{200, "EGP"}}));
   EXPECT_EQ(book.entry(2)->possibleDuplicateOf, std::nullopt);
   EXPECT_EQ(book.entry(3)->possibleDuplicateOf, 2);
-  ASSERT_TRUE(book.edit(3, {.date = "2026-11-22"}));
+  ASSERT_TRUE(book.edit(3, {.date = money::Day("2026-11-22")}));
   EXPECT_EQ(book.entry(3)->possibleDuplicateOf, std::nullopt);
-  ASSERT_TRUE(book.edit(3, {.date = "2026-11-21", .kind = Kind::income}));
+  ASSERT_TRUE(book.edit(3, {.date = money::Day("2026-11-21"), .kind = Kind::income}));
   EXPECT_EQ(book.entry(3)->possibleDuplicateOf, std::nullopt);
   ASSERT_TRUE(book.edit(3, {.kind = Kind::expense}));
   EXPECT_EQ(book.entry(3)->possibleDuplicateOf, 2);
@@ -86,7 +86,7 @@ TEST_F(APayee, StaysALookAlikeByItsReference) {
   reading.reference = "UTR 7";
   recorded(book, "KEY-1", reading);
   recorded(book, "KEY-2", reading);
-  ASSERT_TRUE(book.edit(2, {.date = "2026-11-22", .amount = Money{900, "EGP"}}));
+  ASSERT_TRUE(book.edit(2, {.date = money::Day("2026-11-22"), .amount = Money{900, "EGP"}}));
   EXPECT_EQ(book.entry(2)->possibleDuplicateOf, 1);
 }
 

@@ -72,9 +72,10 @@ TEST_F(AStoredBook, ListsTheNewestFirst) {
 
 TEST_F(AStoredBook, ListsTheEntriesThatMatchAFilter) {
   Book book = three();
-  EXPECT_THAT(ids(book.entries({.from = "2026-11-01"})), ElementsAre(1, 2));
-  EXPECT_THAT(ids(book.entries({.to = "2026-11-01"})), ElementsAre(2, 3));
-  EXPECT_THAT(ids(book.entries({.from = "2026-11-01", .to = "2026-11-29"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.from = money::Day("2026-11-01")})), ElementsAre(1, 2));
+  EXPECT_THAT(ids(book.entries({.to = money::Day("2026-11-01")})), ElementsAre(2, 3));
+  EXPECT_THAT(ids(book.entries({.from = money::Day("2026-11-01"), .to = money::Day("2026-11-29")})),
+              ElementsAre(2));
   EXPECT_THAT(ids(book.entries({.category = "eating OUT"})), ElementsAre(2));
   EXPECT_THAT(ids(book.entries({.category = "eating"})), IsEmpty());
   EXPECT_THAT(ids(book.entries({.search = "rail"})), ElementsAre(3));
@@ -88,15 +89,15 @@ TEST_F(AStoredBook, ListsTheEntriesThatMatchAFilter) {
 TEST_F(AStoredBook, EditsOnlyTheGivenMembers) {
   Book book = open();
   const LedgerEntry before = recorded(book, "KEY-1", spent(100));
-  EXPECT_TRUE(book.edit(1, {.date = "2026-01-02", .kind = Kind::transfer}));
+  EXPECT_TRUE(book.edit(1, {.date = money::Day("2026-01-02"), .kind = Kind::transfer}));
   LedgerEntry after = book.entry(1).value();
-  EXPECT_EQ(after.date, "2026-01-02");
+  EXPECT_EQ(after.date, money::Day("2026-01-02"));
   EXPECT_EQ(after.kind, Kind::transfer);
   EXPECT_EQ(after.amount, before.amount);
   EXPECT_EQ(after.description, before.description);
   EXPECT_TRUE(book.edit(1, {.amount = Money{5, "JPY"}}));
   EXPECT_EQ(book.entry(1)->amount, (Money{5, "JPY"}));
-  EXPECT_FALSE(book.edit(2, {.date = "2026-01-02"}));
+  EXPECT_FALSE(book.edit(2, {.date = money::Day("2026-01-02")}));
 }
 
 TEST_F(AStoredBook, AcceptsAnEntryInReviewWhenItHasAnAmount) {

@@ -68,7 +68,7 @@ TEST_F(AFirstBook, SetsAsideRowsWhoseValuesCannotBe) {
   EXPECT_THAT(ids(book, LedgerEntry::State::booked), ElementsAre(14, 1));
   EXPECT_THAT(ids(book, LedgerEntry::State::review), IsEmpty());
   EXPECT_EQ(ids(book, LedgerEntry::State::setAside).size(), 12U);
-  EXPECT_EQ(book.entry(2)->date, "2026-11");
+  EXPECT_EQ(book.entry(2)->impossibleDate, "2026-11");
   EXPECT_EQ(book.entry(7)->amount->minorUnits, std::numeric_limits<std::int64_t>::min());
 }
 
@@ -76,7 +76,7 @@ TEST_F(AFirstBook, TakesASetAsideRowIntoReviewWhenItIsCorrected) {
   make(firstBookRow("KEY-1", "-5", "2026-11") + firstBookRow("KEY-2", "0"));
   Book book = open();
   EXPECT_FALSE(accept(book, 1));
-  ASSERT_TRUE(book.edit(1, {.date = "2026-11-20"}));
+  ASSERT_TRUE(book.edit(1, {.date = money::Day("2026-11-20")}));
   EXPECT_EQ(book.entry(1)->state, LedgerEntry::State::setAside);
   EXPECT_EQ(impossibleValue(*book.entry(1)), "amount");
   ASSERT_TRUE(book.edit(1, {.amount = Money{500, "EGP"}}));

@@ -1,6 +1,7 @@
 #include "money/money.h"
 
 #include <limits>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -73,6 +74,19 @@ TEST(ACurrency, IsKnownByItsCodeInCapitals) {
   EXPECT_FALSE(isCurrency("aed"));
   EXPECT_FALSE(isCurrency("ABC"));
   EXPECT_FALSE(isCurrency(""));
+}
+
+TEST(ASumOfMoney, AddsItsOwnCurrency) {
+  Money sum{15000, "EGP"};
+  sum += {5, "EGP"};
+  EXPECT_EQ(sum, (Money{15005, "EGP"}));
+  EXPECT_DEATH((sum += {5, "USD"}), "");
+}
+
+TEST(ASumOfMoney, SaysWhenTheResultDoesNotFit) {
+  Money sum{std::numeric_limits<std::int64_t>::max() - 1, "EGP"};
+  sum += {1, "EGP"};
+  EXPECT_THROW((sum += {1, "EGP"}), std::overflow_error);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "money/calendar_day.h"
 #include "overview/current_day.h"
 #include "overview/summary_view.h"
 #include "testkit/set_clock.h"
@@ -28,7 +27,7 @@ using testing::IsEmpty;
 class AMonthSummary : public LedgerTest {
  protected:
   // Books one more transaction.
-  void booked(Book& book, const Reading& reading, const std::string& date) {
+  void booked(Book& book, const Reading& reading, const money::Day& date) {
     recorded(book, "KEY-" + std::to_string(++keys_), reading, date);
   }
   static Reading of(Kind kind, std::int64_t minorUnits) {
@@ -43,7 +42,7 @@ class AMonthSummary : public LedgerTest {
   }
   // Books an expense in a currency that is not the book's, as a person does after a review.
   void bookedAbroad(Book& book, std::int64_t minorUnits, const std::string& currency,
-                    const std::string& date) {
+                    const money::Day& date) {
     Reading reading = spent(minorUnits, "Airport", currency);
     reading.outcome = Outcome::needsReview;
     accept(book, recorded(book, "KEY-" + std::to_string(++keys_), reading, date).id);
@@ -51,15 +50,15 @@ class AMonthSummary : public LedgerTest {
   static std::vector<std::string> names(const MonthSummary& summary) {
     std::vector<std::string> found;
     for (const auto& category : summary.categories) {
-      found.push_back(category.name + " " + std::to_string(category.expense) + " " +
-                      std::to_string(category.previous));
+      found.push_back(category.name + " " + std::to_string(category.expense.minorUnits) + " " +
+                      std::to_string(category.previous.minorUnits));
     }
     return found;
   }
   static std::vector<std::string> payees(const MonthSummary& summary) {
     std::vector<std::string> found;
     for (const auto& payee : summary.payees) {
-      found.push_back(payee.description + " " + std::to_string(payee.expense) + " " +
+      found.push_back(payee.description + " " + std::to_string(payee.expense.minorUnits) + " " +
                       std::to_string(payee.transactions));
     }
     return found;
@@ -85,16 +84,16 @@ TEST_F(AMonthSummary, CountsTheFirstAndTheLastDayOfTheMonthAndOfTheOneBefore) {
   booked(book, spent(50000), "2026-11-30");
   booked(book, spent(600000), "2026-12-01");
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
-  EXPECT_EQ(summary.sums.expense, 54000);
+  EXPECT_EQ(summary.sums.expense.minorUnits, 54000);
   EXPECT_EQ(summary.sums.transactions, 2);
-  EXPECT_EQ(summary.previous.expense, 320);
+  EXPECT_EQ(summary.previous.expense.minorUnits, 320);
   EXPECT_EQ(summary.previous.transactions, 2);
 }
 
 TEST_F(AMonthSummary, ComparesJanuaryWithTheDecemberBefore) {
   Book book = open();
   booked(book, spent(700), "2025-12-31");
-  EXPECT_EQ(summarize(book, "2026-01", "EGP").previous.expense, 700);
+  EXPECT_EQ(summarize(book, "2026-01", "EGP").previous.expense.minorUnits, 700);
 }
 
 TEST_F(AMonthSummary, AddsCentsExactly) {
@@ -103,9 +102,9 @@ TEST_F(AMonthSummary, AddsCentsExactly) {
   for (int day = 0; day < 3; ++day) booked(book, spent(1), "2026-11-02");
   constexpr std::int64_t all = 18'014'398'509'481'987;  // no double holds it
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
-  EXPECT_EQ(summary.sums.expense, all);
-  EXPECT_EQ(summary.categories[0].expense, all);
-  EXPECT_EQ(summary.payees[0].expense, all);
+  EXPECT_EQ(summary.sums.expense.minorUnits, all);
+  EXPECT_EQ(summary.categories[0].expense.minorUnits, all);
+  EXPECT_EQ(summary.payees[0].expense.minorUnits, all);
   EXPECT_THAT(summary.leftOut, IsEmpty());
 }
 
@@ -117,11 +116,11 @@ TEST_F(AMonthSummary, LeavesOutAndNamesEntriesWhoseAmountsAreOutOfRange) {
   setUnits("-9223372036854775807 - 1", "2");
   setUnits("0", "3");
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
-  EXPECT_EQ(summary.sums.expense, 200);
+  EXPECT_EQ(summary.sums.expense.minorUnits, 200);
   EXPECT_EQ(summary.sums.transactions, 2);
-  EXPECT_EQ(summary.previous.expense, 0);
-  EXPECT_EQ(summary.categories[0].expense, 200);
-  EXPECT_EQ(summary.payees[0].expense, 200);
+  EXPECT_EQ(summary.previous.expense.minorUnits, 0);
+  EXPECT_EQ(summary.categories[0].expense.minorUnits, 200);
+  EXPECT_EQ(summary.payees[0].expense.minorUnits, 200);
   EXPECT_THAT(summary.leftOut, ElementsAre(1, 2, 3, 6));
   EXPECT_THAT(SummaryView::text(summary, "2026-12", {.width = 200}),
               HasSubstr("not above zero: 1, 2, 3, 6."));
@@ -142,10 +141,10 @@ TEST_F(AMonthSummary, LeavesOutTheLargestEntriesWhereAllExceedSixtyFourBits) {
   }
   booked(book, spent(5), "2026-11-02");
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
-  EXPECT_EQ(summary.sums.expense, 5);
+  EXPECT_EQ(summary.sums.expense.minorUnits, 5);
   EXPECT_EQ(summary.leftOut.size(), 1024U);
   raw.run("UPDATE transactions SET minor_units = minor_units / 2 WHERE minor_units > 5");
-  EXPECT_EQ(summarize(book, "2026-11", "EGP").sums.expense, largestSum / 2 * 1024 + 5);
+  EXPECT_EQ(summarize(book, "2026-11", "EGP").sums.expense.minorUnits, largestSum / 2 * 1024 + 5);
 }
 
 TEST_F(AMonthSummary, KeepsTransfersApartFromIncomeAndExpense) {
@@ -154,9 +153,9 @@ TEST_F(AMonthSummary, KeepsTransfersApartFromIncomeAndExpense) {
   booked(book, of(Kind::income, 2000), "2026-11-02");
   booked(book, of(Kind::transfer, 30000), "2026-11-02");
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
-  EXPECT_EQ(summary.sums.expense, 100);
-  EXPECT_EQ(summary.sums.income, 2000);
-  EXPECT_EQ(summary.sums.transfer, 30000);
+  EXPECT_EQ(summary.sums.expense.minorUnits, 100);
+  EXPECT_EQ(summary.sums.income.minorUnits, 2000);
+  EXPECT_EQ(summary.sums.transfer.minorUnits, 30000);
   EXPECT_EQ(summary.sums.transactions, 3);
   EXPECT_THAT(names(summary), ElementsAre("Groceries 100 0"));
   EXPECT_THAT(payees(summary), ElementsAre("Sunny Market 100 1"));
@@ -169,13 +168,13 @@ TEST_F(AMonthSummary, NeverAddsSumsOfDifferentCurrencies) {
   bookedAbroad(book, 3000, "KWD", "2026-11-04");
   bookedAbroad(book, 4000, "JPY", "2026-10-04");
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
-  EXPECT_EQ(summary.sums.expense, 100);
+  EXPECT_EQ(summary.sums.expense.minorUnits, 100);
   EXPECT_EQ(summary.sums.transactions, 1);
-  EXPECT_EQ(summary.previous.expense, 0);
+  EXPECT_EQ(summary.previous.expense.minorUnits, 0);
   ASSERT_EQ(summary.otherCurrencies.size(), 2U);
-  EXPECT_EQ(summary.otherCurrencies[0].currency, "KWD");
-  EXPECT_EQ(summary.otherCurrencies[0].sums.expense, 3000);
-  EXPECT_EQ(summary.otherCurrencies[1].currency, "USD");
+  EXPECT_EQ(summary.otherCurrencies[0].expense.currency, "KWD");
+  EXPECT_EQ(summary.otherCurrencies[0].expense.minorUnits, 3000);
+  EXPECT_EQ(summary.otherCurrencies[1].expense.currency, "USD");
   EXPECT_THAT(names(summary), ElementsAre("Groceries 100 0"));
 }
 
@@ -266,16 +265,16 @@ TEST_F(AMonthSummary, OfAnEmptyBookIsJsonWithZeros) {
 TEST(TheCurrentMonth, IsThatOfTheDevicesTimeZone) {
   const testkit::SetClock clock(testkit::utc(2026, 10, 31, 23));
   const testkit::PrivateFolders folders;
-  EXPECT_EQ(currentMonth(), "2026-10");
+  EXPECT_EQ(currentMonth(), money::Month("2026-10"));
   const testkit::ScopedVariable cairo("TZ", "EET-2");
-  EXPECT_EQ(currentMonth(), "2026-11");
+  EXPECT_EQ(currentMonth(), money::Month("2026-11"));
 }
 
 TEST(TheCurrentMonth, HasWesternDigitsInEachLocale) {
   const testkit::SetClock clock(testkit::utc(2026, 11, 1));
   const testkit::PrivateFolders folders;
   const testkit::ScopedVariable thai("LC_ALL", "fa_IR.UTF-8");
-  EXPECT_EQ(currentMonth(), "2026-11");
+  EXPECT_EQ(currentMonth(), money::Month("2026-11"));
 }
 
 }  // namespace

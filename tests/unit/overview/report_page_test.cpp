@@ -24,10 +24,10 @@ using testing::Not;
 
 class AReport : public LedgerTest {
  protected:
-  void booked(Book& book, const Reading& reading, const std::string& date = "2026-11-21") {
+  void booked(Book& book, const Reading& reading, const money::Day& date = "2026-11-21") {
     recorded(book, "KEY-" + std::to_string(++keys_), reading, date);
   }
-  static std::string page(const Book& book, const std::string& month = "2026-11") {
+  static std::string page(const Book& book, const money::Month& month = "2026-11") {
     return reportPage(readReport(book, month, "EGP"));
   }
   static std::size_t countOf(const std::string& part, const std::string& text) {
@@ -50,13 +50,13 @@ TEST_F(AReport, HasTwelveMonthsUpToItsOwn) {
   booked(book, spent(400000), "2026-12-01");
   const ReportFigures figures = readReport(book, "2026-11", "EGP");
   ASSERT_EQ(figures.months.size(), 12U);
-  EXPECT_EQ(figures.months.front().month, "2025-12");
-  EXPECT_EQ(figures.months.front().sums.expense, 2000);
-  EXPECT_EQ(figures.months.back().month, "2026-11");
-  EXPECT_EQ(figures.months.back().sums.expense, 30000);
+  EXPECT_EQ(figures.months.front().month, money::Month("2025-12"));
+  EXPECT_EQ(figures.months.front().sums.expense.minorUnits, 2000);
+  EXPECT_EQ(figures.months.back().month, money::Month("2026-11"));
+  EXPECT_EQ(figures.months.back().sums.expense.minorUnits, 30000);
   ASSERT_EQ(figures.entries.size(), 2U);
-  EXPECT_EQ(figures.entries[0].date, "2026-11-30");
-  EXPECT_EQ(figures.entries[1].date, "2025-12-01");
+  EXPECT_EQ(figures.entries[0].date, money::Day("2026-11-30"));
+  EXPECT_EQ(figures.entries[1].date, money::Day("2025-12-01"));
 }
 
 TEST_F(AReport, HasEachDayOfItsMonth) {
@@ -66,9 +66,9 @@ TEST_F(AReport, HasEachDayOfItsMonth) {
   booked(book, spent(3), "2026-02-28");
   const ReportFigures figures = readReport(book, "2026-02", "EGP");
   ASSERT_EQ(figures.days.size(), 28U);
-  EXPECT_EQ(figures.days.front(), 100);
-  EXPECT_EQ(figures.days[13], 0);
-  EXPECT_EQ(figures.days.back(), 23);
+  EXPECT_EQ(figures.days.front().minorUnits, 100);
+  EXPECT_EQ(figures.days[13].minorUnits, 0);
+  EXPECT_EQ(figures.days.back().minorUnits, 23);
 }
 
 TEST_F(AReport, ShowsSumsToTheCent) {

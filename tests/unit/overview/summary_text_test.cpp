@@ -18,16 +18,27 @@ using testing::Not;
 using testing::ResultOf;
 
 using Look = SummaryView::Look;
+using money::Kind;
+using money::Money;
 
 class ASummaryText : public testing::Test {
  protected:
   ASummaryText() {
-    summary_.month = "2026-11";
-    summary_.currency = "EGP";
-    summary_.sums = {.expense = 125050, .income = 1850000, .transfer = 0, .transactions = 7};
-    summary_.previous = {.expense = 99, .income = 0, .transfer = 5000, .transactions = 2};
-    summary_.categories = {{"Groceries", 100000, 99}, {"Transport", 25050, 0}, {"Rent", 0, 50}};
-    summary_.payees = {{"Carrefour City", 100000, 12}, {"Uber", 25050, 1}};
+    summary_.sums = sums(125050, 1850000, 0, 7);
+    summary_.previous = sums(99, 0, 5000, 2);
+    summary_.categories = {{"Groceries", egp(100000), egp(99)},
+                           {"Transport", egp(25050), egp(0)},
+                           {"Rent", egp(0), egp(50)}};
+    summary_.payees = {{"Carrefour City", egp(100000), 12}, {"Uber", egp(25050), 1}};
+  }
+  static Money egp(std::int64_t minorUnits) { return {minorUnits, "EGP"}; }
+  static MovedSums sums(std::int64_t expense, std::int64_t income, std::int64_t transfer,
+                        std::int64_t transactions, const std::string& currency = "EGP") {
+    MovedSums sums(currency);
+    sums.add(Kind::expense, {expense, currency}, transactions);
+    sums.add(Kind::income, {income, currency}, 0);
+    sums.add(Kind::transfer, {transfer, currency}, 0);
+    return sums;
   }
   [[nodiscard]] std::string text(const Look& look = {}) const {
     return SummaryView::text(summary_, "2026-12", look);
@@ -40,7 +51,7 @@ class ASummaryText : public testing::Test {
   }
 
   testkit::PrivateFolders folders_;
-  MonthSummary summary_;
+  MonthSummary summary_{"2026-11", "EGP"};
 };
 
 TEST_F(ASummaryText, ShowsAMonthBesideTheMonthBefore) {
@@ -119,7 +130,7 @@ TEST_F(ASummaryText, IsColouredOnlyWhenAskedTo) {
 }
 
 TEST_F(ASummaryText, ListsOtherCurrenciesApart) {
-  summary_.otherCurrencies = {{"KWD", {.expense = 12005, .income = 5}}, {"USD", {.transfer = 100}}};
+  summary_.otherCurrencies = {sums(12005, 5, 0, 2, "KWD"), sums(0, 0, 100, 1, "USD")};
   EXPECT_THAT(text(), HasSubstr("\nBesides, in other currencies\n"
                                 "KWD 12.005 spent\n"
                                 "KWD 0.005 received\n"
@@ -134,9 +145,7 @@ TEST_F(ASummaryText, SaysHowManyWaitInReview) {
 }
 
 TEST_F(ASummaryText, OfAnEmptyMonthIsOneSentence) {
-  summary_ = {};
-  summary_.month = "2026-02";
-  summary_.currency = "EGP";
+  summary_ = {"2026-02", "EGP"};
   EXPECT_EQ(text(), "Nothing is booked in February 2026.\n");
 }
 

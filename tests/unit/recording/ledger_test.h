@@ -56,7 +56,7 @@ class LedgerTest : public testing::Test {
     };
   }
 
-  static Message message(const std::string& key, const std::string& date = "2026-11-21") {
+  static Message message(const std::string& key, const money::Day& date = "2026-11-21") {
     return {.text = "text of " + key, .userId = "user", .expenseDate = date, .idempotencyKey = key};
   }
 
@@ -78,7 +78,7 @@ class LedgerTest : public testing::Test {
 
   // Records `reading` under `key` and returns the entry.
   LedgerEntry recorded(Book& book, const std::string& key, const Reading& reading,
-                       const std::string& date = "2026-11-21") {
+                       const money::Day& date = "2026-11-21") {
     reading_ = reading;
     record(book, message(key, date));
     for (const auto state : {LedgerEntry::State::booked, LedgerEntry::State::review}) {

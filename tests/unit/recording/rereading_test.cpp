@@ -77,7 +77,7 @@ TEST_F(AReadAgainEntry, ReplacesABookedReadingUnlessItWasEdited) {
   EXPECT_FALSE(book.entry(entry.id)->edited);
   reading_.kind = Kind::income;
   const auto read = reread(book, entry.id);
-  book.edit(entry.id, {.date = "2026-11-20"});
+  book.edit(entry.id, {.date = money::Day("2026-11-20")});
   EXPECT_TRUE(book.entry(entry.id)->edited);
   EXPECT_FALSE(book.bookAs(*read));
   EXPECT_EQ(book.entry(entry.id)->kind, Kind::transfer);
