@@ -46,7 +46,8 @@ std::string digitsBehind(const Items& items, std::size_t at) {
 
 }  // namespace
 
-std::string ownAccount(const Items& items, std::span<const Found> found, Kind kind) {
+std::string ownAccount(const AnalysedMessage& message, Kind kind) {
+  const Items& items = message.items;
   const auto isOwnSide = [&](const Found& wording) {
     const std::string before = wording.begin == 0 ? "" : items[wording.begin - 1].text;
     const std::string& itself = items[wording.begin].text;
@@ -56,15 +57,15 @@ std::string ownAccount(const Items& items, std::span<const Found> found, Kind ki
                                 : says("from") || says("using");
   };
   std::string first;
-  for (const Found& wording : found) {
-    const bool side = wording.meaning == Meaning::own || wording.meaning == Meaning::to ||
-                      wording.meaning == Meaning::from || wording.meaning == Meaning::ends;
+  for (const Found& wording : message.wordings) {
+    const bool side = wording.is(Marker::own) || wording.is(Marker::to) ||
+                      wording.is(Marker::from) || wording.is(Marker::ends);
     if (!side || !isOwnSide(wording)) continue;
     std::string digits = digitsBehind(items, wording.end);
     if (!digits.empty()) return digits;
   }
-  for (const Found& wording : found) {
-    if (wording.meaning != Meaning::own) continue;
+  for (const Found& wording : message.wordings) {
+    if (!wording.is(Marker::own)) continue;
     std::string digits = digitsBehind(items, wording.end);
     if (digits.empty()) continue;
     const std::string before = wording.begin == 0 ? "" : items[wording.begin - 1].text;
@@ -85,11 +86,11 @@ std::string ownAccount(const Items& items, std::span<const Found> found, Kind ki
   return {};
 }
 
-std::string referenceIn(const Items& items, std::span<const Found> found,
-                        std::string_view readable) {
+std::string referenceIn(const AnalysedMessage& message) {
+  const Items& items = message.items;
   constexpr std::size_t longest = 40;
-  for (const Found& wording : found) {
-    if (wording.meaning != Meaning::reference) continue;
+  for (const Found& wording : message.wordings) {
+    if (!wording.is(Marker::reference)) continue;
     std::size_t at = wording.end;
     while (at < items.size() &&
            (items[at].kind == Item::Kind::mark || items[at].text == "no" ||
@@ -107,7 +108,7 @@ std::string referenceIn(const Items& items, std::span<const Found> found,
     }
     if (!digits) continue;
     const std::string_view reference =
-        readable.substr(items[at].begin, items[last].end - items[at].begin);
+        message.text.substr(items[at].begin, items[last].end - items[at].begin);
     if (reference.size() <= longest) return std::string(reference);
   }
   return {};

@@ -10,9 +10,9 @@ namespace kivo::recognition {
 namespace {
 
 // Whether each item belongs to a wording.
-std::vector<bool> explainedItems(const Items& items, std::span<const Found> found) {
-  std::vector<bool> explained(items.size(), false);
-  for (const Found& wording : found) {
+std::vector<bool> explainedItems(const AnalysedMessage& message) {
+  std::vector<bool> explained(message.items.size(), false);
+  for (const Found& wording : message.wordings) {
     for (std::size_t at = wording.begin; at < std::max(wording.end, wording.begin + 1); ++at) {
       explained[at] = true;
     }
@@ -29,12 +29,10 @@ bool joins(const Items& items, std::size_t at) {
 
 // "Kite Bank Card 1234" is the bank's. Scripts without capitals need a mark on both sides:
 // "3.500 د.ك - كافيه - بطاقة".
-bool mayStandAlone(const Items& items, std::span<const Found> found, std::size_t begin,
-                   std::size_t end) {
-  const auto behind =
-      std::lower_bound(found.begin(), found.end(), end,
-                       [](const Found& wording, std::size_t at) { return wording.begin < at; });
-  if (behind != found.end() && behind->begin == end && behind->meaning == Meaning::own) {
+bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
+  const Items& items = message.items;
+  const auto behind = std::ranges::lower_bound(message.wordings, end, {}, &Found::begin);
+  if (behind != message.wordings.end() && behind->begin == end && behind->is(Marker::own)) {
     return false;
   }
   constexpr std::string_view marks = "-|,/";
@@ -45,16 +43,18 @@ bool mayStandAlone(const Items& items, std::span<const Found> found, std::size_t
 
 }  // namespace
 
-bool beginsLikeAName(std::string_view readable, const Item& item) {
-  const auto first = static_cast<unsigned char>(readable[item.begin]);
+bool beginsLikeAName(const AnalysedMessage& message, std::size_t at) {
+  const Item& item = message.items[at];
+  const auto first = static_cast<unsigned char>(message.text[item.begin]);
   return item.kind == Item::Kind::word && (first >= 0x80 || std::isupper(first) != 0);
 }
 
 // "$48.13 CAD, TIMBERLINE CO-OP, card 0031", "card *2280 FARMACIA SOL 10-11-26"
-std::string loneName(std::string_view readable, const Items& items, std::span<const Found> found) {
-  const std::vector<bool> explained = explainedItems(items, found);
+std::string loneName(const AnalysedMessage& message) {
+  const Items& items = message.items;
+  const std::vector<bool> explained = explainedItems(message);
   const auto isNameWord = [&](std::size_t at) {
-    return !explained[at] && beginsLikeAName(readable, items[at]);
+    return !explained[at] && beginsLikeAName(message, at);
   };
   std::string second;
   std::size_t at = 0;
@@ -68,8 +68,8 @@ std::string loneName(std::string_view readable, const Items& items, std::span<co
     }
     const bool signs =
         at >= items.size() && !(capitals && items[begin - 1].kind == Item::Kind::sum);
-    if (signs || !mayStandAlone(items, found, begin, at)) continue;
-    std::string name = nameBetween(readable, items, begin, at);
+    if (signs || !mayStandAlone(message, begin, at)) continue;
+    std::string name = nameBetween(message, begin, at);
     constexpr std::size_t shortest = 4;
     if (name.size() < shortest) continue;
     if (capitals) return name;

@@ -7,28 +7,31 @@
 namespace kivo::recognition {
 namespace {
 
-enum class Part { moved, balance, limit, charge, aside };
+enum class Part { moved, balance, charge, aside };
 
-std::optional<Part> partOf(Meaning meaning) {
-  switch (meaning) {
-    case Meaning::balance:
+Part partOf(SumRole role) {
+  switch (role) {
+    case SumRole::balance:
       return Part::balance;
-    case Meaning::limit:
-      return Part::limit;
-    case Meaning::fee:
-    case Meaning::charge:
+    case SumRole::charge:
       return Part::charge;
-    case Meaning::aside:
+    case SumRole::limit:
+    case SumRole::aside:
       return Part::aside;
-    case Meaning::amount:
-    case Meaning::equivalent:
-      return Part::moved;
-    default:
+    case SumRole::amount:
+    case SumRole::equivalent:
       break;
   }
-  const Movement* const movement = movementOf(meaning);
-  if (movement != nullptr && movement->strength >= Strength::verb) return Part::moved;
-  return std::nullopt;
+  return Part::moved;
+}
+
+// The part of the sum beside `wording`; absent when the wording does not tell.
+std::optional<Part> partBy(const Found& wording) {
+  if (wording.is(Move::fee)) return Part::charge;
+  if (const SumRole* const role = wording.as<SumRole>()) return partOf(*role);
+  const Move* const move = wording.as<Move>();
+  const bool tells = move != nullptr && movementOf(*move).strength >= Strength::verb;
+  return tells ? std::optional(Part::moved) : std::nullopt;
 }
 
 // Whether the items from `begin` to `end` lie in one sentence. A label on a line of its own belongs
@@ -47,10 +50,10 @@ bool inOneSentence(const Items& items, std::size_t begin, std::size_t end) {
 
 class Sums {
  public:
-  Sums(const Items& items, std::span<const Found> found, std::string_view book)
-      : items_(items), found_(found), book_(book) {
-    for (std::size_t at = 0; at < items.size(); ++at) {
-      if (items[at].kind == Item::Kind::sum && !isZero(at)) sums_.push_back(at);
+  Sums(const AnalysedMessage& message, std::string_view book)
+      : message_(message), items_(message.items), book_(book) {
+    for (std::size_t at = 0; at < items_.size(); ++at) {
+      if (items_[at].kind == Item::Kind::sum && !isZero(at)) sums_.push_back(at);
     }
   }
 
@@ -82,9 +85,9 @@ class Sums {
     const auto behind = partSaidBehind(index);
     if (behind && *behind != Part::moved) return *behind;
     Part part = Part::moved;
-    for (const Found& wording : found_) {
+    for (const Found& wording : message_.wordings) {
       if (wording.begin < previous || wording.end > sum) continue;
-      const auto said = partOf(wording.meaning);
+      const auto said = partBy(wording);
       if (!said || !inOneSentence(items_, wording.end, sum)) continue;
       part = *said;
     }
@@ -98,9 +101,7 @@ class Sums {
     const std::vector<bool> speaks = itemsOfSpeakingSentences();
     auto said =
         std::find_if(moved.begin(), moved.end(), [&](std::size_t sum) { return speaks[sum]; });
-    const bool card = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
-      return wording.meaning == Meaning::own;
-    });
+    const bool card = holds(message_.wordings, Marker::own);
     if (said == moved.end() && card && !inOneSentence(items_, moved[0], moved[1])) {
       said = std::next(moved.begin());
     }
@@ -110,17 +111,12 @@ class Sums {
 
   // For each item, whether its sentence has a wording of a movement or an amount.
   [[nodiscard]] std::vector<bool> itemsOfSpeakingSentences() const {
-    std::vector<bool> speaks(items_.size(), false);
-    auto wording = found_.begin();
-    for (std::size_t begin = 0, end = 1; begin < items_.size(); begin = end++) {
-      while (end < items_.size() && !items_[end].startsSentence) ++end;
-      bool speaking = false;
-      for (; wording != found_.end() && wording->begin < end; ++wording) {
-        speaking = speaking || wording->meaning == Meaning::amount ||
-                   movementOf(wording->meaning) != nullptr;
-      }
-      std::fill(speaks.begin() + static_cast<std::ptrdiff_t>(begin),
-                speaks.begin() + static_cast<std::ptrdiff_t>(end), speaking);
+    const auto tells = [](const Found& wording) {
+      return wording.is(SumRole::amount) || wording.as<Move>() != nullptr;
+    };
+    std::vector<bool> speaks;
+    for (const Sentence& sentence : sentencesOf(message_)) {
+      speaks.resize(sentence.end, std::ranges::any_of(sentence.wordings, tells));
     }
     return speaks;
   }
@@ -129,11 +125,11 @@ class Sums {
   [[nodiscard]] std::optional<Part> partSaidBehind(std::size_t index) const {
     constexpr std::size_t near = 4;
     const std::size_t sum = sums_[index];
-    for (const Found& wording : found_) {
+    for (const Found& wording : message_.wordings) {
       if (wording.begin <= sum) continue;
       if (index + 1 < sums_.size() && wording.begin > sums_[index + 1]) break;
       if (wording.begin > sum + near || !inOneSentence(items_, sum + 1, wording.begin)) break;
-      const auto said = partOf(wording.meaning);
+      const auto said = partBy(wording);
       if (!said) continue;
       if (introducesNumber(wording)) return std::nullopt;
       return said;
@@ -159,8 +155,8 @@ class Sums {
 
   // The bank states the same sum in two currencies: "USD 20.00 (EGP 980.00)".
   [[nodiscard]] bool isEquivalent(std::size_t one, std::size_t other) const {
-    for (const Found& wording : found_) {
-      if (wording.meaning == Meaning::equivalent && wording.begin > one && wording.end <= other) {
+    for (const Found& wording : message_.wordings) {
+      if (wording.is(SumRole::equivalent) && wording.begin > one && wording.end <= other) {
         return true;
       }
     }
@@ -190,17 +186,16 @@ class Sums {
     if (!items_[*result.moved].sum.minorUnits) result.unclear = true;
   }
 
+  const AnalysedMessage& message_;
   const Items& items_;
-  const std::span<const Found> found_;
   const std::string_view book_;
   std::vector<std::size_t> sums_;
 };
 
 }  // namespace
 
-SumParts partsOfSums(const Items& items, std::span<const Found> found,
-                     std::string_view bookCurrency) {
-  return Sums(items, found, bookCurrency).parts();
+SumParts partsOfSums(const AnalysedMessage& message, std::string_view bookCurrency) {
+  return Sums(message, bookCurrency).parts();
 }
 
 }  // namespace kivo::recognition

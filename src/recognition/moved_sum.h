@@ -1,12 +1,11 @@
 // The part that each sum of a message plays, and the sum that moved.
 #pragma once
 
+#include <cstddef>
 #include <optional>
-#include <span>
-#include <vector>
+#include <string_view>
 
-#include "recognition/message_items.h"
-#include "recognition/wordings.h"
+#include "recognition/analysed_message.h"
 
 namespace kivo::recognition {
 
@@ -19,8 +18,7 @@ struct SumParts {
   std::optional<std::size_t> balance;
 };
 
-/// The parts of the sums in `items`, by the wordings around them, for a book in `bookCurrency`.
-SumParts partsOfSums(const Items& items, std::span<const Found> found,
-                     std::string_view bookCurrency);
+/// The parts of the sums in `message`, by the wordings around them, for a book in `bookCurrency`.
+SumParts partsOfSums(const AnalysedMessage& message, std::string_view bookCurrency);
 
 }  // namespace kivo::recognition

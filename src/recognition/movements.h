@@ -15,7 +15,7 @@ enum class Strength { hint, noun, verb, refund, transfer, takenBack };
 
 /// A kind of movement.
 struct Movement {
-  Meaning meaning;
+  Move move;
   money::Kind kind;
   Strength strength;
   /// For a transaction that names no payee.
@@ -24,8 +24,8 @@ struct Movement {
   std::string_view category;
 };
 
-/// Returns the movement of `meaning`; null when there is none. Lives as long as the program.
-const Movement* movementOf(Meaning meaning);
+/// The movement of `move`. Lives as long as the program.
+const Movement& movementOf(Move move);
 
 /// The movement of a message with these wordings: the strongest, of equals the first. Null for
 /// none.

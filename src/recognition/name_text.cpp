@@ -35,8 +35,8 @@ bool isChannelWord(std::string_view word) {
   return std::find(channelWords.begin(), channelWords.end(), word) != channelWords.end();
 }
 
-std::string nameBetween(std::string_view readable, const Items& items, std::size_t begin,
-                        std::size_t end) {
+std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
+  const Items& items = message.items;
   if (begin >= end) return {};
   const auto namesSomebody = [](const Item& item) {
     return item.kind == Item::Kind::word && item.text.find_first_not_of('x') != std::string::npos &&
@@ -48,20 +48,20 @@ std::string nameBetween(std::string_view readable, const Items& items, std::size
     return {};
   }
   std::string name =
-      shownPayee(readable.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
+      shownPayee(message.text.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
   constexpr auto shortened =
       std::to_array<std::string_view>({"co", "inc", "ltd", "ent", "corp", "jr", "sr", "bros"});
   const bool isShort =
       std::find(shortened.begin(), shortened.end(), items[end - 1].text) != shortened.end();
   const bool goesOn = end + 1 < items.size() && isMark(items[end], ".") &&
-                      readable[items[end + 1].begin] >= 'a' &&
-                      readable[items[end + 1].begin] <= 'z';
+                      message.text[items[end + 1].begin] >= 'a' &&
+                      message.text[items[end + 1].begin] <= 'z';
   if (isShort && goesOn) name += '.';  // "Puffin Coffee Co. with"
   return name;
 }
 
-std::string nameInNarration(std::string_view readable, const Items& items, std::size_t begin,
-                            std::size_t end) {
+std::string nameInNarration(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
+  const Items& items = message.items;
   std::size_t piece = begin;
   for (std::size_t at = begin; at <= end; ++at) {
     const bool cut =
@@ -76,7 +76,7 @@ std::string nameInNarration(std::string_view readable, const Items& items, std::
     bool named = false;
     for (std::size_t word = piece; word < at; ++word) named = named || isName(word);
     while (named && isChannelWord(items[piece].text)) ++piece;
-    if (named) return nameBetween(readable, items, piece, at);
+    if (named) return nameBetween(message, piece, at);
     piece = at + 1;
   }
   return {};

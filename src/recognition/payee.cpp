@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "recognition/lone_name.h"
@@ -15,63 +16,100 @@ using money::Kind;
 
 namespace {
 
-// The order in which introductions are believed; a lower number is surer.
-std::optional<int> rankOf(Meaning meaning, bool nameBeside, Kind kind) {
-  const bool income = kind == Kind::income;
-  if (nameBeside) return 0;
-  switch (meaning) {
-    case Meaning::label:
-      return 1;
-    case Meaning::at:
-      return income ? 4 : 2;
-    case Meaning::to:
-      return income ? std::nullopt : std::optional(3);
-    case Meaning::towards:
-      return income ? std::nullopt : std::optional(5);
-    case Meaning::info:
-      return income ? 5 : 4;
-    case Meaning::by:
-      return income ? 3 : 6;
-    case Meaning::credited:
-      return income ? std::nullopt : std::optional(3);
-    case Meaning::from:
-      return income ? 2 : 7;
-    default:
-      return std::nullopt;
+// The places that name a payee.
+enum class Place {
+  wording,    // a wording with "^": "you made a # transaction with ^"
+  label,      // "Merchant: ..."
+  shop,       // "at ..."
+  recipient,  // "to ...", "... credited"
+  narration,  // "Info: ..."
+  purpose,    // "towards ..."
+  agent,      // "by ..."
+  source,     // "from ..."
+  date,       // "on ...", which mostly is a date: "spent on 20-Oct-26 on Web Bazaar"
+  alone,      // no words introduce it
+};
+
+// The order in which a payee is looked for. The first place with a name counts; of places of one
+// sort, the first in the message.
+constexpr auto placesOfExpense = std::to_array<Place>(
+    {Place::wording, Place::label, Place::shop, Place::recipient, Place::narration, Place::purpose,
+     Place::agent, Place::source, Place::date, Place::alone});
+constexpr auto placesOfIncome =
+    std::to_array<Place>({Place::wording, Place::label, Place::source, Place::agent, Place::shop,
+                          Place::narration, Place::date});
+
+std::optional<Place> placeOf(Marker marker) {
+  switch (marker) {
+    case Marker::label:
+      return Place::label;
+    case Marker::at:
+      return Place::shop;
+    case Marker::to:
+      return Place::recipient;
+    case Marker::info:
+      return Place::narration;
+    case Marker::towards:
+      return Place::purpose;
+    case Marker::by:
+      return Place::agent;
+    case Marker::from:
+      return Place::source;
+    case Marker::ends:
+    case Marker::own:
+    case Marker::reference:
+      break;
   }
+  return std::nullopt;
 }
+
+// The marker in front of a name; absent behind a wording that has the name's place itself.
+using Introduction = std::optional<Marker>;
 
 class Names {
  public:
-  Names(std::string_view readable, const Items& items, std::span<const Found> found, Kind kind)
-      : readable_(readable), items_(items), found_(found), kind_(kind), at_(items.size(), nullptr) {
-    for (const Found& wording : found) at_[wording.begin] = &wording;
+  Names(const AnalysedMessage& message, Kind kind)
+      : message_(message), items_(message.items), kind_(kind), at_(items_.size(), nullptr) {
+    for (const Found& wording : message.wordings) at_[wording.begin] = &wording;
   }
 
-  [[nodiscard]] std::string best() const {
-    std::string best;
-    int bestRank = 100;
-    const bool givesBack = std::any_of(found_.begin(), found_.end(), [](const Found& wording) {
-      return wording.meaning == Meaning::refund || wording.meaning == Meaning::cashback;
-    });
-    for (const Found& wording : found_) {
-      auto rank = rankOf(wording.meaning, wording.nameFollows || wording.namePrecedes, kind_);
-      constexpr int leastSure = 8;  // "spent on 20-Oct-26 on Web Bazaar"
-      const std::string& word = items_[wording.begin].text;
-      if (wording.meaning == Meaning::ends && (word == "on" || word == "في")) rank = leastSure;
-      // Where money came, "at" is a branch, unless a shop gives it back.
-      if (kind_ == Kind::income && wording.meaning == Meaning::at && !givesBack) rank.reset();
-      if (!rank || *rank >= bestRank) continue;
-      const bool before = wording.namePrecedes || wording.meaning == Meaning::credited;
-      std::string name = before ? nameBefore(wording) : nameBehind(wording);
-      if (name.empty()) continue;
-      best = std::move(name);
-      bestRank = *rank;
+  [[nodiscard]] std::string first() const {
+    const auto places = kind_ == Kind::income ? std::span<const Place>(placesOfIncome)
+                                              : std::span<const Place>(placesOfExpense);
+    for (const Place place : places) {
+      std::string name = place == Place::alone ? loneName(message_) : nameAt(place);
+      if (!name.empty()) return name;
     }
-    return best.empty() && kind_ == Kind::expense ? loneName(readable_, items_, found_) : best;
+    return {};
   }
 
  private:
+  [[nodiscard]] std::string nameAt(Place place) const {
+    for (const Found& wording : message_.wordings) {
+      if (placeBeside(wording) != place) continue;
+      const bool before = wording.namePrecedes || wording.is(Move::credited);
+      std::string name = before ? nameBefore(wording) : nameBehind(wording);
+      if (!name.empty()) return name;
+    }
+    return {};
+  }
+
+  [[nodiscard]] std::optional<Place> placeBeside(const Found& wording) const {
+    const std::string& word = items_[wording.begin].text;
+    if (wording.is(Marker::ends) && (word == "on" || word == "في")) return Place::date;
+    if (wording.is(Marker::at) && !mayBeShop()) return std::nullopt;
+    if (wording.nameFollows || wording.namePrecedes) return Place::wording;
+    if (wording.is(Move::credited)) return Place::recipient;
+    const Marker* const marker = wording.as<Marker>();
+    return marker == nullptr ? std::nullopt : placeOf(*marker);
+  }
+
+  // Where money came, "at" is a branch, unless a shop gives it back.
+  [[nodiscard]] bool mayBeShop() const {
+    return kind_ != Kind::income || holds(message_.wordings, Move::refund) ||
+           holds(message_.wordings, Move::cashback);
+  }
+
   [[nodiscard]] bool isWordOf(std::size_t at, std::initializer_list<Meaning> meanings) const {
     return at < items_.size() && at_[at] != nullptr &&
            std::find(meanings.begin(), meanings.end(), at_[at]->meaning) != meanings.end();
@@ -94,42 +132,44 @@ class Names {
     std::size_t begin = wording.end;
     while (begin < items_.size() && isMark(items_[begin], ":-.\"'(*")) ++begin;
     if (begin >= items_.size() || items_[begin].kind == Item::Kind::lineBreak) {
-      const bool labelled = wording.meaning == Meaning::label || wording.meaning == Meaning::info;
+      const bool labelled = wording.is(Marker::label) || wording.is(Marker::info);
       if (!labelled || begin + 1 >= items_.size()) return {};
       ++begin;
-      if (isWordOf(begin, {Meaning::from, Meaning::to, Meaning::at})) return {};  // another label
+      if (isWordOf(begin, {Marker::from, Marker::to, Marker::at})) return {};  // another label
     }
     constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
     const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
     if (masked || (digits && items_[begin].text.size() > longestHouseNumber))
       begin = behindMask(begin);
-    if (isWordOf(begin, {Meaning::label})) begin = at_[begin]->end;  // "to Merchant STAR KABAB"
+    if (isWordOf(begin, {Marker::label})) begin = at_[begin]->end;  // "to Merchant STAR KABAB"
     if (begin >= items_.size() || !beginsName(begin)) return {};
-    const std::size_t end = endOfName(begin, wording.meaning);
+    const Marker* const marker = wording.as<Marker>();
+    const Introduction introduced = marker == nullptr ? Introduction() : *marker;
+    const std::size_t end = endOfName(begin, introduced);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
-    if (latin && isProse(wording.meaning, begin, end)) return {};
+    if (latin && isProse(introduced, begin, end)) return {};
     // "from Lotus Bank card 12", but in Arabic "from the shop by card 12".
-    const bool ownSide = latin && (wording.meaning == Meaning::ends ||
-                                   (kind_ != Kind::income && wording.meaning == Meaning::from));
-    if (ownSide && isWordOf(end, {Meaning::own})) return {};
-    return shown(begin, end, wording.meaning);
+    const bool ownSide = latin && (introduced == Marker::ends ||
+                                   (kind_ != Kind::income && introduced == Marker::from));
+    if (ownSide && isWordOf(end, {Marker::own})) return {};
+    return shown(begin, end, introduced);
   }
 
   // Behind "for", "by" and the like a name has a capital, unless it is an address: "lotus@upi".
-  [[nodiscard]] bool isProse(Meaning introduced, std::size_t begin, std::size_t end) const {
-    if (introduced != Meaning::towards && introduced != Meaning::by && introduced != Meaning::to &&
-        introduced != Meaning::from && introduced != Meaning::ends) {
+  [[nodiscard]] bool isProse(Introduction introduced, std::size_t begin, std::size_t end) const {
+    if (introduced != Marker::towards && introduced != Marker::by && introduced != Marker::to &&
+        introduced != Marker::from && introduced != Marker::ends) {
       return false;
     }
-    const char first = readable_[items_[begin].begin];
+    const char first = message_.text[items_[begin].begin];
     const bool small = first >= 'a' && first <= 'z';
     const bool latin = items_[begin].kind != Item::Kind::word || small ||
                        std::isupper(static_cast<unsigned char>(first)) != 0;
     // "on Nov 6"
     const bool day = begin + 1 < items_.size() && items_[begin + 1].isPiece;
-    if (introduced == Meaning::ends && day) return true;
-    if (introduced == Meaning::ends && (items_[begin].kind != Item::Kind::word || !latin))
+    if (introduced == Marker::ends && day) return true;
+    if (introduced == Marker::ends && (items_[begin].kind != Item::Kind::word || !latin))
       return true;
     return small && std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                  items_.begin() + static_cast<std::ptrdiff_t>(end),
@@ -147,11 +187,11 @@ class Names {
     std::size_t begin = end;
     while (begin > 0 && !items_[begin].startsSentence &&
            (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
-           !isWordOf(begin - 1, {Meaning::ends, Meaning::own, Meaning::balance, Meaning::from})) {
+           !isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from})) {
       --begin;
     }
     if (begin == end || !beginsName(begin)) return {};
-    return shown(begin, end, Meaning::label);
+    return shown(begin, end, Marker::label);
   }
 
   [[nodiscard]] bool beginsName(std::size_t at) const {
@@ -160,13 +200,12 @@ class Names {
       return false;
     const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
     const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
-    if (article && readable_[item.begin] != 'T') return false;
+    if (article && message_.text[item.begin] != 'T') return false;
     constexpr auto pronouns =
         std::to_array<std::string_view>({"we", "we've", "you", "you've", "i", "dear", "hi", "it"});
     if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
-    if (isWordOf(
-            at, {Meaning::own, Meaning::amount, Meaning::balance, Meaning::reference, Meaning::ends,
-                 Meaning::limit, Meaning::charge, Meaning::code, Meaning::done})) {
+    if (isWordOf(at, {Marker::own, SumRole::amount, SumRole::balance, Marker::reference,
+                      Marker::ends, SumRole::limit, SumRole::charge, Status::code, Status::done})) {
       // "Card Zone" and "Account Books" are names; "card 1234" and "account" are not.
       return false;
     }
@@ -190,7 +229,7 @@ class Names {
   }
 
   [[nodiscard]] bool isNameWord(std::size_t at) const {
-    return at_[at] == nullptr && beginsLikeAName(readable_, items_[at]);
+    return at_[at] == nullptr && beginsLikeAName(message_, at);
   }
 
   // "MARIA L. SANTOS"
@@ -204,35 +243,35 @@ class Names {
   [[nodiscard]] bool isArticle(std::size_t at) const {
     constexpr std::size_t longest = 2;
     return items_[at].text.size() <= longest && at + 1 < items_.size() &&
-           std::isupper(static_cast<unsigned char>(readable_[items_[at].begin])) != 0 &&
+           std::isupper(static_cast<unsigned char>(message_.text[items_[at].begin])) != 0 &&
            isNameWord(at + 1);
   }
 
   // Whether a name that began at `begin` ends before the word `at`, no mark being between them.
-  [[nodiscard]] bool isBehindName(std::size_t at, std::size_t begin, Meaning introduced) const {
+  [[nodiscard]] bool isBehindName(std::size_t at, std::size_t begin,
+                                  Introduction introduced) const {
     const Item& item = items_[at];
     const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
                            static_cast<unsigned char>(item.text.front()) >= 0xE4;
     if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
-    if (introduced == Meaning::info) {
-      return isWordOf(at, {Meaning::balance, Meaning::limit}) ||
-             (isWordOf(at, {Meaning::ends}) && (!item.capitals || item.text == "sms"));
+    if (introduced == Marker::info) {
+      return isWordOf(at, {SumRole::balance, SumRole::limit}) ||
+             (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));
     }
     if (isArticle(at)) return false;
     if (isWordOf(at,
-                 {Meaning::ends, Meaning::own, Meaning::balance, Meaning::limit, Meaning::reference,
-                  Meaning::from, Meaning::to, Meaning::towards, Meaning::by, Meaning::info})) {
+                 {Marker::ends, Marker::own, SumRole::balance, SumRole::limit, Marker::reference,
+                  Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
       return true;
     }
     // "COUNCIL TAX" is all name, "Council tax" need not be.
     if (item.capitals && items_[begin].capitals) return false;
-    return isWordOf(
-        at, {Meaning::at, Meaning::amount, Meaning::charge, Meaning::done, Meaning::credited,
-             Meaning::debited, Meaning::spent, Meaning::paid, Meaning::sent, Meaning::received,
-             Meaning::declined, Meaning::notYet, Meaning::refund, Meaning::aside});
+    return isWordOf(at, {Marker::at, SumRole::amount, SumRole::charge, Status::done, Move::credited,
+                         Move::debited, Move::spent, Move::paid, Move::sent, Move::received,
+                         Status::declined, Status::notYet, Move::refund, SumRole::aside});
   }
 
-  [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Meaning introduced) const {
+  [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Introduction introduced) const {
     const Item& item = items_[at];
     if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
       return true;
@@ -247,7 +286,7 @@ class Names {
     if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
     if (isMark(item, ":") && !item.glued) return true;
     if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
-        introduced != Meaning::info) {
+        introduced != Marker::info) {
       return true;  // a signature: "-Orchid Bank"
     }
     if (isMark(item, ".")) {
@@ -258,37 +297,36 @@ class Names {
     return isBehindName(at, begin, introduced);
   }
 
-  [[nodiscard]] std::size_t endOfName(std::size_t begin, Meaning introduced) const {
+  [[nodiscard]] std::size_t endOfName(std::size_t begin, Introduction introduced) const {
     std::size_t end = begin + 1;
     while (end < items_.size() && !endsName(end, begin, introduced)) ++end;
     return end;
   }
 
-  [[nodiscard]] std::string shown(std::size_t begin, std::size_t end, Meaning introduced) const {
+  [[nodiscard]] std::string shown(std::size_t begin, std::size_t end,
+                                  Introduction introduced) const {
     const bool slashes = std::any_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                      items_.begin() + static_cast<std::ptrdiff_t>(end),
                                      [](const Item& item) { return isMark(item, "/"); });
     const bool channel = isChannelWord(items_[begin].text);
-    const bool place = introduced == Meaning::at || introduced == Meaning::label;
+    const bool place = introduced == Marker::at || introduced == Marker::label;
     if ((slashes && (channel || !place)) ||
-        (channel && (introduced == Meaning::info || introduced == Meaning::by))) {
-      return nameInNarration(readable_, items_, begin, end);
+        (channel && (introduced == Marker::info || introduced == Marker::by))) {
+      return nameInNarration(message_, begin, end);
     }
-    return nameBetween(readable_, items_, begin, end);
+    return nameBetween(message_, begin, end);
   }
 
-  const std::string_view readable_;
+  const AnalysedMessage& message_;
   const Items& items_;
-  const std::span<const Found> found_;
   const Kind kind_;
   std::vector<const Found*> at_;  // the wording that begins at an item
 };
 
 }  // namespace
 
-std::string payeeIn(std::string_view readable, const Items& items, std::span<const Found> found,
-                    Kind kind) {
-  return Names(readable, items, found, kind).best();
+std::string payeeIn(const AnalysedMessage& message, Kind kind) {
+  return Names(message, kind).first();
 }
 
 }  // namespace kivo::recognition

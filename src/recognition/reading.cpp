@@ -1,9 +1,11 @@
 #include "recognition/reading.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "recognition/account_and_reference.h"
+#include "recognition/analysed_message.h"
 #include "recognition/merchant_categories.h"
 #include "recognition/message_items.h"
 #include "recognition/moved_sum.h"
@@ -22,50 +24,50 @@ using money::Money;
 
 namespace {
 
-using AllFound = std::vector<Found>;
-
-bool holds(std::span<const Found> found, Meaning meaning) {
-  return std::any_of(found.begin(), found.end(),
-                     [meaning](const Found& wording) { return wording.meaning == meaning; });
+AnalysedMessage analysed(std::string_view readable, Items items, const Wordings& wordings) {
+  std::vector<Found> found = wordings.foundIn(items);
+  return {.text = readable, .items = std::move(items), .wordings = std::move(found)};
 }
 
 // A login can be refused as well: only a message with a sum is about a payment.
-bool isRefused(const Items& all, std::span<const Found> found, const Movement* movement) {
-  if (!holds(found, Meaning::declined)) return false;
+bool isRefused(const AnalysedMessage& whole, const AnalysedMessage& reported,
+               const Movement* movement) {
+  if (!holds(reported.wordings, Status::declined)) return false;
   if (movement != nullptr) return movement->strength < Strength::refund;
-  return std::any_of(all.begin(), all.end(),
-                     [](const Item& item) { return item.kind == Item::Kind::sum; });
+  return std::ranges::any_of(whole.items,
+                             [](const Item& item) { return item.kind == Item::Kind::sum; });
 }
 
 // "-250,000VND ... SD: 3,110,000VND": beside evidence the sign of a sum tells its direction.
 const Movement* movementBySign(const Sum& sum) {
-  if (sum.sign == '-') return movementOf(Meaning::debit);
-  return sum.sign == '+' ? movementOf(Meaning::credit) : nullptr;
+  if (sum.sign == '-') return &movementOf(Move::debit);
+  return sum.sign == '+' ? &movementOf(Move::credit) : nullptr;
 }
 
-// Whether the item behind the wording `found[index]` is a word of no other wording: a name.
-bool namesSomebody(const Items& items, std::span<const Found> found, std::size_t index) {
-  const std::size_t behind = found[index].end;
-  if (behind >= items.size() || items[behind].kind != Item::Kind::word) return false;
-  return index + 1 == found.size() || found[index + 1].begin != behind;
+// Whether the item behind the wording with this index is a word of no other wording: a name.
+bool namesSomebody(const AnalysedMessage& message, std::size_t index) {
+  const std::vector<Found>& wordings = message.wordings;
+  const std::size_t behind = wordings[index].end;
+  if (behind >= message.items.size() || message.items[behind].kind != Item::Kind::word) {
+    return false;
+  }
+  return index + 1 == wordings.size() || wordings[index + 1].begin != behind;
 }
 
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
 // "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a word
 // for the movement, the other party's place tells the direction.
-const Movement* movementByPlace(const Items& items, std::span<const Found> found) {
-  if (holds(found, Meaning::own) && holds(found, Meaning::done)) {
-    return movementOf(Meaning::transaction);
-  }
-  if (!holds(found, Meaning::limit) && !showsEvidence(items, found)) return nullptr;
-  const bool own = holds(found, Meaning::own);
-  for (std::size_t index = 0; index < found.size(); ++index) {
-    const Meaning meaning = found[index].meaning;
-    const bool out = meaning == Meaning::at || meaning == Meaning::to;
-    const bool in = meaning == Meaning::from && own;
+const Movement* movementByPlace(const AnalysedMessage& message) {
+  const std::vector<Found>& wordings = message.wordings;
+  const bool own = holds(wordings, Marker::own);
+  if (own && holds(wordings, Status::done)) return &movementOf(Move::transaction);
+  if (!holds(wordings, SumRole::limit) && !showsEvidence(message)) return nullptr;
+  for (std::size_t index = 0; index < wordings.size(); ++index) {
+    const bool out = wordings[index].is(Marker::at) || wordings[index].is(Marker::to);
+    const bool in = wordings[index].is(Marker::from) && own;
     if (!out && !in) continue;
-    if (namesSomebody(items, found, index)) {
-      return movementOf(out ? Meaning::transaction : Meaning::transferIn);
+    if (namesSomebody(message, index)) {
+      return &movementOf(out ? Move::transaction : Move::transferIn);
     }
   }
   return nullptr;
@@ -89,18 +91,19 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
 }
 
 // The movement that the message reports; null for none.
-const Movement* movementIn(const Items& items, const AllFound& found, const SumParts& sums,
-                           bool begunToCome) {
-  const Movement* movement = strongestMovement(found);
+const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums, bool begunToCome) {
+  const Movement* movement = strongestMovement(message.wordings);
   const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
-  if (weak && sums.moved && showsEvidence(items, found)) {
-    const Movement* const signedOne = movementBySign(items[*sums.moved].sum);
+  if (weak && sums.moved && showsEvidence(message)) {
+    const Movement* const signedOne = movementBySign(message.items[*sums.moved].sum);
     const bool agrees =
         movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
     if (signedOne != nullptr && !agrees) movement = signedOne;
   }
-  if (movement == nullptr) movement = movementByPlace(items, found);
-  if (movement == nullptr && holds(found, Meaning::charge)) movement = movementOf(Meaning::fee);
+  if (movement == nullptr) movement = movementByPlace(message);
+  if (movement == nullptr && holds(message.wordings, SumRole::charge)) {
+    movement = &movementOf(Move::fee);
+  }
   // A message that opens with what is to come needs a verb to report a movement: "Your bill is
   // ready. Min payment ..." has none.
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
@@ -117,18 +120,18 @@ Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
 
 // The transaction that the message reports as `movement`. The caller decides whether a person has
 // to look at it. `sums` have one that moved.
-Reading details(std::string_view readable, const Items& items, std::span<const Found> found,
-                const SumParts& sums, const Movement& movement, std::string_view bookCurrency) {
-  const Movement& naming = namingMovement(found, movement);
+Reading details(const AnalysedMessage& message, const SumParts& sums, const Movement& movement,
+                std::string_view bookCurrency) {
+  const Movement& naming = namingMovement(message.wordings, movement);
   Reading reading{.outcome = Outcome::transaction, .kind = movement.kind};
-  reading.amount = moneyOf(items[*sums.moved].sum, bookCurrency);
-  if (sums.balance) reading.balance = moneyOf(items[*sums.balance].sum, bookCurrency);
+  reading.amount = moneyOf(message.items[*sums.moved].sum, bookCurrency);
+  if (sums.balance) reading.balance = moneyOf(message.items[*sums.balance].sum, bookCurrency);
   const bool other = movement.kind != Kind::transfer;
-  if (other) reading.payee = payeeIn(readable, items, found, movement.kind);
+  if (other) reading.payee = payeeIn(message, movement.kind);
   reading.description = reading.payee.empty() ? naming.description : reading.payee;
   reading.category = categoryOf(naming, reading.payee);
-  reading.account = ownAccount(items, found, movement.kind);
-  reading.reference = referenceIn(items, found, readable);
+  reading.account = ownAccount(message, movement.kind);
+  reading.reference = referenceIn(message);
   return reading;
 }
 
@@ -147,29 +150,29 @@ Reading readBy(const Wordings& wordings, std::string_view text, std::string_view
   if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
 
   const std::string readable = readableForm(text);
-  const Items all = withSums(itemsOf(readable), bookCurrency, wordings);
-  const AllFound said = wordings.foundIn(all);
-  if (announcesACode(all, said)) return {};
+  const AnalysedMessage whole =
+      analysed(readable, withSums(itemsOf(readable), bookCurrency, wordings), wordings);
+  if (announcesACode(whole)) return {};
 
-  const Items items = reportedPart(all, said);
-  const AllFound found = wordings.foundIn(items);
-  const SumParts sums = partsOfSums(items, found, bookCurrency);
-  const bool begunToCome = items.empty() || items.front().begin != all.front().begin;
-  const Movement* const movement = movementIn(items, found, sums, begunToCome);
-  if (isRefused(all, found, movement)) return {.outcome = Outcome::declined};
+  const AnalysedMessage reported = analysed(readable, reportedPart(whole), wordings);
+  const SumParts sums = partsOfSums(reported, bookCurrency);
+  const bool begunToCome =
+      reported.items.empty() || reported.items.front().begin != whole.items.front().begin;
+  const Movement* const movement = movementIn(reported, sums, begunToCome);
+  if (isRefused(whole, reported, movement)) return {.outcome = Outcome::declined};
   if (!sums.moved) return {};
   if (movement == nullptr) {
-    const bool reported = items.size() == all.size() && sums.balance;
-    return reported ? unexplained(items[*sums.moved].sum, bookCurrency) : Reading();
+    const bool complete = reported.items.size() == whole.items.size() && sums.balance;
+    return complete ? unexplained(reported.items[*sums.moved].sum, bookCurrency) : Reading();
   }
 
-  Reading reading = details(readable, items, found, sums, *movement, bookCurrency);
+  Reading reading = details(reported, sums, *movement, bookCurrency);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
-  const bool evidence = showsEvidence(items, found);
+  const bool evidence = showsEvidence(reported);
   const bool weak = movement->strength <= Strength::noun;
   // "You paid EGP 50.00 at Tulip Store. Enjoy 10% off next time!" reports a payment nevertheless.
-  const bool apart = !weak && !reading.payee.empty() && !holds(found, Meaning::offer);
-  if (holds(said, Meaning::offer) && !evidence && !apart) return {};
+  const bool apart = !weak && !reading.payee.empty() && !holds(reported.wordings, Status::offer);
+  if (holds(whole.wordings, Status::offer) && !evidence && !apart) return {};
   // A noun ("payment", "transfer") without a payee could as well be about a plan.
   const bool vague = weak && !evidence && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;

@@ -8,37 +8,10 @@
 namespace kivo::recognition {
 namespace {
 
-struct Sentence {
-  std::size_t begin = 0;
-  std::size_t end = 0;
-  std::span<const Found> found = {};
-};
-
-std::vector<Sentence> sentencesOf(const Items& items, std::span<const Found> found) {
-  std::vector<Sentence> sentences;
-  std::size_t wording = 0;
-  for (std::size_t at = 0; at < items.size();) {
-    Sentence sentence{.begin = at, .end = at + 1};
-    while (sentence.end < items.size() && !items[sentence.end].startsSentence) ++sentence.end;
-    while (wording < found.size() && found[wording].begin < at) ++wording;
-    const std::size_t first = wording;
-    while (wording < found.size() && found[wording].begin < sentence.end) ++wording;
-    sentence.found = found.subspan(first, wording - first);
-    sentences.push_back(sentence);
-    at = sentence.end;
-  }
-  return sentences;
-}
-
-bool holds(std::span<const Found> found, Meaning meaning) {
-  return std::any_of(found.begin(), found.end(),
-                     [meaning](const Found& wording) { return wording.meaning == meaning; });
-}
-
-bool reports(Meaning meaning) {
-  const Movement* const movement = movementOf(meaning);
-  return meaning == Meaning::done || meaning == Meaning::declined ||
-         (movement != nullptr && movement->strength >= Strength::verb);
+bool reports(const Found& wording) {
+  const Move* const move = wording.as<Move>();
+  return wording.is(Status::done) || wording.is(Status::declined) ||
+         (move != nullptr && movementOf(*move).strength >= Strength::verb);
 }
 
 // "Pay your bill", "Dear Omar, pay your bill"; but not "Sunny Pay", "Pay: ...".
@@ -50,19 +23,16 @@ bool urges(const Items& items, const Found& wording) {
 // Whether the sentence speaks of what is to come: "will be debited", but not "was debited, and will
 // be shown".
 bool isToCome(const Items& items, const Sentence& sentence) {
-  for (const Found& wording : sentence.found) {
-    if (wording.meaning == Meaning::notDone) return true;
-  }
-  const bool reported = std::any_of(sentence.found.begin(), sentence.found.end(),
-                                    [](const Found& one) { return reports(one.meaning); });
-  if (holds(sentence.found, Meaning::planned) &&
-      (!reported || holds(sentence.found, Meaning::declined))) {
+  if (holds(sentence.wordings, Status::notDone)) return true;
+  const bool reported = std::ranges::any_of(sentence.wordings, reports);
+  if (holds(sentence.wordings, Status::planned) &&
+      (!reported || holds(sentence.wordings, Status::declined))) {
     return true;
   }
-  for (const Found& wording : sentence.found) {
-    if (reports(wording.meaning)) return false;
-    if (wording.meaning == Meaning::notYet || wording.meaning == Meaning::offer) return true;
-    if (wording.meaning == Meaning::urged && urges(items, wording)) return true;
+  for (const Found& wording : sentence.wordings) {
+    if (reports(wording)) return false;
+    if (wording.is(Status::notYet) || wording.is(Status::offer)) return true;
+    if (wording.is(Status::urged) && urges(items, wording)) return true;
   }
   return false;
 }
@@ -80,13 +50,13 @@ bool numberFollows(const Items& items, std::size_t at) {
 
 }  // namespace
 
-bool announcesACode(const Items& items, std::span<const Found> found) {
+bool announcesACode(const AnalysedMessage& message) {
   constexpr std::size_t shortestCode = 4;
-  for (const Sentence& sentence : sentencesOf(items, found)) {
-    if (!holds(sentence.found, Meaning::code)) continue;
-    if (!holds(sentence.found, Meaning::warning)) return true;
+  for (const Sentence& sentence : sentencesOf(message)) {
+    if (!holds(sentence.wordings, Status::code)) continue;
+    if (!holds(sentence.wordings, Status::warning)) return true;
     for (std::size_t at = sentence.begin; at < sentence.end; ++at) {
-      const Item& item = items[at];
+      const Item& item = message.items[at];
       if (item.kind == Item::Kind::number && !item.isPiece && item.text.size() >= shortestCode) {
         return true;
       }
@@ -95,28 +65,31 @@ bool announcesACode(const Items& items, std::span<const Found> found) {
   return false;
 }
 
-Items reportedPart(const Items& items, std::span<const Found> found) {
+Items reportedPart(const AnalysedMessage& message) {
+  const auto itemAt = [&](std::size_t at) {
+    return message.items.begin() + static_cast<std::ptrdiff_t>(at);
+  };
   Items kept;
-  for (const Sentence& sentence : sentencesOf(items, found)) {
-    if (isToCome(items, sentence)) continue;
-    kept.insert(kept.end(), items.begin() + static_cast<std::ptrdiff_t>(sentence.begin),
-                items.begin() + static_cast<std::ptrdiff_t>(sentence.end));
+  for (const Sentence& sentence : sentencesOf(message)) {
+    if (isToCome(message.items, sentence)) continue;
+    kept.insert(kept.end(), itemAt(sentence.begin), itemAt(sentence.end));
   }
   return kept;
 }
 
-bool showsEvidence(const Items& items, std::span<const Found> found) {
-  for (const Sentence& sentence : sentencesOf(items, found)) {
-    if (holds(sentence.found, Meaning::offer)) continue;
-    if (holds(sentence.found, Meaning::balance) || holds(sentence.found, Meaning::reference)) {
+bool showsEvidence(const AnalysedMessage& message) {
+  for (const Sentence& sentence : sentencesOf(message)) {
+    if (holds(sentence.wordings, Status::offer)) continue;
+    if (holds(sentence.wordings, SumRole::balance) || holds(sentence.wordings, Marker::reference)) {
       return true;
     }
     for (std::size_t at = sentence.begin; at < sentence.end; ++at) {
-      if (items[at].kind == Item::Kind::number && items[at].isPiece) return true;
+      const Item& item = message.items[at];
+      if (item.kind == Item::Kind::number && item.isPiece) return true;
     }
-    for (const Found& wording : sentence.found) {
-      const bool account = wording.meaning == Meaning::own || wording.meaning == Meaning::ends;
-      if (account && numberFollows(items, wording.end)) return true;
+    for (const Found& wording : sentence.wordings) {
+      const bool account = wording.is(Marker::own) || wording.is(Marker::ends);
+      if (account && numberFollows(message.items, wording.end)) return true;
     }
   }
   return false;

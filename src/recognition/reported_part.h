@@ -2,22 +2,18 @@
 // announcements. Does not interpret it.
 #pragma once
 
-#include <span>
-#include <vector>
-
-#include "recognition/message_items.h"
-#include "recognition/wordings.h"
+#include "recognition/analysed_message.h"
 
 namespace kivo::recognition {
 
 /// Whether the message announces a code, rather than only warns about codes beside a payment.
-bool announcesACode(const Items& items, std::span<const Found> found);
+bool announcesACode(const AnalysedMessage& message);
 
 /// The items of the sentences that report something. Joined, they are a message of their own.
-Items reportedPart(const Items& items, std::span<const Found> found);
+Items reportedPart(const AnalysedMessage& message);
 
-/// Returns whether `items` hold evidence of a movement, which an advertisement lacks: the digits of
+/// Whether `message` holds evidence of a movement, which an advertisement lacks: the digits of
 /// an account, a date or time, a balance or a reference.
-bool showsEvidence(const Items& items, std::span<const Found> found);
+bool showsEvidence(const AnalysedMessage& message);
 
 }  // namespace kivo::recognition

@@ -142,10 +142,10 @@ class SumReader {
     if (digits.find_first_of(".,") != std::string::npos) return true;
     std::size_t end = number;
     while (end > 0 && isMark(items_[end - 1], ":-+=.")) --end;
-    if (wordings_.anyEndsAt(items_, end, Meaning::amount)) return true;
+    if (wordings_.anyEndsAt(items_, end, SumRole::amount)) return true;
     return end > 0 && items_[end - 1].text == "by" &&
-           (wordings_.anyEndsAt(items_, end, Meaning::debited) ||
-            wordings_.anyEndsAt(items_, end, Meaning::credited));
+           (wordings_.anyEndsAt(items_, end, Move::debited) ||
+            wordings_.anyEndsAt(items_, end, Move::credited));
   }
 
   // How far a sum goes around its number.

@@ -16,8 +16,17 @@ struct Wording {
   std::string_view words;
 };
 
+// The names in wordings.def, whatever their sort.
+namespace named {
+using enum Move;
+using enum Status;
+using enum SumRole;
+using enum Marker;
+using enum Plain;
+}  // namespace named
+
 constexpr auto wordings = std::to_array<Wording>({
-#define WORDING(meaning, words, example, reading) {Meaning::meaning, words},
+#define WORDING(meaning, words, example, reading) {named::meaning, words},
 #include "recognition/wordings.def"
 #undef WORDING
 });
@@ -50,7 +59,7 @@ std::string keyOf(const Element& first) {
 }  // namespace
 
 struct WordingPattern {
-  Meaning meaning = Meaning::plain;
+  Meaning meaning = Plain::plain;
   bool namePrecedes = false;
   std::vector<Element> elements = {};
   // Its first word. If that word is open at its end, its first character and "~". "#" for a sum.
@@ -148,6 +157,11 @@ void findLonger(std::span<const WordingPattern* const> patterns, const Items& it
 
 }  // namespace
 
+bool holds(std::span<const Found> found, Meaning meaning) {
+  return std::ranges::any_of(found,
+                             [meaning](const Found& wording) { return wording.is(meaning); });
+}
+
 Wordings::Wordings() {
   for (const WordingPattern& pattern : compiled()) patterns_.push_back(&pattern);
   std::ranges::stable_sort(patterns_, {}, &WordingPattern::key);
@@ -204,7 +218,7 @@ bool Wordings::anyEndsAt(const Items& items, std::size_t end, Meaning meaning) c
   constexpr std::size_t mostItems = 4;
   for (std::size_t length = 1; length <= std::min(mostItems, end); ++length) {
     const auto longest = longestAt(items, end - length);
-    if (longest && longest->meaning == meaning && longest->end == end) return true;
+    if (longest && longest->is(meaning) && longest->end == end) return true;
   }
   return false;
 }

@@ -3,16 +3,19 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "recognition/message_items.h"
 
 namespace kivo::recognition {
 
-/// The use of a wording. wordings.def explains each.
-enum class Meaning {
-  // Money moved.
+// The uses of wordings, by sort. Each name is of one sort only; wordings.def explains each.
+
+/// Money moved.
+enum class Move {
   spent,
   purchase,
   paid,
@@ -37,7 +40,10 @@ enum class Meaning {
   cashback,
   cardSettlement,
   ownTransfer,
-  // No money moved.
+};
+
+/// Whether a message or sentence reports a movement: it announces, forbids, asks or offers.
+enum class Status {
   code,
   warning,
   declined,
@@ -47,14 +53,20 @@ enum class Meaning {
   offer,
   urged,
   done,
-  // The part that a sum plays.
+};
+
+/// The part that a sum plays.
+enum class SumRole {
   amount,
   balance,
   limit,
   charge,
   aside,
   equivalent,
-  // Names, accounts and references.
+};
+
+/// The place of a name, an account or a reference.
+enum class Marker {
   label,
   at,
   to,
@@ -64,15 +76,17 @@ enum class Meaning {
   info,
   ends,
   own,
-  account,
   reference,
-  // Words that would otherwise be read as one of the above: "to block", "for details".
-  plain,
 };
+
+/// Words that would otherwise be read as one of the above: "to block", "for details".
+enum class Plain { plain };
+
+using Meaning = std::variant<Move, Status, SumRole, Marker, Plain>;
 
 /// A wording in a message.
 struct Found {
-  Meaning meaning = Meaning::plain;
+  Meaning meaning = Plain::plain;
   /// Its items, from the first to behind the last.
   std::size_t begin = 0;
   std::size_t end = 0;
@@ -80,7 +94,17 @@ struct Found {
   bool nameFollows = false;
   /// The other party's name ends at `begin`.
   bool namePrecedes = false;
+
+  [[nodiscard]] bool is(Meaning other) const { return meaning == other; }
+  /// Its meaning of that sort; null when it is of another sort.
+  template <class Sort>
+  [[nodiscard]] const Sort* as() const {
+    return std::get_if<Sort>(&meaning);
+  }
 };
+
+/// Whether one of `found` has `meaning`.
+bool holds(std::span<const Found> found, Meaning meaning);
 
 struct WordingPattern;
 
