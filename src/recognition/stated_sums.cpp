@@ -30,14 +30,13 @@ class SumReader {
         result.push_back(items_[at]);
         continue;
       }
-      const std::size_t begin = at;
       Item item = sumAt(at);  // moves `at` to the last item of the sum
       while (!result.empty() && result.back().begin >= item.begin) {
         item.startsSentence = result.back().startsSentence;
         item.glued = result.back().glued;
         result.pop_back();
       }
-      taken_ = std::max(taken_, std::max(at, begin) + 1);
+      taken_ = at + 1;
       result.push_back(std::move(item));
     }
     return result;

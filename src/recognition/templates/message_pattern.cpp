@@ -4,48 +4,47 @@
 #include <span>
 #include <utility>
 
-#include "recognition/templates/literal_search.h"
 #include "recognition/templates/message_text.h"
 
 namespace kivo::recognition {
 namespace {
-
-std::string reversedText(std::string_view text) { return {text.rbegin(), text.rend()}; }
 
 bool isLetter(char byte) {
   return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
          static_cast<unsigned char>(byte) >= 0x80;
 }
 
-// Returns for each position of `text` whether the number of {amount} may begin there, that is,
-// whether the pattern before {amount}, `literals`, matches the text before that position.
-std::vector<bool> placesBehind(std::string_view text, std::span<const std::string> literals) {
-  std::vector<bool> places(text.size() + 1, false);
-  const std::string& last = literals.back();
-  std::size_t least = 0;  // where the last literal may begin
-  if (literals.size() > 1) {
-    const auto front = shortestPrefix(text, literals.first(literals.size() - 1));
-    if (!front) return places;
-    least = *front + 1;
+using Literals = std::span<const std::string>;
+
+// The end of the shortest front of `text` that begins with the first of `literals`, ends with the
+// last, and has all in this order with at least one byte between two of them; absent when no front
+// has. A message is short (`longestMessage`), so a search that compares each place with the whole
+// literal takes well below a millisecond.
+std::optional<std::size_t> endOfShortestFront(std::string_view text, Literals literals) {
+  if (!text.starts_with(literals.front())) return std::nullopt;
+  std::size_t end = literals.front().size();
+  for (const std::string& literal : literals.subspan(1)) {
+    const std::size_t begin = text.find(literal, end + 1);
+    if (begin == std::string_view::npos) return std::nullopt;
+    end = begin + literal.size();
   }
-  forEachEnd(text, last, [&](std::size_t end) {
-    const std::size_t begin = end - last.size();
-    if (literals.size() == 1 && begin > 0) return false;
-    if (begin >= least) places[end] = true;
-    return true;
-  });
-  return places;
+  return end;
+}
+
+// The same from the other end: where the shortest back of `text` begins.
+std::optional<std::size_t> beginOfShortestBack(std::string_view text, Literals literals) {
+  if (!text.ends_with(literals.back())) return std::nullopt;
+  std::size_t begin = text.size() - literals.back().size();
+  for (std::size_t at = literals.size() - 1; at-- > 0;) {
+    const std::size_t length = literals[at].size();
+    if (begin <= length) return std::nullopt;
+    begin = text.rfind(literals[at], begin - 1 - length);
+    if (begin == std::string_view::npos) return std::nullopt;
+  }
+  return begin;
 }
 
 }  // namespace
-
-// A part of a message, and the range of literals that it has to match.
-struct MessagePattern::Range {
-  std::string_view text;
-  std::string_view reversed;
-  std::size_t first = 0;
-  std::size_t last = 0;
-};
 
 MessagePattern::Parsed MessagePattern::parse(std::string_view text) {
   constexpr std::string_view unknown =
@@ -82,9 +81,6 @@ MessagePattern::Parsed MessagePattern::parse(std::string_view text) {
       })) {
     return {.error = "a template needs a word beside its placeholders"};
   }
-  for (auto one = pattern.literals_.rbegin(); one != pattern.literals_.rend(); ++one) {
-    pattern.backwards_.push_back(reversedText(*one));
-  }
   return {.pattern = std::move(pattern)};
 }
 
@@ -98,61 +94,71 @@ std::string MessagePattern::escaped(std::string_view text) {
 }
 
 std::optional<PatternFit> MessagePattern::fit(std::string_view message) const {
-  const std::string reversed = reversedText(message);
-  if (amount_) return fitWithAmount(message, reversed);
-  auto payee = payeeIn({.text = message, .reversed = reversed, .last = literals_.size() - 1});
+  if (amount_) return fitWithAmount(message);
+  auto payee = payeeIn(message, 0, literals_.size() - 1);
   if (!payee) return std::nullopt;
   return PatternFit{.amounts = {}, .payee = *std::move(payee)};
 }
 
 // Matches as little as possible before and after {payee}, so that {payee} gets the rest. Without
 // {payee} it does not matter how the placeholders share the text.
-std::optional<std::string> MessagePattern::payeeIn(const Range& range) const {
-  if (range.first == range.last) {
-    return range.text == literals_[range.first] ? std::optional<std::string>("") : std::nullopt;
+std::optional<std::string> MessagePattern::payeeIn(std::string_view text, std::size_t first,
+                                                   std::size_t last) const {
+  if (first == last) {
+    return text == literals_[first] ? std::optional<std::string>("") : std::nullopt;
   }
-  const bool isHere = payee_ && *payee_ >= range.first && *payee_ < range.last;
-  const std::size_t middle = isHere ? *payee_ : range.first;
-  const std::span<const std::string> literals(literals_);
-  const std::span<const std::string> backwards(backwards_);
-  const auto front =
-      shortestPrefix(range.text, literals.subspan(range.first, middle - range.first + 1));
-  const auto back = shortestPrefix(
-      range.reversed, backwards.subspan(literals_.size() - 1 - range.last, range.last - middle));
-  if (!front || !back || *front + *back >= range.text.size()) return std::nullopt;
+  const bool isHere = payee_ && *payee_ >= first && *payee_ < last;
+  const std::size_t middle = isHere ? *payee_ : first;
+  const Literals literals(literals_);
+  const auto front = endOfShortestFront(text, literals.subspan(first, middle - first + 1));
+  const auto back = beginOfShortestBack(text, literals.subspan(middle + 1, last - middle));
+  if (!front || !back || *front >= *back) return std::nullopt;
   if (!isHere) return "";
-  return std::string(range.text.substr(*front, range.text.size() - *back - *front));
+  return std::string(text.substr(*front, *back - *front));
 }
 
-std::optional<PatternFit> MessagePattern::fitWithAmount(std::string_view message,
-                                                        const std::string& reversed) const {
-  const std::size_t length = message.size();
-  const auto before =
-      placesBehind(message, std::span<const std::string>(literals_).first(*amount_ + 1));
-  const auto behind = placesBehind(
-      reversed, std::span<const std::string>(backwards_).first(literals_.size() - 1 - *amount_));
-  PatternFit fit;
-  std::size_t begin = 0;
-  std::size_t end = 0;
-  for (std::size_t at = 0; at < length; ++at) {
-    if (!before[at]) continue;
+// The numbers of `message` that {amount} may match, at most two.
+std::vector<MessageNumber> MessagePattern::amountsIn(std::string_view message) const {
+  const Literals literals(literals_);
+  const Literals front = literals.first(*amount_);
+  const Literals back = literals.subspan(*amount_ + 2);
+  const std::string& before = literals_[*amount_];
+  const std::string& behind = literals_[*amount_ + 1];
+  const auto frontEnd = front.empty() ? 0 : endOfShortestFront(message, front);
+  const auto backBegin = back.empty() ? message.size() : beginOfShortestBack(message, back);
+  if (!frontEnd || !backBegin) return {};
+  const auto mayBegin = [&](std::size_t at) {
+    if (!message.substr(0, at).ends_with(before)) return false;
+    const std::size_t begin = at - before.size();
+    return front.empty() ? begin == 0 : begin > *frontEnd;
+  };
+  const auto mayEnd = [&](std::size_t at) {
+    if (!message.substr(at).starts_with(behind)) return false;
+    const std::size_t end = at + behind.size();
+    return back.empty() ? end == message.size() : end < *backBegin;
+  };
+  std::vector<MessageNumber> amounts;
+  for (std::size_t at = 0; at < message.size(); ++at) {
+    if (!mayBegin(at)) continue;
     for (MessageNumber& number : numbersAt(message, at)) {
-      if (!behind[length - number.end]) continue;
-      fit.amounts.push_back(std::move(number.digits));
-      if (fit.amounts.size() > 1) return fit;
-      begin = at;
-      end = number.end;
+      if (mayEnd(number.end)) amounts.push_back(std::move(number));
+      if (amounts.size() > 1) return amounts;
     }
   }
-  if (fit.amounts.empty()) return std::nullopt;
-  if (!payee_) return fit;
-  const std::string_view reversedView = reversed;
-  const Range range =
-      *payee_ < *amount_
-          ? Range{message.substr(0, begin), reversedView.substr(length - begin), 0, *amount_}
-          : Range{message.substr(end), reversedView.substr(0, length - end), *amount_ + 1,
-                  literals_.size() - 1};
-  fit.payee = payeeIn(range).value_or("");
+  return amounts;
+}
+
+std::optional<PatternFit> MessagePattern::fitWithAmount(std::string_view message) const {
+  PatternFit fit;
+  const std::vector<MessageNumber> amounts = amountsIn(message);
+  if (amounts.empty()) return std::nullopt;
+  for (const MessageNumber& amount : amounts) fit.amounts.push_back(amount.digits);
+  if (!payee_ || amounts.size() > 1) return fit;
+  const MessageNumber& amount = amounts.front();
+  const auto payee = *payee_ < *amount_
+                         ? payeeIn(message.substr(0, amount.begin), 0, *amount_)
+                         : payeeIn(message.substr(amount.end), *amount_ + 1, literals_.size() - 1);
+  fit.payee = payee.value_or("");
   return fit;
 }
 

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "recognition/templates/message_text.h"
+
 namespace kivo::recognition {
 
 /// The parts of a message that the placeholders of a pattern matched.
@@ -30,7 +32,8 @@ class MessagePattern {
   static std::string escaped(std::string_view text);
 
   /// Matches a whole message in template form (message_text.h); returns nullopt when it does not
-  /// match. {payee} matches as much as possible. Time is linear in the lengths of both.
+  /// match. {payee} matches as much as possible. Time is quadratic in the length of the message,
+  /// some milliseconds for one of `longestMessage`, whatever the pattern.
   [[nodiscard]] std::optional<PatternFit> fit(std::string_view message) const;
 
   [[nodiscard]] bool hasAmount() const { return amount_.has_value(); }
@@ -40,15 +43,15 @@ class MessagePattern {
 
   // literals_[n] precedes placeholder n; the last one follows the last placeholder.
   std::vector<std::string> literals_;
-  // literals_ in reverse order, each reversed.
-  std::vector<std::string> backwards_;
   std::optional<std::size_t> amount_;
   std::optional<std::size_t> payee_;
 
-  struct Range;
-  [[nodiscard]] std::optional<std::string> payeeIn(const Range& range) const;
-  [[nodiscard]] std::optional<PatternFit> fitWithAmount(std::string_view message,
-                                                        const std::string& reversed) const;
+  // The text that {payee} matches when the literals from `first` to `last` match all of `text`;
+  // empty when {payee} is not between them, absent when they do not match.
+  [[nodiscard]] std::optional<std::string> payeeIn(std::string_view text, std::size_t first,
+                                                   std::size_t last) const;
+  [[nodiscard]] std::vector<MessageNumber> amountsIn(std::string_view message) const;
+  [[nodiscard]] std::optional<PatternFit> fitWithAmount(std::string_view message) const;
 };
 
 struct MessagePattern::Parsed {

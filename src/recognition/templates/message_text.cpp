@@ -61,7 +61,8 @@ std::string templateForm(std::string_view text) {
 std::vector<MessageNumber> numbersAt(std::string_view text, std::size_t at) {
   if (!beginsNumber(text, at)) return {};
   const Items items = itemsOf(text.substr(at, longestNumber));
-  std::vector<MessageNumber> found{{.end = at + items[0].end, .digits = items[0].text}};
+  std::vector<MessageNumber> found{
+      {.begin = at, .end = at + items[0].end, .digits = items[0].text}};
   std::string grouped = items[0].text;
   std::size_t last = 0;
   constexpr std::size_t longestFirstGroup = 3;
@@ -70,7 +71,7 @@ std::vector<MessageNumber> numbersAt(std::string_view text, std::size_t at) {
       grouped += items[++last].text;
     }
   }
-  if (last > 0) found.push_back({.end = at + items[last].end, .digits = grouped});
+  if (last > 0) found.push_back({.begin = at, .end = at + items[last].end, .digits = grouped});
   if (at + items.back().end == at + longestNumber && isDigit(text, at + longestNumber)) {
     std::erase_if(found, [&](const MessageNumber& number) {
       return number.end == at + longestNumber;  // goes on behind what was looked at

@@ -14,7 +14,8 @@ std::string templateForm(std::string_view text);
 
 /// A number of a message.
 struct MessageNumber {
-  /// The position after it.
+  /// Its first position, and the one after it.
+  std::size_t begin = 0;
   std::size_t end = 0;
   /// Its digits and separators, without the blanks between groups.
   std::string digits;

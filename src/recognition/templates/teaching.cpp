@@ -8,7 +8,6 @@
 #include "recognition/message_items.h"
 #include "recognition/stated_sums.h"
 #include "recognition/templates/figures.h"
-#include "recognition/templates/literal_search.h"
 #include "recognition/templates/message_text.h"
 
 namespace kivo::recognition {
@@ -49,12 +48,12 @@ std::vector<Place> numbersIn(std::string_view form, std::size_t begin, std::size
 std::vector<Place> amountPlaces(std::string_view form, std::string_view given) {
   std::vector<Place> places;
   if (numbersIn(given, 0, given.size()).size() != 1) return places;
-  forEachEnd(form, given, [&](std::size_t end) {
-    const auto numbers = numbersIn(form, end - given.size(), end);
+  for (std::size_t begin = form.find(given); begin != form.npos;
+       begin = form.find(given, begin + 1)) {
+    const auto numbers = numbersIn(form, begin, begin + given.size());
     const bool isNew = numbers.size() == 1 && (places.empty() || places.back() != numbers.front());
     if (isNew) places.push_back(numbers.front());
-    return true;
-  });
+  }
   return places;
 }
 
@@ -70,18 +69,19 @@ std::vector<Place> payeePlaces(std::string_view form, std::string_view payee,
   std::vector<Place> words;
   std::vector<Place> parts;
   if (payee.empty()) return words;
-  forEachEnd(form, payee, [&](std::size_t end) {
-    const Place place{.begin = end - payee.size(), .end = end, .placeholder = "{any}"};
+  for (std::size_t begin = form.find(payee); begin != form.npos;
+       begin = form.find(payee, begin + 1)) {
+    const std::size_t end = begin + payee.size();
+    const Place place{.begin = begin, .end = end, .placeholder = "{any}"};
     const bool overlaps =
         (amount && amount->overlaps(place)) || (!words.empty() && words.back().overlaps(place));
-    if (overlaps) return true;
+    if (overlaps) continue;
     const bool begins =
         place.begin == 0 || !isWordByte(form, place.begin - 1) || !isWordByte(form, place.begin);
     const bool ends = end == form.size() || !isWordByte(form, end) || !isWordByte(form, end - 1);
     if (begins && ends) words.push_back(place);
     if (parts.empty()) parts.push_back(place);
-    return true;
-  });
+  }
   if (words.empty()) words = std::move(parts);
   if (!words.empty()) words.front().placeholder = "{payee}";
   return words;
