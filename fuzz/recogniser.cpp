@@ -35,7 +35,7 @@ void requireASumOfTheText(const Reading& reading, const std::string& text,
   kivo::fuzz::require(
       bareDigits(readableForm(text)).find(bareDigits(amountText(*reading.amount))) !=
           std::string::npos,
-      "the digits of a booked sum stand in the text");
+      "the digits of a booked sum are in the text");
 }
 
 }  // namespace

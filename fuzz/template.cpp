@@ -61,7 +61,7 @@ void teachAny(FuzzedDataProvider& data) {
   const std::string& text = taught.made->text;
   require(text.find_first_of("0123456789") == std::string::npos, "no digit is in a template");
   const auto written = MessagePattern::parse(text);
-  require(written.pattern.has_value(), "what is written can be read");
+  require(written.pattern.has_value(), "a template as it was written is a pattern");
   const auto fit = written.pattern->fit(templateForm(message));
   require(fit.has_value(), "the template fits its message");
   if (!kind) return;

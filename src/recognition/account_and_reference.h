@@ -1,4 +1,4 @@
-// The account digits and the bank's reference that a message shows.
+// Finds the digits of the person's own account and the bank's reference in a message.
 #pragma once
 
 #include <string>

@@ -21,13 +21,13 @@ struct Groups {
   std::string separators;
 };
 
-Groups groupsOf(std::string_view digits) {
+Groups groupsOf(std::string_view amount) {
   Groups groups;
   std::size_t begin = 0;
-  for (std::size_t at = 0; at <= digits.size(); ++at) {
-    if (at < digits.size() && digits[at] >= '0' && digits[at] <= '9') continue;
-    groups.digits.push_back(digits.substr(begin, at - begin));
-    if (at < digits.size()) groups.separators += digits[at];
+  for (std::size_t at = 0; at <= amount.size(); ++at) {
+    if (at < amount.size() && amount[at] >= '0' && amount[at] <= '9') continue;
+    groups.digits.push_back(amount.substr(begin, at - begin));
+    if (at < amount.size()) groups.separators += amount[at];
     begin = at + 1;
   }
   return groups;
@@ -62,7 +62,8 @@ bool groupsByPoints(std::string_view code) {
   return currency != nullptr && currency->pointGroups;
 }
 
-// A separator before three digits that cannot end thousands: "0.500", "1234,500", "01,500".
+// The separator in front of three digits that are no group of thousands: "0.500", "1234,500",
+// "01,500".
 LastSeparator notOfThousands(const Groups& groups, std::string_view code) {
   const std::string_view whole = groups.digits.front();
   if (whole.empty() || whole == "0") return LastSeparator::isDecimal;
@@ -78,7 +79,7 @@ LastSeparator onlySeparator(const Groups& groups, std::string_view code) {
   const bool mayGroup = areThousands(groups, 2);
   if (separator == '\'') return mayGroup ? LastSeparator::groups : LastSeparator::unclear;
   const int decimals = minorDigits(code);
-  if (fraction.size() > group) {  // "12.5000", but "1,0000" might be ten thousand
+  if (fraction.size() > group) {  // "12.5000"; but "1,0000" might be ten thousand
     const bool decimal = separator == '.' && decimals > 0 && !groupsByPoints(code);
     return decimal ? LastSeparator::isDecimal : LastSeparator::unclear;
   }
@@ -91,7 +92,7 @@ LastSeparator onlySeparator(const Groups& groups, std::string_view code) {
   }
   if (decimals == 3) return LastSeparator::isDecimal;
   if (decimals == 0 || groupsByPoints(code)) return LastSeparator::groups;
-  // "Rs. 5.000" is five rupees with a zero too many; "Rs. 5.250" might be five thousand.
+  // "Rs. 5.000" is five rupees with a redundant zero; "Rs. 5.250" might be 5,250 rupees.
   return isZeros(fraction) ? LastSeparator::isDecimal : LastSeparator::unclear;
 }
 
@@ -103,7 +104,7 @@ LastSeparator lastSeparator(const Groups& groups, std::string_view code) {
   const char separator = groups.separators.back();
   const bool same = separator == groups.separators[count - 3];
   if (same && areThousands(groups, count)) return LastSeparator::groups;
-  // "55.000.00" separates its decimals as it does its thousands; "1,000,00" might be lakhs.
+  // In "55.000.00" the last point is a decimal point; "1,000,00" might be lakhs.
   if (same && (separator != '.' || fraction.size() != 2)) return LastSeparator::unclear;
   if (separator == '\'' || (separator == ',' && fraction.size() > 3)) return LastSeparator::unclear;
   return areThousands(groups, count - 1) ? LastSeparator::isDecimal : LastSeparator::unclear;
@@ -111,9 +112,9 @@ LastSeparator lastSeparator(const Groups& groups, std::string_view code) {
 
 }  // namespace
 
-std::optional<std::int64_t> minorUnitsOf(std::string_view digits, std::string_view currency) {
-  if (digits.find_first_not_of("0123456789.,'") != std::string_view::npos) return std::nullopt;
-  const Groups groups = groupsOf(digits);
+std::optional<std::int64_t> minorUnitsOf(std::string_view amount, std::string_view currency) {
+  if (amount.find_first_not_of("0123456789.,'") != std::string_view::npos) return std::nullopt;
+  const Groups groups = groupsOf(amount);
   const LastSeparator last = lastSeparator(groups, currency);
   if (last == LastSeparator::unclear) return std::nullopt;
   const std::size_t count = groups.digits.size();

@@ -1,4 +1,4 @@
-// Digits with separators as a sum, by the habits of its currency. Looks at no words.
+// Converts an amount, the number of a sum as it is written, into minor units.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,9 @@
 
 namespace kivo::recognition {
 
-/// The whole minor units that `digits` (such as "1,50,000.00", "1.234,56", "5.000", ".93") state in
-/// `currency`. Absent when they exceed `largestSum`, have more decimals than the currency, hold
-/// anything but digits and separators, or can be read in two ways: wrong money is worse than none.
-std::optional<std::int64_t> minorUnitsOf(std::string_view digits, std::string_view currency);
+/// The minor units of `amount` (such as "1,50,000.00", "1.234,56", "5.000", ".93") by the habits of
+/// `currency`. Absent when it exceeds `largestSum`, has more decimals than the currency, holds
+/// anything but digits and separators, or can be read in two ways: a wrong sum is worse than none.
+std::optional<std::int64_t> minorUnitsOf(std::string_view amount, std::string_view currency);
 
 }  // namespace kivo::recognition

@@ -24,7 +24,7 @@ struct AnalysedMessage {
 
 /// A sentence or line of a message.
 struct Sentence {
-  /// Its items, from the first to behind the last.
+  /// Its items are [`begin`, `end`).
   std::size_t begin = 0;
   std::size_t end = 0;
   /// Its wordings; they live as long as the message.

@@ -5,8 +5,8 @@
 namespace kivo::recognition {
 namespace {
 
-// Tables of rows, sorted, each a name, a tab, a category and a line break. One text instead of
-// thousands of objects: a start touches only the pages that a search reads.
+// Sorted rows, each a name, a tab, a category and a line break. They are one text instead of
+// thousands of objects, so that a search reads only the pages that it needs.
 #define CHAIN(name, category) name "\t" #category "\n"
 constexpr char knownRows[] =
 #include "recognition/known_merchants.def"
@@ -15,7 +15,7 @@ constexpr char chainRows[] =
 #include "recognition/chain_names.def"
     ;
 #undef CHAIN
-// With their lengths, since counting the characters would be too much for a constant expression.
+// The lengths are given, since compilers limit the steps of a constant expression.
 constexpr std::string_view known(knownRows, sizeof(knownRows) - 1);
 constexpr std::string_view chains(chainRows, sizeof(chainRows) - 1);
 

@@ -1,4 +1,4 @@
-// Finds the shop chain by which a name begins.
+// Finds the shop chain whose name a payee's name begins with.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace kivo::recognition {
 
-/// A chain whose name stands at the front of another name.
+/// A chain at the front of a payee's name.
 struct Chain {
   /// The number of words that make up the chain's name; 0 when no chain was found.
   std::size_t words = 0;
@@ -16,7 +16,8 @@ struct Chain {
   std::string_view category = {};
 };
 
-/// The chain with the longest name that `words`, a name by `names::foldedWords`, begin with.
+/// The chain with the longest name that `words` (a payee's name by `names::foldedWords`) begin
+/// with.
 Chain chainIn(std::span<const std::string> words);
 
 }  // namespace kivo::recognition

@@ -9,7 +9,7 @@
 namespace kivo::recognition {
 namespace {
 
-// Whether each item belongs to a wording.
+// For each item, whether it belongs to a wording.
 std::vector<bool> explainedItems(const AnalysedMessage& message) {
   std::vector<bool> explained(message.items.size(), false);
   for (const Found& wording : message.wordings) {
@@ -20,15 +20,15 @@ std::vector<bool> explainedItems(const AnalysedMessage& message) {
   return explained;
 }
 
-// The rest of "CO-OP", "B&B".
-bool joins(const Items& items, std::size_t at) {
+// Whether item `at` continues a name such as "CO-OP" or "B&B".
+bool continuesName(const Items& items, std::size_t at) {
   constexpr std::string_view marks = "&-.'";
   const bool behindMark = items[at].kind == Item::Kind::word && isMark(items[at - 1], marks);
   return items[at].glued && (isMark(items[at], marks) || behindMark);
 }
 
-// "Kite Bank Card 1234" is the bank's. Scripts without capitals need a mark on both sides:
-// "3.500 د.ك - كافيه - بطاقة".
+// In "Kite Bank Card 1234" the name is the bank's. Scripts without capitals need a mark on both
+// sides: "3.500 د.ك - كافيه - بطاقة".
 bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
   const auto behind = std::ranges::lower_bound(message.wordings, end, {}, &Found::begin);
@@ -63,12 +63,13 @@ std::string loneName(const AnalysedMessage& message) {
     if (!isNameWord(at)) continue;
     const std::size_t begin = at;
     bool capitals = true;
-    for (; at < items.size() && (isNameWord(at) || (at > begin && joins(items, at))); ++at) {
+    for (; at < items.size() && (isNameWord(at) || (at > begin && continuesName(items, at)));
+         ++at) {
       capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
     }
-    const bool signs =
+    const bool isSignature =
         at >= items.size() && !(capitals && items[begin - 1].kind == Item::Kind::sum);
-    if (signs || !mayStandAlone(message, begin, at)) continue;
+    if (isSignature || !mayStandAlone(message, begin, at)) continue;
     std::string name = nameBetween(message, begin, at);
     constexpr std::size_t shortest = 4;
     if (name.size() < shortest) continue;

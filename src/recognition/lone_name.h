@@ -1,5 +1,5 @@
-// A payee's name that no words introduce, found by its capitals or the marks around it. Does not
-// look for "at", "to" and the like.
+// Finds a payee's name that no words such as "at" or "to" introduce, by its capitals or the marks
+// around it.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace kivo::recognition {
 
-/// Returns the first name after the first sum, preferably one in capitals; empty without one.
+/// The first name after the first sum, preferably one in capitals; empty without one.
 /// Banks sign at the end of a
 /// message: the last words are a name only when they are capitals directly behind the sum.
 std::string loneName(const AnalysedMessage& message);

@@ -18,7 +18,7 @@ struct ShopWords {
   std::string_view words;
 };
 
-// The first that fits counts.
+// In the order in which they are tried.
 constexpr auto shopWords = std::to_array<ShopWords>({
     {"Insurance",
      "insurance assurance takaful mutuelle versicherung~ seguro seguros sigorta asuransi bima "
@@ -117,8 +117,8 @@ std::string_view byShopWord(const std::vector<std::string>& words) {
 
 enum class Named { shop, shopOrPerson };
 
-// "Orange Pharmacy" is a pharmacy: a word for the kind of shop is surer than a chain's name of one
-// word in front of others. "Store" and "mall" tell less than the chain.
+// "Orange Pharmacy" is a pharmacy: a word for a kind of shop decides before a chain's name of one
+// word. The words of Shopping, such as "store" and "mall", decide after it.
 std::string_view categoryOf(std::string_view name, Named named) {
   std::vector<std::string> words = names::foldedWords(name);
   if (!words.empty() && words.front() == "www") words.erase(words.begin());

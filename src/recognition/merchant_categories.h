@@ -1,5 +1,5 @@
-// The category of a payment by the payee's name: chains that are known, and words for kinds of
-// shop.
+// Finds the category of a payment by the payee's name: by known chains, and by words for kinds of
+// shops.
 #pragma once
 
 #include <string_view>
@@ -7,12 +7,12 @@
 namespace kivo::recognition {
 
 /// The category of a payment to a shop of this name, as a message writes it; empty when neither the
-/// name nor a word in it tells. "PAYPAL *SPOTIFY" is the name behind the asterisk where the one in
-/// front of it is of no known shop. Thread-safe.
+/// name nor a word in it tells. Of "PAYPAL *SPOTIFY" the part behind the asterisk decides, unless
+/// the part in front of it does. Thread-safe.
 std::string_view merchantCategory(std::string_view name);
 
-/// The same for a name that a person can have as well: a chain counts only by its whole name, since
-/// "Oscar" and "Zara" begin names of people.
+/// The category of a payment to a payee who may be a person: a chain counts only when the whole
+/// name is its name, since names of people begin with "Oscar" and "Zara" too. Thread-safe.
 std::string_view recipientCategory(std::string_view name);
 
 }  // namespace kivo::recognition

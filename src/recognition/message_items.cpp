@@ -14,7 +14,7 @@ constexpr std::string_view narrowBlank = "\u202F";
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-// Characters of several bytes that are no letters, by the front of their encoding.
+// The first bytes of characters that have several bytes and are not letters.
 constexpr auto markFronts = std::to_array<std::string_view>(
     {"\xC2\xA0", "\xC2\xA1", "\xC2\xA2", "\xC2\xA3",     "\xC2\xA4",     "\xC2\xA5",     "\xC2\xA6",
      "\xC2\xA7", "\xC2\xA8", "\xC2\xA9", "\xC2\xAB",     "\xC2\xAC",     "\xC2\xAD",     "\xC2\xAE",
@@ -43,8 +43,8 @@ bool isIdeograph(std::string_view character) {
   return character.size() == 3 && character[0] >= '\xE4' && character[0] <= '\xE9';
 }
 
-// The end of the number at `begin`: digits, and separators between them. A separator before a date
-// ("5000.00,21-11-2026") is not part of it.
+// The end of the number at `begin`: digits, and separators between them. A separator in front of a
+// date ("5000.00,21-11-2026") is not part of it.
 std::size_t endOfNumber(std::string_view text, std::size_t begin) {
   const auto endOfDigits = [text](std::size_t at) {
     while (at < text.size() && isDigit(text[at])) ++at;
@@ -75,7 +75,8 @@ bool changesValue(std::string_view character) {
   return front == "\xE2\x85" || front == "\xE2\x91";
 }
 
-// The length of what joins the digits behind it to those before: "1e3", "1_000", "1,,000", "5×10".
+// The length of the text at the front of `text` that joins two runs of digits to one number, as in
+// "1e3", "1_000", "1,,000", "5×10".
 std::size_t joinLength(std::string_view text) {
   constexpr auto joins = std::to_array<std::string_view>(
       {"e+", "e-", "E+", "E-", "e", "E",  "_",  "`",  "^",  "·",  "´", "ʼ",
@@ -88,9 +89,9 @@ std::size_t joinLength(std::string_view text) {
   return 0;
 }
 
-// The end of the number that ends at `end` for now, with what may change its value and is not
-// read: no sum is read without it.
-std::size_t endOfUnread(std::string_view text, std::size_t end) {
+// The end of a number whose plain digits end at `end`, with all behind them that may change its
+// value. `minorUnitsOf` refuses such a number; its plain digits alone would be a wrong amount.
+std::size_t endWithChanges(std::string_view text, std::size_t end) {
   while (end < text.size()) {
     const std::string_view rest = text.substr(end);
     const std::string_view character = rest.substr(0, characterLength(rest));
@@ -139,13 +140,13 @@ Item itemAt(std::string_view text, std::size_t begin) {
     item.end = begin + 1;
   } else if (isDigit(text[begin]) || beginsFraction(text, begin)) {
     item.kind = Item::Kind::number;
-    item.end = endOfUnread(text, endOfNumber(text, isDigit(text[begin]) ? begin : begin + 1));
+    item.end = endWithChanges(text, endOfNumber(text, isDigit(text[begin]) ? begin : begin + 1));
     item.text = text.substr(begin, item.end - begin);
   } else if (isLetter(character)) {
     item.end = endOfWord(text, begin);
     const std::string_view word = text.substr(begin, item.end - begin);
     item.text = names::foldedName(word);
-    if (item.text.empty()) item.text = word;  // of invisible characters or accents only
+    if (item.text.empty()) item.text = word;  // it has only invisible characters or accents
     item.capitals = isCapitals(word);
   } else {
     item.kind = Item::Kind::mark;

@@ -9,11 +9,11 @@
 
 namespace kivo::recognition {
 
-/// A number with its currency, as far as both can be read.
+/// An amount with its currency, as far as both can be read.
 struct Sum {
-  /// Minor units, without sign; absent when the digits can be read in more than one way.
+  /// Minor units, without sign; absent when the amount can be read in more than one way.
   std::optional<std::int64_t> minorUnits;
-  /// An ISO 4217 code; empty where the message names no currency beside the number.
+  /// An ISO 4217 code; empty where the message names no currency beside the amount.
   std::string currency;
   /// '-' or '+' where one is written in front, else NUL.
   char sign = '\0';
@@ -27,18 +27,18 @@ struct Item {
   /// Its place in the readable form.
   std::size_t begin = 0;
   std::size_t end = 0;
-  /// The folded word (names/name_fold.h), not empty, the digits with their separators and with what
-  /// changes their value ("1e3", "5²"), or the mark.
+  /// A word: folded (names/name_fold.h), never empty. A number or sum: the amount, with all that
+  /// changes its value ("1e3", "5²"). A mark: itself. A line break: empty.
   std::string text = {};
-  /// No blank separates it from the item before.
+  /// No blank is between it and the item before.
   bool glued = false;
-  /// A word of capitals only; it may have one letter.
+  /// A word in capitals only, even of one letter.
   bool capitals = false;
   /// The first item of a sentence or line.
   bool startsSentence = false;
   /// A number within a date, a time of day, a masked number or another word.
   bool isPiece = false;
-  /// Of a sum.
+  /// Set for a sum.
   Sum sum = {};
 };
 
@@ -47,11 +47,11 @@ using Items = std::vector<Item>;
 /// Whether `item` is one of the ASCII `marks`.
 bool isMark(const Item& item, std::string_view marks);
 
-/// Whether the character at `at` of `readable` is a point that begins a number such as ".93": it
-/// belongs to no word or number before.
+/// Whether the character at `at` of `readable` is the first of a number such as ".93": a point that
+/// does not belong to a word or number before it.
 bool beginsFraction(std::string_view readable, std::size_t at);
 
-/// The items of `readable` (spelling.h), in order. Blanks separate and are no items.
+/// The items of `readable` (spelling.h), in order. Blanks are not items.
 Items itemsOf(std::string_view readable);
 
 }  // namespace kivo::recognition

@@ -34,8 +34,8 @@ std::optional<Part> partBy(const Found& wording) {
   return tells ? std::optional(Part::moved) : std::nullopt;
 }
 
-// Whether the items from `begin` to `end` lie in one sentence. A label on a line of its own belongs
-// to the sum on the next.
+// Whether the items from `begin` to `end` are in one sentence. A label on a line of its own belongs
+// to the sum on the next line.
 bool inOneSentence(const Items& items, std::size_t begin, std::size_t end) {
   bool onlyLabel = true;
   for (std::size_t at = begin; at < end; ++at) {
@@ -68,8 +68,8 @@ class Sums {
       if (part == Part::balance && !result.balance) result.balance = sums_[index];
     }
     if (moved.empty()) moved = charges;
-    dropUnsaid(moved);
-    // Where some of these numbers have a currency, the ones without are not money.
+    dropSumsWithoutMovement(moved);
+    // When some of them have a currency, those without one are not money.
     const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
     if (!std::all_of(moved.begin(), moved.end(), bare)) std::erase_if(moved, bare);
     if (!moved.empty()) choose(moved, result);
@@ -94,9 +94,9 @@ class Sums {
     return part;
   }
 
-  // "Bought EGP 20.00. You now own EGP 480.00": a sentence that says nothing of a movement adds no
-  // sum to one that did.
-  void dropUnsaid(std::vector<std::size_t>& moved) const {
+  // "Bought EGP 20.00. You now own EGP 480.00": a sum in a sentence without a movement is not
+  // another candidate beside one in a sentence with a movement.
+  void dropSumsWithoutMovement(std::vector<std::size_t>& moved) const {
     if (moved.size() < 2) return;
     const std::vector<bool> speaks = itemsOfSpeakingSentences();
     auto said =
@@ -121,7 +121,8 @@ class Sums {
     return speaks;
   }
 
-  // "EGP 5,430.10 is your available balance", unless the words introduce the next sum.
+  // The part by the words behind the sum: "EGP 5,430.10 is your available balance". Absent when
+  // they introduce the next number.
   [[nodiscard]] std::optional<Part> partSaidBehind(std::size_t index) const {
     constexpr std::size_t near = 4;
     const std::size_t sum = sums_[index];
@@ -137,7 +138,7 @@ class Sums {
     return std::nullopt;
   }
 
-  // "Avl Bal 5521": the words belong to what follows.
+  // "Avl Bal 5521": the words belong to the number behind them.
   [[nodiscard]] bool introducesNumber(const Found& wording) const {
     constexpr std::size_t near = 5;
     for (std::size_t at = wording.end; at < std::min(items_.size(), wording.end + near); ++at) {
@@ -148,7 +149,7 @@ class Sums {
     return false;
   }
 
-  [[nodiscard]] bool isBook(std::size_t at) const {
+  [[nodiscard]] bool isInBookCurrency(std::size_t at) const {
     const std::string& currency = items_[at].sum.currency;
     return currency.empty() || currency == book_;
   }
@@ -177,8 +178,8 @@ class Sums {
       const Sum& one = items_[*result.moved].sum;
       const Sum& two = items_[other].sum;
       if (one.currency == two.currency && one.minorUnits == two.minorUnits) continue;
-      if (isBook(first) != isBook(other) && isEquivalent(first, other)) {
-        if (!isBook(first)) result.moved = other;
+      if (isInBookCurrency(first) != isInBookCurrency(other) && isEquivalent(first, other)) {
+        if (!isInBookCurrency(first)) result.moved = other;
         continue;
       }
       result.unclear = true;

@@ -1,4 +1,4 @@
-// The part that each sum of a message plays, and the sum that moved.
+// Finds the sum that moved, and the balance, among the sums of a message.
 #pragma once
 
 #include <cstddef>
@@ -9,16 +9,17 @@
 
 namespace kivo::recognition {
 
-/// The sums of a message by their parts, as places among its items.
+/// Sums of a message, as places among its items.
 struct SumParts {
   /// The sum that moved; absent when there is no such sum.
   std::optional<std::size_t> moved;
-  /// Another sum could be the one that moved, or the digits of `moved` can be read in two ways.
+  /// Another sum could be the one that moved, or the amount of `moved` can be read in two ways.
   bool unclear = false;
   std::optional<std::size_t> balance;
 };
 
-/// The parts of the sums in `message`, by the wordings around them, for a book in `bookCurrency`.
+/// The parts that the sums of `message` play, by the wordings around them, for a book in
+/// `bookCurrency`.
 SumParts partsOfSums(const AnalysedMessage& message, std::string_view bookCurrency);
 
 }  // namespace kivo::recognition

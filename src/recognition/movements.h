@@ -1,4 +1,4 @@
-// The movements of money that wordings stand for: their directions and the words for them.
+// The movements of money that wordings report: direction, description and category.
 #pragma once
 
 #include <span>
@@ -10,7 +10,7 @@
 
 namespace kivo::recognition {
 
-/// How sure a wording is of its direction.
+/// How reliably a wording tells the direction, the least reliable first.
 enum class Strength { hint, noun, verb, refund, transfer, takenBack };
 
 /// A kind of movement.
@@ -18,20 +18,21 @@ struct Movement {
   Move move;
   money::Kind kind;
   Strength strength;
-  /// For a transaction that names no payee.
+  /// The description of a transaction that names no payee.
   std::string_view description;
-  /// Empty where the payee's name decides.
+  /// Empty when the payee's name decides.
   std::string_view category;
 };
 
 /// The movement of `move`. Lives as long as the program.
 const Movement& movementOf(Move move);
 
-/// The movement of a message with these wordings: the strongest, of equals the first. Null for
-/// none.
+/// The movement of a message with these wordings: the strongest, of equals the first. Null when no
+/// wording reports one.
 const Movement* strongestMovement(std::span<const Found> found);
 
-/// The movement that names a transaction of `strongest` best: "Salary" rather than "Deposit".
+/// The movement that describes a transaction of `strongest` most exactly: "Salary" rather than
+/// "Deposit".
 const Movement& namingMovement(std::span<const Found> found, const Movement& strongest);
 
 }  // namespace kivo::recognition

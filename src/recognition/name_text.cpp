@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t longestName = 60;
 
-// Words in a bank's narration that are no names: "UPI/P2M/4249/ORCHID MART".
+// Words in a bank's narration that are not names: "UPI/P2M/4249/ORCHID MART".
 constexpr auto channelWords = std::to_array<std::string_view>(
     {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m",  "p",    "a",
      "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach",  "ref",  "no",
@@ -19,7 +19,7 @@ constexpr auto channelWords = std::to_array<std::string_view>(
      "otp",  "inr", "onl",  "frm",  "ft",   "pmt",  "web", "app",  "ussd", "nip",  "csh",
      "cash", "chq", "mmt",  "vps",  "ips",  "tpt",  "nach"});
 
-// Words that say how the money went, not to whom: a name is not made of them alone.
+// Words that say how money moved, not to whom. A name has another word beside them.
 constexpr auto commonWords = std::to_array<std::string_view>(
     {"atm",         "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
      "payment",     "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
@@ -38,13 +38,13 @@ bool isChannelWord(std::string_view word) {
 std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
   if (begin >= end) return {};
-  const auto namesSomebody = [](const Item& item) {
+  const auto isNameWord = [](const Item& item) {
     return item.kind == Item::Kind::word && item.text.find_first_not_of('x') != std::string::npos &&
            std::find(commonWords.begin(), commonWords.end(), item.text) == commonWords.end() &&
            std::find(channelWords.begin(), channelWords.end(), item.text) == channelWords.end();
   };
   if (std::none_of(items.begin() + static_cast<std::ptrdiff_t>(begin),
-                   items.begin() + static_cast<std::ptrdiff_t>(end), namesSomebody)) {
+                   items.begin() + static_cast<std::ptrdiff_t>(end), isNameWord)) {
     return {};
   }
   std::string name =

@@ -1,4 +1,4 @@
-// The text of a name between two places of a message. Does not look for the places.
+// Cuts a payee's name from the items that hold it, and shortens it. Does not look for the items.
 #pragma once
 
 #include <string>
@@ -8,12 +8,12 @@
 
 namespace kivo::recognition {
 
-/// The name that items `begin` to `end` (excluded) of `message` write; empty when they are only
-/// numbers, masks and words such as "transfer" or "UPI".
+/// The name in the items [`begin`, `end`) of `message`; empty when they are only numbers, masks and
+/// words such as "transfer" or "UPI".
 std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::size_t end);
 
-/// The piece of a narration such as "UPI/CR/42494/MEERA NAIR/Y" that is a name; empty when no piece
-/// is.
+/// The first name in a narration such as "UPI/CR/42494/MEERA NAIR/Y", the items [`begin`, `end`) of
+/// `message`; empty without one.
 std::string nameInNarration(const AnalysedMessage& message, std::size_t begin, std::size_t end);
 
 /// Whether `word` names the channel of a payment in a narration, such as "upi" or "pos".

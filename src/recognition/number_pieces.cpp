@@ -49,7 +49,7 @@ bool isDottedDate(const std::string& digits) {
 
 bool isJoinedPiece(const Items& items, std::size_t at) {
   const Item& item = items[at];
-  // "برداشت-500,000": a sign, since no other number groups its digits.
+  // "برداشت-500,000": here "-" is a sign, since only amounts have groups of digits.
   if (isMark(items, at - 1, "-") && item.text.find(',') != std::string::npos) return false;
   const bool before = item.glued && isMark(items, at - 1, ":/-_@.") && at > 1 &&
                       items[at - 1].glued &&
@@ -95,7 +95,7 @@ bool isDatePiece(const Items& items, std::size_t at) {
     };
     if (joined(at) || (at >= 2 && joined(at - 2)) || (at >= 4 && joined(at - 4))) return true;
   }
-  // "12/10": a day and a month alone.
+  // "12/10": a day and a month without a year.
   const auto shortDate = [&](std::size_t begin) {
     return isNumber(items, begin) && isMark(items, begin + 1, "/") && isNumber(items, begin + 2) &&
            items[begin + 1].glued && items[begin + 2].glued && isPlain(items[begin].text, 2) &&

@@ -1,4 +1,5 @@
-// Numbers that are no sums: parts of dates, times of day, account masks, shares and words.
+// Marks numbers that are not amounts: parts of dates, times of day, masked accounts, percentages
+// and words.
 #pragma once
 
 #include "recognition/message_items.h"
@@ -8,7 +9,7 @@ namespace kivo::recognition {
 /// Sets `isPiece` of the numbers that are parts of something else.
 void markPieces(Items& items);
 
-/// Whether the number at `at` is a part of a date or a time of day, whatever is beside it.
+/// Whether the number at `at` is a part of a date or a time of day.
 bool isDatePiece(const Items& items, std::size_t at);
 
 }  // namespace kivo::recognition

@@ -63,7 +63,7 @@ std::optional<Place> placeOf(Marker marker) {
   return std::nullopt;
 }
 
-// The marker in front of a name; absent behind a wording that has the name's place itself.
+// The marker that introduces a name; absent when another wording does.
 using Introduction = std::optional<Marker>;
 
 class Names {
@@ -87,7 +87,7 @@ class Names {
   [[nodiscard]] std::string nameAt(Place place) const {
     for (const Found& wording : message_.wordings) {
       if (placeBeside(wording) != place) continue;
-      const bool before = wording.namePrecedes || wording.is(Move::credited);
+      const bool before = wording.payeePrecedes || wording.is(Move::credited);
       std::string name = before ? nameBefore(wording) : nameBehind(wording);
       if (!name.empty()) return name;
     }
@@ -98,13 +98,13 @@ class Names {
     const std::string& word = items_[wording.begin].text;
     if (wording.is(Marker::ends) && (word == "on" || word == "في")) return Place::date;
     if (wording.is(Marker::at) && !mayBeShop()) return std::nullopt;
-    if (wording.nameFollows || wording.namePrecedes) return Place::wording;
+    if (wording.payeeFollows || wording.payeePrecedes) return Place::wording;
     if (wording.is(Move::credited)) return Place::recipient;
     const Marker* const marker = wording.as<Marker>();
     return marker == nullptr ? std::nullopt : placeOf(*marker);
   }
 
-  // Where money came, "at" is a branch, unless a shop gives it back.
+  // In an income, "at" is in front of a branch of the bank, unless a shop gives money back.
   [[nodiscard]] bool mayBeShop() const {
     return kind_ != Kind::income || holds(message_.wordings, Move::refund) ||
            holds(message_.wordings, Move::cashback);
@@ -115,8 +115,7 @@ class Names {
            std::find(meanings.begin(), meanings.end(), at_[at]->meaning) != meanings.end();
   }
 
-  // A masked account or a telephone number in front of the name: "****; Ahmad", "0722000000 -
-  // JANE".
+  // The place behind a masked account or telephone number: "****; Ahmad", "0722000000 - JANE".
   [[nodiscard]] std::size_t behindMask(std::size_t at) const {
     const std::size_t begin = at;
     while (at < items_.size() &&
@@ -149,14 +148,15 @@ class Names {
     const std::size_t end = endOfName(begin, introduced);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
     if (latin && isProse(introduced, begin, end)) return {};
-    // "from Lotus Bank card 12", but in Arabic "from the shop by card 12".
+    // "from Lotus Bank card 12" is the person's side. In Arabic it is "from the shop by card 12".
     const bool ownSide = latin && (introduced == Marker::ends ||
                                    (kind_ != Kind::income && introduced == Marker::from));
     if (ownSide && isWordOf(end, {Marker::own})) return {};
     return shown(begin, end, introduced);
   }
 
-  // Behind "for", "by" and the like a name has a capital, unless it is an address: "lotus@upi".
+  // Whether the items are no name. Behind "for", "by" and the like a name has a capital, unless it
+  // is an address: "lotus@upi".
   [[nodiscard]] bool isProse(Introduction introduced, std::size_t begin, std::size_t end) const {
     if (introduced != Marker::towards && introduced != Marker::by && introduced != Marker::to &&
         introduced != Marker::from && introduced != Marker::ends) {
@@ -176,7 +176,8 @@ class Names {
                                  [](const Item& item) { return isMark(item, "@._"); });
   }
 
-  // "ASHA RAO credited", "Asha Rao has received": from the last mark, sum or sentence on.
+  // "ASHA RAO credited", "Asha Rao has received": a name in front of a wording begins behind the
+  // last mark or sum, or with the sentence.
   [[nodiscard]] std::string nameBefore(const Found& wording) const {
     std::size_t end = wording.begin;
     const auto auxiliary = [this](std::size_t at) {
@@ -206,19 +207,18 @@ class Names {
     if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
     if (isWordOf(at, {Marker::own, SumRole::amount, SumRole::balance, Marker::reference,
                       Marker::ends, SumRole::limit, SumRole::charge, Status::code, Status::done})) {
-      // "Card Zone" and "Account Books" are names; "card 1234" and "account" are not.
       return false;
     }
     return true;
   }
 
-  // Whether a comma goes on with the name: "MAPLE HARDWARE, AUSTIN, TX for ...".
-  [[nodiscard]] bool goesOnBehindComma(std::size_t comma, std::size_t begin) const {
+  // Whether the name continues behind a comma: "MAPLE HARDWARE, AUSTIN, TX for ...".
+  [[nodiscard]] bool continuesBehindComma(std::size_t comma, std::size_t begin) const {
     return comma + 1 < items_.size() && items_[comma + 1].capitals && items_[begin].capitals &&
            at_[comma + 1] == nullptr;
   }
 
-  // The brackets in "HARBOUR DIM SUM (TST) was".
+  // Whether item `at` is a bracket of the name, as in "HARBOUR DIM SUM (TST) was".
   [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const {
     constexpr std::size_t width = 2;
     std::size_t open = at;
@@ -232,14 +232,14 @@ class Names {
     return at_[at] == nullptr && beginsLikeAName(message_, at);
   }
 
-  // "MARIA L. SANTOS"
+  // Whether the point ends an initial: "MARIA L. SANTOS".
   [[nodiscard]] bool isInitial(std::size_t point) const {
     const Item& letter = items_[point - 1];
     return letter.capitals && letter.end - letter.begin == 1 && point + 1 < items_.size() &&
            isNameWord(point + 1);
   }
 
-  // "Panaderia El Trigal el 14/07"
+  // Whether item `at` is the "El", but not the "el", of "Panaderia El Trigal el 14/07".
   [[nodiscard]] bool isArticle(std::size_t at) const {
     constexpr std::size_t longest = 2;
     return items_[at].text.size() <= longest && at + 1 < items_.size() &&
@@ -247,7 +247,7 @@ class Names {
            isNameWord(at + 1);
   }
 
-  // Whether a name that began at `begin` ends before the word `at`, no mark being between them.
+  // Whether the name that begins at `begin` ends in front of item `at`, which is not a mark.
   [[nodiscard]] bool isBehindName(std::size_t at, std::size_t begin,
                                   Introduction introduced) const {
     const Item& item = items_[at];
@@ -264,7 +264,7 @@ class Names {
                   Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
       return true;
     }
-    // "COUNCIL TAX" is all name, "Council tax" need not be.
+    // In a name in capitals, words in capitals belong to it: "COUNCIL TAX".
     if (item.capitals && items_[begin].capitals) return false;
     return isWordOf(at, {Marker::at, SumRole::amount, SumRole::charge, Status::done, Move::credited,
                          Move::debited, Move::spent, Move::paid, Move::sent, Move::received,
@@ -280,8 +280,8 @@ class Names {
       return item.isPiece ? !items_[at - 1].glued && !item.glued
                           : item.text.size() > 4 && !item.glued;
     }
-    if (isMark(item, ",")) return !goesOnBehindComma(at, begin);
-    if (item.text.starts_with("\xF0\x9F")) return true;  // a picture
+    if (isMark(item, ",")) return !continuesBehindComma(at, begin);
+    if (item.text.starts_with("\xF0\x9F")) return true;  // an emoji
     if (isBracketed(at, begin)) return false;
     if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
     if (isMark(item, ":") && !item.glued) return true;
@@ -320,7 +320,7 @@ class Names {
   const AnalysedMessage& message_;
   const Items& items_;
   const Kind kind_;
-  std::vector<const Found*> at_;  // the wording that begins at an item
+  std::vector<const Found*> at_;  // for each item, the wording that begins there, or null
 };
 
 }  // namespace

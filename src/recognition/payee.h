@@ -1,4 +1,5 @@
-// The other party that a message names.
+// Finds the payee that a message names: the other party of a payment, whichever way the money
+// moves.
 #pragma once
 
 #include <string>
@@ -8,8 +9,8 @@
 
 namespace kivo::recognition {
 
-/// The name of the other party of an expense or income, as `message` writes it; empty when it names
-/// none. A number, a masked account and the person's own account are no names.
+/// The payee of an expense or income as `message` writes it; empty when it names none. A number, a
+/// masked account and the person's own account are not payees.
 std::string payeeIn(const AnalysedMessage& message, money::Kind kind);
 
 }  // namespace kivo::recognition

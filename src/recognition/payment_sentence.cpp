@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view digitsAndPoint = "0123456789.";
 
-// "1.5e+16" as "15000000000000000", "1e-05" as "0.00001"; other numbers as they are.
+// "1.5e+16" as "15000000000000000", "1e-05" as "0.00001"; absent for text that is not a number.
 std::optional<std::string> plainDecimal(std::string_view number) {
   constexpr int mostShifts = 30;
   const std::size_t mark = number.find('e');

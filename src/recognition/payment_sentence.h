@@ -1,4 +1,4 @@
-// The sentence that the expense intent writes: "Paid 25.0 EGP at Cafe".
+// Reads the sentence that the expense intent writes: "Paid 25.0 EGP at Cafe".
 #pragma once
 
 #include <optional>
@@ -8,9 +8,10 @@
 
 namespace kivo::recognition {
 
-/// Reads `text` as that sentence. Its number is the shortest text of a double, which may have an
-/// exponent; an empty currency is the book's. Absent for any other text; `needsReview` for a number
-/// that is no sum in its currency or for another currency than the book's.
+/// The reading of `text` when it is that sentence; absent for any other text. The amount is the
+/// shortest text of a double, which may have an exponent. Without a currency, it is in the book's.
+/// The outcome is `needsReview` when the amount has too many decimals for its currency, is too
+/// large or is not in the book's currency.
 std::optional<Reading> paymentSentence(std::string_view text, std::string_view bookCurrency);
 
 }  // namespace kivo::recognition

@@ -38,14 +38,14 @@ bool isRefused(const AnalysedMessage& whole, const AnalysedMessage& reported,
                              [](const Item& item) { return item.kind == Item::Kind::sum; });
 }
 
-// "-250,000VND ... SD: 3,110,000VND": beside evidence the sign of a sum tells its direction.
+// The movement by the sign of the sum: "-250,000VND ... SD: 3,110,000VND". Null without a sign.
 const Movement* movementBySign(const Sum& sum) {
   if (sum.sign == '-') return &movementOf(Move::debit);
   return sum.sign == '+' ? &movementOf(Move::credit) : nullptr;
 }
 
-// Whether the item behind the wording with this index is a word of no other wording: a name.
-bool namesSomebody(const AnalysedMessage& message, std::size_t index) {
+// Whether the item behind the wording with this index is a word, and of no other wording.
+bool isFollowedByName(const AnalysedMessage& message, std::size_t index) {
   const std::vector<Found>& wordings = message.wordings;
   const std::size_t behind = wordings[index].end;
   if (behind >= message.items.size() || message.items[behind].kind != Item::Kind::word) {
@@ -55,8 +55,8 @@ bool namesSomebody(const AnalysedMessage& message, std::size_t index) {
 }
 
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
-// "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a word
-// for the movement, the other party's place tells the direction.
+// "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a
+// wording of a movement, the marker in front of the payee tells the direction.
 const Movement* movementByPlace(const AnalysedMessage& message) {
   const std::vector<Found>& wordings = message.wordings;
   const bool own = holds(wordings, Marker::own);
@@ -66,14 +66,14 @@ const Movement* movementByPlace(const AnalysedMessage& message) {
     const bool out = wordings[index].is(Marker::at) || wordings[index].is(Marker::to);
     const bool in = wordings[index].is(Marker::from) && own;
     if (!out && !in) continue;
-    if (namesSomebody(message, index)) {
+    if (isFollowedByName(message, index)) {
       return &movementOf(out ? Move::transaction : Move::transferIn);
     }
   }
   return nullptr;
 }
 
-// Absent when the digits can be read in two ways.
+// Absent when the amount can be read in two ways.
 std::optional<Money> moneyOf(const Sum& sum, std::string_view bookCurrency) {
   if (!sum.minorUnits) return std::nullopt;
   return Money{.minorUnits = *sum.minorUnits,
@@ -90,8 +90,10 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
   return std::string(category.empty() ? "Other" : category);
 }
 
-// The movement that the message reports; null for none.
-const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums, bool begunToCome) {
+// The movement that the message reports; null without one. `openingDropped`: its first sentence
+// does not count.
+const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
+                           bool openingDropped) {
   const Movement* movement = strongestMovement(message.wordings);
   const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
   if (weak && sums.moved && showsEvidence(message)) {
@@ -104,13 +106,13 @@ const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
   if (movement == nullptr && holds(message.wordings, SumRole::charge)) {
     movement = &movementOf(Move::fee);
   }
-  // A message that opens with what is to come needs a verb to report a movement: "Your bill is
+  // A message that opens with an announcement needs a verb to report a movement: "Your bill is
   // ready. Min payment ..." has none.
   const bool sure = movement != nullptr && movement->strength >= Strength::verb;
-  return begunToCome && !sure ? nullptr : movement;
+  return openingDropped && !sure ? nullptr : movement;
 }
 
-// A sum beside a balance, which no wording explains.
+// A sum beside a balance, without a wording of a movement.
 Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
   return {.outcome = Outcome::needsReview,
           .amount = moneyOf(sum, bookCurrency),
@@ -118,8 +120,8 @@ Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
           .category = "Other"};
 }
 
-// The transaction that the message reports as `movement`. The caller decides whether a person has
-// to look at it. `sums` have one that moved.
+// The transaction that the message reports by `movement`; one of `sums` moved. The caller decides
+// whether it needs a review.
 Reading details(const AnalysedMessage& message, const SumParts& sums, const Movement& movement,
                 std::string_view bookCurrency) {
   const Movement& naming = namingMovement(message.wordings, movement);
@@ -156,9 +158,9 @@ Reading readBy(const Wordings& wordings, std::string_view text, std::string_view
 
   const AnalysedMessage reported = analysed(readable, reportedPart(whole), wordings);
   const SumParts sums = partsOfSums(reported, bookCurrency);
-  const bool begunToCome =
+  const bool openingDropped =
       reported.items.empty() || reported.items.front().begin != whole.items.front().begin;
-  const Movement* const movement = movementIn(reported, sums, begunToCome);
+  const Movement* const movement = movementIn(reported, sums, openingDropped);
   if (isRefused(whole, reported, movement)) return {.outcome = Outcome::declined};
   if (!sums.moved) return {};
   if (movement == nullptr) {
@@ -170,10 +172,11 @@ Reading readBy(const Wordings& wordings, std::string_view text, std::string_view
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
   const bool evidence = showsEvidence(reported);
   const bool weak = movement->strength <= Strength::noun;
-  // "You paid EGP 50.00 at Tulip Store. Enjoy 10% off next time!" reports a payment nevertheless.
+  // "You paid EGP 50.00 at Tulip Store. Enjoy 10% off next time!" reports a payment beside an
+  // offer.
   const bool apart = !weak && !reading.payee.empty() && !holds(reported.wordings, Status::offer);
   if (holds(whole.wordings, Status::offer) && !evidence && !apart) return {};
-  // A noun ("payment", "transfer") without a payee could as well be about a plan.
+  // A noun ("payment", "transfer") without a payee may also be about a plan.
   const bool vague = weak && !evidence && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;

@@ -23,7 +23,7 @@ enum class Outcome {
   declined,
   /// No money moved: a code, an offer, a balance, a bill, a request.
   notATransaction,
-  /// Money seems to have moved, but the sum is in another currency or the message can be read in
+  /// Money seems to have moved, but the sum is in another currency, or the message can be read in
   /// more than one way. A person decides.
   needsReview,
 };
@@ -31,15 +31,16 @@ enum class Outcome {
 /// A message as it was read. Only `outcome` is set unless it is `transaction` or `needsReview`.
 struct Reading {
   Outcome outcome = Outcome::notATransaction;
-  /// The direction of the money; for `needsReview` the likelier one.
+  /// The direction of the movement; for `needsReview` the likelier one.
   money::Kind kind = money::Kind::expense;
   /// The sum that moved, above zero, in its own currency. Always present for `transaction`; absent
   /// for `needsReview` when no sum could be chosen.
   std::optional<money::Money> amount = {};
-  /// The other party as the message writes it, on one line, 60 bytes of UTF-8 at most; empty when
-  /// the message names none.
+  /// The other party of the payment as the message writes it, on one line, 60 bytes of UTF-8 at
+  /// most; empty when the message names none.
   std::string payee = {};
-  /// The payee, else words for the kind of movement such as "Card payment"; never empty.
+  /// The text that lists show: the payee, else the kind of movement such as "Card payment"; never
+  /// empty.
   std::string description = {};
   /// A category by the payee's name or the kind of movement; "Other" when nothing suggests one.
   std::string category = {};
@@ -53,7 +54,7 @@ struct Reading {
   bool operator==(const Reading&) const = default;
 };
 
-/// The most of a message that is read, in bytes.
+/// The length of the part of a message that is read, in bytes.
 inline constexpr std::size_t longestMessage = 4096;
 
 /// The front of `text` that is read: whole characters of UTF-8, `longestMessage` bytes at most.
@@ -62,7 +63,7 @@ std::string_view partThatCounts(std::string_view text);
 /// Reads `text` (UTF-8; `partThatCounts` of it) for a book kept in `bookCurrency` (ISO 4217).
 /// An ambiguous sign such as "$" or "Rs" is the book's currency where that uses it. A sum in
 /// another currency yields `needsReview` with its own currency. Time is linear in the length of the
-/// text. Throws only what `foldedName` throws, and for want of memory. Thread-safe.
+/// text. Throws what `foldedName` throws, and `std::bad_alloc`. Thread-safe.
 Reading read(std::string_view text, std::string_view bookCurrency);
 
 /// Reads as `read` does, but by `wordings` instead of all.

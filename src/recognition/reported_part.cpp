@@ -14,15 +14,16 @@ bool reports(const Found& wording) {
          (move != nullptr && movementOf(*move).strength >= Strength::verb);
 }
 
-// "Pay your bill", "Dear Omar, pay your bill"; but not "Sunny Pay", "Pay: ...".
+// Whether the wording asks the reader: "Pay your bill", "Dear Omar, pay your bill"; but not "Sunny
+// Pay", "Pay: ...".
 bool urges(const Items& items, const Found& wording) {
   if (wording.end < items.size() && isMark(items[wording.end], ":")) return false;
   return items[wording.begin].startsSentence || isMark(items[wording.begin - 1], ",;!-");
 }
 
-// Whether the sentence speaks of what is to come: "will be debited", but not "was debited, and will
-// be shown".
-bool isToCome(const Items& items, const Sentence& sentence) {
+// Whether the sentence only announces, asks or offers: "will be debited". Behind a report, such
+// words do not matter: "was debited, and will be shown".
+bool reportsNothing(const Items& items, const Sentence& sentence) {
   if (holds(sentence.wordings, Status::notDone)) return true;
   const bool reported = std::ranges::any_of(sentence.wordings, reports);
   if (holds(sentence.wordings, Status::planned) &&
@@ -37,7 +38,7 @@ bool isToCome(const Items& items, const Sentence& sentence) {
   return false;
 }
 
-// "card ending 4821", "am 21.11."
+// Whether a number without a currency is near: "card ending 4821", "am 21.11."
 bool numberFollows(const Items& items, std::size_t at) {
   constexpr std::size_t near = 4;
   const std::size_t end = std::min(items.size(), at + near);
@@ -71,7 +72,7 @@ Items reportedPart(const AnalysedMessage& message) {
   };
   Items kept;
   for (const Sentence& sentence : sentencesOf(message)) {
-    if (isToCome(message.items, sentence)) continue;
+    if (reportsNothing(message.items, sentence)) continue;
     kept.insert(kept.end(), itemAt(sentence.begin), itemAt(sentence.end));
   }
   return kept;

@@ -1,15 +1,16 @@
-// Selects the part of a message that reports a past event, without codes, offers, requests and
-// announcements. Does not interpret it.
+// Selects the sentences of a message that report a movement of money or a refusal, and leaves out
+// offers, requests and announcements. Does not interpret them.
 #pragma once
 
 #include "recognition/analysed_message.h"
 
 namespace kivo::recognition {
 
-/// Whether the message announces a code, rather than only warns about codes beside a payment.
+/// Whether `message` tells the reader a code. A message about a payment may warn about codes; that
+/// alone is not an announcement.
 bool announcesACode(const AnalysedMessage& message);
 
-/// The items of the sentences that report something. Joined, they are a message of their own.
+/// The items of the sentences that count, joined.
 Items reportedPart(const AnalysedMessage& message);
 
 /// Whether `message` holds evidence of a movement, which an advertisement lacks: the digits of

@@ -1,4 +1,4 @@
-// One spelling for what banks write in many: digits, blanks, separators. Knows no words.
+// Unifies the spelling of digits, blanks and separators, which banks write in many ways.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace kivo::recognition {
 
 /// `text` (UTF-8) with Western digits and separators for those of other scripts, plain blanks for
-/// wide and narrow ones, and without marks of writing direction and stretched Arabic letters.
+/// wide ones, and without marks of writing direction and stretched Arabic letters.
 std::string readableForm(std::string_view text);
 
 /// The length in bytes of the UTF-8 character at the front of `text`, at least 1 and at most the

@@ -23,8 +23,8 @@ bool hasDecimals(const Item& number) {
   return separator != std::string::npos && number.text.size() - separator <= group;
 }
 
-// Whether a blank in front of `next` may have come into the number that begins with `first`.
-bool mayGoOn(const Items& items, std::size_t first, std::size_t next) {
+// Whether the number at `next` may continue the one at `first` behind a blank.
+bool mayContinue(const Items& items, std::size_t first, std::size_t next) {
   constexpr std::size_t widestBlank = 3;  // bytes
   if (!isNumber(items, first) || !isNumber(items, next) || items[next].glued) return false;
   if (items[next].begin - items[next - 1].end > widestBlank) return false;
@@ -38,7 +38,7 @@ bool isGroupBehindComma(const Items& items, std::size_t next) {
          items[next - 1].glued && isMark(items[next - 1], ",");
 }
 
-// "500-1000", "1/000": a range, or digits with another separator. Neither is a date or a time.
+// Whether a mark joins two numbers that are not parts of a date or time: "500-1000", "1/000".
 bool isJoined(const Items& items, std::size_t first, std::size_t next) {
   if (!isNumber(items, first) || !isNumber(items, next)) return false;
   return isMark(items[next - 1], "-/:") && items[next - 1].glued && items[next].glued &&
@@ -51,14 +51,15 @@ bool followsGroup(const Items& items, std::size_t number) {
   const std::size_t back = isGroupBehindComma(items, number) ? 2 : 1;
   if (number < back) return false;
   const Item& before = items[number - back];
-  return mayGoOn(items, number - back, number) && !before.isPiece && before.text.size() <= group;
+  return mayContinue(items, number - back, number) && !before.isPiece &&
+         before.text.size() <= group;
 }
 
 bool isPartOfNumber(const Items& items, std::size_t number, std::size_t last) {
   if (number > 1 && isJoined(items, number - 2, number)) return true;
   if (isJoined(items, last, last + 2)) return true;
   const std::size_t next = isGroupBehindComma(items, last + 2) ? last + 2 : last + 1;
-  return mayGoOn(items, last, next) && !items[next].isPiece;
+  return mayContinue(items, last, next) && !items[next].isPiece;
 }
 
 }  // namespace kivo::recognition

@@ -1,4 +1,4 @@
-// Numbers that may be parts of a larger one, which a blank or a mark has split. Reads no digits.
+// Recognises numbers that may be parts of a larger one, split by a blank or a mark.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,11 @@
 
 namespace kivo::recognition {
 
-/// Whether the number at `number` may go on the one before it, as the "00" of "500 00 EGP".
+/// Whether the number at `number` may continue the one before it, as the "00" of "500 00 EGP" does.
 bool followsGroup(const Items& items, std::size_t number);
 
-/// Whether the number from item `number` to item `last` may go on behind, or is one of two that a
-/// mark joins: "500 00", "1, 000", "1-000". The pieces of dates and the like must be marked.
+/// Whether the number from item `number` to item `last` may continue behind it, or a mark joins it
+/// to another: "500 00", "1, 000", "1-000". `markPieces` must have run on `items`.
 bool isPartOfNumber(const Items& items, std::size_t number, std::size_t last);
 
 }  // namespace kivo::recognition

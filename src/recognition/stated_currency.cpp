@@ -37,7 +37,7 @@ std::map<std::string, Words> wordsBy(bool first) {
   return index;
 }
 
-// Codes that are everyday words too count in capitals only.
+// Codes that are also everyday words; they count in capitals only.
 constexpr auto everydayWords = std::to_array<std::string_view>(
     {"all", "top", "try", "cup", "mad", "pen", "bob", "gel", "sos", "mop", "den", "ron", "ang"});
 
@@ -56,14 +56,14 @@ bool matches(const std::vector<std::string>& words, const Items& items, std::siz
   if (begin + words.size() > items.size()) return false;
   for (std::size_t at = 0; at < words.size(); ++at) {
     if (items[begin + at].text != words[at]) return false;
-    // "a $18.20" is no "A$".
+    // The "a $" of "a $18.20" is not "A$".
     const bool sign = items[begin + at].text == "$" || items[begin + at].text == "£";
     if (at > 0 && sign && !items[begin + at].glued) return false;
   }
   return true;
 }
 
-// Two letters that are also the front of references ("FT2610") count only where the book uses them.
+// One or two letters may also begin a reference ("FT2610").
 bool isPlausible(const StatedCurrency& stated, const Items& items, std::size_t number,
                  std::string_view book) {
   const Item& only = items[stated.begin];

@@ -1,4 +1,4 @@
-// The currencies that a message writes beside its numbers. Reads no digits.
+// Finds the currencies that a message writes beside its numbers.
 #pragma once
 
 #include <optional>
@@ -13,17 +13,17 @@ namespace kivo::recognition {
 struct StatedCurrency {
   std::size_t begin = 0;
   std::size_t end = 0;
-  /// The codes that it may stand for, the likeliest first, separated by blanks.
+  /// The codes of the currencies that it may mean, the likeliest first, separated by blanks.
   std::string codes;
 
   [[nodiscard]] bool mayBe(std::string_view code) const;
-  /// `book` where it may be that, else the likeliest.
+  /// `book` if it may mean that, else the likeliest.
   [[nodiscard]] std::string resolvedFor(std::string_view book) const;
 };
 
 /// The longest currency word that ends in front of item `end` and does not begin before `taken`,
-/// for the number at `number`. One or two letters count only where they may mean the book's
-/// currency; two common ones such as "Rs" and "kr" always do.
+/// for the number at `number`. A word of one or two letters counts only if it may mean the book's
+/// currency; common ones such as "Rs" and "kr" always count.
 std::optional<StatedCurrency> currencyBefore(const Items& items, std::size_t end, std::size_t taken,
                                              std::size_t number, std::string_view book);
 

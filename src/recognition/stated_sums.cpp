@@ -53,7 +53,7 @@ class SumReader {
     return currencyAt(items_, begin, number, book_);
   }
 
-  // In front of the number, behind marks such as ":" and a sign.
+  // The currency in front of the number. Marks such as ":" and a sign may be between them.
   [[nodiscard]] std::optional<StatedCurrency> inFront(std::size_t number, char& sign) const {
     std::size_t end = number;
     for (int marks = 0; marks < 4; ++marks) {
@@ -99,7 +99,7 @@ class SumReader {
     return stated;
   }
 
-  // The last of the items that "1 234 567,89" takes, when it begins at `first`.
+  // The last item of an amount with blanks such as "1 234 567,89", whose first item is `first`.
   [[nodiscard]] std::size_t lastOfSpaced(std::size_t first) const {
     std::size_t last = first;
     const auto plain = [](const std::string& digits) {
@@ -147,7 +147,7 @@ class SumReader {
             wordings_.anyEndsAt(items_, end, Move::credited));
   }
 
-  // How far a sum goes around its number.
+  // The extent of a sum around its number.
   struct Extent {
     std::optional<StatedCurrency> currency = {};
     std::size_t last = 0;  // its last item
@@ -155,7 +155,7 @@ class SumReader {
     char sign = '\0';
   };
 
-  // "1 234,56" is one number where its currency groups by blanks, else nothing to rely on.
+  // "1 234,56" is one number if its currency groups by blanks. Else it is unclear.
   [[nodiscard]] Extent spacedExtent(std::size_t number) const {
     Extent extent{.last = number};
     extent.currency = inFront(number, extent.sign);
@@ -198,7 +198,7 @@ class SumReader {
     const Extent extent = extentAt(number);
     const auto& stated = extent.currency;
     if (!stated && (item.isPiece || !isBareSum(number))) return item;
-    // A number within a word is a sum only by a currency in front, or glued to it.
+    // A number within a word is a sum only if the currency is in front of it or glued to it.
     const bool apart = stated && stated->begin > number && !items_[stated->begin].glued;
     if (item.isPiece && apart && !extent.unclear) return item;
     item.kind = Item::Kind::sum;
@@ -235,7 +235,7 @@ class SumReader {
   Items items_;
   const std::string_view book_;
   const Wordings& wordings_;
-  std::size_t taken_ = 0;  // items before it belong to an earlier number
+  std::size_t taken_ = 0;  // items in front of this one belong to an earlier number
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The sums of money in a message: numbers with their currencies. Does not say which of them moved.
+// Finds the sums in a message: amounts with their currencies. Does not decide which of them moved.
 #pragma once
 
 #include <string_view>
@@ -8,10 +8,10 @@
 
 namespace kivo::recognition {
 
-/// `items` with each number and the currency beside it joined to one sum item, and with the numbers
-/// of dates, times of day, account masks and the like marked as pieces. A number without a currency
-/// becomes a sum when it has decimals or follows a word for an amount, by `wordings`. An ambiguous
-/// currency is `bookCurrency` where it may mean that.
+/// `items` with each amount and the currency beside it joined to one item, and with the numbers
+/// that are not amounts marked as pieces (number_pieces.h). A number without a currency becomes a
+/// sum when it has decimals or follows a wording for an amount. An ambiguous currency is
+/// `bookCurrency` if it may mean that.
 Items withSums(Items items, std::string_view bookCurrency,
                const Wordings& wordings = Wordings::all());
 

@@ -16,7 +16,7 @@ struct Wording {
   std::string_view words;
 };
 
-// The names in wordings.def, whatever their sort.
+// The meanings by the names that wordings.def uses.
 namespace named {
 using enum Move;
 using enum Status;
@@ -60,9 +60,9 @@ std::string keyOf(const Element& first) {
 
 struct WordingPattern {
   Meaning meaning = Plain::plain;
-  bool namePrecedes = false;
+  bool payeePrecedes = false;
   std::vector<Element> elements = {};
-  // Its first word. If that word is open at its end, its first character and "~". "#" for a sum.
+  // The first word; of a word with an open end only its first character, and "~"; "#" for a sum.
   std::string key = {};
 };
 
@@ -74,7 +74,7 @@ WordingPattern patternOf(const Wording& wording) {
     if (item.text == "~") {
       pattern.elements.back().kind = Element::Kind::front;
     } else if (item.text == "^" && pattern.elements.empty()) {
-      pattern.namePrecedes = true;
+      pattern.payeePrecedes = true;
     } else {
       pattern.elements.push_back(elementOf(item));
     }
@@ -93,7 +93,7 @@ const std::vector<WordingPattern>& compiled() {
   return patterns;
 }
 
-// Arabic "and" and the article are written with the word: "والرصيد".
+// The word without Arabic "and" and the article, which are written together with it: "والرصيد".
 std::string_view withoutPrefix(std::string_view word) {
   constexpr std::string_view conjunction = "و";
   constexpr std::string_view article = "ال";
@@ -133,13 +133,13 @@ std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std:
       return std::nullopt;
     }
     if (at >= items.size() || !fits(elements[element], items[at])) return std::nullopt;
-    // A closing sum is only looked at, so that it may begin the next wording.
+    // A sum at the end is not part of the match, so that it may begin the next wording.
     if (last && element > 0 && elements[element].kind == Element::Kind::sum) return at;
   }
   return at;
 }
 
-// The longest of `patterns` that matches at `at`, if it is longer than `longest`.
+// Replaces `longest` by the longest of `patterns` that matches at `at`, if that is longer.
 void findLonger(std::span<const WordingPattern* const> patterns, const Items& items, std::size_t at,
                 std::optional<Found>& longest, std::size_t& mostElements) {
   for (const WordingPattern* const pattern : patterns) {
@@ -150,8 +150,8 @@ void findLonger(std::span<const WordingPattern* const> patterns, const Items& it
     longest = Found{.meaning = pattern->meaning,
                     .begin = at,
                     .end = *end,
-                    .nameFollows = pattern->elements.back().kind == Element::Kind::name,
-                    .namePrecedes = pattern->namePrecedes};
+                    .payeeFollows = pattern->elements.back().kind == Element::Kind::name,
+                    .payeePrecedes = pattern->payeePrecedes};
   }
 }
 

@@ -1,4 +1,4 @@
-// Finds the wordings of wordings.def in a message. Does not decide between them.
+// Finds the wordings of wordings.def in a message. Does not decide which of them counts.
 #pragma once
 
 #include <cstddef>
@@ -12,9 +12,10 @@
 
 namespace kivo::recognition {
 
-// The uses of wordings, by sort. Each name is of one sort only; wordings.def explains each.
+// The meanings of wordings, by sort. A name belongs to one sort only. The headings of wordings.def
+// explain the meanings.
 
-/// Money moved.
+/// A movement of money (movements.h).
 enum class Move {
   spent,
   purchase,
@@ -42,7 +43,7 @@ enum class Move {
   ownTransfer,
 };
 
-/// Whether a message or sentence reports a movement: it announces, forbids, asks or offers.
+/// A reason why a sentence reports no movement, except for `done`: that one was carried out.
 enum class Status {
   code,
   warning,
@@ -65,7 +66,8 @@ enum class SumRole {
   equivalent,
 };
 
-/// The place of a name, an account or a reference.
+/// A word in front of or behind a payee, or in front of an account or a reference. `ends` ends a
+/// name.
 enum class Marker {
   label,
   at,
@@ -79,7 +81,7 @@ enum class Marker {
   reference,
 };
 
-/// Words that would otherwise be read as one of the above: "to block", "for details".
+/// No meaning. Such a wording hides the shorter ones within it: "to block", "for details".
 enum class Plain { plain };
 
 using Meaning = std::variant<Move, Status, SumRole, Marker, Plain>;
@@ -87,16 +89,16 @@ using Meaning = std::variant<Move, Status, SumRole, Marker, Plain>;
 /// A wording in a message.
 struct Found {
   Meaning meaning = Plain::plain;
-  /// Its items, from the first to behind the last.
+  /// Its items are [`begin`, `end`).
   std::size_t begin = 0;
   std::size_t end = 0;
-  /// The other party's name begins at `end`.
-  bool nameFollows = false;
-  /// The other party's name ends at `begin`.
-  bool namePrecedes = false;
+  /// The payee's name begins at `end`.
+  bool payeeFollows = false;
+  /// The payee's name ends at `begin`.
+  bool payeePrecedes = false;
 
   [[nodiscard]] bool is(Meaning other) const { return meaning == other; }
-  /// Its meaning of that sort; null when it is of another sort.
+  /// Its meaning if that is of the sort `Sort`, else null.
   template <class Sort>
   [[nodiscard]] const Sort* as() const {
     return std::get_if<Sort>(&meaning);
@@ -111,7 +113,7 @@ struct WordingPattern;
 /// The wordings to look up in messages.
 class Wordings {
  public:
-  /// All of wordings.def, compiled at the first call. Thread-safe; lives as long as the process.
+  /// All wordings, compiled at the first call. Thread-safe; lives as long as the process.
   static const Wordings& all();
 
   /// All but the one with this index in wordings.def, the first being 0.

@@ -16,7 +16,8 @@ namespace {
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view marks = ".,;:!?()[]\"'";
 
-// A word of the message, and the part of it that {any} replaces, which may be empty.
+// A word of the message, and the part of it that {any} replaces: [`begin`, `end`), which may be
+// empty.
 struct Word {
   std::string_view text;
   std::size_t begin = 0;
@@ -30,7 +31,8 @@ struct Word {
   }
 };
 
-// The recogniser's months: a number before a month is part of a date.
+// Whether `word` is a month for number_pieces.h, where a number in front of a month is part of a
+// date.
 bool isMonth(std::string_view word) {
   const Items date = itemsOf("1 " + std::string(word));
   return date.size() == 2 && isDatePiece(date, 0);
@@ -55,7 +57,7 @@ std::vector<Word> wordsOf(std::string_view part) {
   return words;
 }
 
-// Sets the part of `word` that its digits belong to.
+// Makes the digits of `word`, with the text that belongs to them, its figure.
 void markFigure(Word& word, Neighbours touching) {
   const std::size_t first = word.text.find_first_of(digits);
   if (first == std::string_view::npos) return;
@@ -87,8 +89,8 @@ void markDateWords(std::vector<Word>& words, Neighbours neighbours) {
 }
 
 // Joins consecutive figures, such as a date and a time. Next to a placeholder each keeps an {any}
-// of its own: one {any} for several words would leave open where the name of "{payee} {any}" ends,
-// or which number is the sum of "{any} {amount}".
+// of its own: one {any} for several words would leave open where the payee of "{payee} {any}" ends,
+// or which number is the amount of "{any} {amount}".
 void joinFigures(std::vector<Word>& words, Neighbours neighbours) {
   for (std::size_t first = 0, last = 0; first < words.size(); first = last + 1) {
     last = first;

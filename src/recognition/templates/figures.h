@@ -1,5 +1,5 @@
 // Replaces the parts of a message that differ from one message to the next (dates, times, balances,
-// accounts, references) by {any}. Does not know which number is the sum.
+// accounts, references) by {any}. Does not know which number is the amount.
 #pragma once
 
 #include <string>

@@ -17,9 +17,9 @@ bool isLetter(char byte) {
 using Literals = std::span<const std::string>;
 
 // The end of the shortest front of `text` that begins with the first of `literals`, ends with the
-// last, and has all in this order with at least one byte between two of them; absent when no front
-// has. A message is short (`longestMessage`), so a search that compares each place with the whole
-// literal takes well below a millisecond.
+// last, and has all in this order with at least one byte between two of them; absent without one. A
+// message is short (`longestMessage`), so a search that compares each place with the whole literal
+// takes well below a millisecond.
 std::optional<std::size_t> endOfShortestFront(std::string_view text, Literals literals) {
   if (!text.starts_with(literals.front())) return std::nullopt;
   std::size_t end = literals.front().size();
@@ -31,7 +31,7 @@ std::optional<std::size_t> endOfShortestFront(std::string_view text, Literals li
   return end;
 }
 
-// The same from the other end: where the shortest back of `text` begins.
+// The begin of the shortest back of `text` with all `literals`, in the same way.
 std::optional<std::size_t> beginOfShortestBack(std::string_view text, Literals literals) {
   if (!text.ends_with(literals.back())) return std::nullopt;
   std::size_t begin = text.size() - literals.back().size();
@@ -117,7 +117,7 @@ std::optional<std::string> MessagePattern::payeeIn(std::string_view text, std::s
   return std::string(text.substr(*front, *back - *front));
 }
 
-// The numbers of `message` that {amount} may match, at most two.
+// The first two numbers of `message` that {amount} may match.
 std::vector<MessageNumber> MessagePattern::amountsIn(std::string_view message) const {
   const Literals literals(literals_);
   const Literals front = literals.first(*amount_);

@@ -1,4 +1,4 @@
-// Matches messages against a text with placeholders. Knows no currency.
+// Matches messages against a text with placeholders.
 #pragma once
 
 #include <cstddef>
@@ -13,18 +13,18 @@ namespace kivo::recognition {
 
 /// The parts of a message that the placeholders of a pattern matched.
 struct PatternFit {
-  /// The digits and separators of the number that {amount} matched; empty if the pattern has no
-  /// {amount}. Two numbers when the match is ambiguous.
+  /// The amount that {amount} matched; empty if the pattern has no {amount}. Two amounts when the
+  /// match is ambiguous.
   std::vector<std::string> amounts;
   /// The text that {payee} matched; empty if the pattern has no {payee}, and with two amounts.
   std::string payee;
 };
 
-/// Literal text with the placeholders {amount} (a number), {payee} and {any} (any text that is not
-/// empty). "{{" is an escaped "{".
+/// Literal text with placeholders: {amount} matches a number, {payee} and {any} match any text that
+/// is not empty. "{{" is an escaped "{".
 class MessagePattern {
  public:
-  /// A pattern, or the reason why the text is not one, in one line that quotes nothing from it.
+  /// A pattern, or the reason why the text is not one: a line without any part of the text.
   struct Parsed;
   static Parsed parse(std::string_view text);
 

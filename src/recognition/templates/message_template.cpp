@@ -14,7 +14,7 @@ using money::Money;
 
 namespace {
 
-// For messages that name no payee.
+// The description of a transaction that names no payee.
 const char* descriptionOf(Kind kind) {
   if (kind == Kind::income) return "Deposit";
   return kind == Kind::transfer ? "Own transfer" : "Payment";

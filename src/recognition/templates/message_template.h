@@ -1,4 +1,4 @@
-// A taught wording: a pattern, and how to read the messages that match it. Reads no file.
+// A template that the user taught: a pattern, and how to read the messages that match it.
 #pragma once
 
 #include <optional>
@@ -20,9 +20,9 @@ struct MessageTemplate {
   std::optional<money::Kind> kind = {};
   /// The currency of {amount}, an ISO 4217 code; empty for the book's.
   std::string currency = {};
-  /// Replaces the description by the payee's name; empty to keep that.
+  /// The description, instead of the payee; empty to keep that.
   std::string description = {};
-  /// Replaces the category by the payee's name; empty to keep that.
+  /// The category, instead of the one by the payee's name; empty to keep that.
   std::string category = {};
 
   /// Returns whether both read every message in the same way.
@@ -35,7 +35,7 @@ struct MessageTemplate {
 /// Returns the reading of a message that the pattern of `taught` matched as `fit`, for a book in
 /// `bookCurrency`. Account, reference and balance come from `rules`, the reading by the rules. The
 /// outcome is `needsReview` with the sum when that is in another currency, and without a sum when
-/// its digits or the match are ambiguous; `notATransaction` when the sum is zero.
+/// the amount or the match are ambiguous; `notATransaction` when the sum is zero.
 Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
                   std::string_view bookCurrency);
 

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view separators = ".,'";
-// Longer than any sum.
+// Longer than any amount.
 constexpr std::size_t longestNumber = 64;
 
 bool isDigit(std::string_view text, std::size_t at) {
@@ -26,7 +26,7 @@ bool beginsNumber(std::string_view text, std::size_t at) {
   return at < 2 || !isSeparator(text, at - 1) || !isDigit(text, at - 2);
 }
 
-// Returns whether `next` is another digit group of the number that ends with `last`.
+// Whether `next` is another group of digits of the number that ends with `last`.
 bool isGroup(const Item& last, const Item& next) {
   constexpr std::size_t groupSize = 3;
   return last.text.find_first_not_of(digits) == std::string::npos && !next.glued &&
@@ -74,7 +74,7 @@ std::vector<MessageNumber> numbersAt(std::string_view text, std::size_t at) {
   if (last > 0) found.push_back({.begin = at, .end = at + items[last].end, .digits = grouped});
   if (at + items.back().end == at + longestNumber && isDigit(text, at + longestNumber)) {
     std::erase_if(found, [&](const MessageNumber& number) {
-      return number.end == at + longestNumber;  // goes on behind what was looked at
+      return number.end == at + longestNumber;  // it continues behind the part that was looked at
     });
   }
   return found;

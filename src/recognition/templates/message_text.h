@@ -8,13 +8,13 @@
 
 namespace kivo::recognition {
 
-/// Returns `text` (UTF-8) in template form: the recogniser's readable form, with each run of white
+/// Returns `text` (UTF-8) in template form: the readable form (spelling.h), with each run of white
 /// space replaced by one blank, and trimmed.
 std::string templateForm(std::string_view text);
 
 /// A number of a message.
 struct MessageNumber {
-  /// Its first position, and the one after it.
+  /// Its bytes are [`begin`, `end`).
   std::size_t begin = 0;
   std::size_t end = 0;
   /// Its digits and separators, without the blanks between groups.

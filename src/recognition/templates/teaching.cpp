@@ -44,7 +44,7 @@ std::vector<Place> numbersIn(std::string_view form, std::size_t begin, std::size
   return found;
 }
 
-// Returns the positions in `form` where `given` occurs and states one number.
+// Returns the places of the amount in `form`: the only number in each occurrence of `given`.
 std::vector<Place> amountPlaces(std::string_view form, std::string_view given) {
   std::vector<Place> places;
   if (numbersIn(given, 0, given.size()).size() != 1) return places;
@@ -62,8 +62,8 @@ bool isWordByte(std::string_view text, std::size_t at) {
   return byte >= 0x80 || std::isalnum(byte) != 0;
 }
 
-// Returns the occurrences of the name `payee` in `form` outside `amount`: whole words, or the start
-// of a word if it never is a whole one. The first becomes {payee}, the others {any}.
+// Returns the occurrences of `payee` in `form` outside `amount` that are whole words, else the
+// first one that is a part of a word. The first becomes {payee}, the others {any}.
 std::vector<Place> payeePlaces(std::string_view form, std::string_view payee,
                                const std::optional<Place>& amount) {
   std::vector<Place> words;
@@ -121,8 +121,8 @@ std::optional<std::int64_t> unitsAt(std::string_view form, const Place& place,
   return minorUnitsOf(digits, currency);
 }
 
-// Returns the numbers of `form` that state the sum `given`, such as "1,189.50", in `currency`, or
-// in the currency beside each when that is empty.
+// Returns the places of the amounts in `form` that state the sum `given`, such as "1,189.50", in
+// `currency`, or in the currency beside each when that is empty.
 std::vector<Place> placesOfSum(std::string_view form, std::string_view given,
                                std::string_view currency, std::string_view bookCurrency) {
   std::vector<Place> places;
@@ -138,7 +138,7 @@ std::vector<Place> placesOfSum(std::string_view form, std::string_view given,
 
 Taught wrong(Taught::Part part, const char* error) { return {.part = part, .error = error}; }
 
-// The named parts in the message.
+// The places in the message of the parts that the user named.
 struct NamedPlaces {
   std::optional<Place> amount = {};
   std::vector<Place> all = {};

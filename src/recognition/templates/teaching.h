@@ -13,12 +13,12 @@ namespace kivo::recognition {
 struct TaughtParts {
   /// Absent when the message is no payment; the sum does not matter then.
   std::optional<money::Kind> kind = {};
-  /// The number of the sum as the message writes it, with text around it if the same number occurs
-  /// twice; or the sum as `moneyFromText` reads it.
+  /// The amount as the message writes it, with text around it if the same number occurs twice; or
+  /// the sum as `moneyFromText` reads it.
   std::string amount = {};
-  /// The other party as the message writes it; empty when it names none.
+  /// The payee as the message writes it; empty when it names none.
   std::string payee = {};
-  /// An ISO 4217 code; empty for the currency that the message states next to the number, or else
+  /// An ISO 4217 code; empty for the currency that the message states next to the amount, or else
   /// the book's.
   std::string currency = {};
 };
@@ -30,21 +30,20 @@ struct Taught {
   std::optional<MessageTemplate> made = {};
   /// The part that is wrong.
   Part part = Part::message;
-  /// The error, as the rest of a sentence whose subject is the part.
+  /// The error: a sentence without its subject, which is the part.
   std::string error = {};
 };
 
-/// Makes a template from `message` for a book in `bookCurrency`. The sum becomes {amount}, the
+/// Makes a template from `message` for a book in `bookCurrency`. The amount becomes {amount}, the
 /// payee {payee}, and the other figures {any} (`withoutFigures`), so that the template holds no
 /// private number. The template matches `message` and finds the same parts in it.
 Taught teach(std::string_view message, const TaughtParts& parts, std::string_view bookCurrency);
 
-/// Returns the number that states `sum`, as `message` writes it; empty unless it occurs exactly
-/// once.
+/// Returns the amount of `sum` as `message` writes it; empty unless it occurs exactly once.
 std::string numberFor(std::string_view message, const money::Money& sum);
 
-/// Returns the number of the first sum in `message`, as the message writes it; empty when it holds
-/// no sum, or that number more than once.
+/// Returns the amount of the first sum in `message` as the message writes it; empty when the
+/// message holds no sum, or that number more than once.
 std::string firstSum(std::string_view message, std::string_view bookCurrency);
 
 /// Returns whether `teach` finds `payee` in `message`.

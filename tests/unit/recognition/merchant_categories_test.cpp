@@ -98,7 +98,7 @@ TEST(AMerchant, IsFoundInAllSpellingsOfItsName) {
   EXPECT_EQ(merchantCategory("WWW.TALABAT.COM"), "Dining");
 }
 
-TEST(AMerchant, StandsBehindThePaymentService) {
+TEST(AMerchant, FollowsThePaymentService) {
   EXPECT_EQ(merchantCategory("PAYPAL *SPOTIFY"), "Subscriptions");
   EXPECT_EQ(merchantCategory("SQ *IKEA"), "Shopping");
 }
@@ -108,7 +108,7 @@ TEST(AMerchant, IsAPharmacyRatherThanOfTheChainThatItsNameBeginsWith) {
   EXPECT_EQ(merchantCategory("Emirates Hospital"), "Health");
 }
 
-TEST(AMerchant, IsToldByTheWordForItsKindOfShop) {
+TEST(AMerchant, HasTheCategoryOfAWordForItsKindOfShop) {
   EXPECT_EQ(merchantCategory("Diwan Bookshop"), "Shopping");
   EXPECT_EQ(merchantCategory("الصيدلية الحديثة"), "Health");
   EXPECT_EQ(merchantCategory("مطعم أبو طارق"), "Dining");
@@ -118,7 +118,7 @@ TEST(AMerchant, IsToldByTheWordForItsKindOfShop) {
   EXPECT_EQ(merchantCategory(""), "");
 }
 
-TEST(ARecipient, IsNoChainByAFirstName) {
+TEST(ARecipient, IsNotAChainByAFirstName) {
   EXPECT_EQ(merchantCategory("ZARA 4821"), "Shopping");
   EXPECT_EQ(recipientCategory("Zara Ahmed"), "");
   EXPECT_EQ(recipientCategory("ZARA"), "Shopping");

@@ -189,7 +189,7 @@ TEST(NumbersOfAMessage, BeginOutsideOfNumbersOnly) {
   EXPECT_THAT(found, ElementsAre("1,234.50", ".5", "75", "1", "1234", "234"));
 }
 
-TEST(NumbersOfAMessage, AreNoneWhenTooLong) {
+TEST(NumbersOfAMessage, HaveALargestLength) {
   EXPECT_THAT(numbersAt(std::string(64, '1'), 0), testing::SizeIs(1));
   EXPECT_THAT(numbersAt(std::string(65, '1'), 0), IsEmpty());
 }

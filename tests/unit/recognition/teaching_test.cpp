@@ -139,11 +139,11 @@ TEST(Teaching, RefusesAMessageOfFiguresAlone) {
   EXPECT_THAT(written("123456", {.kind = std::nullopt}), HasSubstr("needs a word"));
 }
 
-TEST(Teaching, TellsTheSumByItsPlaceAmongOtherNumbers) {
+TEST(Teaching, FindsTheSumByItsPlaceAmongOtherNumbers) {
   EXPECT_EQ(written("Zap 1 2 150.00 4 5", spent("150.00")), "Zap {any} {any} {amount} {any} {any}");
 }
 
-TEST(Teaching, RefusesASumThatNothingTellsFromOtherNumbers) {
+TEST(Teaching, RefusesASumThatCouldBeAnotherNumber) {
   const std::string error = "error: cannot be told from the other numbers by the words beside it";
   EXPECT_EQ(written("Nile 3 5.00 12 zap", spent("5.00", "Nile 3")), error);
   EXPECT_EQ(written("7 Nile 3 150.00 zap", spent("150.00", "Nile 3")), error);  // or 3150.00
