@@ -15,6 +15,7 @@ if(KIVO_STATIC_LIBRARIES)
 endif()
 find_package(SQLite3 REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
+target_link_libraries(ICU::i18n INTERFACE ICU::uc)  # an archive comes before those it needs
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(DBus REQUIRED IMPORTED_TARGET dbus-1)
 set(CMAKE_FIND_LIBRARY_SUFFIXES ${kivo_shared_suffixes})
