@@ -6,6 +6,7 @@
 #include "book/book_file.h"
 #include "book/stored_entry.h"
 #include "platform/linux/foundation/complaint.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/store/private_file.h"
 
@@ -72,7 +73,10 @@ void noteDamage(sqlite3* database, const std::string& what) {
   const std::string line = escapedControls(linux_platform::fileOf(database).string()) +
                            " is damaged: " + escapedControls(what);
   linux_platform::complain("kivo-ledger", line);
-  linux_platform::writePrivateFile(noteBeside(database), line + "\n");
+  try {
+    linux_platform::writePrivateFile(noteBeside(database), line + "\n");
+  } catch (const linux_platform::Failure&) {  // the line above has said what matters
+  }
 }
 
 bool isDamageNoted(sqlite3* database) {

@@ -7,7 +7,6 @@
 #include "ledger/book_currency.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
-#include "ledger/commands/ledger_terminal.h"
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
 #include "ledger/commands/teach_command.h"
@@ -15,8 +14,8 @@
 #include "ledger/review_notifier.h"
 #include "ledger/template_file.h"
 #include "platform/linux/foundation/device_folders.h"
-#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/process_start.h"
+#include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_line.h"
 
 namespace kivo::ledger {
@@ -27,6 +26,7 @@ using book::LedgerEntry;
 namespace {
 
 using linux_platform::Command;
+using linux_platform::CommandFailure;
 using linux_platform::GivenParameters;
 
 // When the service manager started it, which starts it again at the next connection.
@@ -37,7 +37,7 @@ ListeningSocket ownSocket(const GivenParameters& given) {
     return ListeningSocket::create(path->second);
   }
   const auto path = linux_platform::localBackendSocket();
-  if (!path) throw std::runtime_error("XDG_RUNTIME_DIR is not set; name a socket by --socket");
+  if (!path) throw CommandFailure("XDG_RUNTIME_DIR is not set; name a socket by --socket");
   return ListeningSocket::create(*path);
 }
 
@@ -51,16 +51,15 @@ void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseco
   server.run(socket, idleLimit);
 }
 
-int serve(const GivenParameters& given) {
+void serve(const GivenParameters& given) {
   try {
     if (const auto handedOver = ListeningSocket::handedOver()) {
       serveOn(*handedOver, longestIdleTime);
     } else {
       serveOn(ownSocket(given), std::nullopt);
     }
-    return 0;
-  } catch (const std::runtime_error& error) {
-    return fail(linux_platform::escapedControls(error.what()));
+  } catch (const std::runtime_error& error) {  // of the system, too
+    throw CommandFailure(error.what());
   }
 }
 

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -17,6 +16,7 @@
 #include <unistd.h>
 
 #include "ledger/private_folder.h"
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::ledger {
 
@@ -30,7 +30,7 @@ constexpr int firstHandedOver = 3;
 constexpr std::string_view advice = "name a socket in a folder of your own by --socket";
 
 [[noreturn]] void fail(const std::filesystem::path& path, const std::string& what) {
-  throw std::runtime_error(path.string() + " " + what);
+  throw linux_platform::Failure(path.string() + " " + what);
 }
 
 [[noreturn]] void failForSystem(const std::filesystem::path& path, int error) {
@@ -97,7 +97,7 @@ std::optional<ListeningSocket> ListeningSocket::handedOver() {
   for (const char* const name : {"LISTEN_PID", "LISTEN_FDS", "LISTEN_FDNAMES"}) unsetenv(name);
   if (!handed) return std::nullopt;
   if (!isListening(firstHandedOver)) {
-    throw std::runtime_error(
+    throw linux_platform::Failure(
         "the file descriptor from the service manager is not a listening UNIX socket");
   }
   fcntl(firstHandedOver, F_SETFD, FD_CLOEXEC);

@@ -9,7 +9,7 @@
 namespace kivo::ledger {
 
 /// Opens `folder`, created with the folders above it by the umask when it is missing. Throws
-/// std::runtime_error with one line, which ends with `advice`, when it is a symbolic link, belongs
+/// Failure with one line, which ends with `advice`, when it is a symbolic link, belongs
 /// to a user other than this one or root, can be written by others and has no sticky bit, or cannot
 /// be opened.
 linux_platform::Descriptor openPrivateFolder(const std::filesystem::path& folder,

@@ -1,9 +1,11 @@
 #include "ledger/report_file.h"
 
 #include <chrono>
+#include <string>
 
 #include "ledger/private_folder.h"
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/process/detached_programs.h"
 
 namespace kivo::ledger {
@@ -21,12 +23,14 @@ std::optional<std::filesystem::path> ReportFile::usualPlace() {
   return *folder / "report.html";
 }
 
-std::string ReportFile::open(const std::filesystem::path& path) {
+void ReportFile::open(const std::filesystem::path& path) {
   linux_platform::DetachedPrograms programs;
   const auto status =
       programs.startAndWait({"xdg-open", std::filesystem::absolute(path).string()}, openingLimit);
-  if (!status) return "xdg-open is not installed";
-  return *status == 0 ? "" : "xdg-open found no program for it";
+  if (status == 0) return;
+  const std::string why = status ? "xdg-open found no program for it" : "xdg-open is not installed";
+  throw linux_platform::Failure("the report is written but not opened: " + why + "; open " +
+                                path.string() + " in a browser");
 }
 
 }  // namespace kivo::ledger

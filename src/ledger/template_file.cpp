@@ -8,6 +8,7 @@
 #include "money/money.h"
 #include "platform/linux/foundation/complaint.h"
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/store/settings_file.h"
 #include "platform/linux/store/settings_toml.h"
@@ -24,7 +25,7 @@ using recording::MessageReader;
 
 namespace {
 
-using TemplateFile::Content;
+using linux_platform::Failure;
 
 constexpr std::string_view templateKey = "template";
 constexpr std::string_view introduction =
@@ -47,8 +48,8 @@ struct Members {
   std::optional<std::string> category = {};
 };
 
-// Returns the error of the first member that does not fit; empty when all do.
-std::string readMembers(const toml::table& table, Members& members) {
+Members membersOf(const toml::table& table) {
+  Members members;
   const auto places = std::to_array<std::pair<std::string_view, std::optional<std::string>*>>(
       {{"text", &members.text},
        {"kind", &members.kind},
@@ -61,63 +62,55 @@ std::string readMembers(const toml::table& table, Members& members) {
       if (key.str() == name) place = member;
     }
     if (place == nullptr) {
-      return atLine(value) +
-             "unknown key; a template has text, kind, currency, description and category";
+      throw Failure(atLine(value) +
+                    "unknown key; a template has text, kind, currency, description and category");
     }
     *place = value.value_exact<std::string>();
-    if (!*place) return atLine(value) + "this must be a text in quotes";
+    if (!*place) throw Failure(atLine(value) + "this must be a text in quotes");
   }
-  return "";
+  return members;
 }
 
-// Adds the template of `table` to `content`, or sets its error.
-void readTemplate(const toml::table& table, Content& content) {
-  Members members;
-  if (std::string error = readMembers(table, members); !error.empty()) {
-    content.error = std::move(error);
-    return;
-  }
-  const auto fail = [&](const char* key, const std::string& why) {
+MessageTemplate templateOf(const toml::table& table) {
+  const Members members = membersOf(table);
+  const auto failure = [&](const char* key, const std::string& why) {
     const toml::node* const member = table.get(key);
-    content.error = atLine(member == nullptr ? table : *member) + why;
+    return Failure(atLine(member == nullptr ? table : *member) + why);
   };
-  if (!members.text) return fail("text", "a template needs a text");
+  if (!members.text) throw failure("text", "a template needs a text");
   const auto kind = taughtKindFromText(members.kind.value_or(""));
-  if (!kind) return fail("kind", "kind must be expense, income, transfer or none");
+  if (!kind) throw failure("kind", "kind must be expense, income, transfer or none");
   MessagePattern::Parsed parsed = MessagePattern::parse(*members.text);
-  if (!parsed.pattern) return fail("text", parsed.error);
+  if (!parsed.pattern) throw failure("text", parsed.error);
   if (*kind && !parsed.pattern->hasAmount()) {
-    return fail("text", "{amount} is missing; without it kind must be none");
+    throw failure("text", "{amount} is missing; without it kind must be none");
   }
   if (members.currency && !isCurrency(*members.currency)) {
-    return fail("currency", "currency must be a code such as EGP");
+    throw failure("currency", "currency must be a code such as EGP");
   }
-  content.templates.push_back({.text = *members.text,
-                               .pattern = *std::move(parsed.pattern),
-                               .kind = *kind,
-                               .currency = members.currency.value_or(""),
-                               .description = members.description.value_or(""),
-                               .category = members.category.value_or("")});
+  return {.text = *members.text,
+          .pattern = *std::move(parsed.pattern),
+          .kind = *kind,
+          .currency = members.currency.value_or(""),
+          .description = members.description.value_or(""),
+          .category = members.category.value_or("")};
 }
 
-// Parses the file; the result has either the templates or the error.
-Content parsed(const std::string& bytes) {
-  linux_platform::SettingsTable settings = linux_platform::settingsTable(bytes);
-  if (settings.error) return {.error = std::move(settings.error)};
-  Content content;
-  for (const auto& [key, value] : settings.table) {
-    const toml::array* const templates = value.as_array();
-    if (key.str() != templateKey || templates == nullptr) {
-      return {.error = atLine(value) + "only [[template]] may be here"};
+std::vector<MessageTemplate> templatesIn(const std::string& bytes) {
+  std::vector<MessageTemplate> templates;
+  const toml::table settings = linux_platform::settingsTable(bytes);
+  for (const auto& [key, value] : settings) {
+    const toml::array* const array = value.as_array();
+    if (key.str() != templateKey || array == nullptr) {
+      throw Failure(atLine(value) + "only [[template]] may be here");
     }
-    for (const toml::node& one : *templates) {
+    for (const toml::node& one : *array) {
       const toml::table* const table = one.as_table();
-      if (table == nullptr) return {.error = atLine(one) + "only [[template]] may be here"};
-      readTemplate(*table, content);
-      if (content.error) return {.error = std::move(content.error)};
+      if (table == nullptr) throw Failure(atLine(one) + "only [[template]] may be here");
+      templates.push_back(templateOf(*table));
     }
   }
-  return content;
+  return templates;
 }
 
 std::string inQuotes(const std::string& text) {
@@ -141,9 +134,30 @@ std::string blockOf(const MessageTemplate& taught) {
   return block;
 }
 
-// The path as it may be printed, in front of an error.
-std::string before(const std::filesystem::path& path, const std::string& error) {
-  return linux_platform::escapedControls(path.string()) + ": " + error;
+// The text of the file with `taught` at its end.
+std::string extended(std::string text, const MessageTemplate& taught) {
+  templatesIn(text);  // throws when the file is damaged
+  if (text.empty()) text = introduction;
+  if (!text.ends_with('\n')) text += '\n';
+  text += blockOf(taught);
+  const Failure failure("nothing can be added at its end");
+  if (text.size() > linux_platform::longestSettings) throw failure;
+  try {
+    templatesIn(text);
+  } catch (const Failure&) {
+    throw failure;
+  }
+  return text;
+}
+
+// Returns what `use` returns for the file at `path`, and puts the path in front of its failures.
+template <typename Use>
+auto withPath(const std::filesystem::path& path, const Use& use) {
+  try {
+    return use(path);
+  } catch (const Failure& failure) {
+    throw Failure(linux_platform::escapedControls(path.string()) + ": " + failure.what());
+  }
 }
 
 }  // namespace
@@ -154,41 +168,35 @@ std::optional<std::filesystem::path> TemplateFile::place() {
   return *home / "kivo" / "templates.toml";
 }
 
-Content TemplateFile::read() {
+std::vector<MessageTemplate> TemplateFile::read() {
   const auto path = place();
   if (!path) return {};
-  linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
-  Content content = file.error ? Content{.error = std::move(file.error)} : parsed(file.text);
-  if (content.error) content.error = before(*path, *content.error);
-  return content;
+  return withPath(*path, [](const auto& file) {
+    return templatesIn(linux_platform::readSettingsFile(file).text);
+  });
 }
 
-std::optional<std::string> TemplateFile::add(const MessageTemplate& taught) {
+void TemplateFile::add(const MessageTemplate& taught) {
   const auto path = place();
-  if (!path) return "HOME is not set, so there is no place for templates";
+  if (!path) throw Failure("HOME is not set, so there is no place for templates");
   const linux_platform::SettingsLock lock(*path);
-  linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
-  if (file.error) return before(*path, *file.error);
-  std::string text = std::move(file.text);
-  if (const auto error = parsed(text).error) return before(*path, *error);
-  if (text.empty()) text = introduction;
-  if (!text.ends_with('\n')) text += '\n';
-  text += blockOf(taught);
-  if (text.size() > linux_platform::longestSettings || parsed(text).error) {
-    return before(*path, "nothing can be added at its end");
-  }
-  if (linux_platform::replaceSettingsFile(*path, text)) return std::nullopt;
-  return before(*path, "it cannot be written");
+  withPath(*path, [&](const auto& file) {
+    const std::string text = linux_platform::readSettingsFile(file).text;
+    linux_platform::replaceSettingsFile(file, extended(text, taught));
+  });
 }
 
 MessageReader TemplateFile::reader() {
   return [reported = std::string()](std::string_view text, std::string_view bookCurrency) mutable {
-    const Content content = read();
-    if (content.error && *content.error != reported) {
-      reported = *content.error;
-      linux_platform::complain("kivo-ledger", reported + "; messages are read without templates");
+    std::vector<MessageTemplate> templates;
+    try {
+      templates = read();
+    } catch (const Failure& failure) {
+      if (failure.what() != std::exchange(reported, failure.what())) {
+        linux_platform::complain("kivo-ledger", reported + "; messages are read without templates");
+      }
     }
-    return readWith(content.templates, text, bookCurrency);
+    return readWith(templates, text, bookCurrency);
   };
 }
 

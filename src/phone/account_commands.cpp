@@ -13,7 +13,7 @@
 #include "phone/backend_check.h"
 #include "phone/ledger_month.h"
 #include "phone/local_ledger.h"
-#include "phone/phone_terminal.h"
+#include "phone/phone_store.h"
 #include "phone/waiting_texts.h"
 #include "phone/watcher_status.h"
 #include "phone/widget_view.h"
@@ -23,18 +23,21 @@
 #include "platform/linux/bus/session_bus.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/locale/currency_codes.h"
+#include "platform/linux/terminal/command_failure.h"
+#include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/text_columns.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
 #include "queue/pending_sms_queue.h"
-#include "store/shared_store.h"
 
 namespace kivo {
 namespace {
 
+using linux_platform::CommandFailure;
 using linux_platform::exitBadUsage;
 using linux_platform::forStandardOutput;
 using linux_platform::GivenParameters;
+using linux_platform::print;
 using platform::UNAuthorizationStatus;
 using Kind = linux_platform::CommandParameter::Kind;
 
@@ -84,23 +87,39 @@ void reloadWidgets() {
   linux_platform::BusWidgetCenter(bus).reloadAllTimelines();
 }
 
-// What is wrong with the options of sign-in, if anything.
-std::optional<std::string> signInError(const GivenParameters& given) {
-  const bool local = given.contains("--local");
-  if (local && given.contains("--url")) return "give either --local or --url";
-  if (!local && !given.contains("--url"))
-    return "--url is missing, or --local (see kivo-phone sign-in --help)";
-  if (!local && !given.contains("--user-id"))
-    return "--user-id is missing (see kivo-phone sign-in --help)";
-  return std::nullopt;
+// Who signs in, and where the backend is.
+struct Account {
+  std::string userId;
+  std::string base;
+};
+
+Account localAccount(const GivenParameters& given) {
+  if (given.contains("--url")) throw CommandFailure("give either --local or --url", exitBadUsage);
+  const auto url = LocalLedger::url();
+  if (!url) {
+    throw CommandFailure(
+        "XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
+  }
+  return {.userId = given.contains("--user-id") ? textOf(given, "--user-id") : "local",
+          .base = *url};
 }
 
-// Where the backend is; none, after one line on standard error, when that is unknown.
-std::optional<std::string> baseOf(const GivenParameters& given) {
-  if (!given.contains("--local")) return textOf(given, "--url");
-  if (auto url = LocalLedger::url()) return url;
-  fail("XDG_RUNTIME_DIR is not set, so that there is no place for the socket of kivo-ledger");
-  return std::nullopt;
+Account remoteAccount(const GivenParameters& given) {
+  if (!given.contains("--url")) {
+    throw CommandFailure("--url is missing, or --local (see kivo-phone sign-in --help)",
+                         exitBadUsage);
+  }
+  if (!given.contains("--user-id")) {
+    throw CommandFailure("--user-id is missing (see kivo-phone sign-in --help)", exitBadUsage);
+  }
+  return {.userId = textOf(given, "--user-id"), .base = textOf(given, "--url")};
+}
+
+Account accountFrom(const GivenParameters& given) {
+  Account account = given.contains("--local") ? localAccount(given) : remoteAccount(given);
+  if (SMSExtractionClient::endpoint(account.base)) return account;
+  throw CommandFailure("invalid --url \"" + account.base + "\": this is no URL; nothing was stored",
+                       exitBadUsage);
 }
 
 bool areOneCurrency(std::string_view one, std::string_view other) {
@@ -122,55 +141,43 @@ std::string writeCurrency(SharedStore& store, const std::string& currency) {
          "\n";
 }
 
-int printFindings(const SharedStore& store, const std::string& base) {
+void printFindings(const SharedStore& store, const std::string& base) {
   std::string lines;
   for (const std::string& sentence : BackendCheck::sentences(findStarted(base))) {
     lines += forStandardOutput(sentence) + "\n";
   }
   if (const auto warning = currencyWarning(store)) lines += forStandardOutput(*warning) + "\n";
-  return print(lines);
+  print(lines);
 }
 
-int signIn(const GivenParameters& given) {
-  if (const auto error = signInError(given)) return fail(*error, exitBadUsage);
-  const std::string userId = given.contains("--user-id") ? textOf(given, "--user-id") : "local";
-  const auto place = baseOf(given);
-  if (!place) return exitFailure;
-  const std::string& base = *place;
-  if (!SMSExtractionClient::endpoint(base)) {
-    return fail("invalid --url \"" + linux_platform::escapedControls(base) +
-                    "\": this is no URL; nothing was stored",
-                exitBadUsage);
-  }
-  auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  store->writeText(StoreKeys::userId, userId);
-  store->writeText(StoreKeys::supabaseUrl, base);
+void save(SharedStore& store) {
+  if (!store.synchronize()) throw linux_platform::ReportedFailure();
+}
+
+void signIn(const GivenParameters& given) {
+  const auto [userId, base] = accountFrom(given);
+  SharedStore store = openStore();
+  store.writeText(StoreKeys::userId, userId);
+  store.writeText(StoreKeys::supabaseUrl, base);
   std::string restarted;
-  if (given.contains("--currency")) {
-    restarted = writeCurrency(*store, textOf(given, "--currency"));
-  }
-  if (!store->synchronize()) return exitFailure;
+  if (given.contains("--currency")) restarted = writeCurrency(store, textOf(given, "--currency"));
+  save(store);
   if (!restarted.empty()) reloadWidgets();
 
   if (userId.empty() || base.empty()) {
     return print("Stored. An empty user identifier or URL counts as signed out.\n" + restarted);
   }
   // Printed before the check, which takes up to its timeout when there is no answer.
-  if (const int failed =
-          print("Signed in at " + forStandardOutput(shownBase(base)) + "\n" + restarted);
-      failed != 0) {
-    return failed;
-  }
-  return printFindings(*store, base);
+  print("Signed in at " + forStandardOutput(shownBase(base)) + "\n" + restarted);
+  printFindings(store, base);
 }
 
-int signOut(const GivenParameters&) {
-  auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  store->writeText(StoreKeys::userId, "");  // a key is never removed
-  store->writeText(StoreKeys::supabaseUrl, "");
-  return store->synchronize() ? print("Signed out.\n") : exitFailure;
+void signOut(const GivenParameters&) {
+  SharedStore store = openStore();
+  store.writeText(StoreKeys::userId, "");  // a key is never removed
+  store.writeText(StoreKeys::supabaseUrl, "");
+  save(store);
+  print("Signed out.\n");
 }
 
 std::optional<std::string> permissionWord() {
@@ -181,21 +188,24 @@ std::optional<std::string> permissionWord() {
   return std::nullopt;
 }
 
-int showPermission() {
+void showPermission() {
   const auto word = permissionWord();
-  return word ? print("Notifications: " + *word + "\n") : fail(noCenter);
+  if (!word) throw CommandFailure(noCenter);
+  print("Notifications: " + *word + "\n");
 }
 
-int notifications(const GivenParameters& given) {
+void notifications(const GivenParameters& given) {
   const auto wanted = given.find("STATUS");
   if (wanted == given.end()) return showPermission();
   for (const auto& [word, status] : statuses) {
     if (wanted->second != word) continue;
-    if (!linux_platform::setAuthorizationStatus(extensionBundle, status)) return fail(noCenter);
+    if (!linux_platform::setAuthorizationStatus(extensionBundle, status)) {
+      throw CommandFailure(noCenter);
+    }
     return showPermission();
   }
-  return fail("STATUS is one of authorized, denied, not-determined, provisional, ephemeral",
-              exitBadUsage);
+  throw CommandFailure(
+      "STATUS is one of authorized, denied, not-determined, provisional, ephemeral", exitBadUsage);
 }
 
 // The line of a status: `name` and what is true of it.
@@ -236,20 +246,19 @@ std::string ledgerLines(const SharedStore& store) {
          line("Running total", WidgetView::read(store).runningTotal) + line("To review", review);
 }
 
-int status(const GivenParameters&) {
-  const auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  const auto items = PendingSmsQueue::load(*store);
-  std::string lines = backendLines(*store);
-  lines += line("Currency", AmountFormatter::currencyCode(*store));
-  if (const auto warning = currencyWarning(*store)) lines += line("", *warning);
-  lines += ledgerLines(*store);
+void status(const GivenParameters&) {
+  const SharedStore store = openStore();
+  const auto items = PendingSmsQueue::load(store);
+  std::string lines = backendLines(store);
+  lines += line("Currency", AmountFormatter::currencyCode(store));
+  if (const auto warning = currencyWarning(store)) lines += line("", *warning);
+  lines += ledgerLines(store);
   lines += line("Notifications", permissionWord().value_or(noCenter));
   lines += line("Senders", WatcherStatus::sentence());
   lines += line("Waiting", WaitingTexts::sentence(items, linux_platform::lastExchange(),
                                                   platform::Date::now()));
   if (!items.empty()) lines += line("", "kivo-phone queue send sends them now");
-  return print(lines);
+  print(lines);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "phone/account_commands.h"
-#include "phone/phone_terminal.h"
+#include "phone/phone_store.h"
 #include "phone/queue_commands.h"
 #include "phone/value_listing.h"
 #include "phone/watch_commands.h"
@@ -15,16 +15,19 @@
 #include "platform/foundation/utf8.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/process_start.h"
+#include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_line.h"
-#include "store/shared_store.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/screen.h"
 
 namespace kivo {
 namespace {
 
 using linux_platform::Command;
+using linux_platform::CommandFailure;
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
-using platform::UserDefaults;
+using linux_platform::print;
 using Kind = linux_platform::CommandParameter::Kind;
 
 // Returns the given value for `name`, made valid UTF-8.
@@ -32,49 +35,45 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
-int listStore(const GivenParameters&) {
-  const auto defaults = UserDefaults::initWithSuiteName(appGroup);
-  if (!defaults) return failWithoutStore();
-  const auto controls =
-      onTerminal() ? ValueListing::Controls::escaped : ValueListing::Controls::asTheyAre;
-  return print(ValueListing::text(defaults->dictionaryRepresentation(), controls));
+void listStore(const GivenParameters&) {
+  const auto controls = linux_platform::onTerminal() ? ValueListing::Controls::escaped
+                                                     : ValueListing::Controls::asTheyAre;
+  print(ValueListing::text(openDefaults().dictionaryRepresentation(), controls));
 }
 
-int getFromStore(const GivenParameters& given) {
-  const auto defaults = UserDefaults::initWithSuiteName(appGroup);
-  if (!defaults) return failWithoutStore();
-  const auto values = defaults->dictionaryRepresentation();
+void getFromStore(const GivenParameters& given) {
+  const auto values = openDefaults().dictionaryRepresentation();
   const std::string key = textOf(given, "KEY");
-  const std::string quoted = '"' + linux_platform::escapedControls(key) + '"';
   const auto value = values.find(key);
   if (value == values.end()) {
-    return fail("there is no key " + quoted + "; kivo-phone store list shows all keys");
+    throw CommandFailure("there is no key \"" + key + "\"; kivo-phone store list shows all keys");
   }
   const auto text = ValueListing::valueText(value->second);
-  if (!text) return fail("the value of " + quoted + " is neither a text nor a number");
-  return print(linux_platform::forStandardOutput(*text) + "\n");
+  if (!text) {
+    throw CommandFailure("the value of \"" + key + "\" is neither a text nor a number");
+  }
+  print(linux_platform::forStandardOutput(*text) + "\n");
 }
 
-int setInStore(const GivenParameters& given) {
+void setInStore(const GivenParameters& given) {
   const std::string text = textOf(given, "VALUE");
   const auto number = platform::doubleFromText(text);
   const bool asFloat = given.contains("--float");
   if (asFloat && !(number && std::isfinite(*number))) {
-    return fail("VALUE must be a finite number; nothing was stored", exitBadUsage);
+    throw CommandFailure("VALUE must be a finite number; nothing was stored", exitBadUsage);
   }
-  auto defaults = UserDefaults::initWithSuiteName(appGroup);
-  if (!defaults) return failWithoutStore();
+  auto defaults = openDefaults();
   if (asFloat) {
-    defaults->setDouble(textOf(given, "KEY"), *number);
+    defaults.setDouble(textOf(given, "KEY"), *number);
   } else {
-    defaults->setObject(textOf(given, "KEY"), text);
+    defaults.setObject(textOf(given, "KEY"), text);
   }
-  return defaults->synchronize() ? 0 : exitFailure;
+  if (!defaults.synchronize()) throw linux_platform::ReportedFailure();
 }
 
 linux_platform::CommandProgram phone() {
   linux_platform::CommandProgram program{
-      .name = phoneProgramName,
+      .name = "kivo-phone",
       .purpose = "The rest of the phone, for trying and inspecting Kivo's intents.",
       .version = KIVO_VERSION,
       .commands =

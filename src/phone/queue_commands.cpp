@@ -3,14 +3,11 @@
 #include <charconv>
 #include <cstddef>
 #include <iostream>
-#include <optional>
 #include <string>
-
-#include <unistd.h>
 
 #include "extraction/sms_extraction_client.h"
 #include "phone/backend_check.h"
-#include "phone/phone_terminal.h"
+#include "phone/phone_store.h"
 #include "phone/queue_listing.h"
 #include "phone/queue_removal.h"
 #include "phone/queue_sending.h"
@@ -19,32 +16,34 @@
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
-#include "platform/foundation/user_defaults.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/concurrency/task_executor.h"
 #include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/command_failure.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/prompt.h"
+#include "platform/linux/terminal/screen.h"
 #include "queue/pending_sms_queue.h"
-#include "store/shared_store.h"
 
 namespace kivo {
 namespace {
 
+using linux_platform::CommandFailure;
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
+using linux_platform::print;
+using linux_platform::Prompt;
 using Controls = QueueListing::Controls;
 using Items = std::vector<PendingSmsItem>;
 using Kind = linux_platform::CommandParameter::Kind;
 
-// Whether anything is stored under `key`, text or not.
-bool isStored(StoreKey key) {
-  const auto defaults = platform::UserDefaults::initWithSuiteName(appGroup);
-  return defaults && defaults->dictionaryRepresentation().contains(std::string(key.name));
-}
-
 // Whether a queue is stored that cannot be decoded.
 bool queueIsBroken(const SharedStore& store) {
   const auto text = store.readText(StoreKeys::pendingSmsQueue);
-  if (!text) return isStored(StoreKeys::pendingSmsQueue);
+  if (!text) {
+    const std::string key(StoreKeys::pendingSmsQueue.name);
+    return openDefaults().dictionaryRepresentation().contains(key);  // no text
+  }
   try {
     return !platform::JSONDecoder::arrayOfObjects(*text).empty();
   } catch (const platform::DecodingError&) {
@@ -52,146 +51,130 @@ bool queueIsBroken(const SharedStore& store) {
   }
 }
 
-// Returns the queue; nullopt, after printing the reason, when it cannot be read.
-std::optional<Items> readQueue() {
-  const auto store = SharedStore::open(appGroup);
-  if (!store) {
-    failWithoutStore();
-    return std::nullopt;
-  }
-  Items items = PendingSmsQueue::load(*store);
-  if (items.empty() && queueIsBroken(*store)) {
-    fail("the stored queue cannot be read; the next text that is queued replaces it");
-    return std::nullopt;
+Items readQueue() {
+  const SharedStore store = openStore();
+  Items items = PendingSmsQueue::load(store);
+  if (items.empty() && queueIsBroken(store)) {
+    throw CommandFailure(
+        "the stored queue cannot be read; the next text that is queued replaces it");
   }
   return items;
 }
 
-// Returns the index for the typed number `text`; nullopt when it is not a valid number.
-std::optional<std::size_t> indexFrom(const std::string& text) {
+// Returns the index for the typed number N.
+std::size_t indexFrom(const GivenParameters& given) {
+  const std::string& text = given.at("N");
   std::size_t number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || stop != end || number == 0) return std::nullopt;
+  if (error != std::errc() || stop != end || number == 0) {
+    throw CommandFailure("N must be the number of a text, as shown by kivo-phone queue",
+                         exitBadUsage);
+  }
   return number - 1;
 }
 
-int failWithoutNumber() {
-  return fail("N must be the number of a text, as shown by kivo-phone queue", exitBadUsage);
+const PendingSmsItem& itemAt(std::size_t index, const Items& items) {
+  if (items.empty()) throw CommandFailure("nothing waits to be sent");
+  if (index < items.size()) return items[index];
+  throw CommandFailure("there is no text " + std::to_string(index + 1) + "; the last one is " +
+                       std::to_string(items.size()));
 }
 
-int failWithoutText(std::size_t index, std::size_t count) {
-  if (count == 0) return fail("nothing waits to be sent");
-  return fail("there is no text " + std::to_string(index + 1) + "; the last one is " +
-              std::to_string(count));
+void showQueue(const GivenParameters&) {
+  print(QueueListing::text(readQueue(), platform::Date::now(), linux_platform::screenWidth()));
 }
 
-int showQueue(const GivenParameters&) {
-  const auto items = readQueue();
-  if (!items) return exitFailure;
-  return print(QueueListing::text(*items, platform::Date::now(), screenWidth()));
+void showText(const GivenParameters& given) {
+  const std::size_t index = indexFrom(given);
+  const Items items = readQueue();
+  print(QueueListing::details(
+      itemAt(index, items), platform::Date::now(),
+      linux_platform::onTerminal() ? Controls::escaped : Controls::asTheyAre));
 }
 
-int showText(const GivenParameters& given) {
-  const auto index = indexFrom(given.at("N"));
-  if (!index) return failWithoutNumber();
-  const auto items = readQueue();
-  if (!items) return exitFailure;
-  if (*index >= items->size()) return failWithoutText(*index, items->size());
-  return print(QueueListing::details((*items)[*index], platform::Date::now(),
-                                     onTerminal() ? Controls::escaped : Controls::asTheyAre));
-}
-
-int exportQueue(const GivenParameters&) {
-  const auto items = readQueue();
-  if (!items) return exitFailure;
+void exportQueue(const GivenParameters&) {
   std::vector<platform::JSONEncoder> objects;
-  for (const PendingSmsItem& item : *items) objects.push_back(item.encode());
+  for (const PendingSmsItem& item : readQueue()) objects.push_back(item.encode());
   const std::string text = platform::JSONEncoder::arrayText(objects);
-  return print(linux_platform::jsonForStandardOutput(text) + "\n");
+  print(linux_platform::jsonForStandardOutput(text) + "\n");
 }
 
-bool isConfirmed(const PendingSmsItem& item) {
-  std::cerr << QueueListing::details(item, platform::Date::now(), Controls::escaped)
-            << "\nDrop this text, so that it is never sent? [y/N] " << std::flush;
-  std::string answer;
-  if (!std::getline(std::cin, answer)) std::cerr << '\n';
-  return answer == "y" || answer == "Y" || answer == "yes";
+void confirmDropping(const PendingSmsItem& item) {
+  const std::string question =
+      QueueListing::details(item, platform::Date::now(), Controls::escaped) +
+      "\nDrop this text, so that it is never sent?";
+  if (Prompt(std::cin).confirms(question, Prompt::Preset::no)) return;
+  throw CommandFailure("nothing was dropped");
 }
 
-int removeText(const PendingSmsItem& item, std::size_t index) {
-  auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  switch (QueueRemoval::remove(item, index, *store)) {
+void removeText(const PendingSmsItem& item, std::size_t index) {
+  SharedStore store = openStore();
+  switch (QueueRemoval::remove(item, index, store)) {
     case QueueRemoval::Outcome::removed:
       return print("Dropped.\n");
     case QueueRemoval::Outcome::busy:
-      return fail("texts are being sent just now; nothing was dropped, try again in half a minute");
+      throw CommandFailure(
+          "texts are being sent just now; nothing was dropped, try again in half a minute");
     case QueueRemoval::Outcome::gone:
-      return fail("the text has left the queue meanwhile; nothing was dropped");
+      throw CommandFailure("the text has left the queue meanwhile; nothing was dropped");
     case QueueRemoval::Outcome::notWritten:
-      return fail("nothing was dropped");
+      throw CommandFailure("nothing was dropped");
   }
-  return exitFailure;
 }
 
-int dropText(const GivenParameters& given) {
-  const auto index = indexFrom(given.at("N"));
-  if (!index) return failWithoutNumber();
+void dropText(const GivenParameters& given) {
+  const std::size_t index = indexFrom(given);
   const bool asks = !given.contains("--yes");
-  if (asks && isatty(STDIN_FILENO) != 1) {
-    return fail("there is no terminal to confirm on; --yes drops without asking", exitBadUsage);
+  if (asks && !linux_platform::inputIsTerminal()) {
+    throw CommandFailure("there is no terminal to confirm on; --yes drops without asking",
+                         exitBadUsage);
   }
-  const auto items = readQueue();
-  if (!items) return exitFailure;
-  if (*index >= items->size()) return failWithoutText(*index, items->size());
-  const PendingSmsItem& item = (*items)[*index];
-  if (asks && !isConfirmed(item)) return fail("nothing was dropped");
-  return removeText(item, *index);
+  const Items items = readQueue();
+  const PendingSmsItem& item = itemAt(index, items);
+  if (asks) confirmDropping(item);
+  removeText(item, index);
 }
 
 std::string countedTexts(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " text" : " texts");
 }
 
-// Prints the result of sending; returns 0 when no text that was tried is left.
-int reportSending(const QueueSending::Result& result) {
+// Prints the result of sending. Throws when a text that was tried is left.
+void reportSending(const QueueSending::Result& result) {
   if (result.end == QueueSending::Result::End::busy && result.sent + result.failed == 0) {
-    return fail("texts are being sent just now; try again in half a minute");
+    throw CommandFailure("texts are being sent just now; try again in half a minute");
   }
   std::string lines = "Sent " + countedTexts(result.sent) + ".\n";
   if (result.dropped > 0) {
     lines += "Dropped " + countedTexts(result.dropped) + " that had failed ten times.\n";
   }
-  if (const int failed = print(lines); failed != 0 || result.failed == 0) return failed;
+  print(lines);
+  if (result.failed == 0) return;
   const auto last = linux_platform::lastExchange();
   const std::string why = last ? WaitingTexts::failureOf(*last).value_or("") : "";
-  return fail(countedTexts(result.failed) + " failed and still wait" +
-              (result.failed == 1 ? "s" : "") + (why.empty() ? "" : ": " + why));
+  throw CommandFailure(countedTexts(result.failed) + " failed and still wait" +
+                       (result.failed == 1 ? "s" : "") + (why.empty() ? "" : ": " + why));
 }
 
-int sendQueue(const GivenParameters&) {
-  const auto items = readQueue();
-  if (!items) return exitFailure;
-  if (items->empty()) return print("Nothing waits to be sent.\n");
-  auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  const auto userId = store->readNonEmptyText(StoreKeys::userId);
-  const auto base = store->readNonEmptyText(StoreKeys::supabaseUrl);
+void sendQueue(const GivenParameters&) {
+  if (readQueue().empty()) return print("Nothing waits to be sent.\n");
+  SharedStore store = openStore();
+  const auto userId = store.readNonEmptyText(StoreKeys::userId);
+  const auto base = store.readNonEmptyText(StoreKeys::supabaseUrl);
   if (!userId || !base || !SMSExtractionClient::endpoint(*base)) {
-    return fail("not signed in; run kivo-phone sign-in first");
+    throw CommandFailure("not signed in; run kivo-phone sign-in first");
   }
   // A failed attempt would count as one of the ten that a text has.
   const BackendFindings findings = BackendCheck::find(*base);
   if (!findings.answers()) {
-    return fail("nothing was sent: " +
-                linux_platform::escapedControls(BackendCheck::sentences(findings).front()));
+    throw CommandFailure("nothing was sent: " + BackendCheck::sentences(findings).front());
   }
   QueueSending::Result result;
   linux_platform::InstalledPlatform installed(extensionBundle);
   linux_platform::TaskExecutor executor(1);
-  executor.perform(installed.asOneRun(QueueSending::send(*store, *userId, *base, result)));
-  return reportSending(result);
+  executor.perform(installed.asOneRun(QueueSending::send(store, *userId, *base, result)));
+  reportSending(result);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "platform/linux/bus/bus_call.h"
 #include "platform/linux/bus/bus_message.h"
 #include "platform/linux/bus/session_bus.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/process/child_process.h"
 #include "sms_watcher/senders_file.h"
 #include "sms_watcher/watch_program.h"
@@ -64,12 +65,15 @@ std::string whyItDoesNotRun() {
 }  // namespace
 
 std::string WatcherStatus::sentence() {
-  const SendersFile::Content file = SendersFile::readValid();
-  if (file.error) return "unknown, so no message is handed on: " + *file.error;
-  if (file.senders.empty()) return "none for kivo-sms-watcher; kivo-phone watch add names one";
-  const std::string count = std::to_string(file.senders.size());
-  if (watcherRuns()) return count + ", watched by kivo-sms-watcher";
-  return count + ", but " + whyItDoesNotRun();
+  std::size_t count = 0;
+  try {
+    count = SendersFile::readValid().senders.size();
+  } catch (const linux_platform::Failure& failure) {
+    return std::string("unknown, so no message is handed on: ") + failure.what();
+  }
+  if (count == 0) return "none for kivo-sms-watcher; kivo-phone watch add names one";
+  if (watcherRuns()) return std::to_string(count) + ", watched by kivo-sms-watcher";
+  return std::to_string(count) + ", but " + whyItDoesNotRun();
 }
 
 }  // namespace kivo

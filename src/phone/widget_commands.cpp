@@ -9,18 +9,22 @@
 
 #include "phone/ledger_month.h"
 #include "phone/local_ledger.h"
-#include "phone/phone_terminal.h"
+#include "phone/phone_store.h"
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
-#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/child_process.h"
+#include "platform/linux/terminal/command_failure.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/terminal_window.h"
-#include "store/shared_store.h"
 
 namespace kivo {
 namespace {
 
+using linux_platform::CommandFailure;
 using linux_platform::GivenParameters;
+using linux_platform::onTerminal;
+using linux_platform::print;
 using Kind = linux_platform::CommandParameter::Kind;
 
 // The scheme of the notifications' links; the desktop file names it as well.
@@ -31,16 +35,16 @@ constexpr std::chrono::seconds reportTimeout(30);
 
 std::string drawnWidget(const WidgetFigures& figures) {
   if (!onTerminal()) return WidgetView::asLines(figures);
-  return WidgetView::asBox(
-      figures, terminalShowsStyles() ? WidgetView::Figures::bold : WidgetView::Figures::plain);
+  return WidgetView::asBox(figures, linux_platform::terminalShowsStyles()
+                                        ? WidgetView::Figures::bold
+                                        : WidgetView::Figures::plain);
 }
 
-int showWidget() {
-  const auto store = SharedStore::open(appGroup);
-  if (!store) return failWithoutStore();
-  WidgetFigures figures = WidgetView::read(*store);
-  if (LocalLedger::isSignedIn(*store)) WidgetView::takeFromBook(figures, LedgerMonth::ask());
-  return print(drawnWidget(figures));
+void showWidget() {
+  const SharedStore store = openStore();
+  WidgetFigures figures = WidgetView::read(store);
+  if (LocalLedger::isSignedIn(store)) WidgetView::takeFromBook(figures, LedgerMonth::ask());
+  print(drawnWidget(figures));
 }
 
 // The ledger's figures while the widget is watched. Corrections of the book send no reload signal.
@@ -68,20 +72,20 @@ class WatchedLedger {
 };
 
 // Redraws in place, or below where the terminal does not support that.
-int watchWidget() {
+void watchWidget() {
   constexpr const char* clearScreen = "\x1b[H\x1b[2J";
   std::optional<WidgetFigures> drawn;
   WatchedLedger ledger;
-  return WidgetWatch::run([&](WidgetWatch::Cause cause) {
-    const auto store = SharedStore::open(appGroup);
-    if (!store) return failWithoutStore() == 0;
-    WidgetFigures figures = WidgetView::read(*store);
-    ledger.complete(figures, *store, cause);
+  WidgetWatch::run([&](WidgetWatch::Cause cause) {
+    const SharedStore store = openStore();
+    WidgetFigures figures = WidgetView::read(store);
+    ledger.complete(figures, store, cause);
     const bool changed = std::exchange(drawn, figures) != figures;
-    if (!changed) return true;
+    if (!changed) return;
     const std::string widget = drawnWidget(figures);
-    if (!onTerminal()) return print(widget + "\n") == 0;
-    return print((terminalObeysEscapes() ? clearScreen : "") + widget + "Ctrl-C ends\n") == 0;
+    if (!onTerminal()) return print(widget + "\n");
+    const bool clears = linux_platform::terminalObeysEscapes();
+    print((clears ? clearScreen : "") + widget + "Ctrl-C ends\n");
   });
 }
 
@@ -100,18 +104,17 @@ bool openReport() {
 }
 
 // Any program can open a link, so no part of it is passed on.
-int openKivo(const GivenParameters& given) {
+void openKivo(const GivenParameters& given) {
   const auto link = given.find("LINK");
   if (link != given.end() && !link->second.starts_with(linkScheme)) {
-    return fail("invalid LINK \"" + linux_platform::escapedControls(link->second) +
-                    "\": it must begin with " + linkScheme,
-                linux_platform::exitBadUsage);
+    throw CommandFailure("invalid LINK \"" + link->second + "\": it must begin with " + linkScheme,
+                         linux_platform::exitBadUsage);
   }
-  if (openReport()) return 0;
-  const std::string phone = (linux_platform::programFolder() / phoneProgramName).string();
+  if (openReport()) return;
+  const std::string phone = (linux_platform::programFolder() / "kivo-phone").string();
   linux_platform::TerminalWindows windows;
-  if (windows.open({phone, "widget", "--watch"}, linux_platform::WindowEnd::atSuccess)) return 0;
-  return fail(linux_platform::noTerminalWindow);
+  if (windows.open({phone, "widget", "--watch"}, linux_platform::WindowEnd::atSuccess)) return;
+  throw CommandFailure(linux_platform::noTerminalWindow);
 }
 
 }  // namespace

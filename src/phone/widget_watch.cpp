@@ -8,28 +8,24 @@
 #include "platform/linux/bus/bus_loop.h"
 #include "platform/linux/bus/bus_signal.h"
 #include "platform/linux/bus/widget_center_interface.h"
-#include "platform/linux/foundation/complaint.h"
 #include "platform/linux/process/stop_signals.h"
+#include "platform/linux/terminal/command_failure.h"
 
 namespace kivo {
 namespace {
 
 namespace widget_center = linux_platform::widget_center_interface;
 using linux_platform::BusLoop;
+using linux_platform::CommandFailure;
 
 // A run that queues a text sends no reload signal, nor does a sign-in or a new day.
 constexpr std::chrono::milliseconds pollInterval = std::chrono::seconds(2);
 
-int fail(const char* complaint) {
-  linux_platform::complain("kivo-phone", complaint);
-  return 1;
-}
-
 }  // namespace
 
-int WidgetWatch::run(const std::function<bool(Cause)>& draw) {
+void WidgetWatch::run(const std::function<void(Cause)>& draw) {
   const linux_platform::BusConnection bus = linux_platform::connectToSessionBus();
-  if (!bus) return fail("there is no session bus");
+  if (!bus) throw CommandFailure("there is no session bus");
   Cause cause = Cause::reload;
   // Any message ends a wait of the loop, and the widget is drawn again.
   linux_platform::subscribe(
@@ -41,14 +37,11 @@ int WidgetWatch::run(const std::function<bool(Cause)>& draw) {
   BusLoop loop(bus.get());
   const linux_platform::StopSignals signals([&loop] { loop.stop(); });
 
-  bool drawn = true;
   const BusLoop::End end = loop.run([&] {
-    drawn = draw(std::exchange(cause, Cause::time));
-    if (!drawn) loop.stop();
+    draw(std::exchange(cause, Cause::time));
     return std::optional(pollInterval);
   });
-  if (end == BusLoop::End::busGone) return fail("the session bus is gone");
-  return drawn ? 0 : 1;
+  if (end == BusLoop::End::busGone) throw CommandFailure("the session bus is gone");
 }
 
 }  // namespace kivo

@@ -9,8 +9,8 @@ namespace kivo::WidgetWatch {
 enum class Cause { reload, time };
 
 /// Calls `draw` at once, at each reload signal and every two seconds, since queued texts, sign-ins
-/// and new days send no signal. Blocks until SIGINT or SIGTERM and returns 0. Returns 1 when `draw`
-/// returns false, or, after one line on standard error, when the session bus is gone.
-int run(const std::function<bool(Cause)>& draw);
+/// and new days send no signal. Blocks until SIGINT or SIGTERM. Throws CommandFailure when there is
+/// no session bus or it is gone, and what `draw` throws.
+void run(const std::function<void(Cause)>& draw);
 
 }  // namespace kivo::WidgetWatch

@@ -4,11 +4,14 @@
 #include <utility>
 
 #include "platform/linux/foundation/device_folders.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/store/settings_toml.h"
 #include "sms_watcher/sender_pattern.h"
 
 namespace kivo::SendersFile {
 namespace {
+
+using linux_platform::Failure;
 
 constexpr const char* sendersKey = "senders";
 constexpr const char* introduction =
@@ -19,24 +22,21 @@ std::string atLine(const toml::source_position& position) {
   return "line " + std::to_string(position.line) + ": ";
 }
 
-// Parses the file; the result has either the senders or the error.
-Content parsed(const std::string& bytes) {
-  linux_platform::SettingsTable settings = linux_platform::settingsTable(bytes);
-  if (settings.error) return {.error = std::move(settings.error)};
-  Content content;
-  for (const auto& [key, value] : settings.table) {
+std::vector<std::string> sendersIn(const std::string& bytes) {
+  std::vector<std::string> senders;
+  const toml::table settings = linux_platform::settingsTable(bytes);
+  for (const auto& [key, value] : settings) {
     const std::string line = atLine(value.source().begin);
-    if (key.str() != sendersKey) return {.error = line + "unknown key; the only one is senders"};
-    const toml::array* const senders = value.as_array();
-    if (senders == nullptr) return {.error = line + "senders must be a list of texts in quotes"};
-    for (const toml::node& sender : *senders) {
+    if (key.str() != sendersKey) throw Failure(line + "unknown key; the only one is senders");
+    const toml::array* const list = value.as_array();
+    if (list == nullptr) throw Failure(line + "senders must be a list of texts in quotes");
+    for (const toml::node& sender : *list) {
       const auto text = sender.value_exact<std::string>();
-      if (!text)
-        return {.error = atLine(sender.source().begin) + "a sender must be a text in quotes"};
-      content.senders.push_back(*text);
+      if (!text) throw Failure(atLine(sender.source().begin) + "a sender must be a text in quotes");
+      senders.push_back(*text);
     }
   }
-  return content;
+  return senders;
 }
 
 std::string textOf(const std::vector<std::string>& senders) {
@@ -58,11 +58,12 @@ std::optional<std::filesystem::path> place() {
 Content read() {
   const auto path = place();
   if (!path) return {};
-  linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
-  Content content = file.error ? Content{.error = std::move(file.error)} : parsed(file.text);
-  if (content.error) content.error = path->string() + ": " + *content.error;
-  content.changed = file.changed;
-  return content;
+  try {
+    const linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
+    return {.senders = sendersIn(file.text), .changed = file.changed};
+  } catch (const Failure& failure) {
+    throw Failure(path->string() + ": " + failure.what());
+  }
 }
 
 linux_platform::SettingsLock lock() { return linux_platform::SettingsLock(place().value_or("")); }
@@ -71,16 +72,21 @@ Content readValid() {
   Content content = read();
   for (const std::string& sender : content.senders) {
     if (const auto objection = SenderPattern::objectionTo(sender)) {
-      content.error = place()->string() + ": a sender " + *objection;
+      throw Failure(place()->string() + ": a sender " + *objection);
     }
   }
-  if (content.error) content.senders.clear();
   return content;
 }
 
-bool write(const std::vector<std::string>& senders) {
+void write(const std::vector<std::string>& senders) {
+  const Failure failure("the settings file cannot be written");
   const auto path = place();
-  return path && linux_platform::replaceSettingsFile(*path, textOf(senders));
+  if (!path) throw failure;
+  try {
+    linux_platform::replaceSettingsFile(*path, textOf(senders));
+  } catch (const Failure&) {
+    throw failure;
+  }
 }
 
 }  // namespace kivo::SendersFile

@@ -21,11 +21,10 @@ struct Content {
   std::vector<std::string> senders = {};
   /// The file's modification time; the epoch when there is no file.
   platform::Moment changed = {};
-  /// Why the file cannot be used, in one line that quotes nothing from it. `senders` is empty then.
-  std::optional<std::string> error = {};
 };
 
-/// Reads the file. A missing file, or one without a key, has no senders.
+/// Reads the file. A missing file, or one without a key, has no senders. Throws Failure with one
+/// line that quotes nothing from the file when it cannot be used.
 Content read();
 
 /// Locks the file against other programs that change it, as SettingsLock does; to be held from
@@ -36,8 +35,8 @@ Content read();
 Content readValid();
 
 /// Replaces the file atomically and durably, and creates it and its folders for the user only. If
-/// the file is a symbolic link, replaces its target. Returns false when a step failed; the file
+/// the file is a symbolic link, replaces its target. Throws Failure when a step failed; the file
 /// then has either its old or its new content.
-bool write(const std::vector<std::string>& senders);
+void write(const std::vector<std::string>& senders);
 
 }  // namespace kivo::SendersFile

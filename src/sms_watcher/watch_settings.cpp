@@ -3,17 +3,24 @@
 #include <iostream>
 #include <utility>
 
+#include "platform/linux/foundation/failure.h"
 #include "sms_watcher/senders_file.h"
 
 namespace kivo {
 
 bool WatchSettings::refresh() {
-  SendersFile::Content content = SendersFile::readValid();
-  const bool same = read_ && content.senders == senders_ && content.error == error_;
+  SendersFile::Content content;
+  std::optional<std::string> error;
+  try {
+    content = SendersFile::readValid();
+  } catch (const linux_platform::Failure& failure) {
+    error = failure.what();
+  }
+  const bool same = read_ && content.senders == senders_ && error == error_;
   read_ = true;
   senders_ = std::move(content.senders);
   changed_ = content.changed;
-  error_ = std::move(content.error);
+  error_ = std::move(error);
   if (!same) tell();
   return !same;
 }

@@ -19,7 +19,7 @@ class WatchSettings {
   [[nodiscard]] const std::vector<std::string>& senders() const { return senders_; }
   /// Whether there is a file that cannot be used, so that the named senders are unknown.
   [[nodiscard]] bool broken() const { return error_.has_value(); }
-  /// The file's modification time.
+  /// The file's modification time; the epoch when it is missing or cannot be used.
   [[nodiscard]] platform::Moment changed() const { return changed_; }
 
  private:

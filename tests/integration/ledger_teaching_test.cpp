@@ -97,6 +97,17 @@ TEST_F(ATaughtLedger, LearnsAMessageFromStandardInput) {
                                      "kind = \"expense\"\ncurrency = \"EGP\"\n"));
 }
 
+TEST_F(ATaughtLedger, LearnsNothingThatItCannotShow) {
+  const ProgramResult result = linux_platform::runProgram(
+      {.program = "sh",
+       .arguments = {"-c", "exec \"$0\" teach - --kind expense --amount 150.00 >/dev/full",
+                     program()},
+       .input = unknown});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "kivo-ledger: standard output cannot be written\n");
+  EXPECT_EQ(templates(), "");
+}
+
 TEST_F(ATaughtLedger, TakesACurrencyInSmallLetters) {
   const ProgramResult result =
       run({"teach", "-", "--kind", "expense", "--amount", "20", "--currency", "usd"},

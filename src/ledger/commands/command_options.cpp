@@ -1,11 +1,9 @@
 #include "ledger/commands/command_options.h"
 
 #include <algorithm>
-#include <utility>
 
-#include "ledger/commands/ledger_terminal.h"
+#include "money/money.h"
 #include "platform/foundation/utf8.h"
-#include "platform/linux/foundation/safe_text.h"
 
 namespace kivo::ledger {
 
@@ -14,6 +12,7 @@ using money::Day;
 using money::Month;
 using money::Period;
 
+using linux_platform::CommandFailure;
 using linux_platform::CommandParameter;
 using linux_platform::GivenParameters;
 
@@ -23,10 +22,34 @@ std::optional<std::string> given(const GivenParameters& parameters, const char* 
   return platform::repairedUtf8(found->second);
 }
 
-int failFor(const char* name, const std::string& value, const std::string& form) {
-  return fail(std::string("invalid ") + name + " \"" + linux_platform::escapedControls(value) +
-                  "\": it must be " + form,
-              linux_platform::exitBadUsage);
+CommandFailure invalid(const char* name, const std::string& value, const std::string& form) {
+  return CommandFailure(std::string("invalid ") + name + " \"" + value + "\": it must be " + form,
+                        linux_platform::exitBadUsage);
+}
+
+std::optional<Day> givenDay(const GivenParameters& parameters, const char* name) {
+  const auto text = given(parameters, name);
+  if (!text) return std::nullopt;
+  const auto day = Day::fromText(*text);
+  if (!day) throw invalid(name, *text, "a day such as 2026-11-21");
+  return day;
+}
+
+std::optional<Month> givenMonth(const GivenParameters& parameters) {
+  const auto text = given(parameters, "--month");
+  if (!text) return std::nullopt;
+  const auto month = Month::fromText(*text);
+  if (!month) throw invalid("--month", *text, "a month such as 2026-11");
+  return month;
+}
+
+std::optional<std::string> givenCurrency(const GivenParameters& parameters, const char* name,
+                                         const std::string& example) {
+  const auto text = given(parameters, name);
+  if (!text) return std::nullopt;
+  std::string code = money::currencyCode(*text);
+  if (!money::isCurrency(code)) throw invalid(name, *text, "a code such as " + example);
+  return code;
 }
 
 std::vector<CommandParameter> filterOptions() {
@@ -38,23 +61,18 @@ std::vector<CommandParameter> filterOptions() {
           {"--search", "Only those that hold a text", optional}};
 }
 
-int readFilter(const GivenParameters& parameters, EntryFilter& filter) {
+EntryFilter filterFrom(const GivenParameters& parameters) {
+  EntryFilter filter;
   filter.category = given(parameters, "--category").value_or("");
   filter.search = given(parameters, "--search").value_or("");
-  for (const auto& [name, bound] : {std::pair("--from", &filter.from), {"--to", &filter.to}}) {
-    const auto day = given(parameters, name);
-    if (!day) continue;
-    *bound = Day::fromText(*day);
-    if (!*bound) return failFor(name, *day, "a day such as 2026-11-21");
+  filter.from = givenDay(parameters, "--from");
+  filter.to = givenDay(parameters, "--to");
+  if (const auto month = givenMonth(parameters)) {
+    const auto [first, last] = Period::of(*month);
+    filter.from = std::max(filter.from.value_or(first), first);
+    filter.to = std::min(filter.to.value_or(last), last);
   }
-  const auto month = given(parameters, "--month");
-  if (!month) return 0;
-  const auto read = Month::fromText(*month);
-  if (!read) return failFor("--month", *month, "a month such as 2026-11");
-  const auto [first, last] = Period::of(*read);
-  filter.from = std::max(filter.from.value_or(first), first);
-  filter.to = std::min(filter.to.value_or(last), last);
-  return 0;
+  return filter;
 }
 
 }  // namespace kivo::ledger

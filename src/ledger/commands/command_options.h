@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "book/book.h"
+#include "money/day.h"
 #include "platform/linux/terminal/command_line.h"
 
 namespace kivo::ledger {
@@ -14,15 +15,27 @@ namespace kivo::ledger {
 std::optional<std::string> given(const linux_platform::GivenParameters& parameters,
                                  const char* name);
 
-/// Prints one line on standard error: the value given for `name` is invalid and must be `form`.
-/// Returns the exit status for bad usage.
-int failFor(const char* name, const std::string& value, const std::string& form);
+/// Returns the failure to throw: the value given for `name` is invalid and must be `form`.
+linux_platform::CommandFailure invalid(const char* name, const std::string& value,
+                                       const std::string& form);
+
+/// Returns the day given for `name`; absent when none was given. Throws `invalid`.
+std::optional<money::Day> givenDay(const linux_platform::GivenParameters& parameters,
+                                   const char* name);
+
+/// Returns the value of --month; absent when it was not given. Throws `invalid`.
+std::optional<money::Month> givenMonth(const linux_platform::GivenParameters& parameters);
+
+/// Returns the currency code given for `name`, in upper case; absent when none was given. Throws
+/// `invalid`, with `example` as a valid code.
+std::optional<std::string> givenCurrency(const linux_platform::GivenParameters& parameters,
+                                         const char* name, const std::string& example);
 
 /// Returns the options --month, --from, --to, --category and --search.
 std::vector<linux_platform::CommandParameter> filterOptions();
 
-/// Reads `filterOptions` into `filter`. --month together with --from or --to selects the days that
-/// satisfy both. Returns 0, or as `failFor` when a value is invalid.
-int readFilter(const linux_platform::GivenParameters& parameters, book::EntryFilter& filter);
+/// Reads `filterOptions`. --month together with --from or --to selects the days that satisfy both.
+/// Throws `invalid`.
+book::EntryFilter filterFrom(const linux_platform::GivenParameters& parameters);
 
 }  // namespace kivo::ledger

@@ -1,14 +1,16 @@
 #include "ledger/commands/editing_commands.h"
 
 #include <iostream>
+#include <optional>
 #include <string>
-
-#include <unistd.h>
 
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
-#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/opened_book.h"
 #include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/command_failure.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/prompt.h"
 #include "recording/rereading.h"
 
 namespace kivo::ledger {
@@ -17,8 +19,6 @@ using book::Book;
 using book::EntryChange;
 using book::LedgerEntry;
 using money::amountText;
-using money::currencyCode;
-using money::isCurrency;
 using money::kindFromText;
 using money::largestSum;
 using money::minorDigits;
@@ -28,95 +28,89 @@ using money::Rate;
 
 namespace {
 
+using linux_platform::CommandFailure;
 using linux_platform::escapedControls;
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
+using linux_platform::print;
+using linux_platform::Prompt;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
 std::string sumText(const Money& sum) { return sum.currency + " " + amountText(sum); }
 
-int readSum(const std::string& text, const std::string& currency, EntryChange& change) {
-  change.amount = moneyFromText(text, currency);
-  if (change.amount && isBookable(*change.amount)) return 0;
-  return failFor("--amount", text,
-                 "a sum above zero such as 1,189.50: " + std::to_string(minorDigits(currency)) +
-                     " decimals at most, commas only between thousands, and up to " +
-                     amountText({largestSum, currency}));
+Money sumFrom(const std::string& text, const std::string& currency) {
+  const auto sum = moneyFromText(text, currency);
+  if (sum && isBookable(*sum)) return *sum;
+  throw invalid("--amount", text,
+                "a sum above zero such as 1,189.50: " + std::to_string(minorDigits(currency)) +
+                    " decimals at most, commas only between thousands, and up to " +
+                    amountText({largestSum, currency}));
 }
 
-// Reads --currency without --amount: the sum is converted by its rate.
-int readConversion(const Book& book, const LedgerEntry& entry, const std::string& currency,
-                   EntryChange& change) {
-  if (!entry.amount) return fail("its sum is unknown: give --amount as well", exitBadUsage);
+// The sum of `entry` converted by its rate; absent when it is in `currency` already.
+std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
+                               const std::string& currency) {
+  if (!entry.amount) {
+    throw CommandFailure("its sum is unknown: give --amount as well", exitBadUsage);
+  }
   const Money& sum = *entry.amount;
-  if (sum.currency == currency) return 0;
+  if (sum.currency == currency) return std::nullopt;
   const std::string give = "give the sum in " + currency + " by --amount";
-  const auto booksIn = bookCurrency();
-  if (!booksIn) return exitFailure;
-  if (currency != *booksIn) {
-    return fail("there are rates for " + *booksIn + " alone: " + give, exitBadUsage);
+  const std::string booksIn = requiredBookCurrency();
+  if (currency != booksIn) {
+    throw CommandFailure("there are rates for " + booksIn + " alone: " + give, exitBadUsage);
   }
   const auto rate = book.rate(sum.currency);
   if (!rate) {
-    return fail("there is no rate for " + sum.currency + ": set it by kivo-ledger rate " +
-                    sum.currency + " RATE, or " + give,
-                exitBadUsage);
+    throw CommandFailure("there is no rate for " + sum.currency + ": set it by kivo-ledger rate " +
+                             sum.currency + " RATE, or " + give,
+                         exitBadUsage);
   }
-  change.amount = rate->convert(sum, currency);
-  if (change.amount) return 0;
-  return fail(sumText(sum) + " cannot be converted at the rate " + rate->text() + ": " + give,
-              exitBadUsage);
+  const auto made = rate->convert(sum, currency);
+  if (made) return made;
+  throw CommandFailure(
+      sumText(sum) + " cannot be converted at the rate " + rate->text() + ": " + give,
+      exitBadUsage);
 }
 
-// Reads --amount and --currency. Returns an exit status, 0 when they fit.
-int readAmount(const GivenParameters& parameters, const Book& book, const LedgerEntry& entry,
-               EntryChange& change) {
+// Reads --amount and --currency; absent when they change nothing.
+std::optional<Money> amountFrom(const GivenParameters& parameters, const Book& book,
+                                const LedgerEntry& entry) {
   const auto amount = given(parameters, "--amount");
-  const auto code = given(parameters, "--currency");
-  if (code) {
-    const std::string currency = currencyCode(*code);
-    if (!isCurrency(currency)) return failFor("--currency", *code, "a code such as EGP");
-    return amount ? readSum(*amount, currency, change)
-                  : readConversion(book, entry, currency, change);
-  }
-  if (!amount) return 0;
-  const auto kept = entry.amount ? entry.amount->currency : bookCurrency();
-  return kept ? readSum(*amount, *kept, change) : exitFailure;
+  const auto currency = givenCurrency(parameters, "--currency", "EGP");
+  if (!amount && !currency) return std::nullopt;
+  if (!amount) return converted(book, entry, *currency);
+  if (currency) return sumFrom(*amount, *currency);
+  return sumFrom(*amount, entry.amount ? entry.amount->currency : requiredBookCurrency());
 }
 
-// Returns an exit status, 0 when all that was given fits.
-int readChange(const GivenParameters& parameters, const Book& book, const LedgerEntry& entry,
-               EntryChange& change) {
-  if (const auto date = given(parameters, "--date")) {
-    change.date = money::Day::fromText(*date);
-    if (!change.date) return failFor("--date", *date, "a day such as 2026-11-21");
-  }
+EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
+                       const LedgerEntry& entry) {
+  EntryChange change;
+  change.date = givenDay(parameters, "--date");
   if (const auto kind = given(parameters, "--kind")) {
     change.kind = kindFromText(*kind);
-    if (!change.kind) return failFor("--kind", *kind, "expense, income or transfer");
+    if (!change.kind) throw invalid("--kind", *kind, "expense, income or transfer");
   }
   change.description = given(parameters, "--description");
   change.category = given(parameters, "--category");
-  if (change.description == "") return fail("--description is empty", exitBadUsage);
-  if (change.category == "") return fail("--category is empty", exitBadUsage);
-  return readAmount(parameters, book, entry, change);
+  if (change.description == "") throw CommandFailure("--description is empty", exitBadUsage);
+  if (change.category == "") throw CommandFailure("--category is empty", exitBadUsage);
+  change.amount = amountFrom(parameters, book, entry);
+  return change;
 }
 
-int showChanged(const Book& book, std::int64_t id) {
-  const auto entry = book.entry(id);
-  return entry ? print(EntryListing::details(*entry)) : fail("it was deleted meanwhile");
-}
-
-int edit(const GivenParameters& parameters) {
+void edit(const GivenParameters& parameters) {
   if (parameters.size() == 1) {
-    return fail("edit needs one of --date, --amount, --currency, --kind, --description, --category",
-                exitBadUsage);
+    throw CommandFailure(
+        "edit needs one of --date, --amount, --currency, --kind, --description, --category",
+        exitBadUsage);
   }
-  return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
-    EntryChange change;
-    if (const int failed = readChange(parameters, book, entry, change); failed != 0) return failed;
-    book.edit(entry.id, change);
-    return showChanged(book, entry.id);
+  withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+    book.edit(entry.id, changeFrom(parameters, book, entry));
+    const auto edited = book.entry(entry.id);
+    if (!edited) throw CommandFailure("it was deleted meanwhile");
+    print(EntryListing::details(*edited));
   });
 }
 
@@ -134,55 +128,52 @@ std::string whyNotBooked(const LedgerEntry& entry, const std::string& currency) 
          " gives it one";
 }
 
-int accept(const GivenParameters& parameters) {
-  const auto currency = bookCurrency();
-  if (!currency) return exitFailure;
-  return withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+void accept(const GivenParameters& parameters) {
+  const std::string currency = requiredBookCurrency();
+  withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
     if (entry.state == LedgerEntry::State::setAside) {
-      return fail("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
-                  " says which value to edit");
+      throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
+                           " says which value to edit");
     }
-    const auto sum = recording::accept(book, entry.id, *currency);
-    if (!sum) return fail(whyNotBooked(entry, *currency));
+    const auto sum = recording::accept(book, entry.id, currency);
+    if (!sum) throw CommandFailure(whyNotBooked(entry, currency));
     const std::string rate = sum->rate ? " at the rate " + sum->rate->text() : "";
-    return print("Booked as " + sumText(sum->amount) + rate + ".\n");
+    print("Booked as " + sumText(sum->amount) + rate + ".\n");
   });
+}
+
+// Whether the command asks before it changes anything. `does` is a verb, such as "deletes". Throws
+// when it asks and there is no terminal.
+bool asksFirst(const GivenParameters& parameters, const std::string& does) {
+  if (parameters.contains("--yes")) return false;
+  if (linux_platform::inputIsTerminal()) return true;
+  throw CommandFailure("there is no terminal to ask at; --yes " + does + " without asking",
+                       exitBadUsage);
 }
 
 bool isConfirmed(const std::string& question) {
-  std::cerr << question << " [y/N] " << std::flush;
-  std::string answer;
-  if (!std::getline(std::cin, answer)) std::cerr << '\n';
-  return answer == "y" || answer == "Y" || answer == "yes";
+  return Prompt(std::cin).confirms(question, Prompt::Preset::no);
 }
 
-bool hasTerminal() { return isatty(STDIN_FILENO) == 1; }
-
-int remove(const GivenParameters& parameters) {
-  const bool asks = !parameters.contains("--yes");
-  if (asks && !hasTerminal()) {
-    return fail("there is no terminal to ask at; --yes deletes without asking", exitBadUsage);
-  }
-  return withEntry(parameters, [asks](Book& book, const LedgerEntry& entry) {
+void remove(const GivenParameters& parameters) {
+  const bool asks = asksFirst(parameters, "deletes");
+  withEntry(parameters, [asks](Book& book, const LedgerEntry& entry) {
     if (asks && !isConfirmed(EntryListing::details(entry) + "\nDelete this transaction?")) {
-      return fail("nothing was deleted");
+      throw CommandFailure("nothing was deleted");
     }
     book.remove(entry.id);
-    return print("Deleted.\n");
+    print("Deleted.\n");
   });
 }
 
-int forgetTexts(const GivenParameters& parameters) {
-  const bool asks = !parameters.contains("--yes");
-  if (asks && !hasTerminal()) {
-    return fail("there is no terminal to ask at; --yes forgets without asking", exitBadUsage);
-  }
+void forgetTexts(const GivenParameters& parameters) {
+  const bool asks = asksFirst(parameters, "forgets");
   if (asks && !isConfirmed("Remove the texts of all messages from the book, for ever?")) {
-    return fail("nothing was forgotten");
+    throw CommandFailure("nothing was forgotten");
   }
-  return withBook([](Book& book) {
+  withBook([](Book& book) {
     const std::int64_t count = book.forgetTexts();
-    return print("Forgot " + std::to_string(count) + (count == 1 ? " text.\n" : " texts.\n"));
+    print("Forgot " + std::to_string(count) + (count == 1 ? " text.\n" : " texts.\n"));
   });
 }
 
@@ -191,30 +182,29 @@ std::string rateForm() {
          " digits at most, with at most one point";
 }
 
-int showRates(const Book& book) {
+void showRates(const Book& book) {
   std::string lines;
   for (const auto& [currency, rate] : book.rates()) {
     lines.append(escapedControls(currency)).append(" ").append(escapedControls(rate));
     if (!Rate::fromText(rate)) lines.append(" is not used: a rate must be ").append(rateForm());
     lines += "\n";
   }
-  return print(lines.empty() ? "No rate is set.\n" : lines);
+  print(lines.empty() ? "No rate is set.\n" : lines);
 }
 
-int rate(const GivenParameters& parameters) {
-  const auto code = given(parameters, "CURRENCY");
+void rate(const GivenParameters& parameters) {
+  const auto currency = givenCurrency(parameters, "CURRENCY", "USD");
   const auto value = given(parameters, "RATE");
   const bool removes = parameters.contains("--remove");
-  if (!code) return withBook(showRates);
-  const std::string currency = currencyCode(*code);
-  if (!isCurrency(currency)) return failFor("CURRENCY", *code, "a code such as USD");
-  if (removes == value.has_value()) return fail("give either RATE or --remove", exitBadUsage);
+  if (!currency) return withBook(showRates);
+  if (removes == value.has_value()) {
+    throw CommandFailure("give either RATE or --remove", exitBadUsage);
+  }
   const auto set = value ? Rate::fromText(*value) : std::nullopt;
-  if (value && !set) return failFor("RATE", *value, rateForm());
-  return withBook([&](Book& book) {
-    if (removes) return book.removeRate(currency) ? 0 : fail("there is no rate for " + currency);
-    book.setRate(currency, *set);
-    return 0;
+  if (value && !set) throw invalid("RATE", *value, rateForm());
+  withBook([&](Book& book) {
+    if (set) return book.setRate(*currency, *set);
+    if (!book.removeRate(*currency)) throw CommandFailure("there is no rate for " + *currency);
   });
 }
 

@@ -6,16 +6,16 @@
 #include <string>
 #include <string_view>
 
-#include <unistd.h>
-
 #include "ledger/commands/command_options.h"
-#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/opened_book.h"
+#include "ledger/commands/written_file.h"
 #include "overview/exports/beancount_export.h"
 #include "overview/exports/csv_export.h"
 #include "overview/exports/hledger_export.h"
 #include "overview/exports/ofx_export.h"
 #include "platform/linux/foundation/safe_text.h"
-#include "platform/linux/store/private_file.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/screen.h"
 
 namespace kivo::ledger {
 
@@ -30,6 +30,7 @@ using overview::ofxExport;
 namespace {
 
 using linux_platform::GivenParameters;
+using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
 struct Format {
@@ -48,39 +49,32 @@ std::vector<std::string> formatNames() {
   return names;
 }
 
-int show(const std::string& text) {
-  if (isatty(STDOUT_FILENO) != 1) return print(text);
+void show(const std::string& text) {
+  if (!linux_platform::onTerminal()) return print(text);
   std::istringstream lines(text);
   std::string shown;
   for (std::string line; std::getline(lines, line);) {
     shown += linux_platform::escapedControls(line) + "\n";
   }
-  return print(shown);
+  print(shown);
 }
 
-int writeFile(const std::string& path, const std::string& text, std::size_t count) {
-  if (const auto failure = linux_platform::writePrivateFile(path, text)) {
-    return fail("cannot write \"" + linux_platform::escapedControls(path) + "\": " + *failure);
-  }
-  return print("Exported " + std::to_string(count) +
-               (count == 1 ? " transaction.\n" : " transactions.\n"));
-}
-
-int exportBook(const GivenParameters& parameters) {
-  EntryFilter filter;
-  if (const int failed = readFilter(parameters, filter); failed != 0) return failed;
+void exportBook(const GivenParameters& parameters) {
+  const EntryFilter filter = filterFrom(parameters);
   const std::string name = given(parameters, "--format").value();
   const auto* const format = std::find_if(formats.begin(), formats.end(),
                                           [&](const Format& one) { return one.name == name; });
-  if (format == formats.end()) return failFor("--format", name, "csv, hledger, beancount or ofx");
-  return withBook([&](Book& book) {
+  if (format == formats.end()) throw invalid("--format", name, "csv, hledger, beancount or ofx");
+  withBook([&](Book& book) {
     tellSetAside(book);
     std::vector<LedgerEntry> entries = book.entries(filter);
     std::reverse(entries.begin(), entries.end());  // imports want the oldest first
     const std::string text = format->written(entries);
     const auto output = parameters.find("--output");
     if (output == parameters.end()) return show(text);
-    return writeFile(output->second, text, entries.size());
+    writeFile(output->second, text);
+    const std::string count = std::to_string(entries.size());
+    print("Exported " + count + (entries.size() == 1 ? " transaction.\n" : " transactions.\n"));
   });
 }
 

@@ -5,8 +5,9 @@
 
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
-#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/opened_book.h"
 #include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
 
 namespace kivo::ledger {
@@ -18,9 +19,10 @@ using book::LedgerEntry;
 namespace {
 
 using linux_platform::GivenParameters;
+using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-int show(const std::vector<LedgerEntry>& entries, bool asJson, const char* none) {
+void show(const std::vector<LedgerEntry>& entries, bool asJson, const char* none) {
   if (asJson) {
     std::vector<platform::JSONEncoder> objects;
     for (const LedgerEntry& entry : entries) objects.push_back(EntryListing::json(entry));
@@ -28,33 +30,32 @@ int show(const std::vector<LedgerEntry>& entries, bool asJson, const char* none)
                  "\n");
   }
   if (entries.empty()) return print(std::string(none) + "\n");
-  return print(EntryListing::table(entries, linux_platform::screenWidth()));
+  print(EntryListing::table(entries, linux_platform::screenWidth()));
 }
 
-int list(const GivenParameters& parameters) {
-  EntryFilter filter;
-  if (const int failed = readFilter(parameters, filter); failed != 0) return failed;
-  return withBook([&](Book& book) {
+void list(const GivenParameters& parameters) {
+  const EntryFilter filter = filterFrom(parameters);
+  withBook([&](Book& book) {
     tellSetAside(book);
-    return show(book.entries(filter), parameters.contains("--json"), "No transaction fits.");
+    show(book.entries(filter), parameters.contains("--json"), "No transaction fits.");
   });
 }
 
-int review(const GivenParameters& parameters) {
-  return withBook([&](Book& book) {
+void review(const GivenParameters& parameters) {
+  withBook([&](Book& book) {
     tellSetAside(book);
     const auto entries = book.entries({.state = LedgerEntry::State::review});
     const bool asJson = parameters.contains("--json");
-    const int status = show(entries, asJson, "There is nothing to look at.");
-    if (asJson || entries.empty() || status != 0 || !linux_platform::onTerminal()) return status;
-    return print("To have messages like one of these\nbooked from now on: kivo-ledger teach ID\n");
+    show(entries, asJson, "There is nothing to look at.");
+    if (asJson || entries.empty() || !linux_platform::onTerminal()) return;
+    print("To have messages like one of these\nbooked from now on: kivo-ledger teach ID\n");
   });
 }
 
-int showOne(const GivenParameters& parameters) {
-  return withEntry(parameters, [&](Book&, const LedgerEntry& entry) {
+void showOne(const GivenParameters& parameters) {
+  withEntry(parameters, [&](Book&, const LedgerEntry& entry) {
     if (!parameters.contains("--json")) return print(EntryListing::details(entry));
-    return print(linux_platform::jsonForStandardOutput(EntryListing::json(entry).text()) + "\n");
+    print(linux_platform::jsonForStandardOutput(EntryListing::json(entry).text()) + "\n");
   });
 }
 

@@ -12,16 +12,16 @@
 #include <utility>
 #include <vector>
 
-#include <unistd.h>
-
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
-#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/opened_book.h"
 #include "ledger/commands/teaching_questions.h"
 #include "ledger/template_file.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/command_failure.h"
+#include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
 #include "recognition/templates/message_text.h"
 #include "recognition/templates/teaching.h"
@@ -32,8 +32,6 @@ namespace kivo::ledger {
 
 using book::Book;
 using book::LedgerEntry;
-using money::currencyCode;
-using money::isCurrency;
 using recognition::firstSum;
 using recognition::MessageTemplate;
 using recognition::namesPayee;
@@ -54,9 +52,12 @@ using recording::taughtEntries;
 
 namespace {
 
+using linux_platform::CommandFailure;
 using linux_platform::escapedControls;
 using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
+using linux_platform::print;
+using linux_platform::Prompt;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
 // One call of the command.
@@ -65,82 +66,84 @@ class Teaching {
   Teaching(const GivenParameters& parameters, Book& book, std::string currency)
       : parameters_(parameters), book_(book), currency_(std::move(currency)) {}
 
-  int run() {
-    if (const auto error = TemplateFile::read().error) return fail(*error);
-    if (const int failed = readOptions(); failed != 0) return failed;
-    if (const int failed = openAnswers(); failed != 0) return failed;
-    if (const int failed = chooseMessage(); failed != 0) return failed;
-    const auto taught = confirmedTemplate();
-    if (!taught) return exitFailure;
-    if (const int failed = save(*taught); failed != 0) return failed;
-    if (const int failed = correctShown(); failed != 0) return failed;
-    return offerOthers(*taught);
+  void run() {
+    TemplateFile::read();  // throws before anything is asked when it cannot be used
+    readOptions();
+    openAnswers();
+    chooseMessage();
+    const MessageTemplate taught = confirmedTemplate();
+    save(taught);
+    correctShown();
+    offerOthers(taught);
   }
 
  private:
   [[nodiscard]] bool isComplete() const { return given_.kind && (!*given_.kind || given_.amount); }
   [[nodiscard]] std::string source() const { return given(parameters_, "ID").value_or(""); }
 
-  int readOptions() {
+  void readOptions() {
     given_.amount = given(parameters_, "--amount");
     given_.payee = given(parameters_, "--payee");
     if (const auto kind = given(parameters_, "--kind")) {
       given_.kind = taughtKindFromText(*kind);
-      if (!given_.kind) return failFor("--kind", *kind, "expense, income, transfer or none");
+      if (!given_.kind) throw invalid("--kind", *kind, "expense, income, transfer or none");
     }
-    if (const auto code = given(parameters_, "--currency")) {
-      given_.currency = currencyCode(*code);
-      if (!isCurrency(given_.currency)) return failFor("--currency", *code, "a code such as EGP");
-    }
-    return 0;
+    given_.currency = givenCurrency(parameters_, "--currency", "EGP").value_or("");
   }
 
   // Standard input may be the message; the answers then come from the terminal itself.
-  int openAnswers() {
-    const bool asks = !isComplete() || source().empty();
-    if (!asks) return 0;
+  void openAnswers() {
+    if (isComplete() && !source().empty()) return;  // asks nothing
     if (source() == "-") {
       terminal_.open("/dev/tty");
-      if (terminal_) questions_.emplace(terminal_);
-    } else if (isatty(STDIN_FILENO) == 1) {
-      questions_.emplace(std::cin);
+      if (terminal_) prompt_.emplace(terminal_);
+    } else if (linux_platform::inputIsTerminal()) {
+      prompt_.emplace(std::cin);
     }
-    if (questions_) return 0;
-    return fail("there is no terminal to ask at; give ID or -, --kind and --amount", exitBadUsage);
+    if (prompt_) return;
+    throw CommandFailure("there is no terminal to ask at; give ID or -, --kind and --amount",
+                         exitBadUsage);
   }
 
-  int chooseMessage() {
-    std::string id = source();
-    if (id == "-") {
-      const std::string input(std::istreambuf_iterator<char>(std::cin), {});
-      message_ = partThatCounts(platform::repairedUtf8(input));
-      if (templateForm(message_).empty()) return fail("standard input is empty", exitBadUsage);
-      propose(std::nullopt);
-      return 0;
+  void chooseMessage() {
+    if (source() == "-") return takeInput();
+    takeEntry(source().empty() ? chosenId() : source());
+  }
+
+  void takeInput() {
+    const std::string input(std::istreambuf_iterator<char>(std::cin), {});
+    message_ = partThatCounts(platform::repairedUtf8(input));
+    if (templateForm(message_).empty())
+      throw CommandFailure("standard input is empty", exitBadUsage);
+    propose(std::nullopt);
+  }
+
+  // Shows the entries in review and asks which one has the message.
+  std::string chosenId() {
+    const auto entries = book_.entries({.state = LedgerEntry::State::review});
+    if (entries.empty()) {
+      throw CommandFailure(
+          "there is nothing to look at; `kivo-ledger teach ID` takes any transaction, "
+          "and `kivo-ledger teach -` a message from standard input");
     }
-    if (id.empty()) {
-      const auto entries = book_.entries({.state = LedgerEntry::State::review});
-      if (entries.empty()) {
-        return fail(
-            "there is nothing to look at; `kivo-ledger teach ID` takes any transaction, "
-            "and `kivo-ledger teach -` a message from standard input");
-      }
-      print(EntryListing::table(entries, linux_platform::screenWidth()));
-      id = questions_->askId();
-      if (id.empty()) return fail("nothing was taught");
-    }
+    print(EntryListing::table(entries, linux_platform::screenWidth()));
+    const std::string id = prompt_->ask("Teach which one? ID:").value_or("");
+    if (id.empty()) throw CommandFailure("nothing was taught");
+    return id;
+  }
+
+  void takeEntry(const std::string& id) {
     const auto number = platform::integerFromText(id);
-    if (!number) return failFor("ID", id, "a number, as list and review show it");
+    if (!number) throw invalid("ID", id, "a number, as list and review show it");
     const auto entry = book_.entry(*number);
-    if (!entry) return fail("no transaction has the ID " + std::to_string(*number));
+    if (!entry) throw CommandFailure("no transaction has the ID " + std::to_string(*number));
     if (!entry->text) {
-      return fail("the text of " + std::to_string(*number) +
-                  " was forgotten; `kivo-ledger teach -` takes it from standard input");
+      throw CommandFailure("the text of " + std::to_string(*number) +
+                           " was forgotten; `kivo-ledger teach -` takes it from standard input");
     }
     shown_ = entry->id;
     message_ = partThatCounts(*entry->text);
     propose(entry);
-    return 0;
   }
 
   // Proposes the parts in the book, or those that the rules read, if the message holds them; else
@@ -158,17 +161,17 @@ class Teaching {
     if (namesPayee(message_, payee)) proposed_.payee = payee;
   }
 
-  // Shows the template and asks for confirmation. Returns nullopt after one line on standard error.
-  std::optional<MessageTemplate> confirmedTemplate() {
+  // Shows the template and asks for confirmation.
+  MessageTemplate confirmedTemplate() {
     const auto taught = isComplete() ? std::optional(taughtByOptions()) : taughtByAnswers();
-    if (taught && !taught->made) {
-      fail(errorOf(*taught));
-      return std::nullopt;
-    }
+    if (taught && !taught->made) throw CommandFailure(errorOf(*taught));
     if (taught) show(*taught->made);
-    if (taught && (isComplete() || questions_->confirms("Save it?"))) return taught->made;
-    fail("nothing was taught");
-    return std::nullopt;
+    if (taught && (isComplete() || confirms("Save it?"))) return *taught->made;
+    throw CommandFailure("nothing was taught");
+  }
+
+  bool confirms(const std::string& question) {
+    return prompt_->confirms(question, Prompt::Preset::yes);
   }
 
   [[nodiscard]] Taught taughtByOptions() const {
@@ -182,7 +185,7 @@ class Teaching {
 
   std::optional<Taught> taughtByAnswers() {
     print("The message:\n  " + escapedControls(templateForm(message_)) + "\n\n");
-    return questions_->ask(message_, given_, proposed_, currency_);
+    return TeachingQuestions(*prompt_).ask(message_, given_, proposed_, currency_);
   }
 
   static std::string errorOf(const Taught& taught) {
@@ -212,31 +215,32 @@ class Teaching {
     print(lines + "\n");
   }
 
-  static int save(const MessageTemplate& taught) {
+  static void save(const MessageTemplate& taught) {
     const std::string path = escapedControls(TemplateFile::place().value_or("").string());
-    const auto known = TemplateFile::read().templates;
+    const auto known = TemplateFile::read();
     if (!known.empty() && known.back().readsAs(taught))
       return print("It is in " + path + " already.\n");
-    if (const auto error = TemplateFile::add(taught)) return fail(*error);
-    return print("Saved in " + path + "\n");
+    TemplateFile::add(taught);
+    print("Saved in " + path + "\n");
   }
 
   // Has the transaction that was shown in the book as it is read now.
-  int correctShown() {
+  void correctShown() {
     if (!shown_)
       return print("The message itself is not booked: it did not come from the phone.\n");
     const auto before = book_.entry(*shown_);
     const auto read = reread(book_, *shown_, reader_, currency_);
-    if (!before || before->edited || !read || read->readsAs(*before)) return 0;
+    if (!before || before->edited || !read || read->readsAs(*before)) return;
     const std::string id = std::to_string(*shown_);
     const bool waits = before->state == LedgerEntry::State::review;
     if (read->state == LedgerEntry::State::review) {
-      return waits ? 0 : print(id + " stays as it is, since it would be for review.\n");
+      if (!waits) print(id + " stays as it is, since it would be for review.\n");
+    } else if (book_.bookAs(*read)) {
+      print((waits ? "Booked " : "Corrected ") + id + ".\n");
     }
-    return book_.bookAs(*read) ? print((waits ? "Booked " : "Corrected ") + id + ".\n") : 0;
   }
 
-  int offerOthers(const MessageTemplate& taught) {
+  void offerOthers(const MessageTemplate& taught) {
     const TaughtEntries found = taughtEntries(book_, taught, reader_, currency_);
     if (!found.edited.empty()) {
       print("Left as you edited them: " + listed(found.edited) + ".\n");
@@ -246,15 +250,14 @@ class Teaching {
             ". `kivo-ledger delete ID` deletes one.\n");
     }
     if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
-    if (found.clear.empty()) return 0;
+    if (found.clear.empty()) return;
     print("\nOthers that fit, as they are read now:\n" +
           EntryListing::table(found.clear, linux_platform::screenWidth()));
-    const bool books =
-        parameters_.contains("--book") || (questions_ && questions_->confirms("Book them so?"));
+    const bool books = parameters_.contains("--book") || (prompt_ && confirms("Book them so?"));
     if (!books) return print("Left as they are; with --book, teach books them so.\n");
     std::size_t booked = 0;
     for (const LedgerEntry& entry : found.clear) booked += book_.bookAs(entry) ? 1U : 0U;
-    return print("Booked " + std::to_string(booked) + " so.\n");
+    print("Booked " + std::to_string(booked) + " so.\n");
   }
 
   const GivenParameters& parameters_;
@@ -263,18 +266,15 @@ class Teaching {
   const MessageReader reader_ = TemplateFile::reader();
   TeachingQuestions::Given given_;
   std::ifstream terminal_;
-  std::optional<TeachingQuestions> questions_;
+  std::optional<Prompt> prompt_;
   // The transaction with the message; absent for one from standard input.
   std::optional<std::int64_t> shown_;
   std::string message_;
   TaughtParts proposed_;
 };
 
-int runTeach(const GivenParameters& parameters) {
-  return withBook([&](Book& book) {
-    auto currency = bookCurrency();
-    return currency ? Teaching(parameters, book, *std::move(currency)).run() : exitFailure;
-  });
+void runTeach(const GivenParameters& parameters) {
+  withBook([&](Book& book) { Teaching(parameters, book, requiredBookCurrency()).run(); });
 }
 
 }  // namespace

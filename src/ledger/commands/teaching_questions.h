@@ -1,20 +1,20 @@
 // The questions that `kivo-ledger teach` asks at a terminal, on standard error.
 #pragma once
 
-#include <istream>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "platform/linux/terminal/prompt.h"
 #include "recognition/templates/teaching.h"
 
 namespace kivo::ledger {
 
-/// Asks questions and reads the answers, one line each.
+/// Asks for the parts of a message.
 class TeachingQuestions {
  public:
-  /// `answers` must outlive this object.
-  explicit TeachingQuestions(std::istream& answers) : answers_(&answers) {}
+  /// `prompt` must outlive this object.
+  explicit TeachingQuestions(linux_platform::Prompt& prompt) : prompt_(&prompt) {}
 
   /// The parts that were given as options. Absent ones are asked for.
   struct Given {
@@ -31,19 +31,14 @@ class TeachingQuestions {
                                          const recognition::TaughtParts& proposed,
                                          std::string_view bookCurrency);
 
-  /// Asks for the ID of an entry. Returns an empty text when the input ends.
-  std::string askId();
-
-  /// Asks "`question` [Y/n]". Enter means yes, the end of the input no.
-  bool confirms(const std::string& question);
-
  private:
-  std::optional<std::string> line(const std::string& question, const std::string& proposed);
+  std::optional<std::string> answer(const std::string& question, const std::string& proposed);
   std::optional<std::optional<money::Kind>> askKind(const recognition::TaughtParts& proposed);
-  bool askAmount(recognition::TaughtParts& parts, const std::string& proposed);
-  bool askPayee(recognition::TaughtParts& parts, const std::string& proposed);
+  std::optional<std::string> askAmount(const std::string& proposed);
+  std::optional<std::string> askPayee(const std::optional<money::Kind>& kind,
+                                      const std::string& proposed);
 
-  std::istream* answers_;
+  linux_platform::Prompt* prompt_;
 };
 
 }  // namespace kivo::ledger

@@ -1,5 +1,7 @@
 #include "platform/linux/terminal/command_line.h"
 
+#include <functional>
+
 #include <gmock/gmock.h>
 
 namespace kivo::linux_platform {
@@ -31,7 +33,6 @@ class ACommandLineParser : public testing::Test {
       return [this, name](const GivenParameters& parameters) {
         ran = name;
         given = parameters;
-        return 7;
       };
     };
     return {
@@ -52,6 +53,7 @@ class ACommandLineParser : public testing::Test {
                  note("box put")},
                 {"bag", "Show the bag", {}, note("bag")},
                 {"bag put", "Put something in", {{"WHAT", "The thing"}}, note("bag put")},
+                {"fail", "Fail", {}, [this](const GivenParameters&) { failure(); }},
             },
     };
   }
@@ -63,21 +65,46 @@ class ACommandLineParser : public testing::Test {
     EXPECT_EQ(ran, "");
   }
 
+  // What the command fail throws.
+  std::function<void()> failure;
   std::string ran;
   GivenParameters given;
   std::string output;
   std::string errors;
 };
 
-TEST_F(ACommandLineParser, RunsTheNamedCommandAndReturnsItsStatus) {
-  EXPECT_EQ(run({"enter", "--name", "Ada"}), 7);
+TEST_F(ACommandLineParser, RunsTheNamedCommandAndReturnsZero) {
+  EXPECT_EQ(run({"enter", "--name", "Ada"}), 0);
   EXPECT_EQ(ran, "enter");
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", "Ada")));
   EXPECT_EQ(output + errors, "");
 }
 
+TEST_F(ACommandLineParser, PrintsTheSentenceOfAFailureAndReturnsItsStatus) {
+  failure = [] { throw CommandFailure("the box is shut", 64); };
+  EXPECT_EQ(run({"fail"}), 64);
+  EXPECT_EQ(errors, "tool: the box is shut\n");
+  failure = [] { throw Failure("the box is wet"); };
+  EXPECT_EQ(run({"fail"}), 1);
+  EXPECT_EQ(errors, "tool: the box is wet\n");
+}
+
+TEST_F(ACommandLineParser, PrintsNothingAboutAFailureThatIsReportedAlready) {
+  failure = [] { throw ReportedFailure(); };
+  EXPECT_EQ(run({"fail"}), 1);
+  failure = [] { throw ReportedFailure{64}; };
+  EXPECT_EQ(run({"fail"}), 64);
+  EXPECT_EQ(errors + output, "");
+}
+
+TEST_F(ACommandLineParser, EscapesControlCharactersInTheSentenceOfAFailure) {
+  failure = [] { throw CommandFailure("no \x1b[2J\nbox"); };
+  EXPECT_EQ(run({"fail"}), 1);
+  EXPECT_EQ(errors, "tool: no \\x1b[2J\\nbox\n");
+}
+
 TEST_F(ACommandLineParser, RunsACommandOfAGroup) {
-  EXPECT_EQ(run({"box", "list"}), 7);
+  EXPECT_EQ(run({"box", "list"}), 0);
   EXPECT_EQ(ran, "box list");
   EXPECT_THAT(given, IsEmpty());
 }
@@ -117,9 +144,9 @@ TEST_F(ACommandLineParser, PrintsHelpAndVersionWithoutRunningACommand) {
 }
 
 TEST_F(ACommandLineParser, AcceptsAnEmptyValueAfterAnEqualsSign) {
-  EXPECT_EQ(run({"enter", "--name=", "--title", "Dr"}), 7);
+  EXPECT_EQ(run({"enter", "--name=", "--title", "Dr"}), 0);
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", ""), Pair("--title", "Dr")));
-  EXPECT_EQ(run({"enter", "--title=", "--name="}), 7);
+  EXPECT_EQ(run({"enter", "--title=", "--name="}), 0);
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", ""), Pair("--title", "")));
   ran.clear();
   expectBadUsage({"enter", "--name=", "--title"},

@@ -60,22 +60,20 @@ void blockTerminations() {
   pthread_sigmask(SIG_BLOCK, &terminations, nullptr);
 }
 
-// Performs the intent on a worker, prints its dialog and returns the exit status.
-int performAndAnswer(const AppIntentsExtension& extension, AppIntent& intent, bool asJSON) {
+// Performs the intent on a worker and prints its dialog.
+void performAndAnswer(const AppIntentsExtension& extension, AppIntent& intent, bool asJSON) {
   // The bus thread has spare time until the run makes its first call.
   InstalledPlatform installed(extension.bundleIdentifier, readTablesForAmounts);
   std::optional<TaskExecutor> executor;
   try {
     executor.emplace(1);
   } catch (const std::runtime_error&) {
-    complain(programName, "the system has no thread left to run on; nothing was sent or stored");
-    return 1;
+    throw CommandFailure("the system has no thread left to run on; nothing was sent or stored");
   }
   IntentDialog dialog;
   executor->perform(installed.perform(intent, dialog));
   print(dialog, asJSON);
   blockTerminations();
-  return 0;
 }
 
 // The texts for the intent's parameters: all given options except our own.
@@ -87,23 +85,22 @@ ParameterTexts parameterTexts(const GivenParameters& given) {
   return texts;
 }
 
-int fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
-                   const GivenParameters& given) {
+void fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
+                    const GivenParameters& given) {
   if (const auto complaint = fillParameters(intent, parameterTexts(given))) {
-    complain(programName, *complaint);
-    return exitBadUsage;
+    throw CommandFailure(*complaint, exitBadUsage);
   }
-  return performAndAnswer(extension, intent, given.contains(jsonFlag));
+  performAndAnswer(extension, intent, given.contains(jsonFlag));
 }
 
-int say(const AppIntentsExtension& extension, const GivenParameters& given) {
+void say(const AppIntentsExtension& extension, const GivenParameters& given) {
   const auto intent = intentSpokenOf(extension, given.at("SENTENCE"));
   if (intent) return fillAndPerform(extension, *intent, given);
 
   std::string complaint = "unknown phrase; the phrases are:";
   for (const std::string& phrase : spokenPhrases(extension)) complaint += "\n  " + phrase;
-  complain(programName, complaint);
-  return exitBadUsage;
+  complain(programName, complaint);  // several lines
+  throw ReportedFailure{exitBadUsage};
 }
 
 std::vector<CommandParameter> offeredParameters(AppIntent& intent) {
@@ -127,7 +124,7 @@ Command performCommand(const AppIntentsExtension& extension, AppIntent& declared
                   .purpose = std::string(declared.title().key),
                   .parameters = offeredParameters(declared),
                   .run = [&extension, type](const GivenParameters& given) {
-                    return fillAndPerform(extension, *extension.makeIntent(type), given);
+                    fillAndPerform(extension, *extension.makeIntent(type), given);
                   }};
   command.parameters.push_back({jsonFlag, "Answer as one JSON object", Kind::flag});
   return command;
@@ -141,13 +138,12 @@ bool offers(const Command& command, const std::string& name) {
 }
 
 Command sayCommand(const AppIntentsExtension& extension) {
-  Command command{
-      .name = "say",
-      .purpose = "Perform the intent that a phrase means",
-      .parameters = {{.name = "SENTENCE",
-                      .meaning = "The phrase, such as \"Log expense to Kivo\"",
-                      .values = [&extension] { return spokenPhrases(extension); }}},
-      .run = [&extension](const GivenParameters& given) { return say(extension, given); }};
+  Command command{.name = "say",
+                  .purpose = "Perform the intent that a phrase means",
+                  .parameters = {{.name = "SENTENCE",
+                                  .meaning = "The phrase, such as \"Log expense to Kivo\"",
+                                  .values = [&extension] { return spokenPhrases(extension); }}},
+                  .run = [&extension](const GivenParameters& given) { say(extension, given); }};
   for (const auto& make : extension.intents) {
     for (CommandParameter& parameter : offeredParameters(*make())) {
       if (!offers(command, parameter.name)) command.parameters.push_back(std::move(parameter));
@@ -164,7 +160,6 @@ Command catalogCommand(const AppIntentsExtension& extension) {
           .run = [&extension](const GivenParameters& given) {
             const bool asJSON = given.contains(jsonFlag);
             platform::printLine(asJSON ? catalogJSON(extension) : catalogText(extension));
-            return 0;
           }};
 }
 
@@ -173,9 +168,7 @@ Command serveCommand(const AppIntentsExtension& extension) {
           .purpose = "Answer calls on the session bus",
           .parameters = {},
           .run = [&extension](const GivenParameters&) {
-            const auto complaint = serveIntents(extension);
-            if (complaint) complain(programName, *complaint);
-            return complaint ? 1 : 0;
+            if (const auto complaint = serveIntents(extension)) throw CommandFailure(*complaint);
           }};
 }
 

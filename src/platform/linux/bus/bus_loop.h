@@ -26,8 +26,8 @@ class BusLoop {
   BusLoop(const BusLoop&) = delete;
   BusLoop& operator=(const BusLoop&) = delete;
 
-  /// Handles the messages of the bus until `stop` is called or the connection is lost. Never
-  /// throws.
+  /// Handles the messages of the bus until `stop` is called or the connection is lost. Throws only
+  /// what `beforeWaiting` throws.
   End run(const BeforeWaiting& beforeWaiting);
 
   /// Ends a wait, so that `BeforeWaiting` is called again. Thread-safe and async-signal-safe.

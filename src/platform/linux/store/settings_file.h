@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <optional>
 #include <string>
 
 #include "platform/foundation/date.h"
@@ -16,17 +15,15 @@ inline constexpr std::size_t longestSettings = 1 << 20;
 
 /// A settings file as it was read.
 struct SettingsFile {
-  /// The content; empty when there is no file, or an error.
+  /// The content; empty when there is no file.
   std::string text = {};
   /// The modification time; the epoch when there is no file.
   platform::Moment changed = {};
-  /// Why the file must not be used, as a sentence about "it": it is no regular file, is over
-  /// `longestSettings`, cannot be read, or a user other than this one and root decides what is in
-  /// it.
-  std::optional<std::string> error = {};
 };
 
-/// Reads the file at `path`, also through a symbolic link.
+/// Reads the file at `path`, also through a symbolic link. Throws Failure with a sentence about
+/// "it" when the file must not be used: it is no regular file, is over `longestSettings`, cannot be
+/// read, or a user other than this one and root can change it.
 SettingsFile readSettingsFile(const std::filesystem::path& path);
 
 /// Keeps two programs from changing a settings file at the same time, when each of them has a lock
@@ -42,8 +39,8 @@ class SettingsLock {
 };
 
 /// Replaces the file at `path` atomically and durably, and creates it and its folders for the user
-/// only. If it is a symbolic link, replaces its target. Returns false when a step failed; the file
-/// then has either its old or its new content.
-bool replaceSettingsFile(const std::filesystem::path& path, const std::string& text);
+/// only. If it is a symbolic link, replaces its target. Throws Failure with a sentence about "it"
+/// when a step failed; the file then has either its old or its new content.
+void replaceSettingsFile(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace kivo::linux_platform

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <utility>
+
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -53,14 +56,14 @@ std::string atLine(std::size_t line) { return "line " + std::to_string(line) + "
 
 }  // namespace
 
-SettingsTable settingsTable(const std::string& text) {
+toml::table settingsTable(const std::string& text) {
   if (const auto line = lineOfBareDot(text)) {
-    return {.error = atLine(*line) + "a dot is allowed only within quotes"};
+    throw Failure(atLine(*line) + "a dot is allowed only within quotes");
   }
   toml::parse_result result = toml::parse(text);
-  if (result) return {.table = std::move(result).table()};
+  if (result) return std::move(result).table();
   // The library's message would quote the file.
-  return {.error = atLine(result.error().source().begin.line) + "this is not valid TOML"};
+  throw Failure(atLine(result.error().source().begin.line) + "this is not valid TOML");
 }
 
 }  // namespace kivo::linux_platform

@@ -12,6 +12,7 @@
 #include <CLI/CLI.hpp>
 
 #include "platform/linux/foundation/complaint.h"
+#include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_description.h"
 #include "platform/linux/terminal/nearest_word.h"
 
@@ -242,6 +243,24 @@ int answerError(const CommandProgram& program, const CLI::App& app, const CLI::P
   return badUsage(program, "", "an option has no value or is given twice");
 }
 
+// Runs `command`; returns the exit status.
+int statusOf(const CommandProgram& program, const Command& command, const GivenParameters& given) {
+  const auto fail = [&program](const Failure& failure, int status) {
+    complain(program.name, escapedControls(failure.what()));
+    return status;
+  };
+  try {
+    command.run(given);
+    return 0;
+  } catch (const ReportedFailure& failure) {
+    return failure.status;
+  } catch (const CommandFailure& failure) {
+    return fail(failure, failure.status());
+  } catch (const Failure& failure) {
+    return fail(failure, exitFailure);
+  }
+}
+
 }  // namespace
 
 int runCommand(const CommandProgram& program, int argc, char** argv) {
@@ -268,7 +287,7 @@ int runCommand(const CommandProgram& program, int argc, char** argv) {
   }
   if (command == nullptr || !command->run) return helpInsteadOfCommand(program, name);
   if (const auto missing = describeMissing(**chosen)) return badUsage(program, name, *missing);
-  return command->run((*chosen)->given());
+  return statusOf(program, *command, (*chosen)->given());
 }
 
 }  // namespace kivo::linux_platform

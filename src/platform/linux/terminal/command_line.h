@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-namespace kivo::linux_platform {
+#include "platform/linux/terminal/command_failure.h"
 
-/// The exit status for bad usage.
-inline constexpr int exitBadUsage = 64;
+namespace kivo::linux_platform {
 
 /// An option or argument of a command.
 struct CommandParameter {
@@ -34,9 +33,9 @@ struct Command {
   /// Its description in the help.
   std::string purpose;
   std::vector<CommandParameter> parameters;
-  /// Runs the command and returns the exit status. Null for a group, which must come before its
-  /// commands.
-  std::function<int(const GivenParameters&)> run;
+  /// Runs the command. Throws Failure, CommandFailure or ReportedFailure when it fails. Null for a
+  /// group, which must come before its commands.
+  std::function<void(const GivenParameters&)> run;
 };
 
 /// A program with commands.
@@ -47,11 +46,12 @@ struct CommandProgram {
   std::vector<Command> commands;
 };
 
-/// Runs the command that the command line names and returns its exit status. Prints --help and
-/// --version on standard output and returns 0. Returns `exitBadUsage` after printing the help on
-/// standard error when no command is named, and one line for any other bad usage. That line repeats
-/// names of options, and an unknown word in the place of a command if it looks like one, but no
-/// values. Passes values on byte for byte, empty ones too.
+/// Runs the command that the command line names. Returns the exit status: 0, or the status of the
+/// failure, after one line on standard error with its sentence, in which control characters are
+/// escaped. Prints --help and --version on standard output and returns 0. Returns `exitBadUsage`
+/// after printing the help on standard error when no command is named, and one line for any other
+/// bad usage. That line repeats names of options, and an unknown word in the place of a command if
+/// it looks like one, but no values. Passes values on byte for byte, empty ones too.
 int runCommand(const CommandProgram& program, int argc, char** argv);
 
 }  // namespace kivo::linux_platform

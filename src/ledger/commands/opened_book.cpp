@@ -1,7 +1,6 @@
-#include "ledger/commands/ledger_terminal.h"
+#include "ledger/commands/opened_book.h"
 
-#include <iostream>
-
+#include "ledger/book_currency.h"
 #include "platform/foundation/number_text.h"
 #include "platform/linux/foundation/complaint.h"
 
@@ -10,39 +9,38 @@ namespace kivo::ledger {
 using book::Book;
 using book::BookFailure;
 using book::LedgerEntry;
+using linux_platform::CommandFailure;
+using linux_platform::ReportedFailure;
 
-int fail(const std::string& what, int status) {
-  linux_platform::complain("kivo-ledger", what);
-  return status;
-}
-
-int print(const std::string& text) {
-  std::cout << text << std::flush;
-  return std::cout ? 0 : fail("standard output cannot be written");
-}
-
-int withBook(const std::function<int(Book&)>& use) {
+void withBook(const std::function<void(Book&)>& use) {
   auto book = Book::open();
-  if (!book) return exitFailure;
+  if (!book) throw ReportedFailure();
   try {
-    return use(*book);
+    use(*book);
   } catch (const BookFailure& failure) {
     book->tell(failure);
-    return exitFailure;
+    throw ReportedFailure();
   }
 }
 
-int withEntry(const linux_platform::GivenParameters& given,
-              const std::function<int(Book&, const LedgerEntry&)>& use) {
+void withEntry(const linux_platform::GivenParameters& given,
+               const std::function<void(Book&, const LedgerEntry&)>& use) {
   const auto id = platform::integerFromText(given.at("ID"));
   if (!id) {
-    return fail("ID is the number of a transaction, as list and review show it",
-                linux_platform::exitBadUsage);
+    throw CommandFailure("ID is the number of a transaction, as list and review show it",
+                         linux_platform::exitBadUsage);
   }
-  return withBook([&](Book& book) {
+  withBook([&](Book& book) {
     const auto entry = book.entry(*id);
-    return entry ? use(book, *entry) : fail("no transaction has the ID " + std::to_string(*id));
+    if (!entry) throw CommandFailure("no transaction has the ID " + std::to_string(*id));
+    use(book, *entry);
   });
+}
+
+std::string requiredBookCurrency() {
+  auto currency = bookCurrency();
+  if (!currency) throw ReportedFailure();
+  return *std::move(currency);
 }
 
 void tellSetAside(const Book& book) {

@@ -1,0 +1,28 @@
+// Opens the book for the commands of kivo-ledger.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "book/book.h"
+#include "platform/linux/terminal/command_line.h"
+
+namespace kivo::ledger {
+
+/// Opens the book and calls `use` with it. Throws ReportedFailure, after one line on standard
+/// error, when the book cannot be opened, read or written, and what `use` throws.
+void withBook(const std::function<void(book::Book&)>& use);
+
+/// As `withBook`, with the entry whose id was given as ID. Throws CommandFailure when ID is not a
+/// number, with the exit status for bad usage, and when no entry has that id.
+void withEntry(const linux_platform::GivenParameters& given,
+               const std::function<void(book::Book&, const book::LedgerEntry&)>& use);
+
+/// As `bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
+/// store cannot be opened.
+std::string requiredBookCurrency();
+
+/// Prints a line on standard error that names the entries of `book` that are set aside, if any.
+void tellSetAside(const book::Book& book);
+
+}  // namespace kivo::ledger
