@@ -74,11 +74,11 @@ std::string ownAccount(const AnalysedMessage& message, Kind kind) {
     if (first.empty()) first = digits;
   }
   if (!first.empty()) return first;
-  for (std::size_t at = 0; at + 1 < items.size(); ++at) {  // "x7477", "**1234"
-    const Item& next = items[at + 1];
-    if (isMask(items[at]) && items[at].text != "." && items[at].text != ":" &&
-        items[at].text != "-" && next.glued && next.kind == Item::Kind::number && next.isPiece &&
-        isDigits(next.text)) {
+  for (std::size_t at = 1; at < items.size(); ++at) {  // "x7477", "**1234"
+    const Item& mask = items[at - 1];
+    const Item& next = items[at];
+    if (isMask(mask) && !isMark(mask, ".:-") && next.glued && next.kind == Item::Kind::number &&
+        next.isPiece && isDigits(next.text)) {
       return next.text.size() > mostDigits ? next.text.substr(next.text.size() - mostDigits)
                                            : next.text;
     }

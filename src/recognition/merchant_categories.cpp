@@ -123,7 +123,7 @@ std::string_view categoryOf(std::string_view name, Named named) {
   std::vector<std::string> words = names::foldedWords(name);
   if (!words.empty() && words.front() == "www") words.erase(words.begin());
   const Chain chain = chainIn(words);
-  const bool whole = chain.words > 0 && chain.words == words.size();
+  const bool whole = chain.words == words.size();
   if (whole || (chain.words > 1 && named == Named::shop)) return chain.category;
   const std::string_view byWord = byShopWord(words);
   const bool tells = !byWord.empty() && byWord != shopWords.back().category;

@@ -7,6 +7,7 @@ namespace kivo::recognition {
 
 namespace {
 
+// These three are false for a place outside of `items`, such as the one in front of the first.
 bool isNumber(const Items& items, std::size_t at) {
   return at < items.size() && items[at].kind == Item::Kind::number;
 }
@@ -101,20 +102,20 @@ bool isDatePiece(const Items& items, std::size_t at) {
            items[begin + 1].glued && items[begin + 2].glued && isPlain(items[begin].text, 2) &&
            isPlain(items[begin + 2].text, 2);
   };
-  if (shortDate(at) || (at >= 2 && shortDate(at - 2))) return true;
+  if (shortDate(at) || shortDate(at - 2)) return true;
   const bool colonAfter = isMark(items, at + 1, ":") && isNumber(items, at + 2) &&
                           items[at + 2].glued && items[at + 1].glued;
-  const bool colonBefore = at > 1 && isMark(items, at - 1, ":") && isNumber(items, at - 2) &&
-                           item.glued && items[at - 1].glued;
+  const bool colonBefore =
+      isMark(items, at - 1, ":") && isNumber(items, at - 2) && item.glued && items[at - 1].glued;
   if (isPlain(item.text, 2) && (colonAfter || colonBefore)) return true;
   // "21-Nov-2026", "21 Nov 2026", "Nov 21, 2026".
   const auto skipped = [&](std::size_t index) { return isMark(items, index, "-/,.'") ? 1U : 0U; };
   if (isMonth(items, at + 1 + skipped(at + 1)) && isPlain(item.text, 2)) return true;
   std::size_t back = at;
-  if (back > 0 && isMark(items, back - 1, "-/,.'")) --back;
-  if (back > 0 && isMonth(items, back - 1)) return true;
-  return back > 1 && isNumber(items, back - 1) && isMonth(items, back - 2) &&
-         isPlain(item.text, 4) && item.text.size() != 3;
+  if (isMark(items, back - 1, "-/,.'")) --back;
+  if (isMonth(items, back - 1)) return true;
+  return isNumber(items, back - 1) && isMonth(items, back - 2) && isPlain(item.text, 4) &&
+         item.text.size() != 3;
 }
 
 void markPieces(Items& items) {

@@ -186,7 +186,7 @@ class Names {
     };
     while (end > 0 && auxiliary(end - 1)) --end;
     std::size_t begin = end;
-    while (begin > 0 && !items_[begin].startsSentence &&
+    while (!items_[begin].startsSentence &&  // the first item does
            (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
            !isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from})) {
       --begin;

@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t group = 3;
 
+// False for a place outside of `items`, such as the one in front of the first.
 bool isNumber(const Items& items, std::size_t at) {
   return at < items.size() && items[at].kind == Item::Kind::number;
 }
@@ -56,7 +57,7 @@ bool followsGroup(const Items& items, std::size_t number) {
 }
 
 bool isPartOfNumber(const Items& items, std::size_t number, std::size_t last) {
-  if (number > 1 && isJoined(items, number - 2, number)) return true;
+  if (isJoined(items, number - 2, number)) return true;
   if (isJoined(items, last, last + 2)) return true;
   const std::size_t next = isGroupBehindComma(items, last + 2) ? last + 2 : last + 1;
   return mayContinue(items, last, next) && !items[next].isPiece;

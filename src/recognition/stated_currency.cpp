@@ -42,7 +42,7 @@ constexpr auto everydayWords = std::to_array<std::string_view>(
     {"all", "top", "try", "cup", "mad", "pen", "bob", "gel", "sos", "mop", "den", "ron", "ang"});
 
 std::string isoCode(const Item& item) {
-  if (item.kind != Item::Kind::word || item.text.size() != 3) return {};
+  if (item.text.size() != 3) return {};
   const bool everyday =
       std::find(everydayWords.begin(), everydayWords.end(), item.text) != everydayWords.end();
   if (everyday && !item.capitals) return {};

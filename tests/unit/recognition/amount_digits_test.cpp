@@ -58,6 +58,7 @@ TEST(TheDigitsOfAnAmount, AreRefusedWhenTheyHaveTwoReadings) {
   EXPECT_EQ(minorUnitsOf("1,000,00", "EGP"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("1'000'00", "CHF"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("1,000'00", "CHF"), std::nullopt);
+  EXPECT_EQ(minorUnitsOf("1,234'567.89", "CHF"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("1.234,0000", "EUR"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("1234,500", "EGP"), std::nullopt);
   EXPECT_EQ(minorUnitsOf("1234.500", "EUR"), std::nullopt);

@@ -62,6 +62,23 @@ TEST(AName, OfTheCardIsNotThePayees) {
   EXPECT_EQ(payeeOf("EGP 48.13 spent, Kite Bank Card 1234"), "");
 }
 
+TEST(AName, IsNotThePersonsBank) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited from Lotus Bank card 1234"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent on Lotus Bank card 1234"), "");
+}
+
+TEST(AName, IsNotAPronounOrAnArticle) {
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to You on 21-11-2026"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at A new store"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at A B Traders"), "A B Traders");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at The Kettle"), "The Kettle");
+}
+
+TEST(AName, IsNotADate) {
+  EXPECT_EQ(payeeOf("EGP 50.00 spent on Nov 6"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent on 6 Nov"), "");
+}
+
 TEST(AMessage, MayEndWhereANameShouldFollow) {
   EXPECT_EQ(payeeOf("Balance EGP 900.00. EGP 20.00 at"), "");
   EXPECT_EQ(payeeOf("EGP 20.00 spent at\n"), "");

@@ -19,6 +19,15 @@ TEST(AnOffer, MovesNothingWithoutAnAccountADateABalanceOrAReference) {
             "income 500.00 | -");
 }
 
+TEST(AWarningAboutCodes, LeavesAPaymentUnlessItTellsACode) {
+  EXPECT_EQ(of("You paid EGP 50.00 to Tulip Store. Never share your OTP with anyone. 19011 is our "
+               "hotline"),
+            "expense 50.00 | Tulip Store");
+  EXPECT_EQ(of("You paid EGP 50.00 to Tulip Store. Never share your OTP 1901"), "none");
+  EXPECT_EQ(of("You paid EGP 50.00 to Tulip Store. Never share your OTP, it has 190 digits"),
+            "expense 50.00 | Tulip Store");
+}
+
 TEST(AnOffer, LeavesAPaymentInAnotherSentence) {
   EXPECT_EQ(of("You paid EGP 50.00 to Tulip Store. Enjoy 10% off next time!"),
             "expense 50.00 | Tulip Store");
@@ -64,6 +73,14 @@ TEST(ALoneName, IsFoundByItsCapitals) {
             "expense 48.13 | TIMBERLINE CO-OP");
   EXPECT_EQ(of("EGP 48.13 spent card *2280 SUN MARKET 21-11-2026 14:33. Nilo Bank"),
             "expense 48.13 | SUN MARKET");
+}
+
+TEST(ALoneName, IsTheOneInCapitals) {
+  EXPECT_EQ(of("EGP 48.13 spent, Nilo Corner, SUN MARKET, card 2280"),
+            "expense 48.13 | SUN MARKET");
+  EXPECT_EQ(of("EGP 48.13 spent, Nilo Corner, Sun Market, card 2280"),
+            "expense 48.13 | Nilo Corner");
+  EXPECT_EQ(of("EGP 48.13 spent, SUN, Nilo Corner, card 2280"), "expense 48.13 | Nilo Corner");
 }
 
 TEST(ALoneName, IsNotTheBanksSignature) {

@@ -1,3 +1,5 @@
+#include "recognition/stated_sums.h"
+
 #include <array>
 #include <cstdint>
 #include <random>
@@ -6,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "recognition/reading.h"
+#include "recognition/spelling.h"
 #include "unit/recognition/reading_text.h"
 
 namespace kivo::recognition {
@@ -16,6 +19,98 @@ namespace {
 
 std::string of(std::string_view message, std::string_view book) {
   return readingText(read(message, book), book, false);
+}
+
+// The sums of `text` with signs, minor units and currencies, such as "-2000 EGP, ? USD".
+std::string sumsIn(std::string_view text, std::string_view book) {
+  std::string sums;
+  for (const Item& item : withSums(itemsOf(readableForm(text)), book)) {
+    if (item.kind != Item::Kind::sum) continue;
+    if (!sums.empty()) sums += ", ";
+    if (item.sum.sign != '\0') sums += item.sum.sign;
+    sums += item.sum.minorUnits ? std::to_string(*item.sum.minorUnits) : "?";
+    if (!item.sum.currency.empty()) sums += " " + item.sum.currency;
+  }
+  return sums;
+}
+
+TEST(ASum, MayHaveASignInFrontOfItsNumberOrCurrency) {
+  EXPECT_EQ(sumsIn("+20.00 EGP", "EGP"), "+2000 EGP");
+  EXPECT_EQ(sumsIn("EGP -20.00", "EGP"), "-2000 EGP");
+  EXPECT_EQ(sumsIn("EGP - 20", "EGP"), "-2000 EGP");
+  EXPECT_EQ(sumsIn("-EGP 20.00", "EGP"), "-2000 EGP");
+  EXPECT_EQ(sumsIn("-20.00", "EGP"), "-2000");
+  EXPECT_EQ(sumsIn("- EGP 20.00", "EGP"), "2000 EGP");
+  EXPECT_EQ(sumsIn("- 20.00 EGP", "EGP"), "-2000 EGP");
+  EXPECT_EQ(sumsIn("(20.00 EGP", "EGP"), "2000 EGP");
+}
+
+TEST(ASum, MayHaveThreeMarksBehindItsCurrency) {
+  EXPECT_EQ(sumsIn("EGP :=: 20", "EGP"), "2000 EGP");
+  EXPECT_EQ(sumsIn("EGP :=:= 20", "EGP"), "");
+  EXPECT_EQ(sumsIn("EGP, 20", "EGP"), "");
+}
+
+TEST(ASum, MayNameItsCurrencyTwice) {
+  EXPECT_EQ(sumsIn("INR Rs.500", "PKR"), "50000 INR");
+  EXPECT_EQ(sumsIn("Rs. INR 500", "PKR"), "50000 INR");
+  EXPECT_EQ(sumsIn("USD EGP 5", "EGP"), "500 EGP");
+  EXPECT_EQ(sumsIn("EGP 500 MXN", "EGP"), "50000 EGP");
+}
+
+TEST(ACurrencyBetweenTwoNumbers, BelongsToOneOfThem) {
+  EXPECT_EQ(sumsIn("4821 EGP 50", "EGP"), "5000 EGP");
+  EXPECT_EQ(sumsIn("48.21 EGP 50.00", "EGP"), "4821, 5000 EGP");
+  EXPECT_EQ(sumsIn("48.21 EGP 50", "EGP"), "4821 EGP");
+  EXPECT_EQ(sumsIn("48.21 EGP: 50.00", "EGP"), "4821, 5000 EGP");
+  EXPECT_EQ(sumsIn("500EGP 20.00", "EGP"), "50000 EGP, 2000");
+  EXPECT_EQ(sumsIn("500 USD 20 USD", "EGP"), "50000 USD, 2000 USD");
+  EXPECT_EQ(sumsIn("500 EGP 20.00 EGP", "EGP"), "50000 EGP, 2000 EGP");
+  EXPECT_EQ(sumsIn("500 EGP 21-11-2026", "EGP"), "50000 EGP");
+}
+
+TEST(ANumberWithoutACurrency, IsASumByItsDecimalsOrAWordForAnAmount) {
+  EXPECT_EQ(sumsIn("50,00", "EGP"), "5000");
+  EXPECT_EQ(sumsIn("amount 50", "EGP"), "5000");
+  EXPECT_EQ(sumsIn("amount: 50", "EGP"), "5000");
+  EXPECT_EQ(sumsIn("debited by 50", "EGP"), "5000");
+  EXPECT_EQ(sumsIn("credited by 50", "EGP"), "5000");
+  EXPECT_EQ(sumsIn("debited 50", "EGP"), "");
+  EXPECT_EQ(sumsIn("by 50", "EGP"), "");
+  EXPECT_EQ(sumsIn("50", "EGP"), "");
+}
+
+TEST(ANumberInAWord, IsASumOnlyWithAGluedCurrency) {
+  EXPECT_EQ(sumsIn("xx500EGP", "EGP"), "50000 EGP");
+  EXPECT_EQ(sumsIn("xx500 EGP", "EGP"), "");
+  EXPECT_EQ(sumsIn("EGP x500", "EGP"), "");
+}
+
+TEST(AMaskBehindANumber, MakesItAnAccount) {
+  EXPECT_EQ(sumsIn("TK 0221xxx", "BDT"), "");
+  EXPECT_EQ(sumsIn("TK 0221*", "BDT"), "");
+  EXPECT_EQ(sumsIn("TK 0221 xxx", "BDT"), "22100 BDT");
+  EXPECT_EQ(sumsIn("TK 0221 *7", "BDT"), "22100 BDT");
+}
+
+TEST(ADateInAMessage, IsNoSumBehindACurrency) {
+  EXPECT_EQ(sumsIn("EGP 2026-11-21", "EGP"), "");
+  EXPECT_EQ(sumsIn("EGP 12:30", "EGP"), "");
+}
+
+TEST(ALetterBehindAnAmount, MultipliesItWhenGlued) {
+  EXPECT_EQ(sumsIn("EGP 5m, EGP 5b, EGP 5l, EGP 5 m", "EGP"), "? EGP, ? EGP, ? EGP, 500 EGP");
+}
+
+TEST(GroupsBehindBlanks, AreOneAmount) {
+  EXPECT_EQ(sumsIn("1 234 EUR", "EUR"), "123400 EUR");
+  EXPECT_EQ(sumsIn("EUR 1 234 567,89", "EUR"), "123456789 EUR");
+  EXPECT_EQ(sumsIn("EUR 1   234", "EUR"), "123400 EUR");
+  EXPECT_EQ(sumsIn("EUR 1    234", "EUR"), "100 EUR");
+  EXPECT_EQ(sumsIn("1234 567 EUR", "EUR"), "56700 EUR");
+  EXPECT_EQ(sumsIn("1 2345 EUR", "EUR"), "234500 EUR");
+  EXPECT_EQ(sumsIn("1 234,50 EGP", "EGP"), "123450 EGP");
+  EXPECT_EQ(sumsIn("1 234.50 EGP", "EGP"), "? EGP");
 }
 
 TEST(AStatedCurrency, MayBeJoinedToItsAmount) {
@@ -99,6 +194,7 @@ TEST(ANumberThatCanBeReadInTwoWays, RequiresAReview) {
                                    "1-000",
                                    "500-1000",
                                    "1/000",
+                                   "500:1000",
                                    "1 234",
                                    "1234,500",
                                    "01,500",
@@ -215,6 +311,18 @@ TEST(AReading, HasAccountReferenceAndBalance) {
   EXPECT_EQ(reading.reference, "628811204417");
   EXPECT_EQ(reading.balance, (Money{90050, "INR"}));
   EXPECT_EQ(reading.payee, "RAVI TRADERS");
+}
+
+TEST(ABalance, MayBeInFrontOfItsWord) {
+  const Reading reading = read("You paid EGP 20.00, EGP 900.00 balance", "EGP");
+  EXPECT_EQ(reading.amount, (Money{2000, "EGP"}));
+  EXPECT_EQ(reading.balance, (Money{90000, "EGP"}));
+}
+
+TEST(ABalance, MayBeBehindItsWord) {
+  const Reading reading = read("You paid EGP 20.00 balance EGP 900.00", "EGP");
+  EXPECT_EQ(reading.amount, (Money{2000, "EGP"}));
+  EXPECT_EQ(reading.balance, (Money{90000, "EGP"}));
 }
 
 TEST(AReading, PrefersTheUsersAccountToThePayees) {
