@@ -57,7 +57,8 @@ std::string body(const std::string& key) {
 void ledgerAnswer(State& state) {
   const testkit::PrivateFolders folders;
   fill(folders, state.range(0));
-  ledger::ExtractionEndpoint endpoint([] { return "EGP"; }, [](const book::LedgerEntry&) {});
+  ledger::ExtractionEndpoint endpoint([] { return money::CurrencyCode("EGP"); },
+                                      [](const book::LedgerEntry&) {});
   int number = 0;
   for (auto _ : state) {
     const auto answer = endpoint.answer({.method = "POST",
@@ -75,7 +76,8 @@ void ledgerListMonth(State& state) {
   std::size_t lines = 0;
   for (auto _ : state) {
     const auto book = Book::open();
-    const auto entries = book->entries({.from = "2026-10-01", .to = "2026-10-31"});
+    const auto entries =
+        book->entries({.from = money::Day("2026-10-01"), .to = money::Day("2026-10-31")});
     benchmark::DoNotOptimize(ledger::EntryListing::table(entries, 100));
     lines = entries.size();
   }

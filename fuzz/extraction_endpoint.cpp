@@ -24,7 +24,7 @@ using ledger::UnixHttpServer;
 
 struct Ledger {
   testkit::PrivateFolders folders;
-  ExtractionEndpoint endpoint{[] { return std::optional<std::string>("EGP"); },
+  ExtractionEndpoint endpoint{[] { return std::optional(money::CurrencyCode("EGP")); },
                               [this](const book::LedgerEntry&) { ++notices; }};
   // Creates the file that `rows` opens.
   std::optional<book::Book> book = book::Book::open();

@@ -12,7 +12,8 @@ namespace {
 
 using namespace kivo::recognition;
 
-constexpr const char* books[] = {"EGP", "INR", "KWD", "JPY", "EUR", "ZAR", "XXX", ""};
+constexpr kivo::money::CurrencyCode books[] = {"EGP", "INR", "KWD", "JPY",
+                                               "EUR", "ZAR", "XXX", "USD"};
 
 // The digits without separators and outer zeros, which a message may write in several ways.
 std::string bareDigits(std::string_view text) {
@@ -26,7 +27,7 @@ std::string bareDigits(std::string_view text) {
 }
 
 void requireASumOfTheText(const Reading& reading, const std::string& text,
-                          const std::string& book) {
+                          const kivo::money::CurrencyCode& book) {
   kivo::fuzz::require(reading.amount.has_value(), "a transaction has a sum");
   kivo::fuzz::require(reading.amount->currency == book, "a foreign sum is not booked");
   kivo::fuzz::require(reading.amount->minorUnits > 0, "a booked sum is above zero");
@@ -42,7 +43,7 @@ void requireASumOfTheText(const Reading& reading, const std::string& text,
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   if (size == 0) return 0;
-  const std::string book = books[data[0] % std::size(books)];
+  const kivo::money::CurrencyCode book = books[data[0] % std::size(books)];
   const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
   // Of the processor, since a busy machine may stop the process for long.
   const std::clock_t begin = std::clock();

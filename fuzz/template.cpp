@@ -66,10 +66,10 @@ void teachAny(FuzzedDataProvider& data) {
   require(fit.has_value(), "the template fits its message");
   if (!kind) return;
   require(fit->amounts.size() == 1, "one number is the sum");
-  const std::string& currency = taught.made->currency;
+  const money::CurrencyCode currency = taught.made->currency.value();
   const auto named = money::moneyFromText(templateForm(amount), currency);
   require(withoutBlanks(templateForm(amount)).find(fit->amounts[0]) != std::string::npos ||
-              (named && minorUnitsOf(fit->amounts[0], currency) == named->minorUnits),
+              (named && minorUnitsOf(fit->amounts[0], currency.text()) == named->minorUnits),
           "the sum is the one that was named");
   require(fit->payee == templateForm(payee), "the payee is the one that was named");
 }

@@ -109,7 +109,10 @@ bool Book::edit(std::int64_t id, const EntryChange& change) {
     edited->impossibleDate.reset();
   }
   if (change.kind) edited->kind = *change.kind;
-  if (change.amount) edited->amount = change.amount;
+  if (change.amount) {
+    edited->amount = change.amount;
+    edited->impossibleCurrency.reset();
+  }
   if (change.description) edited->description = *change.description;
   if (change.category) edited->category = keepCategory(file_->database, *change.category, id);
   const bool corrected =
@@ -125,7 +128,8 @@ bool Book::edit(std::int64_t id, const EntryChange& change) {
 void Book::bookWith(std::int64_t id, const money::Money& amount) {
   Statement update(file_->database, R"(
     UPDATE transactions SET state = 'booked', minor_units = ?, currency = ? WHERE id = ?)");
-  run(update.bind(amount.minorUnits).bind(amount.currency).bind(id));
+  const std::string currency = amount.currency.text();
+  run(update.bind(amount.minorUnits).bind(currency).bind(id));
   markAlikeAgain(file_->database, id);
 }
 
@@ -169,15 +173,15 @@ std::int64_t Book::forgetTexts() {
   return count;
 }
 
-void Book::setRate(const std::string& currency, const money::Rate& rate) {
+void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate) {
   book::setRate(file_->database, currency, rate);
 }
 
-std::optional<money::Rate> Book::rate(const std::string& currency) const {
+std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency) const {
   return rateOf(file_->database, currency);
 }
 
-bool Book::removeRate(const std::string& currency) {
+bool Book::removeRate(const money::CurrencyCode& currency) {
   return book::removeRate(file_->database, currency);
 }
 

@@ -130,11 +130,11 @@ class Book {
 
   /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
   /// entries accepted later.
-  void setRate(const std::string& currency, const money::Rate& rate);
+  void setRate(const money::CurrencyCode& currency, const money::Rate& rate);
   /// Returns the rate of `currency`; nullopt when it has none, or none that `Rate` reads.
-  [[nodiscard]] std::optional<money::Rate> rate(const std::string& currency) const;
+  [[nodiscard]] std::optional<money::Rate> rate(const money::CurrencyCode& currency) const;
   /// Removes the rate of `currency`; returns false when it has no rate.
-  bool removeRate(const std::string& currency);
+  bool removeRate(const money::CurrencyCode& currency);
   /// Returns the currencies and their rates as they are stored, also those that `Rate` does not
   /// read, in the order of the codes.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;

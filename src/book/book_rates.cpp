@@ -6,21 +6,24 @@ namespace kivo::book {
 
 using linux_platform::Statement;
 
-void setRate(sqlite3* database, const std::string& currency, const money::Rate& rate) {
+void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate) {
+  const std::string code = currency.text();
   Statement upsert(database, "INSERT OR REPLACE INTO rates VALUES (?, ?)");
   const std::string text = rate.text();
-  run(upsert.bind(currency).bind(text));
+  run(upsert.bind(code).bind(text));
 }
 
-std::optional<money::Rate> rateOf(sqlite3* database, const std::string& currency) {
+std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency) {
+  const std::string code = currency.text();
   Statement query(database, "SELECT rate FROM rates WHERE currency = ?");
-  if (!next(query.bind(currency))) return std::nullopt;
+  if (!next(query.bind(code))) return std::nullopt;
   return money::Rate::fromText(query.text(0));
 }
 
-bool removeRate(sqlite3* database, const std::string& currency) {
+bool removeRate(sqlite3* database, const money::CurrencyCode& currency) {
+  const std::string code = currency.text();
   Statement removal(database, "DELETE FROM rates WHERE currency = ? RETURNING currency");
-  if (!next(removal.bind(currency))) return false;
+  if (!next(removal.bind(code))) return false;
   run(removal);
   return true;
 }

@@ -13,9 +13,9 @@ struct sqlite3;
 namespace kivo::book {
 
 /// As the functions of Book. They throw BookFailure.
-void setRate(sqlite3* database, const std::string& currency, const money::Rate& rate);
-std::optional<money::Rate> rateOf(sqlite3* database, const std::string& currency);
-bool removeRate(sqlite3* database, const std::string& currency);
+void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate);
+std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency);
+bool removeRate(sqlite3* database, const money::CurrencyCode& currency);
 std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database);
 
 }  // namespace kivo::book

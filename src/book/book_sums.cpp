@@ -30,10 +30,11 @@ auto sumsBy(sqlite3* database, const std::string& expression, const SumScope& sc
   while (next(query)) {
     const auto group = groupOf(platform::repairedUtf8(query.text(0)));
     const auto kind = money::kindFromText(query.text(1));
-    if (!kind || !group) continue;
+    const auto currency = money::CurrencyCode::fromText(query.text(3));
+    if (!kind || !group || !currency) continue;
     found.push_back({.group = *group,
                      .kind = *kind,
-                     .sum = {query.integer(2), platform::repairedUtf8(query.text(3))},
+                     .sum = {query.integer(2), *currency},
                      .transactions = query.integer(4)});
   }
   return found;

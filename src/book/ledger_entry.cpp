@@ -4,15 +4,6 @@
 
 namespace kivo::book {
 
-namespace {
-
-bool isCodeShaped(std::string_view currency) {
-  return currency.size() == 3 &&
-         std::all_of(currency.begin(), currency.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
-}
-
-}  // namespace
-
 bool LedgerEntry::readsAs(const LedgerEntry& other) const {
   return state == other.state && kind == other.kind && amount == other.amount &&
          description == other.description && category == other.category && payee == other.payee &&
@@ -43,7 +34,7 @@ std::string_view impossibleValue(const LedgerEntry& entry) {
   if (entry.impossibleDate) return "date";
   if (!entry.amount) return entry.state == LedgerEntry::State::booked ? "amount" : "";
   if (!isBookable(*entry.amount)) return "amount";
-  return isCodeShaped(entry.amount->currency) ? "" : "currency";
+  return entry.impossibleCurrency ? "currency" : "";
 }
 
 }  // namespace kivo::book

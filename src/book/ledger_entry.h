@@ -45,9 +45,10 @@ struct LedgerEntry {
   std::optional<std::string> text;
   /// Whether the user changed it with `edit`.
   bool edited = false;
-  /// Of an entry that is set aside: the stored text in the place of a date that is no day. Else
-  /// absent.
+  /// Of an entry that is set aside: the stored text in the place of a date that is no day, and of a
+  /// currency that is no code. Else absent.
   std::optional<std::string> impossibleDate;
+  std::optional<std::string> impossibleCurrency;
 
   /// Returns whether both have the same state and the same of all that a message is read as.
   [[nodiscard]] bool readsAs(const LedgerEntry& other) const;

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "book/book_file.h"
-#include "names/name_fold.h"
+#include "names/payee_key.h"
 
 namespace kivo::book {
 namespace {
@@ -29,23 +29,23 @@ constexpr const char* firstAlikeOfThis = R"(
 }  // namespace
 
 void applyCorrection(sqlite3* database, LedgerEntry& entry) {
-  const std::string folded = names::foldedName(entry.payee);
-  if (folded.empty()) return;
+  const names::PayeeKey payee(entry.payee);
+  if (payee.text().empty()) return;
   Statement query(database, "SELECT description, category FROM corrections WHERE folded_payee = ?");
-  if (!next(query.bind(folded))) return;
+  if (!next(query.bind(payee.text()))) return;
   if (!query.text(0).empty()) entry.description = query.text(0);
   if (!query.text(1).empty()) entry.category = query.text(1);
 }
 
 void keepCorrection(sqlite3* database, const LedgerEntry& entry, const EntryChange& change) {
-  const std::string folded = names::foldedName(entry.payee);
-  if (folded.empty() || !(change.description || change.category)) return;
+  const names::PayeeKey payee(entry.payee);
+  if (payee.text().empty() || !(change.description || change.category)) return;
   Statement upsert(database, R"(
     INSERT INTO corrections VALUES (?, nullif(?, ''), nullif(?, ''))
     ON CONFLICT (folded_payee) DO UPDATE SET
       description = coalesce(excluded.description, description),
       category = coalesce(excluded.category, category))");
-  upsert.bind(folded);
+  upsert.bind(payee.text());
   upsert.bind(change.description ? std::string_view(entry.description) : "");
   upsert.bind(change.category ? std::string_view(entry.category) : "");
   run(upsert);
@@ -57,15 +57,16 @@ std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& ent
       (VALUES (?, ?, ?, ?, ?, ?, ?, ?))
     SELECT )") + firstAlikeOfThis +
                           " FROM this";
-  const std::string folded = names::foldedName(entry.payee);
+  const names::PayeeKey payee(entry.payee);
   Statement query(database, sql.c_str());
   constexpr auto behindAll = std::numeric_limits<std::int64_t>::max();
   query.bind(entry.id == 0 ? behindAll : entry.id);  // a new entry has no id yet
   const std::string date = entry.date.text();
   query.bind(entry.userId).bind(date);
   query.bindIfPresent(entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt);
-  query.bind(entry.amount ? std::string_view(entry.amount->currency) : "");
-  query.bind(kindText(entry.kind)).bind(folded).bind(entry.reference);
+  const std::string currency = entry.amount ? entry.amount->currency.text() : "";
+  query.bind(currency);
+  query.bind(kindText(entry.kind)).bind(payee.text()).bind(entry.reference);
   if (!next(query) || query.isNull(0)) return std::nullopt;
   return query.integer(0);
 }

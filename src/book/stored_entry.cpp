@@ -5,7 +5,7 @@
 #include "book/book_categories.h"
 #include "book/book_damage.h"
 #include "book/book_file.h"
-#include "names/name_fold.h"
+#include "names/payee_key.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
@@ -29,7 +29,11 @@ LedgerEntry entryOf(const Statement& row) {
   if (date) entry.date = *date;
   if (!date) entry.impossibleDate = text(2);
   entry.kind = kind.value_or(money::Kind::expense);
-  if (!row.isNull(4)) entry.amount = money::Money{row.integer(4), text(5)};
+  if (!row.isNull(4)) {
+    const auto currency = money::CurrencyCode::fromText(row.text(5));
+    entry.amount = money::Money{row.integer(4), currency.value_or(money::CurrencyCode())};
+    if (!currency || currency->text() != row.text(5)) entry.impossibleCurrency = text(5);
+  }
   entry.description = text(6);
   entry.category = text(7);
   entry.payee = text(8);
@@ -58,9 +62,12 @@ std::string dateText(const LedgerEntry& entry) {
   return entry.impossibleDate.value_or(entry.date.text());
 }
 
-void bindAmount(Statement& statement, const LedgerEntry& entry) {
-  statement.bindIfPresent(entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt);
-  statement.bind(entry.amount ? std::string_view(entry.amount->currency) : "");
+std::optional<std::int64_t> unitsOf(const LedgerEntry& entry) {
+  return entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt;
+}
+
+std::string currencyText(const LedgerEntry& entry) {
+  return entry.impossibleCurrency.value_or(entry.amount ? entry.amount->currency.text() : "");
 }
 
 }  // namespace
@@ -116,11 +123,12 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
     INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
       payee, folded_payee, account, reference, state, possible_duplicate_of, text)
     VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
-  const std::string folded = names::foldedName(entry.payee);
+  const names::PayeeKey payee(entry.payee);
   const std::string date = dateText(entry);
+  const std::string currency = currencyText(entry);
   insertion.bind(entry.userId).bind(entry.key).bind(date).bind(kindText(entry.kind));
-  bindAmount(insertion, entry);
-  insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(folded);
+  insertion.bindIfPresent(unitsOf(entry)).bind(currency);
+  insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(payee.text());
   insertion.bind(entry.account).bind(entry.reference).bind(stateText(entry.state));
   insertion.bindIfPresent(entry.possibleDuplicateOf);
   insertion.bind(entry.text.value());
@@ -135,8 +143,9 @@ void writeEdited(sqlite3* database, const LedgerEntry& entry) {
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
       category = ?, state = ?, edited = 1 WHERE id = ?)");
   const std::string date = dateText(entry);
+  const std::string currency = currencyText(entry);
   update.bind(date).bind(kindText(entry.kind));
-  bindAmount(update, entry);
+  update.bindIfPresent(unitsOf(entry)).bind(currency);
   update.bind(entry.description).bind(entry.category).bind(stateText(entry.state)).bind(entry.id);
   run(update);
 }
@@ -146,10 +155,11 @@ bool writeBooked(sqlite3* database, const LedgerEntry& entry) {
     UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
       payee = ?, folded_payee = ?, account = ?, reference = ?, state = 'booked'
     WHERE id = ? AND state IN ('booked', 'review') AND edited = 0 RETURNING id)");
-  const std::string folded = names::foldedName(entry.payee);
+  const names::PayeeKey payee(entry.payee);
+  const std::string currency = currencyText(entry);
   update.bind(kindText(entry.kind));
-  bindAmount(update, entry);
-  update.bind(entry.description).bind(entry.category).bind(entry.payee).bind(folded);
+  update.bindIfPresent(unitsOf(entry)).bind(currency);
+  update.bind(entry.description).bind(entry.category).bind(entry.payee).bind(payee.text());
   update.bind(entry.account).bind(entry.reference).bind(entry.id);
   if (!next(update)) return false;
   run(update);

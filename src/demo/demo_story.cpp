@@ -16,7 +16,7 @@ namespace {
 
 using Tone = DemoScreen::Tone;
 
-constexpr std::string_view usualCurrency = "EGP";
+constexpr money::CurrencyCode usualCurrency = "EGP";
 
 struct BankSms {
   std::string_view text;
@@ -235,7 +235,7 @@ DemoEnd DemoStory::tell(DemoScreen& screen, const std::function<bool()>& goesOn)
   screen.line("Kivo's intents extension, with a phone and a ledger of its own", Tone::strong);
   screen.line("Real programs in temporary folders; your own messages and records are not used.",
               Tone::quiet);
-  Demonstration story(screen, goesOn, usualCurrency);
+  Demonstration story(screen, goesOn, usualCurrency.text());
 
   story.showSignIn();
   for (const Step& step : stepsOnline()) story.perform(step);
@@ -252,7 +252,7 @@ DemoEnd DemoStory::show(DemoScreen& screen, const std::string& message,
   // The phone takes the message's currency, so that the ledger needs no exchange rate.
   const std::string text = platform::repairedUtf8(message);
   const auto amount = recognition::read(text, usualCurrency).amount;
-  const std::string currency = amount ? amount->currency : std::string(usualCurrency);
+  const std::string currency = (amount ? amount->currency : usualCurrency).text();
   Demonstration demonstration(screen, goesOn, currency);
   demonstration.processed(message);
   demonstration.showOutcome();

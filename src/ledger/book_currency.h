@@ -2,12 +2,13 @@
 #pragma once
 
 #include <optional>
-#include <string>
+
+#include "money/currency_code.h"
 
 namespace kivo::ledger {
 
-/// Returns the currency of the shared store in upper case, EGP when it has none. Absent, after one
-/// line on standard error, when the store cannot be opened.
-std::optional<std::string> bookCurrency();
+/// Returns the currency of the shared store: EGP when it has none, XXX when its text is no code.
+/// Absent, after one line on standard error, when the store cannot be opened.
+std::optional<money::CurrencyCode> bookCurrency();
 
 }  // namespace kivo::ledger

@@ -52,7 +52,7 @@ Message messageFrom(std::string_view body) {
 
 }  // namespace
 
-ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<std::string>()> currency,
+ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<money::CurrencyCode>()> currency,
                                        std::function<void(const LedgerEntry&)> review,
                                        recording::MessageReader read)
     : currency_(std::move(currency)), review_(std::move(review)), read_(std::move(read)) {}

@@ -16,7 +16,7 @@ class ExtractionEndpoint {
  public:
   /// `currency` returns the currency of the book, absent when it cannot be read. It is called for
   /// each message. `review` is called with each new entry in review, after it is durable.
-  ExtractionEndpoint(std::function<std::optional<std::string>()> currency,
+  ExtractionEndpoint(std::function<std::optional<money::CurrencyCode>()> currency,
                      std::function<void(const book::LedgerEntry&)> review,
                      recording::MessageReader read = recognition::read);
 
@@ -31,7 +31,7 @@ class ExtractionEndpoint {
  private:
   UnixHttpServer::Answer record(const recording::Message& message);
 
-  std::function<std::optional<std::string>()> currency_;
+  std::function<std::optional<money::CurrencyCode>()> currency_;
   std::function<void(const book::LedgerEntry&)> review_;
   recording::MessageReader read_;
   std::optional<book::Book> book_;

@@ -34,7 +34,7 @@ void ReviewNotifier::post(const LedgerEntry& entry) {
 std::string ReviewNotifier::body(const LedgerEntry& entry) {
   if (!entry.amount) return "A message with an unclear sum: " + entry.description;
   const char* const preposition = entry.kind == Kind::income ? " from " : " at ";
-  return amountText(*entry.amount) + " " + entry.amount->currency + preposition + entry.description;
+  return sumText(*entry.amount) + preposition + entry.description;
 }
 
 }  // namespace kivo::ledger

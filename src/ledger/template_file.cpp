@@ -15,7 +15,6 @@
 
 namespace kivo::ledger {
 
-using money::isCurrency;
 using recognition::MessagePattern;
 using recognition::MessageTemplate;
 using recognition::readWith;
@@ -85,13 +84,14 @@ MessageTemplate templateOf(const toml::table& table) {
   if (*kind && !parsed.pattern->hasAmount()) {
     throw failure("text", "{amount} is missing; without it kind must be none");
   }
-  if (members.currency && !isCurrency(*members.currency)) {
+  const auto currency = money::currencyFromText(members.currency.value_or(""));
+  if (members.currency && (!currency || currency->text() != *members.currency)) {
     throw failure("currency", "currency must be a code such as EGP");
   }
   return {.text = *members.text,
           .pattern = *std::move(parsed.pattern),
           .kind = *kind,
-          .currency = members.currency.value_or(""),
+          .currency = currency,
           .description = members.description.value_or(""),
           .category = members.category.value_or("")};
 }
@@ -126,7 +126,8 @@ std::string inQuotes(const std::string& text) {
 std::string blockOf(const MessageTemplate& taught) {
   std::string block = "\n[[template]]\ntext = " + inQuotes(taught.text) +
                       "\nkind = " + inQuotes(taughtKindText(taught.kind)) + "\n";
-  for (const auto& [key, value] : {std::pair("currency", &taught.currency),
+  const std::string currency = taught.currency ? taught.currency->text() : "";
+  for (const auto& [key, value] : {std::pair("currency", &currency),
                                    {"description", &taught.description},
                                    {"category", &taught.category}}) {
     if (!value->empty()) block.append(key).append(" = ").append(inQuotes(*value)).append("\n");
@@ -187,7 +188,8 @@ void TemplateFile::add(const MessageTemplate& taught) {
 }
 
 MessageReader TemplateFile::reader() {
-  return [reported = std::string()](std::string_view text, std::string_view bookCurrency) mutable {
+  return [reported = std::string()](std::string_view text,
+                                    const money::CurrencyCode& bookCurrency) mutable {
     std::vector<MessageTemplate> templates;
     try {
       templates = read();

@@ -38,21 +38,16 @@ bool isBookable(const Money& money) {
   return money.minorUnits > 0 && money.minorUnits <= largestSum;
 }
 
-int minorDigits(std::string_view currency) {
+int minorDigits(const CurrencyCode& currency) {
   constexpr int digitsOfMost = 2;
-  const Currency* const found = currencyByCode(currency);
+  const Currency* const found = currencyByCode(currency.text());
   return found == nullptr ? digitsOfMost : found->minorDigits;
 }
 
-std::string currencyCode(std::string_view text) {
-  std::string code(text);
-  for (char& letter : code) {
-    if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
-  }
-  return code;
+std::optional<CurrencyCode> currencyFromText(std::string_view text) {
+  const auto code = CurrencyCode::fromText(text);
+  return code && currencyByCode(code->text()) != nullptr ? code : std::nullopt;
 }
-
-bool isCurrency(std::string_view code) { return currencyByCode(code) != nullptr; }
 
 std::string amountText(const Money& money) {
   const auto decimals = static_cast<std::size_t>(minorDigits(money.currency));
@@ -64,7 +59,9 @@ std::string amountText(const Money& money) {
   return negative ? "-" + digits : digits;
 }
 
-std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency) {
+std::string sumText(const Money& money) { return amountText(money) + " " + money.currency.text(); }
+
+std::optional<Money> moneyFromText(std::string_view amount, const CurrencyCode& currency) {
   const bool negative = amount.starts_with('-');
   if (negative) amount.remove_prefix(1);
   const std::size_t point = amount.find('.');
@@ -78,7 +75,7 @@ std::optional<Money> moneyFromText(std::string_view amount, std::string_view cur
   if (digits.find_first_not_of("0123456789", negative ? 1 : 0) != std::string::npos) {
     return std::nullopt;
   }
-  Money money{.currency = std::string(currency)};
+  Money money{.currency = currency};
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), money.minorUnits);
   const bool fits =

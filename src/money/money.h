@@ -6,13 +6,14 @@
 #include <string>
 #include <string_view>
 
+#include "money/currency_code.h"
+
 namespace kivo::money {
 
 /// A sum in whole minor units: 15000 and "EGP" are 150.00 Egyptian pounds.
 struct Money {
   std::int64_t minorUnits = 0;
-  /// An ISO 4217 code in upper case.
-  std::string currency;
+  CurrencyCode currency;
 
   bool operator==(const Money&) const = default;
 
@@ -28,21 +29,21 @@ inline constexpr std::int64_t largestSum = std::int64_t{1} << 53;
 bool isBookable(const Money& money);
 
 /// The number of decimals of `currency` by ISO 4217 (0, 2, 3 or 4); 2 for an unknown code.
-int minorDigits(std::string_view currency);
+int minorDigits(const CurrencyCode& currency);
 
-/// Returns `text` with its ASCII letters in upper case, as ISO 4217 writes codes.
-std::string currencyCode(std::string_view text);
-
-/// Whether `code` is an ISO 4217 code of money that circulates, in upper case.
-bool isCurrency(std::string_view code);
+/// Reads the ISO 4217 code of money that circulates, in either case; absent for any other text.
+std::optional<CurrencyCode> currencyFromText(std::string_view text);
 
 /// `money` as a plain decimal with all decimals of its currency, without the code: "150.00",
 /// "-0.05".
 std::string amountText(const Money& money);
 
+/// `money` as `amountText`, a blank and the code: "150.00 EGP".
+std::string sumText(const Money& money);
+
 /// Reads a decimal such as "150", "1,189.50" or "-0.05" as a sum in `currency`: a point before the
 /// decimals, and commas, if any, between all thousands. Absent when `amount` is anything else, has
 /// more decimals than the currency, or exceeds `largestSum` in either direction.
-std::optional<Money> moneyFromText(std::string_view amount, std::string_view currency);
+std::optional<Money> moneyFromText(std::string_view amount, const CurrencyCode& currency);
 
 }  // namespace kivo::money

@@ -39,7 +39,7 @@ std::string Rate::text() const {
   return text;
 }
 
-std::optional<Money> Rate::convert(const Money& sum, const std::string& currency) const {
+std::optional<Money> Rate::convert(const Money& sum, const CurrencyCode& currency) const {
   if (!isBookable(sum)) return std::nullopt;
   // At most 2 to the 53rd, 10 to the 18th and, for the decimals of currencies, 10 to the 4th: 124
   // bits.

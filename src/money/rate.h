@@ -26,7 +26,7 @@ class Rate {
 
   /// Returns `sum` in `currency`, rounded half up to whole minor units. Absent unless `sum` and the
   /// result are bookable.
-  [[nodiscard]] std::optional<Money> convert(const Money& sum, const std::string& currency) const;
+  [[nodiscard]] std::optional<Money> convert(const Money& sum, const CurrencyCode& currency) const;
 
  private:
   Rate(std::int64_t digits, int decimals) : digits_(digits), decimals_(decimals) {}

@@ -12,6 +12,7 @@ namespace kivo::overview {
 using book::Book;
 using book::Counted;
 using book::GroupSum;
+using money::CurrencyCode;
 using money::Kind;
 using money::Money;
 using money::Month;
@@ -22,15 +23,15 @@ namespace {
 constexpr std::size_t mostPayees = 10;
 
 template <typename Group>
-bool isExpense(const GroupSum<Group>& group, const std::string& currency) {
+bool isExpense(const GroupSum<Group>& group, const CurrencyCode& currency) {
   return group.kind == Kind::expense && group.sum.currency == currency;
 }
 
 void readTotals(MonthSummary& summary, const Book& book, std::int64_t largest) {
-  std::map<std::string, MovedSums> others;
+  std::map<CurrencyCode, MovedSums> others;
   const Month before = summary.month.before();
   for (const auto& group : book.sumsByMonth(Period::of(before, summary.month), largest)) {
-    const std::string& currency = group.sum.currency;
+    const CurrencyCode& currency = group.sum.currency;
     const bool isOwn = currency == summary.currency;
     if (group.group == before && !isOwn) continue;
     MovedSums& sums = !isOwn                  ? others.try_emplace(currency, currency).first->second
@@ -110,11 +111,11 @@ void MovedSums::add(Kind kind, const Money& sum, std::int64_t count) {
   transactions += count;
 }
 
-MonthSummary summarize(const Book& book, const Month& month, const std::string& currency) {
+MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode& currency) {
   return summarize(book, month, currency, book.counted(Period::of(month.before(), month)));
 }
 
-MonthSummary summarize(const Book& book, const Month& month, const std::string& currency,
+MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode& currency,
                        Counted counted) {
   MonthSummary summary(month, currency);
   readTotals(summary, book, counted.largest);

@@ -12,7 +12,7 @@ namespace kivo::overview {
 
 /// The sums booked in a period in one currency. A transfer is neither income nor expense.
 struct MovedSums {
-  explicit MovedSums(const std::string& currency)
+  explicit MovedSums(const money::CurrencyCode& currency)
       : expense{0, currency}, income{0, currency}, transfer{0, currency} {}
   /// Adds `sum`, in the same currency, of so many transactions.
   void add(money::Kind kind, const money::Money& sum, std::int64_t count);
@@ -47,11 +47,11 @@ struct MonthSummary {
   };
 
   /// Of `ofMonth` in a book kept in `bookCurrency`; without figures.
-  MonthSummary(const money::Month& ofMonth, const std::string& bookCurrency)
+  MonthSummary(const money::Month& ofMonth, const money::CurrencyCode& bookCurrency)
       : month(ofMonth), currency(bookCurrency), sums(bookCurrency), previous(bookCurrency) {}
 
   money::Month month;
-  std::string currency;
+  money::CurrencyCode currency;
   MovedSums sums;
   /// The whole month before, also when this one still runs.
   MovedSums previous;
@@ -75,11 +75,11 @@ struct MonthSummary {
 /// Reads the figures of `month` of a book kept in `currency`. Takes a few queries: call it
 /// `atOneMoment` of the book.
 MonthSummary summarize(const book::Book& book, const money::Month& month,
-                       const std::string& currency);
+                       const money::CurrencyCode& currency);
 /// Does so for a period that includes the month and the one before, of which the book counts
 /// `counted`.
 MonthSummary summarize(const book::Book& book, const money::Month& month,
-                       const std::string& currency, book::Counted counted);
+                       const money::CurrencyCode& currency, book::Counted counted);
 
 /// Returns sentences that name the entries that are left out, and help; empty when there are none.
 std::string leftOutNote(const std::vector<std::int64_t>& leftOut);

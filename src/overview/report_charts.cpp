@@ -31,10 +31,10 @@ double roundedUp(double largest) {
 
 class Axis {
  public:
-  Axis(std::int64_t largest, const std::string& currency)
+  Axis(std::int64_t largest, const money::CurrencyCode& currency)
       : unit_(std::pow(10, minorDigits(currency))),
         top_(roundedUp(static_cast<double>(largest) / unit_)),
-        format_(currency, top_ < 2 ? minorDigits(currency) : 0,
+        format_(currency.text(), top_ < 2 ? minorDigits(currency) : 0,
                 linux_platform::AmountFormat::Currency::hidden) {}
 
   [[nodiscard]] double heightOf(const Money& sum) const {

@@ -50,7 +50,8 @@ void readDays(ReportFigures& figures, const Book& book, std::int64_t largest) {
 
 }  // namespace
 
-ReportFigures readReport(const Book& book, const Month& month, const std::string& currency) {
+ReportFigures readReport(const Book& book, const Month& month,
+                         const money::CurrencyCode& currency) {
   const Counted counted = book.counted(periodBefore(month));
   ReportFigures figures{.summary = summarize(book, month, currency, counted)};
   readMonths(figures, book, counted.largest);

@@ -38,6 +38,6 @@ struct ReportFigures {
 /// Reads the figures around `month` of a book kept in `currency`. Takes a few queries: call it
 /// `atOneMoment` of the book.
 ReportFigures readReport(const book::Book& book, const money::Month& month,
-                         const std::string& currency);
+                         const money::CurrencyCode& currency);
 
 }  // namespace kivo::overview

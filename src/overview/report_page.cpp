@@ -72,7 +72,7 @@ class Page {
     } else {
       html_.text(figures_.runs ? "So far, beside all of " : "Beside ");
       html_.text(summary_.month.before().name()).markup(". Sums are in ");
-      html_.text(summary_.currency).markup(".");
+      html_.text(summary_.currency.text()).markup(".");
     }
     html_.markup("</p></header>\n");
   }
@@ -166,9 +166,9 @@ class Page {
         .markup("<th scope=\"col\" class=\"sum\">Received</th>")
         .markup("<th scope=\"col\" class=\"sum\">Transferred</th></tr></thead><tbody>");
     for (const MovedSums& other : summary_.otherCurrencies) {
-      const std::string& currency = other.expense.currency;
+      const money::CurrencyCode& currency = other.expense.currency;
       const SumFormat sums(currency);
-      html_.markup("<tr><th scope=\"row\">").text(currency).markup("</th>");
+      html_.markup("<tr><th scope=\"row\">").text(currency.text()).markup("</th>");
       for (const Money& sum : {other.expense, other.income, other.transfer}) {
         html_.markup("<td class=\"sum\">").amount(sums.plain(sum)).markup("</td>");
       }
@@ -266,7 +266,7 @@ class Page {
   const ReportFigures& figures_;
   const MonthSummary& summary_;
   SumFormat sums_;
-  std::map<std::string, SumFormat> others_;
+  std::map<money::CurrencyCode, SumFormat> others_;
   HtmlWriter html_;
 };
 

@@ -5,9 +5,9 @@ namespace kivo::overview {
 using linux_platform::AmountFormat;
 using money::minorDigits;
 
-SumFormat::SumFormat(const std::string& currency)
-    : plain_(currency, minorDigits(currency), AmountFormat::Currency::hidden),
-      withCurrency_(currency, minorDigits(currency), AmountFormat::Currency::shown) {}
+SumFormat::SumFormat(const money::CurrencyCode& currency)
+    : plain_(currency.text(), minorDigits(currency), AmountFormat::Currency::hidden),
+      withCurrency_(currency.text(), minorDigits(currency), AmountFormat::Currency::shown) {}
 
 std::string SumFormat::plain(const money::Money& sum) const { return plain_.text(amountText(sum)); }
 

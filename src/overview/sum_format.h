@@ -12,7 +12,7 @@ namespace kivo::overview {
 class SumFormat {
  public:
   /// For `currency`, an ISO 4217 code.
-  explicit SumFormat(const std::string& currency);
+  explicit SumFormat(const money::CurrencyCode& currency);
 
   /// Returns `sum`, which is in that currency, without it: "1,250.00".
   [[nodiscard]] std::string plain(const money::Money& sum) const;

@@ -152,7 +152,7 @@ class Lines {
     std::string lines;
     for (const MovedSums& other : summary_.otherCurrencies) {
       const SumFormat sums(other.expense.currency);
-      const std::string code = escapedControls(other.expense.currency) + " ";
+      const std::string code = other.expense.currency.text() + " ";
       for (const auto& [sum, verb] : {std::pair(&other.expense, " spent\n"),
                                       {&other.income, " received\n"},
                                       {&other.transfer, " transferred\n"}}) {
@@ -217,7 +217,7 @@ std::string SummaryView::text(const MonthSummary& summary, const money::Month& t
   const bool runs = summary.month == today;
   const Lines lines(summary, look);
   std::string text = bold(month + (runs ? " so far" : ""), look) + ", in " +
-                     escapedControls(summary.currency) + "\nbeside " + (runs ? "all of " : "") +
+                     summary.currency.text() + "\nbeside " + (runs ? "all of " : "") +
                      summary.month.before().name() + "\n\n" + lines.totals();
   const auto add = [&](const char* heading, const std::string& section) {
     if (!section.empty()) text += "\n" + bold(heading, look) + "\n" + section;

@@ -57,7 +57,7 @@ JSONEncoder todayObject(const TodaysExpenses& today) {
 JSONEncoder SummaryView::json(const MonthSummary& summary) {
   JSONEncoder object;
   object.encodeString("month", summary.month.text());
-  object.encodeString("currency", summary.currency);
+  object.encodeString("currency", summary.currency.text());
   encodeSums(object, summary.sums);
   object.encodeString("transactions", std::to_string(summary.sums.transactions));
   object.encodeString("review", std::to_string(summary.review));
@@ -67,7 +67,7 @@ JSONEncoder SummaryView::json(const MonthSummary& summary) {
   object.encodeObjects("payees", payeeObjects(summary));
   std::vector<JSONEncoder> others;
   for (const MovedSums& sums : summary.otherCurrencies) {
-    others.emplace_back().encodeString("currency", sums.expense.currency);
+    others.emplace_back().encodeString("currency", sums.expense.currency.text());
     encodeSums(others.back(), sums);
   }
   object.encodeObjects("other_currencies", others);

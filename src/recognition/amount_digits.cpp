@@ -11,10 +11,15 @@ namespace kivo::recognition {
 
 using money::Currency;
 using money::currencyByCode;
-using money::minorDigits;
 using money::moneyFromText;
 
 namespace {
+
+money::CurrencyCode codeOf(std::string_view text) {
+  return money::CurrencyCode::fromText(text).value_or(money::CurrencyCode());
+}
+
+int decimalsOf(std::string_view code) { return minorDigits(codeOf(code)); }
 
 struct Groups {
   std::vector<std::string_view> digits;  // between the separators
@@ -69,7 +74,7 @@ LastSeparator notOfThousands(const Groups& groups, std::string_view code) {
   if (whole.empty() || whole == "0") return LastSeparator::isDecimal;
   if (whole.front() == '0') return LastSeparator::unclear;
   const bool usual = groups.separators.back() == (groupsByPoints(code) ? ',' : '.');
-  return usual || minorDigits(code) == 3 ? LastSeparator::isDecimal : LastSeparator::unclear;
+  return usual || decimalsOf(code) == 3 ? LastSeparator::isDecimal : LastSeparator::unclear;
 }
 
 LastSeparator onlySeparator(const Groups& groups, std::string_view code) {
@@ -78,7 +83,7 @@ LastSeparator onlySeparator(const Groups& groups, std::string_view code) {
   const char separator = groups.separators.back();
   const bool mayGroup = areThousands(groups, 2);
   if (separator == '\'') return mayGroup ? LastSeparator::groups : LastSeparator::unclear;
-  const int decimals = minorDigits(code);
+  const int decimals = decimalsOf(code);
   if (fraction.size() > group) {  // "12.5000"; but "1,0000" might be ten thousand
     const bool decimal = separator == '.' && decimals > 0 && !groupsByPoints(code);
     return decimal ? LastSeparator::isDecimal : LastSeparator::unclear;
@@ -124,11 +129,11 @@ std::optional<std::int64_t> minorUnitsOf(std::string_view amount, std::string_vi
   if (plain.empty()) plain = "0";
   if (last == LastSeparator::isDecimal) {
     std::string_view fraction = groups.digits.back();
-    const auto decimals = static_cast<std::size_t>(minorDigits(currency));
+    const auto decimals = static_cast<std::size_t>(decimalsOf(currency));
     while (fraction.size() > decimals && fraction.ends_with('0')) fraction.remove_suffix(1);
     if (!fraction.empty()) plain.append(".").append(fraction);
   }
-  const auto money = moneyFromText(plain, currency);
+  const auto money = moneyFromText(plain, codeOf(currency));
   if (!money) return std::nullopt;
   return money->minorUnits;
 }

@@ -49,7 +49,8 @@ std::optional<std::string> plainDecimal(std::string_view number) {
 
 }  // namespace
 
-std::optional<Reading> paymentSentence(std::string_view text, std::string_view bookCurrency) {
+std::optional<Reading> paymentSentence(std::string_view text,
+                                       const money::CurrencyCode& bookCurrency) {
   constexpr std::string_view verb = "Paid ";
   constexpr std::string_view at = " at ";
   if (!text.starts_with(verb)) return std::nullopt;
@@ -61,7 +62,9 @@ std::optional<Reading> paymentSentence(std::string_view text, std::string_view b
   const auto number = plainDecimal(text.substr(0, blank));
   if (!number || currency.find(' ') != std::string_view::npos) return std::nullopt;
 
-  const std::string_view code = currency.empty() ? bookCurrency : currency;
+  const money::CurrencyCode code =
+      currency.empty() ? bookCurrency
+                       : money::CurrencyCode::fromText(currency).value_or(money::CurrencyCode());
   Reading reading{.outcome = Outcome::transaction, .amount = moneyFromText(*number, code)};
   reading.payee = shownPayee(text.substr(place + at.size()));
   reading.description = reading.payee.empty() ? "Payment" : reading.payee;

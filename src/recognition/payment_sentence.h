@@ -12,6 +12,7 @@ namespace kivo::recognition {
 /// shortest text of a double, which may have an exponent. Without a currency, it is in the book's.
 /// The outcome is `needsReview` when the amount has too many decimals for its currency, is too
 /// large or is not in the book's currency.
-std::optional<Reading> paymentSentence(std::string_view text, std::string_view bookCurrency);
+std::optional<Reading> paymentSentence(std::string_view text,
+                                       const money::CurrencyCode& bookCurrency);
 
 }  // namespace kivo::recognition

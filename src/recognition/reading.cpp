@@ -19,6 +19,7 @@
 
 namespace kivo::recognition {
 
+using money::CurrencyCode;
 using money::Kind;
 using money::Money;
 
@@ -74,10 +75,10 @@ const Movement* movementByPlace(const AnalysedMessage& message) {
 }
 
 // Absent when the amount can be read in two ways.
-std::optional<Money> moneyOf(const Sum& sum, std::string_view bookCurrency) {
+std::optional<Money> moneyOf(const Sum& sum, const CurrencyCode& bookCurrency) {
   if (!sum.minorUnits) return std::nullopt;
   return Money{.minorUnits = *sum.minorUnits,
-               .currency = sum.currency.empty() ? std::string(bookCurrency) : sum.currency};
+               .currency = CurrencyCode::fromText(sum.currency).value_or(bookCurrency)};
 }
 
 std::string categoryOf(const Movement& naming, const std::string& payee) {
@@ -113,7 +114,7 @@ const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
 }
 
 // A sum beside a balance, without a wording of a movement.
-Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
+Reading unexplained(const Sum& sum, const CurrencyCode& bookCurrency) {
   return {.outcome = Outcome::needsReview,
           .amount = moneyOf(sum, bookCurrency),
           .description = "Payment",
@@ -123,7 +124,7 @@ Reading unexplained(const Sum& sum, std::string_view bookCurrency) {
 // The transaction that the message reports by `movement`; one of `sums` moved. The caller decides
 // whether it needs a review.
 Reading details(const AnalysedMessage& message, const SumParts& sums, const Movement& movement,
-                std::string_view bookCurrency) {
+                const CurrencyCode& bookCurrency) {
   const Movement& naming = namingMovement(message.wordings, movement);
   Reading reading{.outcome = Outcome::transaction, .kind = movement.kind};
   reading.amount = moneyOf(message.items[*sums.moved].sum, bookCurrency);
@@ -143,21 +144,21 @@ std::string_view partThatCounts(std::string_view text) {
   return text.substr(0, wholeCharacters(text, longestMessage));
 }
 
-Reading read(std::string_view text, std::string_view bookCurrency) {
+Reading read(std::string_view text, const CurrencyCode& bookCurrency) {
   return readBy(Wordings::all(), text, bookCurrency);
 }
 
-Reading readBy(const Wordings& wordings, std::string_view text, std::string_view bookCurrency) {
+Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCode& bookCurrency) {
   text = partThatCounts(text);
   if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
 
   const std::string readable = readableForm(text);
   const AnalysedMessage whole =
-      analysed(readable, withSums(itemsOf(readable), bookCurrency, wordings), wordings);
+      analysed(readable, withSums(itemsOf(readable), bookCurrency.text(), wordings), wordings);
   if (announcesACode(whole)) return {};
 
   const AnalysedMessage reported = analysed(readable, reportedPart(whole), wordings);
-  const SumParts sums = partsOfSums(reported, bookCurrency);
+  const SumParts sums = partsOfSums(reported, bookCurrency.text());
   const bool openingDropped =
       reported.items.empty() || reported.items.front().begin != whole.items.front().begin;
   const Movement* const movement = movementIn(reported, sums, openingDropped);

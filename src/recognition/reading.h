@@ -64,9 +64,10 @@ std::string_view partThatCounts(std::string_view text);
 /// An ambiguous sign such as "$" or "Rs" is the book's currency where that uses it. A sum in
 /// another currency yields `needsReview` with its own currency. Time is linear in the length of the
 /// text. Throws what `foldedName` throws, and `std::bad_alloc`. Thread-safe.
-Reading read(std::string_view text, std::string_view bookCurrency);
+Reading read(std::string_view text, const money::CurrencyCode& bookCurrency);
 
 /// Reads as `read` does, but by `wordings` instead of all.
-Reading readBy(const Wordings& wordings, std::string_view text, std::string_view bookCurrency);
+Reading readBy(const Wordings& wordings, std::string_view text,
+               const money::CurrencyCode& bookCurrency);
 
 }  // namespace kivo::recognition

@@ -12,9 +12,9 @@
 
 namespace kivo::recognition {
 
+using money::currencyByCode;
 using money::CurrencyWord;
 using money::currencyWords;
-using money::isCurrency;
 
 namespace {
 
@@ -49,7 +49,7 @@ std::string isoCode(const Item& item) {
   std::string code = item.text;
   for (char& letter : code)
     letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-  return isCurrency(code) ? code : std::string();
+  return currencyByCode(code) != nullptr ? code : std::string();
 }
 
 bool matches(const std::vector<std::string>& words, const Items& items, std::size_t begin) {

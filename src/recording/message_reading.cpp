@@ -7,7 +7,7 @@ using recognition::Outcome;
 using recognition::Reading;
 
 Reading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
-                   const std::string& currency) {
+                   const money::CurrencyCode& currency) {
   Reading reading = read(text, currency);
   if (reading.outcome != Outcome::needsReview || !reading.amount ||
       reading.amount->currency == currency) {

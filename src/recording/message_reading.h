@@ -12,14 +12,14 @@
 namespace kivo::recording {
 
 /// Reads a message, as `recognition::read` does.
-using MessageReader =
-    std::function<recognition::Reading(std::string_view text, std::string_view bookCurrency)>;
+using MessageReader = std::function<recognition::Reading(std::string_view text,
+                                                         const money::CurrencyCode& bookCurrency)>;
 
 /// Reads `text` by `read` for `book`, which is kept in `currency`. A message that is in review only
 /// for its currency is read in that currency, and converted, when the book has a rate for it and
 /// the result is bookable. Throws BookFailure.
 recognition::Reading readingFor(const book::Book& book, const MessageReader& read,
-                                const std::string& text, const std::string& currency);
+                                const std::string& text, const money::CurrencyCode& currency);
 
 /// Sets all of `entry` that the reading of its message holds. An entry whose sum cannot be booked
 /// is in review without it.

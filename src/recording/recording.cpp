@@ -62,7 +62,7 @@ Recorded store(book::Book& book, const Reading& reading, const Message& message)
 }  // namespace
 
 Recorded record(book::Book& book, const Message& message, const MessageReader& read,
-                const std::string& currency) {
+                const money::CurrencyCode& currency) {
   const auto known = [&] { return book.answer(message.userId, message.idempotencyKey); };
   if (auto answer = known()) return {*std::move(answer)};
   const Reading reading = readingFor(book, read, message.text, currency);

@@ -32,6 +32,6 @@ struct Recorded {
 /// transaction in one step. `currency` is the currency of the book: a transaction in another one is
 /// converted when a rate is set, and is in review otherwise. Throws BookFailure.
 Recorded record(book::Book& book, const Message& message, const MessageReader& read,
-                const std::string& currency);
+                const money::CurrencyCode& currency);
 
 }  // namespace kivo::recording

@@ -8,7 +8,7 @@ using recognition::Outcome;
 
 // The sum of `entry` as it is booked; absent when it cannot be.
 std::optional<BookedSum> bookableSum(const book::Book& book, const LedgerEntry& entry,
-                                     const std::string& currency) {
+                                     const money::CurrencyCode& currency) {
   const bool canBe =
       entry.state != LedgerEntry::State::setAside && entry.amount && isBookable(*entry.amount);
   if (!canBe) return std::nullopt;
@@ -23,7 +23,8 @@ std::optional<BookedSum> bookableSum(const book::Book& book, const LedgerEntry& 
 
 }  // namespace
 
-std::optional<BookedSum> accept(book::Book& book, std::int64_t id, const std::string& currency) {
+std::optional<BookedSum> accept(book::Book& book, std::int64_t id,
+                                const money::CurrencyCode& currency) {
   std::optional<BookedSum> sum;
   book.inOneStep([&] {
     const auto entry = book.entry(id);
@@ -34,7 +35,7 @@ std::optional<BookedSum> accept(book::Book& book, std::int64_t id, const std::st
 }
 
 std::optional<LedgerEntry> reread(const book::Book& book, std::int64_t id,
-                                  const MessageReader& read, const std::string& currency) {
+                                  const MessageReader& read, const money::CurrencyCode& currency) {
   auto found = book.entry(id);
   if (!found || !found->text) return std::nullopt;
   const recognition::Reading reading = readingFor(book, read, *found->text, currency);

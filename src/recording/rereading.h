@@ -22,12 +22,14 @@ struct BookedSum {
 /// converted when a rate is set, and stays as it is otherwise. Returns nullopt, and changes
 /// nothing, when no entry has this id, it is set aside, or it has no amount that is bookable, also
 /// by the rate. Throws BookFailure.
-std::optional<BookedSum> accept(book::Book& book, std::int64_t id, const std::string& currency);
+std::optional<BookedSum> accept(book::Book& book, std::int64_t id,
+                                const money::CurrencyCode& currency);
 
 /// Returns the entry `id` as `read` reads its message now for a book kept in `currency`, with rates
 /// and corrections, marked where it looks like an earlier one. Changes nothing. nullopt when no
 /// entry has this id, its text was forgotten, or it is read as no transaction. Throws BookFailure.
 std::optional<book::LedgerEntry> reread(const book::Book& book, std::int64_t id,
-                                        const MessageReader& read, const std::string& currency);
+                                        const MessageReader& read,
+                                        const money::CurrencyCode& currency);
 
 }  // namespace kivo::recording

@@ -30,7 +30,7 @@ void sortIn(const LedgerEntry& entry, std::optional<LedgerEntry> read, TaughtEnt
 }  // namespace
 
 TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
-                            const MessageReader& read, const std::string& currency) {
+                            const MessageReader& read, const money::CurrencyCode& currency) {
   TaughtEntries found;
   for (const auto state : {LedgerEntry::State::review, LedgerEntry::State::booked}) {
     for (const LedgerEntry& entry : book.entries({.state = state})) {

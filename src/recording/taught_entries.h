@@ -28,7 +28,7 @@ struct TaughtEntries {
 /// and `read` must use the templates of the file. Takes time for every entry of the book that still
 /// has its text. Throws BookFailure.
 TaughtEntries taughtEntries(const book::Book& book, const recognition::MessageTemplate& taught,
-                            const MessageReader& read, const std::string& currency);
+                            const MessageReader& read, const money::CurrencyCode& currency);
 
 /// Returns `ids` as a list: "1, 2 and 5".
 std::string listed(const std::vector<std::int64_t>& ids);

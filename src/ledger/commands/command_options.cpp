@@ -43,12 +43,12 @@ std::optional<Month> givenMonth(const GivenParameters& parameters) {
   return month;
 }
 
-std::optional<std::string> givenCurrency(const GivenParameters& parameters, const char* name,
-                                         const std::string& example) {
+std::optional<money::CurrencyCode> givenCurrency(const GivenParameters& parameters,
+                                                 const char* name, const std::string& example) {
   const auto text = given(parameters, name);
   if (!text) return std::nullopt;
-  std::string code = money::currencyCode(*text);
-  if (!money::isCurrency(code)) throw invalid(name, *text, "a code such as " + example);
+  const auto code = money::currencyFromText(*text);
+  if (!code) throw invalid(name, *text, "a code such as " + example);
   return code;
 }
 

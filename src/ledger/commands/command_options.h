@@ -28,8 +28,8 @@ std::optional<money::Month> givenMonth(const linux_platform::GivenParameters& pa
 
 /// Returns the currency code given for `name`, in upper case; absent when none was given. Throws
 /// `invalid`, with `example` as a valid code.
-std::optional<std::string> givenCurrency(const linux_platform::GivenParameters& parameters,
-                                         const char* name, const std::string& example);
+std::optional<money::CurrencyCode> givenCurrency(const linux_platform::GivenParameters& parameters,
+                                                 const char* name, const std::string& example);
 
 /// Returns the options --month, --from, --to, --category and --search.
 std::vector<linux_platform::CommandParameter> filterOptions();

@@ -19,6 +19,7 @@ using book::Book;
 using book::EntryChange;
 using book::LedgerEntry;
 using money::amountText;
+using money::CurrencyCode;
 using money::kindFromText;
 using money::largestSum;
 using money::minorDigits;
@@ -36,9 +37,9 @@ using linux_platform::print;
 using linux_platform::Prompt;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-std::string sumText(const Money& sum) { return sum.currency + " " + amountText(sum); }
+std::string codeAndSum(const Money& sum) { return sum.currency.text() + " " + amountText(sum); }
 
-Money sumFrom(const std::string& text, const std::string& currency) {
+Money sumFrom(const std::string& text, const CurrencyCode& currency) {
   const auto sum = moneyFromText(text, currency);
   if (sum && isBookable(*sum)) return *sum;
   throw invalid("--amount", text,
@@ -49,27 +50,28 @@ Money sumFrom(const std::string& text, const std::string& currency) {
 
 // The sum of `entry` converted by its rate; absent when it is in `currency` already.
 std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
-                               const std::string& currency) {
+                               const CurrencyCode& currency) {
   if (!entry.amount) {
     throw CommandFailure("its sum is unknown: give --amount as well", exitBadUsage);
   }
   const Money& sum = *entry.amount;
   if (sum.currency == currency) return std::nullopt;
-  const std::string give = "give the sum in " + currency + " by --amount";
-  const std::string booksIn = requiredBookCurrency();
+  const std::string give = "give the sum in " + currency.text() + " by --amount";
+  const CurrencyCode booksIn = requiredBookCurrency();
   if (currency != booksIn) {
-    throw CommandFailure("there are rates for " + booksIn + " alone: " + give, exitBadUsage);
+    throw CommandFailure("there are rates for " + booksIn.text() + " alone: " + give, exitBadUsage);
   }
   const auto rate = book.rate(sum.currency);
   if (!rate) {
-    throw CommandFailure("there is no rate for " + sum.currency + ": set it by kivo-ledger rate " +
-                             sum.currency + " RATE, or " + give,
+    throw CommandFailure("there is no rate for " + sum.currency.text() +
+                             ": set it by kivo-ledger rate " + sum.currency.text() + " RATE, or " +
+                             give,
                          exitBadUsage);
   }
   const auto made = rate->convert(sum, currency);
   if (made) return made;
   throw CommandFailure(
-      sumText(sum) + " cannot be converted at the rate " + rate->text() + ": " + give,
+      codeAndSum(sum) + " cannot be converted at the rate " + rate->text() + ": " + give,
       exitBadUsage);
 }
 
@@ -115,21 +117,21 @@ void edit(const GivenParameters& parameters) {
 }
 
 // The reason why `accept` does not book an entry, and the command that helps.
-std::string whyNotBooked(const LedgerEntry& entry, const std::string& currency) {
+std::string whyNotBooked(const LedgerEntry& entry, const CurrencyCode& currency) {
   const std::string edit = "; kivo-ledger edit " + std::to_string(entry.id) + " --amount ";
   if (!entry.amount) return "its sum is unknown" + edit + "gives it one";
-  const std::string sum = sumText(*entry.amount);
+  const std::string sum = codeAndSum(*entry.amount);
   if (!isBookable(*entry.amount)) {
     return "its sum " + sum + " is not above zero and up to " +
            amountText({largestSum, entry.amount->currency}) + edit + "corrects it";
   }
   return "its sum " + sum + " converted at its rate is not from " + amountText({1, currency}) +
-         " to " + amountText({largestSum, currency}) + edit + "SUM --currency " + currency +
+         " to " + amountText({largestSum, currency}) + edit + "SUM --currency " + currency.text() +
          " gives it one";
 }
 
 void accept(const GivenParameters& parameters) {
-  const std::string currency = requiredBookCurrency();
+  const CurrencyCode currency = requiredBookCurrency();
   withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
     if (entry.state == LedgerEntry::State::setAside) {
       throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
@@ -138,7 +140,7 @@ void accept(const GivenParameters& parameters) {
     const auto sum = recording::accept(book, entry.id, currency);
     if (!sum) throw CommandFailure(whyNotBooked(entry, currency));
     const std::string rate = sum->rate ? " at the rate " + sum->rate->text() : "";
-    print("Booked as " + sumText(sum->amount) + rate + ".\n");
+    print("Booked as " + codeAndSum(sum->amount) + rate + ".\n");
   });
 }
 
@@ -204,7 +206,8 @@ void rate(const GivenParameters& parameters) {
   if (value && !set) throw invalid("RATE", *value, rateForm());
   withBook([&](Book& book) {
     if (set) return book.setRate(*currency, *set);
-    if (!book.removeRate(*currency)) throw CommandFailure("there is no rate for " + *currency);
+    if (!book.removeRate(*currency))
+      throw CommandFailure("there is no rate for " + currency->text());
   });
 }
 

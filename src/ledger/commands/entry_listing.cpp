@@ -15,7 +15,11 @@ using money::Kind;
 
 namespace {
 
-// As it is stored, also where that is no day.
+// As they are stored, also where that is no code and no day.
+std::string currencyOf(const LedgerEntry& entry) {
+  return entry.impossibleCurrency.value_or(entry.amount ? entry.amount->currency.text() : "");
+}
+
 std::string dateOf(const LedgerEntry& entry) {
   return entry.impossibleDate.value_or(entry.date.text());
 }
@@ -33,7 +37,7 @@ constexpr std::size_t descriptionColumn = 4;
 
 std::string sumText(const LedgerEntry& entry) {
   if (!entry.amount) return "unknown";
-  return amountText(*entry.amount) + " " + entry.amount->currency;
+  return amountText(*entry.amount) + " " + currencyOf(entry);
 }
 
 std::string likeness(const LedgerEntry& entry) {
@@ -169,7 +173,7 @@ platform::JSONEncoder EntryListing::json(const LedgerEntry& entry) {
   object.encodeString("date", dateOf(entry));
   object.encodeString("kind", kindText(entry.kind));
   object.encodeString("amount", entry.amount ? amountText(*entry.amount) : "");
-  object.encodeString("currency", entry.amount ? entry.amount->currency : "");
+  object.encodeString("currency", currencyOf(entry));
   object.encodeString("description", entry.description);
   object.encodeString("category", entry.category);
   object.encodeString("account", entry.account);

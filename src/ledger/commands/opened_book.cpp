@@ -37,10 +37,10 @@ void withEntry(const linux_platform::GivenParameters& given,
   });
 }
 
-std::string requiredBookCurrency() {
-  auto currency = bookCurrency();
+money::CurrencyCode requiredBookCurrency() {
+  const auto currency = bookCurrency();
   if (!currency) throw ReportedFailure();
-  return *std::move(currency);
+  return *currency;
 }
 
 void tellSetAside(const Book& book) {

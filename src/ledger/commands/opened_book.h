@@ -20,7 +20,7 @@ void withEntry(const linux_platform::GivenParameters& given,
 
 /// As `bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
 /// store cannot be opened.
-std::string requiredBookCurrency();
+money::CurrencyCode requiredBookCurrency();
 
 /// Prints a line on standard error that names the entries of `book` that are set aside, if any.
 void tellSetAside(const book::Book& book);

@@ -36,11 +36,11 @@ using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
 // Calls `use` with a snapshot of the book, the given or current month and the book's currency.
-void withMonth(
-    const GivenParameters& parameters,
-    const std::function<void(const Book&, const Month& month, const std::string& currency)>& use) {
+void withMonth(const GivenParameters& parameters,
+               const std::function<void(const Book&, const Month& month,
+                                        const money::CurrencyCode& currency)>& use) {
   const Month month = givenMonth(parameters).value_or(currentMonth());
-  const std::string currency = requiredBookCurrency();
+  const money::CurrencyCode currency = requiredBookCurrency();
   withBook([&](const Book& book) {
     book.atOneMoment([&] {
       tellSetAside(book);

@@ -32,6 +32,7 @@ namespace kivo::ledger {
 
 using book::Book;
 using book::LedgerEntry;
+using money::CurrencyCode;
 using recognition::firstSum;
 using recognition::MessageTemplate;
 using recognition::namesPayee;
@@ -63,8 +64,8 @@ using ParameterKind = linux_platform::CommandParameter::Kind;
 // One call of the command.
 class Teaching {
  public:
-  Teaching(const GivenParameters& parameters, Book& book, std::string currency)
-      : parameters_(parameters), book_(book), currency_(std::move(currency)) {}
+  Teaching(const GivenParameters& parameters, Book& book, const CurrencyCode& currency)
+      : parameters_(parameters), book_(book), currency_(currency) {}
 
   void run() {
     TemplateFile::read();  // throws before anything is asked when it cannot be used
@@ -88,7 +89,7 @@ class Teaching {
       given_.kind = taughtKindFromText(*kind);
       if (!given_.kind) throw invalid("--kind", *kind, "expense, income, transfer or none");
     }
-    given_.currency = givenCurrency(parameters_, "--currency", "EGP").value_or("");
+    given_.currency = givenCurrency(parameters_, "--currency", "EGP");
   }
 
   // Standard input may be the message; the answers then come from the terminal itself.
@@ -200,16 +201,15 @@ class Teaching {
         readingBy(taught, *fit, recognition::read(message_, currency_), currency_);
     std::string text = "no payment";
     if (reading.outcome != Outcome::notATransaction) {
-      const std::string sum = reading.amount
-                                  ? amountText(*reading.amount) + " " + reading.amount->currency
-                                  : "for review, since the sum can be read in two ways";
+      const std::string sum = reading.amount ? sumText(*reading.amount)
+                                             : "for review, since the sum can be read in two ways";
       text = std::string(kindText(reading.kind)) + ", " + sum + ", " + reading.description + ", " +
              reading.category;
     }
     std::string lines = "\nThe template:\n  " + escapedControls(taught.text) +
                         "\nIt reads this message as:\n  " + escapedControls(text) + "\n";
     if (reading.amount && reading.amount->currency != currency_) {
-      lines += "  (" + reading.amount->currency +
+      lines += "  (" + reading.amount->currency.text() +
                " is booked at its rate, and is for review without one)\n";
     }
     print(lines + "\n");
@@ -262,7 +262,7 @@ class Teaching {
 
   const GivenParameters& parameters_;
   Book& book_;
-  const std::string currency_;
+  const CurrencyCode currency_;
   const MessageReader reader_ = TemplateFile::reader();
   TeachingQuestions::Given given_;
   std::ifstream terminal_;

@@ -48,7 +48,7 @@ std::optional<std::string> TeachingQuestions::askPayee(const std::optional<Kind>
 
 std::optional<Taught> TeachingQuestions::ask(std::string_view message, const Given& given,
                                              const TaughtParts& proposed,
-                                             std::string_view bookCurrency) {
+                                             const money::CurrencyCode& bookCurrency) {
   const auto kind = given.kind ? given.kind : askKind(proposed);
   if (!kind) return std::nullopt;
   TaughtParts parts{.kind = *kind,

@@ -21,7 +21,7 @@ class TeachingQuestions {
     std::optional<std::optional<money::Kind>> kind = {};
     std::optional<std::string> amount = {};
     std::optional<std::string> payee = {};
-    std::string currency = {};
+    std::optional<money::CurrencyCode> currency = {};
   };
 
   /// Asks for the parts that `given` lacks, again after a wrong answer; Enter takes the part in
@@ -29,7 +29,7 @@ class TeachingQuestions {
   /// the input ends.
   std::optional<recognition::Taught> ask(std::string_view message, const Given& given,
                                          const recognition::TaughtParts& proposed,
-                                         std::string_view bookCurrency);
+                                         const money::CurrencyCode& bookCurrency);
 
  private:
   std::optional<std::string> answer(const std::string& question, const std::string& proposed);

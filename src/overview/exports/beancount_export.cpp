@@ -66,7 +66,7 @@ std::string metadata(const char* key, const std::string& value) {
 }
 
 std::string posting(const std::string& account, const Money& money) {
-  return "  " + account + "  " + amountText(money) + " " + money.currency + "\n";
+  return "  " + account + "  " + sumText(money) + "\n";
 }
 
 }  // namespace

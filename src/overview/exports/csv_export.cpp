@@ -65,7 +65,10 @@ std::string csvExport(const std::vector<LedgerEntry>& entries) {
   std::string csv = "date,kind,amount,currency,description,category,account,reference,id\n";
   for (const LedgerEntry& entry : entries) {
     csv.append(entry.date.text()).append(",").append(kindText(entry.kind)).append(",");
-    csv.append(amountText(*entry.amount)).append(",").append(entry.amount->currency).append(",");
+    csv.append(amountText(*entry.amount))
+        .append(",")
+        .append(entry.amount->currency.text())
+        .append(",");
     for (const std::string* text :
          {&entry.description, &entry.category, &entry.account, &entry.reference}) {
       csv.append(quoted(withoutFormula(*text))).append(",");

@@ -25,14 +25,14 @@ std::string tag(const char* named, const std::string& value) {
 }
 
 std::string posting(const std::string& account, const Money& money) {
-  return "    " + account + "  " + amountText(money) + " " + money.currency + "\n";
+  return "    " + account + "  " + sumText(money) + "\n";
 }
 
 }  // namespace
 
 std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
   std::set<std::string> accounts;
-  std::set<std::string> currencies;
+  std::set<money::CurrencyCode> currencies;
   std::string transactions;
   for (const LedgerEntry& entry : entries) {
     const DoubleEntry made = doubleEntryOf(entry, name);
@@ -50,7 +50,9 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(posting(made.ownAccount, made.toOwn));
   }
   std::string journal = "; Written by kivo-ledger. Another export replaces it.\ndecimal-mark .\n";
-  for (const std::string& currency : currencies) journal += "commodity " + currency + "\n";
+  for (const money::CurrencyCode& currency : currencies) {
+    journal += "commodity " + currency.text() + "\n";
+  }
   for (const std::string& account : accounts) journal += "account " + account + "\n";
   return journal + transactions;
 }

@@ -89,7 +89,7 @@ std::string balance(const Statement& entries) {
 
 // Programs keep an account by its bank and number, and in one currency: the bank names it.
 void append(std::string& file, const std::string& account, const Statement& entries) {
-  const std::string& currency = entries.front()->amount->currency;
+  const std::string currency = entries.front()->amount->currency.text();
   file.append("<STMTTRNRS>\n").append(element("TRNUID", "0")).append(status).append("<STMTRS>\n");
   file.append(element("CURDEF", currency)).append("<BANKACCTFROM>\n");
   file.append(element("BANKID", "KIVO-" + currency)).append(element("ACCTID", account));
@@ -103,7 +103,7 @@ void append(std::string& file, const std::string& account, const Statement& entr
 }  // namespace
 
 std::string ofxExport(const std::vector<LedgerEntry>& entries) {
-  std::map<std::pair<std::string, std::string>, Statement> statements;
+  std::map<std::pair<std::string, money::CurrencyCode>, Statement> statements;
   for (const LedgerEntry& entry : entries) {
     const std::string digits = cut(oneLine(entry.account), longestAccount);
     const std::string account = digits.empty() ? "unknown" : digits;

@@ -32,13 +32,12 @@ std::string categoryOf(Kind kind, const std::string& payee, const Reading& rules
 }  // namespace
 
 Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
-                  std::string_view bookCurrency) {
+                  const money::CurrencyCode& bookCurrency) {
   if (!taught.kind) return {};
   Reading reading{.outcome = Outcome::needsReview, .kind = *taught.kind};
-  const std::string currency =
-      taught.currency.empty() ? std::string(bookCurrency) : taught.currency;
+  const money::CurrencyCode currency = taught.currency.value_or(bookCurrency);
   if (fit.amounts.size() == 1) {
-    const auto units = minorUnitsOf(fit.amounts.front(), currency);
+    const auto units = minorUnitsOf(fit.amounts.front(), currency.text());
     if (units == 0) return {};
     if (units) reading.amount = Money{*units, currency};
     if (units && currency == bookCurrency) reading.outcome = Outcome::transaction;
@@ -56,7 +55,7 @@ Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Re
 }
 
 Reading readWith(const std::vector<MessageTemplate>& templates, std::string_view text,
-                 std::string_view bookCurrency) {
+                 const money::CurrencyCode& bookCurrency) {
   Reading rules = read(text, bookCurrency);
   if (templates.empty()) return rules;
   const std::string form = templateForm(partThatCounts(text));

@@ -18,8 +18,8 @@ struct MessageTemplate {
   MessagePattern pattern;
   /// Absent for messages that are no payment.
   std::optional<money::Kind> kind = {};
-  /// The currency of {amount}, an ISO 4217 code; empty for the book's.
-  std::string currency = {};
+  /// The currency of {amount}; absent for the book's.
+  std::optional<money::CurrencyCode> currency = {};
   /// The description, instead of the payee; empty to keep that.
   std::string description = {};
   /// The category, instead of the one by the payee's name; empty to keep that.
@@ -37,12 +37,12 @@ struct MessageTemplate {
 /// outcome is `needsReview` with the sum when that is in another currency, and without a sum when
 /// the amount or the match are ambiguous; `notATransaction` when the sum is zero.
 Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
-                  std::string_view bookCurrency);
+                  const money::CurrencyCode& bookCurrency);
 
 /// Reads `text` by the last of `templates` that matches; as `read` (recognition/reading.h) when no
 /// template does.
 Reading readWith(const std::vector<MessageTemplate>& templates, std::string_view text,
-                 std::string_view bookCurrency);
+                 const money::CurrencyCode& bookCurrency);
 
 /// Returns "expense", "income", "transfer", or "none" for an absent `kind`.
 const char* taughtKindText(std::optional<money::Kind> kind);

@@ -12,6 +12,7 @@
 
 namespace kivo::recognition {
 
+using money::CurrencyCode;
 using money::Money;
 using money::moneyFromText;
 
@@ -102,34 +103,34 @@ std::string patternText(std::string_view form, std::vector<Place> places) {
   return pattern + withoutFigures(form.substr(at), {.behindPlaceholder = at > 0});
 }
 
-// Returns the currency that `form` states next to the number at `place`; empty without one.
-std::string statedCurrency(std::string_view form, const Place& place,
-                           std::string_view bookCurrency) {
-  for (const Item& item : withSums(itemsOf(form), bookCurrency)) {
+// Returns the currency that `form` states next to the number at `place`; absent without one.
+std::optional<CurrencyCode> statedCurrency(std::string_view form, const Place& place,
+                                           const CurrencyCode& bookCurrency) {
+  for (const Item& item : withSums(itemsOf(form), bookCurrency.text())) {
     if (item.kind == Item::Kind::sum && item.begin <= place.begin && place.end <= item.end) {
-      return item.sum.currency;
+      return CurrencyCode::fromText(item.sum.currency);
     }
   }
-  return "";
+  return std::nullopt;
 }
 
 // Returns the minor units that the number at `place` states.
 std::optional<std::int64_t> unitsAt(std::string_view form, const Place& place,
-                                    std::string_view currency) {
+                                    const CurrencyCode& currency) {
   std::string digits(form.substr(place.begin, place.end - place.begin));
   std::erase(digits, ' ');
-  return minorUnitsOf(digits, currency);
+  return minorUnitsOf(digits, currency.text());
 }
 
 // Returns the places of the amounts in `form` that state the sum `given`, such as "1,189.50", in
-// `currency`, or in the currency beside each when that is empty.
+// `currency`, or in the currency beside each when that is absent.
 std::vector<Place> placesOfSum(std::string_view form, std::string_view given,
-                               std::string_view currency, std::string_view bookCurrency) {
+                               std::optional<CurrencyCode> currency,
+                               const CurrencyCode& bookCurrency) {
   std::vector<Place> places;
   for (const Place& number : numbersIn(form, 0, form.size())) {
-    std::string code(currency);
-    if (code.empty()) code = statedCurrency(form, number, bookCurrency);
-    if (code.empty()) code = bookCurrency;
+    const auto stated = currency ? currency : statedCurrency(form, number, bookCurrency);
+    const CurrencyCode code = stated.value_or(bookCurrency);
     const auto sum = moneyFromText(given, code);
     if (sum && unitsAt(form, number, code) == sum->minorUnits) places.push_back(number);
   }
@@ -145,7 +146,7 @@ struct NamedPlaces {
 };
 
 // Sets `named`; returns the error of a missing part, or no error when both are found.
-Taught findNamed(std::string_view form, const TaughtParts& parts, std::string_view bookCurrency,
+Taught findNamed(std::string_view form, const TaughtParts& parts, const CurrencyCode& bookCurrency,
                  NamedPlaces& named) {
   if (parts.kind) {
     const std::string given = templateForm(parts.amount);
@@ -176,7 +177,7 @@ Taught findNamed(std::string_view form, const TaughtParts& parts, std::string_vi
 
 }  // namespace
 
-Taught teach(std::string_view message, const TaughtParts& parts, std::string_view bookCurrency) {
+Taught teach(std::string_view message, const TaughtParts& parts, const CurrencyCode& bookCurrency) {
   const std::string form = templateForm(message);
   NamedPlaces named;
   if (Taught failed = findNamed(form, parts, bookCurrency, named); !failed.error.empty())
@@ -197,8 +198,8 @@ Taught teach(std::string_view message, const TaughtParts& parts, std::string_vie
       .text = std::move(text), .pattern = *std::move(parsed.pattern), .kind = parts.kind};
   if (named.amount) {
     made.currency =
-        parts.currency.empty() ? statedCurrency(form, *named.amount, bookCurrency) : parts.currency;
-    if (made.currency.empty()) made.currency = bookCurrency;
+        parts.currency ? parts.currency : statedCurrency(form, *named.amount, bookCurrency);
+    if (!made.currency) made.currency = bookCurrency;
   }
   return {.made = std::move(made)};
 }
@@ -214,9 +215,9 @@ std::string numberFor(std::string_view message, const Money& sum) {
   return found;
 }
 
-std::string firstSum(std::string_view message, std::string_view bookCurrency) {
+std::string firstSum(std::string_view message, const CurrencyCode& bookCurrency) {
   const std::string form = templateForm(message);
-  for (const Item& item : withSums(itemsOf(form), bookCurrency)) {
+  for (const Item& item : withSums(itemsOf(form), bookCurrency.text())) {
     if (item.kind != Item::Kind::sum) continue;
     const auto numbers = numbersIn(form, item.begin, item.end);
     if (numbers.size() != 1) continue;

@@ -18,9 +18,9 @@ struct TaughtParts {
   std::string amount = {};
   /// The payee as the message writes it; empty when it names none.
   std::string payee = {};
-  /// An ISO 4217 code; empty for the currency that the message states next to the amount, or else
+  /// Absent for the currency that the message states next to the amount, or else
   /// the book's.
-  std::string currency = {};
+  std::optional<money::CurrencyCode> currency = {};
 };
 
 /// A template, or the reason why it could not be made.
@@ -37,14 +37,15 @@ struct Taught {
 /// Makes a template from `message` for a book in `bookCurrency`. The amount becomes {amount}, the
 /// payee {payee}, and the other figures {any} (`withoutFigures`), so that the template holds no
 /// private number. The template matches `message` and finds the same parts in it.
-Taught teach(std::string_view message, const TaughtParts& parts, std::string_view bookCurrency);
+Taught teach(std::string_view message, const TaughtParts& parts,
+             const money::CurrencyCode& bookCurrency);
 
 /// Returns the amount of `sum` as `message` writes it; empty unless it occurs exactly once.
 std::string numberFor(std::string_view message, const money::Money& sum);
 
 /// Returns the amount of the first sum in `message` as the message writes it; empty when the
 /// message holds no sum, or that number more than once.
-std::string firstSum(std::string_view message, std::string_view bookCurrency);
+std::string firstSum(std::string_view message, const money::CurrencyCode& bookCurrency);
 
 /// Returns whether `teach` finds `payee` in `message`.
 bool namesPayee(std::string_view message, std::string_view payee);

@@ -64,7 +64,7 @@ class ADamagedBook : public LedgerTest {
         {.method = "POST", .target = "/functions/v1/sms-extraction", .body = object.text()});
   }
   ExtractionEndpoint endpoint() {
-    return {[] { return "EGP"; }, [](const LedgerEntry&) {}, reader()};
+    return {[] { return money::CurrencyCode("EGP"); }, [](const LedgerEntry&) {}, reader()};
   }
 
   [[nodiscard]] fs::path note() const { return file().string() + "-damaged"; }

@@ -38,7 +38,7 @@ class AnExtractionEndpoint : public LedgerTest {
         {.method = "POST", .target = "/functions/v1/sms-extraction", .body = std::move(body)});
   }
 
-  std::optional<std::string> currency_ = "EGP";
+  std::optional<money::CurrencyCode> currency_ = money::CurrencyCode("EGP");
   std::vector<std::int64_t> reviewed_;
   ExtractionEndpoint endpoint_{[this] { return currency_; },
                                [this](const LedgerEntry& entry) { reviewed_.push_back(entry.id); },
@@ -145,7 +145,7 @@ TEST_F(AnExtractionEndpoint, ReportsAnEntryInReviewOnce) {
 TEST_F(AnExtractionEndpoint, StoresNothingWithoutACurrency) {
   currency_.reset();
   EXPECT_EQ(post(body()).status, 503);
-  currency_ = "EGP";
+  currency_ = money::CurrencyCode("EGP");
   EXPECT_EQ(post(body()).status, 200);
 }
 

@@ -5,8 +5,8 @@
 namespace kivo::money {
 namespace {
 
-std::optional<Money> converted(std::int64_t units, const char* from, const char* rate,
-                               const char* to = "EGP") {
+std::optional<Money> converted(std::int64_t units, const CurrencyCode& from, const char* rate,
+                               const CurrencyCode& to = "EGP") {
   return Rate::fromText(rate).value().convert({units, from}, to);
 }
 

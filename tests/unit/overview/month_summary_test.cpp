@@ -41,7 +41,7 @@ class AMonthSummary : public LedgerTest {
     return reading;
   }
   // Books an expense in a currency that is not the book's, as a person does after a review.
-  void bookedAbroad(Book& book, std::int64_t minorUnits, const std::string& currency,
+  void bookedAbroad(Book& book, std::int64_t minorUnits, const money::CurrencyCode& currency,
                     const money::Day& date) {
     Reading reading = spent(minorUnits, "Airport", currency);
     reading.outcome = Outcome::needsReview;
@@ -172,9 +172,9 @@ TEST_F(AMonthSummary, NeverAddsSumsOfDifferentCurrencies) {
   EXPECT_EQ(summary.sums.transactions, 1);
   EXPECT_EQ(summary.previous.expense.minorUnits, 0);
   ASSERT_EQ(summary.otherCurrencies.size(), 2U);
-  EXPECT_EQ(summary.otherCurrencies[0].expense.currency, "KWD");
+  EXPECT_EQ(summary.otherCurrencies[0].expense.currency, money::CurrencyCode("KWD"));
   EXPECT_EQ(summary.otherCurrencies[0].expense.minorUnits, 3000);
-  EXPECT_EQ(summary.otherCurrencies[1].expense.currency, "USD");
+  EXPECT_EQ(summary.otherCurrencies[1].expense.currency, money::CurrencyCode("USD"));
   EXPECT_THAT(names(summary), ElementsAre("Groceries 100 0"));
 }
 

@@ -104,7 +104,8 @@ class MeasuredMessages : public ::testing::Test {
 
  private:
   void add(const Message& message) {
-    const Reading reading = read(message.text, message.book);
+    const auto book = money::CurrencyCode::fromText(message.book).value();
+    const Reading reading = read(message.text, book);
     const std::string kind = kindText(reading);
     const bool booked = reading.outcome == Outcome::transaction;
     if (!moves(message.kind)) {
@@ -113,7 +114,7 @@ class MeasuredMessages : public ::testing::Test {
       EXPECT_FALSE(booked && message.kind == "review") << "booked a foreign sum: " << message.text;
       return;
     }
-    const auto expected = moneyFromText(message.amount, message.book);
+    const auto expected = moneyFromText(message.amount, book);
     ASSERT_TRUE(expected) << message.text;
     kindAndAmount_.add(kind == message.kind && reading.amount == expected);
     EXPECT_FALSE(booked && isOffByTen(*reading.amount, message.amount)) << message.text;

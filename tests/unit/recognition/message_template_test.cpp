@@ -6,20 +6,21 @@
 
 namespace kivo::recognition {
 
+using money::CurrencyCode;
 using money::Kind;
 using money::Money;
 
 namespace {
 
 MessageTemplate taught(const std::string& text, std::optional<Kind> kind = Kind::expense,
-                       const std::string& currency = "EGP") {
+                       const std::optional<CurrencyCode>& currency = CurrencyCode("EGP")) {
   auto parsed = MessagePattern::parse(text);
   if (!parsed.pattern) throw std::runtime_error(parsed.error);
   return {.text = text, .pattern = *std::move(parsed.pattern), .kind = kind, .currency = currency};
 }
 
 Reading readBy(const MessageTemplate& one, const std::string& message,
-               const std::string& book = "EGP") {
+               const CurrencyCode& book = "EGP") {
   return readWith({one}, message, book);
 }
 
@@ -85,7 +86,7 @@ TEST(ATemplate, TakesTheCategoryFromTheRulesForTheSamePayee) {
 }
 
 TEST(ATemplate, LeavesASumInAForeignCurrencyToAPerson) {
-  const MessageTemplate one = taught("Zap! {amount} USD gone", Kind::expense, "USD");
+  const MessageTemplate one = taught("Zap! {amount} USD gone", Kind::expense, CurrencyCode("USD"));
   const Reading reading = readBy(one, "Zap! 20 USD gone");
   EXPECT_EQ(reading.outcome, Outcome::needsReview);
   EXPECT_EQ(reading.amount, (Money{2000, "USD"}));
@@ -93,7 +94,7 @@ TEST(ATemplate, LeavesASumInAForeignCurrencyToAPerson) {
 }
 
 TEST(ATemplate, ReadsASumInTheBooksCurrencyWhenItNamesNone) {
-  const MessageTemplate one = taught("Zap! {amount} gone", Kind::expense, "");
+  const MessageTemplate one = taught("Zap! {amount} gone", Kind::expense, std::nullopt);
   EXPECT_EQ(readBy(one, "Zap! 1.500 gone", "KWD").amount, (Money{1500, "KWD"}));
   EXPECT_EQ(readBy(one, "Zap! 1.500 gone", "IDR").amount, (Money{150000, "IDR"}));
 }

@@ -15,7 +15,7 @@ using money::Money;
 namespace {
 
 // Kind, sum, payee and category of a message for a book in Egyptian pounds.
-std::string of(std::string_view message, std::string_view book = "EGP") {
+std::string of(std::string_view message, const money::CurrencyCode& book = "EGP") {
   const Reading reading = read(message, book);
   const std::string text = readingText(reading, book, false);
   const bool moves =

@@ -26,13 +26,14 @@ inline std::string kindText(const Reading& reading) {
 }
 
 /// Such as "expense 150.00 | Tulip Store", or "review USD 9.99" in a book of another currency.
-inline std::string readingText(const Reading& reading, std::string_view book, bool withPayee) {
+inline std::string readingText(const Reading& reading, const money::CurrencyCode& book,
+                               bool withPayee) {
   std::string text = kindText(reading);
   if (reading.outcome == Outcome::declined || reading.outcome == Outcome::notATransaction)
     return text;
   text += ' ';
   if (!reading.amount) return text + "?";
-  if (reading.amount->currency != book) text += reading.amount->currency + " ";
+  if (reading.amount->currency != book) text += reading.amount->currency.text() + " ";
   text += amountText(*reading.amount);
   if (withPayee) text += " | " + (reading.payee.empty() ? "-" : reading.payee);
   return text;

@@ -9,7 +9,7 @@
 namespace kivo::recognition {
 namespace {
 
-std::string of(std::string_view message, std::string_view book = "EGP") {
+std::string of(std::string_view message, const money::CurrencyCode& book = "EGP") {
   return readingText(read(message, book), book, true);
 }
 

@@ -17,7 +17,7 @@ using money::Money;
 
 namespace {
 
-std::string of(std::string_view message, std::string_view book) {
+std::string of(std::string_view message, const money::CurrencyCode& book) {
   return readingText(read(message, book), book, false);
 }
 
@@ -216,7 +216,7 @@ TEST(AMultipliedNumber, RequiresAReview) {
 }
 
 TEST(ANumberOfAnOrdinaryForm, IsNoReview) {
-  const auto booked = [](const std::string& sum, std::string_view book) {
+  const auto booked = [](const std::string& sum, const money::CurrencyCode& book) {
     return of("Your card was charged " + sum + " at Netflix.", book);
   };
   EXPECT_EQ(booked("EGP 1,234.50", "EGP"), "expense 1234.50");

@@ -120,11 +120,14 @@ TEST(Teaching, KeepsAPayeeWithDigits) {
 }
 
 TEST(Teaching, WritesTheCurrencyThatIsBesideTheSum) {
-  EXPECT_EQ(teach("Zap! 20 USD gone", spent("20"), "EGP").made->currency, "USD");
-  EXPECT_EQ(teach("Zap! 20 gone", spent("20"), "EGP").made->currency, "EGP");
-  EXPECT_EQ(teach("Zap! 20 gone", {.kind = Kind::expense, .amount = "20", .currency = "KWD"}, "EGP")
-                .made->currency,
-            "KWD");
+  EXPECT_EQ(teach("Zap! 20 USD gone", spent("20"), "EGP").made->currency,
+            money::CurrencyCode("USD"));
+  EXPECT_EQ(teach("Zap! 20 gone", spent("20"), "EGP").made->currency, money::CurrencyCode("EGP"));
+  EXPECT_EQ(
+      teach("Zap! 20 gone",
+            {.kind = Kind::expense, .amount = "20", .currency = money::CurrencyCode("KWD")}, "EGP")
+          .made->currency,
+      money::CurrencyCode("KWD"));
 }
 
 TEST(Teaching, NeedsNoSumForMessagesThatAreNoPayment) {
@@ -132,7 +135,7 @@ TEST(Teaching, NeedsNoSumForMessagesThatAreNoPayment) {
   ASSERT_TRUE(taught.made);
   EXPECT_EQ(taught.made->text, "Zap news: {any} % off until {any}");
   EXPECT_EQ(taught.made->kind, std::nullopt);
-  EXPECT_EQ(taught.made->currency, "");
+  EXPECT_FALSE(taught.made->currency);
 }
 
 TEST(Teaching, RefusesAMessageOfFiguresAlone) {

@@ -25,16 +25,17 @@ constexpr auto examples = std::to_array<Example>({
 #undef WORDING
 });
 
-std::string bookOf(const Example& example) {
+money::CurrencyCode bookOf(const Example& example) {
   constexpr std::size_t codeLength = 3;
-  return std::string(example.reading.substr(0, codeLength));
+  return money::CurrencyCode::fromText(example.reading.substr(0, codeLength)).value();
 }
 
 TEST(EachWording, IsReadInItsExample) {
   for (const Example& example : examples) {
-    const std::string book = bookOf(example);
+    const money::CurrencyCode book = bookOf(example);
     const bool payee = example.reading.find(" |") != std::string_view::npos;
-    EXPECT_EQ(book + " " + readingText(read(example.message, book), book, payee), example.reading)
+    EXPECT_EQ(book.text() + " " + readingText(read(example.message, book), book, payee),
+              example.reading)
         << "«" << example.words << "»: " << example.message;
   }
 }
@@ -42,7 +43,7 @@ TEST(EachWording, IsReadInItsExample) {
 TEST(EachWording, IsNeededByItsExample) {
   for (std::size_t index = 0; index < examples.size(); ++index) {
     const Example& example = examples[index];
-    const std::string book = bookOf(example);
+    const money::CurrencyCode book = bookOf(example);
     EXPECT_FALSE(readBy(Wordings::allBut(index), example.message, book) ==
                  read(example.message, book))
         << "«" << example.words << "» changes nothing in: " << example.message;

@@ -30,7 +30,7 @@ class LedgerTest : public testing::Test {
   }
 
   static Reading spent(std::int64_t minorUnits, const std::string& payee = "Sunny Market",
-                       const std::string& currency = "EGP") {
+                       const money::CurrencyCode& currency = "EGP") {
     Reading reading;
     reading.outcome = Outcome::transaction;
     reading.amount = Money{minorUnits, currency};
@@ -50,7 +50,7 @@ class LedgerTest : public testing::Test {
 
   // Reads each message as `reading_`, whatever its text.
   MessageReader reader() {
-    return [this](std::string_view, std::string_view currency) {
+    return [this](std::string_view, const money::CurrencyCode& currency) {
       ++read_;
       return readings_ ? readings_(currency) : reading_;
     };
@@ -60,7 +60,8 @@ class LedgerTest : public testing::Test {
     return {.text = "text of " + key, .userId = "user", .expenseDate = date, .idempotencyKey = key};
   }
 
-  std::string answer(Book& book, const Message& message, const std::string& currency = "EGP") {
+  std::string answer(Book& book, const Message& message,
+                     const money::CurrencyCode& currency = "EGP") {
     return recording::record(book, message, reader(), currency).answer;
   }
 
@@ -92,7 +93,7 @@ class LedgerTest : public testing::Test {
   testkit::PrivateFolders folders_;
   Reading reading_ = spent(15000);
   // In the place of `reading_`, by the book's currency.
-  std::function<Reading(std::string_view currency)> readings_;
+  std::function<Reading(const money::CurrencyCode& currency)> readings_;
   int read_ = 0;
 };
 

@@ -154,7 +154,7 @@ TEST_F(ABook, MarksNoDuplicateWhenAmountPayeeDayKindOrCurrencyDiffers) {
 
 TEST_F(ABook, PutsAForeignAmountInReviewUntilARateIsSet) {
   Book book = open();
-  readings_ = [](std::string_view currency) {
+  readings_ = [](const money::CurrencyCode& currency) {
     Reading reading = spent(1050, "Sunny Market", "USD");
     if (currency != "USD") reading.outcome = Outcome::needsReview;
     return reading;
@@ -171,7 +171,7 @@ TEST_F(ABook, PutsAForeignAmountInReviewUntilARateIsSet) {
 
 TEST_F(ABook, ConvertsBetweenCurrenciesWithDifferentDecimals) {
   Book book = open();
-  readings_ = [](std::string_view currency) {
+  readings_ = [](const money::CurrencyCode& currency) {
     Reading reading = spent(1250, "Sunny Market", "KWD");  // 1.250
     if (currency != "KWD") reading.outcome = Outcome::needsReview;
     return reading;

@@ -89,7 +89,7 @@ TEST_F(AReadAgainEntry, HasCorrectionsAndRates) {
   book.edit(known.id, {.category = "Food"});
   book.setRate("USD", rate("50"));
   const LedgerEntry entry = recorded(book, "KEY-2", unclear());
-  readings_ = [](std::string_view currency) {
+  readings_ = [](const money::CurrencyCode& currency) {
     Reading reading = spent(2000, "Sunny Market", "USD");
     if (currency != "USD") reading.outcome = Outcome::needsReview;
     return reading;
