@@ -29,7 +29,7 @@ using linux_platform::Command;
 using linux_platform::CommandFailure;
 using linux_platform::GivenParameters;
 
-// When the service manager started it, which starts it again at the next connection.
+// For a server that the service manager started: it starts it again at the next connection.
 constexpr std::chrono::seconds longestIdleTime(60);
 
 ListeningSocket ownSocket(const GivenParameters& given) {

@@ -80,8 +80,8 @@ void removeStale(const std::filesystem::path& path, const sockaddr_un& address) 
   unlink(path.c_str());
 }
 
-// Only one server at a time checks the socket file and creates its own. Another user can lock a
-// shared folder as well, so the lock is not waited for.
+// Locks the folder, so that only one server at a time checks the socket file and creates its own.
+// Does not wait for the lock, since another user can hold it in a shared folder.
 void lockFolder(int folder, const std::filesystem::path& path) {
   if (flock(folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
   fail(path, "is locked by another program; try again, or " + std::string(advice));

@@ -14,15 +14,15 @@ class ListeningSocket {
  public:
   /// Returns the first socket that the service manager passes to this process (socket activation by
   /// LISTEN_PID and LISTEN_FDS); absent when it passes none. Removes these variables, so that child
-  /// processes do not use them. Throws Failure when the file descriptor is not a
-  /// listening UNIX stream socket.
+  /// processes do not use them. Throws Failure when the file descriptor is not a listening UNIX
+  /// stream socket.
   static std::optional<ListeningSocket> handedOver();
 
   /// Creates a socket (0600) at `path`, in a folder that `openPrivateFolder` opens. Replaces a
-  /// stale socket file, at which no server listens. Waits for no lock. Throws Failure
-  /// with one line when another server listens there, when another file exists at `path`, when the
-  /// folder is refused or another program has locked it, when `path` is too long, and when the
-  /// socket cannot be created.
+  /// stale socket file, at which no server listens. Waits for no lock. Throws Failure when
+  /// another server listens there, when another file exists at `path`, when the folder is refused
+  /// or another program has locked it, when `path` is too long, and when the socket cannot be
+  /// created.
   static ListeningSocket create(const std::filesystem::path& path);
 
   ListeningSocket(ListeningSocket&& other) noexcept;

@@ -9,9 +9,8 @@
 namespace kivo::ledger {
 
 /// Opens `folder`, created with the folders above it by the umask when it is missing. Throws
-/// Failure with one line, which ends with `advice`, when it is a symbolic link, belongs
-/// to a user other than this one or root, can be written by others and has no sticky bit, or cannot
-/// be opened.
+/// Failure, whose sentence ends with `advice`, when it is a symbolic link, belongs to a user other
+/// than this one or root, can be written by others and has no sticky bit, or cannot be opened.
 linux_platform::Descriptor openPrivateFolder(const std::filesystem::path& folder,
                                              std::string_view advice);
 

@@ -11,7 +11,7 @@
 namespace kivo::ledger {
 namespace {
 
-// xdg-open may run as long as the browser that it started, so waiting longer tells no more.
+// xdg-open may run as long as the browser that it started, so a longer wait gains nothing.
 constexpr std::chrono::seconds openingLimit(5);
 
 }  // namespace

@@ -38,7 +38,7 @@ std::string atLine(const toml::node& node) {
   return "line " + std::to_string(node.source().begin.line) + ": ";
 }
 
-// The members of a template, as they are in the file.
+// The members of a template in the file.
 struct Members {
   std::optional<std::string> text = {};
   std::optional<std::string> kind = {};
@@ -151,7 +151,7 @@ std::string extended(std::string text, const MessageTemplate& taught) {
   return text;
 }
 
-// Returns what `use` returns for the file at `path`, and puts the path in front of its failures.
+// Returns the result of `use`. Puts the path in front of its failures.
 template <typename Use>
 auto withPath(const std::filesystem::path& path, const Use& use) {
   try {

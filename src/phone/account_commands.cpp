@@ -57,7 +57,7 @@ std::vector<std::string> statusWords() {
 
 constexpr const char* noCenter = "the notification center does not answer";
 
-// Returns a warning about the stored currency, if it is unknown.
+// Returns a warning about the stored currency; nullopt when it is known.
 std::optional<std::string> currencyWarning(const SharedStore& store) {
   const std::string code = AmountFormatter::currencyCode(store);
   if (linux_platform::isKnownCurrency(code)) return std::nullopt;
@@ -69,12 +69,12 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
-// How a base URL is shown to a person.
+// Returns `base` as a person reads it.
 std::string shownBase(const std::string& base) {
   return LocalLedger::url() == base ? "the ledger on this machine" : base;
 }
 
-// Checks the backend at `base`; has the service manager start the ledger where that would help.
+// Checks the backend at `base`. Starts the socket of the ledger first where that helps.
 BackendFindings findStarted(const std::string& base) {
   BackendFindings findings = BackendCheck::find(base);
   if (!findings.ledgerIsToStart) return findings;
@@ -208,7 +208,7 @@ void notifications(const GivenParameters& given) {
       "STATUS is one of authorized, denied, not-determined, provisional, ephemeral", exitBadUsage);
 }
 
-// The line of a status: `name` and what is true of it.
+// Formats one line of the status.
 std::string line(std::string_view name, const std::string& what) {
   constexpr std::size_t nameWidth = 15;
   return linux_platform::paddedTo(nameWidth, name) + forStandardOutput(what) + "\n";

@@ -17,7 +17,7 @@ using linux_platform::AmountFormat;
 
 constexpr std::chrono::seconds timeout(1);
 
-// `sum`, a plain decimal such as "150.00", with its own number of decimals.
+// Formats `sum`, a plain decimal such as "150.00", with as many decimals as it has.
 std::string sumText(const std::string& sum, const std::string& currency) {
   const std::size_t point = sum.find('.');
   const auto decimals = point == std::string::npos ? 0 : static_cast<int>(sum.size() - point - 1);

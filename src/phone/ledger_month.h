@@ -23,8 +23,8 @@ struct LedgerMonth {
   /// when there are none.
   std::string leftOut = {};
 
-  /// Runs `kivo-ledger summary`. Blocks for at most 1 s. Returns nullopt when that is over, or the
-  /// program fails or prints something else; its errors are not shown.
+  /// Runs `kivo-ledger summary`. Blocks for at most 1 s. Returns nullopt after that, and when
+  /// the program fails or prints something else; its errors are not shown.
   static std::optional<LedgerMonth> ask();
 
   /// Returns the figures in `summary`, the JSON that `kivo-ledger summary` prints; nullopt when

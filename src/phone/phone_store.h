@@ -10,7 +10,7 @@ namespace kivo {
 /// error, when it cannot be opened.
 SharedStore openStore();
 
-/// As `openStore`, with all values under their keys.
+/// Opens the same store as keys and values of any type. Throws as `openStore` does.
 platform::UserDefaults openDefaults();
 
 }  // namespace kivo

@@ -12,7 +12,7 @@ namespace {
 using Outcome = QueueRemoval::Outcome;
 using Items = std::vector<PendingSmsItem>;
 
-// A failed drain in between has increased the retry count.
+// The retry count is ignored: a failed drain in between has increased it.
 bool isSame(const PendingSmsItem& shown, PendingSmsItem queued) {
   queued.retryCount = shown.retryCount;
   return queued == shown;

@@ -7,8 +7,8 @@
 
 namespace kivo {
 
-/// `watch add`, `watch remove` and `watch list`. Each prints the reason of a failure on standard
-/// error, and none overwrites a settings file that cannot be parsed.
+/// `watch add`, `watch remove` and `watch list`. They do not overwrite a settings file that cannot
+/// be parsed.
 std::vector<linux_platform::Command> watchCommands();
 
 }  // namespace kivo

@@ -30,7 +30,7 @@ using Kind = linux_platform::CommandParameter::Kind;
 // The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
 
-// The page takes a moment, and xdg-open is waited for a few seconds.
+// kivo-ledger writes the page and waits a few seconds for xdg-open.
 constexpr std::chrono::seconds reportTimeout(30);
 
 std::string drawnWidget(const WidgetFigures& figures) {

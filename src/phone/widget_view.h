@@ -33,7 +33,7 @@ namespace WidgetView {
 WidgetFigures read(const SharedStore& store);
 
 /// Takes today's and the month's figures from the book of the ledger on this machine, so that all
-/// but the running total have one source. Without `month` today's are unknown.
+/// figures but the running total have one source. Without `month`, today's figures are unknown.
 void takeFromBook(WidgetFigures& figures, const std::optional<LedgerMonth>& month);
 
 /// Formats the figures as lines of name and value, for programs.

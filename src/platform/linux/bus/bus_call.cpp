@@ -10,8 +10,8 @@ namespace {
 
 using PendingCall = std::unique_ptr<DBusPendingCall, decltype(&dbus_pending_call_unref)>;
 
-// Calls `onReply` exactly once. libdbus forgets the calls of a lost connection without a word, so
-// this one's end counts as an answer too.
+// Calls `onReply` exactly once: the destructor calls it when nothing else did. libdbus forgets the
+// calls of a lost connection without completing them.
 class Answering {
  public:
   explicit Answering(OnReply onReply) : onReply_(std::move(onReply)) {}
@@ -27,13 +27,13 @@ class Answering {
   OnReply onReply_;
 };
 
-// In the form of libdbus's callbacks.
+// Callbacks of libdbus.
 void giveReply(DBusPendingCall* pending, void* answering) {
   static_cast<Answering*>(answering)->give(ownedMessage(dbus_pending_call_steal_reply(pending)));
 }
 void endAnswering(void* answering) { delete static_cast<Answering*>(answering); }
 
-// Null when the connection is lost.
+// Returns null when the connection is lost.
 PendingCall send(DBusConnection* bus, const BusMessage& call, std::chrono::milliseconds timeout) {
   const auto limit =
       static_cast<int>(std::min<std::int64_t>(timeout.count(), DBUS_TIMEOUT_INFINITE));

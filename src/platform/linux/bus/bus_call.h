@@ -11,27 +11,27 @@
 
 namespace kivo::linux_platform {
 
-/// Is handed the reply, which may be an error; null when none will come, since the connection was
-/// lost or ends. Must not throw.
+/// Called with the reply, which may be an error, or with null when the connection is lost or closed
+/// before the reply comes. Must not throw.
 using OnReply = std::function<void(const BusMessage& reply)>;
 
-/// The timeout that is usual on D-Bus.
+/// The default timeout of D-Bus calls.
 inline constexpr std::chrono::milliseconds usualCallTimeout = std::chrono::seconds(25);
-/// Of a call whose reply may come at any time.
+/// For calls that wait for their reply without a limit.
 inline constexpr std::chrono::milliseconds noTimeout = std::chrono::milliseconds::max();
 
-/// Sends `call` and returns at once. Calls `onReply` exactly once, on the thread that serves `bus`,
-/// with an error reply when none has come within `timeout`; at once when the connection was lost
-/// before.
+/// Sends `call` and returns at once. Calls `onReply` exactly once, on the thread that serves `bus`.
+/// After `timeout` the reply is an error. When the connection is lost already, calls `onReply` with
+/// null before it returns.
 void sendCall(DBusConnection* bus, const BusMessage& call, std::chrono::milliseconds timeout,
               OnReply onReply);
 
-/// Sends `call` and blocks until its reply, an error reply after `timeout`; null when there is no
-/// connection any more. Other messages that come meanwhile are left to the loop.
+/// Sends `call` and blocks until its reply. Returns an error reply after `timeout`, and null when
+/// the connection is lost. Other messages that arrive meanwhile stay queued for the event loop.
 BusMessage callAndWait(DBusConnection* bus, const BusMessage& call,
                        std::chrono::milliseconds timeout);
 
-/// The name of the error that `reply`, which is not null, is; none when it is not an error.
+/// Returns the error name of `reply`; nullopt when it is not an error. `reply` must not be null.
 std::optional<std::string> errorOf(const BusMessage& reply);
 
 }  // namespace kivo::linux_platform

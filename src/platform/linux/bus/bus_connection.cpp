@@ -8,7 +8,7 @@
 
 namespace kivo::linux_platform {
 
-// Until it is accepted, flushing a connection can block for ever.
+// Flushing a connection that the bus has not accepted yet can block for ever.
 void CloseBus::operator()(DBusConnection* bus) const {
   if (dbus_connection_get_is_authenticated(bus)) dbus_connection_flush(bus);
   dbus_connection_close(bus);

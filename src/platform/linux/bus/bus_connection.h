@@ -11,29 +11,29 @@ struct DBusMessage;
 
 namespace kivo::linux_platform {
 
-/// A message, counted by libdbus. One that was sent is not changed any more.
+/// A message, reference-counted by libdbus. Must not be changed after it was sent.
 using BusMessage = std::shared_ptr<DBusMessage>;
 
 struct CloseBus {
   void operator()(DBusConnection* bus) const;
 };
-/// Sends the messages that are still unsent when it ends. Not thread-safe.
+/// The destructor sends the unsent messages first. Not thread-safe.
 using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
 
-/// The address of a bus that listens on the socket at `path`. Throws std::bad_alloc.
+/// Returns the address of a bus that listens on the socket at `path`. Throws std::bad_alloc.
 std::string busAddressOf(const std::string& path);
 
-/// The address of the session bus; none when there is no session bus. A run never starts one.
+/// Returns the address of the session bus; nullopt when there is none. Starts no bus.
 std::optional<std::string> sessionBusAddress();
 
-/// Connects and returns once the bus has accepted the connection; null when there is no bus.
-/// A socket whose owner is silent blocks the caller for 25 s. Never starts a bus.
+/// Connects, and blocks until the bus has accepted the connection: for up to 25 s when the owner of
+/// the socket does not answer. Returns null when there is no bus. Starts no bus.
 BusConnection connectToBus(const std::string& address);
 BusConnection connectToSessionBus();
 BusConnection connectToSystemBus();
 
-/// Owns the bus name `name` from now on. Blocks until the bus has answered. Throws
-/// std::runtime_error with one line when another program owns it, or there is no bus any more.
+/// Requests the bus name `name` and blocks until the bus has answered. Throws std::runtime_error
+/// with one line when another program owns it or the connection is lost.
 void takeBusName(DBusConnection* bus, const std::string& name);
 
 }  // namespace kivo::linux_platform

@@ -19,7 +19,7 @@ namespace kivo::linux_platform {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// The deadlines of calls, which libdbus hands to the loop of its connection.
+// The deadlines of pending calls. libdbus leaves them to the event loop of the connection.
 class BusLoop::Deadlines {
  public:
   explicit Deadlines(DBusConnection* bus) : bus_(bus) {
@@ -33,7 +33,7 @@ class BusLoop::Deadlines {
   Deadlines(const Deadlines&) = delete;
   Deadlines& operator=(const Deadlines&) = delete;
 
-  // Whether one had passed.
+  // Handles one deadline that has passed; returns false when none has.
   bool handlePassed() {
     const auto now = Clock::now();
     for (auto& [timeout, moment] : due_) {
@@ -61,7 +61,7 @@ class BusLoop::Deadlines {
     return milliseconds(dbus_timeout_get_interval(timeout));
   }
 
-  // In the form of libdbus's callbacks.
+  // Callbacks of libdbus.
   static dbus_bool_t add(DBusTimeout* timeout, void* due) {
     (*static_cast<Due*>(due))[timeout] = Clock::now() + intervalOf(timeout);
     return 1;
@@ -79,7 +79,7 @@ bool hasMessages(DBusConnection* bus) {
   return dbus_connection_get_dispatch_status(bus) != DBUS_DISPATCH_COMPLETE;
 }
 
-// For poll: -1 when neither limits it.
+// Returns the timeout for poll; -1 when there is no limit.
 int pollLimit(std::optional<milliseconds> one, std::optional<milliseconds> other) {
   constexpr milliseconds longest = std::chrono::hours(1);
   if (!one && !other) return -1;
@@ -116,14 +116,14 @@ bool BusLoop::handleOne() {
   }
   if (!dbus_connection_get_is_connected(bus_)) return false;
   if (deadlines_->handlePassed()) return true;
-  // The socket is only read after a wait: whatever is left in it ends the next one at once.
+  // Reads the socket only after a wait: bytes that are left in it end the next wait at once.
   if (!std::exchange(waited_, false)) return false;
   dbus_connection_read_write(bus_, 0);
   return true;
 }
 
-// A call that blocks leaves other messages in the connection's own queue: then the socket is
-// silent, and there is nothing to wait for.
+// A blocking call leaves other messages in libdbus's queue, which poll does not see. So the loop
+// does not wait while there are any.
 void BusLoop::wait(std::optional<milliseconds> limit) {
   waited_ = true;
   int descriptor = -1;

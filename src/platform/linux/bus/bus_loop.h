@@ -15,12 +15,12 @@ namespace kivo::linux_platform {
 class BusLoop {
  public:
   enum class End { stopped, busGone };
-  /// Called before each wait, on the loop's thread; yields the longest time to wait, none for no
-  /// limit.
+  /// Called before each wait, on the loop's thread. Returns the longest time to wait; nullopt for
+  /// no limit.
   using BeforeWaiting = std::function<std::optional<std::chrono::milliseconds>()>;
 
-  /// `bus` outlives this object; it has one loop at a time. Throws std::system_error when no file
-  /// descriptor is left.
+  /// `bus` must outlive this object and has at most one loop at a time. Throws std::system_error
+  /// when no file descriptor is left.
   explicit BusLoop(DBusConnection* bus);
   ~BusLoop();
   BusLoop(const BusLoop&) = delete;

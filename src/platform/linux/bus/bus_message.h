@@ -1,5 +1,5 @@
-// The messages of the bus, and their values, written and read one after the other. Included by the
-// .cpp files that speak on the bus, nowhere else.
+// Writes and reads the values of bus messages, in order. Included by the .cpp files that speak on
+// the bus, nowhere else.
 #pragma once
 
 #include <cstdint>
@@ -16,13 +16,13 @@
 
 namespace kivo::linux_platform {
 
-/// Shares `message`, which may be null, with its other owners.
+/// Returns a further reference to `message`, which may be null.
 BusMessage sharedMessage(DBusMessage* message);
 /// Takes over the only reference to `message`. Throws std::bad_alloc when that is null.
 BusMessage ownedMessage(DBusMessage* message);
 
-/// Appends to a message, which outlives it. Types are D-Bus type codes. Throws std::bad_alloc when
-/// there is no memory left.
+/// Appends values to a message, which must outlive this object. Types are D-Bus type codes. Throws
+/// std::bad_alloc when there is no memory left.
 class BusWriter {
  public:
   using Write = std::function<void(BusWriter&)>;
@@ -31,7 +31,7 @@ class BusWriter {
   BusWriter(const BusWriter&) = delete;
   BusWriter& operator=(const BusWriter&) = delete;
 
-  /// Any bytes: those that D-Bus cannot carry are replaced, as by `busText`.
+  /// Appends `value`, in which U+FFFD replaces bytes and characters that are not valid for D-Bus.
   void text(std::string_view value);
   void texts(const std::vector<std::string>& values);
   void integer(std::int32_t value) { basic(DBUS_TYPE_INT32, &value); }
@@ -42,9 +42,9 @@ class BusWriter {
   /// `write` appends the elements, each of the type `element`.
   void array(const char* element, const Write& write) { contain(DBUS_TYPE_ARRAY, element, write); }
   void structure(const Write& write) { contain(DBUS_TYPE_STRUCT, nullptr, write); }
-  /// An entry of an array of {ss}.
+  /// Appends an entry of an array of {ss}.
   void entry(std::string_view key, std::string_view value);
-  /// An entry of an array of {sv}: `write` appends its one value, of the type `type`.
+  /// Appends an entry of an array of {sv}. `write` appends its one value, of the type `type`.
   void variantEntry(std::string_view key, const char* type, const Write& write);
   void textEntry(std::string_view key, std::string_view value);
   void variant(const char* type, const Write& write) { contain(DBUS_TYPE_VARIANT, type, write); }
@@ -57,13 +57,13 @@ class BusWriter {
   DBusMessageIter place_{};
 };
 
-/// A call of `method`, with the arguments that `write` appends. `service` is the callee's bus name.
+/// Returns a call of `method` of `object`, with the arguments that `write` appends.
 BusMessage methodCall(const BusObject& object, const char* method,
                       const BusWriter::Write& write = nullptr);
 
-/// Reads a message, which outlives it and the texts that it yields. Each function yields the next
-/// value and moves behind it; it yields nothing and does not move where the next value has another
-/// type, or there is no next one.
+/// Reads the values of a message, which must outlive this object and the texts that it returns.
+/// Each function returns the next value and moves behind it. It returns nullopt and does not move
+/// when the next value has another type, or at the end.
 class BusReader {
  public:
   explicit BusReader(DBusMessage* message) { dbus_message_iter_init(message, &place_); }
@@ -75,14 +75,14 @@ class BusReader {
   std::optional<std::uint32_t> natural() { return basic<std::uint32_t>(DBUS_TYPE_UINT32); }
   std::optional<double> number() { return basic<double>(DBUS_TYPE_DOUBLE); }
   std::optional<bool> flag();
-  /// Of an array of texts; empty for a value of another type.
+  /// Returns the texts of an array; empty when the next value is no array of texts.
   std::vector<std::string> texts();
 
   [[nodiscard]] bool atEnd();
   void skip() { dbus_message_iter_next(&place_); }
-  /// The type of the next value, or of the rest of the container, as D-Bus writes it: "s", "a{sv}".
+  /// Returns the type of the next value as D-Bus writes it: "s", "a{sv}".
   [[nodiscard]] std::string type();
-  /// Reads within the next value, which must be a container, and does not move.
+  /// Returns a reader of the values in the next value, which must be a container. Does not move.
   [[nodiscard]] BusReader inside();
 
  private:

@@ -34,7 +34,7 @@ struct Subscription {
 
 std::string_view textOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
-// In the form of libdbus's callbacks. Others may want the same signal.
+// Callback of libdbus. Leaves the message to other subscriptions too.
 DBusHandlerResult filter(DBusConnection*, DBusMessage* message, void* data) {
   const auto& subscription = *static_cast<Subscription*>(data);
   if (subscription.isMeantBy(message)) {

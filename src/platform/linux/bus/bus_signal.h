@@ -10,7 +10,7 @@
 
 namespace kivo::linux_platform {
 
-/// The signals to hear; null for any sender, path or argument.
+/// Which signals to receive. A null service, path or argument matches any.
 struct BusSignal {
   const char* interface;
   const char* member;
@@ -21,7 +21,7 @@ struct BusSignal {
   const char* argument = nullptr;
 };
 
-/// A signal that was sent. Its texts live as long as the call that hands it over.
+/// A received signal. Its texts are valid during the call of `OnSignal`.
 struct HeardSignal {
   /// The sender's unique name.
   std::string_view sender;
@@ -31,14 +31,15 @@ struct HeardSignal {
 
 using OnSignal = std::function<void(HeardSignal)>;
 
-/// Calls `onSignal` for each such signal, on the thread that serves `bus`, until that connection
-/// ends. Blocks until the bus has answered. Any program can send such a signal to this one alone,
-/// and neither the bus nor libdbus checks its sender then: `onSignal` compares it. Throws
-/// std::runtime_error with one line when the bus refuses.
+/// Calls `onSignal` for each matching signal, on the thread that serves `bus`, until the connection
+/// is closed. Blocks until the bus has answered. A program can also send a signal directly to this
+/// one; neither the bus nor libdbus checks the sender then, so `onSignal` has to compare it. Throws
+/// std::runtime_error with one line when the bus refuses the subscription.
 void subscribe(DBusConnection* bus, const BusSignal& signal, OnSignal onSignal);
 
 /// Calls `onChange` when the owner of the bus name `service` changes, with the unique name of the
-/// new one, empty for no owner. Ignores all senders but the bus itself. Otherwise as `subscribe`.
+/// new owner; empty when there is none. Ignores signals that the bus itself did not send. Otherwise
+/// as `subscribe`.
 void subscribeToOwner(DBusConnection* bus, const char* service,
                       std::function<void(const std::string& owner)> onChange);
 

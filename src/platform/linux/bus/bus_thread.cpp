@@ -44,15 +44,15 @@ struct BusThread::State {
     return std::exchange(steps, {});
   }
 
-  // False when the connection is not wanted any more.
+  // Returns false when `finish` has given up on the connection.
   bool setLoop(BusLoop* connected) {
     const std::lock_guard lock(mutex);
     loop = connected;
     return !closed;
   }
 
-  // Once connected, a step takes microseconds: it gets the time for that even when the caller's
-  // timeout is over. With the mutex held.
+  // Once connected, a step takes microseconds, so it gets the time for that even when the caller's
+  // timeout is over. The caller must hold the mutex.
   [[nodiscard]] std::chrono::nanoseconds timeFor(std::chrono::nanoseconds limit) const {
     constexpr std::chrono::nanoseconds handover = std::chrono::milliseconds(50);
     return loop != nullptr || closed ? std::max(limit, handover) : limit;
@@ -73,7 +73,7 @@ void perform(const std::deque<BusThread::Step>& steps, DBusConnection* connectio
 }  // namespace
 
 BusThread::BusThread(Settings settings) : state_(std::make_shared<State>(std::move(settings))) {
-  dbus_threads_init_default();  // before two threads use libdbus, whose own first use is a race
+  dbus_threads_init_default();  // the first use of libdbus is not thread-safe
   try {
     state_->thread = startBackgroundThread([state = state_] {
       if (state->settings.beforehand) state->settings.beforehand();
@@ -92,7 +92,7 @@ void BusThread::serve(State& state) {
     const BusConnection bus = address ? connectToBus(*address) : connectToSessionBus();
     if (bus) serveConnection(state, bus.get());
   } catch (const std::exception&) {
-    // Without a file descriptor or memory left to serve it, it is as if there were no bus.
+    // No file descriptor or memory is left: treated as if there were no bus.
   }
   perform(state.closeAndTakeSteps(), nullptr);
 

@@ -1,5 +1,5 @@
-// A bus connection with the one thread that makes, serves and ends it. Included by the .cpp files
-// that speak on the bus, nowhere else.
+// A bus connection with a thread of its own, which opens, serves and closes it. Included by the
+// .cpp files that speak on the bus, nowhere else.
 #pragma once
 
 #include <chrono>
@@ -12,32 +12,33 @@
 
 namespace kivo::linux_platform {
 
-/// Connecting begins with the object, on its thread: a socket whose owner is silent would block the
-/// caller for 25 s.
+/// Connects on its thread, since connecting can block for 25 s when the owner of the socket does
+/// not answer.
 class BusThread {
  public:
-  /// Is handed the connection, or null when there is no bus (any more).
+  /// Called with the connection, or with null when there is no bus or the connection is lost.
   using Step = std::function<void(DBusConnection*)>;
 
   struct Settings {
-    /// The bus to connect to; none for the session bus.
+    /// The bus to connect to; nullopt for the session bus.
     std::optional<std::string> address = std::nullopt;
     /// Called on the thread before it connects.
     std::function<void()> beforehand = nullptr;
-    /// Called on the thread once there is no bus, but not after `finish`.
+    /// Called on the thread when there is no bus or the connection is lost, but not after `finish`.
     std::function<void()> onGone = nullptr;
   };
 
-  /// Starts the thread. Where the system has no thread left there is no bus, and none of the
-  /// functions in `settings` is called.
+  /// Starts the thread, which begins to connect. When the system has no thread left, there is no
+  /// bus, and the functions in `settings` are not called.
   explicit BusThread(Settings settings);
-  /// As `finish` without waiting for steps.
+  /// As `finish` with a limit of 0.
   ~BusThread();
   BusThread(const BusThread&) = delete;
   BusThread& operator=(const BusThread&) = delete;
 
-  /// Calls `step`, which must not throw, exactly once: on the thread as soon as it is connected, in
-  /// the order of the calls, or with null, possibly at once on the calling thread. Thread-safe.
+  /// Calls `step` exactly once: on the thread, as soon as it is connected and in the order of the
+  /// calls; or with null, possibly on the calling thread before this returns. `step` must not
+  /// throw. Thread-safe.
   void post(Step step);
 
   /// Performs `step` on the thread, as soon as it is connected, and blocks until its end. Throws
@@ -53,9 +54,10 @@ class BusThread {
   void call(const BusMessage& message, std::chrono::milliseconds timeout,
             std::function<void(const BusMessage& reply)> onReply);
 
-  /// Ends the connection after the steps posted so far. Waits for it at most `limit`, and not at
-  /// all while it is still connecting and no step was posted. A thread that still connects by then
-  /// is detached, and its steps are called with null, as are further ones.
+  /// Closes the connection after the steps posted so far, and blocks until then for `limit` at
+  /// most, or 50 ms if that is more and it is connected. Does not block while it is still
+  /// connecting and no step was posted. A thread that has not ended by then is detached; its steps
+  /// and further ones are called with null.
   void finish(std::chrono::nanoseconds limit);
 
  private:

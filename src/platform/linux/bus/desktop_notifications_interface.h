@@ -15,7 +15,7 @@ inline constexpr const char* notify = "Notify";
 inline constexpr const char* actionInvoked = "ActionInvoked";
 inline constexpr const char* notificationClosed = "NotificationClosed";
 
-// Capabilities of a server that change what it is sent.
+// Capabilities of a server on which the content of a notification depends.
 inline constexpr const char* bodyMarkup = "body-markup";
 inline constexpr const char* sound = "sound";
 

@@ -1,4 +1,4 @@
-// The D-Bus interface by which other programs have intents performed.
+// The D-Bus interface through which other programs perform intents.
 #pragma once
 
 #include "platform/linux/bus/bus_object.h"

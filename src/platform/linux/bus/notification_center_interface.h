@@ -24,7 +24,7 @@ inline constexpr const char* sound = "sound";
 inline constexpr const char* userInfo = "userInfo";
 inline constexpr const char* defaultSound = "default";
 
-/// The status of that number; none when there is no such status.
+/// Returns the status with this number; nullopt when there is none.
 inline std::optional<platform::UNAuthorizationStatus> statusOf(std::int32_t number) {
   if (number < static_cast<int>(platform::UNAuthorizationStatus::notDetermined) ||
       number > static_cast<int>(platform::UNAuthorizationStatus::ephemeral)) {

@@ -21,7 +21,7 @@ std::string described(const std::vector<BusArgument>& arguments, const std::stri
   return text;
 }
 
-// Peer is answered by libdbus, Introspectable by us.
+// libdbus answers calls of Peer itself, and `handle` those of Introspectable.
 constexpr const char* standardInterfaces =
     " <interface name=\"org.freedesktop.DBus.Peer\">\n"
     "  <method name=\"Ping\"/>\n"
@@ -65,8 +65,8 @@ void perform(const BusMethod& method, DBusMessage* call, BusAnswer answer) {
   }
 }
 
-// In the form of libdbus's callbacks. libdbus answers a call that is not handled with an error. A
-// call need not name its interface.
+// Callback of libdbus, which answers a call that is not handled with an error. A call need not name
+// its interface.
 DBusHandlerResult handle(DBusConnection* bus, DBusMessage* call, void* data) {
   const auto& served = *static_cast<ServedObject*>(data);
   const auto means = [call](const char* interface, const char* method) {
@@ -87,8 +87,8 @@ void endServing(DBusConnection*, void* data) { delete static_cast<ServedObject*>
 
 }  // namespace
 
-// It does not keep the call: libdbus counts a call as unread until then, and beyond a limit it
-// reads no more.
+// Keeps the reply and not the call: libdbus stops reading when the calls that are still referenced
+// reach a limit.
 BusAnswer::BusAnswer(DBusConnection* bus, DBusMessage* call) : bus_(bus) {
   if (!dbus_message_get_no_reply(call)) reply_ = ownedMessage(dbus_message_new_method_return(call));
 }

@@ -1,5 +1,5 @@
-// An object that other programs call over the bus, and the answers that they get. Included by the
-// .cpp files that speak on the bus, nowhere else.
+// Serves an object whose methods other programs call over the bus. Included by the .cpp files that
+// speak on the bus, nowhere else.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@
 
 namespace kivo::linux_platform {
 
-/// An error with which a call is answered.
+/// The error reply to a call.
 class BusRefusal : public std::runtime_error {
  public:
   /// `name` is a valid D-Bus error name, and constant.
@@ -23,8 +23,8 @@ class BusRefusal : public std::runtime_error {
   const char* name_;
 };
 
-/// The answer to a call, for a caller that waits for one. Given once, at any time, on the thread
-/// that serves the bus, which outlives it.
+/// The reply to a call. Give it once, at any time, on the thread that serves the bus. The
+/// connection must outlive it. Sends nothing when the caller wants no reply.
 class BusAnswer {
  public:
   BusAnswer(DBusConnection* bus, DBusMessage* call);
@@ -47,14 +47,14 @@ struct BusMethod {
   const char* name;
   std::vector<BusArgument> takes;
   std::vector<BusArgument> gives;
-  /// Is handed the arguments of each call, which have the types in `takes`. Answers at any time, or
-  /// throws the BusRefusal to answer with.
+  /// Called for each call, with arguments of the types in `takes`. Gives `answer` at any time, or
+  /// throws the BusRefusal to reply with.
   std::function<void(BusReader arguments, BusAnswer answer)> perform;
 };
 
-/// Answers calls of `methods` on the thread that serves `bus`, until that connection ends; other
-/// calls of the object with the usual errors, and Introspect with the description of `methods`.
-/// Throws std::runtime_error with one line when the bus cannot be used.
+/// Serves `methods` of `object` on the thread that serves `bus`, until the connection is closed.
+/// Answers Introspect with the description of `methods`, and other calls with D-Bus's standard
+/// errors. Throws std::runtime_error with one line when the bus cannot be used.
 void serveObject(DBusConnection* bus, const BusObject& object, std::vector<BusMethod> methods);
 
 }  // namespace kivo::linux_platform

@@ -23,8 +23,8 @@ namespace asio = boost::asio;
 
 using Clock = std::chrono::steady_clock;
 
-// A run is known by its executor: every task is started on a strand of its own, which all that it
-// awaits shares with it and no other task does.
+// A run is known by its executor: every task starts on a strand of its own, which everything that
+// it awaits shares and no other task does.
 struct SessionBus::Runs {
   std::mutex mutex;
   std::vector<asio::any_io_executor> timedOut;  // guarded by the mutex
@@ -54,7 +54,7 @@ class AwaitedReply {
   AwaitedReply(const asio::any_io_executor& executor, Clock::time_point end)
       : timer_(std::in_place, executor, end) {}
 
-  // On the bus's thread. The task's own strand ends its wait, so never before the wait begins.
+  // Called on the bus's thread. Ends the wait on the task's own strand, so never before it begins.
   void give(const std::shared_ptr<AwaitedReply>& self, BusMessage reply) {
     const std::lock_guard lock(mutex_);
     if (!timer_) return;
@@ -62,13 +62,13 @@ class AwaitedReply {
     asio::post(timer_->get_executor(), [self] { self->wake(); });
   }
 
-  // The rest on the task's strand.
+  // The rest is called on the task's strand.
   asio::steady_timer& timer() { return *timer_; }
   bool waits() {
     const std::lock_guard lock(mutex_);
     return !reply_ && Clock::now() < timer_->expiry();
   }
-  // None when there was no reply in time.
+  // Returns the reply; nullopt when none came in time.
   std::optional<BusMessage> leave() {
     const std::lock_guard lock(mutex_);
     timer_.reset();
@@ -113,7 +113,7 @@ platform::Task<BusMessage> SessionBus::call(BusMessage call) {
   thread_->call(call, usualCallTimeout,
                 [awaited](const BusMessage& reply) { awaited->give(awaited, reply); });
 
-  // A cancellation of the task ends one wait of the timer, not the waiting.
+  // Cancelling the task ends one wait of the timer, after which it waits again.
   while (awaited->waits()) {
     boost::system::error_code ignored;
     co_await awaited->timer().async_wait(asio::redirect_error(asio::use_awaitable, ignored));

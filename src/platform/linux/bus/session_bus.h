@@ -1,4 +1,4 @@
-// This process's connection to the session bus, and the timeouts of its runs there.
+// This process's connection to the session bus, with timeouts for calls and runs.
 #pragma once
 
 #include <chrono>
@@ -12,22 +12,22 @@ namespace kivo::linux_platform {
 
 class BusThread;
 
-/// Thread-safe; outlives every task that uses it.
+/// Thread-safe. Must outlive every task that uses it.
 class SessionBus {
  public:
   static constexpr std::chrono::nanoseconds usualTimeout = std::chrono::seconds(1);
 
-  /// Begins to connect, on a thread of its own, and returns at once. Without a bus no call is
-  /// answered. `timeout` is that of each call; it includes the time until the bus is connected.
-  /// `beforehand`, if any, is called on that thread first.
+  /// Begins to connect on a thread of its own and returns at once. `timeout` applies to each call
+  /// and includes the time until the bus is connected. `beforehand`, if any, is called on that
+  /// thread first.
   explicit SessionBus(std::chrono::nanoseconds timeout = usualTimeout,
                       std::function<void()> beforehand = nullptr);
   /// As `finish`.
   ~SessionBus();
 
-  /// Calls a method, and suspends until the reply has come, which may be an error. Null when there
-  /// is no bus, when none has come within the timeout, and at once after an earlier call of the
-  /// same run had none in time. Cancelling the task does not end the call.
+  /// Calls a method and suspends until its reply, which may be an error. Returns null when there is
+  /// no bus, after the timeout, and at once when an earlier call of the same run timed out.
+  /// Cancelling the task does not end the call.
   platform::Task<BusMessage> call(BusMessage call);
 
   /// As `call`, for a program without tasks: blocks instead of suspending.
@@ -36,13 +36,13 @@ class SessionBus {
   /// Sends `signal` as soon as the bus is connected, and returns at once.
   void send(const BusMessage& signal);
 
-  /// Sends what is still unsent and ends the connection: waits for the timeout of a call at most,
-  /// and not at all when a call of the run that ended last timed out, or while it is still
-  /// connecting.
+  /// Sends the unsent messages and closes the connection. Blocks for the timeout of a call at most,
+  /// and for 50 ms at most when a call of the run that ended last timed out. Does not block while
+  /// it is still connecting and nothing was sent.
   void finish();
 
-  /// Performs `run`, which keeps its executor throughout, as one run, whose calls end with the
-  /// first one that times out.
+  /// Performs `run` as one run: after one of its calls has timed out, the later ones return null at
+  /// once. `run` must stay on its executor.
   platform::Task<void> asOneRun(platform::Task<void> run);
 
  private:

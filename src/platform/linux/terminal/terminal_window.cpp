@@ -10,8 +10,9 @@ namespace {
 
 using Call = std::vector<std::string>;
 
-// GNOME Console keeps the window when the command has ended, and has one process for all windows of
-// an application. As an application of its own, which has a desktop file, the shell can end it.
+// GNOME Console keeps its window open when the command has ended, and one process has all windows
+// of an application. It runs as an application of its own, with its own desktop file, so that the
+// shell can end that process.
 constexpr const char* console = "kgx";
 constexpr const char* ownConsole = "--gapplication-app-id=app.kivo.expenses.Terminal";
 
@@ -32,7 +33,7 @@ std::string variable(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-// The option between a terminal's name and the command to run, which differs between terminals.
+// The option that precedes the command to run; each terminal has its own.
 std::string_view separatorOf(const std::string& terminal) {
   static const std::map<std::string, std::string_view> others{
       {"xdg-terminal-exec", ""}, {"foot", ""},
@@ -43,7 +44,7 @@ std::string_view separatorOf(const std::string& terminal) {
   return other == others.end() ? "-e" : other->second;
 }
 
-// Also when x-terminal-emulator is a link to it.
+// Whether `program` is GNOME Console, also through the link x-terminal-emulator.
 bool isConsole(const std::filesystem::path& program) {
   std::error_code failed;
   return std::filesystem::canonical(program, failed).filename() == console;
