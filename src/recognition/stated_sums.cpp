@@ -53,7 +53,8 @@ class SumReader {
     return currencyAt(items_, begin, number, book_);
   }
 
-  // The currency in front of the number. Marks such as ":" and a sign may be between them.
+  // The currency in front of the number. Marks such as ":" and a sign may be between them. Sets
+  // `sign` with or without a currency.
   [[nodiscard]] std::optional<StatedCurrency> inFront(std::size_t number, char& sign) const {
     std::size_t end = number;
     for (int marks = 0; marks < 4; ++marks) {
@@ -203,7 +204,7 @@ class SumReader {
     if (item.isPiece && apart && !extent.unclear) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
-    item.sum.sign = extent.sign != '\0' ? extent.sign : signInFront(number);
+    item.sum.sign = extent.sign;
     for (std::size_t next = number + 1; next <= extent.last; ++next) {
       if (items_[next].kind == Item::Kind::number) item.text += items_[next].text;
     }
@@ -225,11 +226,6 @@ class SumReader {
     const Item& next = items_[number + 1];
     return isMark(next, "*") ||
            (next.kind == Item::Kind::word && next.text.find_first_not_of('x') == std::string::npos);
-  }
-
-  [[nodiscard]] char signInFront(std::size_t number) const {
-    if (number == 0 || !items_[number].glued || !isMark(items_[number - 1], "-+")) return '\0';
-    return items_[number - 1].text.front();
   }
 
   Items items_;

@@ -64,6 +64,7 @@ TEST(AnAccount, MayBeAMaskedNumberWithoutAWord) {
   EXPECT_EQ(accountOf("EGP 50.00 debited *7477"), "7477");
   EXPECT_EQ(accountOf("EGP 50.00 debited * 7477"), "");
   EXPECT_EQ(accountOf("EGP 50.00 debited -7477"), "");
+  EXPECT_EQ(accountOf("EGP 50.00 debited (7477)"), "");
 }
 
 TEST(AReference, IsAWordWithADigit) {

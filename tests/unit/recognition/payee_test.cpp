@@ -54,6 +54,64 @@ TEST(AName, EndsAtAMark) {
   EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET (TST) was approved"), "SUN MARKET (TST)");
 }
 
+TEST(AName, MayHoldMarks) {
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market - City on 21-11-2026"), "Sun Market - City");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun-Market today"), "Sun-Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun.Market on 21-11-2026"), "Sun.Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market: City on 21-11-2026"), "Sun Market: City");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at PAYPAL*SPOTIFY on 21-11-2026"), "PAYPAL*SPOTIFY");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Co. on 21-11-2026"), "Sun Co.");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Co. Thanks"), "Sun Co");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at SUN L. MARKET on 21-11-2026"), "SUN L. MARKET");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun l. Market on 21-11-2026"), "Sun l");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at ORCHID/MART"), "ORCHID/MART");
+}
+
+TEST(AName, EndsAtASignatureAnEmojiOrATime) {
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market -Orchid Bank"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market 🎉 thanks"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market : thanks"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at PAYPAL *SPOTIFY on 21-11-2026"), "PAYPAL");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market 12:30"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market 21 Nov"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market21 today"), "Sun Market21");
+}
+
+TEST(AName, MayBeInQuotesOrOnTheLineBelowItsLabel) {
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at: \"Sun Market\" today"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent\nMerchant:\nSun Market"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent\nInfo:\nSun Market"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at\nSun Market"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent\nMerchant:\n"), "");
+}
+
+TEST(ANarration, HoldsANameBetweenChannelsAndNumbers) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: UPI/P2M/4249/ORCHID MART"), "ORCHID MART");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: UPI/ORCHID MART/Bal EGP 90.00"), "ORCHID MART");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: ORCHID MART Bal EGP 90.00"), "ORCHID MART");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: ORCHID MART -CITY on 21-11-2026"),
+            "ORCHID MART -CITY");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: ORCHID SMS STOP"), "ORCHID");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited at UPI/ORCHID MART"), "ORCHID MART");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited to ORCHID/MART"), "ORCHID");
+}
+
+TEST(APayeeInAMessage, IsLookedForInAFixedOrder) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited at Fern Cafe to Asha Rao"), "Fern Cafe");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited to Asha Rao at Fern Cafe"), "Fern Cafe");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited to Asha Rao, to Mona Samir"), "Asha Rao");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited at Fern Cafe. Merchant: Sun Market"), "Sun Market");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited from Fern Cafe to Asha Rao"), "Asha Rao");
+}
+
+TEST(APayeeOfAnIncome, IsTheSenderOrAShopThatGivesMoneyBack) {
+  EXPECT_EQ(payeeOf("EGP 50.00 credited at Orchid Mart"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 credited to Orchid Mart"), "");
+  EXPECT_EQ(payeeOf("EGP 50.00 refund credited at Orchid Mart"), "Orchid Mart");
+  EXPECT_EQ(payeeOf("EGP 50.00 cashback credited at Orchid Mart to account 4821"), "Orchid Mart");
+  EXPECT_EQ(payeeOf("EGP 50.00 refund from Asha Rao at Orchid Mart"), "Asha Rao");
+}
+
 TEST(AName, MayHoldAnArticle) {
   EXPECT_EQ(payeeOf("Compra de EGP 20.00 en Panaderia El Sol"), "Panaderia El Sol");
 }

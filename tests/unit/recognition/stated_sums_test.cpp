@@ -303,6 +303,29 @@ TEST(AnAmountInTwoCurrencies, IsReadInTheBooksCurrency) {
             "review USD 20.00");
 }
 
+TEST(AnAmountInTwoCurrencies, HasOnlyMarksBetweenTheTwo) {
+  EXPECT_EQ(of("Purchase USD 20.00 = EGP 980.00 at Cloud", "EGP"), "expense 980.00");
+  EXPECT_EQ(of("Purchase USD 20.00 (= EGP 980.00) at Cloud", "EGP"), "expense 980.00");
+  EXPECT_EQ(of("Purchase EGP 980.00 (USD 20.00) at Cloud", "EGP"), "expense 980.00");
+  EXPECT_EQ(of("Purchase USD 20.00 ((( EGP 980.00 at Cloud", "EGP"), "review USD 20.00");
+  EXPECT_EQ(of("Purchase USD 20.00 and EGP 980.00 at Cloud", "EGP"), "review USD 20.00");
+  EXPECT_EQ(of("Purchase USD 20.00 (EUR 18.00) at Cloud", "EGP"), "review USD 20.00");
+}
+
+TEST(AnAmountThatIsStatedTwice, IsReadOnce) {
+  EXPECT_EQ(of("Purchase EGP 20.00 and EGP 20.00 at Cloud", "EGP"), "expense 20.00");
+  EXPECT_EQ(of("Purchase EGP 20.00 and EGP 21.00 at Cloud", "EGP"), "review 20.00");
+}
+
+TEST(ANumberWithoutACurrency, IsNoSumBesideOneWithACurrency) {
+  EXPECT_EQ(of("Purchase 20.00 and EGP 21.00 at Cloud", "EGP"), "expense 21.00");
+}
+
+TEST(AReading, HasTheFirstBalance) {
+  EXPECT_EQ(read("Balance EGP 10.00. Balance EGP 20.00. Purchase EGP 30.00", "EGP").balance,
+            (Money{1000, "EGP"}));
+}
+
 TEST(AReading, HasAccountReferenceAndBalance) {
   const Reading reading = read(
       "Rs.450.00 debited from A/c XX5521 to RAVI TRADERS. Ref No 628811204417. Avl Bal Rs.900.50",
