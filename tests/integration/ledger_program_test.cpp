@@ -317,6 +317,20 @@ TEST_F(ALedger, BooksInTheCurrencyOfTheStore) {
   EXPECT_THAT(ledger_.post("KEY-1", purchaseAbroad).body(), HasSubstr(R"("amount":20.0)"));
 }
 
+TEST_F(ALedger, BooksWithoutACurrencyWhereTheStoreHoldsNoCode) {
+  SharedStore store = SharedStore::open(appGroup).value();
+  store.writeText(StoreKeys::currency, "EURO");
+  ASSERT_TRUE(store.synchronize());
+  {
+    const auto server = ledger_.start();
+    EXPECT_THAT(ledger_.post("KEY-1", "Your card 4821 was charged 150.00 at Carrefour City").body(),
+                HasSubstr(R"("saved":)"));
+    EXPECT_THAT(ledger_.post("KEY-2", purchaseAbroad).body(), HasSubstr("needs_review"));
+  }
+  EXPECT_EQ(json({"review"})[0]["currency"], "USD");
+  for (const auto& entry : json({"list"})) EXPECT_EQ(entry["currency"], "XXX");
+}
+
 TEST_F(ALedger, ShowsATable) {
   {
     const auto server = ledger_.start();
