@@ -33,8 +33,8 @@
 namespace kivo {
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
-using linux_platform::exitBadUsage;
 using linux_platform::forStandardOutput;
 using linux_platform::GivenParameters;
 using linux_platform::print;
@@ -94,7 +94,7 @@ struct Account {
 };
 
 Account localAccount(const GivenParameters& given) {
-  if (given.contains("--url")) throw CommandFailure("give either --local or --url", exitBadUsage);
+  if (given.contains("--url")) throw BadUsage("give either --local or --url");
   const auto url = LocalLedger::url();
   if (!url) {
     throw CommandFailure(
@@ -106,11 +106,10 @@ Account localAccount(const GivenParameters& given) {
 
 Account remoteAccount(const GivenParameters& given) {
   if (!given.contains("--url")) {
-    throw CommandFailure("--url is missing, or --local (see kivo-phone sign-in --help)",
-                         exitBadUsage);
+    throw BadUsage("--url is missing, or --local (see kivo-phone sign-in --help)");
   }
   if (!given.contains("--user-id")) {
-    throw CommandFailure("--user-id is missing (see kivo-phone sign-in --help)", exitBadUsage);
+    throw BadUsage("--user-id is missing (see kivo-phone sign-in --help)");
   }
   return {.userId = textOf(given, "--user-id"), .base = textOf(given, "--url")};
 }
@@ -118,8 +117,7 @@ Account remoteAccount(const GivenParameters& given) {
 Account accountFrom(const GivenParameters& given) {
   Account account = given.contains("--local") ? localAccount(given) : remoteAccount(given);
   if (SMSExtractionClient::endpoint(account.base)) return account;
-  throw CommandFailure("invalid --url \"" + account.base + "\": this is no URL; nothing was stored",
-                       exitBadUsage);
+  throw BadUsage("invalid --url \"" + account.base + "\": this is no URL; nothing was stored");
 }
 
 bool areOneCurrency(std::string_view one, std::string_view other) {
@@ -204,8 +202,7 @@ void notifications(const GivenParameters& given) {
     }
     return showPermission();
   }
-  throw CommandFailure(
-      "STATUS is one of authorized, denied, not-determined, provisional, ephemeral", exitBadUsage);
+  throw BadUsage("STATUS is one of authorized, denied, not-determined, provisional, ephemeral");
 }
 
 // Formats one line of the status.

@@ -23,9 +23,9 @@
 namespace kivo {
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::Command;
 using linux_platform::CommandFailure;
-using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 using Kind = linux_platform::CommandParameter::Kind;
@@ -60,7 +60,7 @@ void setInStore(const GivenParameters& given) {
   const auto number = platform::doubleFromText(text);
   const bool asFloat = given.contains("--float");
   if (asFloat && !(number && std::isfinite(*number))) {
-    throw CommandFailure("VALUE must be a finite number; nothing was stored", exitBadUsage);
+    throw BadUsage("VALUE must be a finite number; nothing was stored");
   }
   auto defaults = openDefaults();
   if (asFloat) {

@@ -28,8 +28,8 @@
 namespace kivo {
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
-using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 using linux_platform::Prompt;
@@ -68,8 +68,7 @@ std::size_t indexFrom(const GivenParameters& given) {
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc() || stop != end || number == 0) {
-    throw CommandFailure("N must be the number of a text, as shown by kivo-phone queue",
-                         exitBadUsage);
+    throw BadUsage("N must be the number of a text, as shown by kivo-phone queue");
   }
   return number - 1;
 }
@@ -127,8 +126,7 @@ void dropText(const GivenParameters& given) {
   const std::size_t index = indexFrom(given);
   const bool asks = !given.contains("--yes");
   if (asks && !linux_platform::inputIsTerminal()) {
-    throw CommandFailure("there is no terminal to confirm on; --yes drops without asking",
-                         exitBadUsage);
+    throw BadUsage("there is no terminal to confirm on; --yes drops without asking");
   }
   const Items items = readQueue();
   const PendingSmsItem& item = itemAt(index, items);

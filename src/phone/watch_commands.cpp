@@ -15,6 +15,7 @@
 namespace kivo {
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
 using linux_platform::GivenParameters;
 using linux_platform::print;
@@ -32,8 +33,7 @@ std::string senderOf(const GivenParameters& given) {
 void addSender(const GivenParameters& given) {
   const std::string sender = senderOf(given);
   if (const auto objection = SenderPattern::objectionTo(sender)) {
-    throw CommandFailure("a sender " + *objection + "; nothing was changed",
-                         linux_platform::exitBadUsage);
+    throw BadUsage("a sender " + *objection + "; nothing was changed");
   }
   const auto lock = SendersFile::lock();
   std::vector<std::string> senders = SendersFile::read().senders;

@@ -21,6 +21,7 @@
 namespace kivo {
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
 using linux_platform::GivenParameters;
 using linux_platform::onTerminal;
@@ -107,8 +108,7 @@ bool openReport() {
 void openKivo(const GivenParameters& given) {
   const auto link = given.find("LINK");
   if (link != given.end() && !link->second.starts_with(linkScheme)) {
-    throw CommandFailure("invalid LINK \"" + link->second + "\": it must begin with " + linkScheme,
-                         linux_platform::exitBadUsage);
+    throw BadUsage("invalid LINK \"" + link->second + "\": it must begin with " + linkScheme);
   }
   if (openReport()) return;
   const std::string phone = (linux_platform::programFolder() / "kivo-phone").string();

@@ -12,7 +12,7 @@ using money::Day;
 using money::Month;
 using money::Period;
 
-using linux_platform::CommandFailure;
+using linux_platform::BadUsage;
 using linux_platform::CommandParameter;
 using linux_platform::GivenParameters;
 
@@ -22,9 +22,8 @@ std::optional<std::string> given(const GivenParameters& parameters, const char* 
   return platform::repairedUtf8(found->second);
 }
 
-CommandFailure invalid(const char* name, const std::string& value, const std::string& form) {
-  return CommandFailure(std::string("invalid ") + name + " \"" + value + "\": it must be " + form,
-                        linux_platform::exitBadUsage);
+BadUsage invalid(const char* name, const std::string& value, const std::string& form) {
+  return BadUsage(std::string("invalid ") + name + " \"" + value + "\": it must be " + form);
 }
 
 std::optional<Day> givenDay(const GivenParameters& parameters, const char* name) {

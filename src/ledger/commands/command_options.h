@@ -16,8 +16,8 @@ std::optional<std::string> given(const linux_platform::GivenParameters& paramete
                                  const char* name);
 
 /// Returns the failure to throw: the value given for `name` is invalid and must be `form`.
-linux_platform::CommandFailure invalid(const char* name, const std::string& value,
-                                       const std::string& form);
+linux_platform::BadUsage invalid(const char* name, const std::string& value,
+                                 const std::string& form);
 
 /// Returns the day given for `name`; absent when none was given. Throws `invalid`.
 std::optional<money::Day> givenDay(const linux_platform::GivenParameters& parameters,

@@ -29,9 +29,9 @@ using money::Rate;
 
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
 using linux_platform::escapedControls;
-using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 using linux_platform::Prompt;
@@ -52,27 +52,24 @@ Money sumFrom(const std::string& text, const CurrencyCode& currency) {
 std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
                                const CurrencyCode& currency) {
   if (!entry.amount) {
-    throw CommandFailure("its sum is unknown: give --amount as well", exitBadUsage);
+    throw BadUsage("its sum is unknown: give --amount as well");
   }
   const Money& sum = *entry.amount;
   if (sum.currency == currency) return std::nullopt;
   const std::string give = "give the sum in " + currency.text() + " by --amount";
   const CurrencyCode booksIn = requiredBookCurrency();
   if (currency != booksIn) {
-    throw CommandFailure("there are rates for " + booksIn.text() + " alone: " + give, exitBadUsage);
+    throw BadUsage("there are rates for " + booksIn.text() + " alone: " + give);
   }
   const auto rate = book.rate(sum.currency);
   if (!rate) {
-    throw CommandFailure("there is no rate for " + sum.currency.text() +
-                             ": set it by kivo-ledger rate " + sum.currency.text() + " RATE, or " +
-                             give,
-                         exitBadUsage);
+    throw BadUsage("there is no rate for " + sum.currency.text() + ": set it by kivo-ledger rate " +
+                   sum.currency.text() + " RATE, or " + give);
   }
   const auto made = rate->convert(sum, currency);
   if (made) return made;
-  throw CommandFailure(
-      codeAndSum(sum) + " cannot be converted at the rate " + rate->text() + ": " + give,
-      exitBadUsage);
+  throw BadUsage(codeAndSum(sum) + " cannot be converted at the rate " + rate->text() + ": " +
+                 give);
 }
 
 // Reads --amount and --currency; absent when they change nothing.
@@ -96,17 +93,16 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
   }
   change.description = given(parameters, "--description");
   change.category = given(parameters, "--category");
-  if (change.description == "") throw CommandFailure("--description is empty", exitBadUsage);
-  if (change.category == "") throw CommandFailure("--category is empty", exitBadUsage);
+  if (change.description == "") throw BadUsage("--description is empty");
+  if (change.category == "") throw BadUsage("--category is empty");
   change.amount = amountFrom(parameters, book, entry);
   return change;
 }
 
 void edit(const GivenParameters& parameters) {
   if (parameters.size() == 1) {
-    throw CommandFailure(
-        "edit needs one of --date, --amount, --currency, --kind, --description, --category",
-        exitBadUsage);
+    throw BadUsage(
+        "edit needs one of --date, --amount, --currency, --kind, --description, --category");
   }
   withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
     book.edit(entry.id, changeFrom(parameters, book, entry));
@@ -149,8 +145,7 @@ void accept(const GivenParameters& parameters) {
 bool asksFirst(const GivenParameters& parameters, const std::string& does) {
   if (parameters.contains("--yes")) return false;
   if (linux_platform::inputIsTerminal()) return true;
-  throw CommandFailure("there is no terminal to ask at; --yes " + does + " without asking",
-                       exitBadUsage);
+  throw BadUsage("there is no terminal to ask at; --yes " + does + " without asking");
 }
 
 bool isConfirmed(const std::string& question) {
@@ -200,7 +195,7 @@ void rate(const GivenParameters& parameters) {
   const bool removes = parameters.contains("--remove");
   if (!currency) return withBook(showRates);
   if (removes == value.has_value()) {
-    throw CommandFailure("give either RATE or --remove", exitBadUsage);
+    throw BadUsage("give either RATE or --remove");
   }
   const auto set = value ? Rate::fromText(*value) : std::nullopt;
   if (value && !set) throw invalid("RATE", *value, rateForm());

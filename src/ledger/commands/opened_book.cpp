@@ -9,6 +9,7 @@ namespace kivo::ledger {
 using book::Book;
 using book::BookFailure;
 using book::LedgerEntry;
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
 using linux_platform::ReportedFailure;
 
@@ -27,8 +28,7 @@ void withEntry(const linux_platform::GivenParameters& given,
                const std::function<void(Book&, const LedgerEntry&)>& use) {
   const auto id = platform::integerFromText(given.at("ID"));
   if (!id) {
-    throw CommandFailure("ID is the number of a transaction, as list and review show it",
-                         linux_platform::exitBadUsage);
+    throw BadUsage("ID is the number of a transaction, as list and review show it");
   }
   withBook([&](Book& book) {
     const auto entry = book.entry(*id);

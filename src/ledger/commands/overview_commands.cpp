@@ -30,7 +30,7 @@ using overview::summarize;
 namespace {
 
 namespace SummaryView = overview::SummaryView;
-using linux_platform::CommandFailure;
+using linux_platform::BadUsage;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
@@ -69,8 +69,7 @@ std::filesystem::path reportPlace(const GivenParameters& parameters) {
     return place;
   }
   if (const auto usual = ReportFile::usualPlace()) return *usual;
-  throw CommandFailure("XDG_RUNTIME_DIR is not set; name a file by --output",
-                       linux_platform::exitBadUsage);
+  throw BadUsage("XDG_RUNTIME_DIR is not set; name a file by --output");
 }
 
 void report(const GivenParameters& parameters) {

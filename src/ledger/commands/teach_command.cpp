@@ -53,9 +53,9 @@ using recording::taughtEntries;
 
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
 using linux_platform::escapedControls;
-using linux_platform::exitBadUsage;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 using linux_platform::Prompt;
@@ -102,8 +102,7 @@ class Teaching {
       prompt_.emplace(std::cin);
     }
     if (prompt_) return;
-    throw CommandFailure("there is no terminal to ask at; give ID or -, --kind and --amount",
-                         exitBadUsage);
+    throw BadUsage("there is no terminal to ask at; give ID or -, --kind and --amount");
   }
 
   void chooseMessage() {
@@ -114,8 +113,7 @@ class Teaching {
   void takeInput() {
     const std::string input(std::istreambuf_iterator<char>(std::cin), {});
     message_ = partThatCounts(platform::repairedUtf8(input));
-    if (templateForm(message_).empty())
-      throw CommandFailure("standard input is empty", exitBadUsage);
+    if (templateForm(message_).empty()) throw BadUsage("standard input is empty");
     propose(std::nullopt);
   }
 

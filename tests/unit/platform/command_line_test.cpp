@@ -81,9 +81,12 @@ TEST_F(ACommandLineParser, RunsTheNamedCommandAndReturnsZero) {
 }
 
 TEST_F(ACommandLineParser, PrintsTheSentenceOfAFailureAndReturnsItsStatus) {
-  failure = [] { throw CommandFailure("the box is shut", 64); };
-  EXPECT_EQ(run({"fail"}), 64);
+  failure = [] { throw CommandFailure("the box is shut", 7); };
+  EXPECT_EQ(run({"fail"}), 7);
   EXPECT_EQ(errors, "tool: the box is shut\n");
+  failure = [] { throw BadUsage("there is no such box"); };
+  EXPECT_EQ(run({"fail"}), exitBadUsage);
+  EXPECT_EQ(errors, "tool: there is no such box\n");
   failure = [] { throw Failure("the box is wet"); };
   EXPECT_EQ(run({"fail"}), 1);
   EXPECT_EQ(errors, "tool: the box is wet\n");

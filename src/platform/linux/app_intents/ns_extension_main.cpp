@@ -88,7 +88,7 @@ ParameterTexts parameterTexts(const GivenParameters& given) {
 void fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
                     const GivenParameters& given) {
   if (const auto complaint = fillParameters(intent, parameterTexts(given))) {
-    throw CommandFailure(*complaint, exitBadUsage);
+    throw BadUsage(*complaint);
   }
   performAndAnswer(extension, intent, given.contains(jsonFlag));
 }

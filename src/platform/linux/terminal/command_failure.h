@@ -26,6 +26,12 @@ class CommandFailure : public Failure {
   int status_;
 };
 
+/// A command was called with arguments that it cannot take.
+class BadUsage : public CommandFailure {
+ public:
+  explicit BadUsage(const std::string& sentence) : CommandFailure(sentence, exitBadUsage) {}
+};
+
 /// A command failed, and standard error says why already. `runCommand` prints nothing more.
 struct ReportedFailure {
   int status = exitFailure;
