@@ -5,9 +5,9 @@
 #include <cctype>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "recognition/lone_name.h"
+#include "recognition/name_extent.h"
 #include "recognition/name_text.h"
 
 namespace kivo::recognition {
@@ -63,15 +63,10 @@ std::optional<Place> placeOf(Marker marker) {
   return std::nullopt;
 }
 
-// The marker that introduces a name; absent when another wording does.
-using Introduction = std::optional<Marker>;
-
 class Names {
  public:
   Names(const AnalysedMessage& message, Kind kind)
-      : message_(message), items_(message.items), kind_(kind), at_(items_.size(), nullptr) {
-    for (const Found& wording : message.wordings) at_[wording.begin] = &wording;
-  }
+      : message_(message), items_(message.items), kind_(kind), extent_(message) {}
 
   [[nodiscard]] std::string first() const {
     const auto places = kind_ == Kind::income ? std::span<const Place>(placesOfIncome)
@@ -110,11 +105,6 @@ class Names {
            holds(message_.wordings, Move::cashback);
   }
 
-  [[nodiscard]] bool isWordOf(std::size_t at, std::initializer_list<Meaning> meanings) const {
-    return at < items_.size() && at_[at] != nullptr &&
-           std::find(meanings.begin(), meanings.end(), at_[at]->meaning) != meanings.end();
-  }
-
   // The place behind a masked account or telephone number: "****; Ahmad", "0722000000 - JANE".
   [[nodiscard]] std::size_t behindMask(std::size_t at) const {
     const std::size_t begin = at;
@@ -134,24 +124,26 @@ class Names {
       const bool labelled = wording.is(Marker::label) || wording.is(Marker::info);
       if (!labelled || begin + 1 >= items_.size()) return {};
       ++begin;
-      if (isWordOf(begin, {Marker::from, Marker::to, Marker::at})) return {};  // another label
+      if (extent_.isWordOf(begin, {Marker::from, Marker::to, Marker::at}))
+        return {};  // another label
     }
     constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
     const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
     if (masked || (digits && items_[begin].text.size() > longestHouseNumber))
       begin = behindMask(begin);
-    if (isWordOf(begin, {Marker::label})) begin = at_[begin]->end;  // "to Merchant STAR KABAB"
-    if (begin >= items_.size() || !beginsName(begin)) return {};
+    if (extent_.isWordOf(begin, {Marker::label}))
+      begin = extent_.wordingAt(begin)->end;  // "to Merchant STAR KABAB"
+    if (begin >= items_.size() || !extent_.mayBegin(begin)) return {};
     const Marker* const marker = wording.as<Marker>();
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
-    const std::size_t end = endOfName(begin, introduced);
+    const std::size_t end = extent_.endOfName(begin, introduced);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
     if (latin && isProse(introduced, begin, end)) return {};
     // "from Lotus Bank card 12" is the person's side. In Arabic it is "from the shop by card 12".
     const bool ownSide = latin && (introduced == Marker::ends ||
                                    (kind_ != Kind::income && introduced == Marker::from));
-    if (ownSide && isWordOf(end, {Marker::own})) return {};
+    if (ownSide && extent_.isWordOf(end, {Marker::own})) return {};
     return shown(begin, end, introduced);
   }
 
@@ -186,121 +178,14 @@ class Names {
     };
     while (end > 0 && auxiliary(end - 1)) --end;
     std::size_t begin = end;
-    while (!items_[begin].startsSentence &&  // the first item does
-           (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
-           !isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from})) {
+    while (
+        !items_[begin].startsSentence &&  // the first item does
+        (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
+        !extent_.isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from})) {
       --begin;
     }
-    if (begin == end || !beginsName(begin)) return {};
+    if (begin == end || !extent_.mayBegin(begin)) return {};
     return shown(begin, end, Marker::label);
-  }
-
-  [[nodiscard]] bool beginsName(std::size_t at) const {
-    const Item& item = items_[at];
-    if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
-      return false;
-    const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
-    const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
-    if (article && message_.text[item.begin] != 'T') return false;
-    constexpr auto pronouns =
-        std::to_array<std::string_view>({"we", "we've", "you", "you've", "i", "dear", "hi", "it"});
-    if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
-    if (isWordOf(at, {Marker::own, SumRole::amount, SumRole::balance, Marker::reference,
-                      Marker::ends, SumRole::limit, SumRole::charge, Status::code, Status::done})) {
-      return false;
-    }
-    return true;
-  }
-
-  // Whether the name continues behind a comma: "MAPLE HARDWARE, AUSTIN, TX for ...".
-  [[nodiscard]] bool continuesBehindComma(std::size_t comma, std::size_t begin) const {
-    return comma + 1 < items_.size() && items_[comma + 1].capitals && items_[begin].capitals &&
-           at_[comma + 1] == nullptr;
-  }
-
-  // Whether item `at` is a bracket of the name, as in "HARBOUR DIM SUM (TST) was".
-  [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const {
-    constexpr std::size_t width = 2;
-    std::size_t open = at;
-    if (isMark(items_[at], ")") && at >= begin + width) open = at - width;
-    if (open + width >= items_.size()) return false;
-    return isMark(items_[open], "(") && items_[begin].capitals && items_[open + 1].capitals &&
-           isMark(items_[open + width], ")");
-  }
-
-  [[nodiscard]] bool isNameWord(std::size_t at) const {
-    return at_[at] == nullptr && beginsLikeAName(message_, at);
-  }
-
-  // Whether the point ends an initial: "MARIA L. SANTOS".
-  [[nodiscard]] bool isInitial(std::size_t point) const {
-    const Item& letter = items_[point - 1];
-    return letter.capitals && letter.end - letter.begin == 1 && point + 1 < items_.size() &&
-           isNameWord(point + 1);
-  }
-
-  // Whether item `at` is the "El", but not the "el", of "Panaderia El Trigal el 14/07".
-  [[nodiscard]] bool isArticle(std::size_t at) const {
-    constexpr std::size_t longest = 2;
-    return items_[at].text.size() <= longest && at + 1 < items_.size() &&
-           std::isupper(static_cast<unsigned char>(message_.text[items_[at].begin])) != 0 &&
-           isNameWord(at + 1);
-  }
-
-  // Whether the name that begins at `begin` ends in front of item `at`, which is not a mark.
-  [[nodiscard]] bool isBehindName(std::size_t at, std::size_t begin,
-                                  Introduction introduced) const {
-    const Item& item = items_[at];
-    const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
-                           static_cast<unsigned char>(item.text.front()) >= 0xE4;
-    if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
-    if (introduced == Marker::info) {
-      return isWordOf(at, {SumRole::balance, SumRole::limit}) ||
-             (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));
-    }
-    if (isArticle(at)) return false;
-    if (isWordOf(at,
-                 {Marker::ends, Marker::own, SumRole::balance, SumRole::limit, Marker::reference,
-                  Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
-      return true;
-    }
-    // In a name in capitals, words in capitals belong to it: "COUNCIL TAX".
-    if (item.capitals && items_[begin].capitals) return false;
-    return isWordOf(at, {Marker::at, SumRole::amount, SumRole::charge, Status::done, Move::credited,
-                         Move::debited, Move::spent, Move::paid, Move::sent, Move::received,
-                         Status::declined, Status::notYet, Move::refund, SumRole::aside});
-  }
-
-  [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Introduction introduced) const {
-    const Item& item = items_[at];
-    if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
-      return true;
-    }
-    if (item.kind == Item::Kind::number) {
-      return item.isPiece ? !items_[at - 1].glued && !item.glued
-                          : item.text.size() > 4 && !item.glued;
-    }
-    if (isMark(item, ",")) return !continuesBehindComma(at, begin);
-    if (item.text.starts_with("\xF0\x9F")) return true;  // an emoji
-    if (isBracketed(at, begin)) return false;
-    if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
-    if (isMark(item, ":") && !item.glued) return true;
-    if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
-        introduced != Marker::info) {
-      return true;  // a signature: "-Orchid Bank"
-    }
-    if (isMark(item, ".")) {
-      if (isInitial(at)) return false;
-      const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
-      return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
-    }
-    return isBehindName(at, begin, introduced);
-  }
-
-  [[nodiscard]] std::size_t endOfName(std::size_t begin, Introduction introduced) const {
-    std::size_t end = begin + 1;
-    while (end < items_.size() && !endsName(end, begin, introduced)) ++end;
-    return end;
   }
 
   [[nodiscard]] std::string shown(std::size_t begin, std::size_t end,
@@ -320,7 +205,7 @@ class Names {
   const AnalysedMessage& message_;
   const Items& items_;
   const Kind kind_;
-  std::vector<const Found*> at_;  // for each item, the wording that begins there, or null
+  const NameExtent extent_;
 };
 
 }  // namespace

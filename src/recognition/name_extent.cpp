@@ -1,0 +1,128 @@
+#include "recognition/name_extent.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <string_view>
+
+#include "recognition/lone_name.h"
+
+namespace kivo::recognition {
+
+NameExtent::NameExtent(const AnalysedMessage& message)
+    : message_(message), items_(message.items), at_(items_.size(), nullptr) {
+  for (const Found& wording : message.wordings) at_[wording.begin] = &wording;
+}
+
+bool NameExtent::isWordOf(std::size_t at, std::initializer_list<Meaning> meanings) const {
+  return at < items_.size() && at_[at] != nullptr &&
+         std::find(meanings.begin(), meanings.end(), at_[at]->meaning) != meanings.end();
+}
+
+bool NameExtent::mayBegin(std::size_t at) const {
+  const Item& item = items_[at];
+  if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
+    return false;
+  const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
+  const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
+  if (article && message_.text[item.begin] != 'T') return false;
+  constexpr auto pronouns =
+      std::to_array<std::string_view>({"we", "we've", "you", "you've", "i", "dear", "hi", "it"});
+  if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
+  if (isWordOf(at, {Marker::own, SumRole::amount, SumRole::balance, Marker::reference, Marker::ends,
+                    SumRole::limit, SumRole::charge, Status::code, Status::done})) {
+    return false;
+  }
+  return true;
+}
+
+// Whether the name continues behind a comma: "MAPLE HARDWARE, AUSTIN, TX for ...".
+bool NameExtent::continuesBehindComma(std::size_t comma, std::size_t begin) const {
+  return comma + 1 < items_.size() && items_[comma + 1].capitals && items_[begin].capitals &&
+         at_[comma + 1] == nullptr;
+}
+
+// Whether item `at` is a bracket of the name, as in "HARBOUR DIM SUM (TST) was".
+bool NameExtent::isBracketed(std::size_t at, std::size_t begin) const {
+  constexpr std::size_t width = 2;
+  std::size_t open = at;
+  if (isMark(items_[at], ")") && at >= begin + width) open = at - width;
+  if (open + width >= items_.size()) return false;
+  return isMark(items_[open], "(") && items_[begin].capitals && items_[open + 1].capitals &&
+         isMark(items_[open + width], ")");
+}
+
+bool NameExtent::isNameWord(std::size_t at) const {
+  return at_[at] == nullptr && beginsLikeAName(message_, at);
+}
+
+// Whether the point ends an initial: "MARIA L. SANTOS".
+bool NameExtent::isInitial(std::size_t point) const {
+  const Item& letter = items_[point - 1];
+  return letter.capitals && letter.end - letter.begin == 1 && point + 1 < items_.size() &&
+         isNameWord(point + 1);
+}
+
+// Whether item `at` is the "El", but not the "el", of "Panaderia El Trigal el 14/07".
+bool NameExtent::isArticle(std::size_t at) const {
+  constexpr std::size_t longest = 2;
+  return items_[at].text.size() <= longest && at + 1 < items_.size() &&
+         std::isupper(static_cast<unsigned char>(message_.text[items_[at].begin])) != 0 &&
+         isNameWord(at + 1);
+}
+
+// Whether the name that begins at `begin` ends in front of item `at`, which is not a mark.
+bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction introduced) const {
+  const Item& item = items_[at];
+  const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
+                         static_cast<unsigned char>(item.text.front()) >= 0xE4;
+  if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
+  if (introduced == Marker::info) {
+    return isWordOf(at, {SumRole::balance, SumRole::limit}) ||
+           (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));
+  }
+  if (isArticle(at)) return false;
+  if (isWordOf(at, {Marker::ends, Marker::own, SumRole::balance, SumRole::limit, Marker::reference,
+                    Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
+    return true;
+  }
+  // In a name in capitals, words in capitals belong to it: "COUNCIL TAX".
+  if (item.capitals && items_[begin].capitals) return false;
+  return isWordOf(at, {Marker::at, SumRole::amount, SumRole::charge, Status::done, Move::credited,
+                       Move::debited, Move::spent, Move::paid, Move::sent, Move::received,
+                       Status::declined, Status::notYet, Move::refund, SumRole::aside});
+}
+
+bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introduced) const {
+  const Item& item = items_[at];
+  if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.startsSentence) {
+    return true;
+  }
+  if (item.kind == Item::Kind::number) {
+    return item.isPiece ? !items_[at - 1].glued && !item.glued
+                        : item.text.size() > 4 && !item.glued;
+  }
+  if (isMark(item, ",")) return !continuesBehindComma(at, begin);
+  if (item.text.starts_with("\xF0\x9F")) return true;  // an emoji
+  if (isBracketed(at, begin)) return false;
+  if (isMark(item, ";()[]|\"!?") || (isMark(item, "*") && !item.glued)) return true;
+  if (isMark(item, ":") && !item.glued) return true;
+  if (isMark(item, "-") && !item.glued && at + 1 < items_.size() && items_[at + 1].glued &&
+      introduced != Marker::info) {
+    return true;  // a signature: "-Orchid Bank"
+  }
+  if (isMark(item, ".")) {
+    if (isInitial(at)) return false;
+    const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
+    return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
+  }
+  return isBehindName(at, begin, introduced);
+}
+
+std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) const {
+  std::size_t end = begin + 1;
+  while (end < items_.size() && !endsName(end, begin, introduced)) ++end;
+  return end;
+}
+
+}  // namespace kivo::recognition
