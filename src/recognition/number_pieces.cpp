@@ -52,8 +52,7 @@ bool isJoinedPiece(const Items& items, std::size_t at) {
   const Item& item = items[at];
   // "برداشت-500,000": here "-" is a sign, since only amounts have groups of digits.
   if (isMark(items, at - 1, "-") && item.text.find(',') != std::string::npos) return false;
-  const bool before = item.glued && isMark(items, at - 1, ":/-_@.") && at > 1 &&
-                      items[at - 1].glued &&
+  const bool before = item.glued && isMark(items, at - 1, ":/-_@.") && items[at - 1].glued &&
                       (isNumber(items, at - 2) ||
                        (items[at - 2].kind == Item::Kind::word && !isMark(items, at - 1, ":.")));
   const bool after = isMark(items, at + 1, ":/-_@") && items[at + 1].glued &&

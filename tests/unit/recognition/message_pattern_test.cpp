@@ -189,6 +189,13 @@ TEST(NumbersOfAMessage, BeginOutsideOfNumbersOnly) {
   EXPECT_THAT(found, ElementsAre("1,234.50", ".5", "75", "1", "1234", "234"));
 }
 
+TEST(NumbersOfAMessage, MayBeAtItsFront) {
+  EXPECT_THAT(numbersAt("12", 0), testing::SizeIs(1));
+  EXPECT_THAT(numbersAt("12", 1), IsEmpty());
+  EXPECT_THAT(numbersAt(".5", 0), testing::SizeIs(1));
+  EXPECT_THAT(numbersAt(".5", 1), IsEmpty());
+}
+
 TEST(NumbersOfAMessage, HaveALargestLength) {
   EXPECT_THAT(numbersAt(std::string(64, '1'), 0), testing::SizeIs(1));
   EXPECT_THAT(numbersAt(std::string(65, '1'), 0), IsEmpty());

@@ -42,6 +42,7 @@ TEST(ADateInAMessage, MayBeADayAndAMonth) {
   EXPECT_EQ(dateIn("12/10"), "12 10");
   EXPECT_EQ(dateIn("on 12/10"), "12 10");
   EXPECT_EQ(dateIn("123/10"), "");
+  EXPECT_EQ(dateIn("12/"), "");
   EXPECT_EQ(dateIn("12/103"), "");
   EXPECT_EQ(dateIn("12 /10"), "");
   EXPECT_EQ(dateIn("12/ 10"), "");
@@ -115,6 +116,7 @@ TEST(ANumberInAWord, IsAPiece) {
   EXPECT_EQ(piecesIn("a.1234 b"), "");
   EXPECT_EQ(piecesIn("1234:ab"), "");
   EXPECT_EQ(piecesIn("a- 1234 -b"), "");
+  EXPECT_EQ(piecesIn("/1234"), "");
   EXPECT_EQ(piecesIn("a -1234- b"), "");
 }
 

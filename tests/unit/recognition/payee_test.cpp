@@ -92,6 +92,7 @@ TEST(ANarration, HoldsANameBetweenChannelsAndNumbers) {
   EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: ORCHID MART -CITY on 21-11-2026"),
             "ORCHID MART -CITY");
   EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: ORCHID SMS STOP"), "ORCHID");
+  EXPECT_EQ(payeeOf("EGP 50.00 debited. Info: UPI/XY/ORCHID MART"), "ORCHID MART");
   EXPECT_EQ(payeeOf("EGP 50.00 debited at UPI/ORCHID MART"), "ORCHID MART");
   EXPECT_EQ(payeeOf("EGP 50.00 debited to ORCHID/MART"), "ORCHID");
 }
