@@ -29,12 +29,12 @@ constexpr int firstHandedOver = 3;
 
 constexpr std::string_view advice = "name a socket in a folder of your own by --socket";
 
-[[noreturn]] void fail(const std::filesystem::path& path, const std::string& what) {
+[[noreturn]] void failToListen(const std::filesystem::path& path, const std::string& what) {
   throw linux_platform::Failure(path.string() + " " + what);
 }
 
 [[noreturn]] void failForSystem(const std::filesystem::path& path, int error) {
-  fail(path, "cannot be created: " + std::generic_category().message(error));
+  failToListen(path, "cannot be created: " + std::generic_category().message(error));
 }
 
 bool isListening(int descriptor) {
@@ -53,7 +53,7 @@ sockaddr_un addressOf(const std::filesystem::path& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.native().size() >= sizeof address.sun_path) {
-    fail(path, "is too long for the path of a socket; --socket names another");
+    failToListen(path, "is too long for the path of a socket; --socket names another");
   }
   std::memcpy(address.sun_path, path.c_str(), path.native().size());
   return address;
@@ -71,11 +71,11 @@ int bindTo(int descriptor, const sockaddr_un& address) {
 void removeStale(const std::filesystem::path& path, const sockaddr_un& address) {
   struct stat found {};
   if (lstat(path.c_str(), &found) != 0) return;
-  if (!S_ISSOCK(found.st_mode)) fail(path, "is no socket; move it away");
+  if (!S_ISSOCK(found.st_mode)) failToListen(path, "is no socket; move it away");
   const Descriptor asking(openSocket());
   const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
   if (connect(asking.number(), generic, sizeof address) == 0 || errno != ECONNREFUSED) {
-    fail(path, "is in use by another server; stop it, or name another socket by --socket");
+    failToListen(path, "is in use by another server; stop it, or name another socket by --socket");
   }
   unlink(path.c_str());
 }
@@ -84,7 +84,7 @@ void removeStale(const std::filesystem::path& path, const sockaddr_un& address) 
 // Does not wait for the lock, since another user can hold it in a shared folder.
 void lockFolder(int folder, const std::filesystem::path& path) {
   if (flock(folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
-  fail(path, "is locked by another program; try again, or " + std::string(advice));
+  failToListen(path, "is locked by another program; try again, or " + std::string(advice));
 }
 
 }  // namespace

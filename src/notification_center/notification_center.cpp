@@ -35,12 +35,12 @@ UNMutableNotificationContent countOf(const std::vector<PendingNotification>& res
   return content;
 }
 
-std::size_t sizeOf(const PendingNotification& notification) {
-  return kivo::sizeOf(notification.bundle, notification.request);
+std::size_t keptSize(const PendingNotification& notification) {
+  return sizeOf(notification.bundle, notification.request);
 }
 
-std::size_t sizeOf(const NotificationName& name) {
-  return kivo::sizeOf(name.first) + kivo::sizeOf(name.second);
+std::size_t keptSize(const NotificationName& name) {
+  return sizeOf(name.first) + sizeOf(name.second);
 }
 
 Moment::duration intervalOf(const platform::UNNotificationRequest& request) {
@@ -52,7 +52,7 @@ Moment::duration intervalOf(const platform::UNNotificationRequest& request) {
 NotificationCenter::NotificationCenter(NotificationRecord record, Show show)
     : record_(std::move(record)), show_(std::move(show)), shown_(record_.shown()) {
   for (PendingNotification& notification : record_.pending()) {
-    const std::size_t size = sizeOf(notification);
+    const std::size_t size = keptSize(notification);
     const Moment due = notification.due;
     const Moment::duration interval = intervalOf(notification.request);
     waiting_.push_back({.notification = std::move(notification),
@@ -103,7 +103,7 @@ AddOutcome NotificationCenter::add(const std::string& bundle,
 }
 
 AddOutcome NotificationCenter::append(PendingNotification notification) {
-  const std::size_t size = sizeOf(notification);
+  const std::size_t size = keptSize(notification);
   std::size_t all = size;
   for (const Waiting& entry : waiting_) all += entry.size;
   if (all > mostBytesWaiting) return AddOutcome::noRoom;
@@ -210,9 +210,9 @@ std::vector<NotificationCenter::Waiting>::iterator NotificationCenter::find(
 void NotificationCenter::rememberShown(const NotificationName& name) {
   shown_.push_back(name);
   std::size_t size = 0;
-  for (const NotificationName& one : shown_) size += sizeOf(one);
+  for (const NotificationName& one : shown_) size += keptSize(one);
   while (shown_.size() > mostRemembered || (size > mostBytesRemembered && shown_.size() > 1)) {
-    size -= sizeOf(shown_.front());
+    size -= keptSize(shown_.front());
     shown_.pop_front();
   }
 }

@@ -21,7 +21,7 @@ using linux_platform::columnsOf;
 using linux_platform::escapedControls;
 
 constexpr std::string_view gap = "  ";
-constexpr std::size_t mostPayees = 5;
+constexpr std::size_t mostPayeesShown = 5;
 constexpr std::size_t longestName = 24;
 constexpr std::size_t shortestName = 12;
 constexpr std::size_t longestBar = 24;
@@ -132,7 +132,7 @@ class Lines {
   [[nodiscard]] std::string payees() const {
     RightAligned sums("");
     RightAligned counts("");
-    const std::size_t count = std::min(summary_.payees.size(), mostPayees);
+    const std::size_t count = std::min(summary_.payees.size(), mostPayeesShown);
     for (std::size_t at = 0; at < count; ++at) {
       sums.add(sums_.plain(summary_.payees[at].expense));
       counts.add(std::to_string(summary_.payees[at].transactions) + "x");

@@ -17,11 +17,11 @@ using platform::Task;
 using platform::URL;
 using platform::URLError;
 
-constexpr std::chrono::seconds timeout(5);
+constexpr std::chrono::seconds checkTimeout(5);
 
 Task<void> ask(HTTPURLSession* session, URL endpoint, ExchangeOutcome* outcome) {
   platform::URLRequest request{.url = std::move(endpoint)};
-  request.timeoutInterval = timeout;
+  request.timeoutInterval = checkTimeout;
   try {
     const platform::URLAnswer answer = co_await session->data(std::move(request));
     *outcome = linux_platform::outcomeOf(answer);

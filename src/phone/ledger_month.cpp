@@ -15,7 +15,7 @@ namespace {
 
 using linux_platform::AmountFormat;
 
-constexpr std::chrono::seconds timeout(1);
+constexpr std::chrono::seconds summaryTimeout(1);
 
 // Formats `sum`, a plain decimal such as "150.00", with as many decimals as it has.
 std::string sumText(const std::string& sum, const std::string& currency) {
@@ -29,7 +29,7 @@ std::string sumText(const std::string& sum, const std::string& currency) {
 std::optional<LedgerMonth> LedgerMonth::ask() {
   try {
     const auto result = linux_platform::runProgram(
-        {.program = LocalLedger::program(), .arguments = {"summary", "--json"}}, timeout);
+        {.program = LocalLedger::program(), .arguments = {"summary", "--json"}}, summaryTimeout);
     if (result.status != 0) return std::nullopt;
     return fromSummary(result.output);
   } catch (const std::system_error&) {  // the program cannot be started

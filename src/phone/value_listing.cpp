@@ -17,7 +17,7 @@ using linux_platform::paddedTo;
 // In the order of the alternatives of Value.
 constexpr std::array<const char*, 4> typeNames{"other", "integer", "float", "text"};
 constexpr std::size_t typeWidth = 7;
-constexpr std::string_view gap = "  ";
+constexpr std::string_view columnGap = "  ";
 
 }  // namespace
 
@@ -40,8 +40,8 @@ std::string ValueListing::text(const std::map<std::string, Value>& values, Contr
 
   std::string listing;
   for (const auto& [key, value] : values) {
-    listing += paddedTo(keyWidth, shown(key)).append(gap);
-    listing += paddedTo(typeWidth, typeNames.at(value.index())).append(gap);
+    listing += paddedTo(keyWidth, shown(key)).append(columnGap);
+    listing += paddedTo(typeWidth, typeNames.at(value.index())).append(columnGap);
     listing += shown(valueText(value).value_or("(neither text nor number)")) + "\n";
   }
   return listing;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "feedback/widget_stats.h"
+#include "phone_program.h"
 #include "platform/linux/process/child_process.h"
 #include "queue/pending_sms_queue.h"
 #include "store/shared_store.h"
@@ -16,8 +17,6 @@ using linux_platform::ChildProcess;
 using linux_platform::ProgramCall;
 using linux_platform::ProgramResult;
 using testkit::eventually;
-
-std::string phoneProgram() { return (linux_platform::programFolder() / "kivo-phone").string(); }
 
 class APhoneOnABus : public testing::Test {
  protected:

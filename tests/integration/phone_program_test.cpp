@@ -1,4 +1,6 @@
 // The real program kivo-phone, by its command line and without a bus.
+#include "phone_program.h"
+
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -17,8 +19,6 @@ namespace {
 using linux_platform::ProgramCall;
 using linux_platform::ProgramResult;
 using testing::HasSubstr;
-
-std::string phoneProgram() { return (linux_platform::programFolder() / "kivo-phone").string(); }
 
 class APhone : public testing::Test {
  protected:

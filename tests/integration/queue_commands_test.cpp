@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include "phone_program.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/linux/process/child_process.h"
@@ -29,8 +30,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 using testkit::queuedItem;
-
-std::string phoneProgram() { return (linux_platform::programFolder() / "kivo-phone").string(); }
 
 class AQueueOfTexts : public testing::Test {
  protected:

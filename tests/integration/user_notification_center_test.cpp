@@ -28,12 +28,12 @@ using testing::IsEmpty;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* bundle = "app.kivo.expenses.intents";
+constexpr const char* askingBundle = "app.kivo.expenses.intents";
 
 // The notification calls of a process that performs a run.
 struct IntentRun {
   SessionBus bus;
-  BusUserNotificationCenter center{bus, bundle};
+  BusUserNotificationCenter center{bus, askingBundle};
 
   IntentRun() { platform::ProcessWide<UNUserNotificationCenter>::install(center); }
 
@@ -61,9 +61,9 @@ Clock::duration timeOf(Action action) {
 class ExpenseNotifications : public testing::Test {
  protected:
   void allow(UNAuthorizationStatus status) {
-    ASSERT_TRUE(linux_platform::setAuthorizationStatus(bundle, status));
+    ASSERT_TRUE(linux_platform::setAuthorizationStatus(askingBundle, status));
   }
-  std::string pending() { return phone.callCenter("Pending", {bundle}).output; }
+  std::string pending() { return phone.callCenter("Pending", {askingBundle}).output; }
 
   testkit::PrivatePhone phone;
 };

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include "phone_program.h"
 #include "platform/linux/process/child_process.h"
 #include "store/shared_store.h"
 #include "testkit/private_folders.h"
@@ -20,8 +21,6 @@ using linux_platform::runProgram;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
-
-std::string phoneProgram() { return (linux_platform::programFolder() / "kivo-phone").string(); }
 
 class AWidgetProgram : public testing::Test {
  protected:

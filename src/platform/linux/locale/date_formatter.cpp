@@ -26,7 +26,7 @@ icu::SimpleTimeZone deviceTimeZone(Moment moment) {
 }
 
 // std::isalpha would depend on the locale.
-bool isLetter(char character) {
+bool isPatternLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
@@ -79,7 +79,7 @@ std::string DateFormatter::string(Moment moment) const {
   std::string text;
   for (std::size_t at = 0; at < dateFormat.size();) {
     const char symbol = dateFormat[at];
-    if (!isLetter(symbol)) {
+    if (!isPatternLetter(symbol)) {
       text += symbol;
       ++at;
       continue;

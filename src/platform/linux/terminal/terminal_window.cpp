@@ -28,7 +28,7 @@ std::string shellLines(WindowEnd end) {
          "[ \"$(cat /proc/$PPID/task/*/children)\" = \"$$ \" ] && kill $PPID";
 }
 
-std::string variable(const char* name) {
+std::string environmentText(const char* name) {
   const char* const value = std::getenv(name);
   return value == nullptr ? "" : value;
 }
@@ -55,10 +55,10 @@ bool isConsole(const std::filesystem::path& program) {
 std::vector<Call> terminalCalls(const Call& command, WindowEnd end) {
   std::vector<Call> calls;
   for (const std::string& terminal :
-       {std::string("xdg-terminal-exec"), variable("TERMINAL"), std::string("x-terminal-emulator"),
-        std::string(console), std::string("gnome-terminal"), std::string("konsole"),
-        std::string("xfce4-terminal"), std::string("mate-terminal"), std::string("foot"),
-        std::string("xterm")}) {
+       {std::string("xdg-terminal-exec"), environmentText("TERMINAL"),
+        std::string("x-terminal-emulator"), std::string(console), std::string("gnome-terminal"),
+        std::string("konsole"), std::string("xfce4-terminal"), std::string("mate-terminal"),
+        std::string("foot"), std::string("xterm")}) {
     if (terminal.empty()) continue;
     Call call{terminal};
     if (const auto separator = separatorOf(terminal); !separator.empty()) {
