@@ -26,6 +26,8 @@ find_package(nlohmann_json 3.11 REQUIRED)
 find_package(CLI11 REQUIRED)
 
 add_library(kivo_warnings INTERFACE)
+# Files that are compiled as one see each other's names, and get warnings that none of them gets alone.
+target_compile_options(kivo_warnings INTERFACE $<$<BOOL:${CMAKE_UNITY_BUILD}>:-w>)
 target_compile_options(kivo_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast)
 # When optimising, g++ 12 reports an overlap in its own std::string where there is none. Set only there:
