@@ -21,7 +21,7 @@ class AnotherUser : public testkit::WatchedPhone {
   // Has the other user send these to all programs on the system bus, and waits until it has.
   void sends(const std::vector<std::string>& forgeries) {
     other = startClient("other_user.py", forgeries);
-    ASSERT_TRUE(testkit::eventually([this] { return !other->outputSoFar().empty(); }));
+    ASSERT_TRUE(testkit::eventually([this] { return other->outputSoFar().ends_with('\n'); }));
     ASSERT_THAT(other->outputSoFar(), StartsWith("sent\n"));
   }
   void expectNoCallArrived() { EXPECT_EQ(other->outputSoFar(), "sent\n"); }
