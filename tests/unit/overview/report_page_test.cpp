@@ -71,6 +71,16 @@ TEST_F(AReport, HasEachDayOfItsMonth) {
   EXPECT_EQ(figures.days.back().minorUnits, 23);
 }
 
+TEST_F(AReport, DrawsAndListsADayBehindDaysWithoutExpenses) {
+  Book book = open();
+  booked(book, spent(100), "2026-11-03");
+  booked(book, spent(2345), "2026-11-20");
+  const std::string html = page(book);
+  EXPECT_THAT(html, HasSubstr("<title>3 November 2026: 1.00</title>"));
+  EXPECT_THAT(html, HasSubstr("<title>20 November 2026: 23.45</title>"));
+  EXPECT_THAT(html, HasSubstr("20 November 2026</th><td class=\"sum\">"));
+}
+
 TEST_F(AReport, ShowsSumsToTheCent) {
   Book book = open();
   booked(book, spent(largestSum));
