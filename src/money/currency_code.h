@@ -26,11 +26,14 @@ class CurrencyCode {
   }
   /// XXX, the code of ISO 4217 for no currency.
   constexpr CurrencyCode() = default;
-  /// Reads a constant, and does not compile when that is no code.
+  /// Reads a constant, also in the place of a code, and does not compile when that is no code.
+  // NOLINTNEXTLINE(google-explicit-constructor)
   consteval CurrencyCode(const char (&code)[4]) : letters_(fromText(code).value().letters_) {}
 
   [[nodiscard]] std::string text() const { return {letters_.begin(), letters_.end()}; }
 
+  // clang-tidy takes the 0 of a comparison for a pointer.
+  // NOLINTNEXTLINE(modernize-use-nullptr)
   auto operator<=>(const CurrencyCode&) const = default;
 
  private:

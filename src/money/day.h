@@ -17,7 +17,8 @@ class Month {
   /// January 1970.
   constexpr Month() = default;
   constexpr explicit Month(std::chrono::year_month month) : month_(month) {}
-  /// Reads a constant, and does not compile when that is no month.
+  /// Reads a constant, also in the place of a month, and does not compile when that is no month.
+  // NOLINTNEXTLINE(google-explicit-constructor)
   consteval Month(const char (&text)[8]);
 
   /// Returns yyyy-MM.
@@ -31,6 +32,8 @@ class Month {
   /// The month that is `count` months before this one.
   [[nodiscard]] Month before(int count = 1) const;
 
+  // clang-tidy takes the 0 of a comparison for a pointer.
+  // NOLINTNEXTLINE(modernize-use-nullptr)
   auto operator<=>(const Month&) const = default;
 
  private:
@@ -46,7 +49,8 @@ class Day {
   static std::optional<Day> fromText(std::string_view text);
   /// 1970-01-01.
   constexpr Day() = default;
-  /// Reads a constant, and does not compile when that is no day.
+  /// Reads a constant, also in the place of a day, and does not compile when that is no day.
+  // NOLINTNEXTLINE(google-explicit-constructor)
   consteval Day(const char (&text)[11]) : day_(parsed(text)) {
     if (!day_.ok()) throw "this is no day";
   }
@@ -57,6 +61,8 @@ class Day {
   /// Its number in the month, from 1.
   [[nodiscard]] int number() const { return static_cast<int>(static_cast<unsigned>(day_.day())); }
 
+  // clang-tidy takes the 0 of a comparison for a pointer.
+  // NOLINTNEXTLINE(modernize-use-nullptr)
   auto operator<=>(const Day&) const = default;
 
  private:

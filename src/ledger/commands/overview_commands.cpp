@@ -64,7 +64,7 @@ void summary(const GivenParameters& parameters) {
 
 std::filesystem::path reportPlace(const GivenParameters& parameters) {
   if (const auto output = parameters.find("--output"); output != parameters.end()) {
-    const std::filesystem::path place = output->second;
+    std::filesystem::path place = output->second;
     if (place.filename().empty()) throw invalid("--output", output->second, "the name of a file");
     return place;
   }

@@ -126,7 +126,7 @@ class Teaching {
           "and `kivo-ledger teach -` a message from standard input");
     }
     print(EntryListing::table(entries, linux_platform::screenWidth()));
-    const std::string id = prompt_->ask("Teach which one? ID:").value_or("");
+    std::string id = prompt_->ask("Teach which one? ID:").value_or("");
     if (id.empty()) throw CommandFailure("nothing was taught");
     return id;
   }
