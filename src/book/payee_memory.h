@@ -17,7 +17,7 @@ void keepCorrection(sqlite3* database, const LedgerEntry& entry, const EntryChan
 
 /// Returns the id of the first entry before `entry` that it looks like; nullopt when there is none.
 std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& entry);
-/// Marks anew what the change or the removal of the entry `id` concerns: itself, those that looked
+/// Marks again what the change or the removal of the entry `id` concerns: itself, those that looked
 /// like it, and later ones that do now.
 void markAlikeAgain(sqlite3* database, std::int64_t id);
 
