@@ -30,13 +30,17 @@ AnalysedMessage analysed(std::string_view readable, Items items, const Wordings&
   return {.text = readable, .items = std::move(items), .wordings = std::move(found)};
 }
 
+bool holdsSum(const AnalysedMessage& message) {
+  return std::ranges::any_of(message.items,
+                             [](const Item& item) { return item.kind == Item::Kind::sum; });
+}
+
 // A login can be refused as well: only a message with a sum is about a payment.
 bool isRefused(const AnalysedMessage& whole, const AnalysedMessage& reported,
                const Movement* movement) {
   if (!holds(reported.wordings, Status::declined)) return false;
   if (movement != nullptr) return movement->strength < Strength::refund;
-  return std::ranges::any_of(whole.items,
-                             [](const Item& item) { return item.kind == Item::Kind::sum; });
+  return holdsSum(whole);
 }
 
 // The movement by the sign of the sum: "-250,000VND ... SD: 3,110,000VND". Null without a sign.
@@ -138,26 +142,10 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
   return reading;
 }
 
-}  // namespace
-
-std::string_view partThatCounts(std::string_view text) {
-  return text.substr(0, wholeCharacters(text, longestMessage));
-}
-
-Reading read(std::string_view text, const CurrencyCode& bookCurrency) {
-  return readBy(Wordings::all(), text, bookCurrency);
-}
-
-Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCode& bookCurrency) {
-  text = partThatCounts(text);
-  if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
-
-  const std::string readable = readableForm(text);
-  const AnalysedMessage whole =
-      analysed(readable, withSums(itemsOf(readable), bookCurrency.text(), wordings), wordings);
-  if (announcesACode(whole)) return {};
-
-  const AnalysedMessage reported = analysed(readable, reportedPart(whole), wordings);
+// The reading of `whole`, which announces no code; without `holdsSum`.
+Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
+                  const CurrencyCode& bookCurrency) {
+  const AnalysedMessage reported = analysed(whole.text, reportedPart(whole), wordings);
   const SumParts sums = partsOfSums(reported, bookCurrency.text());
   const bool openingDropped =
       reported.items.empty() || reported.items.front().begin != whole.items.front().begin;
@@ -180,6 +168,32 @@ Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCo
   // A noun ("payment", "transfer") without a payee may also be about a plan.
   const bool vague = weak && !evidence && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
+  return reading;
+}
+
+}  // namespace
+
+std::string_view partThatCounts(std::string_view text) {
+  return text.substr(0, wholeCharacters(text, longestMessage));
+}
+
+Reading read(std::string_view text, const CurrencyCode& bookCurrency) {
+  return readBy(Wordings::all(), text, bookCurrency);
+}
+
+Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCode& bookCurrency) {
+  text = partThatCounts(text);
+  if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
+
+  const std::string readable = readableForm(text);
+  const AnalysedMessage whole =
+      analysed(readable, withSums(itemsOf(readable), bookCurrency.text(), wordings), wordings);
+  if (announcesACode(whole)) return {};
+
+  Reading reading = readingOf(whole, wordings, bookCurrency);
+  const bool isLeft =
+      reading.outcome == Outcome::declined || reading.outcome == Outcome::notATransaction;
+  reading.holdsSum = isLeft && holdsSum(whole);
   return reading;
 }
 

@@ -28,9 +28,14 @@ enum class Outcome {
   needsReview,
 };
 
-/// A message as it was read. Only `outcome` is set unless it is `transaction` or `needsReview`.
+/// A message as it was read. Only `outcome` and `holdsSum` are set unless `outcome` is
+/// `transaction` or `needsReview`.
 struct Reading {
   Outcome outcome = Outcome::notATransaction;
+  /// Whether a `declined` message or one that is `notATransaction` holds a sum, also one whose
+  /// digits can be read in two ways, so that a person may want to book it. False when the message
+  /// announces a code, when a template says that it is no payment, and for the other outcomes.
+  bool holdsSum = false;
   /// The direction of the movement; for `needsReview` the likelier one.
   money::Kind kind = money::Kind::expense;
   /// The sum that moved, above zero, in its own currency. Always present for `transaction`; absent
