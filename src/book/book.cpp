@@ -26,11 +26,7 @@ Book::Book(Book&& other) noexcept = default;
 Book& Book::operator=(Book&& other) noexcept = default;
 Book::~Book() = default;
 
-std::optional<Book> Book::open() {
-  linux_platform::Database database = openBookFile();
-  if (database == nullptr) return std::nullopt;
-  return Book(std::make_unique<File>(File{std::move(database)}));
-}
+Book Book::open() { return Book(std::make_unique<File>(File{openBookFile()})); }
 
 void Book::inOneStep(const std::function<void()>& steps) {
   WriteTransaction transaction(file_->database);

@@ -66,9 +66,8 @@ struct EntryChange {
 /// written, and has then changed nothing.
 class Book {
  public:
-  /// Opens the book, and creates it when it is missing. On failure, prints one line on standard
-  /// error, unless it is the same as last time, and returns nullopt.
-  static std::optional<Book> open();
+  /// Opens the book, and creates it when it is missing. Throws BookFailure.
+  static Book open();
   Book(Book&& other) noexcept;
   Book& operator=(Book&& other) noexcept;
   ~Book();

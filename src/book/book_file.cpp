@@ -4,6 +4,7 @@
 #include <string>
 
 #include "book/book_version_2.h"
+#include "platform/linux/store/opening_failure.h"
 
 namespace kivo::book {
 namespace {
@@ -66,8 +67,12 @@ WriteTransaction::WriteTransaction(sqlite3* database) : transaction_(database) {
 }
 
 linux_platform::Database openBookFile() {
-  return linux_platform::openDatabase(
-      {"app.kivo.ledger", "ledger.sqlite3", applicationId, versions});
+  try {
+    return linux_platform::openDatabase(
+        {"app.kivo.ledger", "ledger.sqlite3", applicationId, versions});
+  } catch (const linux_platform::OpeningFailure& failure) {
+    throw BookFailure(failure.what());
+  }
 }
 
 }  // namespace kivo::book

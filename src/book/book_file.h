@@ -36,8 +36,8 @@ class WriteTransaction {
   linux_platform::Transaction transaction_;
 };
 
-/// Opens `app.kivo.ledger/ledger.sqlite3` in `dataHome`. Returns null, after one line on standard
-/// error, when `openDatabase` fails.
+/// Opens `app.kivo.ledger/ledger.sqlite3` in `dataHome` as `openDatabase` does. Throws BookFailure
+/// when that fails.
 linux_platform::Database openBookFile();
 
 }  // namespace kivo::book

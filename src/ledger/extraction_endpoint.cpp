@@ -6,6 +6,7 @@
 #include "platform/foundation/errors.h"
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_encoder.h"
+#include "platform/linux/store/opening_failure.h"
 
 namespace kivo::ledger {
 
@@ -24,6 +25,7 @@ constexpr int badRequest = 400;
 constexpr int notFound = 404;
 constexpr int methodNotAllowed = 405;
 constexpr int serviceUnavailable = 503;
+constexpr const char* notOpened = "the book cannot be opened";
 
 Answer refusal(int status, std::string_view error, std::string allow = "") {
   platform::JSONEncoder object;
@@ -68,10 +70,10 @@ Answer ExtractionEndpoint::answer(const UnixHttpServer::Request& request) {
 }
 
 Answer ExtractionEndpoint::record(const Message& message) {
-  if (!book_) book_ = book::Book::open();
-  const auto currency = book_ ? currency_() : std::nullopt;
-  if (!currency) return refusal(serviceUnavailable, "the book cannot be opened");
   try {
+    if (!book_) book_ = book::Book::open();
+    const auto currency = currency_();
+    if (!currency) return refusal(serviceUnavailable, notOpened);
     if (!book_->isWhole()) {
       book_.reset();
       return refusal(serviceUnavailable, "the book is damaged");
@@ -82,6 +84,10 @@ Answer ExtractionEndpoint::record(const Message& message) {
     }
     return {.status = ok, .body = std::move(recorded.answer), .allow = ""};
   } catch (const BookFailure& failure) {
+    if (!book_) {
+      linux_platform::tellNotOpened(failure);
+      return refusal(serviceUnavailable, notOpened);
+    }
     book_->tell(failure);
     book_.reset();  // the next request opens it again: the user may replace a damaged file
     return refusal(serviceUnavailable, "the book cannot be written");

@@ -25,12 +25,6 @@ void tell(const std::string& what) {
   std::cerr << "kivo-sms-watcher: " << linux_platform::escapedControls(what) << '\n';
 }
 
-WatcherRecord openRecord() {
-  auto record = WatcherRecord::open();
-  if (!record) throw std::runtime_error("the record of handled messages cannot be opened");
-  return std::move(*record);
-}
-
 // Without a user, the intent would answer with a dialog and drop the text.
 bool isSomebodySignedIn() {
   const auto store = SharedStore::open(appGroup);
@@ -57,7 +51,7 @@ class WatchProgram {
   ModemMessages modems_{limits_.modemCall, limits_.pauses.first};
   IntentsClient intents_{watcherBusName, limits_.perform, [this] { modems_.wake(); }};
   // Opened only after the bus name is taken, so that no other watcher uses it.
-  SmsWatcher watcher_{openRecord(), limits_.pauses};
+  SmsWatcher watcher_{WatcherRecord::open(), limits_.pauses};
   WatchSettings settings_;
   // Remembers what was printed, so that it is not repeated.
   bool saidThatNobodyIsSignedIn_ = false;

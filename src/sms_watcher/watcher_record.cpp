@@ -11,12 +11,15 @@
 #include <sqlite3.h>
 #include <sys/random.h>
 
+#include "platform/linux/store/opening_failure.h"
 #include "platform/linux/store/sqlite_statement.h"
 #include "platform/linux/store/suite_database.h"
 
 namespace kivo {
 
 using linux_platform::Database;
+using linux_platform::Failure;
+using linux_platform::OpeningFailure;
 using linux_platform::openSuiteDatabase;
 using linux_platform::Statement;
 using linux_platform::Transaction;
@@ -100,13 +103,18 @@ WatcherRecord::WatcherRecord(WatcherRecord&& other) noexcept = default;
 WatcherRecord& WatcherRecord::operator=(WatcherRecord&& other) noexcept = default;
 WatcherRecord::~WatcherRecord() = default;
 
-std::optional<WatcherRecord> WatcherRecord::open(int remembered) {
-  Database database = openSuiteDatabase(suiteName);
-  if (!database) return std::nullopt;
-  auto salt = saltOf(database.get());
-  if (!salt) return std::nullopt;
-  return WatcherRecord(
-      std::make_unique<Suite>(Suite{std::move(database), std::move(*salt), remembered}));
+WatcherRecord WatcherRecord::open(int remembered) {
+  const Failure failure("the record of handled messages cannot be opened");
+  try {
+    Database database = openSuiteDatabase(suiteName);
+    auto salt = saltOf(database.get());
+    if (!salt) throw failure;
+    return WatcherRecord(
+        std::make_unique<Suite>(Suite{std::move(database), std::move(*salt), remembered}));
+  } catch (const OpeningFailure& reason) {
+    tellNotOpened(reason);
+    throw failure;
+  }
 }
 
 std::string WatcherRecord::markOf(const std::string& number, const std::string& sent,

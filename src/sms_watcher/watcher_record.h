@@ -4,7 +4,6 @@
 
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -19,9 +18,10 @@ class WatcherRecord {
   /// How many handled messages are remembered after they are gone from the modems.
   static constexpr int mostRemembered = 10'000;
 
-  /// Opens the suite app.kivo.SmsWatcher, creating it when absent; nullopt when that fails.
-  /// `remembered` is for tests.
-  static std::optional<WatcherRecord> open(int remembered = mostRemembered);
+  /// Opens the suite app.kivo.SmsWatcher, creating it when absent. Throws Failure when that fails,
+  /// after a line on standard error when the reason is the file or its folder. `remembered` is for
+  /// tests.
+  static WatcherRecord open(int remembered = mostRemembered);
 
   WatcherRecord(WatcherRecord&& other) noexcept;
   WatcherRecord& operator=(WatcherRecord&& other) noexcept;

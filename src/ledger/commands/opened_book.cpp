@@ -14,12 +14,11 @@ using linux_platform::CommandFailure;
 using linux_platform::ReportedFailure;
 
 void withBook(const std::function<void(Book&)>& use) {
-  auto book = Book::open();
-  if (!book) throw ReportedFailure();
+  Book book = Book::open();
   try {
-    use(*book);
+    use(book);
   } catch (const BookFailure& failure) {
-    book->tell(failure);
+    book.tell(failure);
     throw ReportedFailure();
   }
 }

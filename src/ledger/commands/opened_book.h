@@ -9,8 +9,9 @@
 
 namespace kivo::ledger {
 
-/// Opens the book and calls `use` with it. Throws ReportedFailure, after one line on standard
-/// error, when the book cannot be opened, read or written, and what `use` throws.
+/// Opens the book and calls `use` with it. Throws BookFailure when the book cannot be opened, and
+/// ReportedFailure, after one line on standard error, when it cannot be read or written. Lets the
+/// other exceptions of `use` through.
 void withBook(const std::function<void(book::Book&)>& use);
 
 /// As `withBook`, with the entry whose id was given as ID. Throws CommandFailure when ID is not a

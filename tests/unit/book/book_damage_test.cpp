@@ -98,13 +98,12 @@ TEST_F(ADamagedBook, IsNoticedByARunningServiceOnceACommandHasLeftANote) {
   overwrite();
   testing::internal::CaptureStderr();
   {
-    auto book = Book::open();
-    ASSERT_TRUE(book);
+    Book book = open();
     try {
-      EXPECT_TRUE(book->entries({}).empty());
+      EXPECT_TRUE(book.entries({}).empty());
       ADD_FAILURE() << "the damage was not found";
     } catch (const BookFailure& failure) {
-      book->tell(failure);
+      book.tell(failure);
     }
   }
   EXPECT_TRUE(fs::exists(note()));

@@ -28,6 +28,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
+using testing::ThrowsMessage;
 
 class AStoredBook : public LedgerTest {
  protected:
@@ -192,16 +193,13 @@ TEST_F(AStoredBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
   open();
   for (const char* const sql : {"PRAGMA user_version = 3", "PRAGMA application_id = 7"}) {
     testkit::RawStore(file()).run(sql);
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(Book::open()) << sql;
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(file().string())) << sql;
+    EXPECT_THAT([] { Book::open(); }, ThrowsMessage<BookFailure>(HasSubstr(file().string())))
+        << sql;
   }
   fs::remove_all(file().parent_path());
   fs::create_directories(file().parent_path());
   std::ofstream(file()) << "no database, but a text of some length";
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(Book::open());
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("is not a database"));
+  EXPECT_THAT([] { Book::open(); }, ThrowsMessage<BookFailure>(HasSubstr("is not a database")));
 }
 
 }  // namespace

@@ -167,13 +167,13 @@ TEST_F(ASuiteThatDoesNotOpen, ReportsItsReasonInOneLine) {
 TEST(AnOpeningFailure, DistinguishesALockedDatabaseFromADamagedOne) {
   using linux_platform::OpeningFailure;
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_BUSY_RECOVERY, 0).what(),
-               "/x is locked by another program; stop it and try again");
+               "cannot open the store: /x is locked by another program; stop it and try again");
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_CORRUPT, 0).what(),
                OpeningFailure::isDamaged("/x").what());
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_CANTOPEN, ENOSPC).what(),
-               "/x cannot be opened: No space left on device");
+               "cannot open the store: /x cannot be opened: No space left on device");
   EXPECT_STREQ(OpeningFailure::ofDatabase("/x", SQLITE_NOMEM, 0).what(),
-               "/x cannot be opened: out of memory");
+               "cannot open the store: /x cannot be opened: out of memory");
 }
 
 }  // namespace

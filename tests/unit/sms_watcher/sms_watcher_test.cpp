@@ -22,7 +22,7 @@ class TheSmsWatcher : public testing::Test {
   TheSmsWatcher() { watcher.setSenders({"MyBank"}, start); }
 
   SmsWatcher freshWatcher() {
-    return {WatcherRecord::open().value(), {.settle = 0s, .first = 2s, .longest = 10s}};
+    return {WatcherRecord::open(), {.settle = 0s, .first = 2s, .longest = 10s}};
   }
   static ModemMessage message(const std::string& text, std::chrono::seconds age = 1s,
                               const std::string& number = "MyBank") {
@@ -204,7 +204,7 @@ TEST_F(TheSmsWatcher, ReturnsTheNumberOfMessagesThatAreTooOld) {
 }
 
 TEST_F(TheSmsWatcher, SortsMessagesThatArriveTogether) {
-  watcher = SmsWatcher(WatcherRecord::open().value(), {.settle = 1s, .first = 2s, .longest = 10s});
+  watcher = SmsWatcher(WatcherRecord::open(), {.settle = 1s, .first = 2s, .longest = 10s});
   watcher.setSenders({"MyBank"}, start);
   take({message("Two", 2s)});
   EXPECT_EQ(watcher.untilNext(now), 1s);

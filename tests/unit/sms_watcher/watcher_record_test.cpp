@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/linux/foundation/failure.h"
 #include "testkit/private_folders.h"
 #include "testkit/raw_store.h"
 #include "testkit/set_clock.h"
@@ -23,7 +24,7 @@ class AWatcherRecord : public testing::Test {
   static constexpr platform::Moment start = testkit::utc(2026, 11, 21);
 
   static WatcherRecord open(int remembered = WatcherRecord::mostRemembered) {
-    return WatcherRecord::open(remembered).value();
+    return WatcherRecord::open(remembered);
   }
   [[nodiscard]] std::filesystem::path file() const {
     return folders.dataHome() / "app.kivo.SmsWatcher" / "defaults.sqlite3";
@@ -134,7 +135,7 @@ TEST_F(AWatcherRecord, DoesNotReplaceAForeignFile) {
   std::filesystem::create_directories(file().parent_path());
   std::ofstream(file()) << "somebody's letter, which is longer than the header of a database is, "
                            "so that it cannot be taken for an empty one";
-  EXPECT_FALSE(WatcherRecord::open());
+  EXPECT_THROW(WatcherRecord::open(), Failure);
 }
 
 }  // namespace

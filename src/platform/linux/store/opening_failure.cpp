@@ -35,6 +35,9 @@ std::string exchangeLastLine(std::string line) {
 
 }  // namespace
 
+OpeningFailure::OpeningFailure(const std::string& reason)
+    : Failure("cannot open the store: " + reason) {}
+
 OpeningFailure OpeningFailure::noHome() {
   return OpeningFailure("neither XDG_DATA_HOME nor HOME is an absolute path; set HOME");
 }
@@ -108,9 +111,9 @@ OpeningFailure OpeningFailure::ofDatabase(const Path& path, int code, int error)
   return OpeningFailure(named(path) + " cannot be opened: " + sqlite3_errstr(code));
 }
 
-void tellNotOpened(const OpeningFailure& failure) {
-  const std::string line = program_invocation_short_name +
-                           (": cannot open the store: " + std::string(failure.what())) + "\n";
+void tellNotOpened(const Failure& failure) {
+  const std::string line =
+      program_invocation_short_name + (": " + std::string(failure.what())) + "\n";
   if (exchangeLastLine(line) != line) std::fputs(line.c_str(), stderr);
 }
 

@@ -3,14 +3,16 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <stdexcept>
+#include <string>
 #include <string_view>
+
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::linux_platform {
 
-/// A reason in one line that names the file or folder and says what to do about it. Contains no
-/// stored data. Thrown and caught while a database is opened. `error` is an errno.
-class OpeningFailure : public std::runtime_error {
+/// A database cannot be opened. `what` names the file or folder and says what to do about it, in
+/// one line without stored data. `error` is an errno.
+class OpeningFailure : public Failure {
  public:
   using Path = std::filesystem::path;
 
@@ -35,12 +37,12 @@ class OpeningFailure : public std::runtime_error {
   static OpeningFailure ofDatabase(const Path& path, int code, int error);
 
  private:
-  using std::runtime_error::runtime_error;
+  explicit OpeningFailure(const std::string& reason);
 };
 
 /// Prints `failure` as one line on standard error, after the program's name. Does not print the
 /// same line twice in a row, unless `tellOpened` was called in between. Thread-safe.
-void tellNotOpened(const OpeningFailure& failure);
+void tellNotOpened(const Failure& failure);
 /// Records that a database was opened. Prints nothing. Thread-safe.
 void tellOpened();
 

@@ -156,7 +156,6 @@ void configure(Database& database) {
   sqlite3_wal_hook(database.get(), checkpointLongWal, database.get_deleter().walLength.get());
 }
 
-// Throws OpeningFailure.
 Database open(const DatabaseForm& form) {
   const DatabaseFolder folder(form.folder, form.file);
   folder.makeFile();
@@ -197,14 +196,9 @@ void CloseDatabase::operator()(sqlite3* database) const {
 std::filesystem::path fileOf(sqlite3* database) { return sqlite3_db_filename(database, "main"); }
 
 Database openDatabase(const DatabaseForm& form) {
-  try {
-    Database database = open(form);
-    tellOpened();
-    return database;
-  } catch (const OpeningFailure& failure) {
-    tellNotOpened(failure);
-    return nullptr;
-  }
+  Database database = open(form);
+  tellOpened();
+  return database;
 }
 
 }  // namespace kivo::linux_platform

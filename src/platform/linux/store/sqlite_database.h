@@ -48,12 +48,11 @@ struct DatabaseForm {
 
 /// Opens the file of `form` and upgrades an older version. Creates the folder and the file when
 /// they are missing, removes the permissions of other users from them, and erases replaced text
-/// when the note of `oweErasure` exists. Commits are durable. Returns null, after one line on
-/// standard error as `tellNotOpened`, when neither XDG_DATA_HOME nor HOME is set, when the folder
-/// or the file cannot be created, opened or made private, when one of them is a symbolic link, when
-/// the folder belongs to another user, and when the file is damaged, is of a newer version or
-/// belongs to another program. Such a file, or the target of such a link, stays unchanged. A handle
-/// is not thread-safe.
+/// when the note of `oweErasure` exists. Commits are durable. Throws OpeningFailure when neither
+/// XDG_DATA_HOME nor HOME is set, when the folder or the file cannot be created, opened or made
+/// private, when one of them is a symbolic link, when the folder belongs to another user, and when
+/// the file is damaged, is of a newer version or belongs to another program. Such a file, or the
+/// target of such a link, stays unchanged. A handle is not thread-safe.
 Database openDatabase(const DatabaseForm& form);
 
 /// Returns the path of the file of an open database.

@@ -184,15 +184,18 @@ UserDefaults& UserDefaults::operator=(UserDefaults&& other) noexcept = default;
 UserDefaults::~UserDefaults() = default;
 
 std::optional<UserDefaults> UserDefaults::initWithSuiteName(std::string_view suiteName) {
-  auto suite = std::make_unique<Suite>();
-  suite->database = linux_platform::openSuiteDatabase(suiteName);
-  if (suite->database == nullptr) return std::nullopt;
-  suite->reading = Statement(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1");
-  if (!suite->reading.isCompiled()) {  // the table is missing or has other columns
-    tellNotOpened(OpeningFailure::isDamaged(sqlite3_db_filename(suite->database.get(), "main")));
+  try {
+    auto suite = std::make_unique<Suite>();
+    suite->database = linux_platform::openSuiteDatabase(suiteName);
+    suite->reading = Statement(suite->database.get(), "SELECT value FROM defaults WHERE key = ?1");
+    if (!suite->reading.isCompiled()) {  // the table is missing or has other columns
+      throw OpeningFailure::isDamaged(linux_platform::fileOf(suite->database.get()));
+    }
+    return UserDefaults(std::move(suite));
+  } catch (const OpeningFailure& failure) {
+    tellNotOpened(failure);
     return std::nullopt;
   }
-  return UserDefaults(std::move(suite));
 }
 
 std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {
