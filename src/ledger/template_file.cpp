@@ -15,6 +15,7 @@
 
 namespace kivo::ledger {
 
+using recognition::InvalidPattern;
 using recognition::MessagePattern;
 using recognition::MessageTemplate;
 using recognition::readWith;
@@ -79,9 +80,14 @@ MessageTemplate templateOf(const toml::table& table) {
   if (!members.text) throw failure("text", "a template needs a text");
   const auto kind = taughtKindFromText(members.kind.value_or(""));
   if (!kind) throw failure("kind", "kind must be expense, income, transfer or none");
-  MessagePattern::Parsed parsed = MessagePattern::parse(*members.text);
-  if (!parsed.pattern) throw failure("text", parsed.error);
-  if (*kind && !parsed.pattern->hasAmount()) {
+  const auto pattern = [&] {
+    try {
+      return MessagePattern::parse(*members.text);
+    } catch (const InvalidPattern& invalid) {
+      throw failure("text", invalid.what());
+    }
+  }();
+  if (*kind && !pattern.hasAmount()) {
     throw failure("text", "{amount} is missing; without it kind must be none");
   }
   const auto currency = money::currencyFromText(members.currency.value_or(""));
@@ -89,7 +95,7 @@ MessageTemplate templateOf(const toml::table& table) {
     throw failure("currency", "currency must be a code such as EGP");
   }
   return {.text = *members.text,
-          .pattern = *std::move(parsed.pattern),
+          .pattern = pattern,
           .kind = *kind,
           .currency = currency,
           .description = members.description.value_or(""),

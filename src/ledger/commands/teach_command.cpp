@@ -33,6 +33,7 @@ namespace kivo::ledger {
 using book::Book;
 using book::LedgerEntry;
 using money::CurrencyCode;
+using recognition::CannotTeach;
 using recognition::firstSum;
 using recognition::MessageTemplate;
 using recognition::namesPayee;
@@ -41,7 +42,6 @@ using recognition::Outcome;
 using recognition::partThatCounts;
 using recognition::Reading;
 using recognition::readingBy;
-using recognition::Taught;
 using recognition::taughtKindFromText;
 using recognition::TaughtParts;
 using recognition::templateForm;
@@ -162,10 +162,9 @@ class Teaching {
 
   // Shows the template and asks for confirmation.
   MessageTemplate confirmedTemplate() {
-    const auto taught = isComplete() ? std::optional(taughtByOptions()) : taughtByAnswers();
-    if (taught && !taught->made) throw CommandFailure(errorOf(*taught));
-    if (taught) show(*taught->made);
-    if (taught && (isComplete() || confirms("Save it?"))) return *taught->made;
+    const auto taught = namedTemplate();
+    if (taught) show(*taught);
+    if (taught && (isComplete() || confirms("Save it?"))) return *taught;
     throw CommandFailure("nothing was taught");
   }
 
@@ -173,7 +172,16 @@ class Teaching {
     return prompt_->confirms(question, Prompt::Preset::yes);
   }
 
-  [[nodiscard]] Taught taughtByOptions() const {
+  // Absent when the input ends.
+  std::optional<MessageTemplate> namedTemplate() {
+    try {
+      return isComplete() ? taughtByOptions() : taughtByAnswers();
+    } catch (const CannotTeach& wrong) {
+      throw CommandFailure(sentenceOf(wrong));
+    }
+  }
+
+  [[nodiscard]] MessageTemplate taughtByOptions() const {
     return recognition::teach(message_,
                               {.kind = *given_.kind,
                                .amount = given_.amount.value_or(""),
@@ -182,15 +190,16 @@ class Teaching {
                               currency_);
   }
 
-  std::optional<Taught> taughtByAnswers() {
+  std::optional<MessageTemplate> taughtByAnswers() {
     print("The message:\n  " + escapedControls(templateForm(message_)) + "\n\n");
     return TeachingQuestions(*prompt_).ask(message_, given_, proposed_, currency_);
   }
 
-  static std::string errorOf(const Taught& taught) {
-    if (taught.part == Taught::Part::amount) return "--amount " + taught.error;
-    if (taught.part == Taught::Part::payee) return "--payee " + taught.error;
-    return "no template can be made of this message: " + taught.error;
+  static std::string sentenceOf(const CannotTeach& wrong) {
+    const std::string why = wrong.what();
+    if (wrong.part() == CannotTeach::Part::amount) return "--amount " + why;
+    if (wrong.part() == CannotTeach::Part::payee) return "--payee " + why;
+    return "no template can be made of this message: " + why;
   }
 
   void show(const MessageTemplate& taught) const {

@@ -7,7 +7,8 @@
 namespace kivo::ledger {
 
 using money::Kind;
-using recognition::Taught;
+using recognition::CannotTeach;
+using recognition::MessageTemplate;
 using recognition::taughtKindFromText;
 using recognition::taughtKindText;
 using recognition::TaughtParts;
@@ -46,34 +47,38 @@ std::optional<std::string> TeachingQuestions::askPayee(const std::optional<Kind>
   return typed == "-" ? "" : typed;
 }
 
-std::optional<Taught> TeachingQuestions::ask(std::string_view message, const Given& given,
-                                             const TaughtParts& proposed,
-                                             const money::CurrencyCode& bookCurrency) {
+std::optional<MessageTemplate> TeachingQuestions::ask(std::string_view message, const Given& given,
+                                                      const TaughtParts& proposed,
+                                                      const money::CurrencyCode& bookCurrency) {
   const auto kind = given.kind ? given.kind : askKind(proposed);
   if (!kind) return std::nullopt;
   TaughtParts parts{.kind = *kind,
                     .amount = given.amount.value_or(""),
                     .payee = given.payee.value_or(""),
                     .currency = given.currency};
-  const auto failsIn = [&](Taught::Part part) {
-    const Taught taught = recognition::teach(message, parts, bookCurrency);
-    if (taught.made || taught.part != part) return false;
-    std::cerr << "That " << taught.error << ".\n";
-    return true;
+  const auto failsIn = [&](CannotTeach::Part part) {
+    try {
+      recognition::teach(message, parts, bookCurrency);
+    } catch (const CannotTeach& wrong) {
+      if (wrong.part() != part) return false;
+      std::cerr << "That " << wrong.what() << ".\n";
+      return true;
+    }
+    return false;
   };
   if (parts.kind && !given.amount) {
     do {
       const auto amount = askAmount(proposed.amount);
       if (!amount) return std::nullopt;
       parts.amount = *amount;
-    } while (failsIn(Taught::Part::amount));
+    } while (failsIn(CannotTeach::Part::amount));
   }
   if (parts.kind && !given.payee) {
     do {
       const auto payee = askPayee(parts.kind, proposed.payee);
       if (!payee) return std::nullopt;
       parts.payee = *payee;
-    } while (failsIn(Taught::Part::payee));
+    } while (failsIn(CannotTeach::Part::payee));
   }
   return recognition::teach(message, parts, bookCurrency);
 }

@@ -25,11 +25,11 @@ class TeachingQuestions {
   };
 
   /// Asks for the parts that `given` lacks, again after a wrong answer; Enter takes the part in
-  /// `proposed`. Returns the template, or the error of a given part or of the message; nullopt when
-  /// the input ends.
-  std::optional<recognition::Taught> ask(std::string_view message, const Given& given,
-                                         const recognition::TaughtParts& proposed,
-                                         const money::CurrencyCode& bookCurrency);
+  /// `proposed`. Returns the template; nullopt when the input ends. Throws CannotTeach for a given
+  /// part and for the message.
+  std::optional<recognition::MessageTemplate> ask(std::string_view message, const Given& given,
+                                                  const recognition::TaughtParts& proposed,
+                                                  const money::CurrencyCode& bookCurrency);
 
  private:
   std::optional<std::string> answer(const std::string& question, const std::string& proposed);

@@ -46,8 +46,8 @@ std::optional<std::size_t> beginOfShortestBack(std::string_view text, Literals l
 
 }  // namespace
 
-MessagePattern::Parsed MessagePattern::parse(std::string_view text) {
-  constexpr std::string_view unknown =
+MessagePattern MessagePattern::parse(std::string_view text) {
+  constexpr const char* unknown =
       "{amount}, {payee} and {any} are all placeholders; a brace itself is written {{";
   const std::string form = templateForm(text);
   std::string_view rest = form;
@@ -64,13 +64,13 @@ MessagePattern::Parsed MessagePattern::parse(std::string_view text) {
     auto* const single = name == "{amount}"  ? &pattern.amount_
                          : name == "{payee}" ? &pattern.payee_
                                              : nullptr;
-    if (single == nullptr && name != "{any}") return {.error = std::string(unknown)};
+    if (single == nullptr && name != "{any}") throw InvalidPattern(unknown);
     if (single != nullptr && single->has_value()) {
-      return {.error = "{amount} and {payee} may each be there once"};
+      throw InvalidPattern("{amount} and {payee} may each be there once");
     }
     if (single != nullptr) *single = place;
     if (place > 0 && literal.empty()) {
-      return {.error = "two placeholders touch; there must be text between them"};
+      throw InvalidPattern("two placeholders touch; there must be text between them");
     }
     pattern.literals_.push_back(std::exchange(literal, ""));
     rest.remove_prefix(name.size());
@@ -79,9 +79,9 @@ MessagePattern::Parsed MessagePattern::parse(std::string_view text) {
   if (std::none_of(pattern.literals_.begin(), pattern.literals_.end(), [](const std::string& one) {
         return std::any_of(one.begin(), one.end(), isLetter);
       })) {
-    return {.error = "a template needs a word beside its placeholders"};
+    throw InvalidPattern("a template needs a word beside its placeholders");
   }
-  return {.pattern = std::move(pattern)};
+  return pattern;
 }
 
 std::string MessagePattern::escaped(std::string_view text) {

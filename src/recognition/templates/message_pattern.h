@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,13 +21,18 @@ struct PatternFit {
   std::string payee;
 };
 
+/// A text is no pattern. `what` is the reason in one line, without any part of the text.
+class InvalidPattern : public std::invalid_argument {
+ public:
+  using std::invalid_argument::invalid_argument;
+};
+
 /// Literal text with placeholders: {amount} matches a number, {payee} and {any} match any text that
 /// is not empty. "{{" is an escaped "{".
 class MessagePattern {
  public:
-  /// A pattern, or the reason why the text is not one: a line without any part of the text.
-  struct Parsed;
-  static Parsed parse(std::string_view text);
+  /// Returns `text` as a pattern. Throws InvalidPattern.
+  static MessagePattern parse(std::string_view text);
 
   /// Returns the pattern that matches exactly `text`: its braces are doubled.
   static std::string escaped(std::string_view text);
@@ -52,11 +58,6 @@ class MessagePattern {
                                                    std::size_t last) const;
   [[nodiscard]] std::vector<MessageNumber> amountsIn(std::string_view message) const;
   [[nodiscard]] std::optional<PatternFit> fitWithAmount(std::string_view message) const;
-};
-
-struct MessagePattern::Parsed {
-  std::optional<MessagePattern> pattern = {};
-  std::string error = {};
 };
 
 }  // namespace kivo::recognition

@@ -18,6 +18,8 @@ using money::moneyFromText;
 
 namespace {
 
+using Part = CannotTeach::Part;
+
 // A part of a message that a placeholder replaces.
 struct Place {
   std::size_t begin = 0;
@@ -137,30 +139,29 @@ std::vector<Place> placesOfSum(std::string_view form, std::string_view given,
   return places;
 }
 
-Taught wrong(Taught::Part part, const char* error) { return {.part = part, .error = error}; }
-
 // The places in the message of the parts that the user named.
 struct NamedPlaces {
   std::optional<Place> amount = {};
   std::vector<Place> all = {};
 };
 
-// Sets `named`; returns the error of a missing part, or no error when both are found.
-Taught findNamed(std::string_view form, const TaughtParts& parts, const CurrencyCode& bookCurrency,
-                 NamedPlaces& named) {
+// Throws CannotTeach when a part is missing.
+NamedPlaces findNamed(std::string_view form, const TaughtParts& parts,
+                      const CurrencyCode& bookCurrency) {
+  NamedPlaces named;
   if (parts.kind) {
     const std::string given = templateForm(parts.amount);
     auto stated = amountPlaces(form, given);
     if (stated.empty()) stated = placesOfSum(form, given, parts.currency, bookCurrency);
     if (stated.empty()) {
-      return wrong(
-          Taught::Part::amount,
+      throw CannotTeach(
+          Part::amount,
           "has to be one number of the message, as it is there or such as 1,189.50: commas "
           "only between thousands");
     }
     if (stated.size() > 1) {
-      return wrong(Taught::Part::amount,
-                   "is in the message more than once; give it with the words beside it");
+      throw CannotTeach(Part::amount,
+                        "is in the message more than once; give it with the words beside it");
     }
     named.amount = stated.front();
     named.all.push_back(*named.amount);
@@ -168,40 +169,43 @@ Taught findNamed(std::string_view form, const TaughtParts& parts, const Currency
   const std::string payee = templateForm(parts.payee);
   auto names = payeePlaces(form, payee, named.amount);
   if (names.empty() && !payee.empty()) {
-    return wrong(Taught::Part::payee, "has to be a part of the message, as it is there");
+    throw CannotTeach(Part::payee, "has to be a part of the message, as it is there");
   }
   if (!parts.kind && !names.empty()) names.front().placeholder = "{any}";
   named.all.insert(named.all.end(), names.begin(), names.end());
-  return {};
+  return named;
+}
+
+MessagePattern parsed(std::string_view text) {
+  try {
+    return MessagePattern::parse(text);
+  } catch (const InvalidPattern& invalid) {
+    throw CannotTeach(Part::message, invalid.what());
+  }
 }
 
 }  // namespace
 
-Taught teach(std::string_view message, const TaughtParts& parts, const CurrencyCode& bookCurrency) {
+MessageTemplate teach(std::string_view message, const TaughtParts& parts,
+                      const CurrencyCode& bookCurrency) {
   const std::string form = templateForm(message);
-  NamedPlaces named;
-  if (Taught failed = findNamed(form, parts, bookCurrency, named); !failed.error.empty())
-    return failed;
-  std::string text = patternText(form, std::move(named.all));
-  MessagePattern::Parsed parsed = MessagePattern::parse(text);
-  if (!parsed.pattern) return {.error = parsed.error};
-  const auto fit = parsed.pattern->fit(form);
-  if (!fit) return {.error = "its wording is too irregular"};
+  NamedPlaces named = findNamed(form, parts, bookCurrency);
+  const std::string text = patternText(form, std::move(named.all));
+  MessageTemplate made{.text = text, .pattern = parsed(text), .kind = parts.kind};
+  const auto fit = made.pattern.fit(form);
+  if (!fit) throw CannotTeach(Part::message, "its wording is too irregular");
   if (fit->amounts.size() > 1) {
-    return wrong(Taught::Part::amount,
-                 "cannot be told from the other numbers by the words beside it");
+    throw CannotTeach(Part::amount, "cannot be told from the other numbers by the words beside it");
   }
   if (parts.kind && fit->payee != templateForm(parts.payee)) {
-    return wrong(Taught::Part::payee, "cannot be told from the words beside it");
+    throw CannotTeach(Part::payee, "cannot be told from the words beside it");
   }
-  MessageTemplate made{
-      .text = std::move(text), .pattern = *std::move(parsed.pattern), .kind = parts.kind};
   if (named.amount) {
     made.currency =
         parts.currency ? parts.currency : statedCurrency(form, *named.amount, bookCurrency);
     if (!made.currency) made.currency = bookCurrency;
   }
-  return {.made = std::move(made)};
+  return made;
 }
 
 std::string numberFor(std::string_view message, const Money& sum) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -23,22 +24,26 @@ struct TaughtParts {
   std::optional<money::CurrencyCode> currency = {};
 };
 
-/// A template, or the reason why it could not be made.
-struct Taught {
+/// No template can be made of a message. `what` is a sentence without its subject, which is the
+/// part that is wrong.
+class CannotTeach : public std::invalid_argument {
+ public:
   enum class Part { message, amount, payee };
 
-  std::optional<MessageTemplate> made = {};
-  /// The part that is wrong.
-  Part part = Part::message;
-  /// The error: a sentence without its subject, which is the part.
-  std::string error = {};
+  CannotTeach(Part part, const std::string& why) : std::invalid_argument(why), part_(part) {}
+
+  [[nodiscard]] Part part() const { return part_; }
+
+ private:
+  Part part_;
 };
 
 /// Makes a template from `message` for a book in `bookCurrency`. The amount becomes {amount}, the
 /// payee {payee}, and the other figures {any} (`withoutFigures`), so that the template holds no
-/// private number. The template matches `message` and finds the same parts in it.
-Taught teach(std::string_view message, const TaughtParts& parts,
-             const money::CurrencyCode& bookCurrency);
+/// private number. The template matches `message` and finds the same parts in it. Throws
+/// CannotTeach.
+MessageTemplate teach(std::string_view message, const TaughtParts& parts,
+                      const money::CurrencyCode& bookCurrency);
 
 /// Returns the amount of `sum` as `message` writes it; empty unless it occurs exactly once.
 std::string numberFor(std::string_view message, const money::Money& sum);

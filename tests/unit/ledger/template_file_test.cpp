@@ -22,7 +22,6 @@ using money::Money;
 using recognition::MessageTemplate;
 using recognition::Outcome;
 using recognition::Reading;
-using recognition::Taught;
 using recording::MessageReader;
 
 namespace {
@@ -73,9 +72,7 @@ class ATemplateFile : public testing::Test {
     return error.substr(std::min(error.size(), before.size()));
   }
   static MessageTemplate taught(const std::string& message) {
-    const Taught made = recognition::teach(message, {.kind = Kind::expense, .amount = "5"}, "EGP");
-    if (!made.made) throw std::runtime_error(made.error);
-    return *made.made;
+    return recognition::teach(message, {.kind = Kind::expense, .amount = "5"}, "EGP");
   }
   static std::string oneTemplate(const std::string& text) {
     return "[[template]]\ntext = '" + text + "'\nkind = 'expense'\n";

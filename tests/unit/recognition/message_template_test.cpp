@@ -14,9 +14,7 @@ namespace {
 
 MessageTemplate taught(const std::string& text, std::optional<Kind> kind = Kind::expense,
                        const std::optional<CurrencyCode>& currency = CurrencyCode("EGP")) {
-  auto parsed = MessagePattern::parse(text);
-  if (!parsed.pattern) throw std::runtime_error(parsed.error);
-  return {.text = text, .pattern = *std::move(parsed.pattern), .kind = kind, .currency = currency};
+  return {.text = text, .pattern = MessagePattern::parse(text), .kind = kind, .currency = currency};
 }
 
 Reading readBy(const MessageTemplate& one, const std::string& message,

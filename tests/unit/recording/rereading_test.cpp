@@ -139,8 +139,7 @@ TEST_F(AReadAgainEntry, IsFoundByTheTemplateThatFits) {
   Book book = open();
   const LedgerEntry first = recorded(book, "KEY-1", unclear());
   recorded(book, "LOCK-2", unclear());
-  auto parsed = MessagePattern::parse("text of KEY{any}");
-  const MessageTemplate taught{.text = "", .pattern = *std::move(parsed.pattern)};
+  const MessageTemplate taught{.text = "", .pattern = MessagePattern::parse("text of KEY{any}")};
   EXPECT_THAT(taughtEntries(book, taught, reader(), "EGP").unclear, ElementsAre(first.id));
   reading_ = Reading{};
   EXPECT_THAT(taughtEntries(book, taught, reader(), "EGP").none, ElementsAre(first.id));
