@@ -38,6 +38,8 @@ struct Item {
   bool startsSentence = false;
   /// A number within a date, a time of day, a masked number or another word.
   bool isPiece = false;
+  /// It stands where a name stands (name_places.h): part of no wording.
+  bool named = false;
   /// Set for a sum.
   Sum sum = {};
 };

@@ -1,11 +1,10 @@
 #include "recognition/name_extent.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <string_view>
 
 #include "recognition/lone_name.h"
+#include "recognition/name_text.h"
 
 namespace kivo::recognition {
 
@@ -21,14 +20,13 @@ bool NameExtent::isWordOf(std::size_t at, std::initializer_list<Meaning> meaning
 
 bool NameExtent::mayBegin(std::size_t at) const {
   const Item& item = items_[at];
+  if (item.named) return true;
   if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
     return false;
   const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
   const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
   if (article && message_.text[item.begin] != 'T') return false;
-  constexpr auto pronouns =
-      std::to_array<std::string_view>({"we", "we've", "you", "you've", "i", "dear", "hi", "it"});
-  if (std::find(pronouns.begin(), pronouns.end(), item.text) != pronouns.end()) return false;
+  if (isPronoun(item.text)) return false;
   if (isWordOf(at, {Marker::own, SumRole::amount, SumRole::balance, Marker::reference, Marker::ends,
                     SumRole::limit, SumRole::charge, Status::code, Status::done})) {
     return false;
@@ -99,8 +97,8 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
     return true;
   }
   if (item.kind == Item::Kind::number) {
-    return item.isPiece ? !items_[at - 1].glued && !item.glued
-                        : item.text.size() > 4 && !item.glued;
+    const bool joined = isMark(items_[at - 1], "-./") && items_[at - 1].glued;  // "7-11"
+    return item.isPiece ? !joined && !item.glued : item.text.size() > 4 && !item.glued;
   }
   if (isMark(item, ",")) return !continuesBehindComma(at, begin);
   if (item.text.starts_with("\xF0\x9F")) return true;  // an emoji

@@ -35,6 +35,12 @@ bool isChannelWord(std::string_view word) {
   return std::find(channelWords.begin(), channelWords.end(), word) != channelWords.end();
 }
 
+bool isPronoun(std::string_view word) {
+  constexpr auto pronouns =
+      std::to_array<std::string_view>({"we", "we've", "you", "you've", "i", "dear", "hi", "it"});
+  return std::find(pronouns.begin(), pronouns.end(), word) != pronouns.end();
+}
+
 std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
   if (begin >= end) return {};

@@ -130,8 +130,8 @@ class Names {
     constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
     const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
-    if (masked || (digits && items_[begin].text.size() > longestHouseNumber))
-      begin = behindMask(begin);
+    const bool skips = masked || (digits && items_[begin].text.size() > longestHouseNumber);
+    if (skips && !items_[begin].named) begin = behindMask(begin);
     if (extent_.isWordOf(begin, {Marker::label}))
       begin = extent_.wordingAt(begin)->end;  // "to Merchant STAR KABAB"
     if (begin >= items_.size() || !extent_.mayBegin(begin)) return {};
@@ -139,7 +139,7 @@ class Names {
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
     const std::size_t end = extent_.endOfName(begin, introduced);
     const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
-    if (latin && isProse(introduced, begin, end)) return {};
+    if (latin && !items_[begin].named && isProse(introduced, begin, end)) return {};
     // "from Lotus Bank card 12" is the person's side. In Arabic it is "from the shop by card 12".
     const bool ownSide = latin && (introduced == Marker::ends ||
                                    (kind_ != Kind::income && introduced == Marker::from));
@@ -199,7 +199,12 @@ class Names {
         (channel && (introduced == Marker::info || introduced == Marker::by))) {
       return nameInNarration(message_, begin, end);
     }
-    return nameBetween(message_, begin, end);
+    std::string name = nameBetween(message_, begin, end);
+    if (name.empty() && introduced == Marker::at && items_[begin].named && end > begin + 1) {
+      name = shownPayee(message_.text.substr(
+          items_[begin].begin, items_[end - 1].end - items_[begin].begin));  // "OTP Bank ATM"
+    }
+    return name;
   }
 
   const AnalysedMessage& message_;

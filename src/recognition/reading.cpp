@@ -10,6 +10,7 @@
 #include "recognition/message_items.h"
 #include "recognition/moved_sum.h"
 #include "recognition/movements.h"
+#include "recognition/name_places.h"
 #include "recognition/payee.h"
 #include "recognition/payment_sentence.h"
 #include "recognition/reported_part.h"
@@ -171,6 +172,31 @@ Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
   return reading;
 }
 
+// One reading for a message whose two readings differ by where a name ends: for review when they
+// disagree about the movement.
+Reading agreed(Reading one, Reading other) {
+  const auto moves = [](const Reading& reading) {
+    return reading.outcome == Outcome::transaction || reading.outcome == Outcome::needsReview;
+  };
+  const bool agree =
+      one.outcome == other.outcome && one.kind == other.kind && one.amount == other.amount;
+  if (agree || (!moves(one) && !moves(other))) return one;
+  Reading reading = moves(one) ? std::move(one) : std::move(other);
+  reading.outcome = Outcome::needsReview;
+  return reading;
+}
+
+// The reading of `whole`, in which the names are told.
+Reading readNamed(const AnalysedMessage& whole, const Wordings& wordings,
+                  const CurrencyCode& bookCurrency) {
+  if (announcesACode(whole)) return {};
+  Reading reading = readingOf(whole, wordings, bookCurrency);
+  const bool isLeft =
+      reading.outcome == Outcome::declined || reading.outcome == Outcome::notATransaction;
+  reading.holdsSum = isLeft && holdsSum(whole);
+  return reading;
+}
+
 }  // namespace
 
 std::string_view partThatCounts(std::string_view text) {
@@ -186,15 +212,20 @@ Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCo
   if (auto payment = paymentSentence(text, bookCurrency)) return *payment;
 
   const std::string readable = readableForm(text);
-  const AnalysedMessage whole =
+  const AnalysedMessage plain =
       analysed(readable, withSums(itemsOf(readable), bookCurrency.text(), wordings), wordings);
-  if (announcesACode(whole)) return {};
-
-  Reading reading = readingOf(whole, wordings, bookCurrency);
-  const bool isLeft =
-      reading.outcome == Outcome::declined || reading.outcome == Outcome::notATransaction;
-  reading.holdsSum = isLeft && holdsSum(whole);
-  return reading;
+  const std::vector<NamePlace> places = namePlaces(plain);
+  if (places.empty()) return readNamed(plain, wordings, bookCurrency);
+  const auto readWith = [&](NameEnd counts) {
+    return readNamed(analysed(readable, withNames(plain.items, places, counts), wordings), wordings,
+                     bookCurrency);
+  };
+  Reading first = readWith(NameEnd::first);
+  if (std::ranges::all_of(places,
+                          [](const NamePlace& place) { return place.end == place.lastEnd; })) {
+    return first;
+  }
+  return agreed(std::move(first), readWith(NameEnd::last));
 }
 
 }  // namespace kivo::recognition

@@ -108,6 +108,7 @@ std::string_view withoutPrefix(std::string_view word) {
 }
 
 bool fits(const Element& element, const Item& item) {
+  if (item.named) return false;
   if (element.kind == Element::Kind::sum) return item.kind == Item::Kind::sum;
   if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak) return false;
   const std::string_view bare = withoutPrefix(item.text);
@@ -189,6 +190,7 @@ std::optional<Found> Wordings::longestAt(const Items& items, std::size_t at) con
     findLonger({begin, end}, items, at, longest, mostElements);
   };
   const Item& item = items[at];
+  if (item.named) return longest;
   if (item.kind == Item::Kind::sum) {
     findUnder(sumKey);
     return longest;

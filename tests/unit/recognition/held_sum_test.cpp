@@ -53,7 +53,7 @@ TEST(AMessageThatIsNotBooked, NeverHoldsTheSumBesideACode) {
 TEST(AMessageThatIsNotBooked, HoldsNoSumWhenATemplateSaysThatItIsNoPayment) {
   const std::string_view pattern = "Tulip Bank: your limit is now EGP {any}";
   const MessageTemplate none{.text = std::string(pattern),
-                             .pattern = *MessagePattern::parse(pattern).pattern};
+                             .pattern = MessagePattern::parse(pattern)};
   const std::string_view message = "Tulip Bank: your limit is now EGP 500.00";
   EXPECT_TRUE(readWith({}, message, "EGP").holdsSum);
   EXPECT_FALSE(readWith({none}, message, "EGP").holdsSum);
