@@ -1,9 +1,9 @@
 #include "recognition/lone_name.h"
 
 #include <algorithm>
-#include <cctype>
 #include <vector>
 
+#include "names/letter_case.h"
 #include "recognition/name_text.h"
 
 namespace kivo::recognition {
@@ -24,20 +24,28 @@ std::vector<bool> explainedItems(const AnalysedMessage& message) {
 bool continuesName(const Items& items, std::size_t at) {
   constexpr std::string_view marks = "&-.'";
   const bool behindMark = items[at].kind == Item::Kind::word && isMark(items[at - 1], marks);
+  const bool last = at + 1 >= items.size() || items[at + 1].startsSentence;
+  if (isMark(items[at], ".") && last) return false;
   return items[at].glued && (isMark(items[at], marks) || behindMark);
 }
 
-// In "Kite Bank Card 1234" the name is the bank's. Scripts without capitals need a mark on both
-// sides: "3.500 د.ك - كافيه - بطاقة".
+// In "Kite Bank Card 1234" the name is the bank's, but not in "500 KZT DALA MARKET karta 1234".
+// Scripts without capitals need a mark on both sides: "3.500 د.ك - كافيه - بطاقة". In "Mobile
+// service", a sentence begins.
 bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
   const auto behind = std::ranges::lower_bound(message.wordings, end, {}, &Found::begin);
-  if (behind != message.wordings.end() && behind->begin == end && behind->is(Marker::own)) {
+  const bool besideSum = items[begin].capitals && items[begin - 1].kind == Item::Kind::sum;
+  if (!besideSum && behind != message.wordings.end() && behind->begin == end &&
+      behind->is(Marker::own)) {
     return false;
   }
+  const bool small = end < items.size() && items[end].kind == Item::Kind::word &&
+                     !beginsLikeAName(message, end) && items[begin].startsSentence;
+  if (small && end == begin + 1 && !items[begin].capitals) return false;
   constexpr std::string_view marks = "-|,/";
-  const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
-  return latin ||
+  const bool cased = names::caseOfFirst(items[begin].text) != names::LetterCase::none;
+  return cased ||
          (end < items.size() && isMark(items[begin - 1], marks) && isMark(items[end], marks));
 }
 
@@ -45,8 +53,8 @@ bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_
 
 bool beginsLikeAName(const AnalysedMessage& message, std::size_t at) {
   const Item& item = message.items[at];
-  const auto first = static_cast<unsigned char>(message.text[item.begin]);
-  return item.kind == Item::Kind::word && (first >= 0x80 || std::isupper(first) != 0);
+  return item.kind == Item::Kind::word &&
+         names::caseOfFirst(message.text.substr(item.begin)) != names::LetterCase::small;
 }
 
 // "$48.13 CAD, TIMBERLINE CO-OP, card 0031", "card *2280 FARMACIA SOL 10-11-26"
@@ -67,8 +75,8 @@ std::string loneName(const AnalysedMessage& message) {
          ++at) {
       capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
     }
-    const bool isSignature =
-        at >= items.size() && !(capitals && items[begin - 1].kind == Item::Kind::sum);
+    const bool last = at >= items.size() || (isMark(items[at], ".") && at + 1 == items.size());
+    const bool isSignature = last && !(capitals && items[begin - 1].kind == Item::Kind::sum);
     if (isSignature || !mayStandAlone(message, begin, at)) continue;
     std::string name = nameBetween(message, begin, at);
     constexpr std::size_t shortest = 4;

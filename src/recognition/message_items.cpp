@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 
+#include "names/letter_case.h"
 #include "names/name_fold.h"
 #include "recognition/spelling.h"
 
@@ -36,11 +37,6 @@ bool isLetter(std::string_view character) {
 
 bool isArabic(std::string_view character) {
   return character.size() == 2 && character[0] >= '\xD8' && character[0] <= '\xDB';
-}
-
-// Chinese writes no blanks between words, so each of its characters is a word.
-bool isIdeograph(std::string_view character) {
-  return character.size() == 3 && character[0] >= '\xE4' && character[0] <= '\xE9';
 }
 
 // The end of the number at `begin`: digits, and separators between them. A separator in front of a
@@ -127,9 +123,12 @@ std::size_t endOfWord(std::string_view text, std::size_t begin) {
 }
 
 bool isCapitals(std::string_view word) {
-  return std::all_of(word.begin(), word.end(), [](char character) {
-    return character == '\'' || (character >= 'A' && character <= 'Z');
-  });
+  while (!word.empty()) {
+    if (word.front() != '\'' && names::caseOfFirst(word) != names::LetterCase::capital)
+      return false;
+    word.remove_prefix(characterLength(word));
+  }
+  return true;
 }
 
 Item itemAt(std::string_view text, std::size_t begin) {
@@ -158,10 +157,10 @@ Item itemAt(std::string_view text, std::size_t begin) {
 
 // Words behind which a point does not end a sentence.
 constexpr auto abbreviations = std::to_array<std::string_view>(
-    {"rs",  "tk",  "no",     "nos", "avl", "avail", "av", "bal", "acc", "acct", "ac",
-     "c",   "ref", "st",     "mr",  "mrs", "ms",    "dr", "cr",  "amt", "txn",  "trx",
-     "id",  "tel", "approx", "inr", "ج",   "م",     "ر",  "س",   "د",   "sh",   "ksh",
-     "tsh", "a",   "e",      "g",   "i",   "l",     "s",  "m"});
+    {"rs",     "tk",  "no",  "nos", "avl", "avail", "av",   "bal", "acc", "acct", "ac", "c",
+     "ref",    "st",  "mr",  "mrs", "ms",  "dr",    "cr",   "amt", "txn", "trx",  "id", "tel",
+     "approx", "inr", "р",   "руб", "грн", "тг",    "дост", "ج",   "م",   "ر",    "س",  "د",
+     "sh",     "ksh", "tsh", "a",   "e",   "g",     "i",    "l",   "s",   "m"});
 
 bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
   const Item& item = items[at];
@@ -180,6 +179,10 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
 bool beginsFraction(std::string_view readable, std::size_t at) {
   return readable[at] == '.' && at + 1 < readable.size() && isDigit(readable[at + 1]) &&
          (at == 0 || std::string_view(" \n-$").find(readable[at - 1]) != std::string_view::npos);
+}
+
+bool isIdeograph(std::string_view word) {
+  return word.size() == 3 && word[0] >= '\xE4' && word[0] <= '\xE9';
 }
 
 bool isMark(const Item& item, std::string_view marks) {

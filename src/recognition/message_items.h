@@ -49,6 +49,10 @@ using Items = std::vector<Item>;
 /// Whether `item` is one of the ASCII `marks`.
 bool isMark(const Item& item, std::string_view marks);
 
+/// Whether `word` is a Chinese character. Chinese writes no blanks between words, so each of its
+/// characters is a word.
+bool isIdeograph(std::string_view word);
+
 /// Whether the character at `at` of `readable` is the first of a number such as ".93": a point that
 /// does not belong to a word or number before it.
 bool beginsFraction(std::string_view readable, std::size_t at);

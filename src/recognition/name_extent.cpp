@@ -72,9 +72,8 @@ bool NameExtent::isArticle(std::size_t at) const {
 // Whether the name that begins at `begin` ends in front of item `at`, which is not a mark.
 bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction introduced) const {
   const Item& item = items_[at];
-  const bool ideograph = item.text.starts_with(items_[begin].text.substr(0, 1)) &&
-                         static_cast<unsigned char>(item.text.front()) >= 0xE4;
-  if (item.glued && item.kind == Item::Kind::word && !ideograph) return false;
+  // Chinese writes no blanks between words.
+  if (item.glued && item.kind == Item::Kind::word && !isIdeograph(item.text)) return false;
   if (introduced == Marker::info) {
     return isWordOf(at, {SumRole::balance, SumRole::limit}) ||
            (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));

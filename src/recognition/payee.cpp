@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <optional>
 #include <span>
 
+#include "names/letter_case.h"
 #include "recognition/lone_name.h"
 #include "recognition/name_extent.h"
 #include "recognition/name_text.h"
@@ -13,8 +13,11 @@
 namespace kivo::recognition {
 
 using money::Kind;
+using names::LetterCase;
 
 namespace {
+
+bool isAscii(char character) { return static_cast<unsigned char>(character) < 0x80; }
 
 // The places that name a payee.
 enum class Place {
@@ -138,10 +141,10 @@ class Names {
     const Marker* const marker = wording.as<Marker>();
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
     const std::size_t end = extent_.endOfName(begin, introduced);
-    const bool latin = static_cast<unsigned char>(items_[wording.begin].text.front()) < 0x80;
-    if (latin && !items_[begin].named && isProse(introduced, begin, end)) return {};
+    const bool cased = names::caseOfFirst(items_[wording.begin].text) != LetterCase::none;
+    if (cased && !items_[begin].named && isProse(introduced, begin, end)) return {};
     // "from Lotus Bank card 12" is the person's side. In Arabic it is "from the shop by card 12".
-    const bool ownSide = latin && (introduced == Marker::ends ||
+    const bool ownSide = cased && (introduced == Marker::ends ||
                                    (kind_ != Kind::income && introduced == Marker::from));
     if (ownSide && extent_.isWordOf(end, {Marker::own})) return {};
     return shown(begin, end, introduced);
@@ -150,18 +153,20 @@ class Names {
   // Whether the items are no name. Behind "for", "by" and the like a name has a capital, unless it
   // is an address: "lotus@upi".
   [[nodiscard]] bool isProse(Introduction introduced, std::size_t begin, std::size_t end) const {
+    const std::string_view name = message_.text.substr(items_[begin].begin);
+    const LetterCase first = names::caseOfFirst(name);
+    const bool small = first == LetterCase::small;
+    // Russian "в" is also in front of manners: "в приложении". A shop may be "at maple gas".
+    if (introduced == Marker::at && small && !isAscii(name.front())) return true;
     if (introduced != Marker::towards && introduced != Marker::by && introduced != Marker::to &&
         introduced != Marker::from && introduced != Marker::ends) {
       return false;
     }
-    const char first = message_.text[items_[begin].begin];
-    const bool small = first >= 'a' && first <= 'z';
-    const bool latin = items_[begin].kind != Item::Kind::word || small ||
-                       std::isupper(static_cast<unsigned char>(first)) != 0;
+    const bool cased = items_[begin].kind != Item::Kind::word || first != LetterCase::none;
     // "on Nov 6"
     const bool day = begin + 1 < items_.size() && items_[begin + 1].isPiece;
     if (introduced == Marker::ends && day) return true;
-    if (introduced == Marker::ends && (items_[begin].kind != Item::Kind::word || !latin))
+    if (introduced == Marker::ends && (items_[begin].kind != Item::Kind::word || !cased))
       return true;
     return small && std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                  items_.begin() + static_cast<std::ptrdiff_t>(end),

@@ -76,7 +76,7 @@ bool isPlausible(const StatedCurrency& stated, const Items& items, std::size_t n
   }
   if (only.text.size() > 1) return true;
   const bool glued = stated.begin < number ? items[number].glued : only.glued;
-  return (only.capitals || only.text == "d") && glued && stated.mayBe(book);
+  return (only.capitals || only.text == "d" || only.text == "r") && glued && stated.mayBe(book);
 }
 
 }  // namespace

@@ -139,7 +139,9 @@ class SumReader {
 
   [[nodiscard]] bool isBareSum(std::size_t number) const {
     const std::string& digits = items_[number].text;
-    if (digits.find_first_of(".,") != std::string::npos) return true;
+    const bool separated = digits.find_first_of(".,") != std::string::npos;
+    if (separated && wordings_.anyEndsAt(items_, number, Marker::own)) return false;
+    if (separated) return true;
     std::size_t end = number;
     while (end > 0 && isMark(items_[end - 1], ":-+=.")) --end;
     if (wordings_.anyEndsAt(items_, end, SumRole::amount)) return true;

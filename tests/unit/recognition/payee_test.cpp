@@ -39,10 +39,21 @@ TEST(AName, HasACapitalBehindAPreposition) {
   EXPECT_EQ(payeeOf("EGP 50.00 debited to anna@pay"), "anna@pay");
 }
 
+TEST(AName, HasACapitalInCyrillicToo) {
+  EXPECT_EQ(read("Вы заплатили 500 р в СОСНА АЗС", "RUB").payee, "СОСНА АЗС");
+  EXPECT_EQ(read("Вы заплатили 500 р в приложении", "RUB").payee, "");
+  EXPECT_EQ(read("Получено 500 р от Анна К на карту 1234", "RUB").payee, "Анна К");
+  EXPECT_EQ(read("Получено 500 р от клиента", "RUB").payee, "");
+}
+
 TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
   EXPECT_EQ(payeeOf("EGP 50.00 debited from a/c 4821; Mona Samir has just been credited"),
             "Mona Samir");
   EXPECT_EQ(payeeOf("Has been credited EGP 50.00"), "");
+}
+
+TEST(AName, InChineseEndsBeforeTheVerb) {
+  EXPECT_EQ(read("尾号1190在松果消费62.50元", "CNY").payee, "松果");
 }
 
 TEST(AName, EndsAtAMark) {
@@ -115,6 +126,12 @@ TEST(APayeeOfAnIncome, IsTheSenderOrAShopThatGivesMoneyBack) {
 
 TEST(AName, MayHoldAnArticle) {
   EXPECT_EQ(payeeOf("Compra de EGP 20.00 en Panaderia El Sol"), "Panaderia El Sol");
+}
+
+TEST(AName, WithoutWordsMayStandBesideTheSum) {
+  EXPECT_EQ(payeeOf("Purchase EGP 48.13 SUN MARKET card 1234"), "SUN MARKET");
+  EXPECT_EQ(payeeOf("Purchase EGP 48.13, card 1234, SUN MARKET. Balance EGP 20.00"), "SUN MARKET");
+  EXPECT_EQ(payeeOf("EGP 48.13 was debited. Utility services. Balance EGP 20.00"), "");
 }
 
 TEST(AName, OfTheCardIsNotThePayees) {

@@ -34,6 +34,15 @@ std::string sumsIn(std::string_view text, std::string_view book) {
   return sums;
 }
 
+TEST(ASum, MayBeGluedToAnArabicWord) {
+  EXPECT_EQ(sumsIn("برداشت620,000\nمانده1,480,000", "IRR"), "62000000, 148000000");
+  EXPECT_EQ(sumsIn("XX620,000", "IRR"), "");
+}
+
+TEST(ASum, IsNotTheNumberOfAnAccount) {
+  EXPECT_EQ(sumsIn("حساب 44.120\n-350,000", "IRR"), "-35000000");
+}
+
 TEST(ASum, MayHaveASignInFrontOfItsNumberOrCurrency) {
   EXPECT_EQ(sumsIn("+20.00 EGP", "EGP"), "+2000 EGP");
   EXPECT_EQ(sumsIn("EGP -20.00", "EGP"), "-2000 EGP");
