@@ -75,9 +75,9 @@ void ledgerListMonth(State& state) {
   fill(folders, state.range(0));
   std::size_t lines = 0;
   for (auto _ : state) {
-    const auto book = Book::open();
+    const Book book = Book::open();
     const auto entries =
-        book->entries({.from = money::Day("2026-10-01"), .to = money::Day("2026-10-31")});
+        book.entries({.from = money::Day("2026-10-01"), .to = money::Day("2026-10-31")});
     benchmark::DoNotOptimize(ledger::EntryListing::table(entries, 100));
     lines = entries.size();
   }

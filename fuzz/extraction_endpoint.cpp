@@ -27,7 +27,7 @@ struct Ledger {
   ExtractionEndpoint endpoint{[] { return std::optional(money::CurrencyCode("EGP")); },
                               [this](const book::LedgerEntry&) { ++notices; }};
   // Creates the file that `rows` opens.
-  std::optional<book::Book> book = book::Book::open();
+  book::Book book = book::Book::open();
   testkit::RawStore rows{folders.dataHome() / "app.kivo.ledger" / "ledger.sqlite3"};
   int notices = 0;
 
