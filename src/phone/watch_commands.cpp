@@ -17,6 +17,7 @@ namespace {
 
 using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
+using linux_platform::Failure;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 
@@ -32,8 +33,10 @@ std::string senderOf(const GivenParameters& given) {
 
 void addSender(const GivenParameters& given) {
   const std::string sender = senderOf(given);
-  if (const auto objection = SenderPattern::objectionTo(sender)) {
-    throw BadUsage("a sender " + *objection + "; nothing was changed");
+  try {
+    SenderPattern::check(sender);
+  } catch (const Failure& failure) {
+    throw BadUsage(std::string(failure.what()) + "; nothing was changed");
   }
   const auto lock = SendersFile::lock();
   std::vector<std::string> senders = SendersFile::read().senders;

@@ -1,9 +1,14 @@
 #include "sms_watcher/sender_pattern.h"
 
+#include <string>
+
 #include "platform/foundation/character_set.h"
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::SenderPattern {
 namespace {
+
+using linux_platform::Failure;
 
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view partingMarks = " -.()";
@@ -11,6 +16,11 @@ constexpr std::string_view partingMarks = " -.()";
 bool isPhoneNumber(std::string_view text) {
   return text.find_first_of(digits) != std::string_view::npos &&
          text.find_first_not_of("0123456789+* -.()") == std::string_view::npos;
+}
+
+bool isValid(std::string_view pattern) {
+  const std::string_view trimmed = platform::trimmingWhitespaces(pattern);
+  return trimmed.find_first_not_of('*') != std::string_view::npos;
 }
 
 // Normalizes a sender for comparison.
@@ -51,16 +61,13 @@ bool fits(std::string_view pattern, std::string_view text) {
 }  // namespace
 
 bool means(std::string_view pattern, std::string_view sender) {
-  return !objectionTo(pattern) && fits(comparable(pattern), comparable(sender));
+  return isValid(pattern) && fits(comparable(pattern), comparable(sender));
 }
 
-std::optional<std::string> objectionTo(std::string_view pattern) {
-  const std::string_view trimmed = platform::trimmingWhitespaces(pattern);
-  if (trimmed.empty()) return "is empty";
-  if (trimmed.find_first_not_of('*') == std::string_view::npos) {
-    return "of * alone would hand on the messages of everybody";
-  }
-  return std::nullopt;
+void check(std::string_view pattern) {
+  if (isValid(pattern)) return;
+  if (platform::trimmingWhitespaces(pattern).empty()) throw Failure("a sender is empty");
+  throw Failure("a sender of * alone would hand on the messages of everybody");
 }
 
 }  // namespace kivo::SenderPattern

@@ -1,8 +1,6 @@
 // Matches senders against the patterns in the user's settings.
 #pragma once
 
-#include <optional>
-#include <string>
 #include <string_view>
 
 namespace kivo::SenderPattern {
@@ -13,8 +11,7 @@ namespace kivo::SenderPattern {
 /// with its country code does not match the same number without it.
 bool means(std::string_view pattern, std::string_view sender);
 
-/// Returns why `pattern` is invalid, as a phrase to follow "a sender"; nullopt when it is valid. A
-/// pattern must not be blank or consist only of *.
-std::optional<std::string> objectionTo(std::string_view pattern);
+/// Throws Failure for an invalid pattern: one that is blank or consists only of *.
+void check(std::string_view pattern);
 
 }  // namespace kivo::SenderPattern

@@ -47,6 +47,19 @@ std::string textOf(const std::vector<std::string>& senders) {
   return out.str();
 }
 
+// The content of the file, whose senders `senders` reads. Puts the path in front of a failure.
+template <typename Senders>
+Content contentOf(const Senders& senders) {
+  const auto path = place();
+  if (!path) return {};
+  try {
+    const linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
+    return {.senders = senders(file.text), .changed = file.changed};
+  } catch (const Failure& failure) {
+    throw Failure(path->string() + ": " + failure.what());
+  }
+}
+
 }  // namespace
 
 std::optional<std::filesystem::path> place() {
@@ -55,27 +68,16 @@ std::optional<std::filesystem::path> place() {
   return *home / "kivo" / "sms-watcher.toml";
 }
 
-Content read() {
-  const auto path = place();
-  if (!path) return {};
-  try {
-    const linux_platform::SettingsFile file = linux_platform::readSettingsFile(*path);
-    return {.senders = sendersIn(file.text), .changed = file.changed};
-  } catch (const Failure& failure) {
-    throw Failure(path->string() + ": " + failure.what());
-  }
-}
+Content read() { return contentOf(sendersIn); }
 
 linux_platform::SettingsLock lock() { return linux_platform::SettingsLock(place().value_or("")); }
 
 Content readValid() {
-  Content content = read();
-  for (const std::string& sender : content.senders) {
-    if (const auto objection = SenderPattern::objectionTo(sender)) {
-      throw Failure(place()->string() + ": a sender " + *objection);
-    }
-  }
-  return content;
+  return contentOf([](const std::string& bytes) {
+    std::vector<std::string> senders = sendersIn(bytes);
+    for (const std::string& sender : senders) SenderPattern::check(sender);
+    return senders;
+  });
 }
 
 void write(const std::vector<std::string>& senders) {
