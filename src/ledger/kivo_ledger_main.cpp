@@ -1,7 +1,6 @@
 // The program kivo-ledger: the backend on one's own machine.
 #include <chrono>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
 #include "ledger/book_currency.h"
@@ -52,14 +51,10 @@ void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseco
 }
 
 void serve(const GivenParameters& given) {
-  try {
-    if (const auto handedOver = ListeningSocket::handedOver()) {
-      serveOn(*handedOver, longestIdleTime);
-    } else {
-      serveOn(ownSocket(given), std::nullopt);
-    }
-  } catch (const std::runtime_error& error) {  // of the system, too
-    throw CommandFailure(error.what());
+  if (const auto handedOver = ListeningSocket::handedOver()) {
+    serveOn(*handedOver, longestIdleTime);
+  } else {
+    serveOn(ownSocket(given), std::nullopt);
   }
 }
 

@@ -1,10 +1,9 @@
 #include "ledger/review_notifier.h"
 
-#include <stdexcept>
-
 #include "feedback/expense_notifier.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/concurrency/task_executor.h"
+#include "platform/linux/foundation/failure.h"
 #include "store/store_keys.h"
 
 namespace kivo::ledger {
@@ -26,7 +25,7 @@ void ReviewNotifier::post(const LedgerEntry& entry) {
     if (reached_ == nullptr) reached_ = std::make_unique<Reached>();
     reached_->executor.start(
         reached_->platform.asOneRun(ExpenseNotifier::post("🔎 Needs a look", body(entry))));
-  } catch (const std::runtime_error&) {  // no thread can be started
+  } catch (const linux_platform::Failure&) {  // no thread can be started
     reached_.reset();
   }
 }

@@ -14,6 +14,8 @@
 #include <boost/beast/http.hpp>
 #include <unistd.h>
 
+#include "platform/linux/foundation/failure.h"
+
 namespace kivo::ledger {
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -184,7 +186,11 @@ void Exchange::respond(UnixHttpServer::Answer answer) {
 
 void UnixHttpServer::run(const ListeningSocket& socket,
                          std::optional<std::chrono::milliseconds> idleLimit) {
-  Connections(handler_, socket, idleLimit).run();
+  try {
+    Connections(handler_, socket, idleLimit).run();
+  } catch (const boost::system::system_error& error) {
+    throw linux_platform::Failure(error.what());
+  }
 }
 
 }  // namespace kivo::ledger

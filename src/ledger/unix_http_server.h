@@ -35,7 +35,8 @@ class UnixHttpServer {
   /// Accepts connections on `socket` until SIGTERM or SIGINT, or until no connection was open for
   /// `idleLimit`, if given. Then stops accepting, closes connections whose request is incomplete,
   /// and returns when the other responses are sent. Answers a body over 1 MiB with 413 and other
-  /// invalid HTTP with 400. Closes a connection after 10 s without a complete exchange.
+  /// invalid HTTP with 400. Closes a connection after 10 s without a complete exchange. Throws
+  /// Failure when the system refuses it a file descriptor at the start.
   void run(const ListeningSocket& socket, std::optional<std::chrono::milliseconds> idleLimit);
 
  private:

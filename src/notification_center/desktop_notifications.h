@@ -30,8 +30,7 @@ enum class ShowOutcome {
 class DesktopNotifications {
  public:
   /// Calls `serverAppeared` whenever a server takes the desktop's bus name. The event loop of `bus`
-  /// must have ended before this object is destroyed. Throws std::runtime_error with a one-line
-  /// message when the bus cannot be used.
+  /// must have ended before this object is destroyed. Throws Failure when the bus cannot be used.
   DesktopNotifications(DBusConnection* bus, std::function<void()> serverAppeared);
   DesktopNotifications(const DesktopNotifications&) = delete;
   DesktopNotifications& operator=(const DesktopNotifications&) = delete;

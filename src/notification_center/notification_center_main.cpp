@@ -1,9 +1,9 @@
 // The program kivo-notification-center. The session bus starts it at the first call.
 #include <optional>
-#include <stdexcept>
 
 #include "notification_center/notification_center.h"
 #include "notification_center/notification_center_service.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/process/stop_signals.h"
 #include "platform/linux/terminal/service_program.h"
@@ -17,7 +17,7 @@ int serve() {
 
   // Opened only after the bus name is taken, so that no other center uses it.
   auto record = kivo::NotificationRecord::open();
-  if (!record) throw std::runtime_error("the stored notifications cannot be opened");
+  if (!record) throw kivo::linux_platform::Failure("the stored notifications cannot be opened");
   center.emplace(std::move(*record), [&service](const auto& content, auto done) {
     service.show(content, std::move(done));
   });

@@ -1,7 +1,6 @@
 #include "notification_center/notification_center_service.h"
 
 #include <cstdint>
-#include <stdexcept>
 #include <utility>
 
 #include "notification_center/request_reader.h"
@@ -9,6 +8,7 @@
 #include "platform/linux/bus/bus_loop.h"
 #include "platform/linux/bus/notification_center_interface.h"
 #include "platform/linux/bus/served_object.h"
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo {
 
@@ -97,7 +97,7 @@ std::vector<BusMethod> methodsOf(NotificationCenter& center) {
 
 BusConnection connectionWithName() {
   BusConnection bus = connectToSessionBus();
-  if (!bus) throw std::runtime_error("there is no session bus");
+  if (!bus) throw linux_platform::Failure("there is no session bus");
   takeBusName(bus.get(), notification_center_interface::object.service);
   return bus;
 }
@@ -126,7 +126,7 @@ void NotificationCenterService::serve(NotificationCenter& center) {
         std::make_unique<DesktopNotifications>(bus, [&center] { center.serverAppeared(); });
     serveObject(bus, notification_center_interface::object, methodsOf(center));
     bus_->loop.run([&center] { return center.showDue(); });
-  } catch (const std::runtime_error&) {
+  } catch (const linux_platform::Failure&) {
     // The bus connection was lost before the objects were registered.
   }
 }

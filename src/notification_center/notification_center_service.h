@@ -13,8 +13,8 @@ namespace kivo {
 class NotificationCenterService {
  public:
   /// Connects to the session bus and takes the center's bus name, so that no second center can
-  /// start. Calls wait until `serve`. Throws std::runtime_error with a one-line message when there
-  /// is no bus or another program owns the name.
+  /// start. Calls wait until `serve`. Throws Failure when there is no bus or another program owns
+  /// the name.
   NotificationCenterService();
   ~NotificationCenterService();
   NotificationCenterService(const NotificationCenterService&) = delete;

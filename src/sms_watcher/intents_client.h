@@ -23,9 +23,9 @@ class IntentsClient {
   };
 
   /// Connects to the session bus and takes the bus name `ownName`, so that only one such client
-  /// runs. `timeout` is that of each call. Throws std::runtime_error with a one-line message when
-  /// there is no bus or another program owns the name. Calls `onChange` on the bus thread when a
-  /// call has ended and when the bus is gone.
+  /// runs. `timeout` is that of each call. Throws Failure when there is no bus or another program
+  /// owns the name. Calls `onChange` on the bus thread when a call has ended and when the bus is
+  /// gone.
   IntentsClient(const std::string& ownName, std::chrono::milliseconds timeout,
                 std::function<void()> onChange);
   ~IntentsClient();

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <map>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,6 +13,7 @@
 #include "platform/linux/bus/bus_connection.h"
 #include "platform/linux/bus/bus_loop.h"
 #include "platform/linux/bus/bus_signal.h"
+#include "platform/linux/foundation/failure.h"
 #include "sms_watcher/modem_manager_interface.h"
 
 namespace kivo {
@@ -42,7 +42,7 @@ constexpr std::chrono::milliseconds longestPause = std::chrono::minutes(5);
 
 BusConnection connection() {
   BusConnection bus = connectToSystemBus();
-  if (!bus) throw std::runtime_error("there is no system bus");
+  if (!bus) throw linux_platform::Failure("there is no system bus");
   return bus;
 }
 

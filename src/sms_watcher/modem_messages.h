@@ -25,8 +25,7 @@ class ModemMessages {
 
   /// Connects to the system bus. `timeout` is that of each call to ModemManager. After a failure
   /// the modems are read again after `pause`, which doubles each time, up to five minutes.
-  /// ModemManager need not run, and is not started. Throws std::runtime_error with a one-line
-  /// message when there is no system bus.
+  /// ModemManager need not run, and is not started. Throws Failure when there is no system bus.
   ModemMessages(std::chrono::milliseconds timeout, std::chrono::milliseconds pause);
   ~ModemMessages();
   ModemMessages(const ModemMessages&) = delete;

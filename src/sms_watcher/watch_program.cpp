@@ -4,11 +4,11 @@
 #include <atomic>
 #include <iostream>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
 #include <unistd.h>
 
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/process/stop_signals.h"
 #include "sms_watcher/intents_client.h"
@@ -146,8 +146,8 @@ int runSmsWatcher(const WatchLimits& limits) {
     WatchProgram program(limits);
     running = &program;
     return program.run();
-  } catch (const std::runtime_error& error) {
-    tell(error.what());
+  } catch (const linux_platform::Failure& failure) {
+    tell(failure.what());
     return 1;
   }
 }

@@ -42,8 +42,8 @@ FOLDERS = {
         "widget_kit": {"foundation"},
     },
     "platform/linux": {
-        "concurrency": set(),
-        "bus": {"concurrency"},
+        "concurrency": {"foundation"},
+        "bus": {"concurrency", "foundation"},
         "foundation": set(),
         "locale": set(),
         "process": {"concurrency"},

@@ -2,9 +2,10 @@
 
 #include <cstdlib>
 #include <new>
-#include <stdexcept>
 
 #include <dbus/dbus.h>
+
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::linux_platform {
 
@@ -54,7 +55,7 @@ BusConnection connectToSystemBus() {
 void takeBusName(DBusConnection* bus, const std::string& name) {
   if (dbus_bus_request_name(bus, name.c_str(), DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
       DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
-    throw std::runtime_error("another program is " + name);
+    throw Failure("another program is " + name);
   }
 }
 

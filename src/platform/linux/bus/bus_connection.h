@@ -32,8 +32,8 @@ BusConnection connectToBus(const std::string& address);
 BusConnection connectToSessionBus();
 BusConnection connectToSystemBus();
 
-/// Requests the bus name `name` and blocks until the bus has answered. Throws std::runtime_error
-/// with one line when another program owns it or the connection is lost.
+/// Requests the bus name `name` and blocks until the bus has answered. Throws Failure when another
+/// program owns it or the connection is lost.
 void takeBusName(DBusConnection* bus, const std::string& name);
 
 }  // namespace kivo::linux_platform

@@ -14,6 +14,8 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include "platform/linux/foundation/failure.h"
+
 namespace kivo::linux_platform {
 
 using Clock = std::chrono::steady_clock;
@@ -93,7 +95,7 @@ BusLoop::BusLoop(DBusConnection* bus)
     : bus_(bus),
       deadlines_(std::make_unique<Deadlines>(bus)),
       wakeDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (wakeDescriptor_ < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
+  if (wakeDescriptor_ < 0) throw Failure("eventfd: " + std::generic_category().message(errno));
 }
 
 BusLoop::~BusLoop() { close(wakeDescriptor_); }

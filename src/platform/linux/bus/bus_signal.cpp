@@ -2,8 +2,9 @@
 
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <utility>
+
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -58,7 +59,7 @@ void subscribe(DBusConnection* bus, const BusSignal& signal, OnSignal onSignal) 
   dbus_bus_add_match(bus, matchRule(signal).c_str(), &error);
   const bool refused = dbus_error_is_set(&error) != 0;
   dbus_error_free(&error);
-  if (refused) throw std::runtime_error("the bus refuses to deliver signals");
+  if (refused) throw Failure("the bus refuses to deliver signals");
 }
 
 void subscribeToOwner(DBusConnection* bus, const char* service,

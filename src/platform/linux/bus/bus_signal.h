@@ -34,7 +34,7 @@ using OnSignal = std::function<void(HeardSignal)>;
 /// Calls `onSignal` for each matching signal, on the thread that serves `bus`, until the connection
 /// is closed. Blocks until the bus has answered. A program can also send a signal directly to this
 /// one; neither the bus nor libdbus checks the sender then, so `onSignal` has to compare it. Throws
-/// std::runtime_error with one line when the bus refuses the subscription.
+/// Failure when the bus refuses the subscription.
 void subscribe(DBusConnection* bus, const BusSignal& signal, OnSignal onSignal);
 
 /// Calls `onChange` when the owner of the bus name `service` changes, with the unique name of the

@@ -7,7 +7,6 @@
 #include <future>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -15,6 +14,7 @@
 #include "platform/linux/bus/bus_call.h"
 #include "platform/linux/bus/bus_loop.h"
 #include "platform/linux/concurrency/background_thread.h"
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::linux_platform {
 
@@ -133,7 +133,7 @@ void BusThread::performAndWait(Step step, std::chrono::milliseconds timeout) {
   std::future<void> ended = ending->get_future();
   post([step = std::move(step), ending](DBusConnection* bus) {
     try {
-      if (bus == nullptr) throw std::runtime_error("there is no session bus");
+      if (bus == nullptr) throw Failure("there is no session bus");
       step(bus);
       ending->set_value();
     } catch (...) {
@@ -141,7 +141,7 @@ void BusThread::performAndWait(Step step, std::chrono::milliseconds timeout) {
     }
   });
   if (ended.wait_for(timeout) != std::future_status::ready) {
-    throw std::runtime_error("the session bus does not answer");
+    throw Failure("the session bus does not answer");
   }
   ended.get();
 }

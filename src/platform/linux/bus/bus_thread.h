@@ -42,7 +42,7 @@ class BusThread {
   void post(Step step);
 
   /// Performs `step` on the thread, as soon as it is connected, and blocks until its end. Throws
-  /// what `step` throws, and std::runtime_error with one line when there is no bus or the step is
+  /// what `step` throws, and Failure when there is no bus or the step is
   /// not done within `timeout`; `step` may still be performed then.
   void performAndWait(Step step, std::chrono::milliseconds timeout);
 

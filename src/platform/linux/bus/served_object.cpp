@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "platform/linux/foundation/failure.h"
+
 namespace kivo::linux_platform {
 namespace {
 
@@ -118,7 +120,7 @@ void serveObject(DBusConnection* bus, const BusObject& object, std::vector<BusMe
                                               nullptr,    nullptr, nullptr};
   auto served = std::make_unique<ServedObject>(ServedObject{object, std::move(methods)});
   if (!dbus_connection_register_object_path(bus, object.path, &table, served.get())) {
-    throw std::runtime_error("the session bus cannot be used");
+    throw Failure("the session bus cannot be used");
   }
   static_cast<void>(served.release());  // the connection deletes it
 }

@@ -54,7 +54,7 @@ struct BusMethod {
 
 /// Serves `methods` of `object` on the thread that serves `bus`, until the connection is closed.
 /// Answers Introspect with the description of `methods`, and other calls with D-Bus's standard
-/// errors. Throws std::runtime_error with one line when the bus cannot be used.
+/// errors. Throws Failure when the bus cannot be used.
 void serveObject(DBusConnection* bus, const BusObject& object, std::vector<BusMethod> methods);
 
 }  // namespace kivo::linux_platform

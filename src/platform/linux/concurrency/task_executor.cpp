@@ -15,6 +15,8 @@
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/thread_pool.hpp>
 
+#include "platform/linux/foundation/failure.h"
+
 namespace kivo::linux_platform {
 namespace asio = boost::asio;
 
@@ -71,7 +73,10 @@ bool RunningTask::waitFor(std::chrono::milliseconds limit) {
   return state_->ended.wait_for(limit) == std::future_status::ready;
 }
 
-TaskExecutor::TaskExecutor(unsigned workers) : pool_(std::make_unique<Pool>(workers)) {}
+TaskExecutor::TaskExecutor(unsigned workers) try : pool_(std::make_unique<Pool>(workers)) {
+} catch (const boost::system::system_error& error) {
+  throw Failure(error.what());
+}
 
 TaskExecutor::~TaskExecutor() {
   if (pool_->terminations) pool_->terminations->cancel();

@@ -34,7 +34,7 @@ class RunningTask {
 /// parallel.
 class TaskExecutor {
  public:
-  /// Throws std::runtime_error when a thread cannot be started.
+  /// Throws Failure when a thread cannot be started.
   explicit TaskExecutor(unsigned workers);
   /// Waits until all started tasks have ended, then restores the default action of SIGTERM and
   /// SIGINT.

@@ -1,10 +1,10 @@
 #include "platform/linux/terminal/service_program.h"
 
 #include <iostream>
-#include <stdexcept>
 #include <string_view>
 
 #include "platform/linux/foundation/complaint.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_description.h"
 #include "platform/linux/terminal/command_line.h"
@@ -34,8 +34,8 @@ int runService(const ServiceProgram& program, int argc, char** argv) {
   }
   try {
     return program.serve();
-  } catch (const std::runtime_error& error) {
-    complain(program.name, escapedControls(error.what()));
+  } catch (const Failure& failure) {
+    complain(program.name, escapedControls(failure.what()));
     return 1;
   }
 }

@@ -10,7 +10,7 @@ struct ServiceProgram {
   std::string name;
   /// Its description in the help, as whole lines.
   std::string purpose;
-  /// Returns the exit status. Throws std::runtime_error with the reason when it cannot serve.
+  /// Returns the exit status. Throws Failure when it cannot serve.
   std::function<int()> serve;
 };
 
