@@ -4,11 +4,17 @@
 
 #include "intents/expense_intents_extension.h"
 #include "platform/linux/app_intents/intents_service.h"
+#include "platform/linux/foundation/failure.h"
 #include "platform/linux/process/process_start.h"
 
 int main(int, char** argv) {
   kivo::linux_platform::startProcess();
   const std::chrono::milliseconds idleLimit(std::stoi(argv[1]));
   const auto extension = kivo::ExpenseIntentsExtension::make();
-  return kivo::linux_platform::serveIntents(extension, idleLimit) ? 1 : 0;
+  try {
+    kivo::linux_platform::serveIntents(extension, idleLimit);
+    return 0;
+  } catch (const kivo::linux_platform::Failure&) {
+    return 1;
+  }
 }

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "intents/add_expense_intent.h"
+#include "platform/linux/terminal/command_failure.h"
 #include "testkit/rate_merchant_intent.h"
 
 namespace kivo::linux_platform {
@@ -28,11 +29,20 @@ class ParametersFromTexts : public ::testing::Test {
     if (standardInput_ >= 0) close(standardInput_);
   }
 
-  std::optional<std::string> fill(const ParameterTexts& texts, const std::string& input = "") {
+  void fill(const ParameterTexts& texts, const std::string& input = "") {
     input_.str(input);
     std::cin.rdbuf(&input_);
     std::cin.clear();
-    return fillParameters(intent_, texts);
+    fillParameters(intent_, texts);
+  }
+  // The sentence by which `texts` are refused; empty when they are not.
+  std::string refusal(const ParameterTexts& texts, const std::string& input = "") {
+    try {
+      fill(texts, input);
+    } catch (const BadUsage& refused) {
+      return refused.what();
+    }
+    return "";
   }
 
   AddExpenseIntent intent_;
@@ -44,58 +54,61 @@ class ParametersFromTexts : public ::testing::Test {
 };
 
 TEST_F(ParametersFromTexts, AreFilledByName) {
-  EXPECT_EQ(fill({{"merchant", "Cafe"}, {"amount", "12.5"}}), std::nullopt);
+  fill({{"merchant", "Cafe"}, {"amount", "12.5"}});
   EXPECT_EQ(intent_.amount.value(), 12.5);
   EXPECT_EQ(intent_.merchant.value(), "Cafe");
 }
 
 TEST_F(ParametersFromTexts, ReadATextFromStandardInputByteForByte) {
   const std::string input("Cafe\0 \n\n", 8);
-  EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "1"}}, input), std::nullopt);
+  fill({{"merchant", "-"}, {"amount", "1"}}, input);
   EXPECT_EQ(intent_.merchant.value(), input);
-  EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "1"}}, ""), std::nullopt);
+  fill({{"merchant", "-"}, {"amount", "1"}}, "");
   EXPECT_EQ(intent_.merchant.value(), "");
 }
 
 TEST_F(ParametersFromTexts, ReadAMegabyteFromStandardInput) {
   const std::string input(1 << 20, '\0');
-  EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "1"}}, input), std::nullopt);
+  fill({{"merchant", "-"}, {"amount", "1"}}, input);
   EXPECT_EQ(intent_.merchant.value(), input);
 }
 
 TEST_F(ParametersFromTexts, CannotReadANumberFromStandardInput) {
-  EXPECT_EQ(fill({{"merchant", "Cafe"}, {"amount", "-"}}, "12.5"),
+  EXPECT_EQ(refusal({{"merchant", "Cafe"}, {"amount", "-"}}, "12.5"),
             "--amount cannot be read from standard input");
 }
 
 TEST_F(ParametersFromTexts, CannotReadTwoTextsFromStandardInput) {
-  EXPECT_EQ(fill({{"merchant", "-"}, {"amount", "-"}}, "12.5"),
+  EXPECT_EQ(refusal({{"merchant", "-"}, {"amount", "-"}}, "12.5"),
             "only one parameter can be read from standard input");
 }
 
 TEST_F(ParametersFromTexts, ReportAnUnknownNameFirst) {
-  EXPECT_EQ(fill({{"smsText", "x"}}), "unknown parameter --smsText");
+  EXPECT_EQ(refusal({{"smsText", "x"}}), "unknown parameter --smsText");
 }
 
 TEST_F(ParametersFromTexts, ReportAMissingParameterWithoutATerminal) {
-  EXPECT_EQ(fill({{"merchant", "Cafe"}}), "missing parameter --amount");
-  EXPECT_EQ(fill({{"amount", "1"}}), "missing parameter --merchant");
+  EXPECT_EQ(refusal({{"merchant", "Cafe"}}), "missing parameter --amount");
+  EXPECT_EQ(refusal({{"amount", "1"}}), "missing parameter --merchant");
 }
 
 TEST_F(ParametersFromTexts, ReportAnInvalidNumberWithoutRepeatingIt) {
-  EXPECT_EQ(fill({{"merchant", "Cafe"}, {"amount", "1,5"}}),
+  EXPECT_EQ(refusal({{"merchant", "Cafe"}, {"amount", "1,5"}}),
             "--amount needs a number such as 12.5");
 }
 
 TEST_F(ParametersFromTexts, ReportTheRangeOfANumberOutsideIt) {
   testkit::RateMerchantIntent rating;
-  EXPECT_EQ(fillParameters(rating, {{"merchant", "Cafe"}, {"stars", "12.5"}}),
-            "--stars needs a number from 1.0 to 5.0");
+  EXPECT_THAT(
+      [&] {
+        fillParameters(rating, {{"merchant", "Cafe"}, {"stars", "12.5"}});
+      },
+      testing::ThrowsMessage<BadUsage>("--stars needs a number from 1.0 to 5.0"));
 }
 
 TEST_F(ParametersFromTexts, KeepTheirDefaultsWithoutAText) {
   testkit::RateMerchantIntent rating;
-  EXPECT_EQ(fillParameters(rating, {{"merchant", "Cafe"}, {"stars", "5"}}), std::nullopt);
+  fillParameters(rating, {{"merchant", "Cafe"}, {"stars", "5"}});
   EXPECT_EQ(rating.remarkToKeep.value(), "no remark");
 }
 

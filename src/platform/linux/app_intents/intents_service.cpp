@@ -7,7 +7,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +24,7 @@
 #include "platform/linux/bus/intents_interface.h"
 #include "platform/linux/bus/served_object.h"
 #include "platform/linux/concurrency/task_executor.h"
+#include "platform/linux/foundation/failure.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -69,7 +69,7 @@ CalledValues readValues(BusReader entries) {
 
 BusConnection connection() {
   BusConnection bus = connectToSessionBus();
-  if (!bus) throw std::runtime_error("there is no session bus");
+  if (!bus) throw Failure("there is no session bus");
   return bus;
 }
 
@@ -82,7 +82,7 @@ class IntentsService {
     executor_.onTermination([this] { stop(); });
   }
 
-  // Throws std::runtime_error with a one-line message when the name cannot be taken.
+  // Throws Failure when the name cannot be taken.
   void takeName();
   void serve();
 
@@ -264,17 +264,11 @@ void IntentsService::cancelRuns() {
 
 }  // namespace
 
-std::optional<std::string> serveIntents(const platform::AppIntentsExtension& extension,
-                                        std::chrono::milliseconds idleLimit) {
-  std::optional<IntentsService> service;
-  try {
-    service.emplace(extension, idleLimit);
-    service->takeName();
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  service->serve();
-  return std::nullopt;
+void serveIntents(const platform::AppIntentsExtension& extension,
+                  std::chrono::milliseconds idleLimit) {
+  IntentsService service(extension, idleLimit);
+  service.takeName();
+  service.serve();
 }
 
 }  // namespace kivo::linux_platform

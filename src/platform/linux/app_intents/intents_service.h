@@ -2,8 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <optional>
-#include <string>
 
 #include "platform/app_intents/app_intents_extension.h"
 
@@ -13,11 +11,10 @@ namespace kivo::linux_platform {
 /// descriptors allow, 1000 at most; further calls wait. Blocks until no call has been in progress
 /// for `idleLimit`, the bus is gone, or SIGTERM or SIGINT has arrived; in the last two cases it
 /// cancels the network exchanges of its runs. It releases the name before it ends and answers every
-/// call that had arrived by then; later calls start a new process. Returns nullopt, or one line
-/// that says why it could not start, such as no session bus or a name that another program owns.
-/// Installs the platform. Not thread-safe.
-std::optional<std::string> serveIntents(
-    const platform::AppIntentsExtension& extension,
-    std::chrono::milliseconds idleLimit = std::chrono::seconds(10));
+/// call that had arrived by then; later calls start a new process. Throws Failure when it cannot
+/// start, such as without a session bus or when another program owns the name. Installs the
+/// platform. Not thread-safe.
+void serveIntents(const platform::AppIntentsExtension& extension,
+                  std::chrono::milliseconds idleLimit = std::chrono::seconds(10));
 
 }  // namespace kivo::linux_platform

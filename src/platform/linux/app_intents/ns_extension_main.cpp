@@ -3,7 +3,6 @@
 #include <csignal>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -67,7 +66,7 @@ void performAndAnswer(const AppIntentsExtension& extension, AppIntent& intent, b
   std::optional<TaskExecutor> executor;
   try {
     executor.emplace(1);
-  } catch (const std::runtime_error&) {
+  } catch (const Failure&) {
     throw CommandFailure("the system has no thread left to run on; nothing was sent or stored");
   }
   IntentDialog dialog;
@@ -87,9 +86,7 @@ ParameterTexts parameterTexts(const GivenParameters& given) {
 
 void fillAndPerform(const AppIntentsExtension& extension, AppIntent& intent,
                     const GivenParameters& given) {
-  if (const auto complaint = fillParameters(intent, parameterTexts(given))) {
-    throw BadUsage(*complaint);
-  }
+  fillParameters(intent, parameterTexts(given));
   performAndAnswer(extension, intent, given.contains(jsonFlag));
 }
 
@@ -167,9 +164,7 @@ Command serveCommand(const AppIntentsExtension& extension) {
   return {.name = "serve",
           .purpose = "Answer calls on the session bus",
           .parameters = {},
-          .run = [&extension](const GivenParameters&) {
-            if (const auto complaint = serveIntents(extension)) throw CommandFailure(*complaint);
-          }};
+          .run = [&extension](const GivenParameters&) { serveIntents(extension); }};
 }
 
 CommandProgram programOf(const AppIntentsExtension& extension) {

@@ -4,9 +4,9 @@
 #include <iostream>
 #include <iterator>
 
-#include <unistd.h>
-
 #include "platform/foundation/number_text.h"
+#include "platform/linux/terminal/command_failure.h"
+#include "platform/linux/terminal/prompt.h"
 
 namespace kivo::linux_platform {
 namespace {
@@ -24,8 +24,8 @@ constexpr std::size_t longestLine = 4095;
 
 std::string question(const AnyIntentParameter& parameter) {
   const auto& settings = parameter.settings();
-  if (settings.requestValueDialog) return settings.requestValueDialog->text + " ";
-  return std::string(settings.title.key) + " (" + std::string(settings.description.key) + "): ";
+  if (settings.requestValueDialog) return settings.requestValueDialog->text;
+  return std::string(settings.title.key) + " (" + std::string(settings.description.key) + "):";
 }
 
 // Describes the values that a number parameter accepts.
@@ -36,56 +36,59 @@ std::string whatFits(const AnyIntentParameter& parameter) {
          platform::doubleText(range->second);
 }
 
-std::optional<std::string> ask(AnyIntentParameter& parameter) {
-  std::string line;
-  while (std::cerr << question(parameter) << std::flush && std::getline(std::cin, line)) {
-    if (line.size() >= longestLine) {
-      return optionOf(parameter) + " is too long to be typed; give it on standard input";
-    }
-    if (parameter.setFromText(line)) return std::nullopt;
-    std::cerr << "That does not fit; it needs " << whatFits(parameter) << ".\n";
-  }
-  std::cerr << "\n";  // ends the question's line
-  return "missing parameter " + optionOf(parameter);
+BadUsage missing(const AnyIntentParameter& parameter) {
+  return BadUsage("missing parameter " + optionOf(parameter));
 }
 
-std::optional<std::string> take(AnyIntentParameter& parameter, std::string text) {
+void ask(AnyIntentParameter& parameter) {
+  Prompt prompt(std::cin);
+  while (const auto line = prompt.askForLine(question(parameter))) {
+    if (line->size() >= longestLine) {
+      throw BadUsage(optionOf(parameter) + " is too long to be typed; give it on standard input");
+    }
+    if (parameter.setFromText(*line)) return;
+    std::cerr << "That does not fit; it needs " << whatFits(parameter) << ".\n";
+  }
+  throw missing(parameter);
+}
+
+void take(AnyIntentParameter& parameter, std::string text) {
   if (text == "-") {
     if (parameter.valueType() != ValueType::text) {
-      return optionOf(parameter) + " cannot be read from standard input";
+      throw BadUsage(optionOf(parameter) + " cannot be read from standard input");
     }
     text = {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
     // Part of a message could describe another payment than the whole.
-    if (std::ferror(stdin) != 0) return optionOf(parameter) + " could not be read to its end";
+    if (std::ferror(stdin) != 0) {
+      throw BadUsage(optionOf(parameter) + " could not be read to its end");
+    }
   }
-  if (parameter.setFromText(std::move(text))) return std::nullopt;
-  return optionOf(parameter) + " needs " + whatFits(parameter);
+  if (parameter.setFromText(std::move(text))) return;
+  throw BadUsage(optionOf(parameter) + " needs " + whatFits(parameter));
 }
 
 }  // namespace
 
-std::optional<std::string> fillParameters(platform::AppIntent& intent,
-                                          const ParameterTexts& texts) {
+void fillParameters(platform::AppIntent& intent, const ParameterTexts& texts) {
   int fromStandardInput = 0;
   for (const auto& [name, text] : texts) {
-    if (platform::parameterNamed(intent, name) == nullptr) return "unknown parameter --" + name;
+    if (platform::parameterNamed(intent, name) == nullptr) {
+      throw BadUsage("unknown parameter --" + name);
+    }
     if (text == "-" && ++fromStandardInput > 1) {
-      return "only one parameter can be read from standard input";
+      throw BadUsage("only one parameter can be read from standard input");
     }
   }
 
   for (AnyIntentParameter* const parameter : intent.parameters()) {
     const auto given = texts.find(std::string(parameter->settings().name));
-    std::optional<std::string> complaint;
     if (given != texts.end()) {
-      complaint = take(*parameter, given->second);
+      take(*parameter, given->second);
     } else if (!parameter->hasValue()) {
-      complaint =
-          isatty(STDIN_FILENO) == 1 ? ask(*parameter) : "missing parameter " + optionOf(*parameter);
+      if (!inputIsTerminal()) throw missing(*parameter);
+      ask(*parameter);
     }
-    if (complaint) return complaint;
   }
-  return std::nullopt;
 }
 
 }  // namespace kivo::linux_platform

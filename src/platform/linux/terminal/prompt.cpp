@@ -9,17 +9,21 @@
 
 namespace kivo::linux_platform {
 
-std::optional<std::string> Prompt::ask(const std::string& question) {
+std::optional<std::string> Prompt::askForLine(const std::string& question) {
   std::cerr << question << " " << std::flush;
   std::string typed;
-  if (!std::getline(*answers_, typed)) {
-    std::cerr << '\n';
-    return std::nullopt;
-  }
+  if (std::getline(*answers_, typed)) return typed;
+  std::cerr << '\n';
+  return std::nullopt;
+}
+
+std::optional<std::string> Prompt::ask(const std::string& question) {
+  auto typed = askForLine(question);
+  if (!typed) return std::nullopt;
   constexpr std::string_view blanks = " \t\r";
-  typed.erase(typed.find_last_not_of(blanks) + 1);
-  typed.erase(0, typed.find_first_not_of(blanks));
-  return platform::repairedUtf8(typed);
+  typed->erase(typed->find_last_not_of(blanks) + 1);
+  typed->erase(0, typed->find_first_not_of(blanks));
+  return platform::repairedUtf8(*typed);
 }
 
 bool Prompt::confirms(const std::string& question, Preset preset) {

@@ -20,6 +20,9 @@ class Prompt {
   /// when the input ends.
   std::optional<std::string> ask(const std::string& question);
 
+  /// As `ask`, but returns the line byte for byte as it was typed.
+  std::optional<std::string> askForLine(const std::string& question);
+
   /// Asks "`question` [Y/n]" or "`question` [y/N]", as `preset` says. Returns whether the answer is
   /// y, Y or yes; the end of the input means no.
   bool confirms(const std::string& question, Preset preset);
