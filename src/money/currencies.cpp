@@ -128,7 +128,7 @@ constexpr std::array words = std::to_array<CurrencyWord>({
     {"rmb", "CNY"}, {"cny ¥", "CNY"}, {"yuan", "CNY"},
     {"元", "CNY HKD TWD"}, {"港 幣", "HKD"}, {"港 币", "HKD"},
     {"港 元", "HKD"}, {"人 民 币", "CNY"}, {"人 民 幣", "CNY"}, {"台 幣", "TWD"}, {"₩", "KRW"}, {"원", "KRW"},
-    {"krw ₩", "KRW"}, {"fr", "CHF XOF XAF"}, {"sfr", "CHF"},
+    {"원을", "KRW"}, {"원이", "KRW"}, {"krw ₩", "KRW"}, {"fr", "CHF XOF XAF"}, {"sfr", "CHF"},
     {"fr .", "CHF"}, {"kr", "SEK NOK DKK ISK"}, {"kr .", "DKK SEK NOK ISK"},
     {"zl", "PLN"}, {"zł", "PLN"}, {"kc", "CZK"},
     {"kč", "CZK"}, {"ft", "HUF"}, {"lei", "RON MDL"},

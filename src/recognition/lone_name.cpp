@@ -30,23 +30,22 @@ bool continuesName(const Items& items, std::size_t at) {
 }
 
 // In "Kite Bank Card 1234" the name is the bank's, but not in "500 KZT DALA MARKET karta 1234".
-// Scripts without capitals need a mark on both sides: "3.500 د.ك - كافيه - بطاقة". In "Mobile
-// service", a sentence begins.
+// Scripts without capitals need a mark on both sides, "3.500 د.ك - كافيه - بطاقة", or a sum and a
+// date: "6,700원 솔카페 04/12". "Mobile service" is prose.
 bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
   const auto behind = std::ranges::lower_bound(message.wordings, end, {}, &Found::begin);
+  const bool known = behind != message.wordings.end() && behind->begin == end;
   const bool besideSum = items[begin].capitals && items[begin - 1].kind == Item::Kind::sum;
-  if (!besideSum && behind != message.wordings.end() && behind->begin == end &&
-      behind->is(Marker::own)) {
-    return false;
-  }
-  const bool small = end < items.size() && items[end].kind == Item::Kind::word &&
-                     !beginsLikeAName(message, end) && items[begin].startsSentence;
+  if (known && behind->is(Marker::own) && !besideSum) return false;
+  const bool small = end < items.size() && items[end].kind == Item::Kind::word && !known &&
+                     !beginsLikeAName(message, end);
   if (small && end == begin + 1 && !items[begin].capitals) return false;
   constexpr std::string_view marks = "-|,/";
   const bool cased = names::caseOfFirst(items[begin].text) != names::LetterCase::none;
-  return cased ||
-         (end < items.size() && isMark(items[begin - 1], marks) && isMark(items[end], marks));
+  if (cased || end >= items.size()) return cased;
+  const bool besideDate = items[begin - 1].kind == Item::Kind::sum && items[end].isPiece;
+  return besideDate || (isMark(items[begin - 1], marks) && isMark(items[end], marks));
 }
 
 }  // namespace

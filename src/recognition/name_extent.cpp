@@ -23,6 +23,7 @@ bool NameExtent::mayBegin(std::size_t at) const {
   if (item.named) return true;
   if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
     return false;
+  if (isChineseMove(at)) return false;
   const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
   const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
   if (article && message_.text[item.begin] != 'T') return false;
@@ -32,6 +33,11 @@ bool NameExtent::mayBegin(std::size_t at) const {
     return false;
   }
   return true;
+}
+
+// Whether a Chinese wording of a movement begins at item `at`: "转账" in "王五转账".
+bool NameExtent::isChineseMove(std::size_t at) const {
+  return isIdeograph(items_[at].text) && at_[at] != nullptr && at_[at]->as<Move>() != nullptr;
 }
 
 // Whether the name continues behind a comma: "MAPLE HARDWARE, AUSTIN, TX for ...".
@@ -79,6 +85,7 @@ bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction in
            (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));
   }
   if (isArticle(at)) return false;
+  if (isChineseMove(at)) return true;
   if (isWordOf(at, {Marker::ends, Marker::own, SumRole::balance, SumRole::limit, Marker::reference,
                     Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
     return true;

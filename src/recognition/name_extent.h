@@ -32,6 +32,7 @@ class NameExtent {
   [[nodiscard]] std::size_t endOfName(std::size_t begin, Introduction introduced) const;
 
  private:
+  [[nodiscard]] bool isChineseMove(std::size_t at) const;
   [[nodiscard]] bool continuesBehindComma(std::size_t comma, std::size_t begin) const;
   [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const;
   [[nodiscard]] bool isNameWord(std::size_t at) const;

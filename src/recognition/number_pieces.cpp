@@ -62,16 +62,18 @@ bool isJoinedPiece(const Items& items, std::size_t at) {
   return before || after;
 }
 
-// "برداشت620,000": banks of Iran leave out the blank and the currency.
-bool isAmountBehindArabic(const Items& items, std::size_t at) {
+// "برداشت620,000", "余额1138.00": some banks leave out the blank and the currency.
+bool isAmountBehindWord(const Items& items, std::size_t at) {
   const std::string& word = items[at - 1].text;
-  return items[at].text.find(',') != std::string::npos && word.front() >= '\xD8' &&
-         word.front() <= '\xDB';
+  const std::string& amount = items[at].text;
+  const bool arabic = word.front() >= '\xD8' && word.front() <= '\xDB';
+  return (arabic && amount.find(',') != std::string::npos) ||
+         (isIdeograph(word) && amount.find_first_of(".,") != std::string::npos);
 }
 
 bool isMasked(const Items& items, std::size_t at) {
   const Item& item = items[at];
-  const bool before = item.glued && at > 0 && !isAmountBehindArabic(items, at) &&
+  const bool before = item.glued && at > 0 && !isAmountBehindWord(items, at) &&
                       (items[at - 1].kind == Item::Kind::word || isMark(items, at - 1, "*#") ||
                        (items[at - 1].kind == Item::Kind::mark && items[at - 1].text.size() > 1));
   const bool after =

@@ -141,7 +141,8 @@ class Names {
     const Marker* const marker = wording.as<Marker>();
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
     const std::size_t end = extent_.endOfName(begin, introduced);
-    const bool cased = names::caseOfFirst(items_[wording.begin].text) != LetterCase::none;
+    const std::string& word = items_[wording.begin].text;
+    const bool cased = isAscii(word.front()) || names::caseOfFirst(word) != LetterCase::none;
     if (cased && !items_[begin].named && isProse(introduced, begin, end)) return {};
     // "from Lotus Bank card 12" is the person's side. In Arabic it is "from the shop by card 12".
     const bool ownSide = cased && (introduced == Marker::ends ||
@@ -182,11 +183,18 @@ class Names {
       return word == "just" || word == "has" || word == "been" || word == "is" || word == "was";
     };
     while (end > 0 && auxiliary(end - 1)) --end;
+    // Without capitals, only its meaning tells a verb from the name: "출금 솔마트 잔액".
+    const auto isVerb = [this](std::size_t at) {
+      const Found* const known = extent_.wordingAt(at);
+      return known != nullptr && known->as<Move>() != nullptr &&
+             names::caseOfFirst(items_[at].text) == LetterCase::none;
+    };
     std::size_t begin = end;
     while (
         !items_[begin].startsSentence &&  // the first item does
         (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
-        !extent_.isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from})) {
+        !extent_.isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from}) &&
+        !isVerb(begin - 1)) {
       --begin;
     }
     if (begin == end || !extent_.mayBegin(begin)) return {};

@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 #include <string>
+#include <tuple>
 
 #include "recognition/spelling.h"
 
@@ -64,6 +65,7 @@ struct WordingPattern {
   std::vector<Element> elements = {};
   // The first word; of a word with an open end only its first character, and "~"; "#" for a sum.
   std::string key = {};
+  std::size_t letters = 0;  // of all its words, in bytes
 };
 
 namespace {
@@ -80,6 +82,7 @@ WordingPattern patternOf(const Wording& wording) {
     }
   }
   pattern.key = keyOf(pattern.elements.front());
+  for (const Element& element : pattern.elements) pattern.letters += element.text.size();
   return pattern;
 }
 
@@ -140,19 +143,27 @@ std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std:
   return at;
 }
 
+// A match of a pattern. The longer one counts: by elements, then by items, then by letters, since
+// "โอนเงินเข้า~" and "โอน~" match the same word.
+struct Match {
+  const WordingPattern* pattern = nullptr;
+  std::size_t end = 0;
+
+  [[nodiscard]] bool isLonger(const Match& other) const {
+    if (other.pattern == nullptr) return true;
+    return std::tuple(pattern->elements.size(), end, pattern->letters) >
+           std::tuple(other.pattern->elements.size(), other.end, other.pattern->letters);
+  }
+};
+
 // Replaces `longest` by the longest of `patterns` that matches at `at`, if that is longer.
 void findLonger(std::span<const WordingPattern* const> patterns, const Items& items, std::size_t at,
-                std::optional<Found>& longest, std::size_t& mostElements) {
+                Match& longest) {
   for (const WordingPattern* const pattern : patterns) {
     const auto end = endOfMatch(pattern->elements, 0, items, at);
-    if (!end || pattern->elements.size() < mostElements) continue;
-    if (longest && pattern->elements.size() == mostElements && *end <= longest->end) continue;
-    mostElements = pattern->elements.size();
-    longest = Found{.meaning = pattern->meaning,
-                    .begin = at,
-                    .end = *end,
-                    .payeeFollows = pattern->elements.back().kind == Element::Kind::name,
-                    .payeePrecedes = pattern->payeePrecedes};
+    if (!end) continue;
+    const Match match{.pattern = pattern, .end = *end};
+    if (match.isLonger(longest)) longest = match;
   }
 }
 
@@ -180,30 +191,34 @@ Wordings Wordings::allBut(std::size_t index) {
 }
 
 std::optional<Found> Wordings::longestAt(const Items& items, std::size_t at) const {
-  std::optional<Found> longest;
-  std::size_t mostElements = 0;
+  Match longest;
   const auto findUnder = [&](std::string_view key) {
     // clang 14 rejects the range that std::ranges::equal_range returns.
     const auto begin = std::ranges::lower_bound(patterns_, key, {}, &WordingPattern::key);
     const auto end =
         std::ranges::upper_bound(begin, patterns_.end(), key, {}, &WordingPattern::key);
-    findLonger({begin, end}, items, at, longest, mostElements);
+    findLonger({begin, end}, items, at, longest);
   };
   const Item& item = items[at];
-  if (item.named) return longest;
   if (item.kind == Item::Kind::sum) {
     findUnder(sumKey);
-    return longest;
+  } else if (!item.text.empty()) {
+    findUnder(item.text);
   }
-  if (item.text.empty()) return longest;
-  findUnder(item.text);
-  if (item.kind != Item::Kind::word) return longest;
-  findUnder(openKey(item.text));
-  const std::string_view bare = withoutPrefix(item.text);
-  if (bare.size() == item.text.size()) return longest;
-  findUnder(bare);
-  findUnder(openKey(bare));
-  return longest;
+  if (item.kind == Item::Kind::word) {
+    findUnder(openKey(item.text));
+    const std::string_view bare = withoutPrefix(item.text);
+    if (bare.size() != item.text.size()) {
+      findUnder(bare);
+      findUnder(openKey(bare));
+    }
+  }
+  if (longest.pattern == nullptr) return std::nullopt;
+  return Found{.meaning = longest.pattern->meaning,
+               .begin = at,
+               .end = longest.end,
+               .payeeFollows = longest.pattern->elements.back().kind == Element::Kind::name,
+               .payeePrecedes = longest.pattern->payeePrecedes};
 }
 
 std::vector<Found> Wordings::foundIn(const Items& items) const {

@@ -142,7 +142,7 @@ TEST_F(MeasuredMessages, OfTheFirstSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheSecondSetAreReadAsWellAsBefore) {
-  measure("messages_second_measure.tsv", {.kindAndAmount = 110, .payee = 40});
+  measure("messages_second_measure.tsv", {.kindAndAmount = 111, .payee = 40});
 }
 
 TEST_F(MeasuredMessages, OfTheThirdSetAreReadAsWellAsBefore) {
@@ -158,11 +158,15 @@ TEST_F(MeasuredMessages, OfTheFifthSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheSixthSetAreReadAsWellAsBefore) {
-  measure("messages_sixth_measure.tsv", {.kindAndAmount = 159, .payee = 71});
+  measure("messages_sixth_measure.tsv", {.kindAndAmount = 159, .payee = 72});
 }
 
 TEST_F(MeasuredMessages, OfTheSeventhSetAreReadAsWellAsBefore) {
-  measure("messages_seventh_measure.tsv", {.kindAndAmount = 174, .payee = 73});
+  measure("messages_seventh_measure.tsv", {.kindAndAmount = 174, .payee = 74});
+}
+
+TEST_F(MeasuredMessages, InOtherLanguagesAreReadAsWellAsBefore) {
+  measure("messages_languages.tsv", {.kindAndAmount = 262, .payee = 78});
 }
 
 }  // namespace

@@ -54,6 +54,8 @@ TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
 
 TEST(AName, InChineseEndsBeforeTheVerb) {
   EXPECT_EQ(read("尾号1190在松果消费62.50元", "CNY").payee, "松果");
+  EXPECT_EQ(read("您收到王五转账62.50元", "CNY").payee, "王五");
+  EXPECT_EQ(read("您收到转账62.50元", "CNY").payee, "");
 }
 
 TEST(AName, EndsAtAMark) {
@@ -132,6 +134,11 @@ TEST(AName, WithoutWordsMayStandBesideTheSum) {
   EXPECT_EQ(payeeOf("Purchase EGP 48.13 SUN MARKET card 1234"), "SUN MARKET");
   EXPECT_EQ(payeeOf("Purchase EGP 48.13, card 1234, SUN MARKET. Balance EGP 20.00"), "SUN MARKET");
   EXPECT_EQ(payeeOf("EGP 48.13 was debited. Utility services. Balance EGP 20.00"), "");
+}
+
+TEST(AName, WithoutCapitalsMayStandBetweenTheSumAndADate) {
+  EXPECT_EQ(read("승인 6,700원 솔카페 04/12", "KRW").payee, "솔카페");
+  EXPECT_EQ(read("출금 솔마트 잔액 9,000원 500원", "KRW").payee, "솔마트");
 }
 
 TEST(AName, OfTheCardIsNotThePayees) {

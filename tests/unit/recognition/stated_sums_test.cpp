@@ -34,7 +34,9 @@ std::string sumsIn(std::string_view text, std::string_view book) {
   return sums;
 }
 
-TEST(ASum, MayBeGluedToAnArabicWord) {
+TEST(ASum, MayBeGluedToAnArabicOrChineseWord) {
+  EXPECT_EQ(sumsIn("余额1138.00", "CNY"), "113800");
+  EXPECT_EQ(sumsIn("尾号1138", "CNY"), "");
   EXPECT_EQ(sumsIn("برداشت620,000\nمانده1,480,000", "IRR"), "62000000, 148000000");
   EXPECT_EQ(sumsIn("XX620,000", "IRR"), "");
 }
