@@ -43,6 +43,10 @@ std::optional<Day> Day::fromText(std::string_view text) {
 
 std::string Day::text() const { return formatted("%04d-%02u-%02u", day_); }
 
+Day Day::before(int count) const {
+  return Day(std::chrono::sys_days(day_) - std::chrono::days(count));
+}
+
 Period Period::of(const Month& first, const Month& last) {
   const std::chrono::year_month_day_last end = last.month_ / std::chrono::last;
   return {Day(first.month_ / 1), Day(end)};

@@ -58,6 +58,8 @@ class Day {
   /// Returns yyyy-MM-dd.
   [[nodiscard]] std::string text() const;
   [[nodiscard]] constexpr Month month() const { return Month(day_.year() / day_.month()); }
+  /// The day that is `count` days before this one, of a year from 0 on.
+  [[nodiscard]] Day before(int count) const;
   /// Its number in the month, from 1.
   [[nodiscard]] int number() const { return static_cast<int>(static_cast<unsigned>(day_.day())); }
 

@@ -5,12 +5,13 @@
 #include <tuple>
 #include <utility>
 
-#include "overview/current_day.h"
+#include "book/current_day.h"
 
 namespace kivo::overview {
 
 using book::Book;
 using book::Counted;
+using book::currentDay;
 using book::GroupSum;
 using money::CurrencyCode;
 using money::Kind;

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
-#include "overview/current_day.h"
+#include "book/current_day.h"
 
 namespace kivo::overview {
 
 using book::Book;
 using book::Counted;
+using book::currentMonth;
 using book::LedgerEntry;
 using money::Kind;
 using money::Money;

@@ -4,11 +4,11 @@
 #include <functional>
 #include <string>
 
+#include "book/current_day.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/opened_book.h"
 #include "ledger/commands/written_file.h"
 #include "ledger/report_file.h"
-#include "overview/current_day.h"
 #include "overview/report_figures.h"
 #include "overview/report_page.h"
 #include "overview/summary_view.h"
@@ -20,8 +20,8 @@
 namespace kivo::ledger {
 
 using book::Book;
+using book::currentMonth;
 using money::Month;
-using overview::currentMonth;
 using overview::MonthSummary;
 using overview::readReport;
 using overview::reportPage;

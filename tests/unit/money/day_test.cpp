@@ -23,6 +23,13 @@ TEST(ADay, HasItsMonthAndItsNumberInIt) {
   EXPECT_EQ(day.number(), 5);
 }
 
+TEST(ADay, CountsBackOverMonthsAndYears) {
+  EXPECT_EQ(Day("2026-11-21").before(0), Day("2026-11-21"));
+  EXPECT_EQ(Day("2026-11-21").before(30), Day("2026-10-22"));
+  EXPECT_EQ(Day("2028-03-01").before(1), Day("2028-02-29"));
+  EXPECT_EQ(Day("2026-01-01").before(366), Day("2024-12-31"));
+}
+
 TEST(ADay, ComesAfterThoseOfEarlierMonthsAndYears) {
   EXPECT_LT(Day("2026-11-30"), Day("2026-12-01"));
   EXPECT_LT(Day("2025-12-31"), Day("2026-01-01"));

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "overview/current_day.h"
+#include "book/current_day.h"
 #include "overview/summary_view.h"
 #include "testkit/set_clock.h"
 #include "unit/recording/ledger_test.h"
@@ -12,9 +12,9 @@ namespace kivo::overview {
 using recording::LedgerTest;
 
 using book::Book;
+using book::currentMonth;
 using money::Kind;
 using money::largestSum;
-using overview::currentMonth;
 using recognition::Outcome;
 using recognition::Reading;
 

@@ -3,9 +3,9 @@
 
 #include "money/day.h"
 
-namespace kivo::overview {
+namespace kivo::book {
 
 money::Day currentDay();
 money::Month currentMonth();
 
-}  // namespace kivo::overview
+}  // namespace kivo::book

@@ -1,8 +1,8 @@
-#include "overview/current_day.h"
+#include "book/current_day.h"
 
 #include "platform/foundation/date_formatter.h"
 
-namespace kivo::overview {
+namespace kivo::book {
 
 money::Day currentDay() {
   const platform::DateFormatter formatter{.dateFormat = "yyyy-MM-dd", .locale = "en_US_POSIX"};
@@ -11,4 +11,4 @@ money::Day currentDay() {
 
 money::Month currentMonth() { return currentDay().month(); }
 
-}  // namespace kivo::overview
+}  // namespace kivo::book
