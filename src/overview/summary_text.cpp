@@ -187,24 +187,9 @@ std::string reviewLine(const MonthSummary& summary) {
          (one ? " transaction waits" : " transactions wait") + " in review:\nkivo-ledger review\n";
 }
 
-// `text` in lines of `width` columns at most, unless a word alone is longer.
-std::string wrapped(std::string_view text, std::size_t width) {
-  std::string lines;
-  std::size_t column = 0;
-  while (!text.empty()) {
-    const std::string_view word = text.substr(0, text.find(' '));
-    text.remove_prefix(std::min(word.size() + 1, text.size()));
-    const bool fits = column + 1 + word.size() <= width;
-    if (column > 0) lines += fits ? ' ' : '\n';
-    lines += word;
-    column = column > 0 && fits ? column + 1 + word.size() : word.size();
-  }
-  return lines + "\n";
-}
-
 std::string leftOutLines(const MonthSummary& summary, const SummaryView::Look& look) {
   const std::string note = leftOutNote(summary.leftOut);
-  return note.empty() ? "" : "\n" + wrapped(note, look.width);
+  return note.empty() ? "" : "\n" + linux_platform::wrappedTo(look.width, note);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <clocale>
 #include <cwchar>
+#include <limits>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -73,6 +74,29 @@ TEST(TextColumns, CutATextBeforeTheFirstCharacterThatDoesNotFit) {
   EXPECT_EQ(cutTo(4, "abcde"), "abc…");
   EXPECT_EQ(cutTo(4, "a円円"), "a円…");
   EXPECT_EQ(cutTo(3, "a円円"), "a…");
+}
+
+TEST(WrappedText, BreaksBetweenWords) {
+  EXPECT_EQ(wrappedTo(9, "one two three"), "one two\nthree\n");
+  EXPECT_EQ(wrappedTo(7, "one two three"), "one two\nthree\n");
+  EXPECT_EQ(wrappedTo(6, "one two three"), "one\ntwo\nthree\n");
+  EXPECT_EQ(wrappedTo(80, " one   two "), "one two\n");
+  EXPECT_EQ(wrappedTo(80, ""), "\n");
+}
+
+TEST(WrappedText, BreaksAWordThatIsWiderThanALine) {
+  EXPECT_EQ(wrappedTo(4, "a abcdefghij k"), "a\nabcd\nefgh\nij k\n");
+  EXPECT_EQ(wrappedTo(3, "円円円"), "円\n円\n円\n");
+  EXPECT_EQ(wrappedTo(1, "円円"), "円円\n");  // no character fits
+}
+
+TEST(WrappedText, IsIndentedWithinItsColumns) {
+  EXPECT_EQ(wrappedTo(9, "one two three", "  "), "  one two\n  three\n");
+  EXPECT_EQ(wrappedTo(0, "one two", "  "), "  one\n  two\n");
+}
+
+TEST(WrappedText, IsOneLineWhereTheWidthHasNoLimit) {
+  EXPECT_EQ(wrappedTo(std::numeric_limits<std::size_t>::max(), "one two", "  "), "  one two\n");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/linux/terminal/text_columns.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include <unicode/uchar.h>
@@ -29,6 +30,18 @@ UChar32 next(std::string_view text, std::size_t& at) {
   return character;
 }
 
+// The length in bytes of the longest front of `text` that fits in `columns`.
+std::size_t frontWithin(std::size_t columns, std::string_view text) {
+  std::size_t taken = 0;
+  std::size_t end = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    taken += columnsOfCharacter(next(text, at));
+    if (taken > columns) break;
+    end = at;
+  }
+  return end;
+}
+
 }  // namespace
 
 std::size_t columnsOf(std::string_view text) {
@@ -44,14 +57,33 @@ std::string paddedTo(std::size_t columns, std::string_view text) {
 
 std::string cutTo(std::size_t columns, std::string_view text) {
   if (columnsOf(text) <= columns) return std::string(text);
-  std::size_t taken = 1;  // the ellipsis
-  std::size_t end = 0;
-  for (std::size_t at = 0; at < text.size();) {
-    taken += columnsOfCharacter(next(text, at));
-    if (taken > columns) break;
-    end = at;
+  const std::size_t ellipsis = 1;
+  return std::string(text.substr(0, frontWithin(columns - std::min(columns, ellipsis), text))) +
+         "…";
+}
+
+std::string wrappedTo(std::size_t columns, std::string_view text, std::string_view indent) {
+  const std::size_t room = columns - std::min(columns, columnsOf(indent));
+  std::string lines;
+  std::string line;
+  const auto end = [&] {
+    lines.append(indent).append(line).append("\n");
+    line.clear();
+  };
+  while (!text.empty()) {
+    std::string_view word = text.substr(0, text.find(' '));
+    text.remove_prefix(std::min(word.size() + 1, text.size()));
+    if (word.empty()) continue;
+    if (!line.empty() && columnsOf(line) + 1 + columnsOf(word) > room) end();
+    while (columnsOf(word) > room && frontWithin(room, word) > 0) {
+      line = word.substr(0, frontWithin(room, word));
+      word.remove_prefix(line.size());
+      end();
+    }
+    line.append(line.empty() ? "" : " ").append(word);
   }
-  return std::string(text.substr(0, end)) + "…";
+  end();
+  return lines;
 }
 
 }  // namespace kivo::linux_platform
