@@ -7,6 +7,8 @@
 #include "book/book_file.h"
 #include "book/book_rates.h"
 #include "book/book_sums.h"
+#include "book/current_day.h"
+#include "book/ignored_messages.h"
 #include "book/payee_memory.h"
 #include "book/stored_entry.h"
 #include "platform/linux/store/replaced_text.h"
@@ -15,10 +17,45 @@ namespace kivo::book {
 
 using linux_platform::Statement;
 
+namespace {
+
+money::Day firstKeptDay() { return currentDay().before(Book::keptDays); }
+
+// The category gets its spelling from the book.
+void applyTo(LedgerEntry& entry, const EntryChange& change) {
+  if (change.date) {
+    entry.date = *change.date;
+    entry.impossibleDate.reset();
+  }
+  if (change.kind) entry.kind = *change.kind;
+  if (change.amount) {
+    entry.amount = change.amount;
+    entry.impossibleCurrency.reset();
+  }
+  if (change.description) entry.description = *change.description;
+}
+
+// Sets a mark until the end of a scope.
+class Marked {
+ public:
+  explicit Marked(bool& mark) : mark_(mark) { mark_ = true; }
+  ~Marked() { mark_ = false; }
+  Marked(const Marked&) = delete;
+  Marked& operator=(const Marked&) = delete;
+
+ private:
+  bool& mark_;
+};
+
+}  // namespace
+
 struct Book::File {
   linux_platform::Database owner;
   sqlite3* database = owner.get();
   bool wasChecked = false;
+  bool isInStep = false;
+  // Whether the step that runs deletes texts.
+  bool owesErasure = false;
 };
 
 Book::Book(std::unique_ptr<File> file) : file_(std::move(file)) {}
@@ -29,9 +66,24 @@ Book::~Book() = default;
 Book Book::open() { return Book(std::make_unique<File>(File{openBookFile()})); }
 
 void Book::inOneStep(const std::function<void()>& steps) {
-  WriteTransaction transaction(file_->database);
-  steps();
-  transaction.commit();
+  if (file_->isInStep) return steps();
+  {
+    const Marked inStep(file_->isInStep);
+    file_->owesErasure = false;
+    WriteTransaction transaction(file_->database);
+    const bool outdated =
+        hasIgnored(file_->database) && deleteIgnoredBefore(file_->database, firstKeptDay());
+    if (outdated) oweErasure();
+    steps();
+    transaction.commit();
+  }
+  if (file_->owesErasure) linux_platform::eraseReplacedText(file_->database);
+}
+
+// Call it in a step that deletes a text.
+void Book::oweErasure() {
+  linux_platform::oweErasure(file_->database);
+  file_->owesErasure = true;
 }
 
 void Book::atOneMoment(const std::function<void()>& reads) const {
@@ -96,29 +148,51 @@ std::vector<GroupSum<std::string>> Book::sumsByName(Names names, const money::Pe
   return book::sumsByName(file_->database, names, {period, largest});
 }
 
+void Book::keepIgnored(const IgnoredMessage& message) {
+  if (message.date < firstKeptDay()) return;
+  inOneStep([&] {
+    insertIgnored(file_->database, message);
+    if (deleteSurplusIgnored(file_->database)) oweErasure();
+  });
+}
+
+std::vector<IgnoredMessage> Book::ignored() const {
+  return storedIgnored(file_->database, firstKeptDay());
+}
+
+std::int64_t Book::ignoredCount() const {
+  return book::ignoredCount(file_->database, firstKeptDay());
+}
+
+std::optional<IgnoredMessage> Book::ignored(std::int64_t number) const {
+  return storedIgnored(file_->database, number, firstKeptDay());
+}
+
+bool Book::removeIgnored(std::int64_t number) {
+  bool found = false;
+  inOneStep([&] {
+    found = deleteIgnored(file_->database, number);
+    if (found) oweErasure();
+  });
+  return found;
+}
+
 bool Book::edit(std::int64_t id, const EntryChange& change) {
-  WriteTransaction transaction(file_->database);
-  auto edited = entry(id);
-  if (!edited) return false;
-  if (change.date) {
-    edited->date = *change.date;
-    edited->impossibleDate.reset();
-  }
-  if (change.kind) edited->kind = *change.kind;
-  if (change.amount) {
-    edited->amount = change.amount;
-    edited->impossibleCurrency.reset();
-  }
-  if (change.description) edited->description = *change.description;
-  if (change.category) edited->category = keepCategory(file_->database, *change.category, id);
-  const bool corrected =
-      edited->state == LedgerEntry::State::setAside && impossibleValue(*edited).empty();
-  if (corrected) edited->state = LedgerEntry::State::review;
-  writeEdited(file_->database, *edited);
-  markAlikeAgain(file_->database, id);
-  keepCorrection(file_->database, *edited, change);
-  transaction.commit();
-  return true;
+  bool found = false;
+  inOneStep([&] {
+    auto edited = entry(id);
+    found = edited.has_value();
+    if (!found) return;
+    applyTo(*edited, change);
+    if (change.category) edited->category = keepCategory(file_->database, *change.category, id);
+    const bool corrected =
+        edited->state == LedgerEntry::State::setAside && impossibleValue(*edited).empty();
+    if (corrected) edited->state = LedgerEntry::State::review;
+    writeEdited(file_->database, *edited);
+    markAlikeAgain(file_->database, id);
+    keepCorrection(file_->database, *edited, change);
+  });
+  return found;
 }
 
 void Book::bookWith(std::int64_t id, const money::Money& amount) {
@@ -131,46 +205,45 @@ void Book::bookWith(std::int64_t id, const money::Money& amount) {
 
 bool Book::bookAs(const LedgerEntry& entry) {
   if (!entry.amount) return false;
-  WriteTransaction transaction(file_->database);
-  LedgerEntry kept = entry;
-  kept.category = keepCategory(file_->database, entry.category, entry.id);
-  if (!writeBooked(file_->database, kept)) return false;
-  markAlikeAgain(file_->database, entry.id);
-  transaction.commit();
-  return true;
+  bool isWritten = false;
+  inOneStep([&] {
+    LedgerEntry kept = entry;
+    kept.category = keepCategory(file_->database, entry.category, entry.id);
+    isWritten = writeBooked(file_->database, kept);
+    if (isWritten) markAlikeAgain(file_->database, entry.id);
+  });
+  return isWritten;
 }
 
 bool Book::remove(std::int64_t id) {
-  {
-    WriteTransaction transaction(file_->database);
+  bool found = false;
+  inOneStep([&] {
     Statement removal(file_->database, "DELETE FROM transactions WHERE id = ? RETURNING id");
-    if (!next(removal.bind(id))) return false;
+    found = next(removal.bind(id));
+    if (!found) return;
     run(removal);
     markAlikeAgain(file_->database, id);
-    linux_platform::oweErasure(file_->database);
-    transaction.commit();
-  }
-  linux_platform::eraseReplacedText(file_->database);
-  return true;
+    oweErasure();
+  });
+  return found;
 }
 
-std::int64_t Book::forgetTexts() {
-  std::int64_t count = 0;
-  {
-    WriteTransaction transaction(file_->database);
-    Statement counting(file_->database, "SELECT count(text) FROM transactions");
-    if (next(counting)) count = counting.integer(0);
-    linux_platform::oweErasure(file_->database);
+ForgottenTexts Book::forgetTexts() {
+  ForgottenTexts forgotten;
+  inOneStep([&] {
+    Statement counting(file_->database,
+                       "SELECT count(text), (SELECT count(*) FROM ignored) FROM transactions");
+    if (next(counting)) forgotten = {counting.integer(0), counting.integer(1)};
+    oweErasure();
+    deleteAllIgnored(file_->database);
     Statement update(file_->database, "UPDATE transactions SET text = NULL WHERE text IS NOT NULL");
     run(update);
-    transaction.commit();
-  }
-  linux_platform::eraseReplacedText(file_->database);
-  return count;
+  });
+  return forgotten;
 }
 
 void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate) {
-  book::setRate(file_->database, currency, rate);
+  inOneStep([&] { book::setRate(file_->database, currency, rate); });
 }
 
 std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency) const {
@@ -178,7 +251,9 @@ std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency) const
 }
 
 bool Book::removeRate(const money::CurrencyCode& currency) {
-  return book::removeRate(file_->database, currency);
+  bool found = false;
+  inOneStep([&] { found = book::removeRate(file_->database, currency); });
+  return found;
 }
 
 std::vector<std::pair<std::string, std::string>> Book::rates() const {

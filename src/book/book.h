@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "book/book_failure.h"
+#include "book/ignored_message.h"
 #include "book/ledger_entry.h"
 #include "money/rate.h"
 
@@ -60,10 +61,19 @@ struct EntryChange {
   std::optional<std::string> category = {};
 };
 
+/// The texts that `Book::forgetTexts` erased.
+struct ForgottenTexts {
+  /// Of entries, which stay.
+  std::int64_t ofEntries = 0;
+  /// Of ignored messages, which are gone.
+  std::int64_t ofIgnored = 0;
+};
+
 /// An open book. An entry whose values cannot be is set aside: it is in no list and no sum but that
 /// of the state `setAside`. Not thread-safe; other processes may have the same book open. A change
-/// is durable when the call returns. Every call throws BookFailure when the book cannot be read or
-/// written, and has then changed nothing.
+/// is durable when the call returns. Every change also erases the ignored messages that are older
+/// than `keptDays`. Every call throws BookFailure when the book cannot be read or written, and has
+/// then changed nothing.
 class Book {
  public:
   /// Opens the book, and creates it when it is missing. Throws BookFailure.
@@ -73,7 +83,8 @@ class Book {
   ~Book();
 
   /// Calls `steps`, which use this book alone: all that they change is durable together, or nothing
-  /// is when one of them throws. They see no change of another process.
+  /// is when one of them throws. They see no change of another process. Within a step, the calls
+  /// that change the book become part of it, this one as well.
   void inOneStep(const std::function<void()>& steps);
   /// Calls `reads`, which see the book at one moment and change nothing.
   void atOneMoment(const std::function<void()>& reads) const;
@@ -110,6 +121,20 @@ class Book {
                                                               const money::Period& period,
                                                               std::int64_t largest) const;
 
+  /// For so many days after its own an ignored message is kept.
+  static constexpr int keptDays = 30;
+  /// Keeps a message, whose number is not read, if its day is not too long ago. Of more than 500
+  /// messages only the 400 that were kept last stay.
+  void keepIgnored(const IgnoredMessage& message);
+  /// Returns the ignored messages, newest first, and their number.
+  [[nodiscard]] std::vector<IgnoredMessage> ignored() const;
+  [[nodiscard]] std::int64_t ignoredCount() const;
+  /// Returns the ignored message `number`; nullopt when there is none.
+  [[nodiscard]] std::optional<IgnoredMessage> ignored(std::int64_t number) const;
+  /// Removes the ignored message `number` and erases its text from the file; returns false when
+  /// there is none. The answer to its key stays.
+  bool removeIgnored(std::int64_t number);
+
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category
   /// that is not empty also applies to later messages of the same payee. A category gets the
   /// spelling that the book has for it. An entry that was set aside goes to review when all its
@@ -124,8 +149,8 @@ class Book {
   /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
   /// of the first of them.
   bool remove(std::int64_t id);
-  /// Erases the texts of all messages from the file. Returns their number.
-  std::int64_t forgetTexts();
+  /// Erases the texts of all messages from the file, and with them the ignored messages.
+  ForgottenTexts forgetTexts();
 
   /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
   /// entries accepted later.
@@ -149,6 +174,7 @@ class Book {
  private:
   struct File;
   explicit Book(std::unique_ptr<File> file);
+  void oweErasure();
 
   std::unique_ptr<File> file_;
 };

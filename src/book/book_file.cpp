@@ -39,7 +39,17 @@ CREATE TABLE corrections (
 ) STRICT;
 CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT)";
 
-constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2}};
+// No checks: a value that a damaged disk has made impossible must not stop the book.
+constexpr const char* version3 = R"(
+CREATE TABLE ignored (
+  number INTEGER PRIMARY KEY AUTOINCREMENT,
+  user TEXT NOT NULL, key TEXT NOT NULL, date TEXT NOT NULL, reason TEXT NOT NULL,
+  text TEXT NOT NULL
+) STRICT;
+CREATE INDEX ignored_by_day ON ignored (date))";
+
+constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2},
+                                 DatabaseVersion{version3}};
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include "ledger/book_currency.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
+#include "ledger/commands/ignored_commands.h"
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
 #include "ledger/commands/teach_command.h"
@@ -64,6 +65,7 @@ linux_platform::CommandProgram program() {
                                       .version = KIVO_VERSION,
                                       .commands = {}};
   made.commands = listingCommands();
+  for (Command& command : ignoredCommands()) made.commands.push_back(std::move(command));
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));

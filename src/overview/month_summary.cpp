@@ -124,6 +124,7 @@ MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode&
   readPayees(summary, book, counted.largest);
   readToday(summary, book, counted.largest);
   summary.review = book.reviewCount();
+  summary.ignored = book.ignoredCount();
   summary.leftOut = std::move(counted.leftOut);
   return summary;
 }

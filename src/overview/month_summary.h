@@ -57,6 +57,8 @@ struct MonthSummary {
   MovedSums previous;
   /// The number of entries that wait in review, of any month.
   std::int64_t review = 0;
+  /// The number of ignored messages that the book keeps.
+  std::int64_t ignored = 0;
   /// The largest expense of this month first, then those of the month before alone.
   std::vector<Category> categories = {};
   /// The ten with the largest expenses, the largest first.

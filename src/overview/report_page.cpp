@@ -33,6 +33,7 @@ class Page {
     title();
     html_.markup("<main>");
     ReportReview::writeNotice(html_, figures_);
+    ReportReview::writeIgnored(html_, summary_);
     leftOut();
     if (!summary_.isEmpty()) month();
     if (!isEmpty()) months();

@@ -46,6 +46,15 @@ void ReportReview::writeNotice(HtmlWriter& html, const ReportFigures& figures) {
   html.markup(" not in these sums: see \"In review\" below.</p>\n");
 }
 
+void ReportReview::writeIgnored(HtmlWriter& html, const MonthSummary& summary) {
+  if (summary.ignored == 0) return;
+  const bool one = summary.ignored == 1;
+  html.markup("<p class=\"notice\">").count(summary.ignored);
+  html.text(one ? " message with a sum was" : " messages with a sum were");
+  html.markup(" not booked: <code>kivo-ledger ignored</code> shows ").text(one ? "it" : "them");
+  html.markup(".</p>\n");
+}
+
 void ReportReview::writeList(HtmlWriter& html, const ReportFigures& figures,
                              const std::function<std::string(const LedgerEntry&)>& sumOf) {
   if (figures.review.empty()) return;

@@ -1,4 +1,4 @@
-// The part of the report that lists what waits in review.
+// The parts of the report that say what waits in review and what was ignored.
 #pragma once
 
 #include <functional>
@@ -11,6 +11,10 @@ namespace kivo::overview::ReportReview {
 
 /// Writes one sentence that says how many entries wait; nothing when none does.
 void writeNotice(HtmlWriter& html, const ReportFigures& figures);
+
+/// Writes one sentence that says how many messages with a sum were not booked; nothing when none
+/// was.
+void writeIgnored(HtmlWriter& html, const MonthSummary& summary);
 
 /// Writes a table of the entries that wait, with id, payee, message and sum; nothing when none
 /// does. `sumOf` formats the sum of an entry, empty when it has none.

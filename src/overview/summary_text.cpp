@@ -180,6 +180,13 @@ class Lines {
   RightAligned before_;
 };
 
+std::string ignoredLine(const MonthSummary& summary) {
+  if (summary.ignored == 0) return "";
+  const bool one = summary.ignored == 1;
+  return "\n" + std::to_string(summary.ignored) + (one ? " message" : " messages") + " with a sum" +
+         (one ? " was" : " were") + " not booked:\nkivo-ledger ignored\n";
+}
+
 std::string reviewLine(const MonthSummary& summary) {
   if (summary.review == 0) return "";
   const bool one = summary.review == 1;
@@ -197,7 +204,8 @@ std::string leftOutLines(const MonthSummary& summary, const SummaryView::Look& l
 std::string SummaryView::text(const MonthSummary& summary, const money::Month& today,
                               const Look& look) {
   const std::string month = summary.month.name();
-  const std::string notes = leftOutLines(summary, look) + reviewLine(summary);
+  const std::string notes =
+      leftOutLines(summary, look) + reviewLine(summary) + ignoredLine(summary);
   if (summary.isEmpty()) return "Nothing is booked in " + month + ".\n" + notes;
   const bool runs = summary.month == today;
   const Lines lines(summary, look);

@@ -61,6 +61,7 @@ JSONEncoder SummaryView::json(const MonthSummary& summary) {
   encodeSums(object, summary.sums);
   object.encodeString("transactions", std::to_string(summary.sums.transactions));
   object.encodeString("review", std::to_string(summary.review));
+  object.encodeString("ignored", std::to_string(summary.ignored));
   if (summary.today) object.encodeObject("today", todayObject(*summary.today));
   object.encodeObject("previous", monthObject(summary.month.before(), summary.previous));
   object.encodeObjects("categories", categoryObjects(summary));

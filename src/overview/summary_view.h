@@ -10,9 +10,9 @@
 namespace kivo::overview::SummaryView {
 
 /// Returns `summary` as a JSON object, all members texts or arrays of such objects: "month",
-/// "currency", "expense", "income", "transfer", "transactions", "review", "today" (absent unless
-/// the month is the current one), "previous", "categories", "payees", "other_currencies",
-/// "left_out". Sums are plain decimals with the currency's decimals.
+/// "currency", "expense", "income", "transfer", "transactions", "review", "ignored", "today"
+/// (absent unless the month is the current one), "previous", "categories", "payees",
+/// "other_currencies", "left_out". Sums are plain decimals with the currency's decimals.
 platform::JSONEncoder json(const MonthSummary& summary);
 
 /// The width and the style of a terminal.

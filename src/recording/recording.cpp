@@ -44,7 +44,19 @@ SMSExtractionResponse responseTo(const LedgerEntry& entry) {
               .expense_date = entry.date.text()}};
 }
 
-// Stores the transaction of `reading`, if it is one, and the answer. Call it in a step.
+// Keeps a message that is not booked but holds a sum, as far as it was read.
+void keepIgnored(book::Book& book, const Reading& reading, const Message& message) {
+  using Reason = book::IgnoredMessage::Reason;
+  const bool wasDeclined = reading.outcome == Outcome::declined;
+  book.keepIgnored({.key = message.idempotencyKey,
+                    .userId = message.userId,
+                    .date = message.expenseDate,
+                    .reason = wasDeclined ? Reason::declined : Reason::notATransaction,
+                    .text = std::string(recognition::partThatCounts(message.text))});
+}
+
+// Stores the transaction of `reading`, if it is one, or the message if it may be one after all, and
+// the answer. Call it in a step.
 Recorded store(book::Book& book, const Reading& reading, const Message& message) {
   Recorded recorded;
   SMSExtractionResponse response{.saved = false, .reason = "not_a_transaction"};
@@ -53,6 +65,8 @@ Recorded store(book::Book& book, const Reading& reading, const Message& message)
     recorded.entry = book.fitted(entryFrom(reading, message));
     recorded.entry->id = book.add(*recorded.entry);
     response = responseTo(*recorded.entry);
+  } else if (reading.holdsSum) {
+    keepIgnored(book, reading, message);
   }
   recorded.answer = response.encode();
   book.keepAnswer(message.userId, message.idempotencyKey, recorded.answer);

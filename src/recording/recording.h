@@ -29,7 +29,8 @@ struct Recorded {
 
 /// Returns the answer to `message`. A key that this user has sent before gets the same bytes as
 /// then, whatever the text. For a new key, reads the message and stores the key, the answer and the
-/// transaction in one step. `currency` is the currency of the book: a transaction in another one is
+/// transaction in one step, or instead of that the message, when it is not booked though it holds a
+/// sum. `currency` is the currency of the book: a transaction in another one is
 /// converted when a rate is set, and is in review otherwise. Throws BookFailure.
 Recorded record(book::Book& book, const Message& message, const MessageReader& read,
                 const money::CurrencyCode& currency);

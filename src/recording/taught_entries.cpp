@@ -1,5 +1,6 @@
 #include "recording/taught_entries.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -32,10 +33,12 @@ void sortIn(const LedgerEntry& entry, std::optional<LedgerEntry> read, TaughtEnt
 TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
                             const MessageReader& read, const money::CurrencyCode& currency) {
   TaughtEntries found;
+  const auto fits = [&](const std::string& text) {
+    return taught.pattern.fit(templateForm(partThatCounts(text))).has_value();
+  };
   for (const auto state : {LedgerEntry::State::review, LedgerEntry::State::booked}) {
     for (const LedgerEntry& entry : book.entries({.state = state})) {
-      const bool fits = entry.text && taught.pattern.fit(templateForm(partThatCounts(*entry.text)));
-      if (!fits) continue;
+      if (!entry.text || !fits(*entry.text)) continue;
       if (entry.edited) {
         found.edited.push_back(entry.id);
       } else {
@@ -43,6 +46,10 @@ TaughtEntries taughtEntries(const Book& book, const MessageTemplate& taught,
       }
     }
   }
+  for (const book::IgnoredMessage& message : book.ignored()) {
+    if (fits(message.text)) found.ignored.push_back(message.number);
+  }
+  std::sort(found.ignored.begin(), found.ignored.end());
   return found;
 }
 

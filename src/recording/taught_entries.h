@@ -22,6 +22,8 @@ struct TaughtEntries {
   std::vector<std::int64_t> none = {};
   /// The ids of those that the user edited; they are not read again.
   std::vector<std::int64_t> edited = {};
+  /// The numbers of the ignored messages that the template matches, ascending.
+  std::vector<std::int64_t> ignored = {};
 };
 
 /// Reads the entries of `book` again that `taught` matches. The book is kept in `currency`,

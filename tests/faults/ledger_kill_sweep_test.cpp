@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include "book/current_day.h"
 #include "faulted_program.h"
 #include "testkit/private_ledger.h"
 #include "testkit/raw_store.h"
@@ -19,6 +20,7 @@ using testkit::Fault;
 
 class AKilledLedger : public testing::Test {
  protected:
+  // The last one is about a payment to come, and is kept as an ignored message.
   static constexpr int requests = 3;
 
   void SetUp() override {
@@ -45,6 +47,11 @@ class AKilledLedger : public testing::Test {
 
  private:
   static std::string key(int number) { return "KEY-" + std::to_string(number); }
+  testkit::Outcome post(int number) {
+    const char* const text =
+        number + 1 < requests ? testkit::purchase : "EGP 99.00 will be debited for StreamNest.";
+    return ledger_.post(key(number), text, book::currentDay().text());
+  }
 
   // A ledger from its start over the requests to its end; returns its exit status.
   int serveWith(const Fault& fault) {
@@ -53,7 +60,7 @@ class AKilledLedger : public testing::Test {
         ledger_.start(testkit::withFault(fault, testkit::PrivateLedger::serve(), ledger_.file()));
     const auto ended = [&] { return kill(traced->id(), 0) != 0; };
     for (int number = 0; number < requests && !ended(); ++number) {
-      const testkit::Outcome outcome = ledger_.post(key(number));
+      const testkit::Outcome outcome = post(number);
       if (outcome.status() == 200) acknowledged_[key(number)] = outcome.body();
     }
     // strace does not pass the signal on.
@@ -75,7 +82,7 @@ class AKilledLedger : public testing::Test {
     }
     const auto healthy = ledger_.start();
     for (int number = 0; number < requests; ++number) {
-      const testkit::Outcome again = ledger_.post(key(number));
+      const testkit::Outcome again = post(number);
       EXPECT_EQ(again.status(), 200);
       const auto before = acknowledged_.find(key(number));
       if (before == acknowledged_.end()) continue;
@@ -84,9 +91,11 @@ class AKilledLedger : public testing::Test {
     healthy->signal(SIGTERM);
     EXPECT_EQ(healthy->wait().status, 0);
     acknowledgedInAll_ += acknowledged_.size();
+    const std::string booked = std::to_string(requests - 1);
     EXPECT_EQ(testkit::RawStore(ledger_.file())
-                  .run("SELECT count(*), count(DISTINCT key) FROM transactions"),
-              std::to_string(requests) + "|" + std::to_string(requests) + "\n");
+                  .run("SELECT count(*), count(DISTINCT key) FROM transactions; "
+                       "SELECT count(*) FROM ignored"),
+              booked + "|" + booked + "\n1\n");
   }
 
   testkit::PrivateLedger ledger_;

@@ -80,7 +80,8 @@ TEST_F(ACarefulLedger, ForgetsNoTextWithoutATerminalOrAYes) {
 
 TEST_F(ACarefulLedger, AsksBeforeItForgetsTexts) {
   book();
-  const std::string question = "Remove the texts of all messages from the book, for ever? [y/N] ";
+  const std::string question =
+      "Remove the texts of all messages from the book, and all ignored messages, for ever? [y/N] ";
   for (const char* const typed : {"n\n", "\n", "\x04"}) {
     const ProgramResult kept = onTerminal("forget-texts", typed);
     EXPECT_EQ(kept.status, 1);

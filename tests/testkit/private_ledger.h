@@ -37,19 +37,21 @@ class PrivateLedger {
     return {.program = linux_platform::programFolder() / "kivo-ledger", .arguments = {"serve"}};
   }
 
-  /// A request of 2026-11-21 to the ledger on the socket at `path`.
+  /// A request of the day `date` to the ledger on the socket at `path`.
   static platform::URLRequest request(const std::filesystem::path& path, const std::string& key,
-                                      const std::string& text = purchase) {
+                                      const std::string& text = purchase,
+                                      const std::string& date = "2026-11-21") {
     platform::JSONEncoder body;
     body.encodeString("sms_text", text);
     body.encodeString("user_id", "local");
-    body.encodeString("expense_date", "2026-11-21");
+    body.encodeString("expense_date", date);
     body.encodeString("idempotency_key", key);
     return testkit::post(urlOn(path), body.text());
   }
   /// Sends it that request and waits for the answer.
-  Outcome post(const std::string& key, const std::string& text = purchase) {
-    return exchange(session_, request(socket(), key, text));
+  Outcome post(const std::string& key, const std::string& text = purchase,
+               const std::string& date = "2026-11-21") {
+    return exchange(session_, request(socket(), key, text, date));
   }
 
   [[nodiscard]] std::filesystem::path socket() const {

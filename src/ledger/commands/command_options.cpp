@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "money/money.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::ledger {
@@ -24,6 +23,32 @@ std::optional<std::string> given(const GivenParameters& parameters, const char* 
 
 BadUsage invalid(const char* name, const std::string& value, const std::string& form) {
   return BadUsage(std::string("invalid ") + name + " \"" + value + "\": it must be " + form);
+}
+
+std::optional<std::string> givenText(const GivenParameters& parameters, const char* name) {
+  auto text = given(parameters, name);
+  if (text && text->empty()) throw BadUsage(std::string(name) + " is empty");
+  return text;
+}
+
+std::optional<money::Kind> givenKind(const GivenParameters& parameters) {
+  const auto text = given(parameters, "--kind");
+  if (!text) return std::nullopt;
+  const auto kind = money::kindFromText(*text);
+  if (!kind) throw invalid("--kind", *text, "expense, income or transfer");
+  return kind;
+}
+
+std::vector<std::string> kindNames() { return {"expense", "income", "transfer"}; }
+
+money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency) {
+  const auto sum = money::moneyFromText(text, currency);
+  if (sum && isBookable(*sum)) return *sum;
+  throw invalid(
+      "--amount", text,
+      "a sum above zero such as 1,189.50: " + std::to_string(money::minorDigits(currency)) +
+          " decimals at most, commas only between thousands, and up to " +
+          money::amountText({money::largestSum, currency}));
 }
 
 std::optional<Day> givenDay(const GivenParameters& parameters, const char* name) {

@@ -7,6 +7,8 @@
 
 #include "book/book.h"
 #include "money/day.h"
+#include "money/kind.h"
+#include "money/money.h"
 #include "platform/linux/terminal/command_line.h"
 
 namespace kivo::ledger {
@@ -18,6 +20,19 @@ std::optional<std::string> given(const linux_platform::GivenParameters& paramete
 /// Returns the failure to throw: the value given for `name` is invalid and must be `form`.
 linux_platform::BadUsage invalid(const char* name, const std::string& value,
                                  const std::string& form);
+
+/// As `given`. Throws BadUsage when the value is empty.
+std::optional<std::string> givenText(const linux_platform::GivenParameters& parameters,
+                                     const char* name);
+
+/// Returns the value of --kind; absent when it was not given. Throws `invalid`.
+std::optional<money::Kind> givenKind(const linux_platform::GivenParameters& parameters);
+/// Returns the kinds' names, for completion.
+std::vector<std::string> kindNames();
+
+/// Reads `text`, the value of --amount, as a sum in `currency` that can be booked. Throws
+/// `invalid`.
+money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency);
 
 /// Returns the day given for `name`; absent when none was given. Throws `invalid`.
 std::optional<money::Day> givenDay(const linux_platform::GivenParameters& parameters,

@@ -20,11 +20,8 @@ using book::EntryChange;
 using book::LedgerEntry;
 using money::amountText;
 using money::CurrencyCode;
-using money::kindFromText;
 using money::largestSum;
-using money::minorDigits;
 using money::Money;
-using money::moneyFromText;
 using money::Rate;
 
 namespace {
@@ -38,15 +35,6 @@ using linux_platform::Prompt;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
 std::string codeAndSum(const Money& sum) { return sum.currency.text() + " " + amountText(sum); }
-
-Money sumFrom(const std::string& text, const CurrencyCode& currency) {
-  const auto sum = moneyFromText(text, currency);
-  if (sum && isBookable(*sum)) return *sum;
-  throw invalid("--amount", text,
-                "a sum above zero such as 1,189.50: " + std::to_string(minorDigits(currency)) +
-                    " decimals at most, commas only between thousands, and up to " +
-                    amountText({largestSum, currency}));
-}
 
 // The sum of `entry` converted by its rate; absent when it is in `currency` already.
 std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
@@ -87,14 +75,9 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
                        const LedgerEntry& entry) {
   EntryChange change;
   change.date = givenDay(parameters, "--date");
-  if (const auto kind = given(parameters, "--kind")) {
-    change.kind = kindFromText(*kind);
-    if (!change.kind) throw invalid("--kind", *kind, "expense, income or transfer");
-  }
-  change.description = given(parameters, "--description");
-  change.category = given(parameters, "--category");
-  if (change.description == "") throw BadUsage("--description is empty");
-  if (change.category == "") throw BadUsage("--category is empty");
+  change.kind = givenKind(parameters);
+  change.description = givenText(parameters, "--description");
+  change.category = givenText(parameters, "--category");
   change.amount = amountFrom(parameters, book, entry);
   return change;
 }
@@ -135,8 +118,7 @@ void accept(const GivenParameters& parameters) {
     }
     const auto sum = recording::accept(book, entry.id, currency);
     if (!sum) throw CommandFailure(whyNotBooked(entry, currency));
-    const std::string rate = sum->rate ? " at the rate " + sum->rate->text() : "";
-    print("Booked as " + codeAndSum(sum->amount) + rate + ".\n");
+    print(bookedSentence(*sum));
   });
 }
 
@@ -165,12 +147,19 @@ void remove(const GivenParameters& parameters) {
 
 void forgetTexts(const GivenParameters& parameters) {
   const bool asks = asksFirst(parameters, "forgets");
-  if (asks && !isConfirmed("Remove the texts of all messages from the book, for ever?")) {
+  if (asks &&
+      !isConfirmed(
+          "Remove the texts of all messages from the book, and all ignored messages, for ever?")) {
     throw CommandFailure("nothing was forgotten");
   }
   withBook([](Book& book) {
-    const std::int64_t count = book.forgetTexts();
+    const auto [ofEntries, ofIgnored] = book.forgetTexts();
+    const std::int64_t count = ofEntries + ofIgnored;
     print("Forgot " + std::to_string(count) + (count == 1 ? " text.\n" : " texts.\n"));
+    if (ofIgnored == 0) return;
+    print(std::to_string(ofIgnored) + " of them " +
+          (ofIgnored == 1 ? "was an ignored message, which is gone.\n"
+                          : "were ignored messages, which are gone.\n"));
   });
 }
 
@@ -206,9 +195,12 @@ void rate(const GivenParameters& parameters) {
   });
 }
 
-std::vector<std::string> kinds() { return {"expense", "income", "transfer"}; }
-
 }  // namespace
+
+std::string bookedSentence(const recording::BookedSum& sum) {
+  const std::string rate = sum.rate ? " at the rate " + sum.rate->text() : "";
+  return "Booked as " + codeAndSum(sum.amount) + rate + ".\n";
+}
 
 std::vector<linux_platform::Command> editingCommands() {
   const linux_platform::CommandParameter id{"ID", "The transaction's number, as list shows it"};
@@ -220,7 +212,7 @@ std::vector<linux_platform::Command> editingCommands() {
         {"--date", "The day, as 2026-11-21", optional},
         {"--amount", "The sum, as 1,189.50", optional},
         {"--currency", "Its currency's code, as EGP; converts it without --amount", optional},
-        {"--kind", "expense, income or transfer", optional, kinds},
+        {"--kind", "expense, income or transfer", optional, kindNames},
         {"--description", "The merchant or payee", optional},
         {"--category", "The category", optional}},
        edit},
@@ -230,7 +222,7 @@ std::vector<linux_platform::Command> editingCommands() {
        {id, {"--yes", "Delete it without asking", ParameterKind::flag}},
        remove},
       {"forget-texts",
-       "Remove the texts of all messages from the book, after asking",
+       "Remove the texts of all messages from the book, and the ignored ones, after asking",
        {{"--yes", "Remove them without asking", ParameterKind::flag}},
        forgetTexts},
       {"rate",

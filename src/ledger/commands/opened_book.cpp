@@ -36,6 +36,13 @@ void withEntry(const linux_platform::GivenParameters& given,
   });
 }
 
+book::IgnoredMessage requiredIgnored(const Book& book, std::int64_t number) {
+  auto message = book.ignored(number);
+  if (message) return *std::move(message);
+  throw CommandFailure("no ignored message has the number " + std::to_string(number) +
+                       "; kivo-ledger ignored shows those that are kept");
+}
+
 money::CurrencyCode requiredBookCurrency() {
   const auto currency = bookCurrency();
   if (!currency) throw ReportedFailure();

@@ -1,6 +1,7 @@
 // Opens the book for the commands of kivo-ledger.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -18,6 +19,9 @@ void withBook(const std::function<void(book::Book&)>& use);
 /// number, with the exit status for bad usage, and when no entry has that id.
 void withEntry(const linux_platform::GivenParameters& given,
                const std::function<void(book::Book&, const book::LedgerEntry&)>& use);
+
+/// Returns the ignored message `number`. Throws CommandFailure when there is none.
+book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number);
 
 /// As `bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
 /// store cannot be opened.

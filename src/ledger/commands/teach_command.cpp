@@ -15,6 +15,7 @@
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/commands/opened_book.h"
+#include "ledger/commands/taught_messages.h"
 #include "ledger/commands/teaching_questions.h"
 #include "ledger/template_file.h"
 #include "platform/foundation/number_text.h"
@@ -25,8 +26,6 @@
 #include "platform/linux/terminal/screen.h"
 #include "recognition/templates/message_text.h"
 #include "recognition/templates/teaching.h"
-#include "recording/rereading.h"
-#include "recording/taught_entries.h"
 
 namespace kivo::ledger {
 
@@ -45,11 +44,6 @@ using recognition::readingBy;
 using recognition::taughtKindFromText;
 using recognition::TaughtParts;
 using recognition::templateForm;
-using recording::listed;
-using recording::MessageReader;
-using recording::reread;
-using recording::TaughtEntries;
-using recording::taughtEntries;
 
 namespace {
 
@@ -74,8 +68,7 @@ class Teaching {
     chooseMessage();
     const MessageTemplate taught = confirmedTemplate();
     save(taught);
-    correctShown();
-    offerOthers(taught);
+    correctByTemplate(book_, currency_, taught, shown_, [this] { return booksOthers(); });
   }
 
  private:
@@ -107,6 +100,8 @@ class Teaching {
 
   void chooseMessage() {
     if (source() == "-") return takeInput();
+    constexpr std::string_view ofIgnored = "ignored:";
+    if (source().starts_with(ofIgnored)) return takeIgnored(source().substr(ofIgnored.size()));
     takeEntry(source().empty() ? chosenId() : source());
   }
 
@@ -117,13 +112,23 @@ class Teaching {
     propose(std::nullopt);
   }
 
+  void takeIgnored(const std::string& number) {
+    shown_.ignored = platform::integerFromText(number);
+    if (!shown_.ignored) {
+      throw invalid("ID", source(), "ignored: and a number, as kivo-ledger ignored shows it");
+    }
+    message_ = requiredIgnored(book_, *shown_.ignored).text;
+    propose(std::nullopt);
+  }
+
   // Shows the entries in review and asks which one has the message.
   std::string chosenId() {
     const auto entries = book_.entries({.state = LedgerEntry::State::review});
     if (entries.empty()) {
       throw CommandFailure(
           "there is nothing to look at; `kivo-ledger teach ID` takes any transaction, "
-          "and `kivo-ledger teach -` a message from standard input");
+          "`kivo-ledger teach ignored:NUMBER` a message that `kivo-ledger ignored` shows, "
+          "and `kivo-ledger teach -` one from standard input");
     }
     print(EntryListing::table(entries, linux_platform::screenWidth()));
     std::string id = prompt_->ask("Teach which one? ID:").value_or("");
@@ -140,7 +145,7 @@ class Teaching {
       throw CommandFailure("the text of " + std::to_string(*number) +
                            " was forgotten; `kivo-ledger teach -` takes it from standard input");
     }
-    shown_ = entry->id;
+    shown_.entry = entry->id;
     message_ = partThatCounts(*entry->text);
     propose(entry);
   }
@@ -231,51 +236,18 @@ class Teaching {
     print("Saved in " + path + "\n");
   }
 
-  // Has the transaction that was shown in the book as it is read now.
-  void correctShown() {
-    if (!shown_)
-      return print("The message itself is not booked: it did not come from the phone.\n");
-    const auto before = book_.entry(*shown_);
-    const auto read = reread(book_, *shown_, reader_, currency_);
-    if (!before || before->edited || !read || read->readsAs(*before)) return;
-    const std::string id = std::to_string(*shown_);
-    const bool waits = before->state == LedgerEntry::State::review;
-    if (read->state == LedgerEntry::State::review) {
-      if (!waits) print(id + " stays as it is, since it would be for review.\n");
-    } else if (book_.bookAs(*read)) {
-      print((waits ? "Booked " : "Corrected ") + id + ".\n");
-    }
-  }
-
-  void offerOthers(const MessageTemplate& taught) {
-    const TaughtEntries found = taughtEntries(book_, taught, reader_, currency_);
-    if (!found.edited.empty()) {
-      print("Left as you edited them: " + listed(found.edited) + ".\n");
-    }
-    if (!found.none.empty()) {
-      print("In the book, and no payment: " + listed(found.none) +
-            ". `kivo-ledger delete ID` deletes one.\n");
-    }
-    if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
-    if (found.clear.empty()) return;
-    print("\nOthers that fit, as they are read now:\n" +
-          EntryListing::table(found.clear, linux_platform::screenWidth()));
-    const bool books = parameters_.contains("--book") || (prompt_ && confirms("Book them so?"));
-    if (!books) return print("Left as they are; with --book, teach books them so.\n");
-    std::size_t booked = 0;
-    for (const LedgerEntry& entry : found.clear) booked += book_.bookAs(entry) ? 1U : 0U;
-    print("Booked " + std::to_string(booked) + " so.\n");
+  // Whether the others that were listed are booked as they are read now.
+  bool booksOthers() {
+    return parameters_.contains("--book") || (prompt_ && confirms("Book them so?"));
   }
 
   const GivenParameters& parameters_;
   Book& book_;
   const CurrencyCode currency_;
-  const MessageReader reader_ = TemplateFile::reader();
   TeachingQuestions::Given given_;
   std::ifstream terminal_;
   std::optional<Prompt> prompt_;
-  // The transaction with the message; absent for one from standard input.
-  std::optional<std::int64_t> shown_;
+  TaughtMessage shown_;
   std::string message_;
   TaughtParts proposed_;
 };
@@ -291,7 +263,8 @@ linux_platform::Command teachCommand() {
   return {
       "teach",
       "Learn from one message how to read others like it, as a template",
-      {{"ID", "The transaction with the message, or - for standard input", optional},
+      {{"ID", "The transaction with the message, ignored:NUMBER, or - for standard input",
+        optional},
        {"--amount", "The sum, as it is in the message", optional},
        {"--payee", "The other party, as it is in the message", optional},
        {"--kind", "expense, income, transfer, or none for no payment", optional,

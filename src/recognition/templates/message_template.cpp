@@ -31,26 +31,30 @@ std::string categoryOf(Kind kind, const std::string& payee, const Reading& rules
 
 }  // namespace
 
-Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
-                  const money::CurrencyCode& bookCurrency) {
-  if (!taught.kind) return {};
-  Reading reading{.outcome = Outcome::needsReview, .kind = *taught.kind};
-  const money::CurrencyCode currency = taught.currency.value_or(bookCurrency);
-  if (fit.amounts.size() == 1) {
-    const auto units = minorUnitsOf(fit.amounts.front(), currency.text());
-    if (units == 0) return {};
-    if (units) reading.amount = Money{*units, currency};
-    if (units && currency == bookCurrency) reading.outcome = Outcome::transaction;
-  }
-  reading.payee = shownPayee(fit.payee);
-  reading.description = !taught.description.empty() ? taught.description
-                        : !reading.payee.empty()    ? reading.payee
-                                                    : descriptionOf(*taught.kind);
-  reading.category =
-      taught.category.empty() ? categoryOf(*taught.kind, reading.payee, rules) : taught.category;
+Reading readingAs(Kind kind, const std::optional<Money>& amount, std::string_view payee,
+                  const Reading& rules) {
+  Reading reading{.outcome = Outcome::needsReview, .kind = kind, .amount = amount};
+  reading.payee = shownPayee(payee);
+  reading.description = reading.payee.empty() ? descriptionOf(kind) : reading.payee;
+  reading.category = categoryOf(kind, reading.payee, rules);
   reading.account = rules.account;
   reading.reference = rules.reference;
   reading.balance = rules.balance;
+  return reading;
+}
+
+Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,
+                  const money::CurrencyCode& bookCurrency) {
+  if (!taught.kind) return {};
+  const money::CurrencyCode currency = taught.currency.value_or(bookCurrency);
+  std::optional<std::int64_t> units;
+  if (fit.amounts.size() == 1) units = minorUnitsOf(fit.amounts.front(), currency.text());
+  if (units == 0) return {};
+  const auto amount = units ? std::optional(Money{*units, currency}) : std::nullopt;
+  Reading reading = readingAs(*taught.kind, amount, fit.payee, rules);
+  if (amount && currency == bookCurrency) reading.outcome = Outcome::transaction;
+  if (!taught.description.empty()) reading.description = taught.description;
+  if (!taught.category.empty()) reading.category = taught.category;
   return reading;
 }
 

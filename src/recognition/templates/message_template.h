@@ -32,6 +32,11 @@ struct MessageTemplate {
   }
 };
 
+/// Returns the reading of a message as a movement of this kind and sum, with `payee` as the other
+/// party, for review. Account, reference and balance come from `rules`, the reading by the rules.
+Reading readingAs(money::Kind kind, const std::optional<money::Money>& amount,
+                  std::string_view payee, const Reading& rules);
+
 /// Returns the reading of a message that the pattern of `taught` matched as `fit`, for a book in
 /// `bookCurrency`. Account, reference and balance come from `rules`, the reading by the rules. The
 /// outcome is `needsReview` with the sum when that is in another currency, and without a sum when

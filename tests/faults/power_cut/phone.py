@@ -1,5 +1,6 @@
 """The real programs in private folders; records every run."""
 import contextlib
+import datetime
 import json
 import os
 import pathlib
@@ -136,7 +137,8 @@ class Phone:
                                             env=self.environment)
 
         def send(text, key):
-            body = json.dumps({"sms_text": text, "user_id": "u", "expense_date": "2026-01-31",
+            today = datetime.date.today().isoformat()  # an ignored message of long ago is not kept
+            body = json.dumps({"sms_text": text, "user_id": "u", "expense_date": today,
                                "idempotency_key": key}).encode()
             with socket.socket(socket.AF_UNIX) as connection:
                 connection.connect(str(path))

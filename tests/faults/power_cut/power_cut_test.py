@@ -224,6 +224,9 @@ class APowerCut(unittest.TestCase):
                 text = f"Your card was charged EGP {number + 10}.00 at Cafe. SECRET{os.getpid()}{number:06}"
                 self.assertTrue(send(text, f"KEY-{number}")["saved"])
                 self.assertTrue(send(text, f"KEY-{number}")["saved"])
+            for number in range(20, 25):  # no transaction, but with a sum
+                text = f"EGP {number}.00 will be debited. SECRET{os.getpid()}{number:06}"
+                self.assertFalse(send(text, f"KEY-{number}")["saved"])
         return recording
 
     def test_loses_no_transaction_that_the_ledger_has_acknowledged(self):
@@ -234,6 +237,7 @@ class APowerCut(unittest.TestCase):
         recording = self.phone.record()
         ledger = [PROGRAMS / "kivo-ledger"]
         recording.run(ledger + ["delete", "--yes", "3"], env=self.phone.environment)
+        recording.run(ledger + ["book", "1", "--kind", "expense"], env=self.phone.environment)
         recording.run(ledger + ["forget-texts", "--yes"], env=self.phone.environment)
         recording.run(ledger + ["edit", "5", "--category", "Food"], env=self.phone.environment)
         self.expect_kept(recording, store=LEDGER)

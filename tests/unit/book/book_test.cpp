@@ -63,7 +63,7 @@ TEST_F(AStoredBook, IsPrivateAndHasItsApplicationIdAndVersion) {
   EXPECT_EQ(modeOf(file().parent_path()), 0700U);
   testkit::RawStore raw(file());
   EXPECT_EQ(raw.run("PRAGMA journal_mode"), "wal\n");
-  EXPECT_EQ(raw.run("PRAGMA user_version"), "2\n");
+  EXPECT_EQ(raw.run("PRAGMA user_version"), "3\n");
   EXPECT_EQ(raw.run("PRAGMA application_id"), "1266044007\n");
 }
 
@@ -172,11 +172,11 @@ TEST_F(AStoredBook, MarksDuplicatesOfADeletedEntryAsThoseOfTheFirstOfThem) {
 
 TEST_F(AStoredBook, ErasesForgottenTextsFromItsFiles) {
   Book book = three();
-  EXPECT_EQ(book.forgetTexts(), 3);
+  EXPECT_EQ(book.forgetTexts().ofEntries, 3);
   EXPECT_THAT(testkit::bytesIn(file().parent_path()), Not(HasSubstr("text of")));
   EXPECT_FALSE(book.entry(1)->text);
   EXPECT_EQ(book.entry(1)->description, "Sunny Market");
-  EXPECT_EQ(book.forgetTexts(), 0);
+  EXPECT_EQ(book.forgetTexts().ofEntries, 0);
 }
 
 TEST_F(AStoredBook, StoresRates) {
@@ -191,7 +191,7 @@ TEST_F(AStoredBook, StoresRates) {
 
 TEST_F(AStoredBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
   open();
-  for (const char* const sql : {"PRAGMA user_version = 3", "PRAGMA application_id = 7"}) {
+  for (const char* const sql : {"PRAGMA user_version = 4", "PRAGMA application_id = 7"}) {
     testkit::RawStore(file()).run(sql);
     EXPECT_THAT([] { Book::open(); }, ThrowsMessage<BookFailure>(HasSubstr(file().string())))
         << sql;

@@ -51,7 +51,7 @@ TEST_F(AFirstBook, KeepsItsEntriesAnswersRatesAndIds) {
   EXPECT_EQ(book.rates().size(), 1U);
   EXPECT_EQ(answer(book, message("KEY-4")), R"({"saved":true})");
   EXPECT_EQ(recorded(book, "KEY-5", spent(100)).id, 5);  // the id 4 was given already
-  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "2\n");
+  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "3\n");
 }
 
 TEST_F(AFirstBook, SetsAsideRowsWhoseValuesCannotBe) {

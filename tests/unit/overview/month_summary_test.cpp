@@ -222,6 +222,18 @@ TEST_F(AMonthSummary, CountsReviewsOfEveryMonthAndAddsNoneOfThem) {
   EXPECT_THAT(summary.categories, IsEmpty());
 }
 
+TEST_F(AMonthSummary, CountsIgnoredMessagesOfTheLastThirtyDays) {
+  const testkit::SetClock clock(testkit::utc(2026, 11, 22, 12));
+  Book book = open();
+  reading_ = {.outcome = Outcome::notATransaction, .holdsSum = true};
+  record(book, message("KEY-1", "2026-10-23"));
+  record(book, message("KEY-2", "2026-11-22"));
+  record(book, message("KEY-3", "2026-10-22"));
+  const MonthSummary summary = summarize(book, "2026-01", "EGP");
+  EXPECT_EQ(summary.ignored, 2);
+  EXPECT_TRUE(summary.isEmpty());
+}
+
 TEST_F(AMonthSummary, HasTodaysExpensesInTheCurrentMonthAlone) {
   const testkit::SetClock clock(testkit::utc(2026, 11, 21, 12));
   Book book = open();
@@ -247,7 +259,7 @@ TEST_F(AMonthSummary, IsJsonWithPlainDecimals) {
   EXPECT_EQ(
       SummaryView::json(summarize(book, "2026-11", "EGP")).text(),
       R"({"month":"2026-11","currency":"EGP","expense":"123.45","income":"0.05","transfer":"0.00",)"
-      R"("transactions":"2","review":"0","previous":{"month":"2026-10","expense":"7.00",)"
+      R"("transactions":"2","review":"0","ignored":"0","previous":{"month":"2026-10","expense":"7.00",)"
       R"("income":"0.00","transfer":"0.00","transactions":"1"},"categories":[{"category":)"
       R"("Groceries","expense":"123.45","previous":"7.00"}],"payees":[{"description":)"
       R"("Sunny Market","expense":"123.45","transactions":"1"}],"other_currencies":[)"
@@ -255,11 +267,12 @@ TEST_F(AMonthSummary, IsJsonWithPlainDecimals) {
 }
 
 TEST_F(AMonthSummary, OfAnEmptyBookIsJsonWithZeros) {
-  EXPECT_EQ(SummaryView::json(summarize(open(), "2026-01", "JPY")).text(),
-            R"({"month":"2026-01","currency":"JPY","expense":"0","income":"0","transfer":"0",)"
-            R"("transactions":"0","review":"0","previous":{"month":"2025-12","expense":"0",)"
-            R"("income":"0","transfer":"0","transactions":"0"},"categories":[],"payees":[],)"
-            R"("other_currencies":[],"left_out":""})");
+  EXPECT_EQ(
+      SummaryView::json(summarize(open(), "2026-01", "JPY")).text(),
+      R"({"month":"2026-01","currency":"JPY","expense":"0","income":"0","transfer":"0",)"
+      R"("transactions":"0","review":"0","ignored":"0","previous":{"month":"2025-12","expense":"0",)"
+      R"("income":"0","transfer":"0","transactions":"0"},"categories":[],"payees":[],)"
+      R"("other_currencies":[],"left_out":""})");
 }
 
 TEST(TheCurrentMonth, IsThatOfTheDevicesTimeZone) {

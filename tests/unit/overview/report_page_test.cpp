@@ -183,6 +183,19 @@ TEST_F(AReport, CountsWhatWaitsInReview) {
   EXPECT_THAT(page(book), HasSubstr("1 transaction waits in review and is not in these sums"));
 }
 
+TEST_F(AReport, CountsIgnoredMessages) {
+  Book book = open();
+  ReportFigures figures = readReport(book, "2026-11", "EGP");
+  EXPECT_THAT(reportPage(figures), Not(HasSubstr("kivo-ledger ignored")));
+  figures.summary.ignored = 1;
+  EXPECT_THAT(reportPage(figures),
+              HasSubstr("<p class=\"notice\">1 message with a sum was not booked: "
+                        "<code>kivo-ledger ignored</code> shows it.</p>"));
+  figures.summary.ignored = 2;
+  EXPECT_THAT(reportPage(figures), HasSubstr("2 messages with a sum were not booked: "
+                                             "<code>kivo-ledger ignored</code> shows them."));
+}
+
 TEST_F(AReport, ListsWhatWaitsInReviewOfAnyMonth) {
   Book book = open();
   Reading unclear = spent(2005, "Nile <b>Cinema", "KWD");

@@ -142,6 +142,17 @@ TEST_F(ASummaryText, SaysHowManyWaitInReview) {
   EXPECT_THAT(text(), EndsWith("\n\n2 transactions wait in review:\nkivo-ledger review\n"));
 }
 
+TEST_F(ASummaryText, SaysHowManyMessagesWithASumWereNotBooked) {
+  EXPECT_THAT(text(), Not(HasSubstr("not booked")));
+  summary_.ignored = 1;
+  EXPECT_THAT(text(), EndsWith("\n\n1 message with a sum was not booked:\nkivo-ledger ignored\n"));
+  summary_.ignored = 500;
+  const std::string most = text({.width = 40});
+  EXPECT_THAT(most,
+              EndsWith("\n\n500 messages with a sum were not booked:\nkivo-ledger ignored\n"));
+  EXPECT_THAT(linesOf(most), Each(ResultOf(columnsOf, Le(40U))));
+}
+
 TEST_F(ASummaryText, OfAnEmptyMonthIsOneSentence) {
   summary_ = {"2026-02", "EGP"};
   EXPECT_EQ(text(), "Nothing is booked in February 2026.\n");

@@ -1,0 +1,36 @@
+// Ignored messages as rows of their table. The functions throw BookFailure.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "book/ignored_message.h"
+
+struct sqlite3;
+
+namespace kivo::book {
+
+/// Inserts a row for a new message.
+void insertIgnored(sqlite3* database, const IgnoredMessage& message);
+
+/// Return the messages of `first` and of later days, newest first, the one with this number, and
+/// how many there are. A row whose values cannot be is left out, and the first names it in a note
+/// of damage.
+std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& first);
+std::optional<IgnoredMessage> storedIgnored(sqlite3* database, std::int64_t number,
+                                            const money::Day& first);
+std::int64_t ignoredCount(sqlite3* database, const money::Day& first);
+
+/// Delete rows, and return whether there were any: the one with this number, those before the day
+/// `first`, those with the lowest numbers when there are more than the book keeps, and all. Their
+/// bytes stay in the file until it is erased.
+bool deleteIgnored(sqlite3* database, std::int64_t number);
+bool deleteIgnoredBefore(sqlite3* database, const money::Day& first);
+bool deleteSurplusIgnored(sqlite3* database);
+bool deleteAllIgnored(sqlite3* database);
+
+/// Returns whether there are rows, of whatever day.
+bool hasIgnored(sqlite3* database);
+
+}  // namespace kivo::book

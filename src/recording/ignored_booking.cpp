@@ -1,0 +1,84 @@
+#include "recording/ignored_booking.h"
+
+#include "recognition/message_items.h"
+#include "recognition/spelling.h"
+#include "recognition/stated_sums.h"
+#include "recognition/templates/message_template.h"
+
+namespace kivo::recording {
+
+using book::IgnoredMessage;
+using book::LedgerEntry;
+using money::CurrencyCode;
+using money::Money;
+using recognition::Item;
+using recognition::Outcome;
+using recognition::Reading;
+
+namespace {
+
+bool isTransaction(const Reading& reading) {
+  return reading.outcome == Outcome::transaction || reading.outcome == Outcome::needsReview;
+}
+
+// Of several sums, one may be a balance.
+std::optional<Money> onlySum(const std::string& text, const CurrencyCode& currency) {
+  const auto sums = sumsIn(text, currency);
+  const bool isClear = sums.size() == 1 && sums.front() && isBookable(*sums.front());
+  return isClear ? sums.front() : std::nullopt;
+}
+
+}  // namespace
+
+std::vector<std::optional<Money>> sumsIn(const std::string& text,
+                                         const CurrencyCode& bookCurrency) {
+  const std::string form = recognition::readableForm(recognition::partThatCounts(text));
+  std::vector<std::optional<Money>> sums;
+  for (const Item& item : recognition::withSums(recognition::itemsOf(form), bookCurrency.text())) {
+    if (item.kind != Item::Kind::sum) continue;
+    auto& sum = sums.emplace_back();
+    if (!item.sum.minorUnits) continue;
+    const auto stated = CurrencyCode::fromText(item.sum.currency);
+    sum = Money{*item.sum.minorUnits, stated.value_or(bookCurrency)};
+  }
+  return sums;
+}
+
+StatedReading statedReading(const book::Book& book, const IgnoredMessage& message,
+                            const StatedParts& stated, const MessageReader& read,
+                            const CurrencyCode& currency) {
+  Reading now = readingFor(book, read, message.text, currency);
+  const bool isRead = isTransaction(now);
+  auto amount = stated.amount;
+  if (!amount) amount = now.amount;
+  if (!amount) amount = onlySum(message.text, currency);
+  if (isRead && !stated.kind && !stated.payee) {
+    now.amount = amount;
+    return {.kind = now.kind, .reading = std::move(now)};
+  }
+  const auto kind = stated.kind || !isRead ? stated.kind : now.kind;
+  return {.kind = kind,
+          .reading = recognition::readingAs(kind.value_or(now.kind), amount,
+                                            stated.payee.value_or(now.payee), now)};
+}
+
+std::optional<LedgerEntry> addIgnored(book::Book& book, std::int64_t number,
+                                      const Reading& reading) {
+  std::optional<LedgerEntry> added;
+  book.inOneStep([&] {
+    const auto message = book.ignored(number);
+    if (!message || !isTransaction(reading)) return;
+    LedgerEntry entry;
+    entry.key = message->key;
+    entry.userId = message->userId;
+    entry.date = message->date;
+    entry.text = message->text;
+    apply(reading, entry);
+    added = book.fitted(std::move(entry));
+    added->id = book.add(*added);
+    book.removeIgnored(number);
+  });
+  return added;
+}
+
+}  // namespace kivo::recording
