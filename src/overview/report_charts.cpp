@@ -119,13 +119,13 @@ void ReportCharts::drawDays(HtmlWriter& page, const ReportFigures& figures) {
   page.text("Spent on each day of " + figures.summary.month.name() +
             ". The table below has the sums.");
   endTitle(page, figures.days.size());
-  for (std::size_t day = 0; day < figures.days.size(); ++day) {
-    if (figures.days[day].minorUnits == 0) continue;
-    const double left = slotWidth * static_cast<double>(day);
-    page.markup("<g><title>").count(static_cast<std::int64_t>(day) + 1).markup(" ");
-    page.text(figures.summary.month.name()).markup(": ").text(format.plain(figures.days[day]));
-    page.markup("</title>");
-    drawBar(page, "spent", left + 15, left + 85, axis.heightOf(figures.days[day]));
+  std::int64_t dayOfMonth = 0;
+  for (const Money& sum : figures.days) {
+    const double left = slotWidth * static_cast<double>(dayOfMonth++);
+    if (sum.minorUnits == 0) continue;
+    page.markup("<g><title>").count(dayOfMonth).markup(" ").text(figures.summary.month.name());
+    page.markup(": ").text(format.plain(sum)).markup("</title>");
+    drawBar(page, "spent", left + 15, left + 85, axis.heightOf(sum));
     page.markup("</g>");
   }
   page.markup("</svg><div class=\"slots\" aria-hidden=\"true\">");

@@ -1,9 +1,12 @@
 // Books whose files were damaged: what is noticed, said and answered.
+#include "book/book_damage.h"
+
 #include <fstream>
 #include <map>
 #include <random>
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include "book/book_file.h"
@@ -81,6 +84,8 @@ TEST_F(ADamagedBook, RefusesMessagesAndSaysWhereUntilItIsWhole) {
   const std::string said = testing::internal::GetCapturedStderr();
   EXPECT_THAT(said, StartsWith("kivo-ledger: " + file().string() + " is damaged: "));
   EXPECT_THAT(said, HasSubstr("restore a copy of it"));
+  EXPECT_THAT(said,
+              HasSubstr(" is damaged: Page "));  // without SQLite's "*** in database main ***"
   ASSERT_TRUE(fs::exists(note()));
   struct stat found {};
   stat(note().c_str(), &found);
@@ -110,6 +115,15 @@ TEST_F(ADamagedBook, IsNoticedByARunningServiceOnceACommandHasLeftANote) {
   EXPECT_EQ(post(served, "NEW-2").status, 503);
   EXPECT_EQ(post(served, "NEW-1").status, 503);
   testing::internal::GetCapturedStderr();
+}
+
+TEST_F(ADamagedBook, IsNotSuspectedWhenTheCheckItselfFails) {
+  fill(3);
+  const linux_platform::Database database = openBookFile();
+  const auto interrupt = [](void*) { return 1; };
+  sqlite3_progress_handler(database.get(), 1, interrupt, nullptr);
+  EXPECT_THROW(checkWhole(database.get()), BookFailure);
+  EXPECT_FALSE(fs::exists(note()));
 }
 
 TEST_F(ADamagedBook, ListsAndAddsUpTheOtherRowsWhenValuesOfSomeCannotBe) {

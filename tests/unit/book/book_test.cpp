@@ -87,6 +87,13 @@ TEST_F(AStoredBook, ListsTheEntriesThatMatchAFilter) {
   EXPECT_THAT(ids(book.entries({.state = LedgerEntry::State::review})), IsEmpty());
 }
 
+TEST_F(AStoredBook, FindsABackslash) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(100, "Fish\\Chips"));
+  recorded(book, "KEY-2", spent(200, "50% Store"));
+  EXPECT_THAT(ids(book.entries({.search = "\\"})), ElementsAre(1));
+}
+
 TEST_F(AStoredBook, EditsOnlyTheGivenMembers) {
   Book book = open();
   const LedgerEntry before = recorded(book, "KEY-1", spent(100));

@@ -60,6 +60,11 @@ TEST(ABeancountExport, MakesACategoryAnAccountThatBeancountTakes) {
   EXPECT_EQ(accountFor(" -a- "), "Expenses:A");
 }
 
+TEST(ABeancountExport, KeepsTheLettersThatBeancountKnowsAlone) {
+  EXPECT_EQ(accountFor("ක"), "Expenses:X-ක");    // since Unicode 3.0
+  EXPECT_EQ(accountFor("ⴰ"), "Expenses:Other");  // since Unicode 4.1
+}
+
 TEST(ABeancountExport, NamesACategoryOtherOfWhichNoLetterCanStay) {
   for (const char* const category : {"", "🍕", "::", "日本", "한국"}) {
     EXPECT_EQ(accountFor(category), "Expenses:Other") << category;

@@ -10,6 +10,7 @@ namespace kivo::overview {
 using recording::LedgerTest;
 
 using book::Book;
+using book::LedgerEntry;
 using money::Kind;
 using money::largestSum;
 using recognition::Outcome;
@@ -79,6 +80,40 @@ TEST_F(AReport, DrawsAndListsADayBehindDaysWithoutExpenses) {
   EXPECT_THAT(html, HasSubstr("<title>3 November 2026: 1.00</title>"));
   EXPECT_THAT(html, HasSubstr("<title>20 November 2026: 23.45</title>"));
   EXPECT_THAT(html, HasSubstr("20 November 2026</th><td class=\"sum\">"));
+}
+
+TEST_F(AReport, DrawsTheFirstDayAndTheFirstMonthAtTheLeftEdge) {
+  Book book = open();
+  booked(book, spent(100), "2025-12-01");
+  booked(book, spent(100), "2026-11-01");
+  booked(book, spent(100), "2026-11-02");
+  const std::string html = page(book);
+  EXPECT_THAT(html, HasSubstr("<title>December 2025: spent 1.00, received 0.00</title>"
+                              "<rect class=\"spent\" x=\"18\""));
+  EXPECT_THAT(html,
+              HasSubstr("<title>1 November 2026: 1.00</title><rect class=\"spent\" x=\"15\""));
+  EXPECT_THAT(html,
+              HasSubstr("<title>2 November 2026: 1.00</title><rect class=\"spent\" x=\"115\""));
+}
+
+TEST_F(AReport, EndsAnAxisAtTheNextRoundNumber) {
+  const auto axisFor = [this](std::int64_t largest) {
+    Book book = open();
+    for (const LedgerEntry& entry : book.entries({})) book.remove(entry.id);
+    booked(book, spent(largest));
+    const std::string html = page(book);
+    const std::size_t begin = html.find("<div class=\"axis\"");
+    return html.substr(begin, html.find("</div>", begin) - begin);
+  };
+  for (const auto& [largest, labels] :
+       {std::pair(10000, "<bdi>100</bdi></span><span><bdi>50</bdi>"),
+        {10001, "<bdi>200</bdi></span><span><bdi>100</bdi>"},
+        {20001, "<bdi>400</bdi></span><span><bdi>200</bdi>"},
+        {40001, "<bdi>600</bdi></span><span><bdi>300</bdi>"},
+        {60001, "<bdi>800</bdi></span><span><bdi>400</bdi>"},
+        {80001, "<bdi>1,000</bdi></span><span><bdi>500</bdi>"}}) {
+    EXPECT_THAT(axisFor(largest), HasSubstr(labels)) << largest;
+  }
 }
 
 TEST_F(AReport, ShowsSumsToTheCent) {
