@@ -146,7 +146,7 @@ constexpr std::array words = std::to_array<CurrencyWord>({
     {"тенге", "KZT"}, {"сом", "KGS"}, {"сум", "UZS"},
     {"som", "KGS UZS"}, {"soum", "UZS"}, {"₾", "GEL"},
     {"lari", "GEL"}, {"֏", "AMD"}, {"₼", "AZN"},
-    {"manat", "AZN TMT"}, {"₺", "TRY"}, {"tl", "TRY"},
+    {"manat", "AZN TMT"}, {"₺", "TRY"}, {"tl", "TRY"}, {"tl'lik", "TRY"}, {"tl'dir", "TRY"}, {"tl'ye", "TRY"}, {"tl'niz", "TRY"},
     {"lira", "TRY LBP"}, {"₪", "ILS"}, {"nis", "ILS"},
     {"ש ״ ח", "ILS"}, {"שח", "ILS"}, {"﷼", "IRR SAR YER OMR QAR"},
     {"تومان", "XXX"}, {"افغاني", "AFN"}, {"؋", "AFN"},

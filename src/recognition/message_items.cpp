@@ -107,14 +107,14 @@ std::size_t endWithChanges(std::string_view text, std::size_t end) {
 // Letters of one script; an apostrophe between two letters belongs to the word.
 std::size_t endOfWord(std::string_view text, std::size_t begin) {
   std::size_t end = begin + characterLength(text.substr(begin));
-  if (isIdeograph(text.substr(begin, end - begin))) return end;
+  if (isUnspaced(text.substr(begin, end - begin))) return end;
   const bool arabic = isArabic(text.substr(begin, end - begin));
   while (end < text.size()) {
     std::size_t at = end;
     if (text[at] == '\'') ++at;
     const std::string_view character = text.substr(at, characterLength(text.substr(at)));
     if (character.empty() || !isLetter(character) || isArabic(character) != arabic ||
-        isIdeograph(character)) {
+        isUnspaced(character)) {
       break;
     }
     end = at + character.size();
@@ -169,7 +169,7 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
   if (item.text == "!" || item.text == "?") return true;
   if (item.text != "." || at == 0) return false;
   const Item& before = items[at - 1];
-  if (before.capitals && before.end - before.begin == 1) return false;  // "MARIA L. SANTOS"
+  if (isInitial(before)) return false;  // "MARIA L. SANTOS"
   return before.kind != Item::Kind::word ||
          std::find(abbreviations.begin(), abbreviations.end(), before.text) == abbreviations.end();
 }
@@ -181,8 +181,16 @@ bool beginsFraction(std::string_view readable, std::size_t at) {
          (at == 0 || std::string_view(" \n-$").find(readable[at - 1]) != std::string_view::npos);
 }
 
-bool isIdeograph(std::string_view word) {
-  return word.size() == 3 && word[0] >= '\xE4' && word[0] <= '\xE9';
+bool isUnspaced(std::string_view word) {
+  if (word.size() != 3) return false;
+  const bool chinese = word[0] >= '\xE4' && word[0] <= '\xE9';
+  const bool korean = word[0] >= '\xEA' && word[0] <= '\xED' && word >= "가" && word <= "힣";
+  const bool thai = word[0] == '\xE0' && (word[1] == '\xB8' || word[1] == '\xB9');
+  return chinese || korean || thai;
+}
+
+bool isInitial(const Item& item) {
+  return item.capitals && item.text.size() == characterLength(item.text);
 }
 
 bool isMark(const Item& item, std::string_view marks) {

@@ -46,12 +46,15 @@ struct Item {
 
 using Items = std::vector<Item>;
 
+/// Whether `item` is a single capital.
+bool isInitial(const Item& item);
+
 /// Whether `item` is one of the ASCII `marks`.
 bool isMark(const Item& item, std::string_view marks);
 
-/// Whether `word` is a Chinese character. Chinese writes no blanks between words, so each of its
-/// characters is a word.
-bool isIdeograph(std::string_view word);
+/// Whether `word` is a character of Chinese, Korean or Thai, each of which is an item: blanks do
+/// not tell where a word or its ending begins.
+bool isUnspaced(std::string_view word);
 
 /// Whether the character at `at` of `readable` is the first of a number such as ".93": a point that
 /// does not belong to a word or number before it.

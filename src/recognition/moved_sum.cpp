@@ -140,8 +140,10 @@ class Sums {
 
   // "Avl Bal 5521": the words belong to the number behind them.
   [[nodiscard]] bool introducesNumber(const Found& wording) const {
-    constexpr std::size_t near = 5;
-    for (std::size_t at = wording.end; at < std::min(items_.size(), wording.end + near); ++at) {
+    constexpr std::size_t near = 5;  // a Chinese, Korean or Thai character is less than a word
+    std::size_t words = 0;
+    for (std::size_t at = wording.end; at < items_.size() && words < near; ++at) {
+      if (!isUnspaced(items_[at].text)) ++words;
       if (items_[at].kind == Item::Kind::mark && items_[at].text == ".") return false;
       const bool number = items_[at].kind == Item::Kind::number && !items_[at].isPiece;
       if (number || items_[at].kind == Item::Kind::sum) return true;

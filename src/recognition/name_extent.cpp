@@ -23,7 +23,7 @@ bool NameExtent::mayBegin(std::size_t at) const {
   if (item.named) return true;
   if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak || item.isPiece)
     return false;
-  if (isChineseMove(at)) return false;
+  if (isEastAsianMove(at)) return false;
   const bool initial = item.capitals && at + 1 < items_.size() && items_[at + 1].capitals;
   const bool article = !initial && (item.text == "the" || item.text == "a" || item.text == "an");
   if (article && message_.text[item.begin] != 'T') return false;
@@ -35,9 +35,11 @@ bool NameExtent::mayBegin(std::size_t at) const {
   return true;
 }
 
-// Whether a Chinese wording of a movement begins at item `at`: "转账" in "王五转账".
-bool NameExtent::isChineseMove(std::size_t at) const {
-  return isIdeograph(items_[at].text) && at_[at] != nullptr && at_[at]->as<Move>() != nullptr;
+// Whether a Chinese or Korean wording of a movement begins at item `at`: "转账" in "王五转账".
+bool NameExtent::isEastAsianMove(std::size_t at) const {
+  const char first = items_[at].text.empty() ? ' ' : items_[at].text.front();
+  const bool eastAsian = first >= '\xE4' && first <= '\xED';
+  return eastAsian && at_[at] != nullptr && at_[at]->as<Move>() != nullptr;
 }
 
 // Whether the name continues behind a comma: "MAPLE HARDWARE, AUSTIN, TX for ...".
@@ -61,10 +63,8 @@ bool NameExtent::isNameWord(std::size_t at) const {
 }
 
 // Whether the point ends an initial: "MARIA L. SANTOS".
-bool NameExtent::isInitial(std::size_t point) const {
-  const Item& letter = items_[point - 1];
-  return letter.capitals && letter.end - letter.begin == 1 && point + 1 < items_.size() &&
-         isNameWord(point + 1);
+bool NameExtent::endsInitial(std::size_t point) const {
+  return isInitial(items_[point - 1]) && point + 1 < items_.size() && isNameWord(point + 1);
 }
 
 // Whether item `at` is the "El", but not the "el", of "Panaderia El Trigal el 14/07".
@@ -79,13 +79,13 @@ bool NameExtent::isArticle(std::size_t at) const {
 bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction introduced) const {
   const Item& item = items_[at];
   // Chinese writes no blanks between words.
-  if (item.glued && item.kind == Item::Kind::word && !isIdeograph(item.text)) return false;
+  if (item.glued && item.kind == Item::Kind::word && !isUnspaced(item.text)) return false;
   if (introduced == Marker::info) {
     return isWordOf(at, {SumRole::balance, SumRole::limit}) ||
            (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));
   }
   if (isArticle(at)) return false;
-  if (isChineseMove(at)) return true;
+  if (isEastAsianMove(at)) return true;
   if (isWordOf(at, {Marker::ends, Marker::own, SumRole::balance, SumRole::limit, Marker::reference,
                     Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
     return true;
@@ -116,7 +116,7 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
     return true;  // a signature: "-Orchid Bank"
   }
   if (isMark(item, ".")) {
-    if (isInitial(at)) return false;
+    if (endsInitial(at)) return false;
     const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
     return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
   }

@@ -32,11 +32,11 @@ class NameExtent {
   [[nodiscard]] std::size_t endOfName(std::size_t begin, Introduction introduced) const;
 
  private:
-  [[nodiscard]] bool isChineseMove(std::size_t at) const;
+  [[nodiscard]] bool isEastAsianMove(std::size_t at) const;
   [[nodiscard]] bool continuesBehindComma(std::size_t comma, std::size_t begin) const;
   [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const;
   [[nodiscard]] bool isNameWord(std::size_t at) const;
-  [[nodiscard]] bool isInitial(std::size_t point) const;
+  [[nodiscard]] bool endsInitial(std::size_t point) const;
   [[nodiscard]] bool isArticle(std::size_t at) const;
   [[nodiscard]] bool isBehindName(std::size_t at, std::size_t begin, Introduction introduced) const;
   [[nodiscard]] bool endsName(std::size_t at, std::size_t begin, Introduction introduced) const;

@@ -205,6 +205,7 @@ class NamePlaces {
   // "at 5 Dollar Bakery", "at 7-Eleven", "from EGP 9000.00. Fee: EGP 1.00 credited to you"
   void addNumberInFront(const Found& wording, std::size_t begin) {
     const bool sum = items_[begin].kind == Item::Kind::sum;
+    if (sum && wording.as<Marker>() == nullptr) return;  // "Pagamento de R$ 45,00 LUZ AZUL"
     std::size_t next = begin + 1;
     while (next < items_.size() && isMark(items_[next], "-'") && items_[next].glued) ++next;
     constexpr std::size_t longest = 5;

@@ -68,7 +68,7 @@ bool isAmountBehindWord(const Items& items, std::size_t at) {
   const std::string& amount = items[at].text;
   const bool arabic = word.front() >= '\xD8' && word.front() <= '\xDB';
   return (arabic && amount.find(',') != std::string::npos) ||
-         (isIdeograph(word) && amount.find_first_of(".,") != std::string::npos);
+         (isUnspaced(word) && amount.find_first_of(".,") != std::string::npos);
 }
 
 bool isMasked(const Items& items, std::size_t at) {

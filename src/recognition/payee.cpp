@@ -185,9 +185,10 @@ class Names {
     while (end > 0 && auxiliary(end - 1)) --end;
     // Without capitals, only its meaning tells a verb from the name: "출금 솔마트 잔액".
     const auto isVerb = [this](std::size_t at) {
-      const Found* const known = extent_.wordingAt(at);
-      return known != nullptr && known->as<Move>() != nullptr &&
-             names::caseOfFirst(items_[at].text) == LetterCase::none;
+      return !isAscii(items_[at].text.back()) &&
+             std::ranges::any_of(message_.wordings, [at](const Found& known) {
+               return known.begin <= at && at < known.end && known.as<Move>() != nullptr;
+             });
     };
     std::size_t begin = end;
     while (

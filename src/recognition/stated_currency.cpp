@@ -70,6 +70,9 @@ bool isPlausible(const StatedCurrency& stated, const Items& items, std::size_t n
   if (stated.end - stated.begin > 1 || only.kind != Item::Kind::word) return true;
   constexpr auto usual = std::to_array<std::string_view>(
       {"rs", "tk", "rm", "rp", "sr", "le", "kd", "bd", "jd", "dh", "mt", "tl", "kr", "re", "qr"});
+  if (only.text == "le" && !only.capitals) return stated.mayBe(book);  // "carte 0912 le 1er mai"
+  if (only.text == "บ" && stated.begin < number) return false;         // the end of a word
+  if (only.text == "tk" && book == "VND") return false;                // an account
   const bool latin = static_cast<unsigned char>(only.text[0]) < 0x80;
   if (only.text.size() == 2 && latin) {
     return stated.mayBe(book) || std::find(usual.begin(), usual.end(), only.text) != usual.end();

@@ -144,7 +144,7 @@ std::optional<std::size_t> endOfMatch(const std::vector<Element>& elements, std:
 }
 
 // A match of a pattern. The longer one counts: by elements, then by items, then by letters, since
-// "โอนเงินเข้า~" and "โอน~" match the same word.
+// "yatirilacak~" and "yatiril~" match the same word.
 struct Match {
   const WordingPattern* pattern = nullptr;
   std::size_t end = 0;

@@ -119,7 +119,7 @@ std::vector<linux_platform::Command> ignoredCommands() {
        {{"--json", "Print JSON", ParameterKind::flag}},
        showIgnored},
       {"book",
-       "Book an ignored message; the options say what cannot be read from it",
+       "Book an ignored message; what it does not say clearly has to be given",
        {{"NUMBER", "The message's number, as ignored shows it"},
         {"--kind", "expense, income or transfer", optional, kindNames},
         {"--amount", "The sum, as 1,189.50", optional},

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include "book/book_file.h"
-#include "book/current_day.h"
 #include "testkit/first_book.h"
 #include "unit/recording/ledger_test.h"
 
@@ -53,24 +52,6 @@ TEST_F(AFirstBook, KeepsItsEntriesAnswersRatesAndIds) {
   EXPECT_EQ(answer(book, message("KEY-4")), R"({"saved":true})");
   EXPECT_EQ(recorded(book, "KEY-5", spent(100)).id, 5);  // the id 4 was given already
   EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "3\n");
-}
-
-class ASecondBook : public LedgerTest {};
-
-TEST_F(ASecondBook, KeepsItsEntriesAndAnswersAndTakesIgnoredMessages) {
-  {
-    Book book = open();
-    recorded(book, "KEY-1", spent(100));
-  }
-  testkit::RawStore(file()).run("DROP TABLE ignored; PRAGMA user_version = 2");
-  Book book = open();
-  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "3\n");
-  EXPECT_EQ(book.entry(1)->key, "KEY-1");
-  EXPECT_EQ(book.entry(1)->text, "text of KEY-1");
-  EXPECT_TRUE(book.answer("user", "KEY-1"));
-  const money::Day today = currentDay();
-  book.keepIgnored({.key = "KEY-2", .userId = "user", .date = today, .text = "text of KEY-2"});
-  EXPECT_EQ(book.ignoredCount(), 1);
 }
 
 TEST_F(AFirstBook, SetsAsideRowsWhoseValuesCannotBe) {

@@ -97,5 +97,10 @@ TEST(ASum, WhereANameIsExpectedIsForReview) {
             "review");
 }
 
+TEST(ASumInFrontOfAName, IsTheSumBehindAVerb) {
+  EXPECT_EQ(readingText(read("Pagamento de R$ 45,00 LUZ AZUL 21/11/26", "BRL"), "BRL", true),
+            "expense 45.00 | LUZ AZUL");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

@@ -52,6 +52,10 @@ TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
   EXPECT_EQ(payeeOf("Has been credited EGP 50.00"), "");
 }
 
+TEST(AName, MayEndWithAnInitialInCyrillic) {
+  EXPECT_EQ(read("Мария Е. перевела вам 300 ₽", "RUB").payee, "Мария Е");
+}
+
 TEST(AName, InChineseEndsBeforeTheVerb) {
   EXPECT_EQ(read("尾号1190在松果消费62.50元", "CNY").payee, "松果");
   EXPECT_EQ(read("您收到王五转账62.50元", "CNY").payee, "王五");
@@ -139,6 +143,7 @@ TEST(AName, WithoutWordsMayStandBesideTheSum) {
 TEST(AName, WithoutCapitalsMayStandBetweenTheSumAndADate) {
   EXPECT_EQ(read("승인 6,700원 솔카페 04/12", "KRW").payee, "솔카페");
   EXPECT_EQ(read("출금 솔마트 잔액 9,000원 500원", "KRW").payee, "솔마트");
+  EXPECT_EQ(read("승인 5,000원 일시불 승인 누적 9,000원", "KRW").payee, "");
 }
 
 TEST(AName, OfTheCardIsNotThePayees) {

@@ -41,6 +41,13 @@ TEST(ASum, MayBeGluedToAnArabicOrChineseWord) {
   EXPECT_EQ(sumsIn("XX620,000", "IRR"), "");
 }
 
+TEST(ASum, HasNoCurrencyThatIsAnArticleOrTheEndOfAWord) {
+  EXPECT_EQ(sumsIn("45,00 EUR carte 0912 le 01/04/26", "EUR"), "4500 EUR");
+  EXPECT_EQ(sumsIn("LE 50", "AED"), "5000 EGP");
+  EXPECT_EQ(sumsIn("TK 0912: -150,000 VND", "VND"), "-150000 VND");
+  EXPECT_EQ(sumsIn("เก็บ 500", "THB"), "");
+}
+
 TEST(ASum, IsNotTheNumberOfAnAccount) {
   EXPECT_EQ(sumsIn("حساب 44.120\n-350,000", "IRR"), "-35000000");
 }

@@ -64,6 +64,17 @@ TEST(EachWording, HasOneMeaning) {
   }
 }
 
+TEST(AWording, OfChineseKoreanOrThaiIsFoundWithinAWord) {
+  EXPECT_EQ(readingText(read("บัญชีของท่านมีเงินเข้า 500.00 บาท", "THB"), "THB", false), "income 500.00");
+  EXPECT_EQ(readingText(read("전자금융출금되었습니다 5,000원", "KRW"), "KRW", false),
+            "expense 5000");
+}
+
+TEST(AWording, WithMoreLettersCounts) {
+  EXPECT_EQ(read("45,00 TL yatırıldı", "TRY").outcome, Outcome::transaction);
+  EXPECT_EQ(read("45,00 TL yatırılacaktır, 21/11/26", "TRY").outcome, Outcome::notATransaction);
+}
+
 TEST(AGapInAWording, SpansEightWordsOfOneSentence) {
   const auto outcome = [](const std::string& gap) {
     return read("Your refund of EGP 20.00 arrives in " + gap + " working days", "EGP").outcome;
