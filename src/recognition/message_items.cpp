@@ -157,10 +157,11 @@ Item itemAt(std::string_view text, std::size_t begin) {
 
 // Words behind which a point does not end a sentence.
 constexpr auto abbreviations = std::to_array<std::string_view>(
-    {"rs",     "tk",  "no",  "nos", "avl", "avail", "av",   "bal", "acc", "acct", "ac", "c",
-     "ref",    "st",  "mr",  "mrs", "ms",  "dr",    "cr",   "amt", "txn", "trx",  "id", "tel",
-     "approx", "inr", "р",   "руб", "грн", "тг",    "дост", "ج",   "م",   "ر",    "س",  "د",
-     "sh",     "ksh", "tsh", "a",   "e",   "g",     "i",    "l",   "s",   "m"});
+    {"rs", "tk",  "no",     "nos", "avl",  "avail", "av",   "bal", "acc",  "acct", "ac",
+     "c",  "ref", "st",     "mr",  "mrs",  "ms",    "dr",   "cr",  "amt",  "txn",  "trx",
+     "id", "tel", "approx", "inr", "р",    "руб",   "грн",  "тг",  "дост", "ج",    "م",
+     "ر",  "س",   "د",      "sh",  "ksh",  "tsh",   "a",    "e",   "g",    "i",    "l",
+     "s",  "m",   "бал",    "ост", "кред", "ost",   "dost", "disp"});
 
 bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
   const Item& item = items[at];

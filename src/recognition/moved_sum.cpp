@@ -144,7 +144,8 @@ class Sums {
     std::size_t words = 0;
     for (std::size_t at = wording.end; at < items_.size() && words < near; ++at) {
       if (!isUnspaced(items_[at].text)) ++words;
-      if (items_[at].kind == Item::Kind::mark && items_[at].text == ".") return false;
+      const bool ends = at + 1 == items_.size() || items_[at + 1].startsSentence;
+      if (isMark(items_[at], ".") && ends) return false;
       const bool number = items_[at].kind == Item::Kind::number && !items_[at].isPiece;
       if (number || items_[at].kind == Item::Kind::sum) return true;
     }

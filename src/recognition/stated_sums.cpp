@@ -206,7 +206,7 @@ class SumReader {
     if (item.isPiece && apart && !extent.unclear) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
-    item.sum.sign = extent.sign;
+    item.sum.sign = extent.sign != '\0' ? extent.sign : signBehind(extent.last);
     for (std::size_t next = number + 1; next <= extent.last; ++next) {
       if (items_[next].kind == Item::Kind::number) item.text += items_[next].text;
     }
@@ -220,6 +220,16 @@ class SumReader {
     if (!unclear) item.sum.minorUnits = minorUnitsOf(item.text, habit);
     at = extent.last;
     return item;
+  }
+
+  // "انتقال:750,000-": banks of Iran write the sign behind the amount.
+  [[nodiscard]] char signBehind(std::size_t last) const {
+    const std::size_t next = last + 1;
+    const bool sign = book_ == "IRR" && next < items_.size() && items_[next].glued &&
+                      isMark(items_[next], "+-") &&
+                      (next + 1 == items_.size() || !items_[next + 1].glued ||
+                       items_[next + 1].kind == Item::Kind::lineBreak);
+    return sign ? items_[next].text.front() : '\0';
   }
 
   // "TK 0221xxx" is an account.

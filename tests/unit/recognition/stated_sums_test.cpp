@@ -41,6 +41,15 @@ TEST(ASum, MayBeGluedToAnArabicOrChineseWord) {
   EXPECT_EQ(sumsIn("XX620,000", "IRR"), "");
 }
 
+TEST(ASum, IsTheMovedOneInFrontOfAnAbbreviatedBalance) {
+  EXPECT_EQ(of("Купівля 500 грн 10:44 Бал. 700 грн", "UAH"), "expense 500.00");
+}
+
+TEST(ASum, MayHaveASignBehindItInIran) {
+  EXPECT_EQ(sumsIn("انتقال:750,000+\nمانده:6,100,000-", "IRR"), "+75000000, -610000000");
+  EXPECT_EQ(sumsIn("750,000-12", "IRR"), "?");
+}
+
 TEST(ASum, HasNoCurrencyThatIsAnArticleOrTheEndOfAWord) {
   EXPECT_EQ(sumsIn("45,00 EUR carte 0912 le 01/04/26", "EUR"), "4500 EUR");
   EXPECT_EQ(sumsIn("LE 50", "AED"), "5000 EGP");
