@@ -157,7 +157,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   fuzz::require(outcome.answer.has_value() != outcome.failure.has_value(),
                 "an exchange ends in an answer or in a failure");
   if (outcome.failure) {
-    fuzz::require(canBeCausedByAnAnswer(*outcome.failure), "a failure is told by its cause");
+    fuzz::require(canBeCausedByAnAnswer(*outcome.failure), "a failure has a cause in the answer");
     return 0;
   }
   if (!outcome.answer->response) {

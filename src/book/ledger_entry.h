@@ -45,8 +45,8 @@ struct LedgerEntry {
   std::optional<std::string> text;
   /// Whether the user changed it with `edit`.
   bool edited = false;
-  /// Of an entry that is set aside: the stored text in the place of a date that is no day, and of a
-  /// currency that is no code. Else absent.
+  /// Of an entry that is set aside: the stored text in the place of a date that does not exist,
+  /// and of a currency that is not a code. Otherwise absent.
   std::optional<std::string> impossibleDate;
   std::optional<std::string> impossibleCurrency;
 

@@ -1,4 +1,4 @@
-// What the book knows by the payee: the user's corrections, and entries that look alike.
+// The user's corrections for a payee, and the entries that look alike.
 #pragma once
 
 #include <cstdint>

@@ -26,7 +26,7 @@ class CurrencyCode {
   }
   /// XXX, the code of ISO 4217 for no currency.
   constexpr CurrencyCode() = default;
-  /// Reads a constant, also in the place of a code, and does not compile when that is no code.
+  /// Reads a constant, also in the place of a code, and does not compile when that is not a code.
   // NOLINTNEXTLINE(google-explicit-constructor)
   consteval CurrencyCode(const char (&code)[4]) : letters_(fromText(code).value().letters_) {}
 

@@ -17,7 +17,7 @@ class Month {
   /// January 1970.
   constexpr Month() = default;
   constexpr explicit Month(std::chrono::year_month month) : month_(month) {}
-  /// Reads a constant, also in the place of a month, and does not compile when that is no month.
+  /// Reads a constant, also in the place of a month, and does not compile when that is not a month.
   // NOLINTNEXTLINE(google-explicit-constructor)
   consteval Month(const char (&text)[8]);
 
@@ -49,7 +49,7 @@ class Day {
   static std::optional<Day> fromText(std::string_view text);
   /// 1970-01-01.
   constexpr Day() = default;
-  /// Reads a constant, also in the place of a day, and does not compile when that is no day.
+  /// Reads a constant, also in the place of a day, and does not compile when that is not a day.
   // NOLINTNEXTLINE(google-explicit-constructor)
   consteval Day(const char (&text)[11]) : day_(parsed(text)) {
     if (!day_.ok()) throw "this is no day";

@@ -1,4 +1,4 @@
-// What a transaction does to a person's money.
+// The kinds of transactions: how one changes a person's money.
 #pragma once
 
 #include <optional>

@@ -11,7 +11,7 @@
 
 namespace kivo::money {
 
-/// What one unit of a currency is worth in another: a decimal above zero.
+/// An exchange rate, the price of one unit of a currency in another: a decimal above zero.
 class Rate {
  public:
   /// The most digits that a rate has, so that every conversion is exact.

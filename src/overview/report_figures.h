@@ -26,7 +26,7 @@ struct ReportFigures {
   std::vector<money::Money> days = {};
   /// The newest of the twelve months, `mostEntries` at most, the newest first.
   std::vector<book::LedgerEntry> entries = {};
-  /// What waits in review, of any month: the newest `mostEntries` at most, the newest first.
+  /// The entries in review, of any month: the newest `mostEntries` at most, the newest first.
   std::vector<book::LedgerEntry> review = {};
   /// Whether the summary's month is the current one.
   bool runs = false;

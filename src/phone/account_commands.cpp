@@ -87,7 +87,7 @@ void reloadWidgets() {
   linux_platform::BusWidgetCenter(bus).reloadAllTimelines();
 }
 
-// Who signs in, and where the backend is.
+// The user and the backend of a sign-in.
 struct Account {
   std::string userId;
   std::string base;

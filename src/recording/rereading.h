@@ -1,5 +1,5 @@
 // Decisions on entries that are in the book: books one from review, and reads one again. Asks
-// nobody.
+// the user nothing.
 #pragma once
 
 #include <cstdint>

@@ -26,7 +26,7 @@ void tell(const std::string& what) {
 }
 
 // Without a user, the intent would answer with a dialog and drop the text.
-bool isSomebodySignedIn() {
+bool isUserSignedIn() {
   const auto store = SharedStore::open(appGroup);
   return store && store->readNonEmptyText(StoreKeys::userId) &&
          store->readNonEmptyText(StoreKeys::supabaseUrl);
@@ -54,7 +54,7 @@ class WatchProgram {
   SmsWatcher watcher_{WatcherRecord::open(), limits_.pauses};
   WatchSettings settings_;
   // Remembers what was printed, so that it is not repeated.
-  bool saidThatNobodyIsSignedIn_ = false;
+  bool saidThatNoUserIsSignedIn_ = false;
   bool saidThatSomeAreTooOld_ = false;
   std::optional<std::string> saidError_;
 };
@@ -126,10 +126,10 @@ void WatchProgram::takeOutcome(milliseconds timeout) {
 }
 
 bool WatchProgram::mayHandOn() {
-  const bool signedIn = isSomebodySignedIn();
-  if (!signedIn && !saidThatNobodyIsSignedIn_)
+  const bool signedIn = isUserSignedIn();
+  if (!signedIn && !saidThatNoUserIsSignedIn_)
     tell("not signed in, so messages wait; sign in with: kivo-phone sign-in");
-  saidThatNobodyIsSignedIn_ = !signedIn;
+  saidThatNoUserIsSignedIn_ = !signedIn;
   return signedIn;
 }
 

@@ -37,7 +37,7 @@ def parameter(catalog):
 SPOILERS = {
     "a member too many": lambda c: c.update(version=1),
     "a missing member": lambda c: without(c, "bundleIdentifier"),
-    "a bundle that is no identifier": lambda c: c.update(bundleIdentifier="kivo"),
+    "a bundle that is not an identifier": lambda c: c.update(bundleIdentifier="kivo"),
     "intents as an object": lambda c: c.update(intents={}),
     "an intent's member too many": lambda c: c["intents"][0].update(icon="x"),
     "an intent without a title": lambda c: without(c["intents"][1], "title"),

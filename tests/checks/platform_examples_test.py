@@ -58,7 +58,7 @@ class Backend(http.server.BaseHTTPRequestHandler):
 
 
 def as_seen(text):
-    """The text as it looks: the document says where a blank is none of the usual."""
+    """The text as it looks: the document says where a blank is a special one."""
     return text.replace("\u00a0", " ")
 
 

@@ -1,4 +1,4 @@
-// What kivo-ledger refuses: to forget without being asked to, and folders that are not private.
+// Refusals of kivo-ledger: to forget texts unasked, and to use folders that are not private.
 #include <chrono>
 #include <filesystem>
 #include <fstream>

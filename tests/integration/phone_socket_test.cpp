@@ -1,4 +1,4 @@
-// What kivo-phone says when the ledger's socket does not answer.
+// The messages of kivo-phone when the ledger's socket does not answer.
 #include <filesystem>
 #include <fstream>
 #include <string>

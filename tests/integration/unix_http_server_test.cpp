@@ -59,7 +59,7 @@ class AUnixSocket : public testing::Test {
     });
   }
 
-  // What the server answers to `bytes`.
+  // Returns the server's answer to `bytes`.
   [[nodiscard]] std::string answerTo(const std::string& bytes) const {
     const int descriptor = connected();
     EXPECT_EQ(write(descriptor, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));

@@ -151,7 +151,7 @@ struct LoopbackHttpServer::Server {
   const Handler handler;
   asio::io_context context{1};
   asio::executor_work_guard<asio::io_context::executor_type> work = asio::make_work_guard(context);
-  // Bound but never listening: it keeps the port from others while nobody listens.
+  // Bound but never listening: it keeps other programs from taking the port.
   tcp::acceptor reserved;
   tcp::endpoint address;
   std::optional<tcp::acceptor> acceptor;

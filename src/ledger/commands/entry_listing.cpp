@@ -15,7 +15,7 @@ using money::Kind;
 
 namespace {
 
-// As they are stored, also where that is no code and no day.
+// As they are stored, also a text that is neither a code nor a day.
 std::string currencyOf(const LedgerEntry& entry) {
   return entry.impossibleCurrency.value_or(entry.amount ? entry.amount->currency.text() : "");
 }

@@ -27,8 +27,8 @@ def write_state(state, folder):
 
 
 def values(file):
-    """The values of a store, or the rows of another database, with SQLite's own recovery; none when there
-    is none yet."""
+    """The values of a store, or the rows of another database, with SQLite's own recovery; none when it
+    does not exist yet."""
     if not pathlib.Path(file).exists():
         return {}
     connection = sqlite3.connect(file, isolation_level=None)

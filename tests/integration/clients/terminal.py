@@ -24,7 +24,7 @@ with open(os.environ["KIVO_SHOWN"], "wb", buffering=0) as shown:
             if typed:
                 os.write(screen, typed)
             else:
-                select.select([], [], [], 0.02)  # nobody holds the other end at the moment
+                select.select([], [], [], 0.02)  # the other end is not open at the moment
         if screen in ready:
             try:
                 shown.write(os.read(screen, 4096))

@@ -65,7 +65,7 @@ class ACommandLineParser : public testing::Test {
     EXPECT_EQ(ran, "");
   }
 
-  // What the command fail throws.
+  // Thrown by the command `fail`.
   std::function<void()> failure;
   std::string ran;
   GivenParameters given;

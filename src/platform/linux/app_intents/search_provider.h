@@ -16,8 +16,8 @@ namespace kivo::linux_platform {
 class SearchProvider {
  public:
   /// Calls `onCall` at the beginning of each call. `extension` must outlive this object, and the
-  /// event loop of `bus` must have ended before this object is destroyed. Throws Failure
-  /// when the bus cannot be used.
+  /// event loop of `bus` must have ended before this object is destroyed. Throws Failure when the
+  /// bus cannot be used.
   SearchProvider(DBusConnection* bus, const platform::AppIntentsExtension& extension,
                  std::function<void()> onCall);
   SearchProvider(const SearchProvider&) = delete;

@@ -19,8 +19,8 @@ class BusLoop {
   /// no limit.
   using BeforeWaiting = std::function<std::optional<std::chrono::milliseconds>()>;
 
-  /// `bus` must outlive this object and has at most one loop at a time. Throws Failure when
-  /// no file descriptor is left.
+  /// `bus` must outlive this object and has at most one loop at a time. Throws Failure when no
+  /// file descriptor is left.
   explicit BusLoop(DBusConnection* bus);
   ~BusLoop();
   BusLoop(const BusLoop&) = delete;

@@ -75,7 +75,7 @@ class BusReader {
   std::optional<std::uint32_t> natural() { return basic<std::uint32_t>(DBUS_TYPE_UINT32); }
   std::optional<double> number() { return basic<double>(DBUS_TYPE_DOUBLE); }
   std::optional<bool> flag();
-  /// Returns the texts of an array; empty when the next value is no array of texts.
+  /// Returns the texts of an array; empty when the next value is not an array of texts.
   std::vector<std::string> texts();
 
   [[nodiscard]] bool atEnd();

@@ -42,8 +42,8 @@ class BusThread {
   void post(Step step);
 
   /// Performs `step` on the thread, as soon as it is connected, and blocks until its end. Throws
-  /// what `step` throws, and Failure when there is no bus or the step is
-  /// not done within `timeout`; `step` may still be performed then.
+  /// what `step` throws, and Failure when there is no bus or the step is not done within
+  /// `timeout`; `step` may still be performed then.
   void performAndWait(Step step, std::chrono::milliseconds timeout);
 
   /// Sends `message`, which needs no reply, or drops it when there is no bus. Thread-safe.

@@ -22,8 +22,8 @@ struct SettingsFile {
 };
 
 /// Reads the file at `path`, also through a symbolic link. Throws Failure with a sentence about
-/// "it" when the file must not be used: it is no regular file, is over `longestSettings`, cannot be
-/// read, or a user other than this one and root can change it.
+/// "it" when the file must not be used: it is not a regular file, is over `longestSettings`, cannot
+/// be read, or a user other than this one and root can change it.
 SettingsFile readSettingsFile(const std::filesystem::path& path);
 
 /// Keeps two programs from changing a settings file at the same time, when each of them has a lock

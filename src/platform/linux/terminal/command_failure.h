@@ -13,8 +13,8 @@ inline constexpr int exitFailure = 1;
 /// The exit status for bad usage.
 inline constexpr int exitBadUsage = 64;
 
-/// A command failed. `runCommand` prints `what` and returns `status`. For a Failure that is no
-/// CommandFailure it returns `exitFailure`.
+/// A command failed. `runCommand` prints `what` and returns `status`. For any other Failure it
+/// returns `exitFailure`.
 class CommandFailure : public Failure {
  public:
   explicit CommandFailure(const std::string& sentence, int status = exitFailure)

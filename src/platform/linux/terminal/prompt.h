@@ -10,7 +10,7 @@ namespace kivo::linux_platform {
 /// Asks questions and reads the answers, one line each.
 class Prompt {
  public:
-  /// What Enter alone answers to a question.
+  /// The answer that Enter alone gives.
   enum class Preset { yes, no };
 
   /// `answers` must outlive this object.
