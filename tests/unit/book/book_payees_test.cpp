@@ -49,6 +49,20 @@ TEST_F(APayee, HasOneCorrectionThatTheLastEditHolds) {
   EXPECT_EQ(later.category, "Treats");
 }
 
+TEST_F(APayee, KeepsADescriptionOrACategoryThatItsCorrectionLacks) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(100, "CAFE LUNE"));
+  ASSERT_TRUE(book.edit(1, {.description = "Lune"}));
+  recorded(book, "KEY-2", spent(100, "CAFE SOL"));
+  ASSERT_TRUE(book.edit(2, {.category = "Treats"}));
+  const LedgerEntry lune = recorded(book, "KEY-3", spent(200, "CAFE LUNE"));
+  EXPECT_EQ(lune.description, "Lune");
+  EXPECT_EQ(lune.category, "Groceries");
+  const LedgerEntry sol = recorded(book, "KEY-4", spent(200, "CAFE SOL"));
+  EXPECT_EQ(sol.description, "CAFE SOL");
+  EXPECT_EQ(sol.category, "Treats");
+}
+
 TEST_F(APayee, IsComparedThroughAnIndex) {
   open();
   EXPECT_THAT(

@@ -80,6 +80,7 @@ TEST_F(AReport, DrawsAndListsADayBehindDaysWithoutExpenses) {
   EXPECT_THAT(html, HasSubstr("<title>3 November 2026: 1.00</title>"));
   EXPECT_THAT(html, HasSubstr("<title>20 November 2026: 23.45</title>"));
   EXPECT_THAT(html, HasSubstr("20 November 2026</th><td class=\"sum\">"));
+  EXPECT_THAT(html, Not(HasSubstr("19 November 2026</th>")));
 }
 
 TEST_F(AReport, DrawsTheFirstDayAndTheFirstMonthAtTheLeftEdge) {
@@ -114,6 +115,14 @@ TEST_F(AReport, EndsAnAxisAtTheNextRoundNumber) {
         {80001, "<bdi>1,000</bdi></span><span><bdi>500</bdi>"}}) {
     EXPECT_THAT(axisFor(largest), HasSubstr(labels)) << largest;
   }
+}
+
+TEST_F(AReport, EndsTheAxisAtOneWhenNothingWasReceivedOrSpent) {
+  Book book = open();
+  Reading transfer = spent(100);
+  transfer.kind = Kind::transfer;
+  booked(book, transfer);
+  EXPECT_THAT(page(book), HasSubstr("<bdi>1.00</bdi></span><span><bdi>0.50</bdi>"));
 }
 
 TEST_F(AReport, ShowsSumsToTheCent) {

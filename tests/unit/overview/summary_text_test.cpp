@@ -98,6 +98,11 @@ TEST_F(ASummaryText, FitsInFortyColumnsWithItsBars) {
   EXPECT_THAT(narrow, HasSubstr("…\n"));
 }
 
+TEST_F(ASummaryText, DrawsTheSmallestBarForATinyShare) {
+  summary_.categories[1].expense = egp(1);
+  EXPECT_THAT(text(), HasSubstr("     0.01   0.00  ▏                         Transport\n"));
+}
+
 TEST_F(ASummaryText, LeavesOutTheBarsBeforeASum) {
   EXPECT_THAT(text({.width = 20}), HasSubstr(" 1,000.00   0.99  Groceries\n"));
 }
