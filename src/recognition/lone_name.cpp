@@ -1,6 +1,7 @@
 #include "recognition/lone_name.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "names/letter_case.h"
@@ -48,42 +49,102 @@ bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_
   return besideDate || (isMark(items[begin - 1], marks) && isMark(items[end], marks));
 }
 
+// Whether a number or a word of the bank follows, which the items describe: "STAN 220011",
+// "Remaining Bal".
+bool isLabel(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
+  const Items& items = message.items;
+  if (items[begin].isPiece || end >= items.size()) return false;
+  if (end == begin + 1 && items[end].kind == Item::Kind::number && !isAddress(items[begin])) {
+    constexpr std::size_t shortest = 5;  // "APTEKA 12" is a shop
+    return (!items[end].isPiece && items[end].text.size() >= shortest) ||
+           (end + 1 < items.size() && isMark(items[end + 1], "%"));
+  }
+  const auto behind = std::ranges::lower_bound(message.wordings, end, {}, &Found::begin);
+  if (behind == message.wordings.end() || behind->begin != end || end > begin + 1) return false;
+  const bool role = behind->as<SumRole>() != nullptr && !items[begin].capitals;
+  return !items[end].startsSentence &&
+         (role || behind->is(Marker::reference) || behind->as<Move>() != nullptr);
+}
+
+// Whether the items fill a line or the space between two marks.
+bool isField(const Items& items, std::size_t begin, std::size_t end) {
+  const auto separates = [](const Item& item) {
+    return item.kind == Item::Kind::lineBreak || item.kind == Item::Kind::sum ||
+           isMark(item, ",;|");
+  };
+  const auto dash = [&](std::size_t at) { return isMark(items[at], "-") && !items[at].glued; };
+  return begin > 0 && end < items.size() && (separates(items[begin - 1]) || dash(begin - 1)) &&
+         (separates(items[end]) || dash(end));
+}
+
 }  // namespace
 
 bool beginsLikeAName(const AnalysedMessage& message, std::size_t at) {
   const Item& item = message.items[at];
   return item.kind == Item::Kind::word &&
-         names::caseOfFirst(message.text.substr(item.begin)) != names::LetterCase::small;
+         (isAddress(item) ||
+          names::caseOfFirst(message.text.substr(item.begin)) != names::LetterCase::small);
 }
 
 // "$48.13 CAD, TIMBERLINE CO-OP, card 0031", "card *2280 FARMACIA SOL 10-11-26"
-std::string loneName(const AnalysedMessage& message) {
+std::string loneName(const AnalysedMessage& message, std::size_t end) {
   const Items& items = message.items;
   const std::vector<bool> explained = explainedItems(message);
   const auto isNameWord = [&](std::size_t at) {
     return !explained[at] && beginsLikeAName(message, at);
   };
-  std::string second;
+  std::array<std::string, 4> best;  // by rank, the first of each
   std::size_t at = 0;
   while (at < items.size() && items[at].kind != Item::Kind::sum) ++at;
-  while (++at < items.size()) {
+  while (++at < end) {
     if (!isNameWord(at)) continue;
     const std::size_t begin = at;
     bool capitals = true;
-    for (; at < items.size() && (isNameWord(at) || (at > begin && continuesName(items, at)));
+    for (; at < end && !(at > begin && isAddress(items[begin])) &&
+           (isNameWord(at) || (at > begin && continuesName(items, at)));
          ++at) {
       capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
     }
     const bool last = at >= items.size() || (isMark(items[at], ".") && at + 1 == items.size());
     const bool isSignature = last && !(capitals && items[begin - 1].kind == Item::Kind::sum);
-    if (isSignature || !mayStandAlone(message, begin, at)) continue;
+    if (isSignature || isLabel(message, begin, at) || !mayStandAlone(message, begin, at)) continue;
     std::string name = nameBetween(message, begin, at);
+    if (name.empty()) continue;
     constexpr std::size_t shortest = 4;
-    if (name.size() < shortest) continue;
-    if (capitals) return name;
-    if (second.empty()) second = std::move(name);
+    const bool field = isField(items, begin, at);
+    if (name.size() < shortest && !field) continue;
+    const std::size_t rank = name.size() < shortest ? 3U : capitals ? 0U : field ? 1U : 2U;
+    if (best.at(rank).empty()) best.at(rank) = std::move(name);
   }
-  return second;
+  const auto found =
+      std::ranges::find_if(best, [](const std::string& name) { return !name.empty(); });
+  return found == best.end() ? std::string() : *found;
+}
+
+std::string nameBeforeSum(const AnalysedMessage& message) {
+  const Items& items = message.items;
+  const std::vector<bool> explained = explainedItems(message);
+  std::size_t sum = 0;
+  while (sum < items.size() && items[sum].kind != Item::Kind::sum) ++sum;
+  if (sum == items.size()) return {};
+  std::size_t end = sum;
+  while (end > 0 && isMark(items[end - 1], ":,-|")) --end;
+  std::size_t begin = end;
+  while (begin > 0 && !items[begin].startsSentence &&
+         ((!explained[begin - 1] && beginsLikeAName(message, begin - 1)) ||
+          (items[begin].glued && isMark(items[begin - 1], "&-.'")))) {
+    --begin;
+  }
+  if (begin == end || begin == 0) return {};
+  // "Heron Bank: Rs.50.00 ..." is the sender.
+  const bool line = items[begin - 1].kind == Item::Kind::lineBreak;
+  const bool behindMove = std::ranges::any_of(message.wordings, [begin](const Found& wording) {
+    return wording.as<Move>() != nullptr && wording.end == begin;
+  });
+  const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
+  if (!latin || !(behindMove || (line && items[sum].sum.sign != '\0'))) return {};
+  if (isLabel(message, begin, end) || items[begin].text == "alert") return {};
+  return nameBetween(message, begin, end);
 }
 
 }  // namespace kivo::recognition

@@ -122,6 +122,33 @@ std::size_t endOfWord(std::string_view text, std::size_t begin) {
   return end;
 }
 
+// The end of the payment or mail address at `begin`, such as "lotus.box7@upi"; `begin` without one.
+std::size_t endOfAddress(std::string_view text, std::size_t begin) {
+  constexpr std::size_t longest = 64;
+  const std::string_view near = text.substr(begin, longest);
+  const auto isPart = [](char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '.' ||
+           character == '-' || character == '_';
+  };
+  std::size_t end = 0;
+  while (end < near.size() && isPart(near[end])) ++end;
+  const std::string_view local = near.substr(0, end);
+  const bool isAmount = local.find_first_not_of("0123456789.") == std::string_view::npos &&
+                        local.find('.') != std::string_view::npos;
+  if (end + 1 >= near.size() || end == 0 || near[end] != '@' || isAmount ||
+      std::isalpha(static_cast<unsigned char>(near[end + 1])) == 0) {
+    return begin;
+  }
+  ++end;
+  while (end < near.size() && std::isalnum(static_cast<unsigned char>(near[end])) != 0) ++end;
+  while (end + 1 < near.size() && near[end] == '.' &&
+         std::islower(static_cast<unsigned char>(near[end + 1])) != 0) {
+    ++end;
+    while (end < near.size() && std::isalnum(static_cast<unsigned char>(near[end])) != 0) ++end;
+  }
+  return begin + end;
+}
+
 bool isCapitals(std::string_view word) {
   while (!word.empty()) {
     if (word.front() != '\'' && names::caseOfFirst(word) != names::LetterCase::capital)
@@ -133,6 +160,12 @@ bool isCapitals(std::string_view word) {
 
 Item itemAt(std::string_view text, std::size_t begin) {
   Item item{.begin = begin};
+  const bool apart = begin == 0 || std::isalnum(static_cast<unsigned char>(text[begin - 1])) == 0;
+  if (const std::size_t end = apart ? endOfAddress(text, begin) : begin; end > begin) {
+    item.end = end;
+    item.text = names::foldedName(text.substr(begin, end - begin));
+    return item;
+  }
   const std::string_view character = text.substr(begin, characterLength(text.substr(begin)));
   if (character == "\n") {
     item.kind = Item::Kind::lineBreak;
@@ -163,7 +196,11 @@ constexpr auto abbreviations = std::to_array<std::string_view>(
      "ر",  "س",   "د",      "sh",  "ksh",  "tsh",   "a",    "e",   "g",    "i",    "l",
      "s",  "m",   "бал",    "ост", "кред", "ost",   "dost", "disp"});
 
-bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
+// Currencies, behind which a point ends no sentence in front of a number alone.
+constexpr auto currencyAbbreviations =
+    std::to_array<std::string_view>({"rs", "tk", "sh", "ksh", "tsh", "inr"});
+
+bool endsSentence(const Items& items, std::size_t at, bool blankFollows, const Item& next) {
   const Item& item = items[at];
   if (item.kind == Item::Kind::lineBreak) return true;
   if (item.kind != Item::Kind::mark || !blankFollows) return false;
@@ -171,6 +208,9 @@ bool endsSentence(const Items& items, std::size_t at, bool blankFollows) {
   if (item.text != "." || at == 0) return false;
   const Item& before = items[at - 1];
   if (isInitial(before)) return false;  // "MARIA L. SANTOS"
+  const bool currency = std::find(currencyAbbreviations.begin(), currencyAbbreviations.end(),
+                                  before.text) != currencyAbbreviations.end();
+  if (currency && next.kind != Item::Kind::number && next.kind != Item::Kind::mark) return true;
   return before.kind != Item::Kind::word ||
          std::find(abbreviations.begin(), abbreviations.end(), before.text) == abbreviations.end();
 }
@@ -192,6 +232,10 @@ bool isUnspaced(std::string_view word) {
 
 bool isInitial(const Item& item) {
   return item.capitals && item.text.size() == characterLength(item.text);
+}
+
+bool isAddress(const Item& item) {
+  return item.kind == Item::Kind::word && item.text.find('@') != std::string::npos;
 }
 
 bool isMark(const Item& item, std::string_view marks) {
@@ -216,7 +260,7 @@ Items itemsOf(std::string_view readable) {
       item.kind = Item::Kind::word;
       item.text = "at";
     }
-    item.startsSentence = items.empty() || endsSentence(items, items.size() - 1, blank) ||
+    item.startsSentence = items.empty() || endsSentence(items, items.size() - 1, blank, item) ||
                           (items.back().kind == Item::Kind::lineBreak);
     at = item.end;
     blank = item.kind == Item::Kind::lineBreak;

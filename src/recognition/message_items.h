@@ -48,6 +48,8 @@ using Items = std::vector<Item>;
 
 /// Whether `item` is a single capital.
 bool isInitial(const Item& item);
+/// Whether `item` is a payment or mail address: "lotus@upi".
+bool isAddress(const Item& item);
 
 /// Whether `item` is one of the ASCII `marks`.
 bool isMark(const Item& item, std::string_view marks);

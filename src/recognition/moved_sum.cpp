@@ -1,6 +1,7 @@
 #include "recognition/moved_sum.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "recognition/movements.h"
 
@@ -14,6 +15,7 @@ Part partOf(SumRole role) {
     case SumRole::balance:
       return Part::balance;
     case SumRole::charge:
+    case SumRole::total:
       return Part::charge;
     case SumRole::limit:
     case SumRole::aside:
@@ -25,8 +27,23 @@ Part partOf(SumRole role) {
   return Part::moved;
 }
 
+// Whether the wording is the "Balance" of "using Tulip Balance successful at ...": the means of a
+// payment, which no number follows.
+bool isMeans(const Items& items, const Found& wording) {
+  if (!wording.is(SumRole::balance) || wording.begin == 0) return false;
+  const Item& before = items[wording.begin - 1];
+  const Item& itself = items[wording.begin];
+  if (before.kind != Item::Kind::word || itself.startsSentence || wording.end >= items.size()) {
+    return false;
+  }
+  const Item& behind = items[wording.end];
+  return behind.kind == Item::Kind::word && !behind.startsSentence &&
+         (behind.text == "by" || behind.text.starts_with("success"));
+}
+
 // The part of the sum beside `wording`; absent when the wording does not tell.
-std::optional<Part> partBy(const Found& wording) {
+std::optional<Part> partBy(const Items& items, const Found& wording) {
+  if (isMeans(items, wording)) return std::nullopt;
   if (wording.is(Move::fee)) return Part::charge;
   if (const SumRole* const role = wording.as<SumRole>()) return partOf(*role);
   const Move* const move = wording.as<Move>();
@@ -67,7 +84,12 @@ class Sums {
       if (part == Part::charge) charges.push_back(sums_[index]);
       if (part == Part::balance && !result.balance) result.balance = sums_[index];
     }
+    preferTotal(moved, charges);
+    if (std::ranges::any_of(charges, [this](std::size_t sum) { return isSigned(sum); })) {
+      std::erase_if(moved, [this](std::size_t sum) { return !isSigned(sum) && !isExplained(sum); });
+    }
     if (moved.empty()) moved = charges;
+    dropUnexplained(moved);
     dropSumsWithoutMovement(moved);
     // When some of them have a currency, those without one are not money.
     const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
@@ -77,6 +99,55 @@ class Sums {
   }
 
  private:
+  // "COST 6,557.38, VAT 1,180.33, TOTAL 7,737.71": the total, if it is the largest of three sums or
+  // more, the sum of the others, or named by more than "total".
+  void preferTotal(std::vector<std::size_t>& moved, const std::vector<std::size_t>& charges) const {
+    for (const std::size_t sum : charges) {
+      const Found* const label = totalOf(sum);
+      if (label == nullptr || !items_[sum].sum.minorUnits) continue;
+      std::vector<std::size_t> others = moved;
+      others.insert(others.end(), charges.begin(), charges.end());
+      std::erase(others, sum);
+      std::int64_t rest = *items_[sum].sum.minorUnits;
+      const bool largest = std::ranges::all_of(others, [&](std::size_t other) {
+        const std::int64_t part = items_[other].sum.minorUnits.value_or(0);
+        rest -= std::min(rest, part);
+        return part <= *items_[sum].sum.minorUnits;
+      });
+      const bool itemised = others.size() > 1 || (others.size() == 1 && rest == 0);
+      if (!others.empty() && largest && (itemised || label->end > label->begin + 1)) moved = {sum};
+    }
+  }
+
+  // The wording that calls `sum` a total, the last one in front of it; null when another is last.
+  [[nodiscard]] const Found* totalOf(std::size_t sum) const {
+    const Found* last = nullptr;
+    for (const Found& wording : message_.wordings) {
+      if (wording.end <= sum && partBy(items_, wording)) last = &wording;
+    }
+    const bool total =
+        last != nullptr && last->is(SumRole::total) && inOneSentence(items_, last->end, sum);
+    return total ? last : nullptr;
+  }
+
+  // Beside a sum with a sign, a sum that no wording explains did not move: "-150.00 ... Kaldyk
+  // summa:84120.40".
+  void dropUnexplained(std::vector<std::size_t>& moved) const {
+    if (std::ranges::count_if(moved, [this](std::size_t sum) { return isSigned(sum); }) != 1)
+      return;
+    std::erase_if(moved, [&](std::size_t sum) { return !isSigned(sum) && !isExplained(sum); });
+  }
+
+  [[nodiscard]] bool isSigned(std::size_t sum) const { return items_[sum].sum.sign != '\0'; }
+
+  [[nodiscard]] bool isExplained(std::size_t sum) const {
+    return std::ranges::any_of(message_.wordings, [&](const Found& wording) {
+      const bool said = partBy(items_, wording).has_value();
+      return said && (wording.end <= sum ? inOneSentence(items_, wording.end, sum)
+                                         : inOneSentence(items_, sum + 1, wording.begin));
+    });
+  }
+
   [[nodiscard]] bool isZero(std::size_t at) const { return items_[at].sum.minorUnits == 0; }
 
   [[nodiscard]] Part partOfSum(std::size_t index) const {
@@ -87,7 +158,7 @@ class Sums {
     Part part = Part::moved;
     for (const Found& wording : message_.wordings) {
       if (wording.begin < previous || wording.end > sum) continue;
-      const auto said = partBy(wording);
+      const auto said = partBy(items_, wording);
       if (!said || !inOneSentence(items_, wording.end, sum)) continue;
       part = *said;
     }
@@ -130,7 +201,7 @@ class Sums {
       if (wording.begin <= sum) continue;
       if (index + 1 < sums_.size() && wording.begin > sums_[index + 1]) break;
       if (wording.begin > sum + near || !inOneSentence(items_, sum + 1, wording.begin)) break;
-      const auto said = partBy(wording);
+      const auto said = partBy(items_, wording);
       if (!said) continue;
       if (introducesNumber(wording)) return std::nullopt;
       return said;

@@ -29,7 +29,7 @@ bool NameExtent::mayBegin(std::size_t at) const {
   if (article && message_.text[item.begin] != 'T') return false;
   if (isPronoun(item.text)) return false;
   if (isWordOf(at, {Marker::own, SumRole::amount, SumRole::balance, Marker::reference, Marker::ends,
-                    SumRole::limit, SumRole::charge, Status::code, Status::done})) {
+                    Marker::footer, SumRole::limit, SumRole::charge, Status::code, Status::done})) {
     return false;
   }
   return true;
@@ -81,13 +81,14 @@ bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction in
   // Chinese writes no blanks between words.
   if (item.glued && item.kind == Item::Kind::word && !isUnspaced(item.text)) return false;
   if (introduced == Marker::info) {
-    return isWordOf(at, {SumRole::balance, SumRole::limit}) ||
-           (isWordOf(at, {Marker::ends}) && (!item.capitals || item.text == "sms"));
+    return isWordOf(at, {SumRole::balance, SumRole::limit}) || isWordOf(at, {Marker::footer}) ||
+           (isWordOf(at, {Marker::ends}) && !item.capitals);
   }
   if (isArticle(at)) return false;
   if (isEastAsianMove(at)) return true;
-  if (isWordOf(at, {Marker::ends, Marker::own, SumRole::balance, SumRole::limit, Marker::reference,
-                    Marker::from, Marker::to, Marker::towards, Marker::by, Marker::info})) {
+  if (isWordOf(at, {Marker::ends, Marker::footer, Marker::own, SumRole::balance, SumRole::limit,
+                    Marker::reference, Marker::from, Marker::to, Marker::towards, Marker::by,
+                    Marker::info})) {
     return true;
   }
   // In a name in capitals, words in capitals belong to it: "COUNCIL TAX".
@@ -125,7 +126,8 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
 
 std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) const {
   std::size_t end = begin + 1;
-  while (end < items_.size() && !endsName(end, begin, introduced)) ++end;
+  if (isAddress(items_[begin])) return end;
+  while (end < items_.size() && (items_[end].named || !endsName(end, begin, introduced))) ++end;
   return end;
 }
 

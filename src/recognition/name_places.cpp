@@ -2,14 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <optional>
 #include <string_view>
 
+#include "names/letter_case.h"
 #include "recognition/movements.h"
 #include "recognition/name_text.h"
+#include "recognition/number_pieces.h"
 
 namespace kivo::recognition {
+
+using names::LetterCase;
+
 namespace {
 
 // Small words within a name: "Bread & Co of Cairo", "Panaderia de la Plaza".
@@ -35,10 +39,15 @@ class NamePlaces {
   std::vector<NamePlace> all() {
     addQuotes();
     for (const Found& wording : message_.wordings) {
-      if (wording.payeePrecedes) addInFront(wording);
+      if (namesItsSubject(wording)) addInFront(wording);
+      if (isFreeText(wording)) addFreeText(wording);
       if (introduces(wording)) addBehind(wording);
     }
-    std::ranges::sort(places_, {}, &NamePlace::begin);
+    addFields();
+    // Of places that overlap, the first counts, and of those that begin together the longest.
+    std::ranges::stable_sort(places_, [](const NamePlace& one, const NamePlace& other) {
+      return one.begin != other.begin ? one.begin < other.begin : one.lastEnd > other.lastEnd;
+    });
     std::vector<NamePlace> apart;
     for (const NamePlace& place : places_) {
       if (apart.empty() || place.begin >= apart.back().lastEnd) apart.push_back(place);
@@ -55,16 +64,29 @@ class NamePlaces {
            (*marker == Marker::info && wording.payeeFollows);
   }
 
-  [[nodiscard]] char firstByte(std::size_t at) const { return message_.text[items_[at].begin]; }
+  // Whether the party of the payment is in front of `wording`: "Will Smith sent you".
+  static bool namesItsSubject(const Found& wording) {
+    return wording.payeePrecedes || wording.is(Move::credited) || wording.is(Move::sent) ||
+           wording.is(Move::paid);
+  }
+
+  // Whether a text that the payer wrote follows: "Remarks: ...".
+  [[nodiscard]] bool isFreeText(const Found& wording) const {
+    return wording.is(Marker::info) || wording.is(Marker::reference);
+  }
+
+  [[nodiscard]] LetterCase caseOf(std::size_t at) const {
+    return names::caseOfFirst(message_.text.substr(items_[at].begin));
+  }
   [[nodiscard]] bool isWord(std::size_t at) const {
     return at < items_.size() && items_[at].kind == Item::Kind::word;
   }
-  // A Latin word with a capital at its front.
+  // A word with a capital at its front.
   [[nodiscard]] bool isCapital(std::size_t at) const {
-    return isWord(at) && std::isupper(static_cast<unsigned char>(firstByte(at))) != 0;
+    return isWord(at) && caseOf(at) == LetterCase::capital;
   }
   [[nodiscard]] bool isSmall(std::size_t at) const {
-    return isWord(at) && std::islower(static_cast<unsigned char>(firstByte(at))) != 0;
+    return isWord(at) && caseOf(at) == LetterCase::small;
   }
 
   void add(std::size_t begin, std::size_t end, std::size_t lastEnd) {
@@ -89,18 +111,108 @@ class NamePlaces {
     }
   }
 
-  // "Refund Fashion sent you #": the capitals in front.
+  // "Refund Fashion sent you #", "debited; Denied Jeans credited": the capitals in front.
   void addInFront(const Found& wording) {
-    std::size_t begin = wording.begin;
+    std::size_t end = wording.begin;
+    while (end > 0 && (items_[end - 1].text == "has" || items_[end - 1].text == "was")) --end;
+    std::size_t begin = end;
     while (begin > 0 && !items_[begin].startsSentence &&
            (isCapital(begin - 1) || isMark(items_[begin - 1], "&'-.")) &&
            (at_[begin - 1] == nullptr || !at_[begin - 1]->is(Marker::own))) {
       --begin;
     }
-    while (begin < wording.begin && !isCapital(begin)) ++begin;
-    if (begin < wording.begin && !isPronoun(items_[begin].text)) {
-      add(begin, wording.begin, wording.begin);
+    while (begin < end && !isCapital(begin)) ++begin;
+    if (begin == end || isPronoun(items_[begin].text) || !isSmall(wording.begin)) return;
+    const bool apart = items_[begin].startsSentence || isMark(items_[begin - 1], ";,:");
+    if (wording.payeePrecedes || (apart && hasOwnWord(begin, end))) add(begin, end, end);
+  }
+
+  // Whether one of the items is a capitalised word outside of all wordings.
+  [[nodiscard]] bool hasOwnWord(std::size_t begin, std::size_t end) const {
+    for (std::size_t at = begin; at < end; ++at) {
+      if (isCapital(at) && !isInWording(at)) return true;
     }
+    return false;
+  }
+
+  [[nodiscard]] bool isInWording(std::size_t at) const {
+    const auto behind = std::ranges::upper_bound(message_.wordings, at, {}, &Found::begin);
+    return behind != message_.wordings.begin() && std::prev(behind)->end > at;
+  }
+
+  // Whether a wording outside of the items tells of a movement.
+  [[nodiscard]] bool movesOutside(std::size_t begin, std::size_t end) const {
+    return std::ranges::any_of(message_.wordings, [&](const Found& wording) {
+      return wording.as<Move>() != nullptr && (wording.end <= begin || wording.begin >= end);
+    });
+  }
+
+  // The sums, outcomes and verbs of a text that the payer wrote, up to the end of its sentence.
+  void addFreeText(const Found& wording) {
+    std::size_t at = wording.end;
+    while (at < items_.size() && isMark(items_[at], ":.-")) ++at;
+    const bool reference = wording.is(Marker::reference);
+    if (reference && (at >= items_.size() || items_[at].kind == Item::Kind::number)) return;
+    const bool code = reference && isWord(at) && at + 1 < items_.size() && items_[at + 1].glued;
+    if (code) return;
+    for (const std::size_t begin = at; at < items_.size(); ++at) {
+      if (items_[at].kind == Item::Kind::lineBreak) return;
+      if (at > begin && (items_[at].startsSentence || isLabel(at))) return;
+      if (items_[at].kind == Item::Kind::sum && isSumBefore(begin)) add(at, at + 1, at + 1);
+      if (at_[at] == nullptr) continue;
+      const Move* const move = at_[at]->as<Move>();
+      const bool verb = move != nullptr && movementOf(*move).strength >= Strength::verb;
+      if ((verb || at_[at]->as<Status>() != nullptr) && movesOutside(at, at_[at]->end)) {
+        add(at, at_[at]->end, at_[at]->end);
+      }
+    }
+  }
+
+  [[nodiscard]] bool isSumBefore(std::size_t end) const {
+    return std::any_of(items_.begin(), items_.begin() + static_cast<std::ptrdiff_t>(end),
+                       [](const Item& item) { return item.kind == Item::Kind::sum; });
+  }
+
+  // Fields of capitalised words: "AED 415.00 - Available Light Photo - 12/11", "Salary Street" on
+  // a line, "Insufficient Funs Comedy Club: GBP 16.00".
+  void addFields() {
+    for (std::size_t begin = 0; begin < items_.size(); ++begin) {
+      const bool number = items_[begin].kind == Item::Kind::number && !items_[begin].isPiece;
+      if (!isCapital(begin) && !(number && isCapital(begin + 1))) continue;
+      const Found* const first = at_[begin];  // "To FAHAD OMAR", "TRF TO FATIMA BELLO"
+      if (first != nullptr && (first->as<Marker>() != nullptr || first->end > begin + 1)) continue;
+      const bool front = begin == 0 || items_[begin].startsSentence;
+      if (!front && !isMark(items_[begin - 1], ",;|:") && !isDash(begin - 1) &&
+          items_[begin - 1].kind != Item::Kind::sum) {
+        continue;
+      }
+      const std::size_t end = endOfCapitals(number ? begin + 1 : begin);
+      if (end <= begin + 1 || !endsField(end, front) || !hasOwnWord(begin, end)) continue;
+      if (holdsOutcome(end - 1) || !movesOutside(begin, end)) continue;
+      add(begin, end, end);
+      begin = end - 1;
+    }
+  }
+
+  [[nodiscard]] bool isDash(std::size_t at) const {
+    return isMark(items_[at], "-") && !items_[at].glued;
+  }
+
+  [[nodiscard]] bool endsField(std::size_t end, bool front) const {
+    if (end >= items_.size()) return false;  // a signature
+    const Item& item = items_[end];
+    if (front && isMark(item, ":")) {
+      std::size_t next = end + 1;
+      while (next < items_.size() && isMark(items_[next], "+-")) ++next;
+      return next < items_.size() && items_[next].kind == Item::Kind::sum;
+    }
+    if (item.kind == Item::Kind::lineBreak) return end > 0;
+    return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
+                      isMark(item, ",;|") || isDash(end));
+  }
+
+  [[nodiscard]] bool holdsOutcome(std::size_t at) const {
+    return at_[at] != nullptr && at_[at]->as<Status>() != nullptr;
   }
 
   void addBehind(const Found& wording) {
@@ -113,7 +225,9 @@ class NamePlaces {
     if (begin >= items_.size()) return;
     if (at_[begin] != nullptr && at_[begin]->is(Marker::label)) begin = at_[begin]->end;
     if (begin >= items_.size() || (at_[begin] != nullptr && at_[begin]->is(Move::machine))) return;
+    if (items_[begin].text.find_first_not_of('x') == std::string::npos) return;  // "XX7719"
     const bool small = isSmall(wording.begin);
+    if (colon && items_[wording.begin].startsSentence && addLine(begin)) return;
     if (isCapital(begin) && (small || colon)) {
       addCapitals(begin);
     } else if (items_[begin].kind == Item::Kind::sum || items_[begin].kind == Item::Kind::number) {
@@ -121,6 +235,21 @@ class NamePlaces {
     } else if (isWord(begin) && !isSmall(begin)) {
       addFirstWording(wording, begin);
     }
+  }
+
+  // The rest of the line, "To: Your txn declined", unless it names the person's own account. False
+  // when it does or when the line does not end.
+  bool addLine(std::size_t begin) {
+    std::size_t end = begin;
+    bool words = false;
+    for (; end < items_.size() && items_[end].kind != Item::Kind::lineBreak; ++end) {
+      const bool own = at_[end] != nullptr && at_[end]->is(Marker::own);
+      if (own && isLabel(end) && !isCapital(at_[end]->end)) return false;
+      words = words || (isWord(end) && !isInWording(end));
+    }
+    if (end >= items_.size() || !words) return false;
+    add(begin, end, end);
+    return true;
   }
 
   // Whether item `at` begins a label of a number or sum, "Avl Bal 500.00", "Card ending 1234", or
@@ -132,6 +261,7 @@ class NamePlaces {
     const bool colon = isMark(items_[wording->end - 1], ":") ||
                        (wording->end < items_.size() && isMark(items_[wording->end], ":"));
     if (colon) return true;
+    if (wording->end < items_.size() && isMark(items_[wording->end], "&")) return false;
     if (wording->as<Marker>() == nullptr && wording->as<SumRole>() == nullptr &&
         !wording->is(Move::fee)) {
       return false;
@@ -147,7 +277,8 @@ class NamePlaces {
     const Item& item = items_[next];
     if (item.kind == Item::Kind::number || item.kind == Item::Kind::sum) return true;
     if (item.kind == Item::Kind::mark && item.text.size() > 1) return true;  // "••••1234"
-    if (wording->is(Marker::ends) || wording->is(Marker::reference)) return true;
+    if (wording->is(Marker::ends) || wording->is(Marker::footer) || wording->is(Marker::reference))
+      return true;
     return own && !(isCapital(next) && at_[next] == nullptr);
   }
 
@@ -159,16 +290,22 @@ class NamePlaces {
       if (item.kind == Item::Kind::sum || item.kind == Item::Kind::lineBreak) break;
       if (at > begin && item.startsSentence) break;
       if (item.kind == Item::Kind::number) {
-        if (!item.glued && !isCapital(at + 1)) break;
+        constexpr std::size_t longest = 4;
+        const bool inside = isCapital(at + 1) && !isMonth(items_, at + 1) &&
+                            !items_[at + 1].glued && item.text.size() <= longest;
+        if (!item.glued && !inside) break;
         end = at + 1;
       } else if (at_[at] != nullptr && at_[at]->is(Marker::ends) &&
                  (item.glued || item.kind == Item::Kind::mark)) {
         break;  // "Kahve 'nda"
       } else if (item.kind == Item::Kind::mark) {
         const bool inside = item.glued && at + 1 < items_.size() && items_[at + 1].glued;
-        if (!isMark(item, "&'") && !(isMark(item, "-./+*@_") && inside)) break;
+        const bool prefix = isMark(item, "*") && isCapital(at + 1) && items_[at + 1].glued;
+        if (!isMark(item, "&'") && !prefix && !(isMark(item, "-./+*@_") && inside)) break;
       } else if (isCapital(at)) {
-        if (isLabel(at)) break;
+        const bool first = at == begin && at_[at] != nullptr &&
+                           (at_[at]->is(Marker::ends) || at_[at]->is(Marker::footer));
+        if (!(first && isCapital(at_[at]->end)) && isLabel(at)) break;
         end = at + 1;
       } else if (item.glued) {
         end = at + 1;
@@ -177,6 +314,17 @@ class NamePlaces {
       }
     }
     return end;
+  }
+
+  // Whether item `at` is a sum, and one in the same currency is before it in its sentence: the
+  // amount was stated, so this one belongs to the name.
+  [[nodiscard]] bool repeatsCurrency(std::size_t at) const {
+    if (items_[at].kind != Item::Kind::sum) return false;
+    for (std::size_t before = at; before > 0 && !items_[before].startsSentence; --before) {
+      const Item& item = items_[before - 1];
+      if (item.kind == Item::Kind::sum) return item.sum.currency == items_[at].sum.currency;
+    }
+    return false;
   }
 
   // Whether item `at` is a word such as "card" or "payment", which the capitals before it describe.
@@ -188,9 +336,14 @@ class NamePlaces {
   }
 
   void addCapitals(std::size_t begin) {
-    const std::size_t end = endOfCapitals(begin);
-    const bool initial = items_[begin].end - items_[begin].begin == 1;  // "A new store"
-    if (end == begin + 1 && (initial || isPronoun(items_[begin].text))) return;
+    std::size_t end = endOfCapitals(begin);
+    if (end < items_.size() && repeatsCurrency(end)) {  // "Declined $0.00 Inc"
+      ++end;
+      if (isCapital(end) && !isLabel(end)) end = endOfCapitals(end);
+    }
+    const bool date = end <= begin + 3 && items_[end - 1].isPiece;              // "AUG-26"
+    const bool initial = date || items_[begin].end - items_[begin].begin == 1;  // "A new store"
+    if ((end == begin + 1 || date) && (initial || isPronoun(items_[begin].text))) return;
     if (isSmall(end) && isNoun(end)) return;  // "for BillPay payment", "from Lotus Bank card 12"
     std::size_t first = end;
     // "at Fern Cafe Declined.": a shop or an outcome.

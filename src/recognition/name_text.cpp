@@ -12,12 +12,12 @@ constexpr std::size_t longestName = 60;
 
 // Words in a bank's narration that are not names: "UPI/P2M/4249/ORCHID MART".
 constexpr auto channelWords = std::to_array<std::string_view>(
-    {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m",  "p",    "a",
-     "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach",  "ref",  "no",
-     "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr",  "ftr",  "txn",
-     "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",   "iban", "vpa",
-     "otp",  "inr", "onl",  "frm",  "ft",   "pmt",  "web", "app",  "ussd", "nip",  "csh",
-     "cash", "chq", "mmt",  "vps",  "ips",  "tpt",  "nach"});
+    {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m", "p",    "a",
+     "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach", "ref",  "no",
+     "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr", "ftr",  "txn",
+     "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",  "iban", "vpa",
+     "inr",  "onl", "frm",  "ft",   "pmt",  "web",  "app", "ussd", "nip", "csh",  "cash",
+     "chq",  "mmt", "vps",  "ips",  "tpt",  "nach"});
 
 // Words that say how money moved, not to whom. A name has another word beside them.
 constexpr auto commonWords = std::to_array<std::string_view>(
@@ -28,6 +28,14 @@ constexpr auto commonWords = std::to_array<std::string_view>(
      "reversal",    "agent",    "it",       "of",       "us",   "them",       "merchant",
      "cheque",      "check",    "savings",  "checking", "self", "others",     "رقم",
      "transaction", "nil",      "na"});
+
+// Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
+bool isCode(const Items& items, std::size_t begin, std::size_t end) {
+  constexpr std::size_t bankLetters = 4;
+  if (end == begin + 1) return items[begin].capitals && items[begin].text.size() == bankLetters;
+  return end == begin + 2 && items[begin].kind == Item::Kind::word &&
+         items[begin + 1].kind == Item::Kind::number && items[begin + 1].glued;
+}
 
 }  // namespace
 
@@ -68,6 +76,7 @@ std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::
 
 std::string nameInNarration(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
+  std::string code;
   std::size_t piece = begin;
   for (std::size_t at = begin; at <= end; ++at) {
     const bool cut =
@@ -75,17 +84,20 @@ std::string nameInNarration(const AnalysedMessage& message, std::size_t begin, s
     if (!cut) continue;
     const auto isName = [&](std::size_t word) {
       return items[word].kind == Item::Kind::word && items[word].text.size() > 2 &&
-             std::find(channelWords.begin(), channelWords.end(), items[word].text) ==
-                 channelWords.end() &&
+             !isChannelWord(items[word].text) &&
              items[word].text.find_first_not_of('x') != std::string::npos;
     };
     bool named = false;
     for (std::size_t word = piece; word < at; ++word) named = named || isName(word);
     while (named && isChannelWord(items[piece].text)) ++piece;
-    if (named) return nameBetween(message, piece, at);
+    if (named) {
+      std::string name = nameBetween(message, piece, at);
+      if (!isCode(items, piece, at)) return name;
+      if (code.empty()) code = std::move(name);
+    }
     piece = at + 1;
   }
-  return {};
+  return code;
 }
 
 std::string shownPayee(std::string_view name) {

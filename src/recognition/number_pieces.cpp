@@ -21,22 +21,6 @@ bool isPlain(const std::string& digits, std::size_t longest) {
   return digits.size() <= longest && digits.find_first_not_of("0123456789") == std::string::npos;
 }
 
-bool isMonth(const Items& items, std::size_t at) {
-  constexpr auto months = std::to_array<std::string_view>(
-      {"jan",   "feb",   "mar",   "apr",    "may",    "jun",    "jul",    "aug",  "sep",   "oct",
-       "nov",   "dec",   "ene",   "fev",    "mai",    "abr",    "ago",    "dez",  "dic",   "set",
-       "janv",  "juin",  "juil",  "aout",   "sept",   "يناير",  "فبراير", "مارس", "ابريل", "مايو",
-       "يونيو", "يوليو", "اغسطس", "سبتمبر", "اكتوبر", "نوفمبر", "ديسمبر", "янв",  "фев",   "мар",
-       "апр",   "мая",   "июн",   "июл",    "авг",    "сен",    "окт",    "ноя",  "дек"});
-  constexpr auto longMonths =
-      std::to_array<std::string_view>({"january", "february", "march", "april", "june", "july",
-                                       "august", "september", "october", "november", "december"});
-  if (at >= items.size() || items[at].kind != Item::Kind::word) return false;
-  const std::string& word = items[at].text;
-  return std::find(months.begin(), months.end(), word) != months.end() ||
-         std::find(longMonths.begin(), longMonths.end(), word) != longMonths.end();
-}
-
 // "21.11.2026" is one item, since its points separate digits.
 bool isDottedDate(const std::string& digits) {
   const std::size_t first = digits.find('.');
@@ -88,9 +72,31 @@ bool isMasked(const Items& items, std::size_t at) {
 
 }  // namespace
 
+bool isMonth(const Items& items, std::size_t at) {
+  constexpr auto months = std::to_array<std::string_view>(
+      {"jan",   "feb",   "mar",   "apr",    "may",    "jun",    "jul",    "aug",  "sep",   "oct",
+       "nov",   "dec",   "ene",   "fev",    "mai",    "abr",    "ago",    "dez",  "dic",   "set",
+       "janv",  "juin",  "juil",  "aout",   "sept",   "يناير",  "فبراير", "مارس", "ابريل", "مايو",
+       "يونيو", "يوليو", "اغسطس", "سبتمبر", "اكتوبر", "نوفمبر", "ديسمبر", "янв",  "фев",   "мар",
+       "апр",   "мая",   "июн",   "июл",    "авг",    "сен",    "окт",    "ноя",  "дек"});
+  constexpr auto longMonths =
+      std::to_array<std::string_view>({"january", "february", "march", "april", "june", "july",
+                                       "august", "september", "october", "november", "december"});
+  if (at >= items.size() || items[at].kind != Item::Kind::word) return false;
+  const std::string& word = items[at].text;
+  return std::find(months.begin(), months.end(), word) != months.end() ||
+         std::find(longMonths.begin(), longMonths.end(), word) != longMonths.end();
+}
+
 bool isDatePiece(const Items& items, std::size_t at) {
   const Item& item = items[at];
   if (isDottedDate(item.text)) return true;
+  // "10:10 09.03": a day and a month behind a time of day.
+  constexpr std::size_t shortest = 5;
+  if (item.text.size() == shortest && item.text[2] == '.' && isNumber(items, at - 1) &&
+      isMark(items, at - 2, ":") && items[at - 1].glued && isNumber(items, at - 3)) {
+    return true;
+  }
   if (!isPlain(item.text, 4)) return false;
   for (const std::string_view marks : {std::string_view("/"), std::string_view("-")}) {
     const auto joined = [&](std::size_t begin) {  // number, mark, number, mark, number

@@ -12,4 +12,7 @@ void markPieces(Items& items);
 /// Whether the number at `at` is a part of a date or a time of day.
 bool isDatePiece(const Items& items, std::size_t at);
 
+/// Whether the item at `at` is the name of a month, whole or shortened; false behind the last item.
+bool isMonth(const Items& items, std::size_t at);
+
 }  // namespace kivo::recognition

@@ -30,6 +30,7 @@ enum class Place {
   agent,      // "by ..."
   source,     // "from ..."
   date,       // "on ...", which mostly is a date: "spent on 20-Oct-26 on Web Bazaar"
+  front,      // directly in front of the sum
   alone,      // no words introduce it
 };
 
@@ -37,10 +38,10 @@ enum class Place {
 // sort, the first in the message.
 constexpr auto placesOfExpense = std::to_array<Place>(
     {Place::wording, Place::label, Place::shop, Place::recipient, Place::narration, Place::purpose,
-     Place::agent, Place::source, Place::date, Place::alone});
+     Place::agent, Place::source, Place::date, Place::front, Place::alone});
 constexpr auto placesOfIncome =
     std::to_array<Place>({Place::wording, Place::label, Place::source, Place::agent, Place::shop,
-                          Place::narration, Place::date});
+                          Place::narration, Place::purpose, Place::date, Place::front});
 
 std::optional<Place> placeOf(Marker marker) {
   switch (marker) {
@@ -59,6 +60,7 @@ std::optional<Place> placeOf(Marker marker) {
     case Marker::from:
       return Place::source;
     case Marker::ends:
+    case Marker::footer:
     case Marker::own:
     case Marker::reference:
       break;
@@ -66,16 +68,32 @@ std::optional<Place> placeOf(Marker marker) {
   return std::nullopt;
 }
 
+// The place of the first footer wording behind a sum; the end of the message without one.
+std::size_t footerOf(const AnalysedMessage& message) {
+  const auto sum = std::ranges::find(message.items, Item::Kind::sum, &Item::kind);
+  const auto behind = static_cast<std::size_t>(sum - message.items.begin());
+  for (const Found& wording : message.wordings) {
+    if (wording.begin > behind && wording.is(Marker::footer)) return wording.begin;
+  }
+  return message.items.size();
+}
+
 class Names {
  public:
   Names(const AnalysedMessage& message, Kind kind)
-      : message_(message), items_(message.items), kind_(kind), extent_(message) {}
+      : message_(message),
+        items_(message.items),
+        kind_(kind),
+        extent_(message),
+        footer_(footerOf(message)) {}
 
   [[nodiscard]] std::string first() const {
     const auto places = kind_ == Kind::income ? std::span<const Place>(placesOfIncome)
                                               : std::span<const Place>(placesOfExpense);
     for (const Place place : places) {
-      std::string name = place == Place::alone ? loneName(message_) : nameAt(place);
+      std::string name = place == Place::alone   ? loneName(message_, footer_)
+                         : place == Place::front ? nameBeforeSum(message_)
+                                                 : nameAt(place);
       if (!name.empty()) return name;
     }
     return {};
@@ -84,8 +102,10 @@ class Names {
  private:
   [[nodiscard]] std::string nameAt(Place place) const {
     for (const Found& wording : message_.wordings) {
+      if (wording.begin >= footer_) break;
       if (placeBeside(wording) != place) continue;
-      const bool before = wording.payeePrecedes || wording.is(Move::credited);
+      const bool before =
+          wording.payeePrecedes || (wording.is(Move::credited) && !endsWithBy(wording));
       std::string name = before ? nameBefore(wording) : nameBehind(wording);
       if (!name.empty()) return name;
     }
@@ -96,10 +116,22 @@ class Names {
     const std::string& word = items_[wording.begin].text;
     if (wording.is(Marker::ends) && (word == "on" || word == "في")) return Place::date;
     if (wording.is(Marker::at) && !mayBeShop()) return std::nullopt;
+    if (wording.is(Marker::label) && isPartOfName(wording.begin)) return std::nullopt;
     if (wording.payeeFollows || wording.payeePrecedes) return Place::wording;
-    if (wording.is(Move::credited)) return Place::recipient;
+    if (wording.is(Move::credited)) return endsWithBy(wording) ? Place::agent : Place::recipient;
     const Marker* const marker = wording.as<Marker>();
     return marker == nullptr ? std::nullopt : placeOf(*marker);
+  }
+
+  // "credited by ABEBE KEBEDE"
+  [[nodiscard]] bool endsWithBy(const Found& wording) const {
+    return items_[wording.end - 1].text == "by";
+  }
+
+  // "PINE MERCHANT CO": a label in capitals behind a word in capitals.
+  [[nodiscard]] bool isPartOfName(std::size_t at) const {
+    return at > 0 && items_[at].capitals && items_[at - 1].capitals && !items_[at].startsSentence &&
+           !extent_.isWordOf(at - 1, {Marker::to, Marker::at});
   }
 
   // In an income, "at" is in front of a branch of the bank, unless a shop gives money back.
@@ -108,11 +140,17 @@ class Names {
            holds(message_.wordings, Move::cashback);
   }
 
+  // Whether item `at` is a word of "x" alone, as in "XX7719".
+  [[nodiscard]] bool isMask(std::size_t at) const {
+    return items_[at].kind == Item::Kind::word &&
+           items_[at].text.find_first_not_of('x') == std::string::npos;
+  }
+
   // The place behind a masked account or telephone number: "****; Ahmad", "0722000000 - JANE".
   [[nodiscard]] std::size_t behindMask(std::size_t at) const {
     const std::size_t begin = at;
     while (at < items_.size() &&
-           (isMark(items_[at], "*:-.") || items_[at].kind == Item::Kind::number ||
+           (isMark(items_[at], "*:-.") || items_[at].kind == Item::Kind::number || isMask(at) ||
             (items_[at].kind == Item::Kind::mark && items_[at].text.size() > 1))) {
       ++at;
     }
@@ -132,7 +170,8 @@ class Names {
     }
     constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
-    const bool masked = isMark(items_[begin - 1], "*") || items_[begin].kind == Item::Kind::mark;
+    const bool masked =
+        isMark(items_[begin - 1], "*") || isMask(begin) || items_[begin].kind == Item::Kind::mark;
     const bool skips = masked || (digits && items_[begin].text.size() > longestHouseNumber);
     if (skips && !items_[begin].named) begin = behindMask(begin);
     if (extent_.isWordOf(begin, {Marker::label}))
@@ -163,15 +202,19 @@ class Names {
         introduced != Marker::from && introduced != Marker::ends) {
       return false;
     }
+    if (isAddress(items_[begin])) return false;
     const bool cased = items_[begin].kind != Item::Kind::word || first != LetterCase::none;
     // "on Nov 6"
     const bool day = begin + 1 < items_.size() && items_[begin + 1].isPiece;
+    const bool month = begin + 2 < items_.size() && items_[begin + 2].isPiece;  // "for AUG-26"
     if (introduced == Marker::ends && day) return true;
+    if (introduced == Marker::towards && (day || month)) return true;
     if (introduced == Marker::ends && (items_[begin].kind != Item::Kind::word || !cased))
       return true;
-    return small && std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
-                                 items_.begin() + static_cast<std::ptrdiff_t>(end),
-                                 [](const Item& item) { return isMark(item, "@._"); });
+    return small &&
+           std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
+                        items_.begin() + static_cast<std::ptrdiff_t>(end),
+                        [](const Item& item) { return isAddress(item) || isMark(item, "._"); });
   }
 
   // "ASHA RAO credited", "Asha Rao has received": a name in front of a wording begins behind the
@@ -193,7 +236,7 @@ class Names {
     std::size_t begin = end;
     while (
         !items_[begin].startsSentence &&  // the first item does
-        (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-")) &&
+        (items_[begin - 1].kind == Item::Kind::word || isMark(items_[begin - 1], ".'&-*")) &&
         !extent_.isWordOf(begin - 1, {Marker::ends, Marker::own, SumRole::balance, Marker::from}) &&
         !isVerb(begin - 1)) {
       --begin;
@@ -210,7 +253,8 @@ class Names {
     const bool channel = isChannelWord(items_[begin].text);
     const bool place = introduced == Marker::at || introduced == Marker::label;
     if ((slashes && (channel || !place)) ||
-        (channel && (introduced == Marker::info || introduced == Marker::by))) {
+        (channel && (introduced == Marker::info || introduced == Marker::by ||
+                     introduced == Marker::towards))) {
       return nameInNarration(message_, begin, end);
     }
     std::string name = nameBetween(message_, begin, end);
@@ -225,6 +269,7 @@ class Names {
   const Items& items_;
   const Kind kind_;
   const NameExtent extent_;
+  const std::size_t footer_;  // where the footer begins
 };
 
 }  // namespace

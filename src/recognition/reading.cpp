@@ -1,6 +1,7 @@
 #include "recognition/reading.h"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 #include <vector>
 
@@ -54,9 +55,9 @@ const Movement* movementBySign(const Sum& sum) {
 bool isFollowedByName(const AnalysedMessage& message, std::size_t index) {
   const std::vector<Found>& wordings = message.wordings;
   const std::size_t behind = wordings[index].end;
-  if (behind >= message.items.size() || message.items[behind].kind != Item::Kind::word) {
-    return false;
-  }
+  if (behind >= message.items.size()) return false;
+  if (message.items[behind].named) return true;
+  if (message.items[behind].kind != Item::Kind::word) return false;
   return index + 1 == wordings.size() || wordings[index + 1].begin != behind;
 }
 
@@ -71,12 +72,50 @@ const Movement* movementByPlace(const AnalysedMessage& message) {
   for (std::size_t index = 0; index < wordings.size(); ++index) {
     const bool out = wordings[index].is(Marker::at) || wordings[index].is(Marker::to);
     const bool in = wordings[index].is(Marker::from) && own;
+    const bool ownSide = index + 1 < wordings.size() && wordings[index + 1].is(Marker::own) &&
+                         wordings[index + 1].begin == wordings[index].end;
+    if (in && ownSide) return &movementOf(Move::debit);  // "Rs.50 lotus@upi UPI frm A/c X12"
     if (!out && !in) continue;
     if (isFollowedByName(message, index)) {
       return &movementOf(out ? Move::transaction : Move::transferIn);
     }
   }
   return nullptr;
+}
+
+// Whether the wording with this index is "credited" in "credited to Asha Rao": the payment reached
+// the other side.
+bool creditsOther(const AnalysedMessage& message, std::size_t index) {
+  const std::vector<Found>& wordings = message.wordings;
+  if (!wordings[index].is(Move::credited) || index + 1 == wordings.size()) return false;
+  const Found& next = wordings[index + 1];
+  if (!next.is(Marker::to) || next.begin != wordings[index].end) return false;
+  std::size_t at = next.end;
+  bool bank = false;  // "credited to Heron Bank A/c 12" is the person's side
+  for (; at < message.items.size() && message.items[at].named; ++at) {
+    bank = bank || message.items[at].text == "bank";
+  }
+  const bool account = std::ranges::any_of(wordings, [at](const Found& wording) {
+    return wording.begin == at && wording.is(Marker::own);
+  });
+  return at > next.end && !bank && !account;
+}
+
+// The movement whose words are directly in front of the sum that moved: "CR Amt: 15,600.00". Null
+// without one.
+const Movement* movementAtSum(const AnalysedMessage& message, std::size_t sum) {
+  const Movement* movement = nullptr;
+  for (const Found& wording : message.wordings) {
+    if (wording.end > sum) break;
+    const auto between =
+        std::ranges::subrange(message.items.begin() + static_cast<std::ptrdiff_t>(wording.end),
+                              message.items.begin() + static_cast<std::ptrdiff_t>(sum));
+    const bool adjacent = std::ranges::all_of(
+        between, [](const Item& item) { return isMark(item, ":.-=") || item.text.empty(); });
+    const Move* const move = wording.as<Move>();
+    if (adjacent && move != nullptr) movement = &movementOf(*move);
+  }
+  return movement;
 }
 
 // Absent when the amount can be read in two ways.
@@ -101,6 +140,14 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
 const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
                            bool openingDropped) {
   const Movement* movement = strongestMovement(message.wordings);
+  if (movement != nullptr && movement->strength == Strength::verb && sums.moved) {
+    const Movement* const beside = movementAtSum(message, *sums.moved);
+    if (beside != nullptr && beside->strength == Strength::verb) movement = beside;
+  }
+  for (std::size_t index = 0; index < message.wordings.size(); ++index) {
+    const bool told = movement != nullptr && movement->strength <= Strength::verb;
+    if (told && creditsOther(message, index)) movement = &movementOf(Move::sent);
+  }
   const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
   if (weak && sums.moved && showsEvidence(message)) {
     const Movement* const signedOne = movementBySign(message.items[*sums.moved].sum);
@@ -167,7 +214,8 @@ Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
   const bool apart = !weak && !reading.payee.empty() && !holds(reported.wordings, Status::offer);
   if (holds(whole.wordings, Status::offer) && !evidence && !apart) return {};
   // A noun ("payment", "transfer") without a payee may also be about a plan.
-  const bool vague = weak && !evidence && reading.payee.empty();
+  const bool done = holds(reported.wordings, Status::done);
+  const bool vague = weak && !evidence && !done && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }

@@ -1,7 +1,9 @@
 #include "recognition/reported_part.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <string_view>
 
 #include "recognition/movements.h"
 
@@ -21,10 +23,30 @@ bool urges(const Items& items, const Found& wording) {
   return items[wording.begin].startsSentence || isMark(items[wording.begin - 1], ",;!-");
 }
 
+// Whether the wording is in the heading of an alert: "Explore Card Alert: you spent ...".
+bool isInHeading(const Items& items, const Sentence& sentence, const Found& wording) {
+  constexpr std::size_t longest = 6;
+  constexpr auto kinds = std::to_array<std::string_view>({"alert", "notice", "notification"});
+  if (wording.begin != sentence.begin) return false;
+  const std::size_t end = std::min(sentence.end, sentence.begin + longest);
+  for (std::size_t at = wording.end + 1; at < end; ++at) {
+    if (isMark(items[at], ":")) {
+      return std::ranges::find(kinds, items[at - 1].text) != kinds.end();
+    }
+  }
+  return false;
+}
+
 // Whether the sentence only announces, asks or offers: "will be debited". Behind a report, such
 // words do not matter: "was debited, and will be shown".
 bool reportsNothing(const Items& items, const Sentence& sentence) {
-  if (holds(sentence.wordings, Status::notDone)) return true;
+  // "Your request of AED 910.00 has been processed": the later one counts.
+  bool notDone = false;
+  for (const Found& wording : sentence.wordings) {
+    if (wording.is(Status::notDone)) notDone = true;
+    if (wording.is(Status::done)) notDone = false;
+  }
+  if (notDone) return true;
   const bool reported = std::ranges::any_of(sentence.wordings, reports);
   if (holds(sentence.wordings, Status::planned) &&
       (!reported || holds(sentence.wordings, Status::declined))) {
@@ -32,6 +54,7 @@ bool reportsNothing(const Items& items, const Sentence& sentence) {
   }
   for (const Found& wording : sentence.wordings) {
     if (reports(wording)) return false;
+    if (isInHeading(items, sentence, wording)) continue;
     if (wording.is(Status::notYet) || wording.is(Status::offer)) return true;
     if (wording.is(Status::urged) && urges(items, wording)) return true;
   }

@@ -46,6 +46,13 @@ bool isJoined(const Items& items, std::size_t first, std::size_t next) {
          !isDatePiece(items, first) && !isDatePiece(items, next);
 }
 
+// Whether letters stand in the place of zeros behind the number: "25,OOO".
+bool hasLettersForZeros(const Items& items, std::size_t last) {
+  return last + 2 < items.size() && isMark(items[last + 1], ",") && items[last + 1].glued &&
+         items[last + 2].glued && items[last + 2].kind == Item::Kind::word &&
+         items[last + 2].text.find_first_not_of('o') == std::string::npos;
+}
+
 }  // namespace
 
 bool followsGroup(const Items& items, std::size_t number) {
@@ -58,7 +65,7 @@ bool followsGroup(const Items& items, std::size_t number) {
 
 bool isPartOfNumber(const Items& items, std::size_t number, std::size_t last) {
   if (isJoined(items, number - 2, number)) return true;
-  if (isJoined(items, last, last + 2)) return true;
+  if (isJoined(items, last, last + 2) || hasLettersForZeros(items, last)) return true;
   const std::size_t next = isGroupBehindComma(items, last + 2) ? last + 2 : last + 1;
   return mayContinue(items, last, next) && !items[next].isPiece;
 }

@@ -110,7 +110,9 @@ class SumReader {
     while (plain(items_[last].text) && last + 1 < items_.size()) {
       const Item& next = items_[last + 1];
       const std::size_t whole = std::min(next.text.find_first_of(".,"), next.text.size());
-      if (next.kind != Item::Kind::number || next.isPiece || next.glued || whole != 3) break;
+      // A currency behind it makes it no piece: "1 340,00EUR".
+      const bool piece = next.isPiece && !currencyBeginningAt(last + 2, last + 1);
+      if (next.kind != Item::Kind::number || piece || next.glued || whole != 3) break;
       if (next.begin - items_[last].end > 3) break;
       ++last;
     }

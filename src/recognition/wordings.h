@@ -56,9 +56,10 @@ enum class Status {
   done,
 };
 
-/// The part that a sum plays.
+/// The part that a sum plays. `total` is a sum of all parts, fees included.
 enum class SumRole {
   amount,
+  total,
   balance,
   limit,
   charge,
@@ -67,7 +68,7 @@ enum class SumRole {
 };
 
 /// A word in front of or behind a payee, or in front of an account or a reference. `ends` ends a
-/// name.
+/// name, and `footer` behind a sum the part of the message that names somebody.
 enum class Marker {
   label,
   at,
@@ -77,6 +78,7 @@ enum class Marker {
   by,
   info,
   ends,
+  footer,
   own,
   reference,
 };

@@ -88,7 +88,7 @@ TEST(AName, EndsAtASignatureAnEmojiOrATime) {
   EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market -Orchid Bank"), "Sun Market");
   EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market 🎉 thanks"), "Sun Market");
   EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market : thanks"), "Sun Market");
-  EXPECT_EQ(payeeOf("EGP 50.00 spent at PAYPAL *SPOTIFY on 21-11-2026"), "PAYPAL");
+  EXPECT_EQ(payeeOf("EGP 50.00 spent at PAYPAL *SPOTIFY on 21-11-2026"), "PAYPAL *SPOTIFY");
   EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market 12:30"), "Sun Market");
   EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market 21 Nov"), "Sun Market");
   EXPECT_EQ(payeeOf("EGP 50.00 spent at Sun Market21 today"), "Sun Market21");
@@ -124,7 +124,6 @@ TEST(APayeeInAMessage, IsLookedForInAFixedOrder) {
 
 TEST(APayeeOfAnIncome, IsTheSenderOrAShopThatGivesMoneyBack) {
   EXPECT_EQ(payeeOf("EGP 50.00 credited at Orchid Mart"), "");
-  EXPECT_EQ(payeeOf("EGP 50.00 credited to Orchid Mart"), "");
   EXPECT_EQ(payeeOf("EGP 50.00 refund credited at Orchid Mart"), "Orchid Mart");
   EXPECT_EQ(payeeOf("EGP 50.00 cashback credited at Orchid Mart to account 4821"), "Orchid Mart");
   EXPECT_EQ(payeeOf("EGP 50.00 refund from Asha Rao at Orchid Mart"), "Asha Rao");
