@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -17,14 +18,15 @@
 #include "intents/process_sms_intent.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/app_intents/called_intent.h"
+#include "platform/linux/bus/bus_refusal.h"
 #include "platform/linux/bus/intents_interface.h"
 #include "property.h"
 
 namespace {
 
 using namespace kivo;
+using linux_platform::BusRefusal;
 using linux_platform::CalledValues;
-using linux_platform::CallRefusal;
 using platform::IntentValue;
 namespace wire = linux_platform::intents_interface;
 
@@ -105,13 +107,22 @@ Call withOtherTexts(Call call) {
   return {.type = std::move(call.type), .values = std::move(values)};
 }
 
-void requireSecretive(const CallRefusal& refusal, const Call& call) {
-  fuzz::require(refusal.words.find('\n') == std::string::npos, "a refusal is one line");
-  const Call other = withOtherTexts(call);
-  const auto again =
-      linux_platform::calledIntent(ExpenseIntentsExtension::make(), other.type, other.values);
-  const auto* const same = std::get_if<CallRefusal>(&again);
-  fuzz::require(same != nullptr && same->words == refusal.words,
+// The intent of `call`, or the refusal.
+std::variant<std::unique_ptr<platform::AppIntent>, BusRefusal> outcomeOf(const Call& call) {
+  static const auto extension = ExpenseIntentsExtension::make();
+  try {
+    return linux_platform::calledIntent(extension, call.type, call.values);
+  } catch (const BusRefusal& refusal) {
+    return refusal;
+  }
+}
+
+void requireSecretive(const BusRefusal& refusal, const Call& call) {
+  const std::string words = refusal.what();
+  fuzz::require(words.find('\n') == std::string::npos, "a refusal is one line");
+  const auto again = outcomeOf(withOtherTexts(call));
+  const auto* const same = std::get_if<BusRefusal>(&again);
+  fuzz::require(same != nullptr && same->what() == words,
                 "no text of the caller changes the words of a refusal");
 }
 
@@ -134,14 +145,13 @@ void requireValues(platform::AppIntent& intent, const Call& call) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  static const auto extension = ExpenseIntentsExtension::make();
   FuzzedDataProvider input(data, size);
   const Call made = call(input);
-  const auto called = linux_platform::calledIntent(extension, made.type, made.values);
+  const auto called = outcomeOf(made);
   const char* const expected = expectedRefusal(made);
 
-  if (const auto* const refusal = std::get_if<CallRefusal>(&called)) {
-    fuzz::require(expected != nullptr && std::strcmp(refusal->name, expected) == 0,
+  if (const auto* const refusal = std::get_if<BusRefusal>(&called)) {
+    fuzz::require(expected != nullptr && std::strcmp(refusal->name(), expected) == 0,
                   "a call is refused for the first reason that applies");
     requireSecretive(*refusal, made);
   } else {

@@ -8,6 +8,7 @@
 #include "intents/add_expense_intent.h"
 #include "intents/expense_intents_extension.h"
 #include "intents/process_sms_intent.h"
+#include "platform/linux/bus/bus_refusal.h"
 #include "platform/linux/bus/intents_interface.h"
 
 namespace kivo {
@@ -15,24 +16,23 @@ namespace {
 
 using linux_platform::calledIntent;
 using linux_platform::CalledValues;
-using linux_platform::CallRefusal;
 namespace wire = linux_platform::intents_interface;
 
 const platform::AppIntentsExtension extension = ExpenseIntentsExtension::make();
 
 template <typename Intent>
 std::unique_ptr<Intent> ready(CalledValues values) {
-  auto called = calledIntent(extension, std::string(Intent().typeName()), std::move(values));
-  auto* const intent = std::get_if<std::unique_ptr<platform::AppIntent>>(&called);
-  if (intent == nullptr) return nullptr;
-  return std::unique_ptr<Intent>(dynamic_cast<Intent*>(intent->release()));
+  auto intent = calledIntent(extension, std::string(Intent().typeName()), std::move(values));
+  return std::unique_ptr<Intent>(dynamic_cast<Intent*>(intent.release()));
 }
 
 std::pair<std::string, std::string> refusal(const std::string& typeName, CalledValues values) {
-  const auto called = calledIntent(extension, typeName, std::move(values));
-  const auto* const refused = std::get_if<CallRefusal>(&called);
-  if (refused == nullptr) return {"none", ""};
-  return {refused->name, refused->words};
+  try {
+    calledIntent(extension, typeName, std::move(values));
+  } catch (const linux_platform::BusRefusal& refused) {
+    return {refused.name(), refused.what()};
+  }
+  return {"none", ""};
 }
 
 TEST(ACalledIntent, ReceivesItsTextUnchanged) {

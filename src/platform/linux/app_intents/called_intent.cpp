@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/linux/bus/bus_refusal.h"
 #include "platform/linux/bus/intents_interface.h"
 
 namespace kivo::linux_platform {
@@ -31,38 +32,36 @@ std::string parameterNames(AppIntent& intent) {
   return names;
 }
 
-std::optional<CallRefusal> fill(AppIntent& intent, CalledValues values) {
+void fill(AppIntent& intent, CalledValues values) {
   for (const auto& [name, value] : values) {
     if (parameterNamed(intent, name) == nullptr) {
-      return CallRefusal{intents_interface::unknownParameter,
-                         "unknown parameter; the parameters are: " + parameterNames(intent)};
+      throw BusRefusal(intents_interface::unknownParameter,
+                       "unknown parameter; the parameters are: " + parameterNames(intent));
     }
   }
   for (auto& [name, value] : values) {
     AnyIntentParameter& parameter = *parameterNamed(intent, name);
     if (value && parameter.set(std::move(*value))) continue;
     const bool text = parameter.valueType() == ValueType::text;
-    return CallRefusal{intents_interface::invalidParameter,
-                       name + (text ? " must be a text (s)" : " must be a finite number (d)")};
+    throw BusRefusal(intents_interface::invalidParameter,
+                     name + (text ? " must be a text (s)" : " must be a finite number (d)"));
   }
   for (const AnyIntentParameter* const parameter : intent.parameters()) {
     if (parameter->hasValue()) continue;
-    return CallRefusal{intents_interface::missingParameter, nameOf(*parameter) + " is missing"};
+    throw BusRefusal(intents_interface::missingParameter, nameOf(*parameter) + " is missing");
   }
-  return std::nullopt;
 }
 
 }  // namespace
 
-std::variant<std::unique_ptr<AppIntent>, CallRefusal> calledIntent(
-    const platform::AppIntentsExtension& extension, const std::string& typeName,
-    CalledValues values) {
+std::unique_ptr<AppIntent> calledIntent(const platform::AppIntentsExtension& extension,
+                                        const std::string& typeName, CalledValues values) {
   auto intent = extension.makeIntent(typeName);
   if (!intent) {
-    return CallRefusal{intents_interface::unknownIntent,
-                       "unknown intent; the intents are: " + intentNames(extension)};
+    throw BusRefusal(intents_interface::unknownIntent,
+                     "unknown intent; the intents are: " + intentNames(extension));
   }
-  if (auto refusal = fill(*intent, std::move(values))) return std::move(*refusal);
+  fill(*intent, std::move(values));
   return intent;
 }
 

@@ -169,15 +169,11 @@ void IntentsService::stop() {
 
 void IntentsService::begin(const std::string& typeName, CalledValues values, BusAnswer answer) {
   lastCall_ = Clock::now();
-  auto called = calledIntent(extension_, typeName, std::move(values));
-  if (const auto* const refusal = std::get_if<CallRefusal>(&called)) {
-    throw BusRefusal(refusal->name, refusal->words);
-  }
-  const Place run = runs_.insert(
-      runs_.end(), {.intent = std::get<std::unique_ptr<platform::AppIntent>>(std::move(called)),
-                    .dialog = {},
-                    .answer = std::move(answer),
-                    .task = std::nullopt});
+  const Place run =
+      runs_.insert(runs_.end(), {.intent = calledIntent(extension_, typeName, std::move(values)),
+                                 .dialog = {},
+                                 .answer = std::move(answer),
+                                 .task = std::nullopt});
   if (underWay_ < mostAtATime_) {
     start(run);
   } else {

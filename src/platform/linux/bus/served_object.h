@@ -3,25 +3,14 @@
 #pragma once
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "platform/linux/bus/bus_message.h"
 #include "platform/linux/bus/bus_object.h"
+#include "platform/linux/bus/bus_refusal.h"
 
 namespace kivo::linux_platform {
-
-/// The error reply to a call.
-class BusRefusal : public std::runtime_error {
- public:
-  /// `name` is a valid D-Bus error name, and constant.
-  BusRefusal(const char* name, const std::string& words) : runtime_error(words), name_(name) {}
-  [[nodiscard]] const char* name() const { return name_; }
-
- private:
-  const char* name_;
-};
 
 /// The reply to a call. Give it once, at any time, on the thread that serves the bus. The
 /// connection must outlive it. Sends nothing when the caller wants no reply.

@@ -1,6 +1,8 @@
 // Owns a file descriptor.
 #pragma once
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace kivo::linux_platform {
@@ -12,6 +14,7 @@ class Descriptor {
   ~Descriptor() {
     if (number_ >= 0) close(number_);
   }
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
 
