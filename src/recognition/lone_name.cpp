@@ -37,13 +37,15 @@ bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_
   const Items& items = message.items;
   const auto behind = std::ranges::lower_bound(message.wordings, end, {}, &Found::begin);
   const bool known = behind != message.wordings.end() && behind->begin == end;
-  const bool besideSum = items[begin].capitals && items[begin - 1].kind == Item::Kind::sum;
+  const bool cased = names::caseOfFirst(items[begin].text) != names::LetterCase::none;
+  const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
+  const bool besideSum =
+      (items[begin].capitals || (cased && !latin)) && items[begin - 1].kind == Item::Kind::sum;
   if (known && behind->is(Marker::own) && !besideSum) return false;
   const bool small = end < items.size() && items[end].kind == Item::Kind::word && !known &&
                      !beginsLikeAName(message, end);
   if (small && end == begin + 1 && !items[begin].capitals) return false;
   constexpr std::string_view marks = "-|,/";
-  const bool cased = names::caseOfFirst(items[begin].text) != names::LetterCase::none;
   if (cased || end >= items.size()) return cased;
   const bool besideDate = items[begin - 1].kind == Item::Kind::sum && items[end].isPiece;
   return besideDate || (isMark(items[begin - 1], marks) && isMark(items[end], marks));

@@ -196,8 +196,10 @@ class Names {
     const std::string_view name = message_.text.substr(items_[begin].begin);
     const LetterCase first = names::caseOfFirst(name);
     const bool small = first == LetterCase::small;
-    // Russian "в" is also in front of manners: "в приложении". A shop may be "at maple gas".
-    if (introduced == Marker::at && small && !isAscii(name.front())) return true;
+    // Russian "в" is also in front of manners, "в приложении", and "Покупка" of goods, "товара". A
+    // shop may be "at maple gas".
+    const bool russian = small && !isAscii(name.front());
+    if (russian && (!introduced || introduced == Marker::at)) return true;
     if (introduced != Marker::towards && introduced != Marker::by && introduced != Marker::to &&
         introduced != Marker::from && introduced != Marker::ends) {
       return false;

@@ -44,6 +44,8 @@ TEST(AName, HasACapitalInCyrillicToo) {
   EXPECT_EQ(read("Вы заплатили 500 р в приложении", "RUB").payee, "");
   EXPECT_EQ(read("Получено 500 р от Анна К на карту 1234", "RUB").payee, "Анна К");
   EXPECT_EQ(read("Получено 500 р от клиента", "RUB").payee, "");
+  EXPECT_EQ(read("Покупка товара 500 р, карта 1234", "RUB").payee, "");
+  EXPECT_EQ(read("Перевод 500 р Анна К. Карта 1234", "RUB").payee, "Анна К");
 }
 
 TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
@@ -54,6 +56,10 @@ TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
 
 TEST(AName, MayEndWithAnInitialInCyrillic) {
   EXPECT_EQ(read("Мария Е. перевела вам 300 ₽", "RUB").payee, "Мария Е");
+}
+
+TEST(AName, InPersianKeepsItsLetters) {
+  EXPECT_EQ(read("واریز 500,000 ریال توسط علی کریمی", "IRR").payee, "علی کریمی");
 }
 
 TEST(AName, InChineseEndsBeforeTheVerb) {
