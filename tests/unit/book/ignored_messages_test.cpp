@@ -171,5 +171,11 @@ TEST_F(AStep, TakesInTheChangesWithinIt) {
   EXPECT_EQ(open().entry(1)->category, "Fun");
 }
 
+TEST(TheReasonOfAnIgnoredMessage, HasTheNameThatItHasInTheAnswer) {
+  EXPECT_STREQ(reasonText(IgnoredMessage::Reason::declined), "declined");
+  EXPECT_STREQ(reasonText(IgnoredMessage::Reason::notATransaction), "not_a_transaction");
+  EXPECT_FALSE(reasonFromText("needs_review"));
+}
+
 }  // namespace
 }  // namespace kivo::book

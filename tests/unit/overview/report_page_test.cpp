@@ -122,7 +122,15 @@ TEST_F(AReport, EndsTheAxisAtOneWhenNothingWasReceivedOrSpent) {
   Reading transfer = spent(100);
   transfer.kind = Kind::transfer;
   booked(book, transfer);
-  EXPECT_THAT(page(book), HasSubstr("<bdi>1.00</bdi></span><span><bdi>0.50</bdi>"));
+  EXPECT_THAT(page(book), HasSubstr("<bdi>1.00</bdi></span><span><bdi>0.50</bdi></span><span>"
+                                    "<bdi>0.00</bdi></span>"));
+}
+
+TEST_F(AReport, DrawsALineAtTheTopTheMiddleAndTheGroundOfAChart) {
+  Book book = open();
+  booked(book, spent(100));
+  EXPECT_THAT(page(book), HasSubstr("<g class=\"grid\"><path d=\"M0 0H1200\"/>"
+                                    "<path d=\"M0 50H1200\"/><path d=\"M0 100H1200\"/></g>"));
 }
 
 TEST_F(AReport, ShowsSumsToTheCent) {
