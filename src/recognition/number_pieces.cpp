@@ -79,9 +79,20 @@ bool isMonth(const Items& items, std::size_t at) {
        "janv",  "juin",  "juil",  "aout",   "sept",   "يناير",  "فبراير", "مارس", "ابريل", "مايو",
        "يونيو", "يوليو", "اغسطس", "سبتمبر", "اكتوبر", "نوفمبر", "ديسمبر", "янв",  "фев",   "мар",
        "апр",   "мая",   "июн",   "июл",    "авг",    "сен",    "окт",    "ноя",  "дек"});
-  constexpr auto longMonths =
-      std::to_array<std::string_view>({"january", "february", "march", "april", "june", "july",
-                                       "august", "september", "october", "november", "december"});
+  constexpr auto longMonths = std::to_array<std::string_view>(
+      {"january",   "february", "march",      "april",     "june",      "july",      "august",
+       "september", "october",  "november",   "december",  "января",    "февраля",   "марта",
+       "апреля",    "июня",     "июля",       "августа",   "сентября",  "октября",   "ноября",
+       "декабря",   "січня",    "лютого",     "березня",   "квітня",    "травня",    "червня",
+       "липня",     "серпня",   "вересня",    "жовтня",    "листопада", "грудня",    "қаңтар",
+       "ақпан",     "наурыз",   "сәуір",      "мамыр",     "маусым",    "шілде",     "тамыз",
+       "қыркүиек",  "қазан",    "қараша",     "желтоқсан", "enero",     "febrero",   "marzo",
+       "abril",     "junio",    "septiembre", "octubre",   "noviembre", "diciembre", "janeiro",
+       "fevereiro", "maio",     "junho",      "julho",     "setembro",  "outubro",   "novembro",
+       "dezembro",  "janvier",  "fevrier",    "avril",     "juillet",   "aout",      "septembre",
+       "octobre",   "novembre", "decembre",   "januar",    "februar",   "marz",      "oktober",
+       "dezember",  "januari",  "februari",   "maret",     "agustus",   "desember",  "subat",
+       "haziran",   "temmuz",   "agustos",    "aralik"});
   if (at >= items.size() || items[at].kind != Item::Kind::word) return false;
   const std::string& word = items[at].text;
   return std::find(months.begin(), months.end(), word) != months.end() ||
@@ -122,11 +133,14 @@ bool isDatePiece(const Items& items, std::size_t at) {
   const bool colonBefore =
       isMark(items, at - 1, ":") && isNumber(items, at - 2) && item.glued && items[at - 1].glued;
   if (isPlain(item.text, 2) && (colonAfter || colonBefore)) return true;
-  // "21-Nov-2026", "21 Nov 2026", "Nov 21, 2026".
-  const auto skipped = [&](std::size_t index) { return isMark(items, index, "-/,.'") ? 1U : 0U; };
+  // "21-Nov-2026", "21 Nov 2026", "Nov 21, 2026", "21 de abril de 2026".
+  const auto skipped = [&](std::size_t index) {
+    const bool de = index < items.size() && items[index].text == "de";
+    return de || isMark(items, index, "-/,.'") ? 1U : 0U;
+  };
   if (isMonth(items, at + 1 + skipped(at + 1)) && isPlain(item.text, 2)) return true;
   std::size_t back = at;
-  if (isMark(items, back - 1, "-/,.'")) --back;
+  back -= skipped(back - 1);
   if (isMonth(items, back - 1)) return true;
   return isNumber(items, back - 1) && isMonth(items, back - 2) && isPlain(item.text, 4) &&
          item.text.size() != 3;

@@ -52,6 +52,9 @@ TEST(ADateInAMessage, MayNameItsMonth) {
   EXPECT_EQ(dateIn("21 Nov 2026"), "21 2026");
   EXPECT_EQ(dateIn("21-Nov-2026"), "21 2026");
   EXPECT_EQ(dateIn("21. November"), "21");
+  EXPECT_EQ(dateIn("21 ноября 2026"), "21 2026");
+  EXPECT_EQ(dateIn("21 de noviembre de 2026"), "21 2026");
+  EXPECT_EQ(dateIn("pago de 45"), "");
   EXPECT_EQ(dateIn("Nov 21"), "21");
   EXPECT_EQ(dateIn("on Nov-21"), "21");
   EXPECT_EQ(dateIn("on Nov 21, 2026"), "21 2026");
