@@ -200,12 +200,24 @@ constexpr auto abbreviations = std::to_array<std::string_view>(
 constexpr auto currencyAbbreviations =
     std::to_array<std::string_view>({"rs", "tk", "sh", "ksh", "tsh", "inr"});
 
+// Whether the point at `at` belongs to a German date: "am 10.05. mit 45,00 EUR".
+bool isPointOfDate(const Items& items, std::size_t at) {
+  if (at < 2 || items[at - 1].kind != Item::Kind::number) return false;
+  const std::string& date = items[at - 1].text;
+  const std::string& word = items[at - 2].text;
+  const std::size_t point = date.find('.');
+  const std::string month = point == std::string::npos ? "" : date.substr(point + 1);
+  const bool isDay = point == 1 || point == 2;
+  const bool isMonth = month.size() == 2 && month > "00" && month <= "12";
+  return isDay && isMonth && (word == "am" || word == "vom" || word == "zum" || word == "bis");
+}
+
 bool endsSentence(const Items& items, std::size_t at, bool blankFollows, const Item& next) {
   const Item& item = items[at];
   if (item.kind == Item::Kind::lineBreak) return true;
   if (item.kind != Item::Kind::mark || !blankFollows) return false;
   if (item.text == "!" || item.text == "?") return true;
-  if (item.text != "." || at == 0) return false;
+  if (item.text != "." || at == 0 || isPointOfDate(items, at)) return false;
   const Item& before = items[at - 1];
   if (isInitial(before)) return false;  // "MARIA L. SANTOS"
   const bool currency = std::find(currencyAbbreviations.begin(), currencyAbbreviations.end(),

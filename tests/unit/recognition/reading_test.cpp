@@ -248,5 +248,10 @@ TEST(AVeryLongMessage, IsReadAtItsFrontOnly) {
   EXPECT_EQ(reading.payee.size(), 60U);
 }
 
+TEST(AGermanDate, DoesNotEndTheSentence) {
+  EXPECT_EQ(read("Ihre Karte wird am 10.05. mit 45,00 EUR belastet", "EUR").outcome,
+            Outcome::notATransaction);
+}
+
 }  // namespace
 }  // namespace kivo::recognition
