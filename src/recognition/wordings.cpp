@@ -48,8 +48,12 @@ Element elementOf(const Item& item) {
   return {Element::Kind::word, item.text};
 }
 
+// No word with an open end has fewer than three characters.
 std::string openKey(std::string_view word) {
-  return std::string(word.substr(0, characterLength(word))) + "~";
+  constexpr int characters = 3;
+  std::size_t length = 0;
+  for (int seen = 0; seen < characters; ++seen) length += characterLength(word.substr(length));
+  return std::string(word.substr(0, length)) + "~";
 }
 
 std::string keyOf(const Element& first) {
@@ -63,7 +67,7 @@ struct WordingPattern {
   Meaning meaning = Plain::plain;
   bool payeePrecedes = false;
   std::vector<Element> elements = {};
-  // The first word; of a word with an open end only its first character, and "~"; "#" for a sum.
+  // The first word; of a word with an open end only its first characters, and "~"; "#" for a sum.
   std::string key = {};
   std::size_t letters = 0;  // of all its words, in bytes
 };
