@@ -63,6 +63,15 @@ TEST_F(APayee, KeepsADescriptionOrACategoryThatItsCorrectionLacks) {
   EXPECT_EQ(sol.category, "Treats");
 }
 
+TEST_F(APayee, HasNoCorrectionByAnEditOfASumOrWithoutAName) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(100, "CAFE LUNE"));
+  recorded(book, "KEY-2", spent(100, ""));
+  ASSERT_TRUE(book.edit(1, {.amount = Money{200, "EGP"}}));
+  ASSERT_TRUE(book.edit(2, {.description = "Lune"}));
+  EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM corrections"), "0\n");
+}
+
 TEST_F(APayee, IsComparedThroughAnIndex) {
   open();
   EXPECT_THAT(

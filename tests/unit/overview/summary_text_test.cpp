@@ -103,6 +103,11 @@ TEST_F(ASummaryText, DrawsTheSmallestBarForATinyShare) {
   EXPECT_THAT(text(), HasSubstr("     0.01   0.00  ▏                         Transport\n"));
 }
 
+TEST_F(ASummaryText, DrawsTheWholeBarForTheLargestSumHoweverSmall) {
+  summary_.categories = {{"Groceries", egp(1), egp(0)}};
+  EXPECT_THAT(text(), HasSubstr("     0.01   0.00  ████████████████████████  Groceries\n"));
+}
+
 TEST_F(ASummaryText, LeavesOutTheBarsBeforeASum) {
   EXPECT_THAT(text({.width = 20}), HasSubstr(" 1,000.00   0.99  Groceries\n"));
 }
