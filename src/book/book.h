@@ -24,8 +24,15 @@ struct EntryFilter {
   std::optional<money::Day> to = {};
   /// The whole name, in any case and accents.
   std::string category = {};
-  /// A part of description, category, account or reference. ASCII letters match in either case.
+  std::optional<money::Kind> kind = {};
+  /// The whole of the account's digits.
+  std::string account = {};
+  /// A part of description, category, account or reference, where ASCII letters match in either
+  /// case, or the amount, as `money::nearestSums` reads it in the entry's currency.
   std::string search = {};
+  /// The least and the largest amount, as `money::nearestSums` reads them in the entry's currency.
+  std::string least = {};
+  std::string largest = {};
   /// The newest so many; a negative number for all.
   std::int64_t most = -1;
 };

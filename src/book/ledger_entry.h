@@ -22,7 +22,8 @@ struct LedgerEntry {
 
   /// Unique, and never reused.
   std::int64_t id = 0;
-  /// The idempotency key of its message, and the user that sent it.
+  /// The idempotency key of its message, and the user that sent it. One that was entered by hand
+  /// has a key that no message has.
   std::string key;
   std::string userId;
   money::Day date;
@@ -41,7 +42,7 @@ struct LedgerEntry {
   State state = State::booked;
   /// The id of an earlier entry of which this may be a duplicate.
   std::optional<std::int64_t> possibleDuplicateOf;
-  /// The text of the message; absent after `Book::forgetTexts`.
+  /// The text of the message; absent after `Book::forgetTexts`, and when there was no message.
   std::optional<std::string> text;
   /// Whether the user changed it with `edit`.
   bool edited = false;

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "book/book_categories.h"
 #include "book/book_damage.h"
 #include "book/book_file.h"
+#include "book/filter_sql.h"
 #include "names/payee_key.h"
 #include "platform/foundation/utf8.h"
 
@@ -48,16 +48,6 @@ LedgerEntry entryOf(const Statement& row) {
   return entry;
 }
 
-// The LIKE pattern for texts that contain `part`.
-std::string patternFor(const std::string& part) {
-  std::string pattern = "%";
-  for (const char c : part) {
-    if (c == '%' || c == '_' || c == '\\') pattern += '\\';
-    pattern += c;
-  }
-  return pattern + "%";
-}
-
 std::string dateText(const LedgerEntry& entry) {
   return entry.impossibleDate.value_or(entry.date.text());
 }
@@ -73,26 +63,11 @@ std::string currencyText(const LedgerEntry& entry) {
 }  // namespace
 
 std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& filter) {
-  const std::string pattern = patternFor(filter.search);
-  const std::string category =
-      filter.category.empty() ? "" : spelledCategory(database, filter.category);
-  std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE state = ?";
-  const std::string from = filter.from ? filter.from->text() : "";
-  const std::string to = filter.to ? filter.to->text() : "";
-  if (filter.from) sql += " AND date >= ?";
-  if (filter.to) sql += " AND date <= ?";
-  if (!filter.category.empty()) sql += " AND category = ?";
-  if (!filter.search.empty()) {
-    sql += R"( AND description || char(10) || category || char(10) || account || char(10) ||
-             reference LIKE ? ESCAPE '\')";
-  }
-  sql += " ORDER BY date DESC, id DESC LIMIT ?";
+  const FilterSql chosen = sqlOf(database, filter);
+  const std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE " +
+                          chosen.condition + " ORDER BY date DESC, id DESC LIMIT ?";
   Statement query(database, sql.c_str());
-  query.bind(stateText(filter.state));
-  for (const std::string& bound : {std::cref(from), std::cref(to), std::cref(category)}) {
-    if (!bound.empty()) query.bind(bound);
-  }
-  if (!filter.search.empty()) query.bind(pattern);
+  for (const std::string& value : chosen.values) query.bind(value);
   query.bind(filter.most);
   std::vector<LedgerEntry> found;
   std::string impossible;
@@ -131,7 +106,8 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
   insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(payee.text());
   insertion.bind(entry.account).bind(entry.reference).bind(stateText(entry.state));
   insertion.bindIfPresent(entry.possibleDuplicateOf);
-  insertion.bind(entry.text.value());
+  if (entry.text) insertion.bind(*entry.text);
+  if (!entry.text) insertion.bindIfPresent(std::nullopt);
   if (!next(insertion)) throw BookFailure("a new row has no number");
   const std::int64_t id = insertion.integer(0);
   run(insertion);

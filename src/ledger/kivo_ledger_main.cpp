@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ledger/book_currency.h"
+#include "ledger/commands/adding_command.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
 #include "ledger/commands/ignored_commands.h"
@@ -67,6 +68,7 @@ linux_platform::CommandProgram program() {
   made.commands = listingCommands();
   for (Command& command : ignoredCommands()) made.commands.push_back(std::move(command));
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
+  made.commands.push_back(addingCommand());
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());

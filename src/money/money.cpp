@@ -1,5 +1,6 @@
 #include "money/money.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <stdexcept>
@@ -82,6 +83,20 @@ std::optional<Money> moneyFromText(std::string_view amount, const CurrencyCode& 
       error == std::errc() && money.minorUnits >= -largestSum && money.minorUnits <= largestSum;
   if (!fits) return std::nullopt;
   return money;
+}
+
+std::optional<NearestSums> nearestSums(std::string_view amount, const CurrencyCode& currency) {
+  const auto decimals = static_cast<std::size_t>(minorDigits(currency));
+  const std::size_t point = std::min(amount.find('.'), amount.size());
+  const std::string_view fraction = amount.substr(std::min(point + 1, amount.size()));
+  if (amount.starts_with('-') || amount.ends_with('.')) return std::nullopt;
+  if (fraction.find_first_not_of("0123456789") != std::string_view::npos) return std::nullopt;
+  const std::size_t kept = decimals == 0 ? 0 : std::min(fraction.size(), decimals) + 1;
+  const auto atMost = moneyFromText(amount.substr(0, point + kept), currency);
+  if (!atMost) return std::nullopt;
+  const std::string_view cut = fraction.substr(std::min(fraction.size(), decimals));
+  const bool isExact = cut.find_first_not_of('0') == std::string_view::npos;
+  return NearestSums{*atMost, {atMost->minorUnits + (isExact ? 0 : 1), currency}};
 }
 
 }  // namespace kivo::money

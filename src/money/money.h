@@ -46,4 +46,15 @@ std::string sumText(const Money& money);
 /// more decimals than the currency, or exceeds `largestSum` in either direction.
 std::optional<Money> moneyFromText(std::string_view amount, const CurrencyCode& currency);
 
+/// The sums of a currency next to a decimal, at most and at least as large; both are the decimal
+/// itself where the currency has enough decimals.
+struct NearestSums {
+  Money atMost;
+  Money atLeast;
+};
+
+/// Reads a decimal that is not below zero as `moneyFromText` does, but it may have more decimals
+/// than the currency.
+std::optional<NearestSums> nearestSums(std::string_view amount, const CurrencyCode& currency);
+
 }  // namespace kivo::money

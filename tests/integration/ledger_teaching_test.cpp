@@ -387,7 +387,8 @@ TEST_F(ATaughtLedger, SaysWhatIsMissingOrWrong) {
                 "--payee has to be a part of the message, as it is there");
   run({"forget-texts", "--yes"});
   expectFailure({"teach", "1", "--kind", "none"}, 1,
-                "the text of 1 was forgotten; `kivo-ledger teach -` takes it from standard input");
+                "1 has no text: it was forgotten, or entered by hand; `kivo-ledger teach -` takes "
+                "a message from standard input");
   EXPECT_FALSE(std::filesystem::exists(file()));
 }
 

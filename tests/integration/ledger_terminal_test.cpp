@@ -67,7 +67,10 @@ TEST_F(ALedgersTerminal, ShowsTheListInFortyColumns) {
             "    Carrefour City  Groceries\n"
             "    looks like 1\n"
             "1   2026-11-21  150.00 EGP\n"
-            "    Carrefour City  Groceries\n");
+            "    Carrefour City  Groceries\n"
+            "\n"
+            "2 payments\n"
+            "Spent        300.00 EGP\n");
   const std::string all = shown("list", 40);
   EXPECT_THAT(linesOf(all), Each(ResultOf(columnsOf, Le(40U))));
   EXPECT_THAT(all, HasSubstr("1234567.89 EGP\n"));

@@ -51,6 +51,15 @@ money::Money sumFrom(const std::string& text, const money::CurrencyCode& currenc
           money::amountText({money::largestSum, currency}));
 }
 
+std::optional<std::string> givenAccount(const GivenParameters& parameters) {
+  auto account = given(parameters, "--account");
+  if (!account) return std::nullopt;
+  const bool isDigits =
+      !account->empty() && account->find_first_not_of("0123456789") == std::string::npos;
+  if (!isDigits) throw invalid("--account", *account, "the digits of an account, such as 4821");
+  return account;
+}
+
 std::optional<Day> givenDay(const GivenParameters& parameters, const char* name) {
   const auto text = given(parameters, name);
   if (!text) return std::nullopt;
@@ -82,13 +91,34 @@ std::vector<CommandParameter> filterOptions() {
           {"--from", "Only those from this day on, as 2026-11-21", optional},
           {"--to", "Only those up to this day", optional},
           {"--category", "Only those of a category", optional},
-          {"--search", "Only those that hold a text", optional}};
+          {"--search", "Only those that hold a text or have this sum, as 1,189.50", optional},
+          {"--kind", "Only those of a kind: expense, income or transfer", optional, kindNames},
+          {"--account", "Only those of an account, by its digits", optional},
+          {"--min", "Only those of this sum or more", optional},
+          {"--max", "Only those of this sum or less", optional}};
 }
+
+namespace {
+
+// A sum in the currency of each entry, without a code; empty when it was not given.
+std::string givenBound(const GivenParameters& parameters, const char* name) {
+  const auto text = given(parameters, name);
+  if (!text) return "";
+  if (money::nearestSums(*text, money::CurrencyCode())) return *text;
+  throw invalid(name, *text,
+                "a sum such as 1,189.50: commas only between thousands, and no currency");
+}
+
+}  // namespace
 
 EntryFilter filterFrom(const GivenParameters& parameters) {
   EntryFilter filter;
   filter.category = given(parameters, "--category").value_or("");
   filter.search = given(parameters, "--search").value_or("");
+  filter.kind = givenKind(parameters);
+  filter.account = givenAccount(parameters).value_or("");
+  filter.least = givenBound(parameters, "--min");
+  filter.largest = givenBound(parameters, "--max");
   filter.from = givenDay(parameters, "--from");
   filter.to = givenDay(parameters, "--to");
   if (const auto month = givenMonth(parameters)) {

@@ -34,6 +34,10 @@ std::vector<std::string> kindNames();
 /// `invalid`.
 money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency);
 
+/// Returns the value of --account, an account's digits; absent when it was not given. Throws
+/// `invalid`.
+std::optional<std::string> givenAccount(const linux_platform::GivenParameters& parameters);
+
 /// Returns the day given for `name`; absent when none was given. Throws `invalid`.
 std::optional<money::Day> givenDay(const linux_platform::GivenParameters& parameters,
                                    const char* name);
@@ -46,7 +50,8 @@ std::optional<money::Month> givenMonth(const linux_platform::GivenParameters& pa
 std::optional<money::CurrencyCode> givenCurrency(const linux_platform::GivenParameters& parameters,
                                                  const char* name, const std::string& example);
 
-/// Returns the options --month, --from, --to, --category and --search.
+/// Returns the options --month, --from, --to, --category, --search, --kind, --account, --min and
+/// --max.
 std::vector<linux_platform::CommandParameter> filterOptions();
 
 /// Reads `filterOptions`. --month together with --from or --to selects the days that satisfy both.

@@ -202,6 +202,18 @@ std::string bookedSentence(const recording::BookedSum& sum) {
   return "Booked as " + codeAndSum(sum.amount) + rate + ".\n";
 }
 
+recording::BookedSum bookAsStated(Book& book, std::int64_t id,
+                                  const std::optional<std::string>& category,
+                                  const CurrencyCode& currency) {
+  const auto sum = recording::accept(book, id, currency);
+  if (!sum) {
+    throw CommandFailure("its sum cannot be converted at its rate: give the sum in " +
+                         currency.text() + " by --amount");
+  }
+  book.edit(id, {.category = category});
+  return *sum;
+}
+
 std::vector<linux_platform::Command> editingCommands() {
   const linux_platform::CommandParameter id{"ID", "The transaction's number, as list shows it"};
   constexpr auto optional = ParameterKind::optional;

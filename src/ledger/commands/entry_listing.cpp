@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <numeric>
+#include <optional>
+#include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/text_columns.h"
@@ -12,6 +16,7 @@ namespace kivo::ledger {
 
 using book::LedgerEntry;
 using money::Kind;
+using money::Money;
 
 namespace {
 
@@ -123,6 +128,21 @@ std::string stacked(const std::vector<LedgerEntry>& entries, const Widths& width
   return lines;
 }
 
+const char* doneText(Kind kind) {
+  if (kind == Kind::expense) return "Spent";
+  return kind == Kind::income ? "Received" : "Transferred";
+}
+
+// Absent when the sum of both does not fit.
+std::optional<Money> sumThatFits(Money first, const Money& second) {
+  try {
+    first += second;
+    return first;
+  } catch (const std::overflow_error&) {
+    return std::nullopt;
+  }
+}
+
 }  // namespace
 
 std::string EntryListing::table(const std::vector<LedgerEntry>& entries, std::size_t width) {
@@ -142,6 +162,31 @@ std::string EntryListing::table(const std::vector<LedgerEntry>& entries, std::si
   std::string table;
   for (const Row& row : rows) table += line(row, widths);
   return table;
+}
+
+std::string EntryListing::sums(const std::vector<LedgerEntry>& entries) {
+  if (entries.empty()) return "";
+  // By currency and kind; absent when it does not fit.
+  std::map<std::pair<money::CurrencyCode, Kind>, std::optional<Money>> sums;
+  for (const LedgerEntry& entry : entries) {
+    const money::CurrencyCode currency = entry.amount->currency;
+    auto& sum = sums.try_emplace({currency, entry.kind}, Money{0, currency}).first->second;
+    if (sum) sum = sumThatFits(*sum, *entry.amount);
+  }
+  std::vector<std::pair<std::string, std::string>> rows;
+  std::size_t width = 0;
+  for (const auto& [group, sum] : sums) {
+    const std::string text = sum ? money::sumText(*sum) : "too large " + group.first.text();
+    width = std::max(width, text.size());
+    rows.emplace_back(doneText(group.second), text);
+  }
+  std::string lines =
+      "\n" + std::to_string(entries.size()) + (entries.size() == 1 ? " payment\n" : " payments\n");
+  for (const auto& [done, sum] : rows) {
+    constexpr std::size_t longest = std::string_view("Transferred").size();
+    lines += paddedTo(longest, done) + std::string(gap) + rightAligned(width, sum) + "\n";
+  }
+  return lines;
 }
 
 std::string EntryListing::details(const LedgerEntry& entry) {

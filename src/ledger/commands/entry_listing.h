@@ -15,6 +15,10 @@ namespace kivo::ledger::EntryListing {
 /// two or three lines: id, day and sum, then the names, then the entry that it looks like.
 std::string table(const std::vector<book::LedgerEntry>& entries, std::size_t width);
 
+/// Returns the number of `entries`, which are booked, and what was spent, received and transferred
+/// in each currency, on a line each after an empty one; empty when there are none.
+std::string sums(const std::vector<book::LedgerEntry>& entries);
+
 /// Returns all members of `entry` as lines of text, the message last, with control characters
 /// escaped.
 std::string details(const book::LedgerEntry& entry);

@@ -97,13 +97,7 @@ void bookIgnored(const GivenParameters& parameters) {
     book.inOneStep([&] {
       const auto entry = recording::addIgnored(book, number, stated.reading);
       if (!entry) throw CommandFailure("it was booked or removed meanwhile");
-      sum = recording::accept(book, entry->id, currency);
-      if (!sum) {
-        throw CommandFailure("its sum cannot be converted at its rate: give the sum in " +
-                             currency.text() + " by --amount");
-      }
-      // The person decided: no template changes it, and the category holds for its payee.
-      book.edit(entry->id, {.kind = entry->kind, .category = category});
+      sum = bookAsStated(book, entry->id, category, currency);
     });
     print(bookedSentence(*sum));
   });

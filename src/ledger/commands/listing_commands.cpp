@@ -37,7 +37,10 @@ void list(const GivenParameters& parameters) {
   const EntryFilter filter = filterFrom(parameters);
   withBook([&](Book& book) {
     tellSetAside(book);
-    show(book.entries(filter), parameters.contains("--json"), "No transaction fits.");
+    const auto entries = book.entries(filter);
+    const bool asJson = parameters.contains("--json");
+    show(entries, asJson, "No transaction fits.");
+    if (!asJson && linux_platform::onTerminal()) print(EntryListing::sums(entries));
   });
 }
 

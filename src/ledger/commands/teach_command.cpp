@@ -142,8 +142,9 @@ class Teaching {
     const auto entry = book_.entry(*number);
     if (!entry) throw CommandFailure("no transaction has the ID " + std::to_string(*number));
     if (!entry->text) {
-      throw CommandFailure("the text of " + std::to_string(*number) +
-                           " was forgotten; `kivo-ledger teach -` takes it from standard input");
+      throw CommandFailure(std::to_string(*number) +
+                           " has no text: it was forgotten, or entered by hand"
+                           "; `kivo-ledger teach -` takes a message from standard input");
     }
     shown_.entry = entry->id;
     message_ = partThatCounts(*entry->text);

@@ -87,6 +87,47 @@ TEST_F(AStoredBook, ListsTheEntriesThatMatchAFilter) {
   EXPECT_THAT(ids(book.entries({.state = LedgerEntry::State::review})), IsEmpty());
 }
 
+TEST_F(AStoredBook, FindsASumInTheCurrencyOfEachEntryBesideTexts) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(118950, "Rent"));
+  recorded(book, "KEY-2", spent(118950, "Yen Shop", "JPY"));
+  recorded(book, "KEY-3", spent(1189500, "Dinar Shop", "KWD"));
+  recorded(book, "KEY-4", spent(100, "Shop 1189.50"));
+  EXPECT_THAT(ids(book.entries({.search = "1189.50"})), ElementsAre(4, 3, 1));
+  EXPECT_THAT(ids(book.entries({.search = "1,189.5"})), ElementsAre(3, 1));
+  EXPECT_THAT(ids(book.entries({.search = "118950"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.search = "1189.501"})), IsEmpty());
+  EXPECT_THAT(ids(book.entries({.search = "189.50"})), ElementsAre(4));
+}
+
+TEST_F(AStoredBook, ComparesSumsWithinTheCurrencyOfEachEntry) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(1000));
+  recorded(book, "KEY-2", spent(1050));
+  recorded(book, "KEY-3", spent(10, "Yen Shop", "JPY"));
+  recorded(book, "KEY-4", spent(11, "Yen Shop", "JPY"));
+  EXPECT_THAT(ids(book.entries({.least = "10"})), ElementsAre(4, 3, 2, 1));
+  EXPECT_THAT(ids(book.entries({.least = "10.5"})), ElementsAre(4, 2));
+  EXPECT_THAT(ids(book.entries({.largest = "10.5"})), ElementsAre(3, 2, 1));
+  EXPECT_THAT(ids(book.entries({.least = "10.01", .largest = "10.99"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.least = "11", .largest = "10"})), IsEmpty());
+  EXPECT_THAT(ids(book.entries({.least = "99999999999999999999"})), IsEmpty());
+}
+
+TEST_F(AStoredBook, ListsTheEntriesOfAKindAndOfAnAccount) {
+  Book book = open();
+  Reading reading = spent(100);
+  reading.account = "4821";
+  recorded(book, "KEY-1", reading);
+  reading.kind = Kind::income;
+  reading.account = "21";
+  recorded(book, "KEY-2", reading);
+  EXPECT_THAT(ids(book.entries({.kind = Kind::expense})), ElementsAre(1));
+  EXPECT_THAT(ids(book.entries({.kind = Kind::income})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.account = "21"})), ElementsAre(2));
+  EXPECT_THAT(ids(book.entries({.kind = Kind::expense, .account = "21"})), IsEmpty());
+}
+
 TEST_F(AStoredBook, FindsABackslash) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "Fish\\Chips"));

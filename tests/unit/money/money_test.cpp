@@ -50,6 +50,31 @@ TEST(AnAmountText, IsRefusedWhenItIsNoAmountOfItsCurrency) {
   EXPECT_EQ(moneyFromText("1.5", "JPY"), std::nullopt);
 }
 
+TEST(TheNearestSums, AreTheDecimalItselfWhereTheCurrencyHasItsDecimals) {
+  for (const char* text : {"1189.50", "1,189.50", "1189.5", "1189.500"}) {
+    const auto sums = nearestSums(text, "EGP");
+    ASSERT_TRUE(sums) << text;
+    EXPECT_EQ(sums->atMost, (Money{118950, "EGP"})) << text;
+    EXPECT_EQ(sums->atLeast, (Money{118950, "EGP"})) << text;
+  }
+  EXPECT_EQ(nearestSums("1189.000", "JPY")->atLeast, (Money{1189, "JPY"}));
+  EXPECT_EQ(nearestSums("1189", "KWD")->atMost, (Money{1189000, "KWD"}));
+}
+
+TEST(TheNearestSums, EncloseADecimalThatTheCurrencyDoesNotHave) {
+  EXPECT_EQ(nearestSums("10.5", "JPY")->atMost, (Money{10, "JPY"}));
+  EXPECT_EQ(nearestSums("10.5", "JPY")->atLeast, (Money{11, "JPY"}));
+  EXPECT_EQ(nearestSums("0.001", "EGP")->atMost, (Money{0, "EGP"}));
+  EXPECT_EQ(nearestSums("0.001", "EGP")->atLeast, (Money{1, "EGP"}));
+}
+
+TEST(TheNearestSums, AreAbsentForATextThatIsNoDecimal) {
+  for (const char* text :
+       {"", ".", "5.", "-5", "1e3", "1.2.3", "1,18.50", "EGP 5", "5.0x", "90071992547409.93"}) {
+    EXPECT_FALSE(nearestSums(text, "EGP")) << text;
+  }
+}
+
 TEST(AnAmountText, MayHaveCommasBetweenThousands) {
   EXPECT_EQ(moneyFromText("1,189.50", "EGP"), (Money{118950, "EGP"}));
   EXPECT_EQ(moneyFromText("12,345,678", "EGP"), (Money{1234567800, "EGP"}));

@@ -1,0 +1,78 @@
+#include "ledger/commands/adding_command.h"
+
+#include <optional>
+#include <string>
+
+#include "book/current_day.h"
+#include "ledger/commands/command_options.h"
+#include "ledger/commands/editing_commands.h"
+#include "ledger/commands/opened_book.h"
+#include "platform/linux/terminal/command_output.h"
+#include "recording/hand_entry.h"
+#include "store/shared_store.h"
+
+namespace kivo::ledger {
+
+using book::Book;
+using recording::HandEntry;
+
+namespace {
+
+using linux_platform::BadUsage;
+using linux_platform::GivenParameters;
+using linux_platform::print;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+// The user of the messages, so that an entry is compared with them.
+std::string signedInUser() {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) throw linux_platform::ReportedFailure();
+  return store->readNonEmptyText(StoreKeys::userId).value_or("local");
+}
+
+HandEntry paymentFrom(const GivenParameters& parameters, const money::CurrencyCode& currency) {
+  const std::string payee = givenText(parameters, "--payee").value();
+  if (payee.find_first_not_of(" \t\n") == std::string::npos) throw BadUsage("--payee is blank");
+  const auto statedIn = givenCurrency(parameters, "--currency", "EGP").value_or(currency);
+  return {.userId = signedInUser(),
+          .date = givenDay(parameters, "--date").value_or(book::currentDay()),
+          .kind = givenKind(parameters).value_or(money::Kind::expense),
+          .amount = sumFrom(given(parameters, "--amount").value(), statedIn),
+          .payee = payee,
+          .account = givenAccount(parameters).value_or("")};
+}
+
+void add(const GivenParameters& parameters) {
+  const money::CurrencyCode currency = requiredBookCurrency();
+  const HandEntry payment = paymentFrom(parameters, currency);
+  const auto category = givenText(parameters, "--category");
+  withBook([&](Book& book) {
+    std::string line;
+    book.inOneStep([&] {
+      const std::int64_t id = recording::addByHand(book, payment).id;
+      line = bookedSentence(bookAsStated(book, id, category, currency));
+      const auto like = book.entry(id).value().possibleDuplicateOf;
+      line.insert(line.size() - 1, " ID " + std::to_string(id) +
+                                       (like ? ", looks like " + std::to_string(*like) : "") + ".");
+    });
+    print(line);
+  });
+}
+
+}  // namespace
+
+linux_platform::Command addingCommand() {
+  constexpr auto optional = ParameterKind::optional;
+  return {"add",
+          "Enter a payment by hand, such as one in cash",
+          {{"--amount", "The sum, as 1,189.50"},
+           {"--payee", "The merchant or the other party"},
+           {"--date", "The day, as 2026-11-21; today when not given", optional},
+           {"--category", "The category; it holds for the payee from then on", optional},
+           {"--kind", "expense, income or transfer; expense when not given", optional, kindNames},
+           {"--account", "The digits of the account", optional},
+           {"--currency", "The currency's code, as USD; the book's when not given", optional}},
+          add};
+}
+
+}  // namespace kivo::ledger
