@@ -1,8 +1,12 @@
 #include "ledger/commands/editing_commands.h"
 
+#include <cstdint>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
@@ -11,6 +15,7 @@
 #include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/prompt.h"
+#include "platform/linux/terminal/screen.h"
 #include "recording/rereading.h"
 
 namespace kivo::ledger {
@@ -82,17 +87,57 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
   return change;
 }
 
+// Calls `change` with each of `entries`, in one step. Of several, a failure names the entry.
+void changeEach(Book& book, const std::vector<LedgerEntry>& entries,
+                const std::function<void(const LedgerEntry&)>& change) {
+  book.inOneStep([&] {
+    for (const LedgerEntry& entry : entries) {
+      try {
+        change(entry);
+      } catch (const CommandFailure& failure) {
+        if (entries.size() == 1) throw;
+        throw CommandFailure(
+            std::to_string(entry.id) + ": " + failure.what() + "; nothing was changed",
+            failure.status());
+      }
+    }
+  });
+}
+
+// As `changeEach`, with the entries that were given as ID.
+void withChosen(const GivenParameters& parameters,
+                const std::function<void(Book&, const LedgerEntry&)>& change) {
+  withBook([&](Book& book) {
+    book.inOneStep([&] {
+      changeEach(book, chosenEntries(book, parameters),
+                 [&](const LedgerEntry& entry) { change(book, entry); });
+    });
+  });
+}
+
+// The line that says what was done to each entry.
+using Lines = std::vector<std::pair<std::int64_t, std::string>>;
+
+// Of several, each line begins with the entry's id.
+std::string textOf(const Lines& lines) {
+  if (lines.size() == 1) return lines.front().second;
+  std::string text;
+  for (const auto& [id, line] : lines) text += std::to_string(id) + ": " + line;
+  return text;
+}
+
 void edit(const GivenParameters& parameters) {
   if (parameters.size() == 1) {
     throw BadUsage(
         "edit needs one of --date, --amount, --currency, --kind, --description, --category");
   }
-  withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+  std::vector<LedgerEntry> edited;
+  withChosen(parameters, [&](Book& book, const LedgerEntry& entry) {
     book.edit(entry.id, changeFrom(parameters, book, entry));
-    const auto edited = book.entry(entry.id);
-    if (!edited) throw CommandFailure("it was deleted meanwhile");
-    print(EntryListing::details(*edited));
+    edited.push_back(book.entry(entry.id).value());
   });
+  print(edited.size() == 1 ? EntryListing::details(edited.front())
+                           : EntryListing::table(edited, linux_platform::screenWidth()));
 }
 
 // The reason why `accept` does not book an entry, and the command that helps.
@@ -111,15 +156,17 @@ std::string whyNotBooked(const LedgerEntry& entry, const CurrencyCode& currency)
 
 void accept(const GivenParameters& parameters) {
   const CurrencyCode currency = requiredBookCurrency();
-  withEntry(parameters, [&](Book& book, const LedgerEntry& entry) {
+  Lines lines;
+  withChosen(parameters, [&](Book& book, const LedgerEntry& entry) {
     if (entry.state == LedgerEntry::State::setAside) {
       throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
                            " says which value to edit");
     }
     const auto sum = recording::accept(book, entry.id, currency);
     if (!sum) throw CommandFailure(whyNotBooked(entry, currency));
-    print(bookedSentence(*sum));
+    lines.emplace_back(entry.id, bookedSentence(*sum));
   });
+  print(textOf(lines));
 }
 
 // Whether the command asks before it changes anything. `does` is a verb, such as "deletes". Throws
@@ -134,15 +181,31 @@ bool isConfirmed(const std::string& question) {
   return Prompt(std::cin).confirms(question, Prompt::Preset::no);
 }
 
+// Lists the entries when they are few.
+std::string deletionQuestion(const std::vector<LedgerEntry>& chosen) {
+  constexpr std::size_t few = 10;
+  if (chosen.size() == 1) {
+    return EntryListing::details(chosen.front()) + "\nDelete this transaction?";
+  }
+  const std::string question = "Delete these " + std::to_string(chosen.size()) + " transactions?";
+  if (chosen.size() > few) return question;
+  return EntryListing::table(chosen, linux_platform::screenWidth()) + "\n" + question;
+}
+
 void remove(const GivenParameters& parameters) {
   const bool asks = asksFirst(parameters, "deletes");
-  withEntry(parameters, [asks](Book& book, const LedgerEntry& entry) {
-    if (asks && !isConfirmed(EntryListing::details(entry) + "\nDelete this transaction?")) {
+  Lines lines;
+  withBook([&](Book& book) {
+    const std::vector<LedgerEntry> chosen = chosenEntries(book, parameters);
+    if (asks && !isConfirmed(deletionQuestion(chosen))) {
       throw CommandFailure("nothing was deleted");
     }
-    book.remove(entry.id);
-    print("Deleted.\n");
+    changeEach(book, chosen, [&](const LedgerEntry& entry) {
+      if (!book.remove(entry.id)) throw CommandFailure("it was deleted meanwhile");
+      lines.emplace_back(entry.id, "Deleted.\n");
+    });
   });
+  print(textOf(lines));
 }
 
 void forgetTexts(const GivenParameters& parameters) {
@@ -215,12 +278,14 @@ recording::BookedSum bookAsStated(Book& book, std::int64_t id,
 }
 
 std::vector<linux_platform::Command> editingCommands() {
-  const linux_platform::CommandParameter id{"ID", "The transaction's number, as list shows it"};
+  const linux_platform::CommandParameter ids{
+      "ID", "Numbers as list shows them, and ranges: 3 5 7-9; of a range, those that exist",
+      ParameterKind::several};
   constexpr auto optional = ParameterKind::optional;
   return {
       {"edit",
-       "Correct a transaction; description and category hold for its payee from then on",
-       {id,
+       "Correct transactions; description and category hold for their payees from then on",
+       {ids,
         {"--date", "The day, as 2026-11-21", optional},
         {"--amount", "The sum, as 1,189.50", optional},
         {"--currency", "Its currency's code, as EGP; converts it without --amount", optional},
@@ -228,10 +293,10 @@ std::vector<linux_platform::Command> editingCommands() {
         {"--description", "The merchant or payee", optional},
         {"--category", "The category", optional}},
        edit},
-      {"accept", "Book a transaction that is in review", {id}, accept},
+      {"accept", "Book transactions that are in review", {ids}, accept},
       {"delete",
-       "Delete a transaction, after asking",
-       {id, {"--yes", "Delete it without asking", ParameterKind::flag}},
+       "Delete transactions, after asking",
+       {ids, {"--yes", "Delete them without asking", ParameterKind::flag}},
        remove},
       {"forget-texts",
        "Remove the texts of all messages from the book, and the ignored ones, after asking",

@@ -1,6 +1,10 @@
 #include "ledger/commands/opened_book.h"
 
+#include <map>
+#include <utility>
+
 #include "ledger/book_currency.h"
+#include "ledger/commands/chosen_ids.h"
 #include "platform/foundation/number_text.h"
 #include "platform/linux/foundation/complaint.h"
 
@@ -34,6 +38,27 @@ void withEntry(const linux_platform::GivenParameters& given,
     if (!entry) throw CommandFailure("no transaction has the ID " + std::to_string(*id));
     use(book, *entry);
   });
+}
+
+std::vector<LedgerEntry> chosenEntries(const Book& book,
+                                       const linux_platform::GivenParameters& given) {
+  std::map<std::int64_t, LedgerEntry> chosen;
+  for (const auto& [first, last] : idRangesFrom(given.at("ID"))) {
+    bool isFound = false;
+    for (std::int64_t nth = 0; nth <= last - first; ++nth) {
+      auto entry = book.entry(first + nth);
+      if (!entry) continue;
+      isFound = true;
+      chosen.insert_or_assign(entry->id, *std::move(entry));
+    }
+    if (isFound) continue;
+    if (first == last) throw CommandFailure("no transaction has the ID " + std::to_string(first));
+    throw CommandFailure("no transaction has an ID from " + std::to_string(first) + " to " +
+                         std::to_string(last));
+  }
+  std::vector<LedgerEntry> entries;
+  for (auto& [id, entry] : chosen) entries.push_back(std::move(entry));
+  return entries;
 }
 
 book::IgnoredMessage requiredIgnored(const Book& book, std::int64_t number) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "book/book.h"
 #include "platform/linux/terminal/command_line.h"
@@ -19,6 +20,12 @@ void withBook(const std::function<void(book::Book&)>& use);
 /// number, with the exit status for bad usage, and when no entry has that id.
 void withEntry(const linux_platform::GivenParameters& given,
                const std::function<void(book::Book&, const book::LedgerEntry&)>& use);
+
+/// Returns the entries whose ids and ranges of ids were given as ID, each once, in the order of the
+/// ids. Of a range, ids that no entry has are left out. Throws BadUsage when ID is not valid, and
+/// CommandFailure when no entry has an id that stands alone, or one of a range.
+std::vector<book::LedgerEntry> chosenEntries(const book::Book& book,
+                                             const linux_platform::GivenParameters& given);
 
 /// Returns the ignored message `number`. Throws CommandFailure when there is none.
 book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number);

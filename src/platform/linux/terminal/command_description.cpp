@@ -18,6 +18,8 @@ std::string_view nameOf(CommandParameter::Kind kind) {
       return "optional";
     case CommandParameter::Kind::flag:
       return "flag";
+    case CommandParameter::Kind::several:
+      return "several";
   }
   return "required";
 }

@@ -26,12 +26,18 @@ struct Offered {
   const Command* command = nullptr;
   CLI::App* app = nullptr;
   std::map<std::string, std::optional<std::string>> texts;
+  std::map<std::string, std::vector<std::string>> lists;
   std::map<std::string, bool> flags;
 
   [[nodiscard]] GivenParameters given() const {
     GivenParameters given;
     for (const auto& [name, text] : texts) {
       if (text) given[name] = *text;
+    }
+    for (const auto& [name, list] : lists) {
+      for (const std::string& text : list) {
+        given[name] += (given[name].empty() ? "" : " ") + text;
+      }
     }
     for (const auto& [name, flag] : flags) {
       if (flag) given[name];
@@ -61,6 +67,11 @@ std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
     if (parameter.kind == Kind::flag) {
       offered->app->add_flag(name, offered->flags[name], parameter.meaning)
           ->disable_flag_override();
+      continue;
+    }
+    if (parameter.kind == Kind::several) {
+      offered->app->add_option(name, offered->lists[name], parameter.meaning)
+          ->option_text("TEXT ... (needed)");
       continue;
     }
     CLI::Option* const option =
@@ -150,6 +161,9 @@ std::string describeLeftOver(const CommandProgram& program, const Command* comma
 std::optional<std::string> describeMissing(const Offered& offered) {
   for (const CommandParameter& parameter : offered.command->parameters) {
     if (parameter.kind == Kind::required && !offered.texts.at(parameter.name)) {
+      return parameter.name + " is missing";
+    }
+    if (parameter.kind == Kind::several && offered.lists.at(parameter.name).empty()) {
       return parameter.name + " is missing";
     }
   }

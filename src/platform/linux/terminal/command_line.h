@@ -12,7 +12,13 @@ namespace kivo::linux_platform {
 
 /// An option or argument of a command.
 struct CommandParameter {
-  enum class Kind { required, optional, flag };
+  enum class Kind {
+    required,
+    optional,
+    flag,
+    /// One argument or more; the last positional one. Their texts are given with blanks between.
+    several,
+  };
 
   /// "--user-id" for an option, "KEY" for a positional argument.
   std::string name;
