@@ -10,6 +10,7 @@
 #include "ledger/commands/ignored_commands.h"
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
+#include "ledger/commands/rate_command.h"
 #include "ledger/commands/teach_command.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/review_notifier.h"
@@ -70,6 +71,7 @@ linux_platform::CommandProgram program() {
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(addingCommand());
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  made.commands.push_back(rateCommand());
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());
   made.commands.push_back(

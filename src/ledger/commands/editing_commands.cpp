@@ -27,7 +27,6 @@ using money::amountText;
 using money::CurrencyCode;
 using money::largestSum;
 using money::Money;
-using money::Rate;
 
 namespace {
 
@@ -226,38 +225,6 @@ void forgetTexts(const GivenParameters& parameters) {
   });
 }
 
-std::string rateForm() {
-  return "a number above zero such as 48.5: " + std::to_string(Rate::mostDigits) +
-         " digits at most, with at most one point";
-}
-
-void showRates(const Book& book) {
-  std::string lines;
-  for (const auto& [currency, rate] : book.rates()) {
-    lines.append(escapedControls(currency)).append(" ").append(escapedControls(rate));
-    if (!Rate::fromText(rate)) lines.append(" is not used: a rate must be ").append(rateForm());
-    lines += "\n";
-  }
-  print(lines.empty() ? "No rate is set.\n" : lines);
-}
-
-void rate(const GivenParameters& parameters) {
-  const auto currency = givenCurrency(parameters, "CURRENCY", "USD");
-  const auto value = given(parameters, "RATE");
-  const bool removes = parameters.contains("--remove");
-  if (!currency) return withBook(showRates);
-  if (removes == value.has_value()) {
-    throw BadUsage("give either RATE or --remove");
-  }
-  const auto set = value ? Rate::fromText(*value) : std::nullopt;
-  if (value && !set) throw invalid("RATE", *value, rateForm());
-  withBook([&](Book& book) {
-    if (set) return book.setRate(*currency, *set);
-    if (!book.removeRate(*currency))
-      throw CommandFailure("there is no rate for " + currency->text());
-  });
-}
-
 }  // namespace
 
 std::string bookedSentence(const recording::BookedSum& sum) {
@@ -302,12 +269,6 @@ std::vector<linux_platform::Command> editingCommands() {
        "Remove the texts of all messages from the book, and the ignored ones, after asking",
        {{"--yes", "Remove them without asking", ParameterKind::flag}},
        forgetTexts},
-      {"rate",
-       "Show or set what one unit of a foreign currency is worth",
-       {{"CURRENCY", "The currency's code, as USD", optional},
-        {"RATE", "Its worth in the book's currency, as 48.5", optional},
-        {"--remove", "Have no rate for it", ParameterKind::flag}},
-       rate},
   };
 }
 

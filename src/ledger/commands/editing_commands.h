@@ -11,7 +11,7 @@
 
 namespace kivo::ledger {
 
-/// edit, accept, delete, forget-texts, rate.
+/// edit, accept, delete, forget-texts.
 std::vector<linux_platform::Command> editingCommands();
 
 /// Returns the line that says how a transaction was booked: "Booked as EGP 150.00."
