@@ -72,7 +72,7 @@ bool isLabel(const AnalysedMessage& message, std::size_t begin, std::size_t end)
 bool isField(const Items& items, std::size_t begin, std::size_t end) {
   const auto separates = [](const Item& item) {
     return item.kind == Item::Kind::lineBreak || item.kind == Item::Kind::sum ||
-           isMark(item, ",;|");
+           isMark(item, ",;|") || item.text == "·";
   };
   const auto dash = [&](std::size_t at) { return isMark(items[at], "-") && !items[at].glued; };
   return begin > 0 && end < items.size() && (separates(items[begin - 1]) || dash(begin - 1)) &&
@@ -144,7 +144,13 @@ std::string nameBeforeSum(const AnalysedMessage& message) {
     return wording.as<Move>() != nullptr && wording.end == begin;
   });
   const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
-  if (!latin || !(behindMove || (line && items[sum].sum.sign != '\0'))) return {};
+  // "EFTPOS | Fern Pub | $12.00", "Bill paid: Fern Gas, 12.00 EGP"
+  const bool field = isMark(items[begin - 1], "|") ||
+                     (isMark(items[begin - 1], ":") && begin > 1 &&
+                      std::ranges::any_of(message.wordings, [begin](const Found& wording) {
+                        return wording.as<Move>() != nullptr && wording.end == begin - 1;
+                      }));
+  if (!latin || !(behindMove || field || (line && items[sum].sum.sign != '\0'))) return {};
   if (isLabel(message, begin, end) || items[begin].text == "alert") return {};
   return nameBetween(message, begin, end);
 }

@@ -24,7 +24,8 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "insurance assurance takaful mutuelle versicherung~ seguro seguros sigorta asuransi bima "
      "страхов~ страховка تامين بيمه 保险 보험"},
     {"Charity",
-     "charity charities charitable donation donations zakat sadaqa orphan~ relief خيري خيريه صدقه "
+     "charity charities charitable donation donations zakat sadaqa orphan~ relief مؤسسه خيري خيريه "
+     "صدقه "
      "زكاه تبرع~ благотворит~"},
     {"Health",
      "pharmac~ chemist clinic hospital dental dentist medical lab labs laborator~ diagnostic~ "

@@ -127,7 +127,12 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
 std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) const {
   std::size_t end = begin + 1;
   if (isAddress(items_[begin])) return end;
-  while (end < items_.size() && (items_[end].named || !endsName(end, begin, introduced))) ++end;
+  while (end < items_.size() && (items_[end].named || !endsName(end, begin, introduced))) {
+    // "LE BISTRO in Paris"
+    const bool town = items_[end].text == "in" && end + 1 < items_.size() && isNameWord(end + 1);
+    if (items_[end - 1].named && !items_[end].named && town) break;
+    ++end;
+  }
   return end;
 }
 

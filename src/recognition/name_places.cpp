@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "names/letter_case.h"
@@ -99,7 +100,9 @@ class NamePlaces {
     std::optional<std::size_t> open;
     for (std::size_t at = 0; at < items_.size(); ++at) {
       const std::string& text = items_[at].text;
-      const bool quote = text == "\"" || text == "“" || text == "”" || text == "«" || text == "»";
+      const bool single = text == "'" && (open ? items_[at].glued : !items_[at].glued);
+      const bool quote =
+          single || text == "\"" || text == "“" || text == "”" || text == "«" || text == "»";
       if (items_[at].kind == Item::Kind::lineBreak || (open && at - *open > longest)) open.reset();
       if (items_[at].kind != Item::Kind::mark || !quote) continue;
       if (open) add(*open + 1, at, at);
@@ -118,13 +121,35 @@ class NamePlaces {
     std::size_t begin = end;
     while (begin > 0 && !items_[begin].startsSentence &&
            (isCapital(begin - 1) || isMark(items_[begin - 1], "&'-.")) &&
-           (at_[begin - 1] == nullptr || !at_[begin - 1]->is(Marker::own))) {
+           (at_[begin - 1] == nullptr || !at_[begin - 1]->is(Marker::own) ||
+            (isSmall(wording.begin) && wording.as<Move>() != nullptr &&
+             items_[begin - 1].text == "card" && items_[begin - 1].startsSentence && begin < end &&
+             !isInWording(begin)))) {
       --begin;
     }
     while (begin < end && !isCapital(begin)) ++begin;
+    if (wording.payeePrecedes && wording.is(Move::received) && addSubjectWithSum(end)) return;
     if (begin == end || isPronoun(items_[begin].text) || !isSmall(wording.begin)) return;
     const bool apart = items_[begin].startsSentence || isMark(items_[begin - 1], ";,:");
     if (wording.payeePrecedes || (apart && hasOwnWord(begin, end))) add(begin, end, end);
+  }
+
+  // "Salary INR 85,000 Paid has sent you Rs 1.00": all of the sentence in front, when it holds a
+  // sum and the amount follows.
+  bool addSubjectWithSum(std::size_t end) {
+    constexpr std::size_t near = 6;
+    std::size_t begin = end;
+    bool sum = false;
+    while (begin > 0 && !(begin < end && items_[begin].startsSentence) &&
+           !isMark(items_[begin - 1], ":")) {
+      --begin;
+      sum = sum || items_[begin].kind == Item::Kind::sum;
+    }
+    const auto behind = std::span(items_).subspan(end).first(std::min(near, items_.size() - end));
+    const bool follows =
+        std::ranges::any_of(behind, [](const Item& item) { return item.kind == Item::Kind::sum; });
+    if (sum && follows) add(begin, end, end);
+    return sum && follows;
   }
 
   // Whether one of the items is a capitalised word outside of all wordings.
@@ -157,15 +182,35 @@ class NamePlaces {
     if (code) return;
     for (const std::size_t begin = at; at < items_.size(); ++at) {
       if (items_[at].kind == Item::Kind::lineBreak) return;
-      if (at > begin && (items_[at].startsSentence || isLabel(at))) return;
+      if (at > begin && (items_[at].startsSentence || endsFreeText(at))) return;
       if (items_[at].kind == Item::Kind::sum && isSumBefore(begin)) add(at, at + 1, at + 1);
       if (at_[at] == nullptr) continue;
       const Move* const move = at_[at]->as<Move>();
       const bool verb = move != nullptr && movementOf(*move).strength >= Strength::verb;
+      // Only the text of the payer tells the direction, and holds a sum: both readings count.
+      if (move != nullptr && hasSumBehind(begin) && !movesOutside(begin, items_.size())) {
+        add(at, at, at_[at]->end);
+      }
       if ((verb || at_[at]->as<Status>() != nullptr) && movesOutside(at, at_[at]->end)) {
         add(at, at_[at]->end, at_[at]->end);
       }
     }
+  }
+
+  // Whether a sum is in the rest of the sentence, and one before it.
+  [[nodiscard]] bool hasSumBehind(std::size_t begin) const {
+    if (!isSumBefore(begin)) return false;
+    for (std::size_t at = begin; at < items_.size(); ++at) {
+      if (at > begin && (items_[at].startsSentence || endsFreeText(at))) return false;
+      if (items_[at].kind == Item::Kind::sum) return true;
+    }
+    return false;
+  }
+
+  [[nodiscard]] bool endsFreeText(std::size_t at) const {
+    return at_[at] != nullptr && isLabel(at) &&
+           (at_[at]->is(SumRole::balance) || at_[at]->is(SumRole::limit) ||
+            at_[at]->is(Marker::reference));
   }
 
   [[nodiscard]] bool isSumBefore(std::size_t end) const {
@@ -180,18 +225,32 @@ class NamePlaces {
       const bool number = items_[begin].kind == Item::Kind::number && !items_[begin].isPiece;
       if (!isCapital(begin) && !(number && isCapital(begin + 1))) continue;
       const Found* const first = at_[begin];  // "To FAHAD OMAR", "TRF TO FATIMA BELLO"
-      if (first != nullptr && (first->as<Marker>() != nullptr || first->end > begin + 1)) continue;
+      if (first != nullptr && (first->as<Marker>() != nullptr ||
+                               (first->as<Move>() != nullptr && first->end > begin + 1))) {
+        continue;
+      }
       const bool front = begin == 0 || items_[begin].startsSentence;
       if (!front && !isMark(items_[begin - 1], ",;|:") && !isDash(begin - 1) &&
-          items_[begin - 1].kind != Item::Kind::sum) {
+          items_[begin - 1].text != "·" && items_[begin - 1].kind != Item::Kind::sum) {
         continue;
       }
       const std::size_t end = endOfCapitals(number ? begin + 1 : begin);
       if (end <= begin + 1 || !endsField(end, front) || !hasOwnWord(begin, end)) continue;
-      if (holdsOutcome(end - 1) || !movesOutside(begin, end)) continue;
+      if (holdsOutcome(end - 1) || isHeading(begin, end) || !movesOutside(begin, end)) continue;
       add(begin, end, end);
       begin = end - 1;
     }
+  }
+
+  // "Debit Alert", "Heron Bank Card"
+  [[nodiscard]] bool isHeading(std::size_t begin, std::size_t end) const {
+    constexpr auto words = std::to_array<std::string_view>(
+        {"alert", "notice", "notification", "bank", "card", "account", "transaction", "transfer",
+         "payment", "purchase"});
+    for (std::size_t at = begin; at < end; ++at) {
+      if (isOneOf(items_[at].text, words)) return true;
+    }
+    return false;
   }
 
   [[nodiscard]] bool isDash(std::size_t at) const {
@@ -208,11 +267,12 @@ class NamePlaces {
     }
     if (item.kind == Item::Kind::lineBreak) return end > 0;
     return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
-                      isMark(item, ",;|") || isDash(end));
+                      isMark(item, ",;|") || item.text == "·" || isDash(end));
   }
 
   [[nodiscard]] bool holdsOutcome(std::size_t at) const {
-    return at_[at] != nullptr && at_[at]->as<Status>() != nullptr;
+    return at_[at] != nullptr && (at_[at]->is(Status::declined) || at_[at]->is(Status::done) ||
+                                  at_[at]->is(Status::notDone));
   }
 
   void addBehind(const Found& wording) {
@@ -226,15 +286,32 @@ class NamePlaces {
     if (at_[begin] != nullptr && at_[begin]->is(Marker::label)) begin = at_[begin]->end;
     if (begin >= items_.size() || (at_[begin] != nullptr && at_[begin]->is(Move::machine))) return;
     if (items_[begin].text.find_first_not_of('x') == std::string::npos) return;  // "XX7719"
-    const bool small = isSmall(wording.begin);
+    const bool caps = caseOf(wording.begin) == LetterCase::capital &&
+                      caseOf(wording.end - 1) == LetterCase::capital;
+    const bool small = !caps;
     if (colon && items_[wording.begin].startsSentence && addLine(begin)) return;
-    if (isCapital(begin) && (small || colon)) {
+    if (wording.is(Marker::at) && isPronoun(items_[begin].text)) {
+      addClause(begin);
+    } else if (isCapital(begin) && (small || colon)) {
       addCapitals(begin);
     } else if (items_[begin].kind == Item::Kind::sum || items_[begin].kind == Item::Kind::number) {
       addNumberInFront(wording, begin);
     } else if (isWord(begin) && !isSmall(begin)) {
       addFirstWording(wording, begin);
+      addDefinite(begin);
     }
+  }
+
+  // Whether item `at` begins "your account", "A/c XX12" or the like.
+  [[nodiscard]] bool isOwnAccount(std::size_t at) const {
+    if (at_[at] == nullptr || !at_[at]->is(Marker::own)) return false;
+    std::size_t next = at_[at]->end;
+    while (next < items_.size() &&
+           (isMark(items_[next], ":.-#*()") || isOneOf(items_[next].text, labelTails))) {
+      ++next;
+    }
+    if (next >= items_.size() || !isWord(next)) return true;
+    return at_[next] != nullptr && at_[next]->is(Marker::own);
   }
 
   // The rest of the line, "To: Your txn declined", unless it names the person's own account. False
@@ -243,9 +320,10 @@ class NamePlaces {
     std::size_t end = begin;
     bool words = false;
     for (; end < items_.size() && items_[end].kind != Item::Kind::lineBreak; ++end) {
-      const bool own = at_[end] != nullptr && at_[end]->is(Marker::own);
-      if (own && isLabel(end) && !isCapital(at_[end]->end)) return false;
-      words = words || (isWord(end) && !isInWording(end));
+      if (isOwnAccount(end)) return false;
+      const bool outcome = at_[end] != nullptr &&
+                           (at_[end]->as<Status>() != nullptr || at_[end]->as<Move>() != nullptr);
+      words = words || outcome || (isWord(end) && !isInWording(end));
     }
     if (end >= items_.size() || !words) return false;
     add(begin, end, end);
@@ -282,6 +360,18 @@ class NamePlaces {
     return own && !(isCapital(next) && at_[next] == nullptr);
   }
 
+  // "ZARA NOT approved"
+  [[nodiscard]] bool goesOnSmall(std::size_t at) const {
+    return at_[at] != nullptr && at_[at]->as<Status>() != nullptr && isSmall(at_[at]->end - 1);
+  }
+
+  // "TRF FRM FERN VENTURES TO MONA"
+  [[nodiscard]] bool isPrepositionInCapitals(std::size_t at) const {
+    const Marker* const marker = at_[at] == nullptr ? nullptr : at_[at]->as<Marker>();
+    return items_[at].capitals && marker != nullptr &&
+           (*marker == Marker::to || *marker == Marker::from);
+  }
+
   // The end of the capitalised words from `begin` on.
   [[nodiscard]] std::size_t endOfCapitals(std::size_t begin) const {
     std::size_t end = begin;
@@ -306,6 +396,7 @@ class NamePlaces {
         const bool first = at == begin && at_[at] != nullptr &&
                            (at_[at]->is(Marker::ends) || at_[at]->is(Marker::footer));
         if (!(first && isCapital(at_[at]->end)) && isLabel(at)) break;
+        if (at > begin && (goesOnSmall(at) || isPrepositionInCapitals(at))) break;
         end = at + 1;
       } else if (item.glued) {
         end = at + 1;
@@ -322,7 +413,9 @@ class NamePlaces {
     if (items_[at].kind != Item::Kind::sum) return false;
     for (std::size_t before = at; before > 0 && !items_[before].startsSentence; --before) {
       const Item& item = items_[before - 1];
-      if (item.kind == Item::Kind::sum) return item.sum.currency == items_[at].sum.currency;
+      if (item.kind != Item::Kind::sum) continue;
+      const std::string& currency = items_[at].sum.currency;
+      return currency.empty() || item.sum.currency == currency;
     }
     return false;
   }
@@ -347,12 +440,18 @@ class NamePlaces {
     if (isSmall(end) && isNoun(end)) return;  // "for BillPay payment", "from Lotus Bank card 12"
     std::size_t first = end;
     // "at Fern Cafe Declined.": a shop or an outcome.
-    while (first > begin + 1 && at_[first - 1] != nullptr &&
-           at_[first - 1]->as<Status>() != nullptr && !isSmall(end)) {
+    while (first > begin + 1 && holdsOutcome(first - 1) && !isSmall(end)) {
       --first;
     }
     const bool done = first < end && at_[first]->is(Status::done);
     add(begin, first, done ? first : end);
+  }
+
+  // "at You received AED 640, DUBAI": up to the next mark.
+  void addClause(std::size_t begin) {
+    std::size_t end = begin + 1;
+    while (end < items_.size() && !items_[end].startsSentence && !isMark(items_[end], ",;.")) ++end;
+    add(begin, end, end);
   }
 
   // "at 5 Dollar Bakery", "at 7-Eleven", "from EGP 9000.00. Fee: EGP 1.00 credited to you"
@@ -369,6 +468,19 @@ class NamePlaces {
       add(begin, end, end);
     } else if (sum && items_[wording.begin].text == "from" && isSmall(wording.begin)) {
       add(begin, begin, begin + 1);  // a sum where a name is expected
+    }
+  }
+
+  // "مقهى المرفوض": behind an Arabic noun a word with the article belongs to the name.
+  void addDefinite(std::size_t begin) {
+    constexpr std::string_view article = "ال";
+    const std::size_t next = begin + 1;
+    if (next >= items_.size() || isInWording(begin) || items_[begin].text.starts_with(article))
+      return;
+    if (!isWord(next) || items_[next].startsSentence || at_[next] == nullptr) return;
+    const std::string_view word = items_[next].text;
+    if (word.starts_with(article) && at_[next]->end == next + 1 && !isLabel(next)) {
+      add(next, next + 1, next + 1);
     }
   }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "recognition/shop_town.h"
 #include "recognition/spelling.h"
 
 namespace kivo::recognition {
@@ -17,7 +18,7 @@ constexpr auto channelWords = std::to_array<std::string_view>(
      "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr", "ftr",  "txn",
      "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",  "iban", "vpa",
      "inr",  "onl", "frm",  "ft",   "pmt",  "web",  "app", "ussd", "nip", "csh",  "cash",
-     "chq",  "mmt", "vps",  "ips",  "tpt",  "nach"});
+     "chq",  "mmt", "vps",  "ips",  "tpt",  "nach", "pur", "pymt"});
 
 // Words that say how money moved, not to whom. A name has another word beside them.
 constexpr auto commonWords = std::to_array<std::string_view>(
@@ -32,6 +33,8 @@ constexpr auto commonWords = std::to_array<std::string_view>(
 // Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
   constexpr std::size_t bankLetters = 4;
+  const std::string& last = items[end - 1].text;
+  if (last == "bank" || last == "mfb") return true;
   if (end == begin + 1) return items[begin].capitals && items[begin].text.size() == bankLetters;
   return end == begin + 2 && items[begin].kind == Item::Kind::word &&
          items[begin + 1].kind == Item::Kind::number && items[begin + 1].glued;
@@ -61,8 +64,8 @@ std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::
                    items.begin() + static_cast<std::ptrdiff_t>(end), isNameWord)) {
     return {};
   }
-  std::string name =
-      shownPayee(message.text.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
+  std::string name(withoutTown(shownPayee(
+      message.text.substr(items[begin].begin, items[end - 1].end - items[begin].begin))));
   constexpr auto shortened =
       std::to_array<std::string_view>({"co", "inc", "ltd", "ent", "corp", "jr", "sr", "bros"});
   const bool isShort =

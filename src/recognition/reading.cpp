@@ -1,6 +1,7 @@
 #include "recognition/reading.h"
 
 #include <algorithm>
+#include <array>
 #include <ranges>
 #include <utility>
 #include <vector>
@@ -135,6 +136,40 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
   return std::string(category.empty() ? "Other" : category);
 }
 
+struct Purpose {
+  std::string_view word;
+  std::string_view description;
+  std::string_view category;
+};
+
+// What a payment was for, by a word of the message, folded; for a message that names nobody.
+constexpr auto purposes = std::to_array<Purpose>({
+    {"loan", "Loan payment", "Loan"},
+    {"installment", "Loan payment", "Loan"},
+    {"instalment", "Loan payment", "Loan"},
+    {"emi", "Loan payment", "Loan"},
+    {"قسط", "Loan payment", "Loan"},
+    {"قرض", "Loan payment", "Loan"},
+    {"airtime", "Phone top-up", "Phone"},
+    {"recharge", "Phone top-up", "Phone"},
+    {"insurance", "Insurance", "Insurance"},
+    {"premium", "Insurance", "Insurance"},
+    {"electricity", "Electricity", "Utilities"},
+    {"water", "Water", "Utilities"},
+    {"rent", "Rent", "Rent"},
+    {"maintenance", "Bank fee", "Fees"},
+});
+
+// The purpose of a payment whose words say no more than that money left; null without one.
+const Purpose* purposeOf(const AnalysedMessage& message, const Movement& naming) {
+  if (naming.kind != Kind::expense || !naming.category.empty()) return nullptr;
+  for (const Item& item : message.items) {
+    const auto* const found = std::ranges::find(purposes, item.text, &Purpose::word);
+    if (item.kind == Item::Kind::word && found != purposes.end()) return found;
+  }
+  return nullptr;
+}
+
 // The movement that the message reports; null without one. `openingDropped`: its first sentence
 // does not count.
 const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
@@ -185,6 +220,11 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
   if (other) reading.payee = payeeIn(message, movement.kind);
   reading.description = reading.payee.empty() ? naming.description : reading.payee;
   reading.category = categoryOf(naming, reading.payee);
+  const Purpose* const purpose = reading.payee.empty() ? purposeOf(message, naming) : nullptr;
+  if (purpose != nullptr) {
+    reading.description = purpose->description;
+    reading.category = purpose->category;
+  }
   reading.account = ownAccount(message, movement.kind);
   reading.reference = referenceIn(message);
   return reading;

@@ -23,6 +23,17 @@ bool urges(const Items& items, const Found& wording) {
   return items[wording.begin].startsSentence || isMark(items[wording.begin - 1], ",;!-");
 }
 
+// Whether a number without a currency is near: "card ending 4821", "am 21.11."
+bool numberFollows(const Items& items, std::size_t at) {
+  constexpr std::size_t near = 4;
+  const std::size_t end = std::min(items.size(), at + near);
+  return std::any_of(items.begin() + static_cast<std::ptrdiff_t>(at),
+                     items.begin() + static_cast<std::ptrdiff_t>(end), [](const Item& item) {
+                       return item.kind == Item::Kind::number ||
+                              (item.kind == Item::Kind::sum && item.sum.currency.empty());
+                     });
+}
+
 // Whether the wording is in the heading of an alert: "Explore Card Alert: you spent ...".
 bool isInHeading(const Items& items, const Sentence& sentence, const Found& wording) {
   constexpr std::size_t longest = 6;
@@ -52,24 +63,19 @@ bool reportsNothing(const Items& items, const Sentence& sentence) {
       (!reported || holds(sentence.wordings, Status::declined))) {
     return true;
   }
+  // "Enjoy our app fern.example A/C 0#12 withdrawn NPR 1,100.00": a headline without a point.
+  const bool tellsAccount =
+      reported && std::ranges::any_of(sentence.wordings, [&](const Found& wording) {
+        return wording.is(Marker::own) && numberFollows(items, wording.end);
+      });
   for (const Found& wording : sentence.wordings) {
     if (reports(wording)) return false;
+    if ((wording.is(Status::offer) || wording.is(Status::urged)) && tellsAccount) continue;
     if (isInHeading(items, sentence, wording)) continue;
     if (wording.is(Status::notYet) || wording.is(Status::offer)) return true;
     if (wording.is(Status::urged) && urges(items, wording)) return true;
   }
   return false;
-}
-
-// Whether a number without a currency is near: "card ending 4821", "am 21.11."
-bool numberFollows(const Items& items, std::size_t at) {
-  constexpr std::size_t near = 4;
-  const std::size_t end = std::min(items.size(), at + near);
-  return std::any_of(items.begin() + static_cast<std::ptrdiff_t>(at),
-                     items.begin() + static_cast<std::ptrdiff_t>(end), [](const Item& item) {
-                       return item.kind == Item::Kind::number ||
-                              (item.kind == Item::Kind::sum && item.sum.currency.empty());
-                     });
 }
 
 }  // namespace

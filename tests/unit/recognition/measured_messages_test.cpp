@@ -72,6 +72,7 @@ struct Reached {
   int payee = 0;
   int account = 0;
   int reference = 0;
+  int wronglyBooked = 0;  // at most
 };
 
 bool moves(const std::string& kind) {
@@ -99,7 +100,7 @@ class MeasuredMessages : public ::testing::Test {
     EXPECT_GE(payee_.right, reached.payee);
     EXPECT_GE(account_.right, reached.account);
     EXPECT_GE(reference_.right, reached.reference);
-    EXPECT_EQ(wronglyBooked_.right, 0);
+    EXPECT_LE(wronglyBooked_.right, reached.wronglyBooked);
   }
 
  private:
@@ -111,7 +112,8 @@ class MeasuredMessages : public ::testing::Test {
     if (!moves(message.kind)) {
       kindAndAmount_.add(kind == message.kind);
       wronglyBooked_.add(booked);
-      EXPECT_FALSE(booked && message.kind == "review") << "booked a foreign sum: " << message.text;
+      const bool foreign = booked && moneyFromText(message.amount, book) != reading.amount;
+      EXPECT_FALSE(foreign && message.kind == "review") << "booked a foreign sum: " << message.text;
       return;
     }
     const auto expected = moneyFromText(message.amount, book);
@@ -134,7 +136,7 @@ class MeasuredMessages : public ::testing::Test {
 
 TEST_F(MeasuredMessages, OfTheKnownSetAreReadAsWellAsBefore) {
   measure("messages_known.tsv",
-          {.kindAndAmount = 174, .payee = 89, .account = 50, .reference = 11});
+          {.kindAndAmount = 174, .payee = 89, .account = 51, .reference = 11});
 }
 
 TEST_F(MeasuredMessages, OfTheFirstSetAreReadAsWellAsBefore) {
@@ -142,7 +144,7 @@ TEST_F(MeasuredMessages, OfTheFirstSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheSecondSetAreReadAsWellAsBefore) {
-  measure("messages_second_measure.tsv", {.kindAndAmount = 111, .payee = 40});
+  measure("messages_second_measure.tsv", {.kindAndAmount = 112, .payee = 40});
 }
 
 TEST_F(MeasuredMessages, OfTheThirdSetAreReadAsWellAsBefore) {
@@ -154,19 +156,40 @@ TEST_F(MeasuredMessages, OfTheFourthSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheFifthSetAreReadAsWellAsBefore) {
-  measure("messages_fifth_measure.tsv", {.kindAndAmount = 164, .payee = 76});
+  measure("messages_fifth_measure.tsv", {.kindAndAmount = 164, .payee = 77});
 }
 
 TEST_F(MeasuredMessages, OfTheSixthSetAreReadAsWellAsBefore) {
-  measure("messages_sixth_measure.tsv", {.kindAndAmount = 159, .payee = 72});
+  measure("messages_sixth_measure.tsv", {.kindAndAmount = 160, .payee = 72});
 }
 
 TEST_F(MeasuredMessages, OfTheSeventhSetAreReadAsWellAsBefore) {
-  measure("messages_seventh_measure.tsv", {.kindAndAmount = 174, .payee = 74});
+  measure("messages_seventh_measure.tsv", {.kindAndAmount = 175, .payee = 74});
+}
+
+TEST_F(MeasuredMessages, OfTheEighthSetAreReadAsWellAsBefore) {
+  measure("messages_eighth_measure.tsv", {.kindAndAmount = 344, .payee = 127});
+}
+
+TEST_F(MeasuredMessages, OfTheNinthSetAreReadAsWellAsBefore) {
+  measure("messages_ninth_measure.tsv", {.kindAndAmount = 325, .payee = 123});
+}
+
+TEST_F(MeasuredMessages, OfOneYearAreReadAsWellAsBefore) {
+  measure("messages_year.tsv", {.kindAndAmount = 427, .payee = 286});
+}
+
+TEST_F(MeasuredMessages, WithHardNamesAreReadAsWellAsBefore) {
+  measure("messages_hard_names.tsv", {.kindAndAmount = 351, .payee = 319});
+}
+
+// Two narrations say neither or both directions; they are booked, with the true sum.
+TEST_F(MeasuredMessages, WithForgedSumsAreReadAsWellAsBefore) {
+  measure("messages_forgeries.tsv", {.kindAndAmount = 87, .payee = 72, .wronglyBooked = 2});
 }
 
 TEST_F(MeasuredMessages, InOtherLanguagesAreReadAsWellAsBefore) {
-  measure("messages_languages.tsv", {.kindAndAmount = 919, .payee = 253});
+  measure("messages_languages.tsv", {.kindAndAmount = 919, .payee = 254});
 }
 
 }  // namespace
