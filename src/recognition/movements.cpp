@@ -57,6 +57,12 @@ static_assert(movements.back().move == Move::ownTransfer);
 
 const Movement& movementOf(Move move) { return movements[static_cast<std::size_t>(move)]; }
 
+bool movesOutside(std::span<const Found> found, std::size_t begin, std::size_t end) {
+  return std::ranges::any_of(found, [&](const Found& wording) {
+    return wording.as<Move>() != nullptr && (wording.end <= begin || wording.begin >= end);
+  });
+}
+
 const Movement* strongestMovement(std::span<const Found> found) {
   const Movement* strongest = nullptr;
   for (const Found& wording : found) {

@@ -1,6 +1,7 @@
 // The movements of money that wordings report: direction, description and category.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,9 @@ struct Movement {
 
 /// The movement of `move`. Lives as long as the program.
 const Movement& movementOf(Move move);
+
+/// Whether one of `found` in front of item `begin` or from item `end` on reports a movement.
+bool movesOutside(std::span<const Found> found, std::size_t begin, std::size_t end);
 
 /// The movement of a message with these wordings: the strongest, of equals the first. Null when no
 /// wording reports one.

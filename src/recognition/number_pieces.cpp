@@ -32,6 +32,14 @@ bool isDottedDate(const std::string& digits) {
          digits.find(',') == std::string::npos;
 }
 
+// "10:10 09.03": a day and a month behind a time of day.
+bool isDayBehindTime(const Items& items, std::size_t at) {
+  constexpr std::size_t length = 5;
+  const std::string& text = items[at].text;
+  return text.size() == length && text[2] == '.' && isNumber(items, at - 1) &&
+         isMark(items, at - 2, ":") && items[at - 1].glued && isNumber(items, at - 3);
+}
+
 bool isJoinedPiece(const Items& items, std::size_t at) {
   const Item& item = items[at];
   // "برداشت-500,000": here "-" is a sign, since only amounts have groups of digits.
@@ -101,13 +109,7 @@ bool isMonth(const Items& items, std::size_t at) {
 
 bool isDatePiece(const Items& items, std::size_t at) {
   const Item& item = items[at];
-  if (isDottedDate(item.text)) return true;
-  // "10:10 09.03": a day and a month behind a time of day.
-  constexpr std::size_t shortest = 5;
-  if (item.text.size() == shortest && item.text[2] == '.' && isNumber(items, at - 1) &&
-      isMark(items, at - 2, ":") && items[at - 1].glued && isNumber(items, at - 3)) {
-    return true;
-  }
+  if (isDottedDate(item.text) || isDayBehindTime(items, at)) return true;
   if (!isPlain(item.text, 4)) return false;
   for (const std::string_view marks : {std::string_view("/"), std::string_view("-")}) {
     const auto joined = [&](std::size_t begin) {  // number, mark, number, mark, number

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 #include <utility>
 #include <vector>
 
@@ -108,11 +107,10 @@ const Movement* movementAtSum(const AnalysedMessage& message, std::size_t sum) {
   const Movement* movement = nullptr;
   for (const Found& wording : message.wordings) {
     if (wording.end > sum) break;
-    const auto between =
-        std::ranges::subrange(message.items.begin() + static_cast<std::ptrdiff_t>(wording.end),
-                              message.items.begin() + static_cast<std::ptrdiff_t>(sum));
-    const bool adjacent = std::ranges::all_of(
-        between, [](const Item& item) { return isMark(item, ":.-=") || item.text.empty(); });
+    const bool adjacent =
+        std::all_of(message.items.begin() + static_cast<std::ptrdiff_t>(wording.end),
+                    message.items.begin() + static_cast<std::ptrdiff_t>(sum),
+                    [](const Item& item) { return isMark(item, ":.-=") || item.text.empty(); });
     const Move* const move = wording.as<Move>();
     if (adjacent && move != nullptr) movement = &movementOf(*move);
   }
