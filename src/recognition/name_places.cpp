@@ -26,11 +26,13 @@ class NamePlaces {
 
   std::vector<NamePlace> all() {
     addQuotes();
+    std::size_t payerTextEnd = 0;
     for (const Found& wording : message_.wordings) {
       if (namesItsSubject(wording)) addInFront(wording);
-      if (introducesPayerText(wording)) {
-        std::ranges::copy(placesInPayerText(message_, words_, wording),
-                          std::back_inserter(places_));
+      if (introducesPayerText(wording) && wording.begin >= payerTextEnd) {
+        const PayerText text = payerTextBehind(message_, words_, wording);
+        payerTextEnd = text.end;
+        std::ranges::copy(text.places, std::back_inserter(places_));
       }
       if (introduces(wording)) addBehind(wording);
     }

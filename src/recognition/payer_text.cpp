@@ -46,10 +46,10 @@ bool introducesPayerText(const Found& wording) {
   return wording.is(Marker::info) || wording.is(Marker::reference);
 }
 
-std::vector<NamePlace> placesInPayerText(const AnalysedMessage& message, const CapitalWords& words,
-                                         const Found& wording) {
+PayerText payerTextBehind(const AnalysedMessage& message, const CapitalWords& words,
+                          const Found& wording) {
   const auto begin = beginOf(message, words, wording);
-  if (!begin) return {};
+  if (!begin) return {.end = wording.end};
   const std::size_t end = endOf(message, words, *begin);
   const auto itemAt = [&](std::size_t at) {
     return message.items.begin() + static_cast<std::ptrdiff_t>(at);
@@ -57,20 +57,20 @@ std::vector<NamePlace> placesInPayerText(const AnalysedMessage& message, const C
   const bool stated = std::any_of(message.items.begin(), itemAt(*begin), isSum);
   const bool holdsSum = std::any_of(itemAt(*begin), itemAt(end), isSum);
   const bool movesElsewhere = movesOutside(message.wordings, *begin, end);
-  std::vector<NamePlace> places;
+  PayerText text{.end = end};
   for (std::size_t at = *begin; at < end; ++at) {
-    if (isSum(message.items[at]) && stated) places.push_back({at, at + 1, at + 1});
+    if (isSum(message.items[at]) && stated) text.places.push_back({at, at + 1, at + 1});
     const Found* const found = words.wordingAt(at);
     if (found == nullptr) continue;
     const Move* const move = found->as<Move>();
     const bool verb = move != nullptr && movementOf(*move).strength >= Strength::verb;
     if (movesElsewhere && (verb || found->as<Status>() != nullptr)) {
-      places.push_back({at, found->end, found->end});
+      text.places.push_back({at, found->end, found->end});
     } else if (!movesElsewhere && move != nullptr && stated && holdsSum) {
-      places.push_back({at, at, found->end});
+      text.places.push_back({at, at, found->end});
     }
   }
-  return places;
+  return text;
 }
 
 }  // namespace kivo::recognition

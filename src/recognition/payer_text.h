@@ -2,6 +2,7 @@
 // They are names by their place: they tell nothing about the payment.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "recognition/capital_words.h"
@@ -12,10 +13,17 @@ namespace kivo::recognition {
 /// Whether a text that the payer wrote follows `wording`.
 bool introducesPayerText(const Found& wording);
 
-/// The places in the sentence behind `wording`, which introduces the payer's text. Where nothing
-/// but that text tells the direction, and it holds a sum, the end of a place is unclear, so that
-/// both readings count.
-std::vector<NamePlace> placesInPayerText(const AnalysedMessage& message, const CapitalWords& words,
-                                         const Found& wording);
+/// A text that the payer wrote.
+struct PayerText {
+  /// The item behind its last one.
+  std::size_t end = 0;
+  /// Its sums, outcomes and movements. Where nothing but the text tells the direction, and it holds
+  /// a sum, their ends are unclear, so that both readings count.
+  std::vector<NamePlace> places = {};
+};
+
+/// The text in the sentence behind `wording`, which introduces it.
+PayerText payerTextBehind(const AnalysedMessage& message, const CapitalWords& words,
+                          const Found& wording);
 
 }  // namespace kivo::recognition
