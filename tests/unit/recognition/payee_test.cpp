@@ -176,5 +176,23 @@ TEST(AMessage, MayEndWhereANameShouldFollow) {
   EXPECT_EQ(payeeOf("EGP 20.00 spent at\n"), "");
 }
 
+TEST(AName, IsNotLookedForInTheFooter) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited from card 0042. Not you? SMS BLOCK to Orchid Care"), "");
+  EXPECT_EQ(payeeOf("Not you? Call 19000. EGP 50.00 spent at Fern Cafe on card 0042"), "Fern Cafe");
+}
+
+TEST(ANarration, NamesItsPartyBehindTheBanksCode) {
+  EXPECT_EQ(payeeOf("EGP 50.00 credited. Info: IMPS/HRNB/612204417733/PINE TRADERS"),
+            "PINE TRADERS");
+  EXPECT_EQ(payeeOf("EGP 50.00 credited. Info: NEFT-HRNBM8812004417-ARUN PINTO"), "ARUN PINTO");
+  EXPECT_EQ(payeeOf("EGP 50.00 credited. Info: IMPS/HRNB/612204417733"), "HRNB");
+}
+
+TEST(AnAddress, IsOneName) {
+  EXPECT_EQ(payeeOf("EGP 50.00 received from merchant@fern, UPI Ref 700412"), "merchant@fern");
+  EXPECT_EQ(payeeOf("You sent EGP 50.00 to 9810000044@fern on 03-02-26"), "9810000044@fern");
+  EXPECT_EQ(payeeOf("EGP 50.00 sent to pine.kiosk@heron.Ref No 70041"), "pine.kiosk@heron");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

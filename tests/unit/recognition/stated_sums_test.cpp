@@ -380,5 +380,15 @@ TEST(AReading, PrefersTheUsersAccountToThePayees) {
             "1234");
 }
 
+TEST(ATotal, IsTheSumThatMoved) {
+  const auto of = [](std::string_view message) {
+    return readingText(read(message, "TZS"), "TZS", false);
+  };
+  EXPECT_EQ(of("Paid.\nCOST TZS 6,557.38\nVAT TZS 1,180.33\nTOTAL TZS 8,000"), "expense 8000.00");
+  EXPECT_EQ(of("Paid TZS 2,000.00. Charge TZS 15.00, total deducted TZS 2,020.00"),
+            "expense 2020.00");
+  EXPECT_EQ(of("Paid TZS 2,000.00. Total TZS 9,000.00"), "expense 2000.00");
+}
+
 }  // namespace
 }  // namespace kivo::recognition
