@@ -54,7 +54,8 @@ StatedReading statedReading(const book::Book& book, const IgnoredMessage& messag
   if (!amount) amount = onlySum(message.text, currency);
   if (isRead && !stated.kind && !stated.payee) {
     now.amount = amount;
-    return {.kind = now.kind, .reading = std::move(now)};
+    const money::Kind kind = now.kind;
+    return {.kind = kind, .reading = std::move(now)};
   }
   const auto kind = stated.kind || !isRead ? stated.kind : now.kind;
   return {.kind = kind,

@@ -47,7 +47,7 @@ BusConnection connection() {
 }
 
 // Why a call to ModemManager gave no usable reply.
-enum class Failure {
+enum class ModemFailure {
   /// The object is gone, or has no such interface.
   notThere,
   /// There was no reply within the timeout, or another program replied.
@@ -55,14 +55,14 @@ enum class Failure {
   refused,
 };
 
-Failure failureBy(std::string_view error) {
+ModemFailure failureBy(std::string_view error) {
   if (error == DBUS_ERROR_UNKNOWN_OBJECT || error == DBUS_ERROR_UNKNOWN_METHOD ||
       error == DBUS_ERROR_UNKNOWN_INTERFACE || error == DBUS_ERROR_INVALID_ARGS) {
-    return Failure::notThere;
+    return ModemFailure::notThere;
   }
   const bool timedOut = error == DBUS_ERROR_NO_REPLY || error == DBUS_ERROR_TIMEOUT ||
                         error == DBUS_ERROR_TIMED_OUT || error == DBUS_ERROR_DISCONNECTED;
-  return timedOut ? Failure::unanswered : Failure::refused;
+  return timedOut ? ModemFailure::unanswered : ModemFailure::refused;
 }
 
 std::optional<ModemMessage> receivedText(BusReader properties) {
@@ -176,7 +176,7 @@ void ModemMessages::Bus::setOwner(const std::string& name) {
   nextPause = pause;
 }
 
-// Returns a reply whose values have the types in `signature`; throws Failure otherwise.
+// Returns a reply whose values have the types in `signature`; throws ModemFailure otherwise.
 BusMessage ModemMessages::Bus::call(const std::string& path, const char* interface,
                                     const char* method, const char* signature,
                                     const char* argument) {
@@ -185,10 +185,10 @@ BusMessage ModemMessages::Bus::call(const std::string& path, const char* interfa
     if (argument != nullptr) arguments.text(argument);
   });
   BusMessage reply = callAndWait(system.get(), question, timeout);
-  if (!reply) throw Failure::unanswered;
+  if (!reply) throw ModemFailure::unanswered;
   if (const auto error = errorOf(reply)) throw failureBy(*error);
-  if (!dbus_message_has_sender(reply.get(), owner.c_str())) throw Failure::unanswered;
-  if (!dbus_message_has_signature(reply.get(), signature)) throw Failure::refused;
+  if (!dbus_message_has_sender(reply.get(), owner.c_str())) throw ModemFailure::unanswered;
+  if (!dbus_message_has_signature(reply.get(), signature)) throw ModemFailure::refused;
   return reply;
 }
 
@@ -207,10 +207,10 @@ std::set<std::string> ModemMessages::Bus::messagesOfAllModems(bool& whole) {
           call(path, modem_manager_interface::messaging, modem_manager_interface::list, "ao");
       BusReader found = BusReader(messages).inside();
       while (const auto message = found.objectPath()) paths.emplace(*message);
-    } catch (Failure failure) {
-      if (failure == Failure::unanswered) throw;
+    } catch (ModemFailure failure) {
+      if (failure == ModemFailure::unanswered) throw;
       // This modem is gone or not ready; others may be.
-      whole = whole && failure == Failure::notThere;
+      whole = whole && failure == ModemFailure::notThere;
     }
   }
   return paths;
@@ -226,10 +226,10 @@ void ModemMessages::Bus::readUnread(std::vector<ModemMessage>& messages, bool& w
       if (auto text = receivedText(BusReader(values).inside()))
         messages.push_back(std::move(*text));
       unread.erase(path);
-    } catch (Failure failure) {
-      if (failure == Failure::unanswered) throw;
-      if (failure == Failure::notThere) unread.erase(path);
-      whole = whole && failure == Failure::notThere;
+    } catch (ModemFailure failure) {
+      if (failure == ModemFailure::unanswered) throw;
+      if (failure == ModemFailure::notThere) unread.erase(path);
+      whole = whole && failure == ModemFailure::notThere;
     }
   }
 }
@@ -273,7 +273,7 @@ ModemMessages::Reading ModemMessages::read() {
       bus_->unread.merge(bus_->messagesOfAllModems(whole));
       bus_->readUnread(reading.messages, whole);
     }
-  } catch (Failure) {
+  } catch (ModemFailure) {
     whole = false;
   }
   if (!whole) bus_->lookAgainLater();

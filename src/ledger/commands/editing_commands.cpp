@@ -186,7 +186,7 @@ std::string deletionQuestion(const std::vector<LedgerEntry>& chosen) {
   if (chosen.size() == 1) {
     return EntryListing::details(chosen.front()) + "\nDelete this transaction?";
   }
-  const std::string question = "Delete these " + std::to_string(chosen.size()) + " transactions?";
+  std::string question = "Delete these " + std::to_string(chosen.size()) + " transactions?";
   if (chosen.size() > few) return question;
   return EntryListing::table(chosen, linux_platform::screenWidth()) + "\n" + question;
 }

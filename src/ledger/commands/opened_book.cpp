@@ -49,7 +49,8 @@ std::vector<LedgerEntry> chosenEntries(const Book& book,
       auto entry = book.entry(first + nth);
       if (!entry) continue;
       isFound = true;
-      chosen.insert_or_assign(entry->id, *std::move(entry));
+      const std::int64_t id = entry->id;
+      chosen.insert_or_assign(id, *std::move(entry));
     }
     if (isFound) continue;
     if (first == last) throw CommandFailure("no transaction has the ID " + std::to_string(first));
