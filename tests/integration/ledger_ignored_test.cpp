@@ -31,8 +31,8 @@ using testing::ResultOf;
 using testing::SizeIs;
 
 // No rule knows this wording.
-constexpr const char* unknown = "Zap! Tulip Bank flew EGP 640.00 over to Nile Cinema";
-constexpr const char* unknownToo = "Zap! Tulip Bank flew EGP 75.50 over to Moon Pharmacy";
+constexpr const char* unreadable = "Zap! Tulip Bank flew EGP 640.00 over to Nile Cinema";
+constexpr const char* unreadableToo = "Zap! Tulip Bank flew EGP 75.50 over to Moon Pharmacy";
 constexpr const char* declined =
     "Your purchase of EGP 900.00 at Tulip Store was declined due to insufficient funds.";
 constexpr const char* planned =
@@ -161,7 +161,7 @@ TEST_F(ALedgerThatIgnores, BooksAMessageAsThePersonSays) {
 }
 
 TEST_F(ALedgerThatIgnores, RemembersTheCategoryForThePayee) {
-  receive({planned, unknown});
+  receive({planned, unreadable});
   shown({"book", "1", "--kind", "expense", "--amount", "99", "--payee", "StreamNest", "--category",
          "Films"});
   shown({"book", "2", "--kind", "expense", "--payee", "STREAMNEST"});
@@ -169,14 +169,14 @@ TEST_F(ALedgerThatIgnores, RemembersTheCategoryForThePayee) {
 }
 
 TEST_F(ALedgerThatIgnores, TakesTheOnlySumOfAMessage) {
-  receive({unknown, planned});
+  receive({unreadable, planned});
   EXPECT_EQ(shown({"book", "1", "--kind", "transfer"}), "Booked as EGP 640.00.\n");
   expectFailure({"book", "2", "--kind", "expense"}, 64, "its sum cannot be read: give --amount");
   EXPECT_EQ(json({"list"})[0]["category"], "Transfer");
 }
 
 TEST_F(ALedgerThatIgnores, NamesTheOptionThatItNeeds) {
-  receive({planned, unknown});
+  receive({planned, unreadable});
   expectFailure({"book", "1"}, 64, "its kind and its sum cannot be read: give --kind and --amount");
   expectFailure({"book", "1", "--amount", "99"}, 64,
                 "its kind cannot be read: give --kind expense, income or transfer");
@@ -216,7 +216,7 @@ TEST_F(ALedgerThatIgnores, MarksWhatLooksLikeAnEarlierPayment) {
 }
 
 TEST_F(ALedgerThatIgnores, LearnsFromAMessageAndBooksIt) {
-  receive({unknown, unknownToo, planned});
+  receive({unreadable, unreadableToo, planned});
   const std::string taught = shown(
       {"teach", "ignored:1", "--kind", "expense", "--amount", "640.00", "--payee", "Nile Cinema"});
   EXPECT_THAT(taught, HasSubstr("\nBooked as transaction 1.\n"));
@@ -243,7 +243,7 @@ TEST_F(ALedgerThatIgnores, PutsAForeignSumInReviewWhenItLearnsWithoutARate) {
 }
 
 TEST_F(ALedgerThatIgnores, RemovesAndKeepsNoMessagesThatArePaymentsOfNoKind) {
-  receive({"Enjoy 10% off EGP 20.00 at Moon", "Enjoy 15% off EGP 30.00 at Moon", unknown});
+  receive({"Enjoy 10% off EGP 20.00 at Moon", "Enjoy 15% off EGP 30.00 at Moon", unreadable});
   EXPECT_THAT(shown({"teach", "ignored:2", "--kind", "none"}),
               EndsWith("\nRemoved from the ignored messages: 1 and 2.\n"));
   receive({"Enjoy 20% off EGP 40.00 at Moon"});
@@ -252,9 +252,9 @@ TEST_F(ALedgerThatIgnores, RemovesAndKeepsNoMessagesThatArePaymentsOfNoKind) {
 }
 
 TEST_F(ALedgerThatIgnores, LearnsFromAMessageInADialogue) {
-  receive({unknown});
+  receive({unreadable});
   const std::string dialogue = onTerminal("teach ignored:1", 80, "\n\nNile Cinema\ny\n");
-  EXPECT_THAT(dialogue, HasSubstr(std::string("The message:\n  ") + unknown + "\n"));
+  EXPECT_THAT(dialogue, HasSubstr(std::string("The message:\n  ") + unreadable + "\n"));
   EXPECT_THAT(dialogue, EndsWith("\nBooked as transaction 1.\n"));
   EXPECT_EQ(json({"list"})[0]["amount"], "640.00");
 }
