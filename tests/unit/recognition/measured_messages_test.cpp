@@ -175,6 +175,10 @@ TEST_F(MeasuredMessages, OfTheNinthSetAreReadAsWellAsBefore) {
   measure("messages_ninth_measure.tsv", {.kindAndAmount = 325, .payee = 123});
 }
 
+TEST_F(MeasuredMessages, OfTheTenthSetAreReadAsWellAsBefore) {
+  measure("messages_tenth_measure.tsv", {.kindAndAmount = 292, .payee = 155});
+}
+
 TEST_F(MeasuredMessages, OfOneYearAreReadAsWellAsBefore) {
   measure("messages_year.tsv", {.kindAndAmount = 427, .payee = 286});
 }
