@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <vector>
 
 #include "names/letter_case.h"
@@ -41,7 +42,11 @@ bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_
   const bool latin = static_cast<unsigned char>(items[begin].text.front()) < 0x80;
   const bool besideSum =
       (items[begin].capitals || (cased && !latin)) && items[begin - 1].kind == Item::Kind::sum;
-  if (known && behind->is(Marker::own) && !besideSum) return false;
+  // "KD 7.350 PURCHASE FERN BOOKS CARD 9920"
+  const bool behindMove = behind != message.wordings.begin() && std::prev(behind)->end == begin &&
+                          std::prev(behind)->as<Move>() != nullptr && items[begin].capitals &&
+                          end > begin + 1;
+  if (known && behind->is(Marker::own) && !besideSum && !behindMove) return false;
   const bool small = end < items.size() && items[end].kind == Item::Kind::word && !known &&
                      !beginsLikeAName(message, end);
   if (small && end == begin + 1 && !items[begin].capitals) return false;

@@ -206,6 +206,7 @@ class SumReader {
     // A number within a word is a sum only if the currency is in front of it or glued to it.
     const bool apart = stated && stated->begin > number && !items_[stated->begin].glued;
     if (item.isPiece && apart && !extent.unclear) return item;
+    if (stated && stated->begin > number && isInCode(number)) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
     item.sum.sign = extent.sign != '\0' ? extent.sign : signBehind(extent.last);
@@ -232,6 +233,12 @@ class SumReader {
                       (next + 1 == items_.size() || !items_[next + 1].glued ||
                        items_[next + 1].kind == Item::Kind::lineBreak);
     return sign ? items_[next].text.front() : '\0';
+  }
+
+  // "UFA5LL02QR" is a reference.
+  [[nodiscard]] bool isInCode(std::size_t number) const {
+    return number >= 2 && items_[number].glued && items_[number - 1].kind == Item::Kind::word &&
+           items_[number - 1].glued && items_[number - 2].kind == Item::Kind::number;
   }
 
   // "TK 0221xxx" is an account.

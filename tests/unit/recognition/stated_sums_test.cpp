@@ -380,6 +380,12 @@ TEST(AReading, PrefersTheUsersAccountToThePayees) {
             "1234");
 }
 
+TEST(AReference, HoldsNoSum) {
+  EXPECT_EQ(readingText(read("UFA5LL02QR Confirmed. Ksh500.00 sent to JANE WANJIRU", "KES"), "KES",
+                        false),
+            "expense 500.00");
+}
+
 TEST(ATotal, IsTheSumThatMoved) {
   const auto of = [](std::string_view message) {
     return readingText(read(message, "TZS"), "TZS", false);
