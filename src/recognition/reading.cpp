@@ -140,7 +140,7 @@ struct Purpose {
   std::string_view category;
 };
 
-// What a payment was for, by a word of the message, folded; for a message that names nobody.
+// The purpose of a payment without a payee, by a folded word of the message.
 constexpr auto purposes = std::to_array<Purpose>({
     {"loan", "Loan payment", "Loan"},
     {"installment", "Loan payment", "Loan"},
@@ -272,7 +272,7 @@ Reading agreed(Reading one, Reading other) {
   return reading;
 }
 
-// The reading of `whole`, in which the names are told.
+// The reading of `whole`, whose names are marked.
 Reading readNamed(const AnalysedMessage& whole, const Wordings& wordings,
                   const CurrencyCode& bookCurrency) {
   if (announcesACode(whole)) return {};
