@@ -231,7 +231,9 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
 // The reading of `whole`, which announces no code; without `holdsSum`.
 Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
                   const CurrencyCode& bookCurrency) {
-  const AnalysedMessage reported = analysed(whole.text, reportedPart(whole), wordings);
+  Items kept = reportedPart(whole);
+  const bool all = kept.size() == whole.items.size();
+  const AnalysedMessage reported = all ? whole : analysed(whole.text, std::move(kept), wordings);
   const SumParts sums = partsOfSums(reported, bookCurrency.text());
   const bool openingDropped =
       reported.items.empty() || reported.items.front().begin != whole.items.front().begin;
@@ -256,6 +258,18 @@ Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
   const bool vague = weak && !evidence && !done && reading.payee.empty();
   if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
+}
+
+// Whether a wording, a sum or the end of a sentence is in the place of a name. Without one, the
+// wordings of the message stay.
+bool hidesMeaning(const AnalysedMessage& message, const NamePlace& place) {
+  for (std::size_t at = place.begin; at < place.lastEnd; ++at) {
+    const Item& item = message.items[at];
+    if (item.kind == Item::Kind::sum || (at > place.begin && item.startsSentence)) return true;
+  }
+  return std::ranges::any_of(message.wordings, [&](const Found& wording) {
+    return wording.begin < place.lastEnd && std::max(wording.end, wording.begin + 1) > place.begin;
+  });
 }
 
 // One reading for a message whose two readings differ by where a name ends: for review when they
@@ -302,9 +316,15 @@ Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCo
       analysed(readable, withSums(itemsOf(readable), bookCurrency.text(), wordings), wordings);
   const std::vector<NamePlace> places = namePlaces(plain);
   if (places.empty()) return readNamed(plain, wordings, bookCurrency);
+  const bool hides = std::ranges::any_of(
+      places, [&](const NamePlace& place) { return hidesMeaning(plain, place); });
   const auto readWith = [&](NameEnd counts) {
-    return readNamed(analysed(readable, withNames(plain.items, places, counts), wordings), wordings,
-                     bookCurrency);
+    Items items = withNames(plain.items, places, counts);
+    const AnalysedMessage named =
+        hides ? analysed(readable, std::move(items), wordings)
+              : AnalysedMessage{
+                    .text = readable, .items = std::move(items), .wordings = plain.wordings};
+    return readNamed(named, wordings, bookCurrency);
   };
   Reading first = readWith(NameEnd::first);
   if (std::ranges::all_of(places,
