@@ -136,10 +136,10 @@ class Book {
   /// Returns the ignored messages, newest first, and their number.
   [[nodiscard]] std::vector<IgnoredMessage> ignored() const;
   [[nodiscard]] std::int64_t ignoredCount() const;
-  /// Returns the ignored message `number`; nullopt when there is none.
+  /// Returns the ignored message `number`; nullopt when it does not exist.
   [[nodiscard]] std::optional<IgnoredMessage> ignored(std::int64_t number) const;
   /// Removes the ignored message `number` and erases its text from the file; returns false when
-  /// there is none. The answer to its key stays.
+  /// it does not exist. The answer to its key stays.
   bool removeIgnored(std::int64_t number);
 
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category

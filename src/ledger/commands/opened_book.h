@@ -27,7 +27,7 @@ void withEntry(const linux_platform::GivenParameters& given,
 std::vector<book::LedgerEntry> chosenEntries(const book::Book& book,
                                              const linux_platform::GivenParameters& given);
 
-/// Returns the ignored message `number`. Throws CommandFailure when there is none.
+/// Returns the ignored message `number`. Throws CommandFailure when it does not exist.
 book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number);
 
 /// As `bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
