@@ -24,7 +24,7 @@ PACKAGES = """
     fonts-cantarell fonts-dejavu-core fonts-noto-color-emoji python3-dbus python3-gi
 """
 TESTS = ("gnome_shell_test", "phosh_test", "chatty_test")
-SECONDS = 180  # for all of them
+SECONDS = 300  # for all of them
 FOUND = TREE / "build/desktops"
 
 
