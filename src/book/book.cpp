@@ -8,8 +8,10 @@
 #include "book/book_rates.h"
 #include "book/book_sums.h"
 #include "book/current_day.h"
+#include "book/history.h"
 #include "book/ignored_messages.h"
-#include "book/payee_memory.h"
+#include "book/look_alikes.h"
+#include "book/rules.h"
 #include "book/stored_entry.h"
 #include "platform/linux/store/replaced_text.h"
 
@@ -30,10 +32,23 @@ void applyTo(LedgerEntry& entry, const EntryChange& change) {
   if (change.kind) entry.kind = *change.kind;
   if (change.amount) {
     entry.amount = change.amount;
+    entry.original = change.original;
     entry.impossibleCurrency.reset();
   }
   if (change.description) entry.description = *change.description;
 }
+
+// Notes for a command until the end of a scope.
+class NotedFor {
+ public:
+  NotedFor(ChangeNotes& notes, std::int64_t command) : notes_(notes) { notes_.noteFor(command); }
+  ~NotedFor() { notes_.noteFor(std::nullopt); }
+  NotedFor(const NotedFor&) = delete;
+  NotedFor& operator=(const NotedFor&) = delete;
+
+ private:
+  ChangeNotes& notes_;
+};
 
 // Sets a mark until the end of a scope.
 class Marked {
@@ -56,6 +71,8 @@ struct Book::File {
   bool isInStep = false;
   // Whether the step that runs deletes texts.
   bool owesErasure = false;
+  // Notes for the command whose step runs.
+  ChangeNotes notes{database};
 };
 
 Book::Book(std::unique_ptr<File> file) : file_(std::move(file)) {}
@@ -86,6 +103,41 @@ void Book::oweErasure() {
   file_->owesErasure = true;
 }
 
+void Book::asCommand(UserCommand& command, const std::function<void()>& steps) {
+  if (file_->notes.command()) return inOneStep(steps);
+  auto number = command.number;
+  inOneStep([&] {
+    if (number && !hasCommand(file_->database, *number)) {
+      throw linux_platform::Failure("kivo-ledger undo took it back while it ran");
+    }
+    if (!number) number = insertCommand(file_->database, command);
+    const NotedFor noted(file_->notes, *number);
+    steps();
+    writeTemplate(file_->database, *number, command.addedTemplate);
+    const bool isKept = command.number || file_->notes.any() || !command.addedTemplate.empty();
+    if (isKept) return;
+    deleteCommand(file_->database, *number);
+    number.reset();
+  });
+  command.number = number;
+}
+
+std::vector<PastCommand> Book::history() const { return pastCommands(file_->database, -1); }
+
+std::vector<PastCommand> Book::undo(std::int64_t count) {
+  std::vector<PastCommand> undone;
+  inOneStep([&] {
+    undone = pastCommands(file_->database, count);
+    for (const PastCommand& command : undone) {
+      takeBack(file_->database, command.number);
+      markAlikeAgainAfter(file_->database, command.number);
+      deleteCommand(file_->database, command.number);
+    }
+    if (!undone.empty()) oweErasure();
+  });
+  return undone;
+}
+
 void Book::atOneMoment(const std::function<void()>& reads) const {
   const linux_platform::Transaction transaction(file_->database, "BEGIN");
   require(transaction.code());
@@ -102,18 +154,21 @@ void Book::keepAnswer(const std::string& userId, const std::string& key,
                       const std::string& answer) {
   Statement insertion(file_->database, "INSERT INTO answers VALUES (?, ?, ?)");
   run(insertion.bind(userId).bind(key).bind(answer));
+  file_->notes.answer(userId, key);
 }
 
 LedgerEntry Book::fitted(LedgerEntry entry) const {
-  applyCorrection(file_->database, entry);
+  applyRules(file_->database, entry);
   entry.category = spelledCategory(file_->database, entry.category, entry.id);
   entry.possibleDuplicateOf = firstAlike(file_->database, entry);
   return entry;
 }
 
 std::int64_t Book::add(const LedgerEntry& entry) {
-  keepCategory(file_->database, entry.category);
-  return insertEntry(file_->database, entry);
+  keepCategory(file_->database, file_->notes, entry.category);
+  const std::int64_t id = insertEntry(file_->database, entry);
+  file_->notes.addedTransaction(id);
+  return id;
 }
 
 std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
@@ -171,6 +226,11 @@ std::optional<IgnoredMessage> Book::ignored(std::int64_t number) const {
 bool Book::removeIgnored(std::int64_t number) {
   bool found = false;
   inOneStep([&] {
+    if (const auto command = file_->notes.command()) {
+      found = takeIgnored(file_->database, number, *command);
+      if (found) file_->notes.lasting();
+      return;
+    }
     found = deleteIgnored(file_->database, number);
     if (found) oweErasure();
   });
@@ -184,23 +244,26 @@ bool Book::edit(std::int64_t id, const EntryChange& change) {
     found = edited.has_value();
     if (!found) return;
     applyTo(*edited, change);
-    if (change.category) edited->category = keepCategory(file_->database, *change.category, id);
+    if (change.category)
+      edited->category = keepCategory(file_->database, file_->notes, *change.category, id);
     const bool corrected =
         edited->state == LedgerEntry::State::setAside && impossibleValue(*edited).empty();
     if (corrected) edited->state = LedgerEntry::State::review;
+    file_->notes.transaction(id);
     writeEdited(file_->database, *edited);
     markAlikeAgain(file_->database, id);
-    keepCorrection(file_->database, *edited, change);
+    keepRuleOf(file_->database, file_->notes, *edited, change);
   });
   return found;
 }
 
-void Book::bookWith(std::int64_t id, const money::Money& amount) {
-  Statement update(file_->database, R"(
-    UPDATE transactions SET state = 'booked', minor_units = ?, currency = ? WHERE id = ?)");
-  const std::string currency = amount.currency.text();
-  run(update.bind(amount.minorUnits).bind(currency).bind(id));
-  markAlikeAgain(file_->database, id);
+void Book::bookWith(std::int64_t id, const money::Money& amount,
+                    const std::optional<money::Money>& original) {
+  inOneStep([&] {
+    file_->notes.transaction(id);
+    writeBookedSum(file_->database, id, amount, original);
+    markAlikeAgain(file_->database, id);
+  });
 }
 
 bool Book::bookAs(const LedgerEntry& entry) {
@@ -208,7 +271,8 @@ bool Book::bookAs(const LedgerEntry& entry) {
   bool isWritten = false;
   inOneStep([&] {
     LedgerEntry kept = entry;
-    kept.category = keepCategory(file_->database, entry.category, entry.id);
+    kept.category = keepCategory(file_->database, file_->notes, entry.category, entry.id);
+    file_->notes.transaction(entry.id);
     isWritten = writeBooked(file_->database, kept);
     if (isWritten) markAlikeAgain(file_->database, entry.id);
   });
@@ -218,10 +282,13 @@ bool Book::bookAs(const LedgerEntry& entry) {
 bool Book::remove(std::int64_t id) {
   bool found = false;
   inOneStep([&] {
-    Statement removal(file_->database, "DELETE FROM transactions WHERE id = ? RETURNING id");
-    found = next(removal.bind(id));
+    const auto removed = entry(id);
+    found = removed.has_value();
     if (!found) return;
-    run(removal);
+    file_->notes.transaction(id);
+    Statement removal(file_->database, "DELETE FROM transactions WHERE id = ?");
+    run(removal.bind(id));
+    deleteTaken(file_->database, removed->userId, removed->key);
     markAlikeAgain(file_->database, id);
     oweErasure();
   });
@@ -238,12 +305,16 @@ ForgottenTexts Book::forgetTexts() {
     deleteAllIgnored(file_->database);
     Statement update(file_->database, "UPDATE transactions SET text = NULL WHERE text IS NOT NULL");
     run(update);
+    file_->notes.lasting();
   });
   return forgotten;
 }
 
 void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate) {
-  inOneStep([&] { book::setRate(file_->database, currency, rate); });
+  inOneStep([&] {
+    file_->notes.rate(currency.text());
+    book::setRate(file_->database, currency, rate);
+  });
 }
 
 std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency) const {
@@ -252,7 +323,12 @@ std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency) const
 
 bool Book::removeRate(const money::CurrencyCode& currency) {
   bool found = false;
-  inOneStep([&] { found = book::removeRate(file_->database, currency); });
+  inOneStep([&] {
+    found = hasRate(file_->database, currency);
+    if (!found) return;
+    file_->notes.rate(currency.text());
+    book::removeRate(file_->database, currency);
+  });
   return found;
 }
 

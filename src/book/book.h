@@ -12,6 +12,7 @@
 #include "book/book_failure.h"
 #include "book/ignored_message.h"
 #include "book/ledger_entry.h"
+#include "book/user_command.h"
 #include "money/rate.h"
 
 namespace kivo::book {
@@ -64,6 +65,8 @@ struct EntryChange {
   std::optional<money::Day> date = {};
   std::optional<money::Kind> kind = {};
   std::optional<money::Money> amount = {};
+  /// The sum from which `amount` was converted; absent when it was not.
+  std::optional<money::Money> original = {};
   std::optional<std::string> description = {};
   std::optional<std::string> category = {};
 };
@@ -93,6 +96,17 @@ class Book {
   /// is when one of them throws. They see no change of another process. Within a step, the calls
   /// that change the book become part of it, this one as well.
   void inOneStep(const std::function<void()>& steps);
+  /// As `inOneStep`, as a step of `command`: all that changes is noted, so that `undo` can take it
+  /// back, and the command gets its number. A command that changes nothing is not kept. Within a
+  /// step of a command, the steps become part of that command. Throws Failure when a command of
+  /// several steps was taken back meanwhile.
+  void asCommand(UserCommand& command, const std::function<void()>& steps);
+  /// Returns the commands of the last 30 days, the last one first, at most 1,000.
+  [[nodiscard]] std::vector<PastCommand> history() const;
+  /// Takes back the last `count` commands, or as many as there are, and returns them, the last one
+  /// first. What they changed is as it was before, but texts that were erased since stay erased,
+  /// also those of deleted entries.
+  std::vector<PastCommand> undo(std::int64_t count);
   /// Calls `reads`, which see the book at one moment and change nothing.
   void atOneMoment(const std::function<void()>& reads) const;
 
@@ -103,7 +117,7 @@ class Book {
   /// Keeps `answer` for a key that has none. Call it in a step, with what the answer says.
   void keepAnswer(const std::string& userId, const std::string& key, const std::string& answer);
 
-  /// Returns `entry`, which may be new, as the book would have it: with the user's corrections for
+  /// Returns `entry`, which may be new, as the book would have it: with the user's rules for
   /// its payee, the category as the book spells it, and the entry that it looks like.
   [[nodiscard]] LedgerEntry fitted(LedgerEntry entry) const;
   /// Stores `entry`, a new one that was `fitted` in the same step, and returns its id.
@@ -138,17 +152,19 @@ class Book {
   [[nodiscard]] std::int64_t ignoredCount() const;
   /// Returns the ignored message `number`; nullopt when it does not exist.
   [[nodiscard]] std::optional<IgnoredMessage> ignored(std::int64_t number) const;
-  /// Removes the ignored message `number` and erases its text from the file; returns false when
-  /// it does not exist. The answer to its key stays.
+  /// Removes the ignored message `number`; returns false when it does not exist. The answer to its
+  /// key stays. In a step of a command the text stays in the file until its 30 days are over, so
+  /// that `undo` has it; else it is erased.
   bool removeIgnored(std::int64_t number);
 
   /// Changes the entry `id`; returns false when no entry has this id. A new description or category
-  /// that is not empty also applies to later messages of the same payee. A category gets the
+  /// that is not empty becomes a rule for later messages of the same payee. A category gets the
   /// spelling that the book has for it. An entry that was set aside goes to review when all its
   /// values can be. Look-alikes are looked for again.
   bool edit(std::int64_t id, const EntryChange& change);
-  /// Books the entry `id` with the sum `amount`.
-  void bookWith(std::int64_t id, const money::Money& amount);
+  /// Books the entry `id` with the sum `amount`, which was converted from `original`.
+  void bookWith(std::int64_t id, const money::Money& amount,
+                const std::optional<money::Money>& original);
   /// Books an entry as `entry`, which `fitted` returned, in one step, also one that is booked;
   /// false when that has no sum, or it was edited, set aside or deleted.
   bool bookAs(const LedgerEntry& entry);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "book/book_file.h"
+#include "book/history.h"
 #include "names/name_fold.h"
 #include "names/standard_categories.h"
 
@@ -60,12 +61,14 @@ std::string spelledCategory(sqlite3* database, std::string_view category, std::i
   return spellingsOf(database, category, except).back().name;
 }
 
-std::string keepCategory(sqlite3* database, std::string_view category, std::int64_t except) {
+std::string keepCategory(sqlite3* database, ChangeNotes& notes, std::string_view category,
+                         std::int64_t except) {
   const std::vector<Spelling> levels = spellingsOf(database, category, except);
   for (const Spelling& level : levels) {
-    Statement upsert(database, R"(
-      INSERT INTO categories VALUES (?, ?)
-      ON CONFLICT (folded) DO UPDATE SET name = excluded.name WHERE name <> excluded.name)");
+    Statement kept(database, "SELECT 1 FROM categories WHERE folded = ? AND name = ?");
+    if (next(kept.bind(level.folded).bind(level.name))) continue;
+    notes.category(level.folded);
+    Statement upsert(database, "INSERT OR REPLACE INTO categories VALUES (?, ?)");
     run(upsert.bind(level.folded).bind(level.name));
   }
   return levels.back().name;

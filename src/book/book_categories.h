@@ -9,6 +9,8 @@ struct sqlite3;
 
 namespace kivo::book {
 
+class ChangeNotes;
+
 /// Returns `category` in the one spelling of the book: that of the transactions that have it, those
 /// of the entry `except` left out; else that of the standard category; else as given. Names are
 /// compared as payees are (`foldedName`), level by level where a colon parts them, so that
@@ -16,8 +18,9 @@ namespace kivo::book {
 /// totals becomes "Transfer". Throws BookFailure.
 std::string spelledCategory(sqlite3* database, std::string_view category, std::int64_t except = 0);
 
-/// As `spelledCategory`, and stores the spelling. Call it in the transaction that writes the
-/// category to the entry `except`, 0 for a new one.
-std::string keepCategory(sqlite3* database, std::string_view category, std::int64_t except = 0);
+/// As `spelledCategory`, and stores the spelling, whose change `notes` gets. Call it in the
+/// transaction that writes the category to the entry `except`, 0 for a new one.
+std::string keepCategory(sqlite3* database, ChangeNotes& notes, std::string_view category,
+                         std::int64_t except = 0);
 
 }  // namespace kivo::book

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "book/book_version_2.h"
+#include "book/book_version_4.h"
 #include "platform/linux/store/opening_failure.h"
 
 namespace kivo::book {
@@ -49,7 +50,7 @@ CREATE TABLE ignored (
 CREATE INDEX ignored_by_day ON ignored (date))";
 
 constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2},
-                                 DatabaseVersion{version3}};
+                                 DatabaseVersion{version3}, DatabaseVersion{version4}};
 
 }  // namespace
 

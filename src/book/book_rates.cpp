@@ -20,12 +20,16 @@ std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& 
   return money::Rate::fromText(query.text(0));
 }
 
-bool removeRate(sqlite3* database, const money::CurrencyCode& currency) {
+bool hasRate(sqlite3* database, const money::CurrencyCode& currency) {
   const std::string code = currency.text();
-  Statement removal(database, "DELETE FROM rates WHERE currency = ? RETURNING currency");
-  if (!next(removal.bind(code))) return false;
-  run(removal);
-  return true;
+  Statement query(database, "SELECT 1 FROM rates WHERE currency = ?");
+  return next(query.bind(code));
+}
+
+void removeRate(sqlite3* database, const money::CurrencyCode& currency) {
+  const std::string code = currency.text();
+  Statement removal(database, "DELETE FROM rates WHERE currency = ?");
+  run(removal.bind(code));
 }
 
 std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database) {

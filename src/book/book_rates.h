@@ -12,10 +12,11 @@ struct sqlite3;
 
 namespace kivo::book {
 
-/// As the functions of Book. They throw BookFailure.
+/// As the functions of Book; `removeRate` needs one. They throw BookFailure.
 void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate);
 std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency);
-bool removeRate(sqlite3* database, const money::CurrencyCode& currency);
+bool hasRate(sqlite3* database, const money::CurrencyCode& currency);
+void removeRate(sqlite3* database, const money::CurrencyCode& currency);
 std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database);
 
 }  // namespace kivo::book

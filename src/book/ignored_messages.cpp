@@ -49,8 +49,9 @@ void insertIgnored(sqlite3* database, const IgnoredMessage& message) {
 }
 
 std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& first) {
-  const std::string sql = std::string("SELECT ") + columns +
-                          " FROM ignored WHERE date >= ? ORDER BY date DESC, number DESC";
+  const std::string sql =
+      std::string("SELECT ") + columns +
+      " FROM ignored WHERE taken_by IS NULL AND date >= ? ORDER BY date DESC, number DESC";
   Statement query(database, sql.c_str());
   const std::string since = first.text();
   query.bind(since);
@@ -73,8 +74,8 @@ std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& f
 
 std::optional<IgnoredMessage> storedIgnored(sqlite3* database, std::int64_t number,
                                             const money::Day& first) {
-  const std::string sql =
-      std::string("SELECT ") + columns + " FROM ignored WHERE number = ? AND date >= ?";
+  const std::string sql = std::string("SELECT ") + columns +
+                          " FROM ignored WHERE number = ? AND taken_by IS NULL AND date >= ?";
   Statement query(database, sql.c_str());
   const std::string since = first.text();
   if (!next(query.bind(number).bind(since))) return std::nullopt;
@@ -82,9 +83,23 @@ std::optional<IgnoredMessage> storedIgnored(sqlite3* database, std::int64_t numb
 }
 
 std::int64_t ignoredCount(sqlite3* database, const money::Day& first) {
-  Statement query(database, "SELECT count(*) FROM ignored WHERE date >= ?");
+  Statement query(database, "SELECT count(*) FROM ignored WHERE taken_by IS NULL AND date >= ?");
   const std::string since = first.text();
   return next(query.bind(since)) ? query.integer(0) : 0;
+}
+
+bool takeIgnored(sqlite3* database, std::int64_t number, std::int64_t command) {
+  Statement update(database, R"(
+    UPDATE ignored SET taken_by = ? WHERE number = ? AND taken_by IS NULL RETURNING number)");
+  if (!next(update.bind(command).bind(number))) return false;
+  run(update);
+  return true;
+}
+
+void deleteTaken(sqlite3* database, const std::string& userId, const std::string& key) {
+  Statement deletion(database,
+                     "DELETE FROM ignored WHERE taken_by IS NOT NULL AND user = ? AND key = ?");
+  run(deletion.bind(userId).bind(key));
 }
 
 bool deleteIgnored(sqlite3* database, std::int64_t number) {

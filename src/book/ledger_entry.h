@@ -31,6 +31,10 @@ struct LedgerEntry {
   /// Above zero; absent only in review, when the message's sum is ambiguous. Of an entry that is
   /// set aside, any sum, or none.
   std::optional<money::Money> amount;
+  /// The sum in the currency of the message, when `amount` was converted from it; else absent.
+  std::optional<money::Money> original;
+  /// The balance after the payment, where the message states one.
+  std::optional<money::Money> balance;
   std::string description;
   std::string category;
   /// The other party as the message names it; empty when it names none.

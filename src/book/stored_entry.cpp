@@ -15,7 +15,26 @@ using linux_platform::Statement;
 
 constexpr const char* columns =
     "id, key, date, kind, minor_units, currency, description, category, payee, account, "
-    "reference, state, possible_duplicate_of, text, edited, user";
+    "reference, state, possible_duplicate_of, text, edited, user, original, original_currency, "
+    "balance, balance_currency";
+
+// A sum that an entry keeps besides its own; absent when its values cannot be.
+std::optional<money::Money> sumOf(const Statement& row, int column) {
+  const auto currency = money::CurrencyCode::fromText(row.text(column + 1));
+  if (row.isNull(column) || !currency) return std::nullopt;
+  return money::Money{row.integer(column), *currency};
+}
+
+// Such a sum, to be bound to two parameters.
+struct KeptSum {
+  explicit KeptSum(const std::optional<money::Money>& sum)
+      : units(sum ? std::optional(sum->minorUnits) : std::nullopt),
+        currency(sum ? sum->currency.text() : "") {}
+  void bindTo(Statement& statement) const { statement.bindIfPresent(units).bind(currency); }
+
+  std::optional<std::int64_t> units;
+  std::string currency;
+};
 
 // A damaged file may hold any bytes.
 LedgerEntry entryOf(const Statement& row) {
@@ -44,6 +63,8 @@ LedgerEntry entryOf(const Statement& row) {
   if (!row.isNull(13)) entry.text = text(13);
   entry.edited = row.integer(14) != 0;
   entry.userId = row.text(15);
+  entry.original = sumOf(row, 16);
+  entry.balance = sumOf(row, 18);
   if (!kind || !impossibleValue(entry).empty()) entry.state = LedgerEntry::State::setAside;
   return entry;
 }
@@ -96,8 +117,9 @@ std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id) {
 std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
   Statement insertion(database, R"(
     INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
-      payee, folded_payee, account, reference, state, possible_duplicate_of, text)
-    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
+      payee, folded_payee, account, reference, state, original, original_currency,
+      balance, balance_currency, possible_duplicate_of, text)
+    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
   const names::PayeeKey payee(entry.payee);
   const std::string date = dateText(entry);
   const std::string currency = currencyText(entry);
@@ -105,6 +127,10 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
   insertion.bindIfPresent(unitsOf(entry)).bind(currency);
   insertion.bind(entry.description).bind(entry.category).bind(entry.payee).bind(payee.text());
   insertion.bind(entry.account).bind(entry.reference).bind(stateText(entry.state));
+  const KeptSum original(entry.original);
+  const KeptSum balance(entry.balance);
+  original.bindTo(insertion);
+  balance.bindTo(insertion);
   insertion.bindIfPresent(entry.possibleDuplicateOf);
   if (entry.text) insertion.bind(*entry.text);
   if (!entry.text) insertion.bindIfPresent(std::nullopt);
@@ -117,27 +143,46 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
 void writeEdited(sqlite3* database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
-      category = ?, state = ?, edited = 1 WHERE id = ?)");
+      category = ?, state = ?, original = ?, original_currency = ?, edited = 1 WHERE id = ?)");
   const std::string date = dateText(entry);
   const std::string currency = currencyText(entry);
   update.bind(date).bind(kindText(entry.kind));
   update.bindIfPresent(unitsOf(entry)).bind(currency);
-  update.bind(entry.description).bind(entry.category).bind(stateText(entry.state)).bind(entry.id);
-  run(update);
+  update.bind(entry.description).bind(entry.category).bind(stateText(entry.state));
+  const KeptSum original(entry.original);
+  original.bindTo(update);
+  run(update.bind(entry.id));
+}
+
+void writeBookedSum(sqlite3* database, std::int64_t id, const money::Money& amount,
+                    const std::optional<money::Money>& kept) {
+  Statement update(database, R"(
+    UPDATE transactions SET state = 'booked', minor_units = ?, currency = ?, original = ?,
+      original_currency = ? WHERE id = ?)");
+  const std::string currency = amount.currency.text();
+  update.bind(amount.minorUnits).bind(currency);
+  const KeptSum original(kept);
+  original.bindTo(update);
+  run(update.bind(id));
 }
 
 bool writeBooked(sqlite3* database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
-      payee = ?, folded_payee = ?, account = ?, reference = ?, state = 'booked'
+      payee = ?, folded_payee = ?, account = ?, reference = ?, original = ?,
+      original_currency = ?, balance = ?, balance_currency = ?, state = 'booked'
     WHERE id = ? AND state IN ('booked', 'review') AND edited = 0 RETURNING id)");
   const names::PayeeKey payee(entry.payee);
   const std::string currency = currencyText(entry);
   update.bind(kindText(entry.kind));
   update.bindIfPresent(unitsOf(entry)).bind(currency);
   update.bind(entry.description).bind(entry.category).bind(entry.payee).bind(payee.text());
-  update.bind(entry.account).bind(entry.reference).bind(entry.id);
-  if (!next(update)) return false;
+  update.bind(entry.account).bind(entry.reference);
+  const KeptSum original(entry.original);
+  const KeptSum balance(entry.balance);
+  original.bindTo(update);
+  balance.bindTo(update);
+  if (!next(update.bind(entry.id))) return false;
   run(update);
   return true;
 }

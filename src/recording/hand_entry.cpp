@@ -13,7 +13,7 @@ book::LedgerEntry addByHand(book::Book& book, const HandEntry& payment) {
   entry.key = "by-hand-" + platform::UUID::uuidString();
   entry.userId = payment.userId;
   entry.date = payment.date;
-  apply(recognition::readingAs(payment.kind, payment.amount, payment.payee, {}), entry);
+  apply({recognition::readingAs(payment.kind, payment.amount, payment.payee, {})}, entry);
   entry.account = payment.account;
   entry = book.fitted(std::move(entry));
   entry.id = book.add(entry);

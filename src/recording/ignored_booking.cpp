@@ -1,5 +1,7 @@
 #include "recording/ignored_booking.h"
 
+#include <utility>
+
 #include "recognition/message_items.h"
 #include "recognition/spelling.h"
 #include "recognition/stated_sums.h"
@@ -12,14 +14,9 @@ using book::LedgerEntry;
 using money::CurrencyCode;
 using money::Money;
 using recognition::Item;
-using recognition::Outcome;
 using recognition::Reading;
 
 namespace {
-
-bool isTransaction(const Reading& reading) {
-  return reading.outcome == Outcome::transaction || reading.outcome == Outcome::needsReview;
-}
 
 // Of several sums, one may be a balance.
 std::optional<Money> onlySum(const std::string& text, const CurrencyCode& currency) {
@@ -47,24 +44,25 @@ std::vector<std::optional<Money>> sumsIn(const std::string& text,
 StatedReading statedReading(const book::Book& book, const IgnoredMessage& message,
                             const StatedParts& stated, const MessageReader& read,
                             const CurrencyCode& currency) {
-  Reading now = readingFor(book, read, message.text, currency);
+  BookReading now = readingFor(book, read, message.text, currency);
+  Reading& reading = now.reading;
   const bool isRead = isTransaction(now);
-  auto amount = stated.amount;
-  if (!amount) amount = now.amount;
-  if (!amount) amount = onlySum(message.text, currency);
-  if (isRead && !stated.kind && !stated.payee) {
-    now.amount = amount;
-    const money::Kind kind = now.kind;
-    return {.kind = kind, .reading = std::move(now)};
+  if (stated.amount) {
+    reading.amount = stated.amount;
+    now.original.reset();
   }
-  const auto kind = stated.kind || !isRead ? stated.kind : now.kind;
-  return {.kind = kind,
-          .reading = recognition::readingAs(kind.value_or(now.kind), amount,
-                                            stated.payee.value_or(now.payee), now)};
+  if (!reading.amount) reading.amount = onlySum(message.text, currency);
+  auto kind = stated.kind;
+  if (!kind && isRead) kind = reading.kind;
+  if (!isRead || stated.kind || stated.payee) {
+    reading = recognition::readingAs(kind.value_or(reading.kind), reading.amount,
+                                     stated.payee.value_or(reading.payee), reading);
+  }
+  return {.kind = kind, .message = std::move(now)};
 }
 
 std::optional<LedgerEntry> addIgnored(book::Book& book, std::int64_t number,
-                                      const Reading& reading) {
+                                      const BookReading& reading) {
   std::optional<LedgerEntry> added;
   book.inOneStep([&] {
     const auto message = book.ignored(number);

@@ -23,7 +23,7 @@ struct StatedReading {
   /// Absent when it is neither stated nor read.
   std::optional<money::Kind> kind = {};
   /// The sum is absent when it is neither stated nor read, nor the only sum of the message.
-  recognition::Reading reading = {};
+  BookReading message = {};
 };
 
 /// Returns `message` as a transaction with the parts `stated`, read by `read` for `book`, which is
@@ -42,6 +42,6 @@ std::vector<std::optional<money::Money>> sumsIn(const std::string& text,
 /// needs a review adds an entry in review. Returns the entry; nullopt when no ignored message has
 /// this number, and when `reading` is no transaction. Throws BookFailure.
 std::optional<book::LedgerEntry> addIgnored(book::Book& book, std::int64_t number,
-                                            const recognition::Reading& reading);
+                                            const BookReading& reading);
 
 }  // namespace kivo::recording

@@ -1,29 +1,42 @@
 #include "recording/message_reading.h"
 
+#include <utility>
+
 namespace kivo::recording {
 
 using book::LedgerEntry;
 using recognition::Outcome;
 using recognition::Reading;
 
-Reading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
-                   const money::CurrencyCode& currency) {
+bool isTransaction(const BookReading& read) {
+  return read.reading.outcome == Outcome::transaction ||
+         read.reading.outcome == Outcome::needsReview;
+}
+
+BookReading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
+                       const money::CurrencyCode& currency) {
   Reading reading = read(text, currency);
   if (reading.outcome != Outcome::needsReview || !reading.amount ||
       reading.amount->currency == currency) {
-    return reading;
+    return {reading};
   }
   Reading foreign = read(text, reading.amount->currency);
-  if (foreign.outcome != Outcome::transaction || foreign.amount != reading.amount) return reading;
+  if (foreign.outcome != Outcome::transaction || foreign.amount != reading.amount) {
+    return {reading};
+  }
   const auto rate = book.rate(foreign.amount->currency);
-  if (!rate) return reading;
+  if (!rate) return {reading};
   foreign.amount = rate->convert(*foreign.amount, currency);
-  return foreign.amount ? foreign : reading;
+  if (!foreign.amount) return {reading};
+  return {std::move(foreign), reading.amount};
 }
 
-void apply(const Reading& reading, LedgerEntry& entry) {
+void apply(const BookReading& read, LedgerEntry& entry) {
+  const Reading& reading = read.reading;
   entry.kind = reading.kind;
   entry.amount = reading.amount && isBookable(*reading.amount) ? reading.amount : std::nullopt;
+  entry.original = read.original;
+  entry.balance = reading.balance;
   entry.description = reading.description;
   entry.category = reading.category;
   entry.payee = reading.payee;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,14 +16,24 @@ namespace kivo::recording {
 using MessageReader = std::function<recognition::Reading(std::string_view text,
                                                          const money::CurrencyCode& bookCurrency)>;
 
+/// A message as it was read, with its sum in the currency of the book where that has a rate.
+struct BookReading {
+  recognition::Reading reading = {};
+  /// The sum of the message when that of `reading` was converted from it; else absent.
+  std::optional<money::Money> original = {};
+};
+
+/// Returns whether the message moved money, or seems to have.
+bool isTransaction(const BookReading& read);
+
 /// Reads `text` by `read` for `book`, which is kept in `currency`. A message that is in review only
 /// for its currency is read in that currency, and converted, when the book has a rate for it and
 /// the result is bookable. Throws BookFailure.
-recognition::Reading readingFor(const book::Book& book, const MessageReader& read,
-                                const std::string& text, const money::CurrencyCode& currency);
+BookReading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
+                       const money::CurrencyCode& currency);
 
 /// Sets all of `entry` that the reading of its message holds. An entry whose sum cannot be booked
 /// is in review without it.
-void apply(const recognition::Reading& reading, book::LedgerEntry& entry);
+void apply(const BookReading& read, book::LedgerEntry& entry);
 
 }  // namespace kivo::recording

@@ -11,7 +11,7 @@ using book::LedgerEntry;
 using recognition::Outcome;
 using recognition::Reading;
 
-LedgerEntry entryFrom(const Reading& reading, const Message& message) {
+LedgerEntry entryFrom(const BookReading& reading, const Message& message) {
   LedgerEntry entry;
   entry.key = message.idempotencyKey;
   entry.userId = message.userId;
@@ -55,14 +55,15 @@ void keepIgnored(book::Book& book, const Reading& reading, const Message& messag
                     .text = std::string(recognition::partThatCounts(message.text))});
 }
 
-// Stores the transaction of `reading`, if it is one, or the message if it may be one after all, and
+// Stores the transaction of `read`, if it is one, or the message if it may be one after all, and
 // the answer. Call it in a step.
-Recorded store(book::Book& book, const Reading& reading, const Message& message) {
+Recorded store(book::Book& book, const BookReading& read, const Message& message) {
+  const Reading& reading = read.reading;
   Recorded recorded;
   SMSExtractionResponse response{.saved = false, .reason = "not_a_transaction"};
   if (reading.outcome == Outcome::declined) response.reason = "declined";
-  if (reading.outcome == Outcome::transaction || reading.outcome == Outcome::needsReview) {
-    recorded.entry = book.fitted(entryFrom(reading, message));
+  if (isTransaction(read)) {
+    recorded.entry = book.fitted(entryFrom(read, message));
     recorded.entry->id = book.add(*recorded.entry);
     response = responseTo(*recorded.entry);
   } else if (reading.holdsSum) {
@@ -79,7 +80,7 @@ Recorded record(book::Book& book, const Message& message, const MessageReader& r
                 const money::CurrencyCode& currency) {
   const auto known = [&] { return book.answer(message.userId, message.idempotencyKey); };
   if (auto answer = known()) return {*std::move(answer)};
-  const Reading reading = readingFor(book, read, message.text, currency);
+  const BookReading reading = readingFor(book, read, message.text, currency);
   Recorded recorded;
   book.inOneStep([&] {
     auto answer = known();  // of another process that was faster

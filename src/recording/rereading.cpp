@@ -4,7 +4,6 @@ namespace kivo::recording {
 namespace {
 
 using book::LedgerEntry;
-using recognition::Outcome;
 
 // The sum of `entry` as it is booked; absent when it cannot be.
 std::optional<BookedSum> bookableSum(const book::Book& book, const LedgerEntry& entry,
@@ -29,7 +28,7 @@ std::optional<BookedSum> accept(book::Book& book, std::int64_t id,
   book.inOneStep([&] {
     const auto entry = book.entry(id);
     if (entry) sum = bookableSum(book, *entry, currency);
-    if (sum) book.bookWith(id, sum->amount);
+    if (sum) book.bookWith(id, sum->amount, sum->rate ? entry->amount : entry->original);
   });
   return sum;
 }
@@ -38,10 +37,8 @@ std::optional<LedgerEntry> reread(const book::Book& book, std::int64_t id,
                                   const MessageReader& read, const money::CurrencyCode& currency) {
   auto found = book.entry(id);
   if (!found || !found->text) return std::nullopt;
-  const recognition::Reading reading = readingFor(book, read, *found->text, currency);
-  if (reading.outcome != Outcome::transaction && reading.outcome != Outcome::needsReview) {
-    return std::nullopt;
-  }
+  const BookReading reading = readingFor(book, read, *found->text, currency);
+  if (!isTransaction(reading)) return std::nullopt;
   apply(reading, *found);
   return book.fitted(*std::move(found));
 }

@@ -1,13 +1,13 @@
 // The real kivo-ledger with books that hold impossible values or are damaged.
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
 #include "platform/linux/process/child_process.h"
+#include "testkit/damaged_tables.h"
 #include "testkit/first_book.h"
 #include "testkit/private_ledger.h"
 
@@ -65,11 +65,7 @@ TEST_F(ADamagedLedger, TakesNoMessageUntilTheBookIsWhole) {
   RawStore(ledger_.file()).run("PRAGMA wal_checkpoint(TRUNCATE)");
   const auto copy = ledger_.folders().home() / "copy";
   std::filesystem::copy_file(ledger_.file(), copy);
-  {
-    std::fstream book(ledger_.file(), std::ios::in | std::ios::out | std::ios::binary);
-    book.seekp(4096);
-    book << std::string(std::filesystem::file_size(copy) - 4096, '\xff');
-  }
+  testkit::damageTables(ledger_.file());
   const ProgramResult listed = run({"list"});
   EXPECT_EQ(listed.status, 1);
   EXPECT_THAT(listed.errors, HasSubstr(ledger_.file().string() + " is damaged: "));

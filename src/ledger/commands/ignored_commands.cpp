@@ -65,7 +65,7 @@ std::optional<Money> statedAmount(const GivenParameters& parameters, const Ignor
 
 // Throws when a part of `stated` has to be given.
 void requireParts(const StatedReading& stated) {
-  const bool hasAmount = stated.reading.amount.has_value();
+  const bool hasAmount = stated.message.reading.amount.has_value();
   if (!stated.kind && !hasAmount) {
     throw BadUsage("its kind and its sum cannot be read: give --kind and --amount");
   }
@@ -95,7 +95,7 @@ void bookIgnored(const GivenParameters& parameters) {
     requireParts(stated);
     std::optional<BookedSum> sum;
     book.inOneStep([&] {
-      const auto entry = recording::addIgnored(book, number, stated.reading);
+      const auto entry = recording::addIgnored(book, number, stated.message);
       if (!entry) throw CommandFailure("it was booked or removed meanwhile");
       sum = bookAsStated(book, entry->id, category, currency);
     });

@@ -12,6 +12,7 @@
 #include "book/book_file.h"
 #include "ledger/extraction_endpoint.h"
 #include "platform/foundation/json_encoder.h"
+#include "testkit/damaged_tables.h"
 #include "unit/recording/ledger_test.h"
 
 namespace kivo::book {
@@ -49,14 +50,6 @@ class ADamagedBook : public LedgerTest {
   void spoil(const std::string& sql) {
     testkit::RawStore(file()).run("PRAGMA ignore_check_constraints = ON; " + sql);
   }
-  // Overwrites the pages behind the first, which tells that it is a book.
-  void overwrite() {
-    checkpoint();
-    std::fstream stream(file(), std::ios::in | std::ios::out | std::ios::binary);
-    stream.seekp(4096);
-    stream << std::string(fs::file_size(file()) - 4096, '\xff');
-  }
-
   UnixHttpServer::Answer post(ExtractionEndpoint& endpoint, const std::string& key) {
     platform::JSONEncoder object;
     object.encodeString("sms_text", "text of " + key);
@@ -77,7 +70,7 @@ TEST_F(ADamagedBook, RefusesMessagesAndSaysWhereUntilItIsWhole) {
   fill(200);
   const fs::path copy = folders_.dataHome() / "copy";
   fs::copy_file(file(), copy);
-  overwrite();
+  testkit::damageTables(file());
   ExtractionEndpoint served = endpoint();
   testing::internal::CaptureStderr();
   EXPECT_EQ(post(served, "NEW").status, 503);
@@ -100,7 +93,7 @@ TEST_F(ADamagedBook, IsNoticedByARunningServiceOnceACommandHasLeftANote) {
   fill(200);
   ExtractionEndpoint served = endpoint();
   ASSERT_EQ(post(served, "NEW-1").status, 200);
-  overwrite();
+  testkit::damageTables(file());
   testing::internal::CaptureStderr();
   {
     Book book = open();

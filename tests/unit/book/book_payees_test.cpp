@@ -69,7 +69,7 @@ TEST_F(APayee, HasNoCorrectionByAnEditOfASumOrWithoutAName) {
   recorded(book, "KEY-2", spent(100, ""));
   ASSERT_TRUE(book.edit(1, {.amount = Money{200, "EGP"}}));
   ASSERT_TRUE(book.edit(2, {.description = "Lune"}));
-  EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM corrections"), "0\n");
+  EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM rules"), "0\n");
 }
 
 TEST_F(APayee, IsComparedThroughAnIndex) {

@@ -63,7 +63,7 @@ TEST_F(AStoredBook, IsPrivateAndHasItsApplicationIdAndVersion) {
   EXPECT_EQ(modeOf(file().parent_path()), 0700U);
   testkit::RawStore raw(file());
   EXPECT_EQ(raw.run("PRAGMA journal_mode"), "wal\n");
-  EXPECT_EQ(raw.run("PRAGMA user_version"), "3\n");
+  EXPECT_EQ(raw.run("PRAGMA user_version"), "4\n");
   EXPECT_EQ(raw.run("PRAGMA application_id"), "1266044007\n");
 }
 
@@ -239,7 +239,7 @@ TEST_F(AStoredBook, StoresRates) {
 
 TEST_F(AStoredBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
   open();
-  for (const char* const sql : {"PRAGMA user_version = 4", "PRAGMA application_id = 7"}) {
+  for (const char* const sql : {"PRAGMA user_version = 5", "PRAGMA application_id = 7"}) {
     testkit::RawStore(file()).run(sql);
     EXPECT_THAT([] { Book::open(); }, ThrowsMessage<BookFailure>(HasSubstr(file().string())))
         << sql;

@@ -51,7 +51,7 @@ TEST_F(AFirstBook, KeepsItsEntriesAnswersRatesAndIds) {
   EXPECT_EQ(book.rates().size(), 1U);
   EXPECT_EQ(answer(book, message("KEY-4")), R"({"saved":true})");
   EXPECT_EQ(recorded(book, "KEY-5", spent(100)).id, 5);  // the id 4 was given already
-  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "3\n");
+  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "4\n");
 }
 
 TEST_F(AFirstBook, SetsAsideRowsWhoseValuesCannotBe) {
@@ -109,7 +109,7 @@ TEST_F(AFirstBook, GivesACategoryTheStandardSpellingOrThatOfMostRows) {
   EXPECT_EQ(testkit::RawStore(file()).run("SELECT category FROM transactions ORDER BY id"),
             "Groceries\nGroceries\nGroceries\nDining\nDining\nfood:tea\nfood:Coffee\nfood:tea\n"
             "Transfer\n");
-  EXPECT_EQ(testkit::RawStore(file()).run("SELECT category FROM corrections ORDER BY category"),
+  EXPECT_EQ(testkit::RawStore(file()).run("SELECT category FROM rules ORDER BY category"),
             "Groceries\nTransfer\n");
 }
 

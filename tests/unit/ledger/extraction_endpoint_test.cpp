@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/foundation/json_encoder.h"
+#include "testkit/damaged_tables.h"
 #include "unit/recording/ledger_test.h"
 
 namespace kivo::ledger {
@@ -109,12 +110,7 @@ TEST_F(AnExtractionEndpoint, FailsUntilTheBookCanBeOpened) {
 
 TEST_F(AnExtractionEndpoint, AcknowledgesNothingInADamagedBook) {
   ASSERT_EQ(post(body("KEY-1")).status, 200);
-  testkit::RawStore(file()).run("PRAGMA wal_checkpoint(TRUNCATE)");
-  {
-    std::fstream stream(file(), std::ios::in | std::ios::out | std::ios::binary);
-    stream.seekp(4096);  // the first page tells that it is a book
-    stream << std::string(std::filesystem::file_size(file()) - 4096, '\xff');
-  }
+  testkit::damageTables(file());
   testing::internal::CaptureStderr();
   EXPECT_EQ(post(body("KEY-1")).status, 503);
   EXPECT_EQ(post(body("KEY-2")).status, 503);

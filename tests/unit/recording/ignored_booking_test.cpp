@@ -79,7 +79,7 @@ TEST_F(AMessageWithASum, IsKeptAsFarAsItIsRead) {
 TEST_F(AMessageWithASum, IsAddedWithItsKeyDayAndText) {
   Book book = open();
   const std::string first = answer(book, message("KEY-1", "2026-11-20"));
-  const auto added = addIgnored(book, 1, spent(64000, "Tulip Insurance"));
+  const auto added = addIgnored(book, 1, {spent(64000, "Tulip Insurance")});
   ASSERT_TRUE(added);
   const auto entry = book.entry(added->id);
   ASSERT_TRUE(entry);
@@ -91,7 +91,7 @@ TEST_F(AMessageWithASum, IsAddedWithItsKeyDayAndText) {
   EXPECT_EQ(entry->amount, (Money{64000, "EGP"}));
   EXPECT_THAT(book.ignored(), IsEmpty());
   EXPECT_EQ(answer(book, message("KEY-1")), first);
-  EXPECT_FALSE(addIgnored(book, 1, spent(64000)));
+  EXPECT_FALSE(addIgnored(book, 1, {spent(64000)}));
 }
 
 TEST_F(AMessageWithASum, IsMarkedAndCorrectedAsOthersAreWhenItIsAdded) {
@@ -99,7 +99,7 @@ TEST_F(AMessageWithASum, IsMarkedAndCorrectedAsOthersAreWhenItIsAdded) {
   record(book, message("KEY-1"));
   recorded(book, "KEY-2", spent(100, "Tulip Insurance"));
   ASSERT_TRUE(book.edit(1, {.description = "Car insurance", .category = "Car"}));
-  const auto added = addIgnored(book, 1, spent(100, "TULIP insurance"));
+  const auto added = addIgnored(book, 1, {spent(100, "TULIP insurance")});
   ASSERT_TRUE(added);
   EXPECT_EQ(added->id, 2);
   EXPECT_EQ(book.entry(2)->possibleDuplicateOf, 1);
@@ -110,7 +110,7 @@ TEST_F(AMessageWithASum, IsMarkedAndCorrectedAsOthersAreWhenItIsAdded) {
 TEST_F(AMessageWithASum, StaysWhenItIsReadAsNoTransaction) {
   Book book = open();
   record(book, message("KEY-1"));
-  EXPECT_FALSE(addIgnored(book, 1, reading_));
+  EXPECT_FALSE(addIgnored(book, 1, {reading_}));
   EXPECT_THAT(book.ignored(), SizeIs(1));
 }
 
@@ -119,23 +119,23 @@ TEST_F(AMessageWithASum, IsReadAsThePersonStatesIt) {
       stated("Zap! Tulip Bank moved EGP 640.00 over to ALLIANZ, EGP 99.10 stay.",
              {.kind = Kind::expense, .amount = Money{64000, "EGP"}, .payee = "Moon Pharmacy"});
   EXPECT_EQ(read.kind, Kind::expense);
-  EXPECT_EQ(read.reading.amount, (Money{64000, "EGP"}));
-  EXPECT_EQ(read.reading.payee, "Moon Pharmacy");
-  EXPECT_EQ(read.reading.description, "Moon Pharmacy");
-  EXPECT_EQ(read.reading.category, "Health");
+  EXPECT_EQ(read.message.reading.amount, (Money{64000, "EGP"}));
+  EXPECT_EQ(read.message.reading.payee, "Moon Pharmacy");
+  EXPECT_EQ(read.message.reading.description, "Moon Pharmacy");
+  EXPECT_EQ(read.message.reading.category, "Health");
 }
 
 TEST_F(AMessageWithASum, NeedsNoSumWhenItHoldsOne) {
   const StatedReading read = stated("Zap! 40.00 USD flew", {.kind = Kind::income});
-  EXPECT_EQ(read.reading.amount, (Money{4000, "USD"}));
-  EXPECT_EQ(read.reading.description, "Deposit");
-  EXPECT_EQ(read.reading.category, "Income");
+  EXPECT_EQ(read.message.reading.amount, (Money{4000, "USD"}));
+  EXPECT_EQ(read.message.reading.description, "Deposit");
+  EXPECT_EQ(read.message.reading.category, "Income");
 }
 
 TEST_F(AMessageWithASum, NeedsTheSumWhenItHoldsSeveralOrAnUnclearOne) {
   for (const char* const text : {"Zap! EGP 640.00 flew, EGP 99.10 stay", "Zap! EGP 1,0000 flew",
                                  "Zap! EGP 0.00 flew", "Zap! EGP 1,0000 flew, EGP 99.10 stay"}) {
-    EXPECT_FALSE(stated(text, {.kind = Kind::expense}).reading.amount) << text;
+    EXPECT_FALSE(stated(text, {.kind = Kind::expense}).message.reading.amount) << text;
   }
 }
 
@@ -150,12 +150,12 @@ TEST_F(AMessageWithASum, NeedsNothingWhenItIsReadAsAPaymentNow) {
   reading_.description = "The market";
   const StatedReading now = statedReading(book, message, {}, reader(), "EGP");
   EXPECT_EQ(now.kind, Kind::expense);
-  EXPECT_EQ(now.reading, reading_);
+  EXPECT_EQ(now.message.reading, reading_);
   const StatedReading other =
       statedReading(book, message, {.payee = "Moon Pharmacy"}, reader(), "EGP");
   EXPECT_EQ(other.kind, Kind::expense);
-  EXPECT_EQ(other.reading.amount, (Money{64000, "EGP"}));
-  EXPECT_EQ(other.reading.description, "Moon Pharmacy");
+  EXPECT_EQ(other.message.reading.amount, (Money{64000, "EGP"}));
+  EXPECT_EQ(other.message.reading.description, "Moon Pharmacy");
 }
 
 TEST_F(AMessageWithASum, HoldsItsSumsInTheirCurrencies) {

@@ -1,4 +1,4 @@
-#include "book/payee_memory.h"
+#include "book/look_alikes.h"
 
 #include <limits>
 
@@ -26,30 +26,28 @@ constexpr const char* firstAlikeOfThis = R"(
       WHERE reference = this.reference AND reference <> '' AND user = this.user AND id < this.id
       ORDER BY id LIMIT 1))))";
 
+// `changed` is a query with the parameter `value` for the ids of transactions that were changed or
+// removed.
+void markAgain(sqlite3* database, const std::string& changed, std::int64_t value) {
+  const std::string sql = std::string("UPDATE transactions AS this SET possible_duplicate_of = ") +
+                          firstAlikeOfThis + R"(
+    WHERE id IN (
+      SELECT id FROM transactions WHERE id IN )" +
+                          changed + R"(
+      UNION ALL
+      SELECT id FROM transactions WHERE possible_duplicate_of IN )" +
+                          changed + R"(
+      UNION ALL
+      SELECT later.id FROM transactions AS changed JOIN transactions AS later
+        ON later.date = changed.date AND later.minor_units = changed.minor_units AND
+          later.folded_payee = changed.folded_payee AND later.id > changed.id
+      WHERE changed.id IN )" +
+                          changed + ")";
+  Statement update(database, sql.c_str());
+  run(update.bind(value));
+}
+
 }  // namespace
-
-void applyCorrection(sqlite3* database, LedgerEntry& entry) {
-  const names::PayeeKey payee(entry.payee);
-  if (payee.text().empty()) return;
-  Statement query(database, "SELECT description, category FROM corrections WHERE folded_payee = ?");
-  if (!next(query.bind(payee.text()))) return;
-  if (!query.text(0).empty()) entry.description = query.text(0);
-  if (!query.text(1).empty()) entry.category = query.text(1);
-}
-
-void keepCorrection(sqlite3* database, const LedgerEntry& entry, const EntryChange& change) {
-  const names::PayeeKey payee(entry.payee);
-  if (payee.text().empty() || !(change.description || change.category)) return;
-  Statement upsert(database, R"(
-    INSERT INTO corrections VALUES (?, nullif(?, ''), nullif(?, ''))
-    ON CONFLICT (folded_payee) DO UPDATE SET
-      description = coalesce(excluded.description, description),
-      category = coalesce(excluded.category, category))");
-  upsert.bind(payee.text());
-  upsert.bind(change.description ? std::string_view(entry.description) : "");
-  upsert.bind(change.category ? std::string_view(entry.category) : "");
-  run(upsert);
-}
 
 std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& entry) {
   const std::string sql = std::string(R"(
@@ -72,17 +70,11 @@ std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& ent
 }
 
 void markAlikeAgain(sqlite3* database, std::int64_t id) {
-  const std::string sql = std::string("UPDATE transactions AS this SET possible_duplicate_of = ") +
-                          firstAlikeOfThis + R"(
-    WHERE id IN (
-      SELECT id FROM transactions WHERE id = ? OR possible_duplicate_of = ?
-      UNION ALL
-      SELECT later.id FROM transactions AS changed JOIN transactions AS later
-        ON later.date = changed.date AND later.minor_units = changed.minor_units AND
-          later.folded_payee = changed.folded_payee AND later.id > changed.id
-      WHERE changed.id = ?))";
-  Statement update(database, sql.c_str());
-  run(update.bind(id).bind(id).bind(id));
+  markAgain(database, "(VALUES (?1))", id);
+}
+
+void markAlikeAgainAfter(sqlite3* database, std::int64_t number) {
+  markAgain(database, "(SELECT id FROM past_transactions WHERE command = ?1)", number);
 }
 
 }  // namespace kivo::book

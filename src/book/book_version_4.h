@@ -1,0 +1,64 @@
+// The tables of version 4: rules, the commands that can be taken back, and what entries keep
+// besides.
+#pragma once
+
+namespace kivo::book {
+
+// A table `past_...` has the rows as they were before a command changed them; of a row that the
+// command added, the key alone. Each has the columns of its table, but for the texts of messages:
+// an erased text stays erased. No checks: the rows were in a table that has them.
+//
+// Of a rule, `payee` is the folded pattern, by which rules are looked up, and `written` the pattern
+// as it is shown.
+inline constexpr const char* version4 = R"(
+ALTER TABLE transactions ADD COLUMN balance INTEGER;
+ALTER TABLE transactions ADD COLUMN balance_currency TEXT NOT NULL DEFAULT '';
+ALTER TABLE transactions ADD COLUMN original INTEGER;
+ALTER TABLE transactions ADD COLUMN original_currency TEXT NOT NULL DEFAULT '';
+ALTER TABLE ignored ADD COLUMN taken_by INTEGER;
+CREATE TABLE rules (
+  number INTEGER PRIMARY KEY AUTOINCREMENT,
+  payee TEXT NOT NULL UNIQUE, written TEXT NOT NULL, has_wildcard INTEGER NOT NULL,
+  description TEXT, category TEXT, kind TEXT
+) STRICT;
+CREATE INDEX rules_with_wildcard ON rules (number) WHERE has_wildcard;
+INSERT INTO rules (payee, written, has_wildcard, description, category)
+  SELECT replace(replace(folded_payee, '\', '\\'), '*', '\*'),
+    replace(replace(coalesce(named.payee, folded_payee), '\', '\\'), '*', '\*'),
+    0, description, category
+  FROM corrections LEFT JOIN (
+    SELECT folded_payee, payee, max(id) FROM transactions GROUP BY folded_payee
+  ) AS named USING (folded_payee) ORDER BY corrections.rowid;
+DROP TABLE corrections;
+CREATE TABLE commands (
+  number INTEGER PRIMARY KEY AUTOINCREMENT, moment INTEGER NOT NULL, words TEXT NOT NULL,
+  template TEXT NOT NULL
+) STRICT;
+CREATE TABLE past_transactions (
+  command INTEGER NOT NULL, existed INTEGER NOT NULL,
+  id INTEGER NOT NULL, user TEXT, key TEXT, date TEXT, kind TEXT, minor_units INTEGER,
+  currency TEXT, description TEXT, category TEXT, payee TEXT, folded_payee TEXT, account TEXT,
+  reference TEXT, state TEXT, edited INTEGER, balance INTEGER, balance_currency TEXT,
+  original INTEGER, original_currency TEXT,
+  PRIMARY KEY (command, id)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE past_answers (
+  command INTEGER NOT NULL, user TEXT NOT NULL, key TEXT NOT NULL,
+  PRIMARY KEY (command, user, key)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE past_rules (
+  command INTEGER NOT NULL, existed INTEGER NOT NULL,
+  number INTEGER NOT NULL, payee TEXT, written TEXT, has_wildcard INTEGER,
+  description TEXT, category TEXT, kind TEXT,
+  PRIMARY KEY (command, number)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE past_rates (
+  command INTEGER NOT NULL, existed INTEGER NOT NULL, currency TEXT NOT NULL, rate TEXT,
+  PRIMARY KEY (command, currency)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE past_categories (
+  command INTEGER NOT NULL, existed INTEGER NOT NULL, folded TEXT NOT NULL, name TEXT,
+  PRIMARY KEY (command, folded)
+) STRICT, WITHOUT ROWID)";
+
+}  // namespace kivo::book

@@ -1,0 +1,208 @@
+#include "book/history.h"
+
+#include <array>
+
+#include "book/book_file.h"
+#include "platform/foundation/date.h"
+
+namespace kivo::book {
+namespace {
+
+using linux_platform::Statement;
+
+// A table whose rows are noted.
+struct Noted {
+  const char* table;
+  // The table of their notes, which begins with the command and whether the row existed.
+  const char* past;
+  const char* key;
+  // The columns that are noted, the key first.
+  const char* columns;
+};
+
+constexpr Noted transactions{
+    "transactions", "past_transactions", "id",
+    "id, user, key, date, kind, minor_units, currency, description, category, payee, folded_payee, "
+    "account, reference, state, edited, balance, balance_currency, original, original_currency"};
+constexpr Noted rules{"rules", "past_rules", "number",
+                      "number, payee, written, has_wildcard, description, category, kind"};
+constexpr Noted rates{"rates", "past_rates", "currency", "currency, rate"};
+constexpr Noted categories{"categories", "past_categories", "folded", "folded, name"};
+constexpr std::array settings = {rules, rates, categories};
+
+constexpr std::chrono::days daysKept(30);
+constexpr std::int64_t commandsKept = 1'000;
+
+std::chrono::sys_seconds now() {
+  return std::chrono::floor<std::chrono::seconds>(platform::Date::now());
+}
+
+std::string copySql(const Noted& noted) {
+  return std::string("INSERT OR IGNORE INTO ") + noted.past + " (command, existed, " +
+         noted.columns + ") SELECT ?, 1, " + noted.columns + " FROM " + noted.table + " WHERE " +
+         noted.key + " = ?";
+}
+
+std::string absenceSql(const Noted& noted) {
+  return std::string("INSERT OR IGNORE INTO ") + noted.past + " (command, existed, " + noted.key +
+         ") VALUES (?, 0, ?)";
+}
+
+template <typename Key>
+void noteAbsence(sqlite3* database, const Noted& noted, std::int64_t command, const Key& key) {
+  const std::string sql = absenceSql(noted);
+  Statement note(database, sql.c_str());
+  run(note.bind(command).bind(key));
+}
+
+// Of a row that does not exist, the absence.
+template <typename Key>
+void noteRow(sqlite3* database, const Noted& noted, std::int64_t command, const Key& key) {
+  const std::string sql = copySql(noted);
+  Statement note(database, sql.c_str());
+  run(note.bind(command).bind(key));
+  noteAbsence(database, noted, command, key);
+}
+
+void runFor(sqlite3* database, std::int64_t command, const std::string& sql) {
+  Statement statement(database, sql.c_str());
+  run(statement.bind(command));
+}
+
+std::string keysWhere(const Noted& noted, const char* condition) {
+  return std::string("(SELECT ") + noted.key + " FROM " + noted.past + " WHERE command = ?1 AND " +
+         condition + ")";
+}
+
+void restoreRows(sqlite3* database, std::int64_t command, const Noted& noted) {
+  const std::string table = noted.table;
+  runFor(database, command,
+         "DELETE FROM " + table + " WHERE " + noted.key + " IN " + keysWhere(noted, "TRUE"));
+  runFor(database, command,
+         "INSERT INTO " + table + " (" + noted.columns + ") SELECT " + noted.columns + " FROM " +
+             noted.past + " WHERE command = ? AND existed");
+}
+
+// The texts stay as they are: that of a removed transaction is erased.
+void restoreTransactions(sqlite3* database, std::int64_t command) {
+  runFor(database, command,
+         "DELETE FROM transactions WHERE id IN " + keysWhere(transactions, "NOT existed"));
+  const std::string columns = transactions.columns;
+  runFor(database, command,
+         "INSERT OR REPLACE INTO transactions (" + columns + ", text) SELECT " + columns +
+             ", (SELECT text FROM transactions WHERE id = past_transactions.id)"
+             " FROM past_transactions WHERE command = ? AND existed");
+}
+
+}  // namespace
+
+void ChangeNotes::noteFor(std::optional<std::int64_t> number) {
+  command_ = number;
+  any_ = false;
+}
+
+void ChangeNotes::transaction(std::int64_t id) {
+  any_ = true;
+  if (command_) noteRow(database_, transactions, *command_, id);
+}
+
+void ChangeNotes::addedTransaction(std::int64_t id) {
+  any_ = true;
+  if (command_) noteAbsence(database_, transactions, *command_, id);
+}
+
+void ChangeNotes::addedRule(std::int64_t number) {
+  any_ = true;
+  if (command_) noteAbsence(database_, rules, *command_, number);
+}
+
+void ChangeNotes::rule(std::int64_t number) {
+  any_ = true;
+  if (command_) noteRow(database_, rules, *command_, number);
+}
+
+void ChangeNotes::rate(const std::string& currency) {
+  any_ = true;
+  if (command_) noteRow(database_, rates, *command_, currency);
+}
+
+void ChangeNotes::category(const std::string& folded) {
+  if (command_) noteRow(database_, categories, *command_, folded);
+}
+
+void ChangeNotes::answer(const std::string& userId, const std::string& key) {
+  any_ = true;
+  if (!command_) return;
+  Statement note(database_, "INSERT INTO past_answers VALUES (?, ?, ?)");
+  run(note.bind(*command_).bind(userId).bind(key));
+}
+
+std::int64_t insertCommand(sqlite3* database, const UserCommand& command) {
+  Statement outdated(database, R"(
+    SELECT number FROM commands WHERE moment < ?1 OR number NOT IN
+      (SELECT number FROM commands ORDER BY number DESC LIMIT ?2))");
+  outdated.bind((now() - daysKept).time_since_epoch().count()).bind(commandsKept - 1);
+  std::vector<std::int64_t> numbers;
+  while (next(outdated)) numbers.push_back(outdated.integer(0));
+  for (const std::int64_t number : numbers) deleteCommand(database, number);
+
+  Statement insertion(
+      database, "INSERT INTO commands (moment, words, template) VALUES (?, ?, ?) RETURNING number");
+  insertion.bind(now().time_since_epoch().count()).bind(command.words).bind(command.addedTemplate);
+  if (!next(insertion)) throw BookFailure("a new row has no number");
+  const std::int64_t number = insertion.integer(0);
+  run(insertion);
+  return number;
+}
+
+bool writeTemplate(sqlite3* database, std::int64_t number, const std::string& addedTemplate) {
+  Statement update(database, "UPDATE commands SET template = ? WHERE number = ? RETURNING number");
+  if (!next(update.bind(addedTemplate).bind(number))) return false;
+  run(update);
+  return true;
+}
+
+void deleteCommand(sqlite3* database, std::int64_t number) {
+  for (const char* const table :
+       {"past_transactions", "past_answers", "past_rules", "past_rates", "past_categories"}) {
+    runFor(database, number, std::string("DELETE FROM ") + table + " WHERE command = ?");
+  }
+  runFor(database, number, "DELETE FROM commands WHERE number = ?");
+}
+
+bool hasCommand(sqlite3* database, std::int64_t number) {
+  Statement query(database, "SELECT 1 FROM commands WHERE number = ?");
+  return next(query.bind(number));
+}
+
+std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
+  Statement query(database, R"(
+    SELECT number, moment, words, template,
+      (SELECT count(*) FROM past_transactions WHERE command = number),
+      (SELECT count(*) FROM past_rules WHERE command = commands.number) +
+        (SELECT count(*) FROM past_rates WHERE command = commands.number)
+    FROM commands ORDER BY number DESC LIMIT ?)");
+  query.bind(most);
+  std::vector<PastCommand> found;
+  while (next(query)) {
+    found.push_back({.number = query.integer(0),
+                     .moment = std::chrono::sys_seconds(std::chrono::seconds(query.integer(1))),
+                     .words = query.text(2),
+                     .addedTemplate = query.text(3),
+                     .transactions = query.integer(4),
+                     .settings = query.integer(5)});
+  }
+  return found;
+}
+
+void takeBack(sqlite3* database, std::int64_t number) {
+  // Its own answers are forgotten, and the messages that it put aside.
+  const std::string own = "(SELECT user, key FROM past_answers WHERE command = ?1)";
+  runFor(database, number, "DELETE FROM ignored WHERE (user, key) IN " + own);
+  runFor(database, number, "DELETE FROM answers WHERE (user, key) IN " + own);
+  runFor(database, number, "UPDATE ignored SET taken_by = NULL WHERE taken_by = ?");
+  restoreTransactions(database, number);
+  for (const Noted& noted : settings) restoreRows(database, number, noted);
+}
+
+}  // namespace kivo::book
