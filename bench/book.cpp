@@ -33,7 +33,7 @@ void fill(const testkit::PrivateFolders& folders, std::int64_t count) {
     INSERT INTO transactions SELECT NULL, 'user', 'KEY-' || n, date('2026-11-21', (-n / 55) || ' days'),
       'expense', 1000 + n * 7919 % 90000, 'EGP', 'Payee ' || (n % 200), 'Groceries', 'Payee ' || (n % 200),
       'payee ' || (n % 200), '4821', CASE n % 3 WHEN 0 THEN 'REF' || n ELSE '' END, 'booked', NULL,
-      'Your card ending 4821 was charged EGP 150.00 at Payee ' || (n % 200) || ' on 21-11-2026.', 0
+      'Your card ending 4821 was charged EGP 150.00 at Payee ' || (n % 200) || ' on 21-11-2026.', 0, NULL, '', NULL, ''
       FROM numbers;
     INSERT INTO answers SELECT user, key, '{"saved":true,"transaction_type":"expense","expense":' ||
       '{"id":"' || id || '","description":"Payee","amount":150.0,"category":"Groceries",' ||

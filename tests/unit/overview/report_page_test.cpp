@@ -223,7 +223,7 @@ TEST_F(AReport, ListsTheNewestOfAVeryLongYear) {
       "WITH RECURSIVE numbers (value) AS (SELECT 1 UNION ALL SELECT value + 1 FROM numbers WHERE "
       "value < 5001) INSERT INTO transactions SELECT NULL, 'user', 'KEY-' || value, '2026-11-01', "
       "'expense', 1, "
-      "'EGP', 'A', 'B', '', '', '', '', 'booked', NULL, NULL, 0 FROM numbers");
+      "'EGP', 'A', 'B', '', '', '', '', 'booked', NULL, NULL, 0, NULL, '', NULL, '' FROM numbers");
   EXPECT_EQ(readReport(open(), "2026-11", "EGP").entries.size(), 5000U);
 }
 
