@@ -1,7 +1,9 @@
 #include "sms_watcher/sender_pattern.h"
 
 #include <string>
+#include <vector>
 
+#include "names/wildcard.h"
 #include "platform/foundation/character_set.h"
 #include "platform/linux/foundation/failure.h"
 
@@ -34,34 +36,22 @@ std::string comparable(std::string_view text) {
   return number.starts_with("00") ? "+" + number.substr(2) : number;
 }
 
-// Whether `text` matches `pattern`. Each * first takes as little as possible, and more when the
-// rest does not match.
-bool fits(std::string_view pattern, std::string_view text) {
-  std::size_t at = 0;
-  std::size_t read = 0;
-  std::size_t afterStar = std::string_view::npos;
-  std::size_t starEnd = 0;
-  while (read < text.size()) {
-    if (at < pattern.size() && pattern[at] == '*') {
-      afterStar = ++at;
-      starEnd = read;
-    } else if (at < pattern.size() && pattern[at] == text[read]) {
-      ++at;
-      ++read;
-    } else if (afterStar != std::string_view::npos) {
-      at = afterStar;
-      read = ++starEnd;
-    } else {
-      return false;
-    }
+// The texts between the stars of `pattern`, which has no escapes.
+std::vector<std::string> betweenStars(std::string_view pattern) {
+  std::vector<std::string> between;
+  for (;;) {
+    const std::size_t star = pattern.find('*');
+    between.emplace_back(pattern.substr(0, star));
+    if (star == std::string_view::npos) return between;
+    pattern.remove_prefix(star + 1);
   }
-  return pattern.find_first_not_of('*', at) == std::string_view::npos;
 }
 
 }  // namespace
 
 bool means(std::string_view pattern, std::string_view sender) {
-  return isValid(pattern) && fits(comparable(pattern), comparable(sender));
+  return isValid(pattern) &&
+         names::fitsBetweenStars(betweenStars(comparable(pattern)), comparable(sender));
 }
 
 void check(std::string_view pattern) {
