@@ -127,11 +127,14 @@ std::vector<PastCommand> Book::history() const { return pastCommands(file_->data
 std::vector<PastCommand> Book::undo(std::int64_t count) {
   std::vector<PastCommand> undone;
   inOneStep([&] {
-    undone = pastCommands(file_->database, count);
-    for (const PastCommand& command : undone) {
-      takeBack(file_->database, command.number);
-      markAlikeAgainAfter(file_->database, command.number);
-      deleteCommand(file_->database, command.number);
+    for (std::int64_t left = count; left > 0; --left) {
+      const auto last = pastCommands(file_->database, 1);
+      if (last.empty()) break;
+      const std::int64_t number = last.front().number;
+      takeBack(file_->database, number);
+      markAlikeAgainAfter(file_->database, number);
+      deleteCommand(file_->database, number);
+      undone.push_back(last.front());
     }
     if (!undone.empty()) oweErasure();
   });

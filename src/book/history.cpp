@@ -179,8 +179,10 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
   Statement query(database, R"(
     SELECT number, moment, words, template,
       (SELECT count(*) FROM past_transactions WHERE command = number),
-      (SELECT count(*) FROM past_rules WHERE command = commands.number) +
-        (SELECT count(*) FROM past_rates WHERE command = commands.number)
+      (SELECT count(*) FROM past_rules WHERE command = commands.number),
+      (SELECT count(*) FROM past_rates WHERE command = number),
+      (SELECT count(*) FROM past_transactions AS past WHERE command = number AND existed AND
+        NOT EXISTS (SELECT 1 FROM transactions WHERE transactions.id = past.id))
     FROM commands ORDER BY number DESC LIMIT ?)");
   query.bind(most);
   std::vector<PastCommand> found;
@@ -190,7 +192,9 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
                      .words = query.text(2),
                      .addedTemplate = query.text(3),
                      .transactions = query.integer(4),
-                     .settings = query.integer(5)});
+                     .rules = query.integer(5),
+                     .rates = query.integer(6),
+                     .deleted = query.integer(7)});
   }
   return found;
 }

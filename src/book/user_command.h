@@ -24,9 +24,12 @@ struct PastCommand {
   std::chrono::sys_seconds moment = {};
   std::string words;
   std::string addedTemplate;
-  /// The transactions, and the rules and rates, that it added, changed or removed.
+  /// The transactions, rules and rates that it added, changed or removed.
   std::int64_t transactions = 0;
-  std::int64_t settings = 0;
+  std::int64_t rules = 0;
+  std::int64_t rates = 0;
+  /// The transactions that it deleted.
+  std::int64_t deleted = 0;
 };
 
 }  // namespace kivo::book

@@ -7,6 +7,7 @@
 #include "ledger/commands/adding_command.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
+#include "ledger/commands/history_commands.h"
 #include "ledger/commands/ignored_commands.h"
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
@@ -71,6 +72,7 @@ linux_platform::CommandProgram program() {
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(addingCommand());
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  for (Command& command : historyCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(rateCommand());
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());

@@ -167,6 +167,12 @@ auto withPath(const std::filesystem::path& path, const Use& use) {
   }
 }
 
+std::filesystem::path requiredPlace() {
+  const auto path = TemplateFile::place();
+  if (!path) throw Failure("HOME is not set, so there is no place for templates");
+  return *path;
+}
+
 }  // namespace
 
 std::optional<std::filesystem::path> TemplateFile::place() {
@@ -183,13 +189,27 @@ std::vector<MessageTemplate> TemplateFile::read() {
   });
 }
 
-void TemplateFile::add(const MessageTemplate& taught) {
-  const auto path = place();
-  if (!path) throw Failure("HOME is not set, so there is no place for templates");
-  const linux_platform::SettingsLock lock(*path);
-  withPath(*path, [&](const auto& file) {
+std::string TemplateFile::add(const MessageTemplate& taught) {
+  const auto path = requiredPlace();
+  const linux_platform::SettingsLock lock(path);
+  withPath(path, [&](const auto& file) {
     const std::string text = linux_platform::readSettingsFile(file).text;
     linux_platform::replaceSettingsFile(file, extended(text, taught));
+  });
+  return blockOf(taught);
+}
+
+bool TemplateFile::remove(const std::string& block) {
+  const auto path = requiredPlace();
+  const linux_platform::SettingsLock lock(path);
+  return withPath(path, [&](const auto& file) {
+    std::string text = linux_platform::readSettingsFile(file).text;
+    const std::size_t begin = text.rfind(block);
+    if (begin == std::string::npos) return false;
+    const std::string_view behind = std::string_view(text).substr(begin + block.size());
+    if (!behind.empty() && behind.front() != '\n') return false;  // a line was added to it
+    linux_platform::replaceSettingsFile(file, text.erase(begin, block.size()));
+    return true;
   });
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "recognition/templates/message_template.h"
@@ -20,10 +21,15 @@ std::optional<std::filesystem::path> place();
 /// quotes nothing from the file.
 std::vector<recognition::MessageTemplate> read();
 
-/// Appends a template to the file; the rest of the file stays byte for byte. Creates the file and
+/// Appends a template to the file and returns the block of text that it is; the rest of the file
+/// stays byte for byte. Creates the file and
 /// its folders for the user only. Throws Failure, as `read` does, when the file has an error or
 /// cannot be written; the file is then not changed.
-void add(const recognition::MessageTemplate& taught);
+std::string add(const recognition::MessageTemplate& taught);
+
+/// Removes the last block of the file that is `block`, as `add` returned it, when nobody has added
+/// to it; returns false when there is none. Throws Failure as `add` does.
+bool remove(const std::string& block);
 
 /// Returns a reader that uses the templates in the file at the time of each message. When the file
 /// cannot be used, it prints the reason on standard error, once for each different one, and reads

@@ -48,7 +48,8 @@ void add(const GivenParameters& parameters) {
   const auto category = givenText(parameters, "--category");
   withBook([&](Book& book) {
     std::string line;
-    book.inOneStep([&] {
+    book::UserCommand command = userCommand("add", parameters);
+    book.asCommand(command, [&] {
       const std::int64_t id = recording::addByHand(book, payment).id;
       line = bookedSentence(bookAsStated(book, id, category, currency));
       const auto like = book.entry(id).value().possibleDuplicateOf;

@@ -21,6 +21,32 @@ std::optional<std::string> given(const GivenParameters& parameters, const char* 
   return platform::repairedUtf8(found->second);
 }
 
+namespace {
+
+// As one word of a command line.
+std::string quoted(const std::string& value) {
+  const bool isWord = value.find_first_of(" \t\n'\"") == std::string::npos;
+  if (isWord) return value;
+  return value.find('"') == std::string::npos ? '"' + value + '"' : "'" + value + "'";
+}
+
+}  // namespace
+
+book::UserCommand userCommand(const std::string& name, const GivenParameters& parameters) {
+  std::string arguments;
+  std::string options;
+  for (const auto& [parameter, value] : parameters) {
+    const std::string text = platform::repairedUtf8(value);
+    if (parameter == "--yes") continue;
+    if (!parameter.starts_with("--")) {
+      arguments += " " + text;
+    } else {
+      options += " " + parameter + (text.empty() ? "" : " " + quoted(text));
+    }
+  }
+  return {.words = name + arguments + options};
+}
+
 BadUsage invalid(const char* name, const std::string& value, const std::string& form) {
   return BadUsage(std::string("invalid ") + name + " \"" + value + "\": it must be " + form);
 }

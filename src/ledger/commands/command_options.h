@@ -17,6 +17,11 @@ namespace kivo::ledger {
 std::optional<std::string> given(const linux_platform::GivenParameters& parameters,
                                  const char* name);
 
+/// Returns the command `name` with its arguments and options, as it may be typed, for the history
+/// of the book. Leaves --yes out.
+book::UserCommand userCommand(const std::string& name,
+                              const linux_platform::GivenParameters& parameters);
+
 /// Returns the failure to throw: the value given for `name` is invalid and must be `form`.
 linux_platform::BadUsage invalid(const char* name, const std::string& value,
                                  const std::string& form);

@@ -103,11 +103,12 @@ void changeEach(Book& book, const std::vector<LedgerEntry>& entries,
   });
 }
 
-// As `changeEach`, with the entries that were given as ID.
-void withChosen(const GivenParameters& parameters,
+// As `changeEach`, as the command `name` with the entries that were given as ID.
+void withChosen(const std::string& name, const GivenParameters& parameters,
                 const std::function<void(Book&, const LedgerEntry&)>& change) {
   withBook([&](Book& book) {
-    book.inOneStep([&] {
+    book::UserCommand command = userCommand(name, parameters);
+    book.asCommand(command, [&] {
       changeEach(book, chosenEntries(book, parameters),
                  [&](const LedgerEntry& entry) { change(book, entry); });
     });
@@ -131,7 +132,7 @@ void edit(const GivenParameters& parameters) {
         "edit needs one of --date, --amount, --currency, --kind, --description, --category");
   }
   std::vector<LedgerEntry> edited;
-  withChosen(parameters, [&](Book& book, const LedgerEntry& entry) {
+  withChosen("edit", parameters, [&](Book& book, const LedgerEntry& entry) {
     book.edit(entry.id, changeFrom(parameters, book, entry));
     edited.push_back(book.entry(entry.id).value());
   });
@@ -156,7 +157,7 @@ std::string whyNotBooked(const LedgerEntry& entry, const CurrencyCode& currency)
 void accept(const GivenParameters& parameters) {
   const CurrencyCode currency = requiredBookCurrency();
   Lines lines;
-  withChosen(parameters, [&](Book& book, const LedgerEntry& entry) {
+  withChosen("accept", parameters, [&](Book& book, const LedgerEntry& entry) {
     if (entry.state == LedgerEntry::State::setAside) {
       throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
                            " says which value to edit");
@@ -199,9 +200,12 @@ void remove(const GivenParameters& parameters) {
     if (asks && !isConfirmed(deletionQuestion(chosen))) {
       throw CommandFailure("nothing was deleted");
     }
-    changeEach(book, chosen, [&](const LedgerEntry& entry) {
-      if (!book.remove(entry.id)) throw CommandFailure("it was deleted meanwhile");
-      lines.emplace_back(entry.id, "Deleted.\n");
+    book::UserCommand command = userCommand("delete", parameters);
+    book.asCommand(command, [&] {
+      changeEach(book, chosen, [&](const LedgerEntry& entry) {
+        if (!book.remove(entry.id)) throw CommandFailure("it was deleted meanwhile");
+        lines.emplace_back(entry.id, "Deleted.\n");
+      });
     });
   });
   print(textOf(lines));
@@ -215,7 +219,10 @@ void forgetTexts(const GivenParameters& parameters) {
     throw CommandFailure("nothing was forgotten");
   }
   withBook([](Book& book) {
-    const auto [ofEntries, ofIgnored] = book.forgetTexts();
+    book::UserCommand command{"forget-texts"};
+    book::ForgottenTexts forgotten;
+    book.asCommand(command, [&] { forgotten = book.forgetTexts(); });
+    const auto [ofEntries, ofIgnored] = forgotten;
     const std::int64_t count = ofEntries + ofIgnored;
     print("Forgot " + std::to_string(count) + (count == 1 ? " text.\n" : " texts.\n"));
     if (ofIgnored == 0) return;

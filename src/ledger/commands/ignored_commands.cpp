@@ -94,7 +94,8 @@ void bookIgnored(const GivenParameters& parameters) {
         recording::statedReading(book, message, parts, TemplateFile::reader(), currency);
     requireParts(stated);
     std::optional<BookedSum> sum;
-    book.inOneStep([&] {
+    book::UserCommand command = userCommand("book", parameters);
+    book.asCommand(command, [&] {
       const auto entry = recording::addIgnored(book, number, stated.message);
       if (!entry) throw CommandFailure("it was booked or removed meanwhile");
       sum = bookAsStated(book, entry->id, category, currency);

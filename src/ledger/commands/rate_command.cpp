@@ -47,9 +47,12 @@ void rate(const GivenParameters& parameters) {
   const auto set = value ? Rate::fromText(*value) : std::nullopt;
   if (value && !set) throw invalid("RATE", *value, rateForm());
   withBook([&](Book& book) {
-    if (set) return book.setRate(*currency, *set);
-    if (!book.removeRate(*currency))
-      throw CommandFailure("there is no rate for " + currency->text());
+    book::UserCommand command = userCommand("rate", parameters);
+    book.asCommand(command, [&] {
+      if (set) return book.setRate(*currency, *set);
+      if (!book.removeRate(*currency))
+        throw CommandFailure("there is no rate for " + currency->text());
+    });
   });
 }
 

@@ -66,12 +66,15 @@ void tellIgnored(Book& book, const MessageTemplate& taught,
 
 }  // namespace
 
-void correctByTemplate(Book& book, const CurrencyCode& currency, const MessageTemplate& taught,
-                       const TaughtMessage& shown, const std::function<bool()>& booksOthers) {
+void correctByTemplate(Book& book, book::UserCommand& command, const CurrencyCode& currency,
+                       const MessageTemplate& taught, const TaughtMessage& shown,
+                       const std::function<bool()>& booksOthers) {
   const MessageReader read = TemplateFile::reader();
-  if (shown.entry) correctEntry(book, *shown.entry, read, currency);
   std::optional<std::int64_t> toReview;
-  if (shown.ignored) toReview = addIgnored(book, *shown.ignored, read, currency);
+  book.asCommand(command, [&] {
+    if (shown.entry) correctEntry(book, *shown.entry, read, currency);
+    if (shown.ignored) toReview = addIgnored(book, *shown.ignored, read, currency);
+  });
   if (!shown.entry && !shown.ignored) {
     print("The message itself is not booked: it did not come from the phone.\n");
   }
@@ -83,13 +86,15 @@ void correctByTemplate(Book& book, const CurrencyCode& currency, const MessageTe
           ". `kivo-ledger delete ID` deletes one.\n");
   }
   if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
-  tellIgnored(book, taught, found.ignored);
+  book.asCommand(command, [&] { tellIgnored(book, taught, found.ignored); });
   if (found.clear.empty()) return;
   print("\nOthers that fit, as they are read now:\n" +
         EntryListing::table(found.clear, linux_platform::screenWidth()));
   if (!booksOthers()) return print("Left as they are; with --book, teach books them so.\n");
   std::size_t booked = 0;
-  for (const LedgerEntry& entry : found.clear) booked += book.bookAs(entry) ? 1U : 0U;
+  book.asCommand(command, [&] {
+    for (const LedgerEntry& entry : found.clear) booked += book.bookAs(entry) ? 1U : 0U;
+  });
   print("Booked " + std::to_string(booked) + " so.\n");
 }
 

@@ -20,9 +20,10 @@ struct TaughtMessage {
 /// Books or corrects the message `shown` of `book`, which is kept in `currency`, as it is read now
 /// that `taught` is in the file of templates. Then prints the others that `taught` matches: entries
 /// that are read otherwise than the book has them, which it books when `booksOthers` returns true,
-/// and ignored messages, which it removes when `taught` says that they are no payment. Throws
-/// BookFailure.
-void correctByTemplate(book::Book& book, const money::CurrencyCode& currency,
+/// and ignored messages, which it removes when `taught` says that they are no payment. All changes
+/// are steps of `command`. Throws BookFailure.
+void correctByTemplate(book::Book& book, book::UserCommand& command,
+                       const money::CurrencyCode& currency,
                        const recognition::MessageTemplate& taught, const TaughtMessage& shown,
                        const std::function<bool()>& booksOthers);
 

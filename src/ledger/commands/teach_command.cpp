@@ -67,8 +67,10 @@ class Teaching {
     openAnswers();
     chooseMessage();
     const MessageTemplate taught = confirmedTemplate();
-    save(taught);
-    correctByTemplate(book_, currency_, taught, shown_, [this] { return booksOthers(); });
+    book::UserCommand command = userCommand("teach", parameters_);
+    command.addedTemplate = save(taught);
+    book_.asCommand(command, [] {});  // the template alone can be taken back too
+    correctByTemplate(book_, command, currency_, taught, shown_, [this] { return booksOthers(); });
   }
 
  private:
@@ -228,13 +230,14 @@ class Teaching {
     print(lines + "\n");
   }
 
-  static void save(const MessageTemplate& taught) {
+  // Returns the block that was added; empty when it was there already.
+  static std::string save(const MessageTemplate& taught) {
     const std::string path = escapedControls(TemplateFile::place().value_or("").string());
     const auto known = TemplateFile::read();
-    if (!known.empty() && known.back().readsAs(taught))
-      return print("It is in " + path + " already.\n");
-    TemplateFile::add(taught);
-    print("Saved in " + path + "\n");
+    const bool isKnown = !known.empty() && known.back().readsAs(taught);
+    std::string block = isKnown ? "" : TemplateFile::add(taught);
+    print(isKnown ? "It is in " + path + " already.\n" : "Saved in " + path + "\n");
+    return block;
   }
 
   // Whether the others that were listed are booked as they are read now.
