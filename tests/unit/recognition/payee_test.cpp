@@ -73,7 +73,7 @@ TEST(AName, EndsAtAMark) {
   EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET (online) today"), "SUN MARKET");
   EXPECT_EQ(payeeOf("EGP 20.00 spent at Sun Market; thanks"), "Sun Market");
   EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET, APPROVED"), "SUN MARKET");
-  EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET, AUSTIN for food"), "SUN MARKET, AUSTIN");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET, AUSTIN for food"), "SUN MARKET");
   EXPECT_EQ(payeeOf("EGP 20.00 spent at SUN MARKET (TST) was approved"), "SUN MARKET (TST)");
 }
 
