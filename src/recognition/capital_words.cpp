@@ -139,7 +139,10 @@ bool CapitalWords::continuesCapitals(std::size_t at, std::size_t begin) const {
   }
   if (mark) {
     const bool prefix = isMark(item, "*") && isCapital(at + 1) && gluedBehind;  // "BC *PINE"
-    return isMark(item, "&'") || prefix || (isMark(item, "-./+*@_") && item.glued && gluedBehind);
+    const bool initial = at > begin && isMark(item, ".") && isInitial(items_[at - 1]) &&
+                         isCapital(at + 1) && !isLabel(at + 1);  // "NOEL V. CANCELADO"
+    return isMark(item, "&'") || prefix || initial ||
+           (isMark(item, "-./+*@_") && item.glued && gluedBehind);
   }
   if (!isCapital(at)) return item.glued || (isOneOf(item.text, links) && isCapital(at + 1));
   const bool opens = at == begin && wording != nullptr && isCapital(wording->end) &&

@@ -29,7 +29,8 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "زكاه تبرع~ благотворит~"},
     {"Health",
      "pharmac~ chemist clinic hospital dental dentist medical lab labs laborator~ diagnostic~ "
-     "optic~ optometr~ physio~ doctor gym fitness farmacia~ pharmacie apotheke apotek eczane~ "
+     "optic~ optometr~ بصريات physio~ doctor gym fitness farmacia~ pharmacie apotheke apotek "
+     "eczane~ "
      "drogaria clinica klinik hastane~ sakit "
      "صيدلي~ مستشفي عياده داروخانه аптек~ клиник~ стоматолог~ больниц~ 药房 药店 医院 약국 병원 "
      "의원 โรงพยาบาล"},
@@ -38,14 +39,16 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "escola escuela colegio universidad universidade universitas ecole universite schule okul~ "
      "universite~ sekolah مدرسه مدارس جامعه كليه حضانه школа университет 学校 大学 학원 대학교"},
     {"Entertainment",
-     "cinema~ theatre theater stream~ music games gaming bowling arcade museum concert cine kino "
+     "العاب cinema~ theatre theater stream~ music games gaming bowling arcade museum concert cine "
+     "kino "
      "sinema bioskop سينما مسرح кино кинотеатр театр 电影 영화"},
     {"Dining",
      "cafe cafes caffe coffee restaurant~ kitchen grill pizza pizzeria~ burger burgers roastery "
      "diner eatery bistro steak~ sushi shawarma kebab kabab tacos taqueria bbq tandoor~ biryani "
      "dhaba ristorante trattoria osteria taverna lokanta~ kafe cafeteria restoran rumahmakan "
      "warung "
-     "bakso lanchonete churrascaria fonda مطعم مطاعم كافيه مقهي قهوه رستوران کافه كافه ресторан "
+     "bakso lanchonete churrascaria fonda مطعم مطاعم كشري حلويات كافيه مقهي قهوه رستوران کافه كافه "
+     "ресторан "
      "кафе кофе~ столов~ суши бургер~ шашлы~ 餐厅 餐饮 咖啡 식당 카페 커피 치킨"},
     {"Groceries",
      "market markets supermarket~ hypermarket~ minimarket~ minimart grocer~ grocery groceries "
@@ -54,7 +57,7 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "padaria carniceria boulangerie boucherie epicerie supermarche backerei metzgerei bakkal~ "
      "manav "
      "kasap firin pasar warungsembako سوق ماركت بقال~ مخبز مخابز هايبر سوبر سوبرماركت تموينات "
-     "جزاره "
+     "جزاره حانوت "
      "نانوایی فروشگاه продукт~ гастроном супермаркет пекарн~ мясн~ 超市 便利店 마트 편의점"},
     {"Travel",
      "hotel~ airline~ airways travel~ tours hostel resort inn motel hotels otel "
@@ -142,6 +145,10 @@ std::string_view merchantCategory(std::string_view name) {
 
 std::string_view recipientCategory(std::string_view name) {
   return categoryOf(name, Named::shopOrPerson);
+}
+
+bool isShopWord(std::string_view word) {
+  return std::ranges::any_of(shopWords, [word](const ShopWords& shop) { return isOf(shop, word); });
 }
 
 }  // namespace kivo::recognition

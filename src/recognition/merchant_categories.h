@@ -15,4 +15,8 @@ std::string_view merchantCategory(std::string_view name);
 /// name is its name, since names of people begin with "Oscar" and "Zara" too. Thread-safe.
 std::string_view recipientCategory(std::string_view name);
 
+/// Whether `word`, folded (names/name_fold.h), is a word for a kind of shop: "pharmacy", "مطعم".
+/// Thread-safe.
+bool isShopWord(std::string_view word);
+
 }  // namespace kivo::recognition

@@ -12,6 +12,7 @@
 #include "recognition/movements.h"
 #include "recognition/name_text.h"
 #include "recognition/payer_text.h"
+#include "recognition/uncased_name.h"
 
 namespace kivo::recognition {
 
@@ -34,7 +35,7 @@ class NamePlaces {
         payerTextEnd = text.end;
         std::ranges::copy(text.places, std::back_inserter(places_));
       }
-      if (introduces(wording)) addBehind(wording);
+      if (introduces(wording) || isSlipOf(wording)) addBehind(wording);
     }
     addFields();
     // Of places that overlap, the first counts, and of those that begin together the longest.
@@ -49,12 +50,23 @@ class NamePlaces {
   }
 
  private:
-  static bool introduces(const Found& wording) {
+  [[nodiscard]] bool introduces(const Found& wording) const {
     const Marker* const marker = wording.as<Marker>();
-    if (marker == nullptr) return wording.payeeFollows;
+    if (marker == nullptr) return wording.payeeFollows || endsWithFrom(wording);
     return *marker == Marker::at || *marker == Marker::to || *marker == Marker::from ||
            *marker == Marker::label || *marker == Marker::by || *marker == Marker::towards ||
            (*marker == Marker::info && wording.payeeFollows);
+  }
+
+  // "Transfer from"
+  [[nodiscard]] bool endsWithFrom(const Found& wording) const {
+    return wording.end > wording.begin && items_[wording.end - 1].text == "from";
+  }
+
+  // "KD 11.250 PURCHASE MINIMUM DUE CAFE"
+  [[nodiscard]] bool isSlipOf(const Found& wording) const {
+    return wording.is(Move::purchase) && wording.begin > 0 && items_[wording.begin].capitals &&
+           items_[wording.begin - 1].kind == Item::Kind::sum;
   }
 
   // Whether the party of the payment is in front of `wording`: "Will Smith sent you".
@@ -196,20 +208,27 @@ class NamePlaces {
         (words_.wordingAt(begin) != nullptr && words_.wordingAt(begin)->is(Move::machine)))
       return;
     if (items_[begin].text.find_first_not_of('x') == std::string::npos) return;  // "XX7719"
-    const bool caps = words_.caseOf(wording.begin) == LetterCase::capital &&
-                      words_.caseOf(wording.end - 1) == LetterCase::capital;
-    const bool small = !caps;
+    const bool small = !isInCapitals(wording);
     if (colon && items_[wording.begin].startsSentence && addLine(begin)) return;
+    if (small && words_.caseOf(wording.begin) == LetterCase::capital && addTitled(wording, begin)) {
+      return;
+    }
     if (wording.is(Marker::at) && isPronoun(items_[begin].text)) {
       addClause(begin);
-    } else if (words_.isCapital(begin) && (small || colon)) {
+    } else if (words_.isCapital(begin) && (small || colon || isSlipOf(wording))) {
       addCapitals(begin);
     } else if (items_[begin].kind == Item::Kind::sum || items_[begin].kind == Item::Kind::number) {
       addNumberInFront(wording, begin);
     } else if (words_.isWord(begin) && !words_.isSmall(begin)) {
-      addFirstWording(wording, begin);
-      addDefinite(begin);
+      std::ranges::copy(uncasedNameBehind(message_, words_, wording, begin),
+                        std::back_inserter(places_));
     }
+  }
+
+  // "AT", "AS AT", but not the "At" of "Spent Rs 5 At Denied Jeans On 12/3".
+  [[nodiscard]] bool isInCapitals(const Found& wording) const {
+    return words_.caseOf(wording.begin) == LetterCase::capital && items_[wording.begin].capitals &&
+           words_.caseOf(wording.end - 1) == LetterCase::capital;
   }
 
   // The rest of the line, "To: Your txn declined", unless it names the person's own account. False
@@ -227,6 +246,24 @@ class NamePlaces {
     if (end >= items_.size() || !words) return false;
     add(begin, end, end);
     return true;
+  }
+
+  // "Spent Rs 5 At Refund Rs 5 credited On 12/3", "To Cashback Rs 5" on a line: in a message whose
+  // small words have capitals, a name goes on to the next of them or to the end of its line.
+  bool addTitled(const Found& wording, std::size_t begin) {
+    constexpr std::size_t longest = 9;
+    if (!words_.isCapital(begin)) return false;
+    const bool line = wording.begin > 0 && items_[wording.begin].startsSentence &&
+                      items_[wording.begin - 1].kind == Item::Kind::lineBreak;
+    for (std::size_t end = begin + 1; end < items_.size() && end <= begin + longest; ++end) {
+      const bool breaks = items_[end].kind == Item::Kind::lineBreak;
+      const bool date = items_[end].text == "on" && words_.isCapital(end) &&
+                        end + 1 < items_.size() && items_[end + 1].kind == Item::Kind::number;
+      if (date || (breaks && line)) add(begin, end, end);
+      if (date || breaks || words_.isOwnAccount(end)) return date || (breaks && line);
+      if (items_[end].startsSentence) return false;
+    }
+    return false;
   }
 
   void addCapitals(std::size_t begin) {
@@ -259,7 +296,9 @@ class NamePlaces {
   // "at 5 Dollar Bakery", "at 7-Eleven", "from EGP 9000.00. Fee: EGP 1.00 credited to you"
   void addNumberInFront(const Found& wording, std::size_t begin) {
     const bool sum = items_[begin].kind == Item::Kind::sum;
-    if (sum && wording.as<Marker>() == nullptr) return;  // "Pagamento de R$ 45,00 LUZ AZUL"
+    const bool from = endsWithFrom(wording) && words_.isSmall(wording.end - 1);
+    if (sum && !from && wording.as<Marker>() == nullptr)
+      return;  // "Pagamento de R$ 45,00 LUZ AZUL"
     std::size_t next = begin + 1;
     while (next < items_.size() && isMark(items_[next], "-'") && items_[next].glued) ++next;
     constexpr std::size_t longest = 5;
@@ -268,38 +307,9 @@ class NamePlaces {
         (sum || items_[begin].text.size() <= longest)) {
       const std::size_t end = words_.endOfCapitals(next);
       add(begin, end, end);
-    } else if (sum && items_[wording.begin].text == "from" && words_.isSmall(wording.begin)) {
+    } else if (sum && from) {
       add(begin, begin, begin + 1);  // a sum where a name is expected
     }
-  }
-
-  // "مقهى المرفوض": behind an Arabic noun a word with the article belongs to the name.
-  void addDefinite(std::size_t begin) {
-    constexpr std::string_view article = "ال";
-    const std::size_t next = begin + 1;
-    if (next >= items_.size() || words_.isInWording(begin) ||
-        items_[begin].text.starts_with(article))
-      return;
-    if (!words_.isWord(next) || items_[next].startsSentence || words_.wordingAt(next) == nullptr)
-      return;
-    const std::string_view word = items_[next].text;
-    if (word.starts_with(article) && words_.wordingAt(next)->end == next + 1 &&
-        !words_.isLabel(next)) {
-      add(next, next + 1, next + 1);
-    }
-  }
-
-  // Without small letters around it, only the first wording of a name can be told: "AT DENIED
-  // JEANS".
-  void addFirstWording(const Found& introduction, std::size_t begin) {
-    const Found* const first = words_.wordingAt(begin);
-    if (first == nullptr || first->end >= items_.size()) return;
-    const bool shop = introduction.is(Marker::at) || introduction.is(Marker::label);
-    const bool masks = first->as<Status>() != nullptr ||
-                       (first->as<Move>() != nullptr && shop && !first->is(Move::machine));
-    const bool goesOn = words_.isWord(first->end) && words_.wordingAt(first->end) == nullptr &&
-                        !items_[first->end].startsSentence;
-    if (masks && goesOn) add(begin, first->end, first->end);
   }
 
   const AnalysedMessage& message_;

@@ -28,7 +28,7 @@ constexpr auto commonWords = std::to_array<std::string_view>(
      "online",      "net",      "internet", "interest", "rent", "txn",        "refund",
      "reversal",    "agent",    "it",       "of",       "us",   "them",       "merchant",
      "cheque",      "check",    "savings",  "checking", "self", "others",     "رقم",
-     "transaction", "nil",      "na"});
+     "transaction", "nil",      "na",       "vat",      "gst",  "tax"});
 
 // Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
@@ -73,7 +73,10 @@ std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::
   const bool goesOn = end + 1 < items.size() && isMark(items[end], ".") &&
                       message.text[items[end + 1].begin] >= 'a' &&
                       message.text[items[end + 1].begin] <= 'z';
-  if (isShort && goesOn) name += '.';  // "Puffin Coffee Co. with"
+  const bool initial = end > begin + 1 && end < items.size() && isInitial(items[end - 1]) &&
+                       items[end - 2].kind != Item::Kind::number && isMark(items[end], ".") &&
+                       items[end].glued;            // "Pedro Soto M."
+  if ((isShort && goesOn) || initial) name += '.';  // "Puffin Coffee Co. with"
   return name;
 }
 
@@ -113,7 +116,10 @@ std::string shownPayee(std::string_view name) {
   if (begin == std::string::npos) return {};
   line.erase(0, begin);
   line.resize(wholeCharacters(line, longestName));
-  line.erase(line.find_last_not_of(edges) + 1);
+  const std::size_t last = line.find_last_not_of(edges) + 1;
+  const std::size_t mask = std::min(line.find_first_not_of('*', last), line.size());
+  constexpr std::size_t shortestMask = 2;
+  line.erase(mask >= last + shortestMask ? mask : last);  // "MONA S****"
   return line;
 }
 

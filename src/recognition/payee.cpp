@@ -180,6 +180,7 @@ class Names {
     const Marker* const marker = wording.as<Marker>();
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
     const std::size_t end = extent_.endOfName(begin, introduced);
+    if (introduced == Marker::towards && isFee(begin, end)) return {};
     const std::string& word = items_[wording.begin].text;
     const bool cased = isAscii(word.front()) || names::caseOfFirst(word) != LetterCase::none;
     if (cased && !items_[begin].named && isProse(introduced, begin, end)) return {};
@@ -188,6 +189,17 @@ class Names {
                                    (kind_ != Kind::income && introduced == Marker::from));
     if (ownSide && extent_.isWordOf(end, {Marker::own})) return {};
     return shown(begin, end, introduced);
+  }
+
+  // "for SMS & maintenance charge"
+  [[nodiscard]] bool isFee(std::size_t begin, std::size_t end) const {
+    constexpr auto words =
+        std::to_array<std::string_view>({"charge", "charges", "chgs", "chg", "fee", "fees", "vat"});
+    for (std::size_t at = begin; at <= end && at < items_.size(); ++at) {
+      const bool word = std::ranges::find(words, items_[at].text) != words.end();
+      if (word && !items_[at].named && !items_[at].startsSentence) return true;
+    }
+    return false;
   }
 
   // Whether the items are no name. Behind "for", "by" and the like a name has a capital, unless it

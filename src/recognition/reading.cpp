@@ -14,6 +14,7 @@
 #include "recognition/name_places.h"
 #include "recognition/payee.h"
 #include "recognition/payment_sentence.h"
+#include "recognition/purpose.h"
 #include "recognition/reported_part.h"
 #include "recognition/spelling.h"
 #include "recognition/stated_sums.h"
@@ -134,40 +135,6 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
   return std::string(category.empty() ? "Other" : category);
 }
 
-struct Purpose {
-  std::string_view word;
-  std::string_view description;
-  std::string_view category;
-};
-
-// The purpose of a payment without a payee, by a folded word of the message.
-constexpr auto purposes = std::to_array<Purpose>({
-    {"loan", "Loan payment", "Loan"},
-    {"installment", "Loan payment", "Loan"},
-    {"instalment", "Loan payment", "Loan"},
-    {"emi", "Loan payment", "Loan"},
-    {"قسط", "Loan payment", "Loan"},
-    {"قرض", "Loan payment", "Loan"},
-    {"airtime", "Phone top-up", "Phone"},
-    {"recharge", "Phone top-up", "Phone"},
-    {"insurance", "Insurance", "Insurance"},
-    {"premium", "Insurance", "Insurance"},
-    {"electricity", "Electricity", "Utilities"},
-    {"water", "Water", "Utilities"},
-    {"rent", "Rent", "Rent"},
-    {"maintenance", "Bank fee", "Fees"},
-});
-
-// The purpose of a payment whose words say no more than that money left; null without one.
-const Purpose* purposeOf(const AnalysedMessage& message, const Movement& naming) {
-  if (naming.kind != Kind::expense || !naming.category.empty()) return nullptr;
-  for (const Item& item : message.items) {
-    const auto* const found = std::ranges::find(purposes, item.text, &Purpose::word);
-    if (item.kind == Item::Kind::word && found != purposes.end()) return found;
-  }
-  return nullptr;
-}
-
 // The movement that the message reports; null without one. `openingDropped`: its first sentence
 // does not count.
 const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
@@ -218,10 +185,10 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
   if (other) reading.payee = payeeIn(message, movement.kind);
   reading.description = reading.payee.empty() ? naming.description : reading.payee;
   reading.category = categoryOf(naming, reading.payee);
-  const Purpose* const purpose = reading.payee.empty() ? purposeOf(message, naming) : nullptr;
-  if (purpose != nullptr) {
-    reading.description = purpose->description;
-    reading.category = purpose->category;
+  if (other && reading.payee.empty()) {
+    Purpose purpose = purposeOf(message, naming);
+    if (!purpose.description.empty()) reading.description = std::move(purpose.description);
+    if (!purpose.category.empty()) reading.category = purpose.category;
   }
   reading.account = ownAccount(message, movement.kind);
   reading.reference = referenceIn(message);
@@ -286,6 +253,16 @@ Reading agreed(Reading one, Reading other) {
   return reading;
 }
 
+// Whether a sum that may be part of the name at `place` is `amount`: it is not to be proposed.
+bool mayName(const AnalysedMessage& message, const NamePlace& place,
+             const std::optional<Money>& amount) {
+  return std::any_of(
+      message.items.begin() + static_cast<std::ptrdiff_t>(place.end),
+      message.items.begin() + static_cast<std::ptrdiff_t>(place.lastEnd), [&](const Item& item) {
+        return item.kind == Item::Kind::sum && amount && item.sum.minorUnits == amount->minorUnits;
+      });
+}
+
 // The reading of `whole`, whose names are marked.
 Reading readNamed(const AnalysedMessage& whole, const Wordings& wordings,
                   const CurrencyCode& bookCurrency) {
@@ -331,7 +308,11 @@ Reading readBy(const Wordings& wordings, std::string_view text, const CurrencyCo
                           [](const NamePlace& place) { return place.end == place.lastEnd; })) {
     return first;
   }
-  return agreed(std::move(first), readWith(NameEnd::last));
+  Reading reading = agreed(std::move(first), readWith(NameEnd::last));
+  const bool doubtful = std::ranges::any_of(
+      places, [&](const NamePlace& place) { return mayName(plain, place, reading.amount); });
+  if (reading.outcome == Outcome::needsReview && doubtful) reading.amount.reset();
+  return reading;
 }
 
 }  // namespace kivo::recognition

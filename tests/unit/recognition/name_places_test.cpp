@@ -102,5 +102,69 @@ TEST(ASumInFrontOfAName, IsTheSumBehindAVerb) {
             "expense 45.00 | LUZ AZUL");
 }
 
+TEST(AName, GoesOnToTheDateWhereSmallWordsHaveCapitals) {
+  EXPECT_EQ(readingOf("Spent EGP 4999 On Fern Bank Card 7781 At Refund EGP 4999 credited On "
+                      "2025-03-11:19:04:22"),
+            "expense 4999.00 | Refund EGP 4999 credited");
+  EXPECT_EQ(readingOf("Sent EGP 4999.00\nFrom Fern Bank A/C *0931\nTo Cashback Credited EGP 4999\n"
+                      "On 16/07/26\nRef 610900220033"),
+            "expense 4999.00 | Cashback Credited EGP 4999");
+}
+
+TEST(AName, BehindAPurchaseInCapitalsMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingOf("EGP 11.25 PURCHASE MINIMUM DUE CAFE CARD **9920 13/07/26 BAL EGP 402.10"),
+            "expense 11.25 | MINIMUM DUE CAFE");
+}
+
+TEST(AName, GoesOnBehindAnInitial) {
+  EXPECT_EQ(readingOf("You have sent EGP 15.00 to NOEL V. CANCELADO on 07-22-2026. Ref. 8001998"),
+            "expense 15.00 | NOEL V. CANCELADO");
+}
+
+TEST(AName, KeepsThePointOfItsLastInitial) {
+  EXPECT_EQ(readingOf("You have sent EGP 15.00 to JO****N D. on 07-22-2026. Ref. 8001998"),
+            "expense 15.00 | JO****N D.");
+  EXPECT_EQ(readingOf("You paid EGP 15.00 at Fern 4 U. Ref 901125. Balance: EGP 801.00"),
+            "expense 15.00 | Fern 4 U");
+}
+
+TEST(AName, KeepsTheMaskAtItsEnd) {
+  EXPECT_EQ(readingOf("EGP 20.00 sent to MONA S**** K**** with reference 5b1f0d at 30-05 14:07"),
+            "expense 20.00 | MONA S**** K****");
+}
+
+TEST(AnArabicName, MayHoldTheWordsOfABankBehindAShopsNoun) {
+  EXPECT_EQ(
+      readingOf(
+          "تمت عملية شراء بقيمة 58.00 جنيه ببطاقتك 6612 لدى مخبز رمز الوفاء. الرصيد 3,002.00 جنيه"),
+      "expense 58.00 | مخبز رمز الوفاء");
+  EXPECT_EQ(readingOf("تم خصم 3.75 جنيه من بطاقتك 9012 لدى حلويات عرض اليوم بتاريخ 12/11/2026"),
+            "expense 3.75 | حلويات عرض اليوم");
+  EXPECT_EQ(readingOf("تم دفع 75 جنيه الى كشري الساعة 12 من محفظتك. رقم العملية 005599001"),
+            "expense 75.00 | كشري الساعة 12");
+  EXPECT_EQ(
+      readingOf("تم خصم 85.00 جنيه من بطاقتكم 4410 لدى كافيه رصيد والرصيد المتاح 1,220.00 جنيه"),
+      "expense 85.00 | كافيه رصيد");
+}
+
+TEST(AnArabicName, MayBeginWithSeveralWordings) {
+  EXPECT_EQ(
+      readingOf("تم خصم مبلغ 700.00 جنيه من بطاقتكم رقم **2207 لدى لم يتم الخصم ستور يوم 22/07"),
+      "expense 700.00 | لم يتم الخصم ستور");
+}
+
+TEST(AnArabicName, EndsBeforeTheOutcomeAndTheBalance) {
+  EXPECT_EQ(readingOf("عملية شراء بمبلغ 20 جنيه لدى مطعم الورد مرفوضة"), "declined");
+  EXPECT_EQ(readingOf("تم خصم 20 جنيه لدى مطعم الورد الرصيد 300 جنيه"),
+            "expense 20.00 | مطعم الورد");
+  EXPECT_EQ(readingOf("تم خصم 20 جنيه لدى متجر الورد الساعة 12"), "expense 20.00 | متجر الورد");
+}
+
+TEST(ASum, ThatMayBePartOfANameIsNotProposed) {
+  EXPECT_EQ(readingOf("Transfer from EGP 9000.00. Fee: EGP 1.00 credited to your account 12 Amount "
+                      "EGP 5.00"),
+            "review ?");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

@@ -153,7 +153,7 @@ TEST(ABillPayment, IsAnExpense) {
 
 TEST(AFee, IsAnExpenseWhenItIsAllThatWasDebited) {
   EXPECT_EQ(of("Your account was debited with an annual fee of EGP 150.00"),
-            "expense 150.00 | Bank fee | Fees");
+            "expense 150.00 | Annual fee | Fees");
 }
 
 TEST(ASalary, IsIncome) {
@@ -251,6 +251,24 @@ TEST(AVeryLongMessage, IsReadAtItsFrontOnly) {
 TEST(AGermanDate, DoesNotEndTheSentence) {
   EXPECT_EQ(read("Ihre Karte wird am 10.05. mit 45,00 EUR belastet", "EUR").outcome,
             Outcome::notATransaction);
+}
+
+TEST(APayment, ToNobodyIsDescribedByTheWordsOfItsPurpose) {
+  EXPECT_EQ(of("EGP 650 debited from account XX18 for SMS BANKING CHARGES, 03/02/2026"),
+            "expense 650.00 | SMS BANKING CHARGES | Fees");
+  EXPECT_EQ(of("Account XX6620 credited with EGP 41.00 on 31-DEC-2026 towards quarterly interest"),
+            "income 41.00 | Quarterly interest | Income");
+  EXPECT_EQ(of("Your locker rent of EGP 500.00 was debited from account XX18 on 03/02/2026"),
+            "expense 500.00 | Locker rent | Rent");
+  EXPECT_EQ(of("Debit card issuance fee of EGP 90.00 debited from A/c XX18 on 03/02/2026"),
+            "expense 90.00 | Debit card issuance fee | Fees");
+}
+
+TEST(APayment, ToNobodyKeepsItsPlainDescriptionBehindPlainWords) {
+  EXPECT_EQ(of("A transaction of EGP 650 was debited from account XX18 on 03/02/2026"),
+            "expense 650.00 | Payment | Other");
+  EXPECT_EQ(of("A deposit of EGP 650 was credited to your account XX18 on 03/02/2026"),
+            "income 650.00 | Deposit | Income");
 }
 
 }  // namespace
