@@ -293,6 +293,17 @@ TEST_F(ALedger, ConvertsAnEntryWhoseCurrencyIsEdited) {
   shown({"edit", "1", "--currency", "EGP"});
   EXPECT_EQ(json({"review"})[0]["amount"], "484.52");
   EXPECT_EQ(json({"review"})[0]["currency"], "EGP");
+  EXPECT_THAT(shown({"show", "1"}), HasSubstr("\nConverted    from 9.99 USD\n"));
+}
+
+TEST_F(ALedger, ShowsTheBalanceThatAMessageStates) {
+  {
+    const auto server = ledger_.start();
+    ledger_.post("KEY-1",
+                 "Your card ending 4821 was charged EGP 150.00 at Carrefour City. "
+                 "Available balance EGP 9,000.50");
+  }
+  EXPECT_THAT(shown({"show", "1"}), HasSubstr("\nBalance      9000.50 EGP\n"));
 }
 
 TEST_F(ALedger, RefusesToBookASumThatIsOutOfRange) {

@@ -83,6 +83,7 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
   change.description = givenText(parameters, "--description");
   change.category = givenText(parameters, "--category");
   change.amount = amountFrom(parameters, book, entry);
+  if (!parameters.contains("--amount")) change.original = entry.amount;  // if it was converted
   return change;
 }
 

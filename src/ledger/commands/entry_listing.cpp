@@ -200,6 +200,8 @@ std::string EntryListing::details(const LedgerEntry& entry) {
   add("Date", dateOf(entry));
   add("Kind", kindText(entry.kind));
   add("Amount", sumText(entry));
+  if (entry.original) add("Converted", "from " + sumText(*entry.original));
+  if (entry.balance) add("Balance", sumText(*entry.balance));
   add("Description", entry.description);
   add("Category", entry.category);
   add("Payee", entry.payee);

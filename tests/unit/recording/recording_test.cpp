@@ -166,7 +166,29 @@ TEST_F(ABook, PutsAForeignAmountInReviewUntilARateIsSet) {
   ASSERT_TRUE(response.saved);
   EXPECT_EQ(response.expense->amount, 509.25);
   EXPECT_EQ(book.entries({})[0].amount, (Money{50925, "EGP"}));
+  EXPECT_EQ(book.entries({})[0].original, (Money{1050, "USD"}));
+  EXPECT_FALSE(book.entry(1)->original);
+  ASSERT_TRUE(accept(book, 1));
+  EXPECT_EQ(book.entry(1)->original, (Money{1050, "USD"}));
+  ASSERT_TRUE(accept(book, 1));
+  EXPECT_EQ(book.entry(1)->original, (Money{1050, "USD"}));
+  ASSERT_TRUE(book.edit(1, {.amount = Money{50000, "EGP"}}));
+  EXPECT_FALSE(book.entry(1)->original);
   EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");
+}
+
+TEST_F(ABook, KeepsTheBalanceThatAMessageStates) {
+  Book book = open();
+  Reading reading = spent(100);
+  reading.balance = Money{987654, "EGP"};
+  EXPECT_EQ(recorded(book, "KEY-1", reading).balance, (Money{987654, "EGP"}));
+  reading.outcome = Outcome::needsReview;
+  EXPECT_EQ(recorded(book, "KEY-2", reading).balance, (Money{987654, "EGP"}));
+  EXPECT_FALSE(recorded(book, "KEY-3", spent(100)).balance);
+  LedgerEntry again = *book.entry(1);
+  again.balance = Money{5, "USD"};
+  ASSERT_TRUE(book.bookAs(again));
+  EXPECT_EQ(book.entry(1)->balance, (Money{5, "USD"}));
 }
 
 TEST_F(ABook, ConvertsBetweenCurrenciesWithDifferentDecimals) {
