@@ -61,9 +61,9 @@ void ledgerAnswer(State& state) {
                                       [](const book::LedgerEntry&) {});
   int number = 0;
   for (auto _ : state) {
-    const auto answer = endpoint.answer({.method = "POST",
-                                         .target = "/functions/v1/sms-extraction",
-                                         .body = body("NEW-" + std::to_string(++number))});
+    const auto answer = endpoint.answers({{.method = "POST",
+                                           .target = "/functions/v1/sms-extraction",
+                                           .body = body("NEW-" + std::to_string(++number))}})[0];
     if (!answer.body.starts_with(R"({"saved":true)")) state.SkipWithError("nothing was booked");
   }
 }

@@ -69,9 +69,10 @@ void requireADocumentedAnswer(const UnixHttpServer::Request& request,
 void requireTheSameAnswerAgain(Ledger& ledger, UnixHttpServer::Request request,
                                const std::string& body) {
   const std::string before = ledger.entries();
-  fuzz::require(ledger.endpoint.answer(request).body == body, "a request is answered as before");
+  fuzz::require(ledger.endpoint.answers({request})[0].body == body,
+                "a request is answered as before");
   request.body = withAnotherText(request.body);
-  fuzz::require(ledger.endpoint.answer(request).body == body, "a key has one answer");
+  fuzz::require(ledger.endpoint.answers({request})[0].body == body, "a key has one answer");
   fuzz::require(ledger.entries() == before, "a known key adds no entry");
 }
 
@@ -86,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   request.target = nextLine(rest);
   request.body = rest;
 
-  const UnixHttpServer::Answer answer = ledger.endpoint.answer(request);
+  const UnixHttpServer::Answer answer = ledger.endpoint.answers({request})[0];
   requireADocumentedAnswer(request, answer);
   const std::string entries = ledger.entries();
   const bool booked = entries == "booked\n";

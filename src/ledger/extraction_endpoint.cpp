@@ -18,6 +18,7 @@ using recording::Recorded;
 namespace {
 
 using Answer = UnixHttpServer::Answer;
+using Request = UnixHttpServer::Request;
 using platform::DecodingError;
 
 constexpr int ok = 200;
@@ -52,6 +53,24 @@ Message messageFrom(std::string_view body) {
   return message;
 }
 
+// The answer to a request that records no message.
+struct Refused {
+  Answer answer;
+};
+
+// Throws Refused.
+Message messageOf(const Request& request) {
+  if (!isEndpoint(request.target)) throw Refused{refusal(notFound, "not found")};
+  if (request.method != "POST") {
+    throw Refused{refusal(methodNotAllowed, "method not allowed", "POST")};
+  }
+  try {
+    return messageFrom(request.body);
+  } catch (const DecodingError& error) {
+    throw Refused{refusal(badRequest, error.what())};
+  }
+}
+
 }  // namespace
 
 ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<money::CurrencyCode>()> currency,
@@ -59,39 +78,67 @@ ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<money::Curren
                                        recording::MessageReader read)
     : currency_(std::move(currency)), review_(std::move(review)), read_(std::move(read)) {}
 
-Answer ExtractionEndpoint::answer(const UnixHttpServer::Request& request) {
-  if (!isEndpoint(request.target)) return refusal(notFound, "not found");
-  if (request.method != "POST") return refusal(methodNotAllowed, "method not allowed", "POST");
-  try {
-    return record(messageFrom(request.body));
-  } catch (const DecodingError& error) {
-    return refusal(badRequest, error.what());
+std::vector<Answer> ExtractionEndpoint::answers(const std::vector<Request>& requests) {
+  std::vector<Answer> answers;
+  std::vector<Message> messages;
+  std::vector<std::size_t> places;  // of the messages' answers
+  for (const Request& request : requests) {
+    try {
+      messages.push_back(messageOf(request));
+      places.push_back(answers.size());
+      answers.emplace_back();
+    } catch (const Refused& refused) {
+      answers.push_back(refused.answer);
+    }
   }
+  if (messages.empty()) return answers;
+  auto recorded = record(messages);
+  for (std::size_t at = 0; at < places.size(); ++at) {
+    answers[places[at]] = std::move(recorded[at]);
+  }
+  return answers;
 }
 
-Answer ExtractionEndpoint::record(const Message& message) {
+std::vector<Answer> ExtractionEndpoint::record(const std::vector<Message>& messages) {
+  const auto all = [&](Answer answer) { return std::vector<Answer>(messages.size(), answer); };
   try {
     if (!book_) book_ = book::Book::open();
     const auto currency = currency_();
-    if (!currency) return refusal(serviceUnavailable, notOpened);
+    if (!currency) return all(refusal(serviceUnavailable, notOpened));
     if (!book_->isWhole()) {
       book_.reset();
-      return refusal(serviceUnavailable, "the book is damaged");
+      return all(refusal(serviceUnavailable, "the book is damaged"));
     }
-    Recorded recorded = recording::record(*book_, message, read_, *currency);
-    if (recorded.entry && recorded.entry->state == LedgerEntry::State::review) {
-      review_(*recorded.entry);
+    std::vector<Recorded> recorded;
+    const auto recordAll = [&] {
+      for (const Message& message : messages) {
+        recorded.push_back(recording::record(*book_, message, read_, *currency));
+      }
+    };
+    if (messages.size() == 1) {
+      recordAll();  // a known key needs no step, and is answered when the book cannot be written
+    } else {
+      book_->inOneStep(recordAll);
     }
-    return {.status = ok, .body = std::move(recorded.answer), .allow = ""};
+    return answersOf(recorded);
   } catch (const BookFailure& failure) {
     if (!book_) {
       linux_platform::tellNotOpened(failure);
-      return refusal(serviceUnavailable, notOpened);
+      return all(refusal(serviceUnavailable, notOpened));
     }
     book_->tell(failure);
     book_.reset();  // the next request opens it again: the user may replace a damaged file
-    return refusal(serviceUnavailable, "the book cannot be written");
+    return all(refusal(serviceUnavailable, "the book cannot be written"));
   }
+}
+
+std::vector<Answer> ExtractionEndpoint::answersOf(const std::vector<Recorded>& recorded) {
+  std::vector<Answer> answers;
+  for (const Recorded& one : recorded) {
+    if (one.entry && one.entry->state == LedgerEntry::State::review) review_(*one.entry);
+    answers.push_back({.status = ok, .body = one.answer, .allow = ""});
+  }
+  return answers;
 }
 
 }  // namespace kivo::ledger

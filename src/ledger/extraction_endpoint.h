@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "book/book.h"
 #include "ledger/unix_http_server.h"
@@ -20,16 +21,19 @@ class ExtractionEndpoint {
                      std::function<void(const book::LedgerEntry&)> review,
                      recording::MessageReader read = recognition::read);
 
-  /// Returns 200 and the response record for a POST to /functions/v1/sms-extraction whose body is
-  /// an object of exactly the request's four strings, with an existing date; 400 for another body,
-  /// 404 for another path, 405 for another method, and 503 when the book cannot be opened or
-  /// written or is damaged, or its currency cannot be read. After 503 nothing is stored, and the
-  /// next request tries again; a line on standard error gives the reason, once for repeated
+  /// Returns the answers to `requests`, in their order. Those that record a message are one step of
+  /// the book: all are durable together, or all are 503. The answer to a POST to
+  /// /functions/v1/sms-extraction whose body is an object of exactly the request's four strings,
+  /// with an existing date, is 200 and the response record; it is 400 for another body, 404 for
+  /// another path, 405 for another method, and 503 when the book cannot be opened or written or is
+  /// damaged, or its currency cannot be read. After 503 nothing is stored, and the next request
+  /// tries again; a line on standard error gives the reason, once for repeated
   /// failures to open. The body of every status but 200 is `{"error": ...}`.
-  UnixHttpServer::Answer answer(const UnixHttpServer::Request& request);
+  std::vector<UnixHttpServer::Answer> answers(const std::vector<UnixHttpServer::Request>& requests);
 
  private:
-  UnixHttpServer::Answer record(const recording::Message& message);
+  std::vector<UnixHttpServer::Answer> record(const std::vector<recording::Message>& messages);
+  std::vector<UnixHttpServer::Answer> answersOf(const std::vector<recording::Recorded>& recorded);
 
   std::function<std::optional<money::CurrencyCode>()> currency_;
   std::function<void(const book::LedgerEntry&)> review_;

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "ledger/book_currency.h"
 #include "ledger/commands/adding_command.h"
@@ -49,8 +50,9 @@ void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseco
   ExtractionEndpoint endpoint(
       bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
       TemplateFile::reader());
-  UnixHttpServer server(
-      [&endpoint](const UnixHttpServer::Request& request) { return endpoint.answer(request); });
+  UnixHttpServer server([&endpoint](const std::vector<UnixHttpServer::Request>& requests) {
+    return endpoint.answers(requests);
+  });
   server.run(socket, idleLimit);
 }
 

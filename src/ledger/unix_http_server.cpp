@@ -4,9 +4,11 @@
 #include <memory>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/local/stream_protocol.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/basic_stream.hpp>
@@ -29,6 +31,8 @@ constexpr std::uint64_t longestBody = 1U << 20U;
 constexpr std::chrono::seconds longestExchange{10};
 // The pause after a failed accept, such as when no file descriptor is left.
 constexpr std::chrono::milliseconds acceptPause{50};
+// The requests that are answered together. The first of them waits for the last.
+constexpr std::size_t mostTogether = 64;
 
 using Response = http::response<http::string_body>;
 
@@ -53,21 +57,21 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   }
 
   void begin();
-  // Closes the connection unless the response is being sent.
-  void dropUnanswered() {
-    if (!answered_) stream_.close();
+  void respond(UnixHttpServer::Answer answer);
+  // Closes the connection unless its request is complete.
+  void dropIncomplete() {
+    if (!isComplete_) stream_.close();
   }
 
  private:
   void received(const error_code& error);
-  void respond(UnixHttpServer::Answer answer);
 
   beast::basic_stream<stream_protocol> stream_;
   Connections& connections_;
   beast::flat_buffer buffer_;
   http::request_parser<http::string_body> parser_;
   Response response_;
-  bool answered_ = false;
+  bool isComplete_ = false;
 };
 
 // The state of one `run`. Its event loop ends when no operation is pending.
@@ -91,8 +95,11 @@ class Connections {
     context_.run();
   }
 
-  UnixHttpServer::Answer answer(const UnixHttpServer::Request& request) {
-    return handler_(request);
+  // Has `request` answered with those that come meanwhile.
+  void answer(UnixHttpServer::Request request, std::shared_ptr<Exchange> exchange) {
+    requests_.push_back(std::move(request));
+    waiting_.push_back(std::move(exchange));
+    if (waiting_.size() == 1) answerWhenAllCame(0);
   }
 
   void ended(const std::shared_ptr<Exchange>& exchange) {
@@ -107,10 +114,28 @@ class Connections {
       if (error) return acceptLater();
       const auto exchange = std::make_shared<Exchange>(std::move(socket), *this);
       exchanges_.insert(exchange);
+      ++arrivals_;
       idle_.cancel();
       exchange->begin();
       accept();
     });
+  }
+
+  // Each turn of the event loop takes what came: a connection, then its request. So those that were
+  // sent at the same time are here after the first turn in which nothing came.
+  void answerWhenAllCame(std::size_t arrivalsBefore) {
+    const std::size_t arrivals = arrivals_ + waiting_.size();
+    if (arrivals == arrivalsBefore || waiting_.size() >= mostTogether) return answerWaiting();
+    asio::post(context_, [this, arrivals] { answerWhenAllCame(arrivals); });
+  }
+
+  void answerWaiting() {
+    const auto requests = std::exchange(requests_, {});
+    const auto waiting = std::exchange(waiting_, {});
+    auto answers = handler_(requests);
+    for (std::size_t at = 0; at < waiting.size(); ++at) {
+      waiting[at]->respond(std::move(answers.at(at)));
+    }
   }
 
   void acceptLater() {
@@ -134,7 +159,7 @@ class Connections {
     signals_.cancel(ignored);
     pause_.cancel();
     idle_.cancel();
-    for (const auto& exchange : exchanges_) exchange->dropUnanswered();
+    for (const auto& exchange : exchanges_) exchange->dropIncomplete();
   }
 
   const UnixHttpServer::Handler& handler_;
@@ -145,6 +170,11 @@ class Connections {
   asio::steady_timer idle_;
   std::optional<std::chrono::milliseconds> idleLimit_;
   std::set<std::shared_ptr<Exchange>> exchanges_;
+  // The connections that were accepted so far.
+  std::size_t arrivals_ = 0;
+  // The requests to be answered together, and their exchanges.
+  std::vector<UnixHttpServer::Request> requests_;
+  std::vector<std::shared_ptr<Exchange>> waiting_;
 };
 
 void Exchange::begin() {
@@ -165,14 +195,16 @@ void Exchange::received(const error_code& error) {
     respond({.status = 400, .body = R"({"error":"this is no HTTP request"})", .allow = ""});
   } else {
     auto& request = parser_.get();
-    respond(connections_.answer({.method = std::string(request.method_string()),
-                                 .target = std::string(request.target()),
-                                 .body = std::move(request.body())}));
+    isComplete_ = true;
+    connections_.answer({.method = std::string(request.method_string()),
+                         .target = std::string(request.target()),
+                         .body = std::move(request.body())},
+                        shared_from_this());
   }
 }
 
 void Exchange::respond(UnixHttpServer::Answer answer) {
-  answered_ = true;
+  isComplete_ = true;
   response_ = responseOf(std::move(answer));
   http::async_write(
       stream_, response_, [self = shared_from_this()](const error_code&, std::size_t) {

@@ -5,13 +5,14 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ledger/listening_socket.h"
 
 namespace kivo::ledger {
 
 /// A single-threaded server: the event loop of `run` serves all connections and calls the handler
-/// for one request at a time. Closes each connection after one response.
+/// with the requests that wait together. Closes each connection after one response.
 class UnixHttpServer {
  public:
   struct Request {
@@ -27,7 +28,8 @@ class UnixHttpServer {
     /// The value of the Allow header; empty to send no such header.
     std::string allow;
   };
-  using Handler = std::function<Answer(const Request&)>;
+  /// Returns an answer for each of the requests, of which there are 1 to 64, in their order.
+  using Handler = std::function<std::vector<Answer>(const std::vector<Request>&)>;
 
   /// `handler` must not throw.
   explicit UnixHttpServer(Handler handler) : handler_(std::move(handler)) {}

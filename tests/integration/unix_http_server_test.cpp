@@ -21,6 +21,7 @@
 #include "testkit/http_exchange.h"
 #include "testkit/other_process.h"
 #include "testkit/private_folders.h"
+#include "testkit/private_phone.h"
 
 namespace kivo::testkit {
 
@@ -50,10 +51,16 @@ class AUnixSocket : public testing::Test {
   std::future<void> serving(std::chrono::milliseconds idle) {
     auto socket = std::make_shared<ListeningSocket>(ListeningSocket::create(path()));
     return std::async(std::launch::async, [this, socket, idle] {
-      UnixHttpServer server([this](const UnixHttpServer::Request& request) {
-        ++requests_;
-        const std::string body = request.method + " " + request.target + " " + request.body;
-        return UnixHttpServer::Answer{.status = 200, .body = body, .allow = ""};
+      UnixHttpServer server([this](const std::vector<UnixHttpServer::Request>& requests) {
+        std::vector<UnixHttpServer::Answer> answers;
+        for (const auto& request : requests) {
+          ++requests_;
+          const std::string body = request.method + " " + request.target + " " + request.body;
+          answers.push_back({.status = 200, .body = body, .allow = ""});
+        }
+        mostTogether_ = std::max(mostTogether_.load(), requests.size());
+        std::this_thread::sleep_for(handling_);
+        return answers;
       });
       server.run(*socket, idle);
     });
@@ -85,6 +92,9 @@ class AUnixSocket : public testing::Test {
   TemporaryFolder folder_;
   linux_platform::HTTPURLSession session_;
   std::atomic<int> requests_ = 0;
+  std::atomic<std::size_t> mostTogether_ = 0;
+  // The time that the handler takes.
+  std::chrono::milliseconds handling_{0};
 };
 
 TEST_F(AUnixSocket, CarriesARequestAndItsAnswer) {
@@ -101,6 +111,36 @@ TEST_F(AUnixSocket, CarriesSixtyRequestsAtOnce) {
     exchanges.push_back(std::make_unique<RunningExchange>(session_, post(url() + "/x")));
   }
   for (const auto& running : exchanges) EXPECT_EQ(running->wait().status(), 200);
+}
+
+TEST_F(AUnixSocket, AnswersRequestsThatCameMeanwhileTogetherAndEachWithItsOwnAnswer) {
+  handling_ = 200ms;
+  const auto server = serving(1s);
+  RunningExchange first(session_, post(url() + "/first"));
+  eventually([&] { return requests_ == 1; });
+  std::vector<std::unique_ptr<RunningExchange>> others;
+  for (int number = 0; number < 8; ++number) {
+    others.push_back(
+        std::make_unique<RunningExchange>(session_, post(url() + "/" + std::to_string(number))));
+  }
+  EXPECT_EQ(first.wait().body(), "POST /first {}");
+  for (std::size_t number = 0; number < others.size(); ++number) {
+    EXPECT_EQ(others[number]->wait().body(), "POST /" + std::to_string(number) + " {}");
+  }
+  EXPECT_EQ(mostTogether_, 8U);
+}
+
+TEST_F(AUnixSocket, AnswersSixtyFourRequestsTogetherAtMost) {
+  handling_ = 300ms;
+  const auto server = serving(1s);
+  RunningExchange first(session_, post(url() + "/first"));
+  eventually([&] { return requests_ == 1; });
+  std::vector<std::unique_ptr<RunningExchange>> others;
+  for (int number = 0; number < 80; ++number) {
+    others.push_back(std::make_unique<RunningExchange>(session_, post(url() + "/x")));
+  }
+  for (const auto& running : others) EXPECT_EQ(running->wait().status(), 200);
+  EXPECT_EQ(mostTogether_, 64U);
 }
 
 TEST_F(AUnixSocket, ReceivesTheHostHeaderLocalhost) {

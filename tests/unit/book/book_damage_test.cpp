@@ -56,8 +56,8 @@ class ADamagedBook : public LedgerTest {
     object.encodeString("user_id", "user");
     object.encodeString("expense_date", "2026-11-21");
     object.encodeString("idempotency_key", key);
-    return endpoint.answer(
-        {.method = "POST", .target = "/functions/v1/sms-extraction", .body = object.text()});
+    return endpoint.answers(
+        {{.method = "POST", .target = "/functions/v1/sms-extraction", .body = object.text()}})[0];
   }
   ExtractionEndpoint endpoint() {
     return {[] { return money::CurrencyCode("EGP"); }, [](const LedgerEntry&) {}, reader()};

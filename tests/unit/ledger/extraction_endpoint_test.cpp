@@ -34,10 +34,13 @@ class AnExtractionEndpoint : public LedgerTest {
     return object.text();
   }
 
-  UnixHttpServer::Answer post(std::string body) {
-    return endpoint_.answer(
-        {.method = "POST", .target = "/functions/v1/sms-extraction", .body = std::move(body)});
+  static UnixHttpServer::Request request(std::string body) {
+    return {.method = "POST", .target = "/functions/v1/sms-extraction", .body = std::move(body)};
   }
+  UnixHttpServer::Answer answer(const UnixHttpServer::Request& request) {
+    return endpoint_.answers({request}).front();
+  }
+  UnixHttpServer::Answer post(std::string body) { return answer(request(std::move(body))); }
 
   std::optional<money::CurrencyCode> currency_ = money::CurrencyCode("EGP");
   std::vector<std::int64_t> reviewed_;
@@ -57,19 +60,45 @@ TEST_F(AnExtractionEndpoint, AnswersWithAResponseRecord) {
 
 TEST_F(AnExtractionEndpoint, AcceptsAPathWithTwoLeadingSlashes) {
   EXPECT_EQ(
-      endpoint_
-          .answer({.method = "POST", .target = "//functions/v1/sms-extraction", .body = body()})
-          .status,
+      answer({.method = "POST", .target = "//functions/v1/sms-extraction", .body = body()}).status,
       200);
 }
 
 TEST_F(AnExtractionEndpoint, RefusesOtherPathsAndMethods) {
-  EXPECT_EQ(endpoint_.answer({.method = "POST", .target = "/", .body = body()}).status, 404);
-  const auto answer =
-      endpoint_.answer({.method = "GET", .target = "/functions/v1/sms-extraction", .body = ""});
-  EXPECT_EQ(answer.status, 405);
-  EXPECT_EQ(answer.allow, "POST");
-  EXPECT_THAT(answer.body, StartsWith(R"({"error":")"));
+  EXPECT_EQ(answer({.method = "POST", .target = "/", .body = body()}).status, 404);
+  const auto refusal =
+      answer({.method = "GET", .target = "/functions/v1/sms-extraction", .body = ""});
+  EXPECT_EQ(refusal.status, 405);
+  EXPECT_EQ(refusal.allow, "POST");
+  EXPECT_THAT(refusal.body, StartsWith(R"({"error":")"));
+}
+
+TEST_F(AnExtractionEndpoint, AnswersRequestsThatWaitTogetherInTheirOrder) {
+  ASSERT_EQ(post(body("KEY-0")).status, 200);
+  auto answers =
+      endpoint_.answers({request(body("KEY-1")), request("no JSON"), request(body("KEY-0")),
+                         request(body("KEY-2")), request(body("KEY-1"))});
+  ASSERT_EQ(answers.size(), 5U);
+  EXPECT_THAT(answers[0].body, HasSubstr(R"("id":"2")"));
+  EXPECT_EQ(answers[1].status, 400);
+  EXPECT_THAT(answers[2].body, HasSubstr(R"("id":"1")"));
+  EXPECT_THAT(answers[3].body, HasSubstr(R"("id":"3")"));
+  EXPECT_EQ(answers[4].body, answers[0].body);
+  EXPECT_EQ(book::Book::open().entries({}).size(), 3U);
+}
+
+TEST_F(AnExtractionEndpoint, StoresAllThatWaitTogetherOrNone) {
+  ASSERT_EQ(post(body("KEY-0")).status, 200);
+  testkit::RawStore(file()).run(
+      "CREATE TRIGGER full BEFORE INSERT ON answers WHEN new.key = 'KEY-2' BEGIN "
+      "SELECT raise(ABORT, 'full'); END");
+  testing::internal::CaptureStderr();
+  const auto answers = endpoint_.answers({request(body("KEY-1")), request(body("KEY-2"))});
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(answers[0].status, 503);
+  EXPECT_EQ(answers[1].status, 503);
+  EXPECT_EQ(book::Book::open().entries({}).size(), 1U);
+  EXPECT_TRUE(reviewed_.empty());
 }
 
 TEST_F(AnExtractionEndpoint, RefusesABodyThatIsNoValidRequest) {
