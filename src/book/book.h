@@ -12,6 +12,7 @@
 #include "book/book_failure.h"
 #include "book/ignored_message.h"
 #include "book/ledger_entry.h"
+#include "book/rule.h"
 #include "book/user_command.h"
 #include "money/rate.h"
 
@@ -157,10 +158,9 @@ class Book {
   /// that `undo` has it; else it is erased.
   bool removeIgnored(std::int64_t number);
 
-  /// Changes the entry `id`; returns false when no entry has this id. A new description or category
-  /// that is not empty becomes a rule for later messages of the same payee. A category gets the
-  /// spelling that the book has for it. An entry that was set aside goes to review when all its
-  /// values can be. Look-alikes are looked for again.
+  /// Changes the entry `id`; returns false when no entry has this id. A category gets the spelling
+  /// that the book has for it. An entry that was set aside goes to review when all its values can
+  /// be. Look-alikes are looked for again.
   bool edit(std::int64_t id, const EntryChange& change);
   /// Books the entry `id` with the sum `amount`, which was converted from `original`.
   void bookWith(std::int64_t id, const money::Money& amount,
@@ -174,6 +174,24 @@ class Book {
   bool remove(std::int64_t id);
   /// Erases the texts of all messages from the file, and with them the ignored messages.
   ForgottenTexts forgetTexts();
+
+  /// Returns the rules for payees, in the order of their patterns.
+  [[nodiscard]] std::vector<Rule> rules() const;
+  /// Keeps a rule that gives `members` to later messages whose payees match the pattern `payee`, a
+  /// category in the spelling of the book. A rule with the same pattern gets them as its own.
+  /// nullopt when there are none, and when `payee` has nothing but blanks beside its stars.
+  std::optional<KeptRule> keepRule(const std::string& payee, const RuleMembers& members);
+  /// As `keepRule`, for exactly the payee of the entry `id`: gives its description and its category
+  /// where `change` has them. nullopt also when no entry has this id, or it has no payee.
+  std::optional<KeptRule> keepRuleOf(std::int64_t id, const EntryChange& change);
+  /// Removes the rule `number` and returns it; nullopt when it does not exist. No entry changes.
+  std::optional<Rule> removeRule(std::int64_t number);
+  /// Returns the entries that the members given to `kept` would change, but for those that a more
+  /// exact rule has.
+  [[nodiscard]] EarlierEntries earlierFor(const KeptRule& kept) const;
+  /// Changes them, but for those that the user edited, and returns them. They do not count as
+  /// edited.
+  EarlierEntries changeEarlier(const KeptRule& kept);
 
   /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
   /// entries accepted later.

@@ -1,25 +1,145 @@
 #include "book/rules.h"
 
-#include <string>
-#include <string_view>
+#include <map>
+#include <utility>
 
+#include "book/book_categories.h"
 #include "book/book_file.h"
+#include "book/fitting_rules.h"
 #include "book/history.h"
+#include "book/look_alikes.h"
+#include "book/stored_entry.h"
 #include "names/payee_key.h"
+#include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 namespace {
 
 using linux_platform::Statement;
+using names::NamePattern;
 
-// The pattern that only `name` matches.
-std::string patternOf(std::string_view name) {
-  std::string pattern;
-  for (const char c : name) {
-    if (c == '*' || c == '\\') pattern += '\\';
-    pattern += c;
+constexpr const char* selection =
+    "SELECT number, payee, written, description, category, kind FROM rules";
+
+// A damaged file may hold any bytes.
+std::optional<std::string> textOf(const Statement& row, int column) {
+  const std::string text = row.text(column);
+  return text.empty() ? std::nullopt : std::optional(platform::repairedUtf8(text));
+}
+
+RuleMembers membersOf(const Statement& row) {
+  return {.description = textOf(row, 3),
+          .category = textOf(row, 4),
+          .kind = money::kindFromText(row.text(5))};
+}
+
+Rule ruleOf(const Statement& row) {
+  return {
+      .number = row.integer(0), .payee = textOf(row, 2).value_or(""), .members = membersOf(row)};
+}
+
+// The rules that match a folded name, the most exact first. The only one without a wildcard is
+// looked up, all others are tried.
+std::vector<FittingRule> fittingRules(sqlite3* database, const std::string& folded) {
+  const std::string sql = std::string(selection) + " WHERE payee = ? UNION ALL " + selection +
+                          " WHERE has_wildcard AND payee <> ?";
+  Statement query(database, sql.c_str());
+  const std::string own = NamePattern::textFor(folded);
+  query.bind(own).bind(own);
+  std::vector<FittingRule> fitting;
+  while (next(query)) {
+    auto pattern = NamePattern::fromFoldedText(query.text(1));
+    if (!pattern || !pattern->matches(folded)) continue;
+    fitting.push_back({query.integer(0), *std::move(pattern), membersOf(query)});
   }
-  return pattern;
+  sortByExactness(fitting);
+  return fitting;
+}
+
+std::optional<Rule> ruleFor(sqlite3* database, const NamePattern& pattern) {
+  const std::string sql = std::string(selection) + " WHERE payee = ?";
+  Statement query(database, sql.c_str());
+  const std::string text = pattern.text();
+  if (!next(query.bind(text))) return std::nullopt;
+  return ruleOf(query);
+}
+
+std::optional<NamePattern> patternOf(sqlite3* database, std::int64_t number) {
+  Statement query(database, "SELECT payee FROM rules WHERE number = ?");
+  if (!next(query.bind(number))) return std::nullopt;
+  return NamePattern::fromFoldedText(query.text(0));
+}
+
+void writeMembers(sqlite3* database, const Rule& rule) {
+  Statement update(database, R"(
+    UPDATE rules SET description = nullif(?, ''), category = nullif(?, ''), kind = nullif(?, '')
+    WHERE number = ?)");
+  const std::string description = rule.members.description.value_or("");
+  const std::string category = rule.members.category.value_or("");
+  update.bind(description).bind(category);
+  update.bind(rule.members.kind ? kindText(*rule.members.kind) : "").bind(rule.number);
+  run(update);
+}
+
+std::int64_t insertRule(sqlite3* database, const NamePattern& pattern, const std::string& written) {
+  Statement insertion(
+      database,
+      "INSERT INTO rules (payee, written, has_wildcard) VALUES (?, ?, ?) RETURNING number");
+  const std::string text = pattern.text();
+  insertion.bind(text).bind(written).bind(std::int64_t{pattern.hasWildcard() ? 1 : 0});
+  if (!next(insertion)) throw BookFailure("a new row has no number");
+  const std::int64_t number = insertion.integer(0);
+  run(insertion);
+  return number;
+}
+
+// The ids of the entries, booked or in review, whose payees match `pattern`, ascending.
+std::vector<std::int64_t> entriesOf(sqlite3* database, const NamePattern& pattern) {
+  Statement query(database, R"(
+    SELECT id, folded_payee FROM transactions
+    WHERE state IN ('booked', 'review') AND folded_payee <> '' ORDER BY id)");
+  std::vector<std::int64_t> ids;
+  while (next(query)) {
+    if (pattern.matches(query.text(1))) ids.push_back(query.integer(0));
+  }
+  return ids;
+}
+
+// Gives `entry` `members`, the category as the book spells it; returns false when nothing changes.
+bool give(sqlite3* database, const RuleMembers& members, LedgerEntry& entry) {
+  const LedgerEntry before = entry;
+  if (members.description) entry.description = *members.description;
+  if (members.category) entry.category = spelledCategory(database, *members.category, entry.id);
+  if (members.kind) entry.kind = *members.kind;
+  return !entry.readsAs(before);
+}
+
+// The entries that `kept` would change, by their ids, as they would be.
+std::vector<LedgerEntry> changedBy(sqlite3* database, const KeptRule& kept) {
+  const auto pattern = patternOf(database, kept.rule.number);
+  if (!pattern) return {};
+  std::map<std::string, RuleMembers> givenTo;  // by the folded payee
+  std::vector<LedgerEntry> changed;
+  for (const std::int64_t id : entriesOf(database, *pattern)) {
+    auto entry = storedEntry(database, id);
+    if (!entry || entry->state == LedgerEntry::State::setAside) continue;
+    const names::PayeeKey payee(entry->payee);
+    const auto [found, isNew] = givenTo.try_emplace(payee.text());
+    if (isNew) {
+      found->second = without(
+          kept.given, membersBefore(kept.rule.number, fittingRules(database, payee.text())));
+    }
+    if (give(database, found->second, *entry)) changed.push_back(*std::move(entry));
+  }
+  return changed;
+}
+
+EarlierEntries idsOf(const std::vector<LedgerEntry>& entries) {
+  EarlierEntries ids;
+  for (const LedgerEntry& entry : entries) {
+    (entry.edited ? ids.edited : ids.changing).push_back(entry.id);
+  }
+  return ids;
 }
 
 }  // namespace
@@ -27,35 +147,65 @@ std::string patternOf(std::string_view name) {
 void applyRules(sqlite3* database, LedgerEntry& entry) {
   const names::PayeeKey payee(entry.payee);
   if (payee.text().empty()) return;
-  Statement query(database, "SELECT description, category FROM rules WHERE payee = ?");
-  const std::string pattern = patternOf(payee.text());
-  if (!next(query.bind(pattern))) return;
-  if (!query.text(0).empty()) entry.description = query.text(0);
-  if (!query.text(1).empty()) entry.category = query.text(1);
+  const RuleMembers members = membersOf(fittingRules(database, payee.text()));
+  if (members.description) entry.description = *members.description;
+  if (members.category) entry.category = *members.category;
+  if (members.kind) entry.kind = *members.kind;
 }
 
-void keepRuleOf(sqlite3* database, ChangeNotes& notes, const LedgerEntry& entry,
-                const EntryChange& change) {
-  const names::PayeeKey payee(entry.payee);
-  if (payee.text().empty() || !(change.description || change.category)) return;
-  const std::string pattern = patternOf(payee.text());
-  const std::string written = patternOf(entry.payee);
-  Statement known(database, "SELECT number FROM rules WHERE payee = ?");
-  const bool isKnown = next(known.bind(pattern));
-  if (isKnown) notes.rule(known.integer(0));
-  Statement upsert(database, R"(
-    INSERT INTO rules (payee, written, has_wildcard, description, category)
-    VALUES (?, ?, 0, nullif(?, ''), nullif(?, ''))
-    ON CONFLICT (payee) DO UPDATE SET
-      description = coalesce(excluded.description, description),
-      category = coalesce(excluded.category, category)
-    RETURNING number)");
-  upsert.bind(pattern).bind(written);
-  upsert.bind(change.description ? std::string_view(entry.description) : "");
-  upsert.bind(change.category ? std::string_view(entry.category) : "");
-  if (!next(upsert)) throw BookFailure("a new row has no number");
-  if (!isKnown) notes.addedRule(upsert.integer(0));
-  run(upsert);
+std::vector<Rule> storedRules(sqlite3* database) {
+  const std::string sql = std::string(selection) + " ORDER BY payee";
+  Statement query(database, sql.c_str());
+  std::vector<Rule> rules;
+  while (next(query)) rules.push_back(ruleOf(query));
+  return rules;
+}
+
+std::optional<KeptRule> keepRule(sqlite3* database, ChangeNotes& notes, const std::string& payee,
+                                 RuleMembers members) {
+  const auto pattern = NamePattern::fromText(payee);
+  if (!pattern || members.empty()) return std::nullopt;
+  if (members.category) members.category = spelledCategory(database, *members.category);
+  const auto known = ruleFor(database, *pattern);
+  KeptRule kept{.rule = known.value_or(Rule{.payee = payee}), .given = members};
+  if (known) {
+    kept.before = known->members;
+    notes.rule(known->number);
+  } else {
+    kept.rule.number = insertRule(database, *pattern, payee);
+    notes.addedRule(kept.rule.number);
+  }
+  kept.rule.members = completed(std::move(members), kept.rule.members);
+  writeMembers(database, kept.rule);
+  return kept;
+}
+
+std::optional<Rule> removeRule(sqlite3* database, ChangeNotes& notes, std::int64_t number) {
+  const std::string sql = std::string(selection) + " WHERE number = ?";
+  Statement query(database, sql.c_str());
+  if (!next(query.bind(number))) return std::nullopt;
+  Rule rule = ruleOf(query);
+  run(query);
+  notes.rule(number);
+  Statement removal(database, "DELETE FROM rules WHERE number = ?");
+  run(removal.bind(number));
+  return rule;
+}
+
+EarlierEntries earlierFor(sqlite3* database, const KeptRule& kept) {
+  return idsOf(changedBy(database, kept));
+}
+
+EarlierEntries changeEarlier(sqlite3* database, ChangeNotes& notes, const KeptRule& kept) {
+  const std::vector<LedgerEntry> changed = changedBy(database, kept);
+  for (const LedgerEntry& entry : changed) {
+    if (entry.edited) continue;
+    keepCategory(database, notes, entry.category, entry.id);
+    notes.transaction(entry.id);
+    writeRuled(database, entry);
+    markAlikeAgain(database, entry.id);
+  }
+  return idsOf(changed);
 }
 
 }  // namespace kivo::book

@@ -154,6 +154,13 @@ void writeEdited(sqlite3* database, const LedgerEntry& entry) {
   run(update.bind(entry.id));
 }
 
+void writeRuled(sqlite3* database, const LedgerEntry& entry) {
+  Statement update(database,
+                   "UPDATE transactions SET description = ?, category = ?, kind = ? WHERE id = ?");
+  update.bind(entry.description).bind(entry.category).bind(kindText(entry.kind)).bind(entry.id);
+  run(update);
+}
+
 void writeBookedSum(sqlite3* database, std::int64_t id, const money::Money& amount,
                     const std::optional<money::Money>& kept) {
   Statement update(database, R"(

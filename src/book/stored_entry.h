@@ -19,6 +19,8 @@ std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id);
 std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry);
 /// Writes what a person may change of `entry`, and its state. Marks it as edited.
 void writeEdited(sqlite3* database, const LedgerEntry& entry);
+/// Writes the description, the category and the kind of `entry`. Does not mark it as edited.
+void writeRuled(sqlite3* database, const LedgerEntry& entry);
 /// Books the entry `id` with the sum `amount`, which was converted from `original`.
 void writeBookedSum(sqlite3* database, std::int64_t id, const money::Money& amount,
                     const std::optional<money::Money>& original);

@@ -6,6 +6,7 @@
 
 #include "ledger/book_currency.h"
 #include "ledger/commands/adding_command.h"
+#include "ledger/commands/edit_command.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
 #include "ledger/commands/history_commands.h"
@@ -13,6 +14,7 @@
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
 #include "ledger/commands/rate_command.h"
+#include "ledger/commands/rule_commands.h"
 #include "ledger/commands/teach_command.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/review_notifier.h"
@@ -73,8 +75,10 @@ linux_platform::CommandProgram program() {
   for (Command& command : ignoredCommands()) made.commands.push_back(std::move(command));
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(addingCommand());
+  made.commands.push_back(editCommand());
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
   for (Command& command : historyCommands()) made.commands.push_back(std::move(command));
+  for (Command& command : ruleCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(rateCommand());
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());

@@ -48,7 +48,11 @@ NamePattern::NamePattern(std::vector<std::string> betweenStars)
     : betweenStars_(std::move(betweenStars)), characters_(charactersOf(betweenStars_)) {}
 
 std::optional<NamePattern> NamePattern::fromText(std::string_view utf8) {
-  std::vector<std::string> between = betweenStarsOf(foldedName(utf8));
+  return fromFoldedText(foldedName(utf8));
+}
+
+std::optional<NamePattern> NamePattern::fromFoldedText(std::string_view folded) {
+  std::vector<std::string> between = betweenStarsOf(folded);
   const auto isBlank = [](const std::string& text) {
     return text.find_first_not_of(' ') == std::string::npos;
   };

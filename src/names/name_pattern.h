@@ -17,6 +17,8 @@ class NamePattern {
   /// Reads `utf8`; nullopt when nothing but blanks is beside its stars, since it would match names
   /// of any kind. Throws what `foldedName` throws.
   static std::optional<NamePattern> fromText(std::string_view utf8);
+  /// As `fromText`, of a text that `text` returned.
+  static std::optional<NamePattern> fromFoldedText(std::string_view folded);
 
   /// The text of the pattern that matches the name `utf8` alone: its stars and backslashes, those
   /// of other widths too, with a backslash before each. Throws what `foldedName` throws.

@@ -143,7 +143,8 @@ TEST_F(ALedgerThatIgnores, BooksAMessageAsThePersonSays) {
   const std::string before = receive({planned}).front();
   EXPECT_EQ(shown({"book", "1", "--kind", "expense", "--amount", "99", "--payee", "StreamNest",
                    "--category", "Films"}),
-            "Booked as EGP 99.00.\n");
+            "Booked as EGP 99.00.\n"
+            "Later payments to StreamNest will be Films. `kivo-ledger rules` shows it.\n");
   const nlohmann::json list = json({"list"});
   ASSERT_THAT(list, SizeIs(1));
   EXPECT_EQ(list[0]["key"], "KEY-1");

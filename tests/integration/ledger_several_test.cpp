@@ -81,7 +81,9 @@ TEST_F(SeveralTransactions, AreEditedTogetherAndListed) {
   EXPECT_EQ(edited,
             "ID  DATE        KIND       AMOUNT  DESCRIPTION  CATEGORY\n"
             "1   2026-11-02  expense  1.00 EGP  Zed Corner   Fun\n"
-            "3   2026-11-02  expense  3.00 EGP  Zed Corner   Fun\n");
+            "3   2026-11-02  expense  3.00 EGP  Zed Corner   Fun\n"
+            "\nLater payments to Zed Corner will be Fun. `kivo-ledger rules` shows it.\n"
+            "1 earlier one stays as it is; with --also-earlier, it changes too.\n");
   EXPECT_THAT(shown({"show", "2"}), HasSubstr("Category     Other\n"));
 }
 

@@ -45,18 +45,20 @@ HandEntry paymentFrom(const GivenParameters& parameters, const money::CurrencyCo
 void add(const GivenParameters& parameters) {
   const money::CurrencyCode currency = requiredBookCurrency();
   const HandEntry payment = paymentFrom(parameters, currency);
-  const auto category = givenText(parameters, "--category");
+  const book::EntryChange stated{.kind = givenKind(parameters),
+                                 .category = givenText(parameters, "--category")};
   withBook([&](Book& book) {
     std::string line;
+    MadeRules rules;
     book::UserCommand command = userCommand("add", parameters);
     book.asCommand(command, [&] {
       const std::int64_t id = recording::addByHand(book, payment).id;
-      line = bookedSentence(bookAsStated(book, id, category, currency));
+      line = bookedSentence(bookAsStated(book, id, stated, currency, rules));
       const auto like = book.entry(id).value().possibleDuplicateOf;
       line.insert(line.size() - 1, " ID " + std::to_string(id) +
                                        (like ? ", looks like " + std::to_string(*like) : "") + ".");
     });
-    print(line);
+    print(line + rules.sentences());
   });
 }
 

@@ -57,6 +57,11 @@ std::optional<std::string> givenText(const GivenParameters& parameters, const ch
   return text;
 }
 
+CommandParameter idsParameter() {
+  return {"ID", "Numbers as list shows them, and ranges: 3 5 7-9; of a range, those that exist",
+          CommandParameter::Kind::several};
+}
+
 std::optional<money::Kind> givenKind(const GivenParameters& parameters) {
   const auto text = given(parameters, "--kind");
   if (!text) return std::nullopt;

@@ -30,6 +30,9 @@ linux_platform::BadUsage invalid(const char* name, const std::string& value,
 std::optional<std::string> givenText(const linux_platform::GivenParameters& parameters,
                                      const char* name);
 
+/// The argument ID, which takes several ids and ranges.
+linux_platform::CommandParameter idsParameter();
+
 /// Returns the value of --kind; absent when it was not given. Throws `invalid`.
 std::optional<money::Kind> givenKind(const linux_platform::GivenParameters& parameters);
 /// Returns the kinds' names, for completion.

@@ -38,84 +38,6 @@ using linux_platform::print;
 using linux_platform::Prompt;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-std::string codeAndSum(const Money& sum) { return sum.currency.text() + " " + amountText(sum); }
-
-// The sum of `entry` converted by its rate; absent when it is in `currency` already.
-std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
-                               const CurrencyCode& currency) {
-  if (!entry.amount) {
-    throw BadUsage("its sum is unknown: give --amount as well");
-  }
-  const Money& sum = *entry.amount;
-  if (sum.currency == currency) return std::nullopt;
-  const std::string give = "give the sum in " + currency.text() + " by --amount";
-  const CurrencyCode booksIn = requiredBookCurrency();
-  if (currency != booksIn) {
-    throw BadUsage("there are rates for " + booksIn.text() + " alone: " + give);
-  }
-  const auto rate = book.rate(sum.currency);
-  if (!rate) {
-    throw BadUsage("there is no rate for " + sum.currency.text() + ": set it by kivo-ledger rate " +
-                   sum.currency.text() + " RATE, or " + give);
-  }
-  const auto made = rate->convert(sum, currency);
-  if (made) return made;
-  throw BadUsage(codeAndSum(sum) + " cannot be converted at the rate " + rate->text() + ": " +
-                 give);
-}
-
-// Reads --amount and --currency; absent when they change nothing.
-std::optional<Money> amountFrom(const GivenParameters& parameters, const Book& book,
-                                const LedgerEntry& entry) {
-  const auto amount = given(parameters, "--amount");
-  const auto currency = givenCurrency(parameters, "--currency", "EGP");
-  if (!amount && !currency) return std::nullopt;
-  if (!amount) return converted(book, entry, *currency);
-  if (currency) return sumFrom(*amount, *currency);
-  return sumFrom(*amount, entry.amount ? entry.amount->currency : requiredBookCurrency());
-}
-
-EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
-                       const LedgerEntry& entry) {
-  EntryChange change;
-  change.date = givenDay(parameters, "--date");
-  change.kind = givenKind(parameters);
-  change.description = givenText(parameters, "--description");
-  change.category = givenText(parameters, "--category");
-  change.amount = amountFrom(parameters, book, entry);
-  if (!parameters.contains("--amount")) change.original = entry.amount;  // if it was converted
-  return change;
-}
-
-// Calls `change` with each of `entries`, in one step. Of several, a failure names the entry.
-void changeEach(Book& book, const std::vector<LedgerEntry>& entries,
-                const std::function<void(const LedgerEntry&)>& change) {
-  book.inOneStep([&] {
-    for (const LedgerEntry& entry : entries) {
-      try {
-        change(entry);
-      } catch (const CommandFailure& failure) {
-        if (entries.size() == 1) throw;
-        throw CommandFailure(
-            std::to_string(entry.id) + ": " + failure.what() + "; nothing was changed",
-            failure.status());
-      }
-    }
-  });
-}
-
-// As `changeEach`, as the command `name` with the entries that were given as ID.
-void withChosen(const std::string& name, const GivenParameters& parameters,
-                const std::function<void(Book&, const LedgerEntry&)>& change) {
-  withBook([&](Book& book) {
-    book::UserCommand command = userCommand(name, parameters);
-    book.asCommand(command, [&] {
-      changeEach(book, chosenEntries(book, parameters),
-                 [&](const LedgerEntry& entry) { change(book, entry); });
-    });
-  });
-}
-
 // The line that says what was done to each entry.
 using Lines = std::vector<std::pair<std::int64_t, std::string>>;
 
@@ -125,20 +47,6 @@ std::string textOf(const Lines& lines) {
   std::string text;
   for (const auto& [id, line] : lines) text += std::to_string(id) + ": " + line;
   return text;
-}
-
-void edit(const GivenParameters& parameters) {
-  if (parameters.size() == 1) {
-    throw BadUsage(
-        "edit needs one of --date, --amount, --currency, --kind, --description, --category");
-  }
-  std::vector<LedgerEntry> edited;
-  withChosen("edit", parameters, [&](Book& book, const LedgerEntry& entry) {
-    book.edit(entry.id, changeFrom(parameters, book, entry));
-    edited.push_back(book.entry(entry.id).value());
-  });
-  print(edited.size() == 1 ? EntryListing::details(edited.front())
-                           : EntryListing::table(edited, linux_platform::screenWidth()));
 }
 
 // The reason why `accept` does not book an entry, and the command that helps.
@@ -158,14 +66,18 @@ std::string whyNotBooked(const LedgerEntry& entry, const CurrencyCode& currency)
 void accept(const GivenParameters& parameters) {
   const CurrencyCode currency = requiredBookCurrency();
   Lines lines;
-  withChosen("accept", parameters, [&](Book& book, const LedgerEntry& entry) {
-    if (entry.state == LedgerEntry::State::setAside) {
-      throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
-                           " says which value to edit");
-    }
-    const auto sum = recording::accept(book, entry.id, currency);
-    if (!sum) throw CommandFailure(whyNotBooked(entry, currency));
-    lines.emplace_back(entry.id, bookedSentence(*sum));
+  withBook([&](Book& book) {
+    const auto acceptOne = [&](const LedgerEntry& entry) {
+      if (entry.state == LedgerEntry::State::setAside) {
+        throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
+                             " says which value to edit");
+      }
+      const auto sum = recording::accept(book, entry.id, currency);
+      if (!sum) throw CommandFailure(whyNotBooked(entry, currency));
+      lines.emplace_back(entry.id, bookedSentence(*sum));
+    };
+    book::UserCommand command = userCommand("accept", parameters);
+    book.asCommand(command, [&] { changeEach(book, chosenEntries(book, parameters), acceptOne); });
   });
   print(textOf(lines));
 }
@@ -235,39 +147,30 @@ void forgetTexts(const GivenParameters& parameters) {
 
 }  // namespace
 
+std::string codeAndSum(const Money& sum) { return sum.currency.text() + " " + amountText(sum); }
+
 std::string bookedSentence(const recording::BookedSum& sum) {
   const std::string rate = sum.rate ? " at the rate " + sum.rate->text() : "";
   return "Booked as " + codeAndSum(sum.amount) + rate + ".\n";
 }
 
-recording::BookedSum bookAsStated(Book& book, std::int64_t id,
-                                  const std::optional<std::string>& category,
-                                  const CurrencyCode& currency) {
+recording::BookedSum bookAsStated(Book& book, std::int64_t id, const EntryChange& stated,
+                                  const CurrencyCode& currency, MadeRules& rules) {
   const auto sum = recording::accept(book, id, currency);
   if (!sum) {
     throw CommandFailure("its sum cannot be converted at its rate: give the sum in " +
                          currency.text() + " by --amount");
   }
-  book.edit(id, {.category = category});
+  const auto entry = book.entry(id).value();
+  const bool isEdited = stated.kind || stated.category || entry.text;
+  if (isEdited) book.edit(id, stated);
+  rules.add(book.keepRuleOf(id, stated), stated.kind.value_or(entry.kind));
   return *sum;
 }
 
 std::vector<linux_platform::Command> editingCommands() {
-  const linux_platform::CommandParameter ids{
-      "ID", "Numbers as list shows them, and ranges: 3 5 7-9; of a range, those that exist",
-      ParameterKind::several};
-  constexpr auto optional = ParameterKind::optional;
+  const linux_platform::CommandParameter ids = idsParameter();
   return {
-      {"edit",
-       "Correct transactions; description and category hold for their payees from then on",
-       {ids,
-        {"--date", "The day, as 2026-11-21", optional},
-        {"--amount", "The sum, as 1,189.50", optional},
-        {"--currency", "Its currency's code, as EGP; converts it without --amount", optional},
-        {"--kind", "expense, income or transfer", optional, kindNames},
-        {"--description", "The merchant or payee", optional},
-        {"--category", "The category", optional}},
-       edit},
       {"accept", "Book transactions that are in review", {ids}, accept},
       {"delete",
        "Delete transactions, after asking",

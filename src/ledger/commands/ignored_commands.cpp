@@ -86,7 +86,8 @@ void bookIgnored(const GivenParameters& parameters) {
   const std::int64_t number = givenNumber(parameters);
   const CurrencyCode currency = requiredBookCurrency();
   StatedParts parts{.kind = givenKind(parameters), .payee = givenText(parameters, "--payee")};
-  const auto category = givenText(parameters, "--category");
+  const book::EntryChange change{.kind = parts.kind,
+                                 .category = givenText(parameters, "--category")};
   withBook([&](Book& book) {
     const IgnoredMessage message = requiredIgnored(book, number);
     parts.amount = statedAmount(parameters, message, currency);
@@ -94,13 +95,14 @@ void bookIgnored(const GivenParameters& parameters) {
         recording::statedReading(book, message, parts, TemplateFile::reader(), currency);
     requireParts(stated);
     std::optional<BookedSum> sum;
+    MadeRules rules;
     book::UserCommand command = userCommand("book", parameters);
     book.asCommand(command, [&] {
       const auto entry = recording::addIgnored(book, number, stated.message);
       if (!entry) throw CommandFailure("it was booked or removed meanwhile");
-      sum = bookAsStated(book, entry->id, category, currency);
+      sum = bookAsStated(book, entry->id, change, currency, rules);
     });
-    print(bookedSentence(*sum));
+    print(bookedSentence(*sum) + rules.sentences());
   });
 }
 

@@ -62,6 +62,22 @@ std::vector<LedgerEntry> chosenEntries(const Book& book,
   return entries;
 }
 
+void changeEach(Book& book, const std::vector<LedgerEntry>& entries,
+                const std::function<void(const LedgerEntry&)>& change) {
+  book.inOneStep([&] {
+    for (const LedgerEntry& entry : entries) {
+      try {
+        change(entry);
+      } catch (const CommandFailure& failure) {
+        if (entries.size() == 1) throw;
+        throw CommandFailure(
+            std::to_string(entry.id) + ": " + failure.what() + "; nothing was changed",
+            failure.status());
+      }
+    }
+  });
+}
+
 book::IgnoredMessage requiredIgnored(const Book& book, std::int64_t number) {
   auto message = book.ignored(number);
   if (message) return *std::move(message);

@@ -27,6 +27,11 @@ void withEntry(const linux_platform::GivenParameters& given,
 std::vector<book::LedgerEntry> chosenEntries(const book::Book& book,
                                              const linux_platform::GivenParameters& given);
 
+/// Calls `change` with each of `entries` of `book`, in one step. Lets its exceptions through; of
+/// several entries, a CommandFailure names the entry.
+void changeEach(book::Book& book, const std::vector<book::LedgerEntry>& entries,
+                const std::function<void(const book::LedgerEntry&)>& change);
+
 /// Returns the ignored message `number`. Throws CommandFailure when it does not exist.
 book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number);
 

@@ -31,7 +31,7 @@ TEST_F(APayee, IsTheSameInAnyCaseAndAccents) {
                                       {"مقهى النيل", "مقهي النيل"}}) {
     const LedgerEntry one = recorded(book, std::string(first), spent(15000, first));
     EXPECT_FALSE(one.possibleDuplicateOf) << first;
-    ASSERT_TRUE(book.edit(one.id, {.category = "Mine"}));
+    correct(book, one.id, {.category = "Mine"});
     const LedgerEntry other = recorded(book, std::string(second), spent(15000, second));
     EXPECT_EQ(other.possibleDuplicateOf, one.id) << second;
     EXPECT_EQ(other.category, "Mine") << second;
@@ -42,8 +42,8 @@ TEST_F(APayee, HasOneCorrectionThatTheLastEditHolds) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "CAFÉ LUNE"));
   recorded(book, "KEY-2", spent(200, "Cafe Lune"));
-  ASSERT_TRUE(book.edit(1, {.description = "Lune", .category = "Food"}));
-  ASSERT_TRUE(book.edit(2, {.category = "Treats"}));
+  correct(book, 1, {.description = "Lune", .category = "Food"});
+  correct(book, 2, {.category = "Treats"});
   const LedgerEntry later = recorded(book, "KEY-3", spent(300, "café lune"));
   EXPECT_EQ(later.description, "Lune");
   EXPECT_EQ(later.category, "Treats");
@@ -52,9 +52,9 @@ TEST_F(APayee, HasOneCorrectionThatTheLastEditHolds) {
 TEST_F(APayee, KeepsADescriptionOrACategoryThatItsCorrectionLacks) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "CAFE LUNE"));
-  ASSERT_TRUE(book.edit(1, {.description = "Lune"}));
+  correct(book, 1, {.description = "Lune"});
   recorded(book, "KEY-2", spent(100, "CAFE SOL"));
-  ASSERT_TRUE(book.edit(2, {.category = "Treats"}));
+  correct(book, 2, {.category = "Treats"});
   const LedgerEntry lune = recorded(book, "KEY-3", spent(200, "CAFE LUNE"));
   EXPECT_EQ(lune.description, "Lune");
   EXPECT_EQ(lune.category, "Groceries");
@@ -67,8 +67,8 @@ TEST_F(APayee, HasNoCorrectionByAnEditOfASumOrWithoutAName) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "CAFE LUNE"));
   recorded(book, "KEY-2", spent(100, ""));
-  ASSERT_TRUE(book.edit(1, {.amount = Money{200, "EGP"}}));
-  ASSERT_TRUE(book.edit(2, {.description = "Lune"}));
+  correct(book, 1, {.amount = Money{200, "EGP"}});
+  correct(book, 2, {.description = "Lune"});
   EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM rules"), "0\n");
 }
 
@@ -119,7 +119,7 @@ TEST_F(APayee, GetsACategoryInTheSpellingOfTheBook) {
   EXPECT_EQ(recorded(book, "KEY-2", of("GROCERIES")).category, "Groceries");
   ASSERT_TRUE(book.edit(1, {.category = "groceries"}));
   EXPECT_EQ(book.entry(1)->category, "Groceries");
-  ASSERT_TRUE(book.edit(1, {.category = "café"}));
+  correct(book, 1, {.category = "café"});
   ASSERT_TRUE(book.edit(2, {.category = "CAFÉ"}));
   EXPECT_EQ(book.entry(2)->category, "café");
   EXPECT_EQ(recorded(book, "KEY-3", spent(100)).category, "café");  // by the correction
@@ -153,7 +153,7 @@ TEST_F(APayee, NeverGetsTheInnerNameOfTransfers) {
   Book book = open();
   recorded(book, "KEY-1", of("__system_transfer__"));
   EXPECT_EQ(book.entry(1)->category, "Transfer");
-  ASSERT_TRUE(book.edit(1, {.category = "__system_transfer__"}));
+  correct(book, 1, {.category = "__system_transfer__"});
   EXPECT_EQ(book.entry(1)->category, "Transfer");
   EXPECT_EQ(recorded(book, "KEY-2", spent(100)).category, "Transfer");
 }

@@ -75,11 +75,11 @@ TEST_F(ACommand, IsTakenBackWhateverItChanged) {
                   .amount = Money{99, "EGP"},
                   .description = "Mine",
                   .category = "Treats"});
-    book.edit(1, {.category = "Others"});
+    correct(book, 1, {.category = "Others"});
   };
   const std::vector<std::function<void()>> commands = {
       edits,
-      [&] { book.edit(2, {.category = "Treats"}); },
+      [&] { correct(book, 2, {.category = "Treats"}); },
       [&] {
         book.bookWith(3, {97000, "EGP"}, Money{2000, "USD"});
       },
@@ -106,8 +106,8 @@ TEST_F(ACommand, IsTakenBackAfterTheCommandsThatFollowedIt) {
   Book book = open();
   fill(book);
   const std::string before = dump();
-  run(book, "first", [&] { book.edit(1, {.category = "One"}); });
-  run(book, "second", [&] { book.edit(1, {.category = "Two"}); });
+  run(book, "first", [&] { correct(book, 1, {.category = "One"}); });
+  run(book, "second", [&] { correct(book, 1, {.category = "Two"}); });
   run(book, "third", [&] { book.setRate("USD", rate("50")); });
   const auto undone = book.undo(all);
   ASSERT_EQ(undone.size(), 3U);
@@ -136,7 +136,7 @@ TEST_F(ACommand, GivesADeletedTransactionBackWithoutItsText) {
 TEST_F(ACommand, LeavesForgottenTextsForgotten) {
   Book book = open();
   fill(book);
-  run(book, "edit 1", [&] { book.edit(1, {.category = "Treats"}); });
+  run(book, "edit 1", [&] { correct(book, 1, {.category = "Treats"}); });
   run(book, "forget-texts", [&] { book.forgetTexts(); });
   ASSERT_EQ(book.history().size(), 2U);
   EXPECT_EQ(book.undo(2).size(), 2U);
@@ -147,7 +147,7 @@ TEST_F(ACommand, LeavesForgottenTextsForgotten) {
 TEST_F(ACommand, LeavesWhatTheServiceRecordedMeanwhile) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "Cafe"));
-  run(book, "edit 1", [&] { book.edit(1, {.category = "Treats"}); });
+  run(book, "edit 1", [&] { correct(book, 1, {.category = "Treats"}); });
   const LedgerEntry later = recorded(book, "KEY-2", spent(200, "Cafe"));
   EXPECT_EQ(later.category, "Treats");
   book.undo(1);
@@ -200,7 +200,7 @@ TEST_F(ACommand, ThatChangesNothingOrFailsIsNotInTheHistory) {
   EXPECT_FALSE(command.number);
   EXPECT_THROW(book.asCommand(command,
                               [&] {
-                                book.edit(1, {.category = "Treats"});
+                                correct(book, 1, {.category = "Treats"});
                                 throw std::runtime_error("stopped");
                               }),
                std::runtime_error);
@@ -220,12 +220,12 @@ TEST_F(ACommand, CanBeTakenBackForThirtyDays) {
   Book book = open();
   fill(book);
   clock_.set(utc(2026, 11, 1, 12));
-  run(book, "old", [&] { book.edit(1, {.category = "Treats"}); });
+  run(book, "old", [&] { correct(book, 1, {.category = "Treats"}); });
   clock_.set(utc(2026, 11, 30, 12));
-  run(book, "new", [&] { book.edit(2, {.category = "Treats"}); });
+  run(book, "new", [&] { correct(book, 2, {.category = "Treats"}); });
   EXPECT_EQ(book.history().size(), 2U);
   clock_.set(utc(2026, 12, 2, 12));
-  run(book, "newest", [&] { book.edit(2, {.category = "Other"}); });
+  run(book, "newest", [&] { correct(book, 2, {.category = "Other"}); });
   ASSERT_EQ(book.history().size(), 2U);
   EXPECT_EQ(book.history().back().words, "new");
   EXPECT_EQ(testkit::RawStore(file()).run("SELECT DISTINCT command FROM past_transactions"),

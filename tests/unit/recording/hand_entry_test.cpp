@@ -48,7 +48,7 @@ TEST_F(APaymentByHand, HasTheCategoryOfItsPayeesName) {
 TEST_F(APaymentByHand, HasTheCorrectionsForItsPayee) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "CAFE LUNE"));
-  book.edit(1, {.description = "Café Lune", .category = "Breakfast"});
+  correct(book, 1, {.description = "Café Lune", .category = "Breakfast"});
   const LedgerEntry added = addByHand(book, cash("cafe lune"));
   EXPECT_EQ(added.category, "Breakfast");
   EXPECT_EQ(added.description, "Café Lune");

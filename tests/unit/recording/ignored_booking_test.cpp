@@ -98,7 +98,7 @@ TEST_F(AMessageWithASum, IsMarkedAndCorrectedAsOthersAreWhenItIsAdded) {
   Book book = open();
   record(book, message("KEY-1"));
   recorded(book, "KEY-2", spent(100, "Tulip Insurance"));
-  ASSERT_TRUE(book.edit(1, {.description = "Car insurance", .category = "Car"}));
+  correct(book, 1, {.description = "Car insurance", .category = "Car"});
   const auto added = addIgnored(book, 1, {spent(100, "TULIP insurance")});
   ASSERT_TRUE(added);
   EXPECT_EQ(added->id, 2);

@@ -1,6 +1,7 @@
 // The fixture of the book's tests.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -71,6 +72,12 @@ class LedgerTest : public testing::Test {
 
   static std::optional<BookedSum> accept(Book& book, std::int64_t id) {
     return recording::accept(book, id, "EGP");
+  }
+
+  // Edits the entry `id`, with a rule for its payee.
+  static void correct(Book& book, std::int64_t id, const book::EntryChange& change) {
+    ASSERT_TRUE(book.edit(id, change));
+    book.keepRuleOf(id, change);
   }
 
   // Records `reading` under `key` and returns the entry.

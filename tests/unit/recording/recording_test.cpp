@@ -215,8 +215,8 @@ TEST_F(ABook, AppliesACorrectionToLaterMessagesOfThePayee) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, "SNNY MRKT 17"));
   recorded(book, "KEY-2", spent(200, "SNNY MRKT 17"));
-  ASSERT_TRUE(book.edit(1, {.description = "Sunny Market"}));
-  ASSERT_TRUE(book.edit(1, {.category = "Food"}));
+  correct(book, 1, {.description = "Sunny Market"});
+  correct(book, 1, {.category = "Food"});
   const LedgerEntry later = recorded(book, "KEY-3", spent(300, "snny mrkt 17"));
   EXPECT_EQ(later.description, "Sunny Market");
   EXPECT_EQ(later.category, "Food");
@@ -227,7 +227,7 @@ TEST_F(ABook, AppliesACorrectionToLaterMessagesOfThePayee) {
 TEST_F(ABook, StoresNoCorrectionForAMessageWithoutAPayee) {
   Book book = open();
   recorded(book, "KEY-1", spent(100, ""));
-  ASSERT_TRUE(book.edit(1, {.category = "Food"}));
+  correct(book, 1, {.category = "Food"});
   EXPECT_EQ(recorded(book, "KEY-2", spent(200, "")).category, "Groceries");
 }
 

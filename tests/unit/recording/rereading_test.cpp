@@ -86,7 +86,7 @@ TEST_F(AReadAgainEntry, ReplacesABookedReadingUnlessItWasEdited) {
 TEST_F(AReadAgainEntry, HasCorrectionsAndRates) {
   Book book = open();
   const LedgerEntry known = recorded(book, "KEY-1", spent(100));
-  book.edit(known.id, {.category = "Food"});
+  correct(book, known.id, {.category = "Food"});
   book.setRate("USD", rate("50"));
   const LedgerEntry entry = recorded(book, "KEY-2", unclear());
   readings_ = [](const money::CurrencyCode& currency) {

@@ -1,0 +1,139 @@
+#include "ledger/commands/edit_command.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ledger/commands/command_options.h"
+#include "ledger/commands/editing_commands.h"
+#include "ledger/commands/entry_listing.h"
+#include "ledger/commands/made_rules.h"
+#include "ledger/commands/opened_book.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/screen.h"
+
+namespace kivo::ledger {
+
+using book::Book;
+using book::EntryChange;
+using book::LedgerEntry;
+using money::CurrencyCode;
+using money::Money;
+
+namespace {
+
+using linux_platform::BadUsage;
+using linux_platform::GivenParameters;
+using linux_platform::print;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+// The sum of `entry` converted by its rate; absent when it is in `currency` already.
+std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
+                               const CurrencyCode& currency) {
+  if (!entry.amount) {
+    throw BadUsage("its sum is unknown: give --amount as well");
+  }
+  const Money& sum = *entry.amount;
+  if (sum.currency == currency) return std::nullopt;
+  const std::string give = "give the sum in " + currency.text() + " by --amount";
+  const CurrencyCode booksIn = requiredBookCurrency();
+  if (currency != booksIn) {
+    throw BadUsage("there are rates for " + booksIn.text() + " alone: " + give);
+  }
+  const auto rate = book.rate(sum.currency);
+  if (!rate) {
+    throw BadUsage("there is no rate for " + sum.currency.text() + ": set it by kivo-ledger rate " +
+                   sum.currency.text() + " RATE, or " + give);
+  }
+  const auto made = rate->convert(sum, currency);
+  if (made) return made;
+  throw BadUsage(codeAndSum(sum) + " cannot be converted at the rate " + rate->text() + ": " +
+                 give);
+}
+
+// Reads --amount and --currency; absent when they change nothing.
+std::optional<Money> amountFrom(const GivenParameters& parameters, const Book& book,
+                                const LedgerEntry& entry) {
+  const auto amount = given(parameters, "--amount");
+  const auto currency = givenCurrency(parameters, "--currency", "EGP");
+  if (!amount && !currency) return std::nullopt;
+  if (!amount) return converted(book, entry, *currency);
+  if (currency) return sumFrom(*amount, *currency);
+  return sumFrom(*amount, entry.amount ? entry.amount->currency : requiredBookCurrency());
+}
+
+EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
+                       const LedgerEntry& entry) {
+  EntryChange change;
+  change.date = givenDay(parameters, "--date");
+  change.kind = givenKind(parameters);
+  change.description = givenText(parameters, "--description");
+  change.category = givenText(parameters, "--category");
+  change.amount = amountFrom(parameters, book, entry);
+  if (!parameters.contains("--amount")) change.original = entry.amount;  // if it was converted
+  return change;
+}
+
+// Throws when nothing is to be changed, or --once and --also-earlier have nothing to say.
+void requireChange(const GivenParameters& parameters) {
+  const auto isGiven = [&](const char* name) { return parameters.contains(name); };
+  constexpr std::array changes = {"--date", "--amount",      "--currency",
+                                  "--kind", "--description", "--category"};
+  if (std::none_of(changes.begin(), changes.end(), isGiven)) {
+    throw BadUsage(
+        "edit needs one of --date, --amount, --currency, --kind, --description, --category");
+  }
+  if (!isGiven("--also-earlier")) return;
+  if (isGiven("--once")) {
+    throw BadUsage("--once changes no other payment, and --also-earlier does: give one of them");
+  }
+  if (!isGiven("--description") && !isGiven("--category")) {
+    throw BadUsage("--also-earlier needs --description or --category");
+  }
+}
+
+std::string listing(const std::vector<LedgerEntry>& entries) {
+  return entries.size() == 1 ? EntryListing::details(entries.front())
+                             : EntryListing::table(entries, linux_platform::screenWidth());
+}
+
+void edit(const GivenParameters& parameters) {
+  requireChange(parameters);
+  withBook([&](Book& book) {
+    std::vector<LedgerEntry> edited;
+    MadeRules rules;
+    const auto editOne = [&](const LedgerEntry& entry) {
+      const EntryChange change = changeFrom(parameters, book, entry);
+      book.edit(entry.id, change);
+      edited.push_back(book.entry(entry.id).value());
+      if (parameters.contains("--once")) return;
+      rules.add(book.keepRuleOf(entry.id, change), edited.back().kind);
+    };
+    book::UserCommand command = userCommand("edit", parameters);
+    book.asCommand(command, [&] { changeEach(book, chosenEntries(book, parameters), editOne); });
+    print(listing(edited) + (rules.empty() ? "" : "\n"));
+    rules.tell(book, command, parameters);
+  });
+}
+
+}  // namespace
+
+linux_platform::Command editCommand() {
+  constexpr auto optional = ParameterKind::optional;
+  return {"edit",
+          "Correct transactions; description and category hold for their payees from then on",
+          {idsParameter(),
+           {"--date", "The day, as 2026-11-21", optional},
+           {"--amount", "The sum, as 1,189.50", optional},
+           {"--currency", "Its currency's code, as EGP; converts it without --amount", optional},
+           {"--kind", "expense, income or transfer", optional, kindNames},
+           {"--description", "The merchant or payee", optional},
+           {"--category", "The category", optional},
+           {"--once", "Make no rule for later payments to the payee", ParameterKind::flag},
+           alsoEarlierOption()},
+          edit};
+}
+
+}  // namespace kivo::ledger

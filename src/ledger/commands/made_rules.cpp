@@ -1,0 +1,118 @@
+#include "ledger/commands/made_rules.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+
+#include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/prompt.h"
+#include "platform/linux/terminal/screen.h"
+#include "platform/linux/terminal/text_columns.h"
+#include "recording/taught_entries.h"
+
+namespace kivo::ledger {
+
+using book::Book;
+using book::EarlierEntries;
+using book::KeptRule;
+using book::RuleMembers;
+using linux_platform::escapedControls;
+using linux_platform::print;
+using linux_platform::Prompt;
+using money::Kind;
+
+namespace {
+
+std::string kindWord(Kind kind) {
+  if (kind == Kind::income) return "income";
+  return kind == Kind::expense ? "expenses" : "transfers";
+}
+
+std::string sentence(const KeptRule& kept, Kind kind) {
+  const Kind later = kept.rule.members.kind.value_or(kind);
+  return std::string("Later payments ") + (later == Kind::income ? "from " : "to ") +
+         escapedControls(kept.rule.payee) + " will be " + madeOf(kept.rule.members) + ".";
+}
+
+std::string wrapped(const std::string& line) {
+  return linux_platform::wrappedTo(linux_platform::screenWidth(), line);
+}
+
+void append(std::vector<std::int64_t>& ids, const std::vector<std::int64_t>& others) {
+  ids.insert(ids.end(), others.begin(), others.end());
+  std::sort(ids.begin(), ids.end());
+}
+
+std::string countOf(std::size_t count, const std::string& one) {
+  return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+std::string madeOf(const RuleMembers& members) {
+  std::vector<std::string> parts;
+  if (members.kind) parts.push_back(kindWord(*members.kind));
+  if (members.category) parts.push_back(escapedControls(*members.category));
+  if (members.description) parts.push_back("called " + escapedControls(*members.description));
+  std::string text;
+  for (std::size_t at = 0; at < parts.size(); ++at) {
+    if (at > 0) text += at + 1 == parts.size() ? " and " : ", ";
+    text += parts[at];
+  }
+  return text;
+}
+
+void MadeRules::add(const std::optional<KeptRule>& kept, Kind kind) {
+  if (!kept) return;
+  std::erase_if(made_, [&](const Made& one) { return one.kept.rule.number == kept->rule.number; });
+  made_.push_back({*kept, kind});
+}
+
+std::string MadeRules::sentences() const {
+  constexpr const char* list = "`kivo-ledger rules` shows ";
+  if (made_.empty()) return "";
+  if (made_.size() == 1) {
+    return wrapped(sentence(made_.front().kept, made_.front().kind) + " " + list + "it.");
+  }
+  std::string lines;
+  for (const auto& [kept, kind] : made_) lines += wrapped(sentence(kept, kind));
+  return lines + wrapped(std::string(list) + "them.");
+}
+
+void MadeRules::tell(Book& book, book::UserCommand& command,
+                     const linux_platform::GivenParameters& parameters) const {
+  if (made_.empty()) return;
+  print(sentences());
+  EarlierEntries earlier;
+  for (const Made& made : made_) {
+    const EarlierEntries found = book.earlierFor(made.kept);
+    append(earlier.changing, found.changing);
+    append(earlier.edited, found.edited);
+  }
+  if (!earlier.edited.empty()) {
+    print(wrapped("Left as you edited them: " + recording::listed(earlier.edited) + "."));
+  }
+  const std::size_t count = earlier.changing.size();
+  if (count == 0) return;
+  const bool isGiven = parameters.contains("--also-earlier");
+  if (!isGiven && !linux_platform::inputIsTerminal()) {
+    return print(wrapped(
+        countOf(count, "earlier one") + (count == 1 ? " stays as it is" : " stay as they are") +
+        "; with --also-earlier, " + (count == 1 ? "it changes" : "they change") + " too."));
+  }
+  const std::string question = countOf(count, "earlier one") + " too?";
+  if (!isGiven && !Prompt(std::cin).confirms(question, Prompt::Preset::no)) return;
+  std::size_t changed = 0;
+  book.asCommand(command, [&] {
+    for (const Made& made : made_) changed += book.changeEarlier(made.kept).changing.size();
+  });
+  print(wrapped("Changed " + countOf(changed, "earlier payment") + "."));
+}
+
+linux_platform::CommandParameter alsoEarlierOption() {
+  return {"--also-earlier", "Change earlier payments of the payee too, without asking",
+          linux_platform::CommandParameter::Kind::flag};
+}
+
+}  // namespace kivo::ledger
