@@ -73,6 +73,11 @@ bool CapitalWords::isNoun(std::size_t at) const {
          (move != nullptr && movementOf(*move).strength == Strength::noun);
 }
 
+bool CapitalWords::isOutcome(std::size_t at) const {
+  return at_[at] != nullptr && (at_[at]->is(Status::declined) || at_[at]->is(Status::done) ||
+                                at_[at]->is(Status::notDone));
+}
+
 bool CapitalWords::isOwnAccount(std::size_t at) const {
   if (at_[at] == nullptr || !at_[at]->is(Marker::own)) return false;
   std::size_t next = at_[at]->end;
@@ -107,6 +112,10 @@ bool CapitalWords::isLabel(std::size_t at) const {
   const Item& item = items_[next];
   if (item.kind == Item::Kind::number || item.kind == Item::Kind::sum) return true;
   if (item.kind == Item::Kind::mark && item.text.size() > 1) return true;  // "••••1234"
+  // "Due Date Fruits"
+  constexpr auto nouns = std::to_array<std::string_view>({"date", "now", "today", "dear"});
+  const bool noun = isOneOf(items_[at].text, nouns) && isCapital(next) && at_[next] == nullptr;
+  if (wording->is(Marker::ends) && noun) return false;
   if (wording->is(Marker::ends) || wording->is(Marker::footer) || wording->is(Marker::reference))
     return true;
   return own && !(isCapital(next) && at_[next] == nullptr);
@@ -145,8 +154,10 @@ bool CapitalWords::continuesCapitals(std::size_t at, std::size_t begin) const {
            (isMark(item, "-./+*@_") && item.glued && gluedBehind);
   }
   if (!isCapital(at)) return item.glued || (isOneOf(item.text, links) && isCapital(at + 1));
-  const bool opens = at == begin && wording != nullptr && isCapital(wording->end) &&
-                     (wording->is(Marker::ends) || wording->is(Marker::footer));
+  if (at > begin && gluedBehind && isMark(items_[at + 1], "#")) return false;  // "Consumer# 12"
+  const bool opens =
+      at == begin && wording != nullptr && isCapital(wording->end) &&
+      (wording->is(Marker::ends) || wording->is(Marker::footer) || wording->is(SumRole::balance));
   if (!opens && isLabel(at)) return false;
   return at == begin || !(goesOnSmall(at) || isPrepositionInCapitals(at));
 }

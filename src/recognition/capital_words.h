@@ -43,6 +43,9 @@ class CapitalWords {
   /// describe.
   [[nodiscard]] bool isNoun(std::size_t at) const;
 
+  /// Whether a wording that begins at item `at` tells an outcome: "Declined", "Approved".
+  [[nodiscard]] bool isOutcome(std::size_t at) const;
+
   /// Whether item `at` begins "your account", "A/c XX12" or the like.
   [[nodiscard]] bool isOwnAccount(std::size_t at) const;
 

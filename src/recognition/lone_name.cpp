@@ -53,7 +53,9 @@ bool mayStandAlone(const AnalysedMessage& message, std::size_t begin, std::size_
   constexpr std::string_view marks = "-|,/";
   if (cased || end >= items.size()) return cased;
   const bool besideDate = items[begin - 1].kind == Item::Kind::sum && items[end].isPiece;
-  return besideDate || (isMark(items[begin - 1], marks) && isMark(items[end], marks));
+  const bool line =
+      items[begin - 1].kind == Item::Kind::lineBreak && items[end].kind == Item::Kind::lineBreak;
+  return besideDate || line || (isMark(items[begin - 1], marks) && isMark(items[end], marks));
 }
 
 // Whether a number or a word of the bank follows, which the items describe: "STAN 220011",

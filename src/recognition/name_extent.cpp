@@ -84,6 +84,13 @@ bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction in
     return isWordOf(at, {SumRole::balance, SumRole::limit}) || isWordOf(at, {Marker::footer}) ||
            (isWordOf(at, {Marker::ends}) && !item.capitals);
   }
+  // "K-ELECTRIC Consumer# 12"
+  if (at + 1 < items_.size() && items_[at + 1].glued && isMark(items_[at + 1], "#")) return true;
+  // "NETFLIX COM", but not "LOJA SOL COM CARTAO"
+  if (item.text == "com" && item.capitals && items_[begin].capitals &&
+      !isWordOf(at + 1, {Marker::own})) {
+    return false;
+  }
   if (isArticle(at)) return false;
   if (isEastAsianMove(at)) return true;
   if (isWordOf(at, {Marker::ends, Marker::footer, Marker::own, SumRole::balance, SumRole::limit,
@@ -91,6 +98,7 @@ bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction in
                     Marker::info})) {
     return true;
   }
+  if (item.text.starts_with("لحساب")) return true;  // "من محمد عبد الرحمن لحسابك"
   // In a name in capitals, words in capitals belong to it: "COUNCIL TAX".
   if (item.capitals && items_[begin].capitals) return false;
   return isWordOf(at, {Marker::at, SumRole::amount, SumRole::charge, Status::done, Move::credited,

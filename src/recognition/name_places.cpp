@@ -9,6 +9,8 @@
 
 #include "names/letter_case.h"
 #include "recognition/capital_words.h"
+#include "recognition/field_names.h"
+#include "recognition/merchant_categories.h"
 #include "recognition/movements.h"
 #include "recognition/name_text.h"
 #include "recognition/payer_text.h"
@@ -36,8 +38,9 @@ class NamePlaces {
         std::ranges::copy(text.places, std::back_inserter(places_));
       }
       if (introduces(wording) || isSlipOf(wording)) addBehind(wording);
+      if (isArabicIn(wording)) addShop(wording);
     }
-    addFields();
+    std::ranges::copy(fieldNames(message_, words_), std::back_inserter(places_));
     // Of places that overlap, the first counts, and of those that begin together the longest.
     std::ranges::stable_sort(places_, [](const NamePlace& one, const NamePlace& other) {
       return one.begin != other.begin ? one.begin < other.begin : one.lastEnd > other.lastEnd;
@@ -67,6 +70,17 @@ class NamePlaces {
   [[nodiscard]] bool isSlipOf(const Found& wording) const {
     return wording.is(Move::purchase) && wording.begin > 0 && items_[wording.begin].capitals &&
            items_[wording.begin - 1].kind == Item::Kind::sum;
+  }
+
+  // "في محلات القسط": "in" introduces a shop or, mostly, a date.
+  [[nodiscard]] bool isArabicIn(const Found& wording) const {
+    return wording.is(Marker::ends) && items_[wording.begin].text == "في" &&
+           words_.isWord(wording.end) && isShopWord(items_[wording.end].text);
+  }
+
+  void addShop(const Found& wording) {
+    std::ranges::copy(uncasedNameBehind(message_, words_, wording, wording.end),
+                      std::back_inserter(places_));
   }
 
   // Whether the party of the payment is in front of `wording`: "Will Smith sent you".
@@ -136,62 +150,6 @@ class NamePlaces {
         std::ranges::any_of(behind, [](const Item& item) { return item.kind == Item::Kind::sum; });
     if (sum && follows) add(begin, end, end);
     return sum && follows;
-  }
-
-  // Fields of capitalised words: "AED 415.00 - Available Light Photo - 12/11", "Salary Street" on
-  // a line, "Insufficient Funs Comedy Club: GBP 16.00".
-  void addFields() {
-    for (std::size_t begin = 0; begin < items_.size(); ++begin) {
-      const bool number = items_[begin].kind == Item::Kind::number && !items_[begin].isPiece;
-      if (!words_.isCapital(begin) && !(number && words_.isCapital(begin + 1))) continue;
-      const Found* const first = words_.wordingAt(begin);  // "To FAHAD OMAR", "TRF TO FATIMA BELLO"
-      if (first != nullptr && (first->as<Marker>() != nullptr ||
-                               (first->as<Move>() != nullptr && first->end > begin + 1))) {
-        continue;
-      }
-      const bool front = begin == 0 || items_[begin].startsSentence;
-      if (!front && !isMark(items_[begin - 1], ",;|:") && !words_.isDash(begin - 1) &&
-          items_[begin - 1].text != "·" && items_[begin - 1].kind != Item::Kind::sum) {
-        continue;
-      }
-      const std::size_t end = words_.endOfCapitals(number ? begin + 1 : begin);
-      if (end <= begin + 1 || !endsField(end, front) || !words_.hasOwnWord(begin, end)) continue;
-      if (holdsOutcome(end - 1) || isHeading(begin, end) ||
-          !movesOutside(message_.wordings, begin, end))
-        continue;
-      add(begin, end, end);
-      begin = end - 1;
-    }
-  }
-
-  // "Debit Alert", "Heron Bank Card"
-  [[nodiscard]] bool isHeading(std::size_t begin, std::size_t end) const {
-    constexpr auto words = std::to_array<std::string_view>(
-        {"alert", "notice", "notification", "bank", "card", "account", "transaction", "transfer",
-         "payment", "purchase"});
-    for (std::size_t at = begin; at < end; ++at) {
-      if (std::ranges::find(words, items_[at].text) != words.end()) return true;
-    }
-    return false;
-  }
-
-  [[nodiscard]] bool endsField(std::size_t end, bool front) const {
-    if (end >= items_.size()) return false;  // a signature
-    const Item& item = items_[end];
-    if (front && isMark(item, ":")) {
-      std::size_t next = end + 1;
-      while (next < items_.size() && isMark(items_[next], "+-")) ++next;
-      return next < items_.size() && items_[next].kind == Item::Kind::sum;
-    }
-    if (item.kind == Item::Kind::lineBreak) return end > 0;
-    return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
-                      isMark(item, ",;|") || item.text == "·" || words_.isDash(end));
-  }
-
-  [[nodiscard]] bool holdsOutcome(std::size_t at) const {
-    return words_.wordingAt(at) != nullptr &&
-           (words_.wordingAt(at)->is(Status::declined) || words_.wordingAt(at)->is(Status::done) ||
-            words_.wordingAt(at)->is(Status::notDone));
   }
 
   void addBehind(const Found& wording) {
@@ -279,7 +237,7 @@ class NamePlaces {
       return;  // "for BillPay payment", "from Lotus Bank card 12"
     std::size_t first = end;
     // "at Fern Cafe Declined.": a shop or an outcome.
-    while (first > begin + 1 && holdsOutcome(first - 1) && !words_.isSmall(end)) {
+    while (first > begin + 1 && words_.isOutcome(first - 1) && !words_.isSmall(end)) {
       --first;
     }
     const bool done = first < end && words_.wordingAt(first)->is(Status::done);

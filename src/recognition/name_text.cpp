@@ -22,13 +22,14 @@ constexpr auto channelWords = std::to_array<std::string_view>(
 
 // Words that say how money moved, not to whom. A name has another word beside them.
 constexpr auto commonWords = std::to_array<std::string_view>(
-    {"atm",         "transfer", "salary",   "loan",     "cash", "withdrawal", "deposit",
-     "payment",     "purchase", "airtime",  "mob",      "bk",   "banking",    "mobile",
-     "sms",         "charge",   "charges",  "fee",      "fees", "emi",        "bank",
-     "online",      "net",      "internet", "interest", "rent", "txn",        "refund",
-     "reversal",    "agent",    "it",       "of",       "us",   "them",       "merchant",
-     "cheque",      "check",    "savings",  "checking", "self", "others",     "رقم",
-     "transaction", "nil",      "na",       "vat",      "gst",  "tax"});
+    {"atm",         "transfer", "salary",   "loan",     "cash",  "withdrawal", "deposit",
+     "payment",     "purchase", "airtime",  "mob",      "bk",    "banking",    "mobile",
+     "sms",         "charge",   "charges",  "fee",      "fees",  "emi",        "bank",
+     "online",      "net",      "internet", "interest", "rent",  "txn",        "refund",
+     "reversal",    "agent",    "it",       "of",       "us",    "them",       "merchant",
+     "cheque",      "check",    "savings",  "checking", "self",  "others",     "رقم",
+     "transaction", "nil",      "na",       "vat",      "gst",   "tax",        "صراف",
+     "الصراف",      "ماكينه",   "الماكينه", "الي",      "الالي", "الشباك",     "الاوتوماتيكي"});
 
 // Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
@@ -52,8 +53,27 @@ bool isPronoun(std::string_view word) {
   return std::find(pronouns.begin(), pronouns.end(), word) != pronouns.end();
 }
 
+namespace {
+
+// The name without a Turkish ending: "MIGROS'tan".
+std::string_view withoutEnding(std::string_view name) {
+  constexpr auto endings =
+      std::to_array<std::string_view>({"dan", "den", "tan", "ten", "ndan", "nden", "da", "de", "ta",
+                                       "te", "nda", "nde", "ya", "ye", "na", "ne", "nin", "nun"});
+  const std::size_t mark = name.find_last_of('\'');
+  const bool ends = mark != std::string_view::npos && mark > 1 &&
+                    std::ranges::find(endings, name.substr(mark + 1)) != endings.end();
+  return ends ? name.substr(0, mark) : name;
+}
+
+}  // namespace
+
 std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::size_t end) {
   const Items& items = message.items;
+  if (begin > 0 && begin < end && isMark(items[begin - 1], "'") && items[begin - 1].glued &&
+      items[begin].glued) {
+    ++begin;  // "18:40'da MIGROS"
+  }
   if (begin >= end) return {};
   const auto isNameWord = [](const Item& item) {
     return item.kind == Item::Kind::word && item.text.find_first_not_of('x') != std::string::npos &&
@@ -64,8 +84,9 @@ std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::
                    items.begin() + static_cast<std::ptrdiff_t>(end), isNameWord)) {
     return {};
   }
-  std::string name(withoutTown(shownPayee(
-      message.text.substr(items[begin].begin, items[end - 1].end - items[begin].begin))));
+  const std::string shown =
+      shownPayee(message.text.substr(items[begin].begin, items[end - 1].end - items[begin].begin));
+  std::string name(withoutEnding(withoutTown(shown)));
   constexpr auto shortened =
       std::to_array<std::string_view>({"co", "inc", "ltd", "ent", "corp", "jr", "sr", "bros"});
   const bool isShort =
@@ -121,6 +142,16 @@ std::string shownPayee(std::string_view name) {
   constexpr std::size_t shortestMask = 2;
   line.erase(mask >= last + shortestMask ? mask : last);  // "MONA S****"
   return line;
+}
+
+bool namesFee(const Items& items, std::size_t begin, std::size_t end) {
+  constexpr auto words =
+      std::to_array<std::string_view>({"charge", "charges", "chgs", "chg", "fee", "fees", "vat"});
+  for (std::size_t at = begin; at <= end && at < items.size(); ++at) {
+    const bool word = std::ranges::find(words, items[at].text) != words.end();
+    if (word && !items[at].named && !items[at].startsSentence) return true;
+  }
+  return false;
 }
 
 }  // namespace kivo::recognition

@@ -25,4 +25,8 @@ bool isPronoun(std::string_view word);
 /// `name` on one line, without quotes, blanks and marks around it, 60 bytes at most.
 std::string shownPayee(std::string_view name);
 
+/// Whether a word for a fee is among the items from `begin` to `end`, or is item `end`: "SMS &
+/// maintenance charge".
+bool namesFee(const Items& items, std::size_t begin, std::size_t end);
+
 }  // namespace kivo::recognition

@@ -27,6 +27,7 @@ enum class Place {
   recipient,  // "to ...", "... credited"
   narration,  // "Info: ..."
   purpose,    // "towards ..."
+  behindSum,  // a name directly behind a sum (name_places.h)
   agent,      // "by ..."
   source,     // "from ..."
   date,       // "on ...", which mostly is a date: "spent on 20-Oct-26 on Web Bazaar"
@@ -38,7 +39,7 @@ enum class Place {
 // sort, the first in the message.
 constexpr auto placesOfExpense = std::to_array<Place>(
     {Place::wording, Place::label, Place::shop, Place::recipient, Place::narration, Place::purpose,
-     Place::agent, Place::source, Place::date, Place::front, Place::alone});
+     Place::behindSum, Place::agent, Place::source, Place::date, Place::front, Place::alone});
 constexpr auto placesOfIncome =
     std::to_array<Place>({Place::wording, Place::label, Place::source, Place::agent, Place::shop,
                           Place::narration, Place::purpose, Place::date, Place::front});
@@ -91,12 +92,14 @@ class Names {
     const auto places = kind_ == Kind::income ? std::span<const Place>(placesOfIncome)
                                               : std::span<const Place>(placesOfExpense);
     for (const Place place : places) {
-      std::string name = place == Place::alone   ? loneName(message_, footer_)
-                         : place == Place::front ? nameBeforeSum(message_)
-                                                 : nameAt(place);
+      std::string name = place == Place::alone       ? loneName(message_, footer_)
+                         : place == Place::front     ? nameBeforeSum(message_)
+                         : place == Place::behindSum ? nameBehindSum()
+                                                     : nameAt(place);
       if (!name.empty()) return name;
     }
-    return {};
+    const bool refund = kind_ == Kind::income && holds(message_.wordings, Move::refund);
+    return refund ? loneName(message_, footer_) : std::string();
   }
 
  private:
@@ -108,6 +111,18 @@ class Names {
           wording.payeePrecedes || (wording.is(Move::credited) && !endsWithBy(wording));
       std::string name = before ? nameBefore(wording) : nameBehind(wording);
       if (!name.empty()) return name;
+    }
+    return {};
+  }
+
+  // "$210.00 Return To Sender LLC from CHK 4410"
+  [[nodiscard]] std::string nameBehindSum() const {
+    for (std::size_t at = 1; at < footer_; ++at) {
+      if (!items_[at].named || items_[at - 1].kind != Item::Kind::sum) continue;
+      std::size_t end = at;
+      while (end < items_.size() && items_[end].named && !items_[end].isPiece) ++end;
+      if (end < items_.size() && items_[end].named) continue;  // "Rs.599.00 A/c X7477"
+      return nameBetween(message_, at, end);
     }
     return {};
   }
@@ -180,7 +195,7 @@ class Names {
     const Marker* const marker = wording.as<Marker>();
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
     const std::size_t end = extent_.endOfName(begin, introduced);
-    if (introduced == Marker::towards && isFee(begin, end)) return {};
+    if (introduced == Marker::towards && namesFee(items_, begin, end)) return {};
     const std::string& word = items_[wording.begin].text;
     const bool cased = isAscii(word.front()) || names::caseOfFirst(word) != LetterCase::none;
     if (cased && !items_[begin].named && isProse(introduced, begin, end)) return {};
@@ -189,17 +204,6 @@ class Names {
                                    (kind_ != Kind::income && introduced == Marker::from));
     if (ownSide && extent_.isWordOf(end, {Marker::own})) return {};
     return shown(begin, end, introduced);
-  }
-
-  // "for SMS & maintenance charge"
-  [[nodiscard]] bool isFee(std::size_t begin, std::size_t end) const {
-    constexpr auto words =
-        std::to_array<std::string_view>({"charge", "charges", "chgs", "chg", "fee", "fees", "vat"});
-    for (std::size_t at = begin; at <= end && at < items_.size(); ++at) {
-      const bool word = std::ranges::find(words, items_[at].text) != words.end();
-      if (word && !items_[at].named && !items_[at].startsSentence) return true;
-    }
-    return false;
   }
 
   // Whether the items are no name. Behind "for", "by" and the like a name has a capital, unless it

@@ -42,6 +42,9 @@ constexpr auto knownPurposes = std::to_array<KnownPurpose>({
     {"fees", "", "Fees"},
 });
 
+// Words of a salary that a longer wording may cover: "تم إضافة مرتبكم بمبلغ 9,000 إلى حسابكم".
+constexpr auto salaries = std::to_array<std::string_view>({"مرتب", "راتب"});
+
 // Words that say no more than that money moved, or whose.
 constexpr auto generic =
     std::to_array<std::string_view>({"payment",      "payments",   "purchase",   "transaction",
@@ -202,6 +205,13 @@ Purpose purposeOf(const AnalysedMessage& message, const Movement& naming) {
   if (std::ranges::find(plain, naming.move) != plain.end()) {
     purpose.description = NounPhrase(message).found();
   }
+  const bool salary =
+      naming.kind == Kind::income && std::ranges::any_of(message.items, [](const Item& item) {
+        return !item.named && std::ranges::any_of(salaries, [&](std::string_view word) {
+          return item.text.starts_with(word);
+        });
+      });
+  if (salary) return {.description = "Salary", .category = "Salary"};
   if (naming.kind != Kind::expense || !naming.category.empty()) return purpose;
   for (const Item& item : message.items) {
     const auto* const known = std::ranges::find(knownPurposes, item.text, &KnownPurpose::word);

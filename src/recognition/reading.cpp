@@ -15,6 +15,7 @@
 #include "recognition/payee.h"
 #include "recognition/payment_sentence.h"
 #include "recognition/purpose.h"
+#include "recognition/reported_movement.h"
 #include "recognition/reported_part.h"
 #include "recognition/spelling.h"
 #include "recognition/stated_sums.h"
@@ -46,78 +47,6 @@ bool isRefused(const AnalysedMessage& whole, const AnalysedMessage& reported,
   return holdsSum(whole);
 }
 
-// The movement by the sign of the sum: "-250,000VND ... SD: 3,110,000VND". Null without a sign.
-const Movement* movementBySign(const Sum& sum) {
-  if (sum.sign == '-') return &movementOf(Move::debit);
-  return sum.sign == '+' ? &movementOf(Move::credit) : nullptr;
-}
-
-// Whether the item behind the wording with this index is a word, and of no other wording.
-bool isFollowedByName(const AnalysedMessage& message, std::size_t index) {
-  const std::vector<Found>& wordings = message.wordings;
-  const std::size_t behind = wordings[index].end;
-  if (behind >= message.items.size()) return false;
-  if (message.items[behind].named) return true;
-  if (message.items[behind].kind != Item::Kind::word) return false;
-  return index + 1 == wordings.size() || wordings[index + 1].begin != behind;
-}
-
-// "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
-// "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a
-// wording of a movement, the marker in front of the payee tells the direction.
-const Movement* movementByPlace(const AnalysedMessage& message) {
-  const std::vector<Found>& wordings = message.wordings;
-  const bool own = holds(wordings, Marker::own);
-  if (own && holds(wordings, Status::done)) return &movementOf(Move::transaction);
-  if (!holds(wordings, SumRole::limit) && !showsEvidence(message)) return nullptr;
-  for (std::size_t index = 0; index < wordings.size(); ++index) {
-    const bool out = wordings[index].is(Marker::at) || wordings[index].is(Marker::to);
-    const bool in = wordings[index].is(Marker::from) && own;
-    const bool ownSide = index + 1 < wordings.size() && wordings[index + 1].is(Marker::own) &&
-                         wordings[index + 1].begin == wordings[index].end;
-    if (in && ownSide) return &movementOf(Move::debit);  // "Rs.50 lotus@upi UPI frm A/c X12"
-    if (!out && !in) continue;
-    if (isFollowedByName(message, index)) {
-      return &movementOf(out ? Move::transaction : Move::transferIn);
-    }
-  }
-  return nullptr;
-}
-
-// Whether the wording with this index is "credited" in "credited to Asha Rao": the payment reached
-// the other side.
-bool creditsOther(const AnalysedMessage& message, std::size_t index) {
-  const std::vector<Found>& wordings = message.wordings;
-  if (!wordings[index].is(Move::credited) || index + 1 == wordings.size()) return false;
-  const Found& next = wordings[index + 1];
-  if (!next.is(Marker::to) || next.begin != wordings[index].end) return false;
-  std::size_t at = next.end;
-  bool bank = false;  // "credited to Heron Bank A/c 12" is the person's side
-  for (; at < message.items.size() && message.items[at].named; ++at) {
-    bank = bank || message.items[at].text == "bank";
-  }
-  const bool account = std::ranges::any_of(wordings, [at](const Found& wording) {
-    return wording.begin == at && wording.is(Marker::own);
-  });
-  return at > next.end && !bank && !account;
-}
-
-// The movement whose words are directly in front of the sum that moved: "CR Amt: 15,600.00". Null
-// without one.
-const Movement* movementAtSum(const AnalysedMessage& message, std::size_t sum) {
-  const Movement* movement = nullptr;
-  for (const Found& wording : message.wordings) {
-    if (wording.end > sum) break;
-    const bool adjacent =
-        std::all_of(message.items.begin() + static_cast<std::ptrdiff_t>(wording.end),
-                    message.items.begin() + static_cast<std::ptrdiff_t>(sum),
-                    [](const Item& item) { return isMark(item, ":.-=") || item.text.empty(); });
-    const Move* const move = wording.as<Move>();
-    if (adjacent && move != nullptr) movement = &movementOf(*move);
-  }
-  return movement;
-}
-
 // Absent when the amount can be read in two ways.
 std::optional<Money> moneyOf(const Sum& sum, const CurrencyCode& bookCurrency) {
   if (!sum.minorUnits) return std::nullopt;
@@ -133,36 +62,6 @@ std::string categoryOf(const Movement& naming, const std::string& payee) {
                                                               : merchantCategory(payee);
   if (category.empty()) category = naming.category;
   return std::string(category.empty() ? "Other" : category);
-}
-
-// The movement that the message reports; null without one. `openingDropped`: its first sentence
-// does not count.
-const Movement* movementIn(const AnalysedMessage& message, const SumParts& sums,
-                           bool openingDropped) {
-  const Movement* movement = strongestMovement(message.wordings);
-  if (movement != nullptr && movement->strength == Strength::verb && sums.moved) {
-    const Movement* const beside = movementAtSum(message, *sums.moved);
-    if (beside != nullptr && beside->strength == Strength::verb) movement = beside;
-  }
-  for (std::size_t index = 0; index < message.wordings.size(); ++index) {
-    const bool told = movement != nullptr && movement->strength <= Strength::verb;
-    if (told && creditsOther(message, index)) movement = &movementOf(Move::sent);
-  }
-  const bool weak = movement == nullptr || (sums.balance && movement->strength <= Strength::verb);
-  if (weak && sums.moved && showsEvidence(message)) {
-    const Movement* const signedOne = movementBySign(message.items[*sums.moved].sum);
-    const bool agrees =
-        movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
-    if (signedOne != nullptr && !agrees) movement = signedOne;
-  }
-  if (movement == nullptr) movement = movementByPlace(message);
-  if (movement == nullptr && holds(message.wordings, SumRole::charge)) {
-    movement = &movementOf(Move::fee);
-  }
-  // A message that opens with an announcement needs a verb to report a movement: "Your bill is
-  // ready. Min payment ..." has none.
-  const bool sure = movement != nullptr && movement->strength >= Strength::verb;
-  return openingDropped && !sure ? nullptr : movement;
 }
 
 // A sum beside a balance, without a wording of a movement.
@@ -204,7 +103,7 @@ Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
   const SumParts sums = partsOfSums(reported, bookCurrency.text());
   const bool openingDropped =
       reported.items.empty() || reported.items.front().begin != whole.items.front().begin;
-  const Movement* const movement = movementIn(reported, sums, openingDropped);
+  const Movement* const movement = reportedMovement(reported, sums, openingDropped);
   if (isRefused(whole, reported, movement)) return {.outcome = Outcome::declined};
   if (!sums.moved) return {};
   if (movement == nullptr) {

@@ -166,5 +166,27 @@ TEST(ASum, ThatMayBePartOfANameIsNotProposed) {
             "review ?");
 }
 
+TEST(AName, BetweenASumAndFromMayHoldAnyWordOfABank) {
+  EXPECT_EQ(
+      readingOf(
+          "ACH withdrawal EGP 210.00 Return To Sender Storage LLC from CHK 4410 posted 07/27"),
+      "expense 210.00 | Return To Sender Storage LLC");
+}
+
+TEST(AName, MayHoldTheWordsDateAndNow) {
+  EXPECT_EQ(
+      readingOf("Refund of EGP 875.00 from Due Date Fruits has been processed to your Card 77"),
+      "income 875.00 | Due Date Fruits");
+  EXPECT_EQ(readingOf("EGP 128.00 debited on Card 11**98 @ AVAILABLE NOW TAILORS 12-Jul-26 18:02"),
+            "expense 128.00 | AVAILABLE NOW TAILORS");
+}
+
+TEST(AnArabicName, MayHoldTheWordsOfABankBehindIn) {
+  EXPECT_EQ(
+      readingOf(
+          "خصمت 13.20 جنيه من حسابك 03XX19 لعملية شراء في محلات القسط للأثاث بتاريخ 11-07-26"),
+      "expense 13.20 | محلات القسط للأثاث");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

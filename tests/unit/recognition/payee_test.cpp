@@ -194,5 +194,32 @@ TEST(AnAddress, IsOneName) {
   EXPECT_EQ(payeeOf("EGP 50.00 sent to pine.kiosk@heron.Ref No 70041"), "pine.kiosk@heron");
 }
 
+TEST(AName, LosesItsTurkishEnding) {
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at MIGROS'tan 12/03"), "MIGROS");
+  EXPECT_EQ(payeeOf("EGP 20.00 spent at Wendy's today"), "Wendy's");
+}
+
+TEST(AName, EndsBeforeALabelWithANumberSign) {
+  EXPECT_EQ(payeeOf("Bill Paid! K-ELECTRIC Consumer# 0400011223 Amt EGP 6,842"), "K-ELECTRIC");
+}
+
+TEST(AName, InCapitalsMayEndWithCom) {
+  EXPECT_EQ(payeeOf("EGP 649.00 debited towards NETFLIX COM from A/c XX0931"), "NETFLIX COM");
+}
+
+TEST(AName, OfAScriptWithoutCapitalsMayStandOnALine) {
+  EXPECT_EQ(payeeOf("خصم: 150.00 جنيه\nسوبر الريان\nبطاقة: *4410\nالرصيد 900.00 جنيه"),
+            "سوبر الريان");
+}
+
+TEST(AName, BehindTheSumOfARefundIsTheShops) {
+  EXPECT_EQ(payeeOf("Refund EGP 20.00 SUN MARKET. Card *7719, balance EGP 80.00"), "SUN MARKET");
+}
+
+TEST(AName, IsNoFee) {
+  EXPECT_EQ(payeeOf("Debited by EGP 345.00 for SMS & maintenance charge with VAT on 30-10-2026"),
+            "");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

@@ -1,0 +1,95 @@
+#include "recognition/field_names.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace kivo::recognition {
+namespace {
+
+class FieldNames {
+ public:
+  FieldNames(const AnalysedMessage& message, const CapitalWords& words)
+      : items_(message.items), words_(words) {
+    for (const Found& wording : message.wordings) {
+      if (wording.as<Move>() == nullptr) continue;
+      if (firstMove_ == nullptr) firstMove_ = &wording;
+      lastMove_ = &wording;
+    }
+  }
+
+  // Fields of capitalised words: "AED 415.00 - Available Light Photo - 12/11", "Salary Street" on
+  // a line, "Insufficient Funs Comedy Club: GBP 16.00".
+  [[nodiscard]] std::vector<NamePlace> all() const {
+    std::vector<NamePlace> places;
+    for (std::size_t begin = 0; begin < items_.size(); ++begin) {
+      const bool number = items_[begin].kind == Item::Kind::number && !items_[begin].isPiece;
+      if (!words_.isCapital(begin) && !(number && words_.isCapital(begin + 1))) continue;
+      const Found* const first = words_.wordingAt(begin);  // "To FAHAD OMAR", "TRF TO FATIMA BELLO"
+      if (first != nullptr && (first->as<Marker>() != nullptr ||
+                               (first->as<Move>() != nullptr && first->end > begin + 1))) {
+        continue;
+      }
+      const bool front = begin == 0 || items_[begin].startsSentence;
+      if (!front && !isMark(items_[begin - 1], ",;|:") && !words_.isDash(begin - 1) &&
+          items_[begin - 1].text != "·" && items_[begin - 1].kind != Item::Kind::sum) {
+        continue;
+      }
+      const std::size_t end = words_.endOfCapitals(number ? begin + 1 : begin);
+      if (end <= begin + 1 || !endsField(begin, end, front) || !words_.hasOwnWord(begin, end))
+        continue;
+      if (words_.isOutcome(end - 1) || isHeading(begin, end) || !movesOutside(begin, end)) {
+        continue;
+      }
+      places.push_back({begin, end, end});
+      begin = end - 1;
+    }
+    return places;
+  }
+
+ private:
+  // Whether a wording in front of item `begin` or from item `end` on reports a movement.
+  [[nodiscard]] bool movesOutside(std::size_t begin, std::size_t end) const {
+    return firstMove_ != nullptr && (firstMove_->end <= begin || lastMove_->begin >= end);
+  }
+
+  // "Debit Alert", "Heron Bank Card"
+  [[nodiscard]] bool isHeading(std::size_t begin, std::size_t end) const {
+    constexpr auto words = std::to_array<std::string_view>(
+        {"alert", "notice", "notification", "bank", "card", "account", "transaction", "transfer",
+         "payment", "purchase"});
+    for (std::size_t at = begin; at < end; ++at) {
+      if (std::ranges::find(words, items_[at].text) != words.end()) return true;
+    }
+    return false;
+  }
+
+  [[nodiscard]] bool endsField(std::size_t begin, std::size_t end, bool front) const {
+    if (end >= items_.size()) return false;  // a signature
+    const Item& item = items_[end];
+    if (front && isMark(item, ":")) {
+      std::size_t next = end + 1;
+      while (next < items_.size() && isMark(items_[next], "+-")) ++next;
+      return next < items_.size() && items_[next].kind == Item::Kind::sum;
+    }
+    if (item.kind == Item::Kind::lineBreak) return end > 0;
+    const Found* const next = words_.wordingAt(end);
+    const bool behindSum = !front && items_[begin - 1].kind == Item::Kind::sum;
+    if (behindSum && next != nullptr && next->is(Marker::from) && words_.isSmall(end)) return true;
+    return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
+                      isMark(item, ",;|") || item.text == "·" || words_.isDash(end));
+  }
+
+  const Items& items_;
+  const CapitalWords& words_;
+  const Found* firstMove_ = nullptr;
+  const Found* lastMove_ = nullptr;
+};
+
+}  // namespace
+
+std::vector<NamePlace> fieldNames(const AnalysedMessage& message, const CapitalWords& words) {
+  return FieldNames(message, words).all();
+}
+
+}  // namespace kivo::recognition

@@ -1,0 +1,15 @@
+// Finds names that fill a field or line of a message, and are known by their capitals.
+#pragma once
+
+#include <vector>
+
+#include "recognition/capital_words.h"
+#include "recognition/name_places.h"
+
+namespace kivo::recognition {
+
+/// The names between marks, sums or line breaks of `message`, beside which another wording reports
+/// a movement: "AED 415.00 - Available Light Photo - 12/11". In order.
+std::vector<NamePlace> fieldNames(const AnalysedMessage& message, const CapitalWords& words);
+
+}  // namespace kivo::recognition
