@@ -6,6 +6,7 @@
 #include "book/book_damage.h"
 #include "book/book_file.h"
 #include "book/book_rates.h"
+#include "book/book_state.h"
 #include "book/book_sums.h"
 #include "book/current_day.h"
 #include "book/history.h"
@@ -13,7 +14,6 @@
 #include "book/look_alikes.h"
 #include "book/rules.h"
 #include "book/stored_entry.h"
-#include "names/name_pattern.h"
 #include "platform/linux/store/replaced_text.h"
 
 namespace kivo::book {
@@ -64,17 +64,6 @@ class Marked {
 };
 
 }  // namespace
-
-struct Book::File {
-  linux_platform::Database owner;
-  sqlite3* database = owner.get();
-  bool wasChecked = false;
-  bool isInStep = false;
-  // Whether the step that runs deletes texts.
-  bool owesErasure = false;
-  // Notes for the command whose step runs.
-  ChangeNotes notes{database};
-};
 
 Book::Book(std::unique_ptr<File> file) : file_(std::move(file)) {}
 Book::Book(Book&& other) noexcept = default;
@@ -311,43 +300,6 @@ ForgottenTexts Book::forgetTexts() {
     file_->notes.lasting();
   });
   return forgotten;
-}
-
-std::vector<Rule> Book::rules() const { return storedRules(file_->database); }
-
-std::optional<KeptRule> Book::keepRule(const std::string& payee, const RuleMembers& members) {
-  std::optional<KeptRule> kept;
-  inOneStep([&] { kept = book::keepRule(file_->database, file_->notes, payee, members); });
-  return kept;
-}
-
-std::optional<KeptRule> Book::keepRuleOf(std::int64_t id, const EntryChange& change) {
-  std::optional<KeptRule> kept;
-  inOneStep([&] {
-    const auto named = entry(id);
-    if (!named) return;
-    RuleMembers members;
-    if (change.description) members.description = named->description;
-    if (change.category) members.category = named->category;
-    kept = keepRule(names::NamePattern::textFor(named->payee), members);
-  });
-  return kept;
-}
-
-std::optional<Rule> Book::removeRule(std::int64_t number) {
-  std::optional<Rule> removed;
-  inOneStep([&] { removed = book::removeRule(file_->database, file_->notes, number); });
-  return removed;
-}
-
-EarlierEntries Book::earlierFor(const KeptRule& kept) const {
-  return book::earlierFor(file_->database, kept);
-}
-
-EarlierEntries Book::changeEarlier(const KeptRule& kept) {
-  EarlierEntries changed;
-  inOneStep([&] { changed = book::changeEarlier(file_->database, file_->notes, kept); });
-  return changed;
 }
 
 void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate) {
