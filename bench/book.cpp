@@ -69,6 +69,24 @@ void ledgerAnswer(State& state) {
 }
 BENCHMARK(ledgerAnswer)->Arg(1)->Arg(100'000)->UseRealTime()->Unit(benchmark::kMillisecond);
 
+// The rules for a payee among that many with a wildcard, and its look-alikes.
+void ledgerRules(State& state) {
+  const testkit::PrivateFolders folders;
+  book::Book book = book::Book::open();
+  book.inOneStep([&] {
+    for (int number = 0; number < state.range(0); ++number) {
+      book.keepRule("*Merchant " + std::to_string(number) + " of*", {.category = "Fun"});
+    }
+  });
+  book::LedgerEntry entry;
+  entry.payee = "The Merchant 0 of Old Cairo";
+  for (auto _ : state) {
+    const book::LedgerEntry fitted = book.fitted(entry);
+    if (state.range(0) > 0 && fitted.category != "Fun") state.SkipWithError("no rule fits");
+  }
+}
+BENCHMARK(ledgerRules)->Arg(0)->Arg(1'000)->Unit(benchmark::kMicrosecond);
+
 // The work of `kivo-ledger list --month`, without starting a process.
 void ledgerListMonth(State& state) {
   const testkit::PrivateFolders folders;

@@ -102,7 +102,8 @@ TEST_F(ALedgersRules, AreNotMadeWithoutAPayee) {
   EXPECT_EQ(ledger_.post("KEY", "Your card ending 4821 was charged EGP 20.00.").status(), 200);
   server->signal(SIGTERM);
   EXPECT_EQ(server->wait().status, 0);
-  EXPECT_THAT(shown({"edit", "1", "--category", "Fun"}), Not(HasSubstr("Later")));
+  EXPECT_THAT(shown({"edit", "1", "--category", "Fun"}),
+              EndsWith("\n\nNo payee is named here, so this makes no rule.\n"));
   EXPECT_EQ(shown({"rules", "--json"}), "[]\n");
 }
 
@@ -203,6 +204,11 @@ TEST_F(ALedgersRules, AskAboutEarlierPaymentsOnATerminal) {
   EXPECT_THAT(changed, EndsWith("2 earlier ones too? [y/N] Changed 2 earlier payments.\n"));
   EXPECT_EQ(category("1"), "Bills");
   EXPECT_THAT(onTerminal("edit 3 --category Bills", ""), Not(HasSubstr("too?")));
+  EXPECT_THAT(onTerminal("rules add --payee 'ZED*' --kind transfer", "y\n"),
+              EndsWith("Later payments to ZED* will be transfers. `kivo-ledger rules` shows it.\n"
+                       "Left as you edited them: 3.\n"
+                       "2 earlier ones too? [y/N] Changed 2 earlier payments.\n"));
+  EXPECT_EQ(member("1", "kind"), "transfer");
 }
 
 TEST_F(ALedgersRules, AskOnceForSeveralPayees) {

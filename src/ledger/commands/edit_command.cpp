@@ -76,6 +76,12 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
   return change;
 }
 
+// Whether the edit holds for later payments, if it is of a payment with a payee.
+bool makesRule(const GivenParameters& parameters) {
+  return !parameters.contains("--once") &&
+         (parameters.contains("--description") || parameters.contains("--category"));
+}
+
 // Throws when nothing is to be changed, or --once and --also-earlier have nothing to say.
 void requireChange(const GivenParameters& parameters) {
   const auto isGiven = [&](const char* name) { return parameters.contains(name); };
@@ -89,7 +95,7 @@ void requireChange(const GivenParameters& parameters) {
   if (isGiven("--once")) {
     throw BadUsage("--once changes no other payment, and --also-earlier does: give one of them");
   }
-  if (!isGiven("--description") && !isGiven("--category")) {
+  if (!makesRule(parameters)) {
     throw BadUsage("--also-earlier needs --description or --category");
   }
 }
@@ -108,12 +114,15 @@ void edit(const GivenParameters& parameters) {
       const EntryChange change = changeFrom(parameters, book, entry);
       book.edit(entry.id, change);
       edited.push_back(book.entry(entry.id).value());
-      if (parameters.contains("--once")) return;
-      rules.add(book.keepRuleOf(entry.id, change), edited.back().kind);
+      if (makesRule(parameters)) {
+        rules.add(book.keepRuleOf(entry.id, change), edited.back().kind);
+      }
     };
     book::UserCommand command = userCommand("edit", parameters);
     book.asCommand(command, [&] { changeEach(book, chosenEntries(book, parameters), editOne); });
-    print(listing(edited) + (rules.empty() ? "" : "\n"));
+    print(listing(edited));
+    if (!makesRule(parameters)) return;
+    print(rules.empty() ? "\nNo payee is named here, so this makes no rule.\n" : "\n");
     rules.tell(book, command, parameters);
   });
 }

@@ -110,7 +110,7 @@ std::vector<linux_platform::Command> ruleCommands() {
        showRules},
       {"rules add",
        "Have later payments to a payee follow a rule",
-       {{"--payee", "The payee's name; * stands for any characters, \\* for a star"},
+       {{"--payee", "The payee's name; * stands for any characters"},
         {"--description", "The description that they get", optional},
         {"--category", "The category that they get", optional},
         {"--kind", "The kind that they get: expense, income or transfer", optional, kindNames},

@@ -1,6 +1,5 @@
 // Rules for payees: which messages they fit, which rule decides, and what they do to earlier
 // entries.
-#include <chrono>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -252,22 +251,6 @@ TEST_F(ARule, IsLookedUpThroughIndexes) {
       "UNION ALL SELECT number FROM rules WHERE has_wildcard AND payee <> 'a'");
   EXPECT_THAT(plan, testing::HasSubstr("sqlite_autoindex_rules_1 (payee=?)"));
   EXPECT_THAT(plan, testing::HasSubstr("rules_with_wildcard"));
-}
-
-TEST_F(ARule, IsFoundAmongAThousandWithWildcards) {
-  book_.inOneStep([&] {
-    for (int number = 0; number < 1000; ++number) {
-      kept("*Merchant number " + std::to_string(number) + "*", {.category = "Fun"});
-    }
-  });
-  LedgerEntry entry;
-  entry.payee = "The merchant number 998 of Old Cairo";
-  constexpr int rounds = 100;
-  const auto begin = std::chrono::steady_clock::now();
-  for (int round = 0; round < rounds; ++round) EXPECT_EQ(book_.fitted(entry).category, "Fun");
-  const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
-  RecordProperty("ms", std::to_string(taken.count() / rounds));
-  EXPECT_LT(taken.count() / rounds, 50);  // a slow machine; docs/ledger.md has the figure
 }
 
 }  // namespace
