@@ -14,6 +14,7 @@ if(KIVO_STATIC_LIBRARIES)
   set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
 endif()
 find_package(SQLite3 REQUIRED)
+find_package(EXPAT REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
 target_link_libraries(ICU::i18n INTERFACE ICU::uc)  # an archive comes before those it needs
 find_package(PkgConfig REQUIRED)

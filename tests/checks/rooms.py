@@ -26,6 +26,7 @@ ARROWS = {
     "recognition": {"money", "names"},
     "book": {"money", "names", "platform", "platform/linux"},
     "recording": {"recognition", "book", "money", "extraction", "platform"},
+    "old_messages": {"platform", "platform/linux"},
     "overview": {"book", "money", "platform", "platform/linux"},
     "ledger": {"overview", "recording", "recognition", "book", "money", "store", "extraction", "feedback", "platform",
                "platform/linux"},
