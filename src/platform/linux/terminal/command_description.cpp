@@ -20,6 +20,8 @@ std::string_view nameOf(CommandParameter::Kind kind) {
       return "flag";
     case CommandParameter::Kind::several:
       return "several";
+    case CommandParameter::Kind::any:
+      return "any";
   }
   return "required";
 }

@@ -13,7 +13,7 @@ inline constexpr std::string_view describeOption = "--describe";
 
 /// Returns `program` as one JSON object: "name", "purpose" and "commands", each with "name",
 /// "purpose" and "parameters"; each parameter with "name", "meaning", "kind" ("required",
-/// "optional" or "flag") and "values", which is empty when any value is allowed.
+/// "optional", "flag", "several" or "any") and "values", which is empty when any value is allowed.
 std::string descriptionOf(const CommandProgram& program);
 
 /// Prints the description of `program` on standard output; returns the exit status.

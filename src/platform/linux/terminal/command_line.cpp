@@ -21,12 +21,16 @@ namespace {
 
 using Kind = CommandParameter::Kind;
 
+// Behind each text of a parameter of the kind `any`: no argument holds it.
+constexpr char textEnd = '\0';
+
 // A command registered with CLI11, which fills the texts and flags as it parses.
 struct Offered {
   const Command* command = nullptr;
   CLI::App* app = nullptr;
   std::map<std::string, std::optional<std::string>> texts;
   std::map<std::string, std::vector<std::string>> lists;
+  std::map<std::string, std::vector<std::string>> anyTexts;
   std::map<std::string, bool> flags;
 
   [[nodiscard]] GivenParameters given() const {
@@ -38,6 +42,9 @@ struct Offered {
       for (const std::string& text : list) {
         given[name] += (given[name].empty() ? "" : " ") + text;
       }
+    }
+    for (const auto& [name, list] : anyTexts) {
+      for (const std::string& text : list) given[name] += text + textEnd;
     }
     for (const auto& [name, flag] : flags) {
       if (flag) given[name];
@@ -72,6 +79,13 @@ std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
     if (parameter.kind == Kind::several) {
       offered->app->add_option(name, offered->lists[name], parameter.meaning)
           ->option_text("TEXT ... (needed)");
+      continue;
+    }
+    if (parameter.kind == Kind::any) {
+      const bool isOption = name.starts_with("--");
+      offered->app->add_option(name, offered->anyTexts[name], parameter.meaning)
+          ->allow_extra_args(!isOption)
+          ->option_text(isOption ? "TEXT, also several times" : "TEXT ...");
       continue;
     }
     CLI::Option* const option =
@@ -194,7 +208,7 @@ bool hasOption(const CommandProgram& program, const std::string& name,
 // take the next argument as its value.
 std::vector<std::string> argumentsFrom(const CommandProgram& program, int argc, char** argv) {
   const auto takesValue = [&program](const std::string& name) {
-    return hasOption(program, name, {Kind::required, Kind::optional});
+    return hasOption(program, name, {Kind::required, Kind::optional, Kind::any});
   };
   std::vector<std::string> arguments;
   bool isValue = false;  // the argument is the value of the option before it
@@ -276,6 +290,18 @@ int statusOf(const CommandProgram& program, const Command& command, const GivenP
 }
 
 }  // namespace
+
+std::vector<std::string> textsOf(const GivenParameters& given, const std::string& name) {
+  std::vector<std::string> texts;
+  const auto found = given.find(name);
+  if (found == given.end()) return texts;
+  for (std::size_t at = 0; at < found->second.size();) {
+    const std::size_t end = found->second.find(textEnd, at);
+    texts.push_back(found->second.substr(at, end - at));
+    at = end + 1;
+  }
+  return texts;
+}
 
 int runCommand(const CommandProgram& program, int argc, char** argv) {
   if (argc == 2 && argv[1] == describeOption) return printDescription(program);

@@ -18,6 +18,9 @@ struct CommandParameter {
     flag,
     /// One argument or more; the last positional one. Their texts are given with blanks between.
     several,
+    /// Any number of arguments, the last positional ones, or an option that may be given several
+    /// times. `textsOf` returns their texts.
+    any,
   };
 
   /// "--user-id" for an option, "KEY" for a positional argument.
@@ -31,6 +34,9 @@ struct CommandParameter {
 
 /// The given values by the parameters' names. A given flag has an entry with an unspecified text.
 using GivenParameters = std::map<std::string, std::string>;
+
+/// Returns the texts given for `name`, a parameter of the kind `any`, in their order.
+std::vector<std::string> textsOf(const GivenParameters& given, const std::string& name);
 
 /// One command of a program.
 struct Command {
