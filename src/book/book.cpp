@@ -150,6 +150,11 @@ void Book::keepAnswer(const std::string& userId, const std::string& key,
   file_->notes.answer(userId, key);
 }
 
+std::vector<RecordedMessage> Book::recordedMessages(const std::string& userId,
+                                                    const std::string& exceptKeys) const {
+  return book::recordedMessages(file_->database, userId, exceptKeys);
+}
+
 LedgerEntry Book::fitted(LedgerEntry entry) const {
   applyRules(file_->database, entry);
   entry.category = spelledCategory(file_->database, entry.category, entry.id);

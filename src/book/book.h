@@ -12,6 +12,7 @@
 #include "book/book_failure.h"
 #include "book/ignored_message.h"
 #include "book/ledger_entry.h"
+#include "book/recorded_messages.h"
 #include "book/rule.h"
 #include "book/user_command.h"
 #include "money/rate.h"
@@ -117,6 +118,10 @@ class Book {
                                                   const std::string& key) const;
   /// Keeps `answer` for a key that has none. Call it in a step, with what the answer says.
   void keepAnswer(const std::string& userId, const std::string& key, const std::string& answer);
+
+  /// As `book::recordedMessages`.
+  [[nodiscard]] std::vector<RecordedMessage> recordedMessages(const std::string& userId,
+                                                              const std::string& exceptKeys) const;
 
   /// Returns `entry`, which may be new, as the book would have it: with the user's rules for
   /// its payee, the category as the book spells it, and the entry that it looks like.

@@ -55,15 +55,19 @@ void keepIgnored(book::Book& book, const Reading& reading, const Message& messag
                     .text = std::string(recognition::partThatCounts(message.text))});
 }
 
-// Stores the transaction of `read`, if it is one, or the message if it may be one after all, and
-// the answer. Call it in a step.
-Recorded store(book::Book& book, const BookReading& read, const Message& message) {
+}  // namespace
+
+LedgerEntry fittedEntry(const book::Book& book, const BookReading& read, const Message& message) {
+  return book.fitted(entryFrom(read, message));
+}
+
+Recorded recordAs(book::Book& book, const BookReading& read, const Message& message) {
   const Reading& reading = read.reading;
   Recorded recorded;
   SMSExtractionResponse response{.saved = false, .reason = "not_a_transaction"};
   if (reading.outcome == Outcome::declined) response.reason = "declined";
   if (isTransaction(read)) {
-    recorded.entry = book.fitted(entryFrom(read, message));
+    recorded.entry = fittedEntry(book, read, message);
     recorded.entry->id = book.add(*recorded.entry);
     response = responseTo(*recorded.entry);
   } else if (reading.holdsSum) {
@@ -74,8 +78,6 @@ Recorded store(book::Book& book, const BookReading& read, const Message& message
   return recorded;
 }
 
-}  // namespace
-
 Recorded record(book::Book& book, const Message& message, const MessageReader& read,
                 const money::CurrencyCode& currency) {
   const auto known = [&] { return book.answer(message.userId, message.idempotencyKey); };
@@ -84,7 +86,7 @@ Recorded record(book::Book& book, const Message& message, const MessageReader& r
   Recorded recorded;
   book.inOneStep([&] {
     auto answer = known();  // of another process that was faster
-    recorded = answer ? Recorded{*std::move(answer)} : store(book, reading, message);
+    recorded = answer ? Recorded{*std::move(answer)} : recordAs(book, reading, message);
   });
   return recorded;
 }

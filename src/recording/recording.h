@@ -35,4 +35,13 @@ struct Recorded {
 Recorded record(book::Book& book, const Message& message, const MessageReader& read,
                 const money::CurrencyCode& currency);
 
+/// Records `message`, whose key has no answer, as it was read: the part of `record` that stores.
+/// Call it in a step. Throws BookFailure.
+Recorded recordAs(book::Book& book, const BookReading& read, const Message& message);
+
+/// Returns the entry that `recordAs` would add for a transaction, as `Book::fitted` returns it.
+/// Throws BookFailure.
+book::LedgerEntry fittedEntry(const book::Book& book, const BookReading& read,
+                              const Message& message);
+
 }  // namespace kivo::recording

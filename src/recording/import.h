@@ -1,0 +1,81 @@
+// Records the messages of a file, many in one step of the book, without those that the book knows.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "book/book.h"
+#include "recording/known_messages.h"
+#include "recording/recording.h"
+
+namespace kivo::recording {
+
+/// How many messages had which result. Each message counts once.
+struct ImportCounts {
+  std::int64_t booked = 0;
+  std::int64_t review = 0;
+  /// No transaction.
+  std::int64_t ignored = 0;
+  /// A payment that the bank refused.
+  std::int64_t declined = 0;
+  /// In the book already, and not recorded again.
+  std::int64_t known = 0;
+
+  /// Their sum.
+  [[nodiscard]] std::int64_t messages() const;
+  ImportCounts& operator+=(const ImportCounts& other);
+};
+
+/// An import. Not thread-safe.
+class Import {
+ public:
+  /// Whether messages are recorded, or only counted as they would be.
+  enum class Mode { record, dryRun };
+
+  struct Settings {
+    /// The user for whom messages are recorded.
+    std::string userId;
+    /// The currency of the book.
+    money::CurrencyCode currency;
+    MessageReader read;
+    /// The beginning of the keys of imported messages; others came live.
+    std::string importKeys;
+    /// The command of which each step is a part.
+    book::UserCommand command;
+    Mode mode = Mode::record;
+  };
+
+  /// `book` must outlive this object. Throws BookFailure.
+  Import(book::Book& book, Settings settings);
+
+  /// Notes that `message` will be added, so that a live message of its own day is kept for it. Call
+  /// it for all messages before the first `add`.
+  void expect(const Message& message);
+  /// Records `message` now or, with up to 2,000 others in one step, in a later call. Throws
+  /// BookFailure, and Failure when `undo` took the import back meanwhile; what was recorded in
+  /// earlier steps stays.
+  void add(Message message);
+  /// Records the messages that wait; throws as `add` does.
+  void finish();
+
+  /// The results of the messages that were recorded.
+  [[nodiscard]] const ImportCounts& counts() const { return counts_; }
+
+ private:
+  void recordOne(const Message& message, ImportCounts& counts);
+  [[nodiscard]] bool isKnownByKey(const Message& message) const;
+  bool cameLive(const Message& message, const BookReading& reading);
+
+  book::Book* book_;
+  Settings settings_;
+  KnownMessages known_;
+  std::vector<Message> waiting_;
+  // Of messages for which nothing is stored under their keys.
+  std::unordered_set<std::string> keysTaken_;
+  std::unordered_set<std::string> keysExpected_;
+  ImportCounts counts_;
+};
+
+}  // namespace kivo::recording
