@@ -11,6 +11,7 @@
 #include "ledger/commands/export_commands.h"
 #include "ledger/commands/history_commands.h"
 #include "ledger/commands/ignored_commands.h"
+#include "ledger/commands/import_command.h"
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
 #include "ledger/commands/rate_command.h"
@@ -75,6 +76,7 @@ linux_platform::CommandProgram program() {
   for (Command& command : ignoredCommands()) made.commands.push_back(std::move(command));
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(addingCommand());
+  made.commands.push_back(importCommand());
   made.commands.push_back(editCommand());
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
   for (Command& command : historyCommands()) made.commands.push_back(std::move(command));

@@ -213,6 +213,12 @@ bool TemplateFile::remove(const std::string& block) {
   });
 }
 
+MessageReader TemplateFile::readerOfNow() {
+  return [templates = read()](std::string_view text, const money::CurrencyCode& bookCurrency) {
+    return readWith(templates, text, bookCurrency);
+  };
+}
+
 MessageReader TemplateFile::reader() {
   return [reported = std::string()](std::string_view text,
                                     const money::CurrencyCode& bookCurrency) mutable {

@@ -28,7 +28,8 @@ ARROWS = {
     "recording": {"recognition", "book", "money", "extraction", "platform"},
     "old_messages": {"platform", "platform/linux"},
     "overview": {"book", "money", "platform", "platform/linux"},
-    "ledger": {"overview", "recording", "recognition", "book", "money", "store", "extraction", "feedback", "platform",
+    # The senders that an import offers are those of the watcher, by its patterns.
+    "ledger": {"overview", "old_messages", "sms_watcher", "recording", "recognition", "book", "money", "store", "extraction", "feedback", "platform",
                "platform/linux"},
     "demo": {"recognition", "money", "names", "store", "platform", "platform/linux"},
 }

@@ -9,7 +9,6 @@
 #include "ledger/commands/opened_book.h"
 #include "platform/linux/terminal/command_output.h"
 #include "recording/hand_entry.h"
-#include "store/shared_store.h"
 
 namespace kivo::ledger {
 
@@ -22,13 +21,6 @@ using linux_platform::BadUsage;
 using linux_platform::GivenParameters;
 using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
-
-// The user of the messages, so that an entry is compared with them.
-std::string signedInUser() {
-  const auto store = SharedStore::open(appGroup);
-  if (!store) throw linux_platform::ReportedFailure();
-  return store->readNonEmptyText(StoreKeys::userId).value_or("local");
-}
 
 HandEntry paymentFrom(const GivenParameters& parameters, const money::CurrencyCode& currency) {
   const std::string payee = givenText(parameters, "--payee").value();

@@ -7,6 +7,7 @@
 #include "ledger/commands/chosen_ids.h"
 #include "platform/foundation/number_text.h"
 #include "platform/linux/foundation/complaint.h"
+#include "store/shared_store.h"
 
 namespace kivo::ledger {
 
@@ -89,6 +90,12 @@ money::CurrencyCode requiredBookCurrency() {
   const auto currency = bookCurrency();
   if (!currency) throw ReportedFailure();
   return *currency;
+}
+
+std::string signedInUser() {
+  const auto store = SharedStore::open(appGroup);
+  if (!store) throw ReportedFailure();
+  return store->readNonEmptyText(StoreKeys::userId).value_or("local");
 }
 
 void tellSetAside(const Book& book) {

@@ -39,6 +39,10 @@ book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number
 /// store cannot be opened.
 money::CurrencyCode requiredBookCurrency();
 
+/// Returns the user whose messages are recorded, "local" when none is signed in: an entry of this
+/// user is compared with them. Throws as `requiredBookCurrency` does.
+std::string signedInUser();
+
 /// Prints a line on standard error that names the entries of `book` that are set aside, if any.
 void tellSetAside(const book::Book& book);
 
