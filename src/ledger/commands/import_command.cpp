@@ -145,12 +145,12 @@ void importFrom(Book& book, const ImportedFiles& files, std::vector<std::string>
   ChosenSenders chosen(std::move(senders));
   const auto mode = settings.mode;
   const std::string userId = settings.userId;
-  Import import(book, std::move(settings));
-  files.read(chosen, userId, "Reading", [&](const Message& message) { import.expect(message); });
+  Import importing(book, std::move(settings));
+  files.read(chosen, userId, "Reading", [&](const Message& message) { importing.expect(message); });
   const auto read = files.read(chosen, userId, "Importing",
-                               [&](Message message) { import.add(std::move(message)); });
-  import.finish();
-  ImportCounts counts = import.counts();
+                               [&](Message message) { importing.add(std::move(message)); });
+  importing.finish();
+  ImportCounts counts = importing.counts();
   counts.ignored += read.withoutDay;
   print(parameters.contains("--json") ? jsonOf(counts) : tableOf(counts, mode));
   complainOfDays(read.withoutDay);
@@ -165,7 +165,7 @@ void importFrom(Book& book, const ImportedFiles& files, std::vector<std::string>
   throw linux_platform::ReportedFailure();
 }
 
-void import(const GivenParameters& parameters) {
+void importFiles(const GivenParameters& parameters) {
   const std::vector<std::string> senders = textsOf(parameters, "--sender");
   checkSenders(senders);
   const ImportedFiles files(givenFiles(parameters), givenDays(parameters));
@@ -198,7 +198,7 @@ linux_platform::Command importCommand() {
            {"--to", "The last day", optional},
            {"--dry-run", "Only count; change nothing", flag},
            {"--json", "Print the counts as JSON", flag}},
-          import};
+          importFiles};
 }
 
 }  // namespace kivo::ledger

@@ -7,6 +7,7 @@
 namespace kivo::linux_platform {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
@@ -53,6 +54,10 @@ class ACommandLineParser : public testing::Test {
                  note("box put")},
                 {"bag", "Show the bag", {}, note("bag")},
                 {"bag put", "Put something in", {{"WHAT", "The thing"}}, note("bag put")},
+                {"pack",
+                 "Pack things",
+                 {{"THING", "A thing", Kind::any}, {"--label", "A label", Kind::any}},
+                 note("pack")},
                 {"fail", "Fail", {}, [this](const GivenParameters&) { failure(); }},
             },
     };
@@ -104,6 +109,17 @@ TEST_F(ACommandLineParser, EscapesControlCharactersInTheSentenceOfAFailure) {
   failure = [] { throw CommandFailure("no \x1b[2J\nbox"); };
   EXPECT_EQ(run({"fail"}), 1);
   EXPECT_EQ(errors, "tool: no \\x1b[2J\\nbox\n");
+}
+
+TEST_F(ACommandLineParser, TakesAnyNumberOfArgumentsAndOfAnOption) {
+  EXPECT_EQ(run({"pack", "--label", "a b", "cup", "old hat", "--label=c", "", "--label", "--x"}),
+            0);
+  EXPECT_THAT(textsOf(given, "THING"), ElementsAre("cup", "old hat", ""));
+  EXPECT_THAT(textsOf(given, "--label"), ElementsAre("a b", "c", "--x"));
+  EXPECT_EQ(run({"pack"}), 0);
+  EXPECT_THAT(textsOf(given, "THING"), IsEmpty());
+  EXPECT_EQ(run({"pack", "--label"}), exitBadUsage);
+  EXPECT_THAT(errors, HasSubstr("--label has no value"));
 }
 
 TEST_F(ACommandLineParser, RunsACommandOfAGroup) {

@@ -264,7 +264,7 @@ int answerError(const CommandProgram& program, const CLI::App& app, const CLI::P
         (word.starts_with("--") ? "" : "--") + word.substr(0, word.find_first_of(",:"));
     if (hasOption(program, name, {Kind::flag}))
       return badUsage(program, "", name + " takes no value");
-    if (hasOption(program, name, {Kind::required, Kind::optional})) {
+    if (hasOption(program, name, {Kind::required, Kind::optional, Kind::any})) {
       return badUsage(program, "", name + " has no value or is given twice");
     }
   }
