@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "names/name_words.h"
@@ -90,33 +91,63 @@ constexpr auto shopWords = std::to_array<ShopWords>({
 
 static_assert(std::ranges::all_of(shopWords, names::isStandardCategory, &ShopWords::category));
 
-bool holdsWord(std::string_view words, std::string_view word) {
-  while (!words.empty()) {
-    const std::size_t end = std::min(words.find(' '), words.size());
-    const std::string_view candidate = words.substr(0, end);
-    const bool fits = candidate.ends_with('~')
-                          ? word.starts_with(candidate.substr(0, candidate.size() - 1))
-                          : word == candidate;
-    if (fits) return true;
-    words.remove_prefix(std::min(end + 1, words.size()));
-  }
-  return false;
-}
+// The words of `shopWords`, each with the place of its category there.
+class ShopIndex {
+ public:
+  static constexpr std::size_t none = shopWords.size();
 
-// Arabic writes the article together with its word.
-bool isOf(const ShopWords& shop, std::string_view word) {
-  constexpr std::string_view article = "ال";
-  return holdsWord(shop.words, word) ||
-         (word.starts_with(article) && holdsWord(shop.words, word.substr(article.size())));
+  ShopIndex() {
+    for (std::size_t place = 0; place < shopWords.size(); ++place) {
+      std::string_view words = shopWords.at(place).words;
+      while (!words.empty()) {
+        const std::size_t end = std::min(words.find(' '), words.size());
+        add(words.substr(0, end), place);
+        words.remove_prefix(std::min(end + 1, words.size()));
+      }
+    }
+  }
+
+  // The first category with `word`; `none` without one. Arabic writes the article together with its
+  // word.
+  [[nodiscard]] std::size_t placeOf(std::string_view word) const {
+    constexpr std::string_view article = "ال";
+    std::size_t place = placeOfBare(word);
+    if (word.starts_with(article)) {
+      place = std::min(place, placeOfBare(word.substr(article.size())));
+    }
+    return place;
+  }
+
+ private:
+  void add(std::string_view word, std::size_t place) {
+    const bool open = word.ends_with('~');
+    if (open) word.remove_suffix(1);
+    if (!word.empty()) (open ? fronts_ : words_).emplace(word, place);  // the first place stays
+  }
+
+  [[nodiscard]] std::size_t placeOfBare(std::string_view word) const {
+    const auto found = words_.find(word);
+    std::size_t place = found == words_.end() ? none : found->second;
+    for (std::size_t length = 1; length <= word.size(); ++length) {
+      const auto front = fronts_.find(word.substr(0, length));
+      if (front != fronts_.end()) place = std::min(place, front->second);
+    }
+    return place;
+  }
+
+  std::unordered_map<std::string_view, std::size_t> words_;
+  std::unordered_map<std::string_view, std::size_t> fronts_;  // of words with a closing "~"
+};
+
+const ShopIndex& shopIndex() {
+  static const ShopIndex index;
+  return index;
 }
 
 std::string_view byShopWord(const std::vector<std::string>& words) {
-  for (const ShopWords& shop : shopWords) {
-    for (const std::string& word : words) {
-      if (isOf(shop, word)) return shop.category;
-    }
-  }
-  return {};
+  std::size_t place = ShopIndex::none;
+  for (const std::string& word : words) place = std::min(place, shopIndex().placeOf(word));
+  return place == ShopIndex::none ? std::string_view() : shopWords.at(place).category;
 }
 
 enum class Named { shop, shopOrPerson };
@@ -147,8 +178,6 @@ std::string_view recipientCategory(std::string_view name) {
   return categoryOf(name, Named::shopOrPerson);
 }
 
-bool isShopWord(std::string_view word) {
-  return std::ranges::any_of(shopWords, [word](const ShopWords& shop) { return isOf(shop, word); });
-}
+bool isShopWord(std::string_view word) { return shopIndex().placeOf(word) != ShopIndex::none; }
 
 }  // namespace kivo::recognition

@@ -26,13 +26,31 @@ constexpr auto markFronts = std::to_array<std::string_view>(
      "\xE2\x96", "\xE2\x97", "\xE2\x98", "\xE2\x9A",     "\xE2\x9B",     "\xE2\x9C",     "\xE2\x9D",
      "\xE2\x9E", "\xE2\xAD", "\xE3\x80", "\xEF\xB7\xBC", "\xEF\xBF\xBD", "\xF0\x9F"});
 
+static_assert(std::ranges::is_sorted(markFronts));
+
+// For each byte, where the entries of `markFronts` begin that begin with it or a greater one.
+constexpr auto frontsFrom = [] {
+  constexpr std::size_t bytes = 256;
+  std::array<std::size_t, bytes + 1> from{};
+  for (std::size_t byte = 0; byte <= bytes; ++byte) {
+    from.at(byte) =
+        static_cast<std::size_t>(std::ranges::count_if(markFronts, [byte](std::string_view front) {
+          return static_cast<unsigned char>(front[0]) < byte;
+        }));
+  }
+  return from;
+}();
+
 bool isLetter(std::string_view character) {
   if (character.size() == 1) {
     const auto byte = static_cast<unsigned char>(character[0]);
     return byte < 0x80 && std::isalpha(byte) != 0;
   }
-  return std::none_of(markFronts.begin(), markFronts.end(),
-                      [character](std::string_view front) { return character.starts_with(front); });
+  const auto byte = static_cast<unsigned char>(character[0]);
+  for (std::size_t at = frontsFrom.at(byte); at < frontsFrom.at(byte + 1U); ++at) {
+    if (character.starts_with(markFronts.at(at))) return false;
+  }
+  return true;
 }
 
 bool isArabic(std::string_view character) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <map>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -27,8 +27,8 @@ std::vector<std::string> split(std::string_view text) {
 }
 
 // Currency words by their first or by their last item.
-std::map<std::string, Words> wordsBy(bool first) {
-  std::map<std::string, Words> index;
+std::unordered_map<std::string, Words> wordsBy(bool first) {
+  std::unordered_map<std::string, Words> index;
   for (const CurrencyWord& word : currencyWords()) {
     auto items = split(word.items);
     std::string key = first ? items.front() : items.back();

@@ -181,6 +181,17 @@ bool holds(std::span<const Found> found, Meaning meaning) {
 Wordings::Wordings() {
   for (const WordingPattern& pattern : compiled()) patterns_.push_back(&pattern);
   std::ranges::stable_sort(patterns_, {}, &WordingPattern::key);
+  index();
+}
+
+void Wordings::index() {
+  withKey_.clear();
+  withKey_.reserve(patterns_.size());
+  for (std::size_t begin = 0, end = 0; begin < patterns_.size(); begin = end) {
+    const std::string& key = patterns_[begin]->key;
+    while (end < patterns_.size() && patterns_[end]->key == key) ++end;
+    withKey_.emplace(key, Range{.begin = begin, .end = end});
+  }
 }
 
 const Wordings& Wordings::all() {
@@ -191,17 +202,17 @@ const Wordings& Wordings::all() {
 Wordings Wordings::allBut(std::size_t index) {
   Wordings rest = all();
   std::erase(rest.patterns_, &compiled().at(index));
+  rest.index();
   return rest;
 }
 
 std::optional<Found> Wordings::longestAt(const Items& items, std::size_t at) const {
   Match longest;
   const auto findUnder = [&](std::string_view key) {
-    // clang 14 rejects the range that std::ranges::equal_range returns.
-    const auto begin = std::ranges::lower_bound(patterns_, key, {}, &WordingPattern::key);
-    const auto end =
-        std::ranges::upper_bound(begin, patterns_.end(), key, {}, &WordingPattern::key);
-    findLonger({begin, end}, items, at, longest);
+    const auto found = withKey_.find(key);
+    if (found == withKey_.end()) return;
+    const auto [begin, end] = found->second;
+    findLonger(std::span(patterns_).subspan(begin, end - begin), items, at, longest);
   };
   const Item& item = items[at];
   if (item.kind == Item::Kind::sum) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -132,7 +133,16 @@ class Wordings {
   Wordings();
   [[nodiscard]] std::optional<Found> longestAt(const Items& items, std::size_t at) const;
 
-  std::vector<const WordingPattern*> patterns_;  // ordered by their keys
+  void index();
+
+  // Of `patterns_`: [`begin`, `end`).
+  struct Range {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+  };
+
+  std::vector<const WordingPattern*> patterns_;          // ordered by their keys
+  std::unordered_map<std::string_view, Range> withKey_;  // the patterns with each key
 };
 
 }  // namespace kivo::recognition
