@@ -112,8 +112,8 @@ bool CapitalWords::isLabel(std::size_t at) const {
   const Item& item = items_[next];
   if (item.kind == Item::Kind::number || item.kind == Item::Kind::sum) return true;
   if (item.kind == Item::Kind::mark && item.text.size() > 1) return true;  // "••••1234"
-  // "Due Date Fruits"
-  constexpr auto nouns = std::to_array<std::string_view>({"date", "now", "today", "dear"});
+  // "Due Date Fruits", "STOP AND SHOP"
+  constexpr auto nouns = std::to_array<std::string_view>({"date", "now", "today", "dear", "and"});
   const bool noun = isOneOf(items_[at].text, nouns) && isCapital(next) && at_[next] == nullptr;
   if (wording->is(Marker::ends) && noun) return false;
   if (wording->is(Marker::ends) || wording->is(Marker::footer) || wording->is(Marker::reference))

@@ -31,6 +31,19 @@ bool continuesName(const Items& items, std::size_t at) {
   return items[at].glued && (isMark(items[at], marks) || behindMark);
 }
 
+// Whether item `at` is the number of a branch at the end of a name: "LIDL 114, card 4410".
+bool endsWithNumber(const Items& items, std::size_t at) {
+  constexpr std::size_t longest = 4;
+  const Item& item = items[at];
+  if (item.kind != Item::Kind::number || item.isPiece || item.glued || at + 1 >= items.size()) {
+    return false;
+  }
+  const Item& next = items[at + 1];
+  const bool digits = item.text.find_first_not_of("0123456789") == std::string::npos;
+  return items[at - 1].capitals && digits && item.text.size() <= longest &&
+         (isMark(next, ",") || next.isPiece);
+}
+
 // In "Kite Bank Card 1234" the name is the bank's, but not in "500 KZT DALA MARKET karta 1234".
 // Scripts without capitals need a mark on both sides, "3.500 د.ك - كافيه - بطاقة", or a sum and a
 // date: "6,700원 솔카페 04/12". "Mobile service" is prose.
@@ -114,6 +127,7 @@ std::string loneName(const AnalysedMessage& message, std::size_t end) {
          ++at) {
       capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
     }
+    if (at < end && endsWithNumber(items, at)) ++at;
     const bool last = at >= items.size() || (isMark(items[at], ".") && at + 1 == items.size());
     const bool isSignature = last && !(capitals && items[begin - 1].kind == Item::Kind::sum);
     if (isSignature || isLabel(message, begin, at) || !mayStandAlone(message, begin, at)) continue;

@@ -98,7 +98,8 @@ bool NameExtent::isBehindName(std::size_t at, std::size_t begin, Introduction in
                     Marker::info})) {
     return true;
   }
-  if (item.text.starts_with("لحساب")) return true;  // "من محمد عبد الرحمن لحسابك"
+  // "من محمد عبد الرحمن لحسابك", "من رامي جابر الى حسابك"
+  if (item.text.starts_with("لحساب") || (item.text == "الي" && at_[at] != nullptr)) return true;
   // In a name in capitals, words in capitals belong to it: "COUNCIL TAX".
   if (item.capitals && items_[begin].capitals) return false;
   return isWordOf(at, {Marker::at, SumRole::amount, SumRole::charge, Status::done, Move::credited,

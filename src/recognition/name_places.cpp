@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -35,12 +34,12 @@ class NamePlaces {
       if (introducesPayerText(wording) && wording.begin >= payerTextEnd) {
         const PayerText text = payerTextBehind(message_, words_, wording);
         payerTextEnd = text.end;
-        std::ranges::copy(text.places, std::back_inserter(places_));
+        append(text.places);
       }
       if (introduces(wording) || isSlipOf(wording)) addBehind(wording);
-      if (isArabicIn(wording)) addShop(wording);
+      if (isArabicIn(wording)) append(uncasedNameBehind(message_, words_, wording, wording.end));
     }
-    std::ranges::copy(fieldNames(message_, words_), std::back_inserter(places_));
+    append(fieldNames(message_, words_));
     // Of places that overlap, the first counts, and of those that begin together the longest.
     std::ranges::stable_sort(places_, [](const NamePlace& one, const NamePlace& other) {
       return one.begin != other.begin ? one.begin < other.begin : one.lastEnd > other.lastEnd;
@@ -66,10 +65,12 @@ class NamePlaces {
     return wording.end > wording.begin && items_[wording.end - 1].text == "from";
   }
 
-  // "KD 11.250 PURCHASE MINIMUM DUE CAFE"
+  // "KD 11.250 PURCHASE MINIMUM DUE CAFE", "POS purchase PICK N PAY"
   [[nodiscard]] bool isSlipOf(const Found& wording) const {
-    return wording.is(Move::purchase) && wording.begin > 0 && items_[wording.begin].capitals &&
-           items_[wording.begin - 1].kind == Item::Kind::sum;
+    if (!wording.is(Move::purchase) || wording.begin == 0) return false;
+    const Item& before = items_[wording.begin - 1];
+    return before.text == "pos" ||
+           (before.kind == Item::Kind::sum && items_[wording.begin].capitals);
   }
 
   // "في محلات القسط": "in" introduces a shop or, mostly, a date.
@@ -78,15 +79,14 @@ class NamePlaces {
            words_.isWord(wording.end) && isShopWord(items_[wording.end].text);
   }
 
-  void addShop(const Found& wording) {
-    std::ranges::copy(uncasedNameBehind(message_, words_, wording, wording.end),
-                      std::back_inserter(places_));
-  }
-
   // Whether the party of the payment is in front of `wording`: "Will Smith sent you".
   static bool namesItsSubject(const Found& wording) {
     return wording.payeePrecedes || wording.is(Move::credited) || wording.is(Move::sent) ||
            wording.is(Move::paid);
+  }
+
+  void append(const std::vector<NamePlace>& places) {
+    places_.insert(places_.end(), places.begin(), places.end());
   }
 
   void add(std::size_t begin, std::size_t end, std::size_t lastEnd) {
@@ -178,8 +178,7 @@ class NamePlaces {
     } else if (items_[begin].kind == Item::Kind::sum || items_[begin].kind == Item::Kind::number) {
       addNumberInFront(wording, begin);
     } else if (words_.isWord(begin) && !words_.isSmall(begin)) {
-      std::ranges::copy(uncasedNameBehind(message_, words_, wording, begin),
-                        std::back_inserter(places_));
+      append(uncasedNameBehind(message_, words_, wording, begin));
     }
   }
 

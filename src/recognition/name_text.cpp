@@ -22,14 +22,15 @@ constexpr auto channelWords = std::to_array<std::string_view>(
 
 // Words that say how money moved, not to whom. A name has another word beside them.
 constexpr auto commonWords = std::to_array<std::string_view>(
-    {"atm",         "transfer", "salary",   "loan",     "cash",  "withdrawal", "deposit",
-     "payment",     "purchase", "airtime",  "mob",      "bk",    "banking",    "mobile",
-     "sms",         "charge",   "charges",  "fee",      "fees",  "emi",        "bank",
-     "online",      "net",      "internet", "interest", "rent",  "txn",        "refund",
-     "reversal",    "agent",    "it",       "of",       "us",    "them",       "merchant",
-     "cheque",      "check",    "savings",  "checking", "self",  "others",     "رقم",
-     "transaction", "nil",      "na",       "vat",      "gst",   "tax",        "صراف",
-     "الصراف",      "ماكينه",   "الماكينه", "الي",      "الالي", "الشباك",     "الاوتوماتيكي"});
+    {"atm",     "transfer", "salary",      "loan",        "cash",   "withdrawal", "deposit",
+     "payment", "purchase", "airtime",     "mob",         "bk",     "banking",    "mobile",
+     "sms",     "charge",   "charges",     "fee",         "fees",   "emi",        "bank",
+     "online",  "app",      "smartapp",    "eft",         "net",    "internet",   "interest",
+     "rent",    "txn",      "refund",      "reversal",    "agent",  "it",         "of",
+     "us",      "them",     "merchant",    "cheque",      "check",  "savings",    "checking",
+     "self",    "others",   "رقم",         "transaction", "nil",    "na",         "vat",
+     "gst",     "tax",      "صراف",        "الصراف",      "ماكينه", "الماكينه",   "الي",
+     "الالي",   "الشباك",   "الاوتوماتيكي"});
 
 // Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
@@ -45,6 +46,12 @@ bool isCode(const Items& items, std::size_t begin, std::size_t end) {
 
 bool isChannelWord(std::string_view word) {
   return std::find(channelWords.begin(), channelWords.end(), word) != channelWords.end();
+}
+
+bool isRemoteChannel(std::string_view word) {
+  constexpr auto channels =
+      std::to_array<std::string_view>({"online", "internet", "mobile", "app", "smartapp", "eft"});
+  return std::ranges::find(channels, word) != channels.end();
 }
 
 bool isPronoun(std::string_view word) {

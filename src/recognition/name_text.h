@@ -19,6 +19,9 @@ std::string nameInNarration(const AnalysedMessage& message, std::size_t begin, s
 /// Whether `word` names the channel of a payment in a narration, such as "upi" or "pos".
 bool isChannelWord(std::string_view word);
 
+/// Whether `word` begins the name of a channel without a place: "Online Banking", "app".
+bool isRemoteChannel(std::string_view word);
+
 /// Whether `word` addresses somebody, such as "you" or "dear".
 bool isPronoun(std::string_view word);
 

@@ -276,7 +276,8 @@ class Names {
       return nameInNarration(message_, begin, end);
     }
     std::string name = nameBetween(message_, begin, end);
-    if (name.empty() && introduced == Marker::at && items_[begin].named && end > begin + 1) {
+    if (name.empty() && introduced == Marker::at && items_[begin].named && end > begin + 1 &&
+        !isRemoteChannel(items_[begin].text)) {
       name = shownPayee(message_.text.substr(
           items_[begin].begin, items_[end - 1].end - items_[begin].begin));  // "OTP Bank ATM"
     }

@@ -156,27 +156,31 @@ TEST_F(MeasuredMessages, OfTheFourthSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheFifthSetAreReadAsWellAsBefore) {
-  measure("messages_fifth_measure.tsv", {.kindAndAmount = 164, .payee = 77});
+  measure("messages_fifth_measure.tsv", {.kindAndAmount = 164, .payee = 78});
 }
 
 TEST_F(MeasuredMessages, OfTheSixthSetAreReadAsWellAsBefore) {
-  measure("messages_sixth_measure.tsv", {.kindAndAmount = 160, .payee = 72});
+  measure("messages_sixth_measure.tsv", {.kindAndAmount = 160, .payee = 73});
 }
 
 TEST_F(MeasuredMessages, OfTheSeventhSetAreReadAsWellAsBefore) {
-  measure("messages_seventh_measure.tsv", {.kindAndAmount = 175, .payee = 74});
+  measure("messages_seventh_measure.tsv", {.kindAndAmount = 175, .payee = 75});
 }
 
 TEST_F(MeasuredMessages, OfTheEighthSetAreReadAsWellAsBefore) {
-  measure("messages_eighth_measure.tsv", {.kindAndAmount = 344, .payee = 128});
+  measure("messages_eighth_measure.tsv", {.kindAndAmount = 364, .payee = 153});
 }
 
 TEST_F(MeasuredMessages, OfTheNinthSetAreReadAsWellAsBefore) {
-  measure("messages_ninth_measure.tsv", {.kindAndAmount = 325, .payee = 123});
+  measure("messages_ninth_measure.tsv", {.kindAndAmount = 338, .payee = 135});
 }
 
 TEST_F(MeasuredMessages, OfTheTenthSetAreReadAsWellAsBefore) {
-  measure("messages_tenth_measure.tsv", {.kindAndAmount = 297, .payee = 162});
+  measure("messages_tenth_measure.tsv", {.kindAndAmount = 314, .payee = 203});
+}
+
+TEST_F(MeasuredMessages, OfTheEleventhSetAreReadAsWellAsBefore) {
+  measure("messages_eleventh_measure.tsv", {.kindAndAmount = 209, .payee = 147});
 }
 
 TEST_F(MeasuredMessages, OfOneYearAreReadAsWellAsBefore) {
@@ -184,16 +188,16 @@ TEST_F(MeasuredMessages, OfOneYearAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, WithHardNamesAreReadAsWellAsBefore) {
-  measure("messages_hard_names.tsv", {.kindAndAmount = 351, .payee = 319});
+  measure("messages_hard_names.tsv", {.kindAndAmount = 353, .payee = 326});
 }
 
 // Two narrations say neither or both directions; they are booked, with the true sum.
 TEST_F(MeasuredMessages, WithForgedSumsAreReadAsWellAsBefore) {
-  measure("messages_forgeries.tsv", {.kindAndAmount = 87, .payee = 72, .wronglyBooked = 2});
+  measure("messages_forgeries.tsv", {.kindAndAmount = 88, .payee = 73, .wronglyBooked = 2});
 }
 
 TEST_F(MeasuredMessages, InOtherLanguagesAreReadAsWellAsBefore) {
-  measure("messages_languages.tsv", {.kindAndAmount = 919, .payee = 254});
+  measure("messages_languages.tsv", {.kindAndAmount = 919, .payee = 258});
 }
 
 }  // namespace

@@ -116,6 +116,12 @@ TEST(AName, BehindAPurchaseInCapitalsMayHoldAnyWordOfABank) {
             "expense 11.25 | MINIMUM DUE CAFE");
 }
 
+TEST(AName, BehindAPurchaseAtATerminalMayHoldAnyWordOfABank) {
+  EXPECT_EQ(
+      readingOf("EGP 145.75 POS purchase PICK N PAY MAADI 14/03/2026 acc **3301. Bal EGP 910.10"),
+      "expense 145.75 | PICK N PAY MAADI");
+}
+
 TEST(AName, GoesOnBehindAnInitial) {
   EXPECT_EQ(readingOf("You have sent EGP 15.00 to NOEL V. CANCELADO on 07-22-2026. Ref. 8001998"),
             "expense 15.00 | NOEL V. CANCELADO");

@@ -221,5 +221,16 @@ TEST(AName, IsNoFee) {
             "");
 }
 
+TEST(AName, ThatNoWordsIntroduceKeepsTheNumberOfItsBranch) {
+  EXPECT_EQ(payeeOf("Card payment EGP 349.00, ALBERT 0331, 14.3.2026 18:20"), "ALBERT 0331");
+  EXPECT_EQ(payeeOf("EGP 34.50 EVROOPT 221 14/03/26 card 4410 purchase"), "EVROOPT 221");
+}
+
+TEST(AName, IsNoChannel) {
+  EXPECT_EQ(
+      payeeOf("EGP 850.00 paid from cheq a/c..8840 to J SHIKONGO @ App. Ref.rent. 8Jun 08:15"),
+      "J SHIKONGO");
+}
+
 }  // namespace
 }  // namespace kivo::recognition
