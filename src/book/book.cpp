@@ -333,6 +333,30 @@ std::vector<std::pair<std::string, std::string>> Book::rates() const {
   return allRates(file_->database);
 }
 
+Book::Holds Book::holds() const {
+  Statement query(file_->database, R"(
+    SELECT EXISTS (SELECT 1 FROM transactions) OR EXISTS (SELECT 1 FROM answers) OR
+        EXISTS (SELECT 1 FROM ignored),
+      EXISTS (SELECT 1 FROM rules) OR EXISTS (SELECT 1 FROM rates))");
+  if (!next(query)) return Holds::nothing;
+  if (query.integer(0) != 0) return Holds::payments;
+  return query.integer(1) != 0 ? Holds::settings : Holds::nothing;
+}
+
+HeldPayments Book::backUp(const std::filesystem::path& path, const BackedUpSettings& settings,
+                          const std::string& program) const {
+  return writeBackup(file_->database, path, settings, program);
+}
+
+void Book::restore(const Backup& backup, const std::function<void()>& before) {
+  const AttachedBackup attached(file_->database, backup);
+  inOneStep([&] {
+    before();
+    oweErasure();
+    attached.replaceBook();
+  });
+}
+
 bool Book::isWhole() {
   if (file_->wasChecked && !isDamageNoted(file_->database)) return true;
   file_->wasChecked = checkWhole(file_->database);

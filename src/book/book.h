@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "book/book_backup.h"
 #include "book/book_failure.h"
 #include "book/ignored_message.h"
 #include "book/ledger_entry.h"
@@ -208,6 +209,19 @@ class Book {
   /// Returns the currencies and their rates as they are stored, also those that `Rate` does not
   /// read, in the order of the codes.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
+
+  /// The most that a book holds: nothing, only what the user set, or also what came of messages:
+  /// entries, answers, ignored messages.
+  enum class Holds { nothing, settings, payments };
+  [[nodiscard]] Holds holds() const;
+  /// Writes a backup of the book and of `settings`, as `writeBackup` does, while other processes
+  /// use the book.
+  HeldPayments backUp(const std::filesystem::path& path, const BackedUpSettings& settings,
+                      const std::string& program) const;
+  /// Calls `before`, and puts the book of `backup` in the place of this one, in one step. While
+  /// `before` runs, no process can change the book; when it throws, nothing is changed. Erases the
+  /// replaced texts from the file. The history of commands is empty then.
+  void restore(const Backup& backup, const std::function<void()>& before);
 
   /// Returns whether the file is whole. Reads all of it at the first call and while the note of
   /// damage beside it exists (docs/backup.md). Sets entries aside whose values cannot be. Removes

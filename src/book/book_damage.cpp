@@ -60,11 +60,20 @@ void setImpossibleAside(sqlite3* database) {
   }
 }
 
+// The first fault once entries are set aside whose values cannot be.
+std::optional<std::string> faultLeft(sqlite3* database, const char* check) {
+  auto fault = firstFault(database, check);
+  if (!fault || !fault->starts_with("CHECK constraint failed")) return fault;
+  setImpossibleAside(database);
+  return firstFault(database, check);
+}
+
 // Where SQLite found `fault`, and what helps.
 std::string helpFor(const std::string& fault) {
   return fault +
-         "; restore a copy of it, or move it away to start with an empty book; until it is whole, "
-         "messages are not taken and wait on the phone";
+         "; move its folder away, and restore a backup by kivo-ledger restore FILE or start with "
+         "an "
+         "empty book; until it is whole, messages are not taken and wait on the phone";
 }
 
 }  // namespace
@@ -87,18 +96,17 @@ bool isDamageNoted(sqlite3* database) {
 bool checkWhole(sqlite3* database) {
   const bool isNoted = isDamageNoted(database);
   const char* const check = isNoted ? thoroughCheck : checkFor(database);
-  auto fault = firstFault(database, check);
-  if (fault && fault->starts_with("CHECK constraint failed")) {
-    setImpossibleAside(database);
-    fault = firstFault(database, check);
-  }
-  if (fault) {
+  if (const auto fault = faultLeft(database, check)) {
     noteDamage(database, helpFor(*fault));
     return false;
   }
   std::error_code ignored;
   if (isNoted) std::filesystem::remove(noteBeside(database), ignored);
   return true;
+}
+
+std::optional<std::string> faultInCopy(sqlite3* database) {
+  return faultLeft(database, thoroughCheck);
 }
 
 void tellFailure(sqlite3* database, const BookFailure& failure) {

@@ -1,6 +1,7 @@
 // Damage of the book's file: looks for it, and leaves a note beside the file.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "book/book_failure.h"
@@ -19,6 +20,10 @@ bool isDamageNoted(sqlite3* database);
 /// Returns whether the file is whole. Sets entries aside whose values cannot be. Removes the note
 /// when the file is whole; otherwise leaves it as `noteDamage` does. Throws BookFailure.
 bool checkWhole(sqlite3* database);
+/// Reads all of `database`, a copy of a book, and sets entries aside whose values cannot be.
+/// Returns the first fault that is left, in SQLite's words; absent when it is whole. Throws
+/// BookFailure.
+std::optional<std::string> faultInCopy(sqlite3* database);
 /// Prints one line on standard error about `failure`; for damage leaves the note, with the place.
 void tellFailure(sqlite3* database, const BookFailure& failure);
 

@@ -12,9 +12,6 @@ namespace {
 
 using linux_platform::DatabaseVersion;
 
-// "KvLg" in ASCII.
-constexpr std::int64_t applicationId = 0x4B764C67;
-
 // A released version never changes.
 //
 // `answers` keeps its rows when transactions are deleted: a key always gets the same answer. SQLite
@@ -52,6 +49,9 @@ CREATE INDEX ignored_by_day ON ignored (date))";
 constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2},
                                  DatabaseVersion{version3}, DatabaseVersion{version4}};
 
+constexpr linux_platform::DatabaseForm form = {"app.kivo.ledger", "ledger.sqlite3",
+                                               bookApplicationId, versions};
+
 }  // namespace
 
 DatabaseFailure::DatabaseFailure(int code)
@@ -79,11 +79,19 @@ WriteTransaction::WriteTransaction(sqlite3* database) : transaction_(database) {
 
 linux_platform::Database openBookFile() {
   try {
-    return linux_platform::openDatabase(
-        {"app.kivo.ledger", "ledger.sqlite3", applicationId, versions});
+    return linux_platform::openDatabase(form);
   } catch (const linux_platform::OpeningFailure& failure) {
     throw BookFailure(failure.what());
   }
+}
+
+std::int64_t bookVersion() { return static_cast<std::int64_t>(versions.size()); }
+
+void makeBookOf(sqlite3* database, std::int64_t version) {
+  const std::string marks = "PRAGMA application_id = " + std::to_string(bookApplicationId) +
+                            "; PRAGMA user_version = " + std::to_string(version);
+  require(linux_platform::execute(database, marks.c_str()));
+  require(linux_platform::upgradeTables(database, form));
 }
 
 }  // namespace kivo::book

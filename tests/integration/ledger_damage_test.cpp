@@ -69,7 +69,9 @@ TEST_F(ADamagedLedger, TakesNoMessageUntilTheBookIsWhole) {
   const ProgramResult listed = run({"list"});
   EXPECT_EQ(listed.status, 1);
   EXPECT_THAT(listed.errors, HasSubstr(ledger_.file().string() + " is damaged: "));
-  EXPECT_THAT(listed.errors, HasSubstr("; restore a copy of it, or move it away"));
+  EXPECT_THAT(
+      listed.errors,
+      HasSubstr("; move its folder away, and restore a backup by kivo-ledger restore FILE"));
   const auto server = ledger_.start();
   EXPECT_EQ(ledger_.post("KEY-2").status(), 503);
   EXPECT_TRUE(std::filesystem::exists(ledger_.file().string() + "-damaged"));

@@ -76,7 +76,7 @@ TEST_F(ADamagedBook, RefusesMessagesAndSaysWhereUntilItIsWhole) {
   EXPECT_EQ(post(served, "NEW").status, 503);
   const std::string said = testing::internal::GetCapturedStderr();
   EXPECT_THAT(said, StartsWith("kivo-ledger: " + file().string() + " is damaged: "));
-  EXPECT_THAT(said, HasSubstr("restore a copy of it"));
+  EXPECT_THAT(said, HasSubstr("restore a backup by kivo-ledger restore FILE"));
   EXPECT_THAT(said,
               HasSubstr(" is damaged: Page "));  // without SQLite's "*** in database main ***"
   ASSERT_TRUE(fs::exists(note()));

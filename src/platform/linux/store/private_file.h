@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string_view>
 
 namespace kivo::linux_platform {
@@ -13,5 +14,8 @@ namespace kivo::linux_platform {
 /// was. A symbolic link, a folder or a device is refused: a rename would take the place of the link
 /// or the device itself.
 void writePrivateFile(const std::filesystem::path& path, std::string_view text);
+/// As above, with the content that `fill` gives the empty file `fresh`. It may throw Failure.
+void writePrivateFile(const std::filesystem::path& path,
+                      const std::function<void(const std::filesystem::path& fresh)>& fill);
 
 }  // namespace kivo::linux_platform

@@ -93,9 +93,7 @@ int look(sqlite3* database, const DatabaseForm& form, Owner& owner, std::int64_t
 bool isToBeFilled(Owner owner) { return owner == Owner::none || owner == Owner::olderVersion; }
 
 // Creates the tables or upgrades them to the current version, unless another process was faster.
-int fill(sqlite3* database, const DatabaseForm& form) {
-  // Returns SQLITE_BUSY at once when several processes do it, whatever the busy timeout.
-  if (const int code = execute(database, switchToWal); code != SQLITE_OK) return code;
+int makeTables(sqlite3* database, const DatabaseForm& form) {
   Transaction transaction(database);
   if (transaction.code() != SQLITE_OK) return transaction.code();
   Owner owner = Owner::others;
@@ -111,6 +109,12 @@ int fill(sqlite3* database, const DatabaseForm& form) {
     if (code == SQLITE_OK) code = execute(database, mark.c_str());
   }
   return code == SQLITE_OK ? transaction.commit() : code;
+}
+
+int fill(sqlite3* database, const DatabaseForm& form) {
+  // Returns SQLITE_BUSY at once when several processes do it, whatever the busy timeout.
+  if (const int code = execute(database, switchToWal); code != SQLITE_OK) return code;
+  return makeTables(database, form);
 }
 
 // Prepares an opened database for reading and writing. After SQLITE_BUSY it may be called again.
@@ -191,6 +195,10 @@ void CloseDatabase::operator()(sqlite3* database) const {
     }
   }
   sqlite3_close(database);
+}
+
+int upgradeTables(sqlite3* database, const DatabaseForm& form) {
+  return makeTables(database, form);
 }
 
 std::filesystem::path fileOf(sqlite3* database) { return sqlite3_db_filename(database, "main"); }

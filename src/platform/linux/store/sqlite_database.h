@@ -55,6 +55,10 @@ struct DatabaseForm {
 /// target of such a link, stays unchanged. A handle is not thread-safe.
 Database openDatabase(const DatabaseForm& form);
 
+/// Upgrades the tables of `database`, which is of `form` by its marks, as `openDatabase` does.
+/// Returns SQLite's result code.
+int upgradeTables(sqlite3* database, const DatabaseForm& form);
+
 /// Returns the path of the file of an open database.
 std::filesystem::path fileOf(sqlite3* database);
 
