@@ -6,6 +6,7 @@
 
 #include "ledger/book_currency.h"
 #include "ledger/commands/adding_command.h"
+#include "ledger/commands/backup_commands.h"
 #include "ledger/commands/edit_command.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
@@ -84,6 +85,7 @@ linux_platform::CommandProgram program() {
   made.commands.push_back(rateCommand());
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());
+  for (Command& command : backupCommands(KIVO_VERSION)) made.commands.push_back(std::move(command));
   made.commands.push_back(
       {"serve",
        "Answer the extension's requests on a UNIX socket",

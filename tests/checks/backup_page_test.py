@@ -16,7 +16,7 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BLOCKS = re.findall(r"```sh\n(.*?)```", (ROOT / "docs/backup.md").read_text(encoding="utf-8"), re.DOTALL)
-SETTINGS, COPY_RUNNING, CHECK, COPY_STOPPED, PUT_BACK = BLOCKS
+BACK_UP, RESTORE, REPLACE, MOVE_AND_RESTORE, SETTINGS, COPY_STOPPED, PUT_BACK = BLOCKS
 STORES = ("app.kivo.ledger/ledger", "group.app.kivo.expenses/defaults", "app.kivo.SmsWatcher/defaults",
           "app.kivo.NotificationCenter/defaults")
 
@@ -72,13 +72,18 @@ class TheBackupPage(unittest.TestCase):
         self.assertEqual((ran.returncode, ran.stderr), (0, ""))
         return ran.stdout
 
+    def restorable(self):
+        """All that a person can see of what a backup of the book holds."""
+        return [self.run_program("kivo-ledger", "list", "--json"), self.run_program("kivo-ledger", "show", "1"),
+                self.run_program("kivo-ledger", "ignored", "--json"), self.run_program("kivo-phone", "watch", "list"),
+                (self.home / ".config/kivo/templates.toml").read_text(encoding="utf-8"),
+                self.run_program("kivo-phone", "store", "get", "currency")]
+
     def kept(self):
         """All that a person can see of what is kept."""
         others = [subprocess.run(["sqlite3", f"{self.data / name}.sqlite3", ".dump"], check=True, capture_output=True).stdout
                   for name in STORES[2:]]
-        return [self.run_program("kivo-ledger", "list", "--json"), self.run_program("kivo-ledger", "show", "1"),
-                self.run_program("kivo-phone", "store", "list"), self.run_program("kivo-phone", "watch", "list"),
-                (self.home / ".config/kivo/templates.toml").read_text(encoding="utf-8"), *others]
+        return [*self.restorable(), self.run_program("kivo-phone", "store", "list"), *others]
 
     def spoil(self):
         """Changes all that is kept, so that old WALs lie beside the databases."""
@@ -102,15 +107,39 @@ class TheBackupPage(unittest.TestCase):
             self.assertEqual(stat.S_IMODE((self.data / name).parent.stat().st_mode), 0o700)
         self.record("Your card was charged EGP 12.00 at Cafe")
 
-    def test_copies_beside_a_running_ledger_and_puts_it_back(self):
-        before = self.kept()
-        self.assertTrue((self.data / "app.kivo.ledger/ledger.sqlite3-wal").stat().st_size > 0)
-        self.lines(COPY_RUNNING)
+    def test_backs_up_beside_a_running_ledger_and_replaces_its_book(self):
+        before = self.restorable()
+        self.lines(BACK_UP)
+        self.assertEqual(stat.S_IMODE((self.home / "book.kivo").stat().st_mode), 0o600)
         self.assertFalse((self.home / "asked").exists())
-        self.assertEqual(self.lines(CHECK), "ok\n")
-        readable = [path for path in (self.home / "kivo-backup").rglob("*") if path.stat().st_mode & 0o077]
-        self.assertEqual(readable, [])
-        self.expect_put_back(before)
+        self.spoil()
+        self.run_program("kivo-phone", "sign-in", "--local", "--currency", "USD")
+        said = self.lines(REPLACE)
+        self.assertEqual(self.restorable(), before)
+        saved = re.search(r" are in (.*/before-restore-.*\.kivo)\n", said)[1]
+        self.assertTrue(pathlib.Path(saved).exists())
+        self.record("Your card was charged EGP 12.00 at Cafe")
+
+    def test_fills_an_empty_book_on_another_machine(self):
+        before = self.restorable()
+        self.lines(BACK_UP)
+        self.end_ledger()
+        self.run_program("rm", "-r", str(self.home / ".config"), str(self.data))
+        self.begin_ledger()
+        self.lines(RESTORE)
+        self.assertEqual(self.restorable(), before)
+        self.record("Your card was charged EGP 12.00 at Cafe")
+
+    def test_takes_the_place_of_a_damaged_book(self):
+        before = self.restorable()
+        self.lines(BACK_UP)
+        self.end_ledger()
+        file = self.data / "app.kivo.ledger/ledger.sqlite3"
+        file.with_name(file.name + "-wal").unlink()
+        file.write_bytes(b"no database, but longer than a page" * 200)
+        self.lines(MOVE_AND_RESTORE)
+        self.begin_ledger()
+        self.assertEqual(self.restorable(), before)
 
     def test_copies_while_nothing_runs_and_puts_it_back(self):
         self.end_ledger()
@@ -122,7 +151,6 @@ class TheBackupPage(unittest.TestCase):
 
     def test_copies_what_there_is(self):
         self.run_program("rm", "-r", str(self.home / ".config"), str(self.data / "app.kivo.SmsWatcher"))
-        self.lines(COPY_RUNNING)
         self.lines(COPY_STOPPED)
 
 

@@ -28,9 +28,9 @@ ARROWS = {
     "recording": {"recognition", "book", "money", "extraction", "platform"},
     "old_messages": {"platform", "platform/linux"},
     "overview": {"book", "money", "platform", "platform/linux"},
-    # The senders that an import offers are those of the watcher, by its patterns.
-    "ledger": {"overview", "old_messages", "sms_watcher", "recording", "recognition", "book", "money", "store", "extraction", "feedback", "platform",
-               "platform/linux"},
+    # The senders that an import offers and a backup holds are those of the watcher, by its patterns.
+    "ledger": {"overview", "old_messages", "sms_watcher", "recording", "recognition", "book", "money", "store",
+               "extraction", "feedback", "platform", "platform/linux"},
     "demo": {"recognition", "money", "names", "store", "platform", "platform/linux"},
 }
 

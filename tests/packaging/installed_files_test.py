@@ -145,7 +145,8 @@ class InstalledFiles(unittest.TestCase):
 
     def test_every_service_is_sandboxed_as_far_as_it_can_be(self):
         # The exposure that systemd computes, in tenths. The first two have no user namespace; see their units.
-        most = {"kivo-intents": 64, "kivo-notification-center": 61, "kivo-ledger": 13, "kivo-sms-watcher": 13}
+        most = {"kivo-intents": 64, "kivo-notification-center": 61, "kivo-ledger": 13, "kivo-ledger-backup": 13,
+                "kivo-sms-watcher": 13}
         for path in self.units.glob("*.service"):
             with self.subTest(path.stem):
                 said, status = judge("systemd-analyze", "--user", "security", "--offline=true",
@@ -175,6 +176,14 @@ class InstalledFiles(unittest.TestCase):
         lines = (self.units / "kivo-ledger.service").read_text().splitlines()
         families = [line for line in lines if line.startswith("RestrictAddressFamilies=")]
         self.assertEqual(families[-2:], ["RestrictAddressFamilies=", "RestrictAddressFamilies=AF_UNIX"])
+
+    def test_the_daily_backup_is_off_until_a_person_enables_it(self):
+        timer = unit_file(self.units / "kivo-ledger-backup.timer")
+        self.assertEqual((timer["Timer"]["OnCalendar"], timer["Install"]["WantedBy"]), ("daily", "timers.target"))
+        self.assertEqual([path for path in self.units.glob("*.wants/kivo-ledger-backup*")], [])
+        unit = unit_file(self.units / "kivo-ledger-backup.service")["Service"]
+        self.assertTrue(unit["ExecStart"].endswith("/kivo-ledger backup --daily"))
+        self.assertEqual(unit["PrivateNetwork"], "yes")
 
     def test_permissions_do_not_depend_on_the_umask(self):
         found = sorted(PREFIX.rglob("*"))  # installed under 077

@@ -1,5 +1,6 @@
 """The ledger in alice's session: her service manager starts it, confines it and ends it."""
 import json
+import re
 import time
 
 from clean_root import check
@@ -38,6 +39,13 @@ def keep_a_book(session, backend):
     status = session.status_of("kivo-ledger.service")
     check((status["NoNewPrivs"], status["Seccomp"]) == ("1", "2"), "the ledger is confined, and has no network")
     check(int(status["CapBnd"], 16) == 0, "the ledger has no capabilities")
+
+    session.alice("systemctl --user enable --now kivo-ledger-backup.timer")
+    session.alice("systemctl --user start kivo-ledger-backup.service")
+    written = session.alice("ls -l ~/.local/share/kivo-backups").splitlines()[1:]
+    check(len(written) == 1 and re.match(r"-rw------- .* kivo-\d{4}-\d\d-\d\d\.kivo$", written[0]) is not None,
+          "the timer's unit writes the backup of the day")
+    session.alice("systemctl --user disable --now kivo-ledger-backup.timer")
 
     session.alice("systemctl --user kill --signal=KILL kivo-ledger.service")
     check(send("2.00") == "Tracked EGP\u00a02.00 at Bakery\n" and amounts() == ["1.00", "2.00"],
