@@ -1,6 +1,8 @@
 // The program kivo-ledger: the backend on one's own machine.
+#include <algorithm>
 #include <chrono>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -68,6 +70,35 @@ void serve(const GivenParameters& given) {
   }
 }
 
+// The headings of the help and their commands, in the order in which it lists them.
+struct Heading {
+  const char* text;
+  std::vector<std::string> commands;
+};
+
+std::vector<Heading> headings() {
+  return {{"Look", {"list", "review", "ignored", "show", "summary", "report", "history"}},
+          {"Correct", {"add", "edit", "accept", "book", "delete", "forget-texts", "undo"}},
+          {"Teach", {"teach", "rules", "rate"}},
+          {"Old and other data", {"import", "export", "backup", "restore"}},
+          {"Service", {"serve"}}};
+}
+
+// Puts the commands in the order of their headings, those without one at the end.
+std::vector<Command> underHeadings(std::vector<Command> commands) {
+  auto first = commands.begin();
+  for (const Heading& heading : headings()) {
+    for (const std::string& name : heading.commands) {
+      const auto last = std::stable_partition(first, commands.end(), [&name](const Command& one) {
+        return one.name == name || one.name.starts_with(name + " ");
+      });
+      if (first != last) first->heading = heading.text;
+      first = last;
+    }
+  }
+  return commands;
+}
+
 linux_platform::CommandProgram program() {
   linux_platform::CommandProgram made{.name = "kivo-ledger",
                                       .purpose = "Keeps the book of your payments on this machine.",
@@ -92,6 +123,7 @@ linux_platform::CommandProgram program() {
        {{"--socket", "The socket's path; kivo/ledger.sock in XDG_RUNTIME_DIR when not given",
          linux_platform::CommandParameter::Kind::optional}},
        serve});
+  made.commands = underHeadings(std::move(made.commands));
   return made;
 }
 

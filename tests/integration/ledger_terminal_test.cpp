@@ -78,6 +78,19 @@ TEST_F(ALedgersTerminal, ShowsTheListInFortyColumns) {
   EXPECT_THAT(all, HasSubstr("مطعم أبو طارق"));
 }
 
+TEST_F(ALedgersTerminal, ShowsTheCommandsUnderHeadingsInEightyColumns) {
+  const std::string help = shown("--help", 80);
+  std::vector<std::string> headings;
+  for (const std::string& line : linesOf(help)) {
+    if (!line.empty() && line.front() != ' ' && line.back() == ':') headings.push_back(line);
+  }
+  EXPECT_THAT(headings, testing::ElementsAre("Options:", "Look:", "Correct:", "Teach:",
+                                             "Old and other data:", "Service:"));
+  EXPECT_THAT(linesOf(help), Each(ResultOf(columnsOf, Le(80U))));
+  EXPECT_THAT(help, testing::ContainsRegex("\nLook:\n  list "));
+  EXPECT_THAT(help, testing::ContainsRegex("\nService:\n  serve "));
+}
+
 TEST_F(ALedgersTerminal, ShowsTheReviewInFortyColumns) {
   receive({"Your card ending 4821 was charged USD 20.00 at Netflix.",
            "Purchase EGP 10.00 EGP 20.00 at The Grand Extraordinary Bookstore of Old Cairo"});

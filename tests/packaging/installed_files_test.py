@@ -108,8 +108,10 @@ class InstalledFiles(unittest.TestCase):
         """The commands and options that --help lists, and those of each command."""
         printed = self.kivo.run(program, *command, "--help")
         found = set(re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", printed))
-        for name in re.findall(r"(?m)^  (\w[\w-]*)  ", printed.partition("Subcommands:")[2]):
-            found |= {name} | self.offered(program, (*command, name))
+        for part in re.split(r"(?m)^(?=\w[\w ]*:)", printed):
+            if not part.startswith(("Usage:", "Positionals:", "Options:")):
+                for name in re.findall(r"(?m)^  (\w[\w-]*)  ", part):
+                    found |= {name} | self.offered(program, (*command, name))
         return found
 
     def test_the_systemd_units_are_valid(self):

@@ -133,7 +133,7 @@ void restore(const GivenParameters& parameters, const std::string& version) {
 std::vector<linux_platform::Command> backupCommands(const std::string& version) {
   return {
       {"backup",
-       "Write the book, its settings, templates and senders into one file",
+       "Write the book and its settings into one file",
        {{"FILE", "The file; with --daily the folder, kivo-backups in XDG_DATA_HOME if not given",
          ParameterKind::optional},
         {"--daily", "Write today's file in a folder, and keep the newest 30", ParameterKind::flag}},

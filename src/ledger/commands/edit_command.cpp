@@ -132,7 +132,7 @@ void edit(const GivenParameters& parameters) {
 linux_platform::Command editCommand() {
   constexpr auto optional = ParameterKind::optional;
   return {"edit",
-          "Correct transactions; description and category hold for their payees from then on",
+          "Correct transactions, and later ones of the payee",
           {idsParameter(),
            {"--date", "The day, as 2026-11-21", optional},
            {"--amount", "The sum, as 1,189.50", optional},

@@ -177,7 +177,7 @@ std::vector<linux_platform::Command> editingCommands() {
        {ids, {"--yes", "Delete them without asking", ParameterKind::flag}},
        remove},
       {"forget-texts",
-       "Remove the texts of all messages from the book, and the ignored ones, after asking",
+       "Remove the texts of all messages, after asking",
        {{"--yes", "Remove them without asking", ParameterKind::flag}},
        forgetTexts},
   };

@@ -87,8 +87,8 @@ std::vector<linux_platform::Command> exportCommands() {
   for (linux_platform::CommandParameter& option : filterOptions()) {
     options.push_back(std::move(option));
   }
-  return {{"export", "Write the booked transactions for other programs, oldest first",
-           std::move(options), exportBook}};
+  return {{"export", "Write the booked transactions for other programs", std::move(options),
+           exportBook}};
 }
 
 }  // namespace kivo::ledger

@@ -149,7 +149,7 @@ std::vector<linux_platform::Command> historyCommands() {
        {{"COUNT", "How many; one when not given", ParameterKind::optional}},
        undo},
       {"history",
-       "Show the commands of the last 30 days that undo takes back",
+       "Show the commands that undo takes back",
        {{"--json", "Print JSON", ParameterKind::flag}},
        showHistory},
   };

@@ -112,11 +112,11 @@ std::vector<linux_platform::Command> ignoredCommands() {
   constexpr auto optional = ParameterKind::optional;
   return {
       {"ignored",
-       "Show the messages of the last 30 days that hold a sum and were not booked",
+       "Show messages with a sum that were not booked",
        {{"--json", "Print JSON", ParameterKind::flag}},
        showIgnored},
       {"book",
-       "Book an ignored message; what it does not say clearly has to be given",
+       "Book an ignored message",
        {{"NUMBER", "The message's number, as ignored shows it"},
         {"--kind", "expense, income or transfer", optional, kindNames},
         {"--amount", "The sum, as 1,189.50", optional},

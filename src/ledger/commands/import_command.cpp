@@ -185,7 +185,7 @@ linux_platform::Command importCommand() {
   constexpr auto optional = ParameterKind::optional;
   constexpr auto flag = ParameterKind::flag;
   return {"import",
-          "Book old messages from files, each once, under its own day",
+          "Book old messages from files, each once",
           {{"FILE",
             "A file of SMS Backup & Restore, of Chatty, or CSV with the header date,sender,text",
             ParameterKind::any},

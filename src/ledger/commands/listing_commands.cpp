@@ -69,7 +69,7 @@ std::vector<linux_platform::Command> listingCommands() {
   std::vector<linux_platform::CommandParameter> listOptions = filterOptions();
   listOptions.push_back(json);
   return {
-      {"list", "Show the transactions that are booked, newest first", std::move(listOptions), list},
+      {"list", "Show the booked transactions, newest first", std::move(listOptions), list},
       {"review", "Show the transactions that wait for a decision", {json}, review},
       {"show",
        "Show all of one transaction, with its message",

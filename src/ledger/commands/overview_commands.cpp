@@ -90,11 +90,11 @@ std::vector<linux_platform::Command> overviewCommands() {
       "--month", "The month, as 2026-11; this month when not given", ParameterKind::optional};
   return {
       {"summary",
-       "Show what a month's money went to, beside the month before",
+       "Show a month's sums beside the month before",
        {month, {"--json", "Print JSON", ParameterKind::flag}},
        summary},
       {"report",
-       "Write a page about a month and the year before it, and open it",
+       "Open a page about a month and the year before it",
        {month,
         {"--output", "The file to write; kivo/report.html in XDG_RUNTIME_DIR when not given",
          ParameterKind::optional},

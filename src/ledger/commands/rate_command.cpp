@@ -61,7 +61,7 @@ void rate(const GivenParameters& parameters) {
 linux_platform::Command rateCommand() {
   constexpr auto optional = ParameterKind::optional;
   return {"rate",
-          "Show or set what one unit of a foreign currency is worth",
+          "Show or set the rate of a foreign currency",
           {{"CURRENCY", "The currency's code, as USD", optional},
            {"RATE", "Its worth in the book's currency, as 48.5", optional},
            {"--remove", "Have no rate for it", ParameterKind::flag}},

@@ -105,7 +105,7 @@ std::vector<linux_platform::Command> ruleCommands() {
   constexpr auto optional = ParameterKind::optional;
   return {
       {"rules",
-       "Show the rules that later payments to a payee follow",
+       "Show the rules for the payments of payees",
        {{"--json", "Print JSON", ParameterKind::flag}},
        showRules},
       {"rules add",

@@ -266,7 +266,7 @@ linux_platform::Command teachCommand() {
   constexpr auto optional = ParameterKind::optional;
   return {
       "teach",
-      "Learn from one message how to read others like it, as a template",
+      "Learn from a message how to read others like it",
       {{"ID", "The transaction with the message, ignored:NUMBER, or - for standard input",
         optional},
        {"--amount", "The sum, as it is in the message", optional},

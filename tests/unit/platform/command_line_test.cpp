@@ -162,6 +162,21 @@ TEST_F(ACommandLineParser, PrintsHelpAndVersionWithoutRunningACommand) {
   EXPECT_EQ(ran + errors, "");
 }
 
+TEST_F(ACommandLineParser, ListsCommandsUnderTheirHeadings) {
+  CommandProgram grouped = program();
+  grouped.commands.front().heading = "Doors";
+  grouped.commands.back().heading = "Windows";
+  std::vector<std::string> words{"tool", "--help"};
+  std::vector<char*> arguments{words[0].data(), words[1].data()};
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(runCommand(grouped, 2, arguments.data()), 0);
+  const std::string help = testing::internal::GetCapturedStdout();
+  const auto place = [&help](const char* line) { return help.find(line); };
+  EXPECT_LT(place("\nDoors:\n  enter "), place("\nSubcommands:\n  box "));
+  EXPECT_LT(place("\nSubcommands:\n  box "), place("\nWindows:\n  fail "));
+  EXPECT_NE(place("\nWindows:\n  fail "), std::string::npos);
+}
+
 TEST_F(ACommandLineParser, AcceptsAnEmptyValueAfterAnEqualsSign) {
   EXPECT_EQ(run({"enter", "--name=", "--title", "Dr"}), 0);
   EXPECT_THAT(given, UnorderedElementsAre(Pair("--name", ""), Pair("--title", "Dr")));

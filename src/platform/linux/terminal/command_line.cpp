@@ -69,6 +69,7 @@ std::unique_ptr<Offered> offer(const Command& command, CLI::App& root) {
   auto offered = std::make_unique<Offered>();
   offered->command = &command;
   offered->app = levelOf(root, command.name).description(command.purpose);
+  if (!command.heading.empty()) offered->app->group(command.heading);
   for (const CommandParameter& parameter : command.parameters) {
     const std::string& name = parameter.name;
     if (parameter.kind == Kind::flag) {

@@ -48,6 +48,8 @@ struct Command {
   /// Runs the command. Throws Failure, CommandFailure or ReportedFailure when it fails. Null for a
   /// group, which must come before its commands.
   std::function<void(const GivenParameters&)> run;
+  /// The heading of the program's help under which it is listed; empty for the common one.
+  std::string heading = {};
 };
 
 /// A program with commands.
