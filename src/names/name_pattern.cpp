@@ -18,7 +18,9 @@ bool isSpecial(char mark) { return special.find(mark) != std::string_view::npos;
 
 // The texts between the stars of `folded`. Stars side by side are one.
 std::vector<std::string> betweenStarsOf(std::string_view folded) {
-  std::vector<std::string> between(1);
+  std::vector<std::string> between;
+  between.reserve(1 + static_cast<std::size_t>(std::count(folded.begin(), folded.end(), '*')));
+  between.emplace_back();
   bool behindStar = false;
   for (std::size_t at = 0; at < folded.size(); ++at) {
     if (folded[at] == '*') {
