@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace kivo::recognition {
@@ -75,7 +78,9 @@ class FieldNames {
     if (item.kind == Item::Kind::lineBreak) return end > 0;
     const Found* const next = words_.wordingAt(end);
     const bool behindSum = !front && items_[begin - 1].kind == Item::Kind::sum;
-    if (behindSum && next != nullptr && next->is(Marker::from) && words_.isSmall(end)) return true;
+    if (behindSum && next != nullptr && next->is(Marker::from) && words_.isSmall(end)) {
+      return !words_.isOutcome(begin);  // "EGP 50.00 Declined Fern Mart from card 12"
+    }
     return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
                       isMark(item, ",;|") || item.text == "·" || words_.isDash(end));
   }
@@ -90,6 +95,28 @@ class FieldNames {
 
 std::vector<NamePlace> fieldNames(const AnalysedMessage& message, const CapitalWords& words) {
   return FieldNames(message, words).all();
+}
+
+std::vector<NamePlace> quotedNames(const AnalysedMessage& message) {
+  const Items& items = message.items;
+  std::vector<NamePlace> places;
+  constexpr std::size_t longest = 14;
+  std::optional<std::size_t> open;
+  for (std::size_t at = 0; at < items.size(); ++at) {
+    const std::string& text = items[at].text;
+    const bool single = text == "'" && (open ? items[at].glued : !items[at].glued);
+    const bool quote =
+        single || text == "\"" || text == "“" || text == "”" || text == "«" || text == "»";
+    if (items[at].kind == Item::Kind::lineBreak || (open && at - *open > longest)) open.reset();
+    if (items[at].kind != Item::Kind::mark || !quote) continue;
+    if (open && *open + 1 < at) places.push_back({*open + 1, at, at});
+    if (open) {
+      open.reset();
+    } else {
+      open = at;
+    }
+  }
+  return places;
 }
 
 }  // namespace kivo::recognition

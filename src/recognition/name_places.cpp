@@ -27,7 +27,7 @@ class NamePlaces {
       : message_(message), items_(message.items), words_(message) {}
 
   std::vector<NamePlace> all() {
-    addQuotes();
+    append(quotedNames(message_));
     std::size_t payerTextEnd = 0;
     for (const Found& wording : message_.wordings) {
       if (namesItsSubject(wording)) addInFront(wording);
@@ -73,6 +73,14 @@ class NamePlaces {
            (before.kind == Item::Kind::sum && items_[wording.begin].capitals);
   }
 
+  // "PURCHASE DECLINED CARD", "PURCHASE ZARA DECLINED CARD": an outcome is no part of the name.
+  void addSlip(std::size_t begin) {
+    if (!words_.isCapital(begin) || words_.isOutcome(begin)) return;
+    std::size_t end = words_.endOfCapitals(begin);
+    while (end > begin && words_.isOutcome(end - 1)) --end;
+    add(begin, end, end);
+  }
+
   // "في محلات القسط": "in" introduces a shop or, mostly, a date.
   [[nodiscard]] bool isArabicIn(const Found& wording) const {
     return wording.is(Marker::ends) && items_[wording.begin].text == "في" &&
@@ -91,26 +99,6 @@ class NamePlaces {
 
   void add(std::size_t begin, std::size_t end, std::size_t lastEnd) {
     if (begin < lastEnd) places_.push_back({begin, end, lastEnd});
-  }
-
-  // Between quotes on one line.
-  void addQuotes() {
-    constexpr std::size_t longest = 14;
-    std::optional<std::size_t> open;
-    for (std::size_t at = 0; at < items_.size(); ++at) {
-      const std::string& text = items_[at].text;
-      const bool single = text == "'" && (open ? items_[at].glued : !items_[at].glued);
-      const bool quote =
-          single || text == "\"" || text == "“" || text == "”" || text == "«" || text == "»";
-      if (items_[at].kind == Item::Kind::lineBreak || (open && at - *open > longest)) open.reset();
-      if (items_[at].kind != Item::Kind::mark || !quote) continue;
-      if (open) add(*open + 1, at, at);
-      if (open) {
-        open.reset();
-      } else {
-        open = at;
-      }
-    }
   }
 
   // "Refund Fashion sent you #", "debited; Denied Jeans credited": the capitals in front.
@@ -173,7 +161,9 @@ class NamePlaces {
     }
     if (wording.is(Marker::at) && isPronoun(items_[begin].text)) {
       addClause(begin);
-    } else if (words_.isCapital(begin) && (small || colon || isSlipOf(wording))) {
+    } else if (isSlipOf(wording)) {
+      addSlip(begin);
+    } else if (words_.isCapital(begin) && (small || colon)) {
       addCapitals(begin);
     } else if (items_[begin].kind == Item::Kind::sum || items_[begin].kind == Item::Kind::number) {
       addNumberInFront(wording, begin);
@@ -216,6 +206,7 @@ class NamePlaces {
       const bool breaks = items_[end].kind == Item::Kind::lineBreak;
       const bool date = items_[end].text == "on" && words_.isCapital(end) &&
                         end + 1 < items_.size() && items_[end + 1].kind == Item::Kind::number;
+      if (words_.isOutcome(end - 1)) return false;  // "At Fern Cafe Declined On 12/3"
       if (date || (breaks && line)) add(begin, end, end);
       if (date || breaks || words_.isOwnAccount(end)) return date || (breaks && line);
       if (items_[end].startsSentence) return false;

@@ -194,5 +194,19 @@ TEST(AnArabicName, MayHoldTheWordsOfABankBehindIn) {
       "expense 13.20 | محلات القسط للأثاث");
 }
 
+TEST(AnOutcome, BehindAPurchaseIsNoName) {
+  EXPECT_EQ(readingOf("POS PURCHASE DECLINED EGP 50.00 CARD **12 AT FERN MART"), "declined");
+  EXPECT_EQ(readingOf("EGP 50.00 PURCHASE DECLINED CARD **9920 13/07/26 BAL EGP 402.10"),
+            "declined");
+  EXPECT_EQ(readingOf("EGP 50.00 PURCHASE FAILED AT FERN MART CARD **9920"), "declined");
+  EXPECT_EQ(readingOf("EGP 50.00 PURCHASE FERN MART DECLINED CARD **9920"), "declined");
+  EXPECT_EQ(readingOf("Purchase EGP 50.00 Declined Fern Mart from card 12"), "declined");
+}
+
+TEST(AnOutcome, BehindANameIsNotBooked) {
+  EXPECT_NE(read("Spent EGP 50 On Card 12 At Fern Declined On 2025-03-11", "EGP").outcome,
+            Outcome::transaction);
+}
+
 }  // namespace
 }  // namespace kivo::recognition
