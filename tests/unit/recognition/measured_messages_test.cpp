@@ -168,11 +168,11 @@ TEST_F(MeasuredMessages, OfTheSeventhSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheEighthSetAreReadAsWellAsBefore) {
-  measure("messages_eighth_measure.tsv", {.kindAndAmount = 364, .payee = 153});
+  measure("messages_eighth_measure.tsv", {.kindAndAmount = 363, .payee = 152});
 }
 
 TEST_F(MeasuredMessages, OfTheNinthSetAreReadAsWellAsBefore) {
-  measure("messages_ninth_measure.tsv", {.kindAndAmount = 338, .payee = 135});
+  measure("messages_ninth_measure.tsv", {.kindAndAmount = 338, .payee = 134});
 }
 
 TEST_F(MeasuredMessages, OfTheTenthSetAreReadAsWellAsBefore) {

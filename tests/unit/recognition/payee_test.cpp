@@ -226,6 +226,11 @@ TEST(AName, ThatNoWordsIntroduceKeepsTheNumberOfItsBranch) {
   EXPECT_EQ(payeeOf("EGP 34.50 EVROOPT 221 14/03/26 card 4410 purchase"), "EVROOPT 221");
 }
 
+TEST(AName, MayBeAWordOfAnotherLanguage) {
+  EXPECT_EQ(payeeOf("EGP 50.00 paid to Luc. Ref 12"), "Luc");
+  EXPECT_EQ(payeeOf("EGP 50.00 paid at MESA CU CAFE with card 12"), "MESA CU CAFE");
+}
+
 TEST(AName, IsNoChannel) {
   EXPECT_EQ(
       payeeOf("EGP 850.00 paid from cheq a/c..8840 to J SHIKONGO @ App. Ref.rent. 8Jun 08:15"),
