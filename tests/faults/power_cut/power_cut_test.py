@@ -259,21 +259,50 @@ class APowerCut(unittest.TestCase):
         self.assertTrue(self.violations(self.recorded("ledger_session"), count=400, store=LEDGER,
                                         ignores_sync=lambda path: path.endswith("-wal")))
 
+    def expect_old_or_new(self, recording, path):
+        """The file has each content whole, and none from before what was said."""
+        disk = Disk(recording)
+        versions, floors = [disk.now().get(path)], [0]
+        for index, event in enumerate(recording.events):
+            disk.apply(index, event)
+            now = disk.now().get(path)
+            if now != versions[-1]:
+                versions.append(now)
+            floors.append(len(versions) - 1 if event[0] == "said" else floors[-1])
+        self.assertGreater(len(versions), 1)
+        for cut, state in states(recording, STATES):
+            type(self).judged += 1
+            self.assertIn(state.get(path), versions[floors[cut]:], f"before event {cut}")
+
     def test_leaves_the_old_or_the_new_senders_of_the_watcher(self):
         recording = self.phone.record()
         for sender in ("Bank", "Card", "Shop"):
             self.phone.phone("watch", "add", sender)
-        disk = Disk(recording)
-        versions, floors = [None], [0]
-        for index, event in enumerate(recording.events):
-            disk.apply(index, event)
-            now = disk.now().get(SENDERS)
-            if now != versions[-1]:
-                versions.append(now)
-            floors.append(len(versions) - 1 if event[0] == "said" else floors[-1])
-        for cut, state in states(recording, STATES):
-            type(self).judged += 1
-            self.assertIn(state.get(SENDERS), versions[floors[cut]:], f"before event {cut}")
+        self.expect_old_or_new(recording, SENDERS)
+
+    def ledger(self, *arguments):
+        """kivo-ledger, recorded."""
+        return self.phone.recording.run([PROGRAMS / "kivo-ledger", *arguments], env=self.phone.environment)
+
+    def test_leaves_the_old_or_the_new_backup(self):
+        self.ledger_session()
+        recording = self.phone.record()
+        file = self.phone.home / "book.kivo"
+        self.assertIn("Backed up 20 payments", self.ledger("backup", file))
+        self.ledger("add", "--amount", "7", "--payee", "Kiosk")
+        self.assertIn("Backed up 21 payments", self.ledger("backup", file))
+        self.expect_old_or_new(recording, "book.kivo")
+
+    def test_leaves_the_old_or_the_restored_book(self):
+        self.phone.record()
+        self.ledger("add", "--amount", "7", "--payee", "Kiosk")
+        self.ledger("backup", self.phone.home / "book.kivo")
+        self.ledger_session()
+        recording = self.phone.record()
+        self.ledger("rate", "USD", "48.5")
+        self.assertIn("Restored 1 payment", self.ledger("restore", "--replace", self.phone.home / "book.kivo"))
+        self.ledger("rate", "USD", "49")
+        self.expect_kept(recording, store=LEDGER)
 
     def test_leaves_a_store_that_the_next_run_can_use(self):
         recording = self.recorded("full_queue")
