@@ -45,7 +45,7 @@ Read readBy(const Reader& reader) {
   for (const OldMessage& message : read.messages) {
     require(platform::repairedUtf8(message.sender) == message.sender, "a sender is UTF-8");
     require(platform::repairedUtf8(message.text) == message.text, "a text is UTF-8");
-    require(keyOf(message).size() == 71, "each message has a key");
+    require(keyOf(message).size() == 56, "each message has a key");
   }
   return read;
 }

@@ -77,6 +77,7 @@ void Book::inOneStep(const std::function<void()>& steps) {
   {
     const Marked inStep(file_->isInStep);
     file_->owesErasure = false;
+    const linux_platform::StatementCache cache(file_->database);
     WriteTransaction transaction(file_->database);
     const bool outdated =
         hasIgnored(file_->database) && deleteIgnoredBefore(file_->database, firstKeptDay());
@@ -132,6 +133,7 @@ std::vector<PastCommand> Book::undo(std::int64_t count) {
 }
 
 void Book::atOneMoment(const std::function<void()>& reads) const {
+  const linux_platform::StatementCache cache(file_->database);
   const linux_platform::Transaction transaction(file_->database, "BEGIN");
   require(transaction.code());
   reads();

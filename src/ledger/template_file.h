@@ -36,8 +36,8 @@ bool remove(const std::string& block);
 /// by the rules alone.
 recording::MessageReader reader();
 
-/// Returns a reader that uses the templates that are in the file now, for many messages. Throws
-/// Failure, as `read` does.
+/// Returns a reader that uses the templates that are in the file now, for many messages. It is
+/// thread-safe. Throws Failure, as `read` does.
 recording::MessageReader readerOfNow();
 
 }  // namespace kivo::ledger::TemplateFile

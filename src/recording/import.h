@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -39,6 +40,7 @@ class Import {
     std::string userId;
     /// The currency of the book.
     money::CurrencyCode currency;
+    /// Called by several threads at a time.
     MessageReader read;
     /// The beginning of the keys of imported messages; others came live.
     std::string importKeys;
@@ -64,7 +66,10 @@ class Import {
   [[nodiscard]] const ImportCounts& counts() const { return counts_; }
 
  private:
-  void recordOne(const Message& message, ImportCounts& counts);
+  using Readings = std::vector<std::optional<recognition::Reading>>;
+  [[nodiscard]] Readings readWaiting() const;
+  void recordOne(const Message& message, const std::optional<recognition::Reading>& read,
+                 ImportCounts& counts);
   [[nodiscard]] bool isKnownByKey(const Message& message) const;
   bool cameLive(const Message& message, const BookReading& reading);
 

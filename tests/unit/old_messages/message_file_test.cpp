@@ -126,7 +126,7 @@ TEST_F(AMessageFile, OfChattyThatIsDamagedSaysAfterHowManyMessages) {
 TEST(TheKeyOfAMessage, IsMadeOfSenderTimeAndText) {
   const OldMessage message{.sender = "A", .moment = platform::Moment(), .text = "Bc"};
   EXPECT_EQ(keyOf(message), keyOf(OldMessage(message)));
-  EXPECT_EQ(keyOf(message).size(), 7U + 64U);
+  EXPECT_EQ(keyOf(message).size(), 7U + 16U + 1U + 32U);
   EXPECT_TRUE(keyOf(message).starts_with("import-"));
   OldMessage other = message;
   other.sender = "AB";

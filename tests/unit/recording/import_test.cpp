@@ -25,7 +25,7 @@ class AnImport : public LedgerTest {
                       Import::Mode mode = Import::Mode::record) {
     Import importing(book, {.userId = "user",
                             .currency = "EGP",
-                            .read = reader(),
+                            .read = [this](auto, const auto&) { return reading_; },
                             .importKeys = "import-",
                             .command = {.words = "import file"},
                             .mode = mode});

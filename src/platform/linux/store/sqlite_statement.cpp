@@ -9,6 +9,8 @@ namespace {
 
 using TextFunction = std::string (*)(std::string_view);
 
+thread_local StatementCache* innermostCache = nullptr;
+
 std::string_view textOf(sqlite3_value* value) {
   const void* const bytes = sqlite3_value_text(value);
   if (bytes == nullptr) return {};
@@ -44,9 +46,42 @@ int defineTextFunction(sqlite3* database, const char* name, TextFunction value) 
                                     nullptr, nullptr);
 }
 
-void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+StatementCache::StatementCache(sqlite3* database) : database_(database), outer_(innermostCache) {
+  innermostCache = this;
+}
+
+StatementCache::~StatementCache() {
+  innermostCache = outer_;
+  for (const auto& [sql, statement] : statements_) sqlite3_finalize(statement);
+}
+
+sqlite3_stmt* StatementCache::taken(sqlite3* database, const char* sql) {
+  if (innermostCache == nullptr || innermostCache->database_ != database) return nullptr;
+  auto& statements = innermostCache->statements_;
+  const auto kept = statements.find(sql);
+  if (kept == statements.end()) return nullptr;
+  sqlite3_stmt* const statement = kept->second;
+  statements.erase(kept);
+  return statement;
+}
+
+bool StatementCache::keeps(sqlite3_stmt* statement) {
+  if (innermostCache == nullptr || innermostCache->database_ != sqlite3_db_handle(statement)) {
+    return false;
+  }
+  sqlite3_reset(statement);
+  sqlite3_clear_bindings(statement);
+  innermostCache->statements_.emplace(sqlite3_sql(statement), statement);
+  return true;
+}
+
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const {
+  if (!StatementCache::keeps(statement)) sqlite3_finalize(statement);
+}
 
 Statement::Statement(sqlite3* database, const char* sql) {
+  statement_.reset(StatementCache::taken(database, sql));
+  if (statement_) return;
   sqlite3_stmt* compiled = nullptr;
   code_ = sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr);
   statement_.reset(compiled);

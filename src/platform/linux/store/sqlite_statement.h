@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -63,6 +64,7 @@ class Statement {
   [[nodiscard]] std::string text(int column) const;
 
  private:
+  // Finalizes a statement, or has it kept.
   struct Finalize {
     void operator()(sqlite3_stmt* statement) const;
   };
@@ -71,6 +73,28 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
   int code_ = 0;  // SQLITE_OK
   int bound_ = 0;
+};
+
+/// While it lives, this thread keeps the compiled statements of one database and uses them for
+/// later statements of the same text: compiling takes longer than most of them run. At most one per
+/// thread counts, the innermost. It must not outlive the database.
+class StatementCache {
+ public:
+  explicit StatementCache(sqlite3* database);
+  ~StatementCache();
+  StatementCache(const StatementCache&) = delete;
+  StatementCache& operator=(const StatementCache&) = delete;
+
+ private:
+  friend class Statement;
+  // Returns a kept statement, which is then in use; null when none is kept.
+  static sqlite3_stmt* taken(sqlite3* database, const char* sql);
+  // Keeps a statement that is no longer in use; returns false when its database has no cache.
+  static bool keeps(sqlite3_stmt* statement);
+
+  sqlite3* database_;
+  StatementCache* outer_;
+  std::unordered_multimap<std::string, sqlite3_stmt*> statements_;
 };
 
 /// Resets a statement at the end of a scope.
