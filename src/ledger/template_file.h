@@ -22,9 +22,8 @@ std::optional<std::filesystem::path> place();
 std::vector<recognition::MessageTemplate> read();
 
 /// Appends a template to the file and returns the block of text that it is; the rest of the file
-/// stays byte for byte. Creates the file and
-/// its folders for the user only. Throws Failure, as `read` does, when the file has an error or
-/// cannot be written; the file is then not changed.
+/// stays byte for byte. Creates the file and its folders for the user only. Throws Failure, as
+/// `read` does, when the file has an error or cannot be written; the file is then not changed.
 std::string add(const recognition::MessageTemplate& taught);
 
 /// Removes the last block of the file that is `block`, as `add` returned it, when nobody has added
