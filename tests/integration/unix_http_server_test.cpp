@@ -113,7 +113,7 @@ TEST_F(AUnixSocket, CarriesSixtyRequestsAtOnce) {
   for (const auto& running : exchanges) EXPECT_EQ(running->wait().status(), 200);
 }
 
-TEST_F(AUnixSocket, AnswersRequestsThatCameMeanwhileTogetherAndEachWithItsOwnAnswer) {
+TEST_F(AUnixSocket, AnswersRequestsThatCameMeanwhileTogetherEachForItself) {
   handling_ = 200ms;
   const auto server = serving(1s);
   RunningExchange first(session_, post(url() + "/first"));
