@@ -11,7 +11,7 @@ import subprocess
 import time
 import unittest
 
-from installed_kivo import PREFIX, UNPACKED, InstalledKivo, with_unpacked
+from installed_kivo import PREFIX, UNPACKED, InstalledKivo, listed_commands, with_unpacked
 
 PROGRAMS = [program.name for program in sorted((PREFIX / "bin").iterdir())]
 
@@ -88,7 +88,7 @@ class Completions(unittest.TestCase):
         found = {(command, "")} if command else set()
         found |= {(command, one) for one in re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", printed)} if command else set()
         found -= {(command, "--help")}
-        for word in re.findall(r"(?m)^  (\w[\w-]*)  ", printed.partition("Subcommands:")[2]):
+        for word in listed_commands(printed):
             found |= self.helped(program, f"{command} {word}".strip())
         return found
 

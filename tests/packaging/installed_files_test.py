@@ -10,7 +10,7 @@ import struct
 import subprocess
 import unittest
 
-from installed_kivo import PREFIX, UNPACKED, InstalledKivo
+from installed_kivo import PREFIX, UNPACKED, InstalledKivo, listed_commands
 
 SOURCE = pathlib.Path(os.environ["KIVO_SOURCE"])
 PROGRAMS = {"kivo-intents", "kivo-ledger", "kivo-notification-center", "kivo-phone", "kivo-sms-watcher"}
@@ -108,10 +108,8 @@ class InstalledFiles(unittest.TestCase):
         """The commands and options that --help lists, and those of each command."""
         printed = self.kivo.run(program, *command, "--help")
         found = set(re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", printed))
-        for part in re.split(r"(?m)^(?=\w[\w ]*:)", printed):
-            if not part.startswith(("Usage:", "Positionals:", "Options:")):
-                for name in re.findall(r"(?m)^  (\w[\w-]*)  ", part):
-                    found |= {name} | self.offered(program, (*command, name))
+        for name in listed_commands(printed):
+            found |= {name} | self.offered(program, (*command, name))
         return found
 
     def test_the_systemd_units_are_valid(self):

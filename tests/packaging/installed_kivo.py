@@ -3,6 +3,7 @@ Does not use the home, bus or network of the user."""
 import contextlib
 import os
 import pathlib
+import re
 import subprocess
 import tempfile
 
@@ -17,6 +18,13 @@ def with_unpacked(environment):
     folders = (UNPACKED / "usr/lib", *UNPACKED.glob("usr/lib/*-linux-gnu*"), *UNPACKED.glob("lib/*-linux-gnu*"))
     return environment | {"PATH": f"{environment['PATH']}:{UNPACKED}/usr/sbin:{UNPACKED}/usr/bin",
                           "LD_LIBRARY_PATH": ":".join(str(folder) for folder in folders)}
+
+
+def listed_commands(printed):
+    """The commands that a text of --help lists, under whichever headings."""
+    parts = re.split(r"(?m)^(?=\w[\w ]*:)", printed)
+    lists = [part for part in parts if not part.startswith(("Usage:", "Positionals:", "Options:"))]
+    return [name for part in lists for name in re.findall(r"(?m)^  (\w[\w-]*)  ", part)]
 
 
 class InstalledKivo:
