@@ -16,7 +16,7 @@ using linux_platform::Statement;
 constexpr std::int64_t mostKept = 500;
 constexpr std::int64_t keptOfMore = 400;
 
-constexpr const char* columns = "number, key, user, date, reason, text";
+constexpr const char* messageColumns = "number, key, user, date, reason, text";
 
 // Absent when a damaged file holds a day or a reason that cannot be.
 std::optional<IgnoredMessage> messageOf(const Statement& row) {
@@ -50,7 +50,7 @@ void insertIgnored(sqlite3* database, const IgnoredMessage& message) {
 
 std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& first) {
   const std::string sql =
-      std::string("SELECT ") + columns +
+      std::string("SELECT ") + messageColumns +
       " FROM ignored WHERE taken_by IS NULL AND date >= ? ORDER BY date DESC, number DESC";
   Statement query(database, sql.c_str());
   const std::string since = first.text();
@@ -74,7 +74,7 @@ std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& f
 
 std::optional<IgnoredMessage> storedIgnored(sqlite3* database, std::int64_t number,
                                             const money::Day& first) {
-  const std::string sql = std::string("SELECT ") + columns +
+  const std::string sql = std::string("SELECT ") + messageColumns +
                           " FROM ignored WHERE number = ? AND taken_by IS NULL AND date >= ?";
   Statement query(database, sql.c_str());
   const std::string since = first.text();

@@ -293,6 +293,17 @@ class APowerCut(unittest.TestCase):
         self.assertIn("Backed up 21 payments", self.ledger("backup", file))
         self.expect_old_or_new(recording, "book.kivo")
 
+    def test_leaves_the_book_before_or_after_an_import_and_an_undo(self):
+        file = self.phone.home / "sms.csv"
+        lines = [f"2026-01-{day:02},Bank,Your card ending 4821 was charged EGP {day}.50 at Kiosk" for day in range(1, 29)]
+        file.write_text("\n".join(["date,sender,text", *lines, ""]), encoding="utf-8")
+        self.ledger_session()
+        recording = self.phone.record()
+        for _ in range(2):
+            self.assertIn('"booked":28', self.ledger("import", file, "--sender", "Bank", "--json"))
+            self.assertIn("28 transactions", self.ledger("undo"))
+        self.expect_kept(recording, store=LEDGER)
+
     def test_leaves_the_old_or_the_restored_book(self):
         self.phone.record()
         self.ledger("add", "--amount", "7", "--payee", "Kiosk")
