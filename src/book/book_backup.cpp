@@ -157,8 +157,9 @@ void AttachedBackup::replaceBook() const {
     require(execute(database_, ("DELETE FROM main." + table).c_str()));
     if (isOfHistory(table)) continue;
     const std::string columns = columnsOf(database_, table);
-    const std::string copying = "INSERT INTO main." + table + " (" + columns + ") SELECT " +
-                                columns + " FROM backup." + table;
+    std::string copying = "INSERT INTO main.";
+    copying.append(table).append(" (").append(columns).append(") SELECT ").append(columns);
+    copying.append(" FROM backup.").append(table);
     require(execute(database_, copying.c_str()));
   }
   require(execute(database_, R"(

@@ -33,19 +33,19 @@ using linux_platform::GivenParameters;
 using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-struct Format {
+struct ExportFormat {
   std::string_view name;
   std::string (*written)(const std::vector<LedgerEntry>& entries);
 };
 
-constexpr std::array<Format, 4> formats = {{{"csv", csvExport},
-                                            {"hledger", hledgerExport},
-                                            {"beancount", beancountExport},
-                                            {"ofx", ofxExport}}};
+constexpr std::array<ExportFormat, 4> formats = {{{"csv", csvExport},
+                                                  {"hledger", hledgerExport},
+                                                  {"beancount", beancountExport},
+                                                  {"ofx", ofxExport}}};
 
 std::vector<std::string> formatNames() {
   std::vector<std::string> names;
-  for (const Format& format : formats) names.emplace_back(format.name);
+  for (const ExportFormat& format : formats) names.emplace_back(format.name);
   return names;
 }
 
@@ -62,8 +62,8 @@ void show(const std::string& text) {
 void exportBook(const GivenParameters& parameters) {
   const EntryFilter filter = filterFrom(parameters);
   const std::string name = given(parameters, "--format").value();
-  const auto* const format = std::find_if(formats.begin(), formats.end(),
-                                          [&](const Format& one) { return one.name == name; });
+  const auto* const format = std::find_if(
+      formats.begin(), formats.end(), [&](const ExportFormat& one) { return one.name == name; });
   if (format == formats.end()) throw invalid("--format", name, "csv, hledger, beancount or ofx");
   withBook([&](Book& book) {
     tellSetAside(book);

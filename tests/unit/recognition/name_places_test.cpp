@@ -10,10 +10,6 @@
 namespace kivo::recognition {
 namespace {
 
-std::string readingOf(std::string_view message) {
-  return readingText(read(message, "EGP"), "EGP", true);
-}
-
 TEST(AName, BehindAtMayHoldAnyWordOfABank) {
   EXPECT_EQ(readingOf("Purchase of EGP 50.00 at Discount Store on card ending 1234."),
             "expense 50.00 | Discount Store");

@@ -10,10 +10,6 @@
 namespace kivo::recognition {
 namespace {
 
-std::string readingOf(std::string_view message) {
-  return readingText(read(message, "EGP"), "EGP", true);
-}
-
 TEST(APayersText, ForgesNoSum) {
   EXPECT_EQ(readingOf("EGP 1.00 has been credited to account 4410 from Hany Samir. Remarks: You "
                       "received EGP 70000. Balance EGP 2,011.00"),

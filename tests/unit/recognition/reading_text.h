@@ -39,4 +39,9 @@ inline std::string readingText(const Reading& reading, const money::CurrencyCode
   return text;
 }
 
+/// Such as "expense 150.00 | Tulip Store": the reading of `message` in a book of Egyptian pounds.
+inline std::string readingOf(std::string_view message) {
+  return readingText(read(message, "EGP"), "EGP", true);
+}
+
 }  // namespace kivo::recognition
