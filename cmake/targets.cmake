@@ -5,16 +5,16 @@ if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
 
-# All libraries but libc, OpenSSL and ICU's data are linked statically, which halves the time of a run. libc
-# and OpenSSL stay shared, so that programs receive their security updates. docs/decisions/0006 has the
-# figures.
+# All libraries but libc, OpenSSL, expat and ICU's data are linked statically, which halves the time of a
+# run. libc, OpenSSL and expat, which reads foreign files, stay shared, so that programs receive their
+# security updates. docs/decisions/0006 has the figures.
 find_package(OpenSSL REQUIRED)
+find_package(EXPAT REQUIRED)
 set(kivo_shared_suffixes ${CMAKE_FIND_LIBRARY_SUFFIXES})
 if(KIVO_STATIC_LIBRARIES)
   set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
 endif()
 find_package(SQLite3 REQUIRED)
-find_package(EXPAT REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
 target_link_libraries(ICU::i18n INTERFACE ICU::uc)  # an archive comes before those it needs
 find_package(PkgConfig REQUIRED)
