@@ -32,8 +32,7 @@ using ParameterKind = linux_platform::CommandParameter::Kind;
 
 // "7 payments, from 2026-08-03 to 2026-11-21".
 std::string wordsFor(const HeldPayments& held) {
-  const std::string words =
-      std::to_string(held.count) + (held.count == 1 ? " payment" : " payments");
+  std::string words = std::to_string(held.count) + (held.count == 1 ? " payment" : " payments");
   if (!held.first || !held.last) return words;
   return words + ", from " + held.first->text() + " to " + held.last->text();
 }
