@@ -22,9 +22,6 @@ using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 
-constexpr const char* unreadable = "Zap! Tulip Bank flew EGP 640.00 over to Nile Cinema";
-constexpr const char* unreadableToo = "Zap! Tulip Bank flew EGP 75.50 over to Moon Pharmacy";
-
 class AnUndo : public LedgerCommandTest {
  protected:
   // All that the commands show.

@@ -11,6 +11,7 @@
 #include "book/current_day.h"
 #include "platform/linux/process/child_process.h"
 #include "platform/linux/terminal/text_columns.h"
+#include "testkit/ledger_command_test.h"
 #include "testkit/private_ledger.h"
 #include "testkit/raw_store.h"
 #include "testkit/stored_bytes.h"
@@ -30,9 +31,6 @@ using testing::Not;
 using testing::ResultOf;
 using testing::SizeIs;
 
-// No rule knows this wording.
-constexpr const char* unreadable = "Zap! Tulip Bank flew EGP 640.00 over to Nile Cinema";
-constexpr const char* unreadableToo = "Zap! Tulip Bank flew EGP 75.50 over to Moon Pharmacy";
 constexpr const char* declined =
     "Your purchase of EGP 900.00 at Tulip Store was declined due to insufficient funds.";
 constexpr const char* planned =

@@ -14,6 +14,10 @@
 
 namespace kivo::testkit {
 
+// No rule knows this wording. The bank, the shops and their names do not exist.
+inline constexpr const char* unreadable = "Zap! Tulip Bank flew EGP 640.00 over to Nile Cinema";
+inline constexpr const char* unreadableToo = "Zap! Tulip Bank flew EGP 75.50 over to Moon Pharmacy";
+
 class LedgerCommandTest : public testing::Test {
  protected:
   static std::string program() { return linux_platform::programFolder() / "kivo-ledger"; }
