@@ -134,7 +134,7 @@ std::vector<std::string> askForSenders(const std::vector<SenderCount>& counts) {
     auto answer = prompt.ask("Import whose messages? Numbers or names, with commas between:" +
                              (preset.empty() ? "" : " [" + preset + "]"));
     if (!answer) throw CommandFailure("nothing was imported");
-    const auto patterns = patternsIn(answer->empty() ? preset : *answer, counts);
+    auto patterns = patternsIn(answer->empty() ? preset : *answer, counts);
     if (!patterns.empty()) return patterns;
   }
 }
