@@ -13,8 +13,7 @@ money::Day currentDay() {
 
 // Without ICU, for 100,000 messages at a time.
 std::optional<money::Day> dayOf(platform::Moment moment) {
-  const std::time_t time =
-      std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(moment));
+  const std::time_t time = platform::wholeSecondsSince1970(moment);
   std::tm local = {};
   if (localtime_r(&time, &local) == nullptr) return std::nullopt;
   char text[32];

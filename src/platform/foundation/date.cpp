@@ -20,4 +20,8 @@ double secondsSince1970(Moment moment) {
   return std::chrono::duration<double>(moment.time_since_epoch()).count();
 }
 
+std::int64_t wholeSecondsSince1970(Moment moment) {
+  return std::chrono::floor<std::chrono::seconds>(moment).time_since_epoch().count();
+}
+
 }  // namespace kivo::platform

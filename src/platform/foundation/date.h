@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 
 namespace kivo::platform {
 
@@ -20,5 +21,9 @@ class Date {
 
 /// Returns the seconds since 1970-01-01 00:00 UTC, with fractions.
 double secondsSince1970(Moment moment);
+
+/// Returns the whole seconds since 1970-01-01 00:00 UTC, rounded down, of any moment: the C++
+/// library's own to_time_t goes by nanoseconds, which end in the year 2262.
+std::int64_t wholeSecondsSince1970(Moment moment);
 
 }  // namespace kivo::platform

@@ -33,5 +33,11 @@ TEST_F(ADate, CountsFractionsOfSeconds) {
   EXPECT_EQ(secondsSince1970(Moment(1769850300s + 125ms)), 1769850300.125);
 }
 
+TEST_F(ADate, CountsWholeSecondsOfAnyYear) {
+  EXPECT_EQ(wholeSecondsSince1970(Moment(1'999'999us)), 1);
+  EXPECT_EQ(wholeSecondsSince1970(Moment(-1us)), -1);
+  EXPECT_EQ(wholeSecondsSince1970(Moment(99'999'999'999s)), 99'999'999'999);
+}
+
 }  // namespace
 }  // namespace kivo::platform

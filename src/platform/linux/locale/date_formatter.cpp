@@ -18,7 +18,7 @@ namespace {
 // The device's UTC offset at `moment`. The C library computes it, since it reads the time zone
 // again each time and supports every form of TZ; ICU's own lookup supports zone names only.
 icu::SimpleTimeZone deviceTimeZone(Moment moment) {
-  const std::time_t time = std::chrono::system_clock::to_time_t(moment);
+  const std::time_t time = wholeSecondsSince1970(moment);
   std::tm local = {};
   tzset();
   localtime_r(&time, &local);
