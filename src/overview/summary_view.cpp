@@ -22,9 +22,9 @@ JSONEncoder monthObject(const money::Month& month, const MovedSums& sums) {
   return object;
 }
 
-std::vector<JSONEncoder> categoryObjects(const MonthSummary& summary) {
+std::vector<JSONEncoder> categoryObjects(const PeriodSummary& summary) {
   std::vector<JSONEncoder> objects;
-  for (const MonthSummary::Category& category : summary.categories) {
+  for (const PeriodSummary::Category& category : summary.categories) {
     JSONEncoder& object = objects.emplace_back();
     object.encodeString("category", category.name);
     object.encodeString("expense", amountText(category.expense));
@@ -33,9 +33,9 @@ std::vector<JSONEncoder> categoryObjects(const MonthSummary& summary) {
   return objects;
 }
 
-std::vector<JSONEncoder> payeeObjects(const MonthSummary& summary) {
+std::vector<JSONEncoder> payeeObjects(const PeriodSummary& summary) {
   std::vector<JSONEncoder> objects;
-  for (const MonthSummary::Payee& payee : summary.payees) {
+  for (const PeriodSummary::Payee& payee : summary.payees) {
     JSONEncoder& object = objects.emplace_back();
     object.encodeString("description", payee.description);
     object.encodeString("expense", amountText(payee.expense));

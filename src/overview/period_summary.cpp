@@ -1,0 +1,132 @@
+#include "overview/period_summary.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace kivo::overview {
+
+using book::Book;
+using money::CurrencyCode;
+using money::Kind;
+using money::Money;
+using money::Period;
+
+namespace {
+
+constexpr std::size_t mostPayees = 10;
+
+void readTotals(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
+                std::int64_t largest) {
+  std::map<CurrencyCode, MovedSums> others;
+  for (const auto& group : book.sumsByMonth({periods.before.first, periods.period.last}, largest)) {
+    const CurrencyCode& currency = group.sum.currency;
+    const bool isOwn = currency == summary.currency;
+    const bool isBefore = group.group < periods.period.first.month();
+    if (isBefore && !isOwn) continue;
+    MovedSums& sums = !isOwn     ? others.try_emplace(currency, currency).first->second
+                      : isBefore ? summary.previous
+                                 : summary.sums;
+    sums.add(group.kind, group.sum, group.transactions);
+  }
+  for (const auto& [currency, sums] : others) summary.otherCurrencies.push_back(sums);
+}
+
+void readCategories(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
+                    std::int64_t largest) {
+  const Money nothing{0, summary.currency};
+  std::map<std::string, PeriodSummary::Category> found;
+  const auto read = [&](const Period& period, Money PeriodSummary::Category::*sum) {
+    for (const auto& [key, expense] :
+         expensesByName(book, book::Names::category, period, summary.currency, largest)) {
+      const PeriodSummary::Category begun{expense.name, nothing, nothing};
+      found.try_emplace(key, begun).first->second.*sum = expense.expense;
+    }
+  };
+  read(periods.period, &PeriodSummary::Category::expense);
+  read(periods.before, &PeriodSummary::Category::previous);
+  for (const auto& [key, category] : found) summary.categories.push_back(category);
+  std::sort(summary.categories.begin(), summary.categories.end(),
+            [](const auto& one, const auto& other) {
+              return std::tie(other.expense.minorUnits, other.previous.minorUnits, one.name) <
+                     std::tie(one.expense.minorUnits, one.previous.minorUnits, other.name);
+            });
+}
+
+void readPayees(PeriodSummary& summary, const Book& book, const Period& period,
+                std::int64_t largest) {
+  for (const auto& [key, payee] :
+       expensesByName(book, book::Names::description, period, summary.currency, largest)) {
+    summary.payees.push_back({payee.name, payee.expense, payee.transactions});
+  }
+  std::sort(summary.payees.begin(), summary.payees.end(), [](const auto& one, const auto& other) {
+    return std::tie(other.expense.minorUnits, one.description) <
+           std::tie(one.expense.minorUnits, other.description);
+  });
+  if (summary.payees.size() > mostPayees) summary.payees.resize(mostPayees);
+}
+
+}  // namespace
+
+void MovedSums::add(Kind kind, const Money& sum, std::int64_t count) {
+  switch (kind) {
+    case Kind::expense:
+      expense += sum;
+      break;
+    case Kind::income:
+      income += sum;
+      break;
+    case Kind::transfer:
+      transfer += sum;
+      break;
+  }
+  transactions += count;
+}
+
+void readPeriods(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
+                 const book::Counted& counted) {
+  readTotals(summary, book, periods, counted.largest);
+  readCategories(summary, book, periods, counted.largest);
+  readPayees(summary, book, periods.period, counted.largest);
+  summary.review = book.reviewCount();
+  summary.ignored = book.ignoredCount();
+  summary.leftOut = counted.leftOut;
+}
+
+std::map<std::string, NamedExpense> expensesByName(const Book& book, book::Names names,
+                                                   const Period& period,
+                                                   const CurrencyCode& currency,
+                                                   std::int64_t largest) {
+  std::map<std::string, NamedExpense> found;
+  for (const auto& group : book.sumsByName(names, period, largest)) {
+    if (group.kind != Kind::expense || group.sum.currency != currency) continue;
+    NamedExpense begun{.name = group.group, .expense = {0, currency}};
+    NamedExpense& named = found.try_emplace(nameKey(group.group), std::move(begun)).first->second;
+    named.expense += group.sum;
+    named.transactions += group.transactions;
+  }
+  return found;
+}
+
+std::string nameKey(std::string name) {
+  for (char& letter : name) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return name;
+}
+
+std::string leftOutNote(const std::vector<std::int64_t>& leftOut) {
+  if (leftOut.empty()) return "";
+  constexpr std::size_t mostIds = 10;
+  std::string ids;
+  for (std::size_t at = 0; at < std::min(leftOut.size(), mostIds); ++at) {
+    ids += (at == 0 ? "" : ", ") + std::to_string(leftOut[at]);
+  }
+  if (leftOut.size() > mostIds) {
+    ids += " and " + std::to_string(leftOut.size() - mostIds) + " more";
+  }
+  return "Left out of the sums, since their amounts are too large or not above zero: " + ids +
+         ". kivo-ledger edit ID --amount corrects one.";
+}
+
+}  // namespace kivo::overview

@@ -1,0 +1,96 @@
+// The figures that the summaries of a month and of a year have in common, from the book.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "book/book.h"
+
+namespace kivo::overview {
+
+/// The sums booked in a period in one currency. A transfer is neither income nor expense.
+struct MovedSums {
+  explicit MovedSums(const money::CurrencyCode& currency)
+      : expense{0, currency}, income{0, currency}, transfer{0, currency} {}
+  /// Adds `sum`, in the same currency, of so many transactions.
+  void add(money::Kind kind, const money::Money& sum, std::int64_t count);
+
+  money::Money expense;
+  money::Money income;
+  money::Money transfer;
+  /// The number of transactions of any kind.
+  std::int64_t transactions = 0;
+};
+
+/// A period, and the one before it with which it is compared.
+struct ComparedPeriods {
+  money::Period period;
+  money::Period before;
+};
+
+/// All sums are in `currency`, but for those of `otherCurrencies`: sums of different currencies are
+/// never added.
+struct PeriodSummary {
+  /// The expenses of a category in this period and in the one before.
+  struct Category {
+    std::string name;
+    money::Money expense;
+    money::Money previous;
+  };
+  struct Payee {
+    std::string description;
+    money::Money expense;
+    std::int64_t transactions = 0;
+  };
+
+  /// Of a book kept in `bookCurrency`; without figures.
+  explicit PeriodSummary(const money::CurrencyCode& bookCurrency)
+      : currency(bookCurrency), sums(bookCurrency), previous(bookCurrency) {}
+
+  money::CurrencyCode currency;
+  MovedSums sums;
+  /// The whole period before, also when this one still runs.
+  MovedSums previous;
+  /// The number of entries that wait in review, of any day.
+  std::int64_t review = 0;
+  /// The number of ignored messages that the book keeps.
+  std::int64_t ignored = 0;
+  /// The largest expense of this period first, then those of the period before alone.
+  std::vector<Category> categories = {};
+  /// The ten with the largest expenses, the largest first.
+  std::vector<Payee> payees = {};
+  /// The sums in each other currency, by code.
+  std::vector<MovedSums> otherCurrencies = {};
+  /// The entries whose amounts no sum counts: their ids, ascending.
+  std::vector<std::int64_t> leftOut = {};
+
+  /// Whether nothing was booked in this period, in any currency.
+  [[nodiscard]] bool isEmpty() const { return sums.transactions == 0 && otherCurrencies.empty(); }
+};
+
+/// Reads the figures of `periods`, of which the book counts `counted`, into `summary`.
+void readPeriods(PeriodSummary& summary, const book::Book& book, const ComparedPeriods& periods,
+                 const book::Counted& counted);
+
+/// The expenses of one name.
+struct NamedExpense {
+  std::string name;
+  money::Money expense;
+  std::int64_t transactions = 0;
+};
+
+/// Returns the expenses of `period` in `currency`, up to `largest` each, by `nameKey`.
+std::map<std::string, NamedExpense> expensesByName(const book::Book& book, book::Names names,
+                                                   const money::Period& period,
+                                                   const money::CurrencyCode& currency,
+                                                   std::int64_t largest);
+
+/// Returns `name` in the form by which the book compares names.
+std::string nameKey(std::string name);
+
+/// Returns sentences that name the entries that are left out, and help; empty when there are none.
+std::string leftOutNote(const std::vector<std::int64_t>& leftOut);
+
+}  // namespace kivo::overview
