@@ -30,7 +30,7 @@ void applyTo(LedgerEntry& entry, const EntryChange& change) {
     entry.date = *change.date;
     entry.impossibleDate.reset();
   }
-  if (change.kind) entry.kind = *change.kind;
+  if (change.kind) setKind(entry, *change.kind);
   if (change.amount) {
     entry.amount = change.amount;
     entry.original = change.original;

@@ -8,6 +8,9 @@ namespace kivo::book {
 // command added, the key alone. Each has the columns of its table, but for the texts of messages:
 // an erased text stays erased. No checks: the rows were in a table that has them.
 //
+// `separated` has the entries of which a person said that they are no halves of one transfer, the
+// lesser id first.
+//
 // Of a rule, `payee` is the folded pattern, by which rules are looked up, and `written` the pattern
 // as it is shown.
 inline constexpr const char* version4 = R"(
@@ -16,6 +19,14 @@ ALTER TABLE transactions ADD COLUMN balance_currency TEXT NOT NULL DEFAULT '';
 ALTER TABLE transactions ADD COLUMN original INTEGER;
 ALTER TABLE transactions ADD COLUMN original_currency TEXT NOT NULL DEFAULT '';
 ALTER TABLE ignored ADD COLUMN taken_by INTEGER;
+ALTER TABLE transactions ADD COLUMN refund INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE transactions ADD COLUMN incoming INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE transactions ADD COLUMN counterpart INTEGER;
+UPDATE transactions SET incoming = 1 WHERE kind = 'income';
+CREATE TABLE separated (
+  number INTEGER PRIMARY KEY AUTOINCREMENT, one INTEGER NOT NULL, other INTEGER NOT NULL,
+  UNIQUE (one, other)
+) STRICT;
 CREATE TABLE rules (
   number INTEGER PRIMARY KEY AUTOINCREMENT,
   payee TEXT NOT NULL UNIQUE, written TEXT NOT NULL, has_wildcard INTEGER NOT NULL,
@@ -39,7 +50,8 @@ CREATE TABLE past_transactions (
   id INTEGER NOT NULL, user TEXT, key TEXT, date TEXT, kind TEXT, minor_units INTEGER,
   currency TEXT, description TEXT, category TEXT, payee TEXT, folded_payee TEXT, account TEXT,
   reference TEXT, state TEXT, edited INTEGER, balance INTEGER, balance_currency TEXT,
-  original INTEGER, original_currency TEXT,
+  original INTEGER, original_currency TEXT, refund INTEGER, incoming INTEGER,
+  counterpart INTEGER,
   PRIMARY KEY (command, id)
 ) STRICT, WITHOUT ROWID;
 CREATE TABLE past_answers (
@@ -55,6 +67,11 @@ CREATE TABLE past_rules (
 CREATE TABLE past_rates (
   command INTEGER NOT NULL, existed INTEGER NOT NULL, currency TEXT NOT NULL, rate TEXT,
   PRIMARY KEY (command, currency)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE past_separated (
+  command INTEGER NOT NULL, existed INTEGER NOT NULL,
+  number INTEGER NOT NULL, one INTEGER, other INTEGER,
+  PRIMARY KEY (command, number)
 ) STRICT, WITHOUT ROWID;
 CREATE TABLE past_categories (
   command INTEGER NOT NULL, existed INTEGER NOT NULL, folded TEXT NOT NULL, name TEXT,

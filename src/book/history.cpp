@@ -23,12 +23,14 @@ struct Noted {
 constexpr Noted transactions{
     "transactions", "past_transactions", "id",
     "id, user, key, date, kind, minor_units, currency, description, category, payee, folded_payee, "
-    "account, reference, state, edited, balance, balance_currency, original, original_currency"};
+    "account, reference, state, edited, balance, balance_currency, original, original_currency, "
+    "refund, incoming, counterpart"};
 constexpr Noted rules{"rules", "past_rules", "number",
                       "number, payee, written, has_wildcard, description, category, kind"};
 constexpr Noted rates{"rates", "past_rates", "currency", "currency, rate"};
 constexpr Noted categories{"categories", "past_categories", "folded", "folded, name"};
-constexpr std::array settings = {rules, rates, categories};
+constexpr Noted separated{"separated", "past_separated", "number", "number, one, other"};
+constexpr std::array settings = {rules, rates, categories, separated};
 
 constexpr std::chrono::days daysKept(30);
 constexpr std::int64_t commandsKept = 1'000;
@@ -163,8 +165,8 @@ bool writeTemplate(sqlite3* database, std::int64_t number, const std::string& ad
 }
 
 void deleteCommand(sqlite3* database, std::int64_t number) {
-  for (const char* const table :
-       {"past_transactions", "past_answers", "past_rules", "past_rates", "past_categories"}) {
+  for (const char* const table : {"past_transactions", "past_answers", "past_rules", "past_rates",
+                                  "past_categories", "past_separated"}) {
     runFor(database, number, std::string("DELETE FROM ") + table + " WHERE command = ?");
   }
   runFor(database, number, "DELETE FROM commands WHERE number = ?");

@@ -5,9 +5,17 @@
 namespace kivo::book {
 
 bool LedgerEntry::readsAs(const LedgerEntry& other) const {
-  return state == other.state && kind == other.kind && amount == other.amount &&
-         description == other.description && category == other.category && payee == other.payee &&
-         account == other.account && reference == other.reference;
+  return state == other.state && kind == other.kind && refund == other.refund &&
+         incoming == other.incoming && amount == other.amount && description == other.description &&
+         category == other.category && payee == other.payee && account == other.account &&
+         reference == other.reference;
+}
+
+void setKind(LedgerEntry& entry, money::Kind kind) {
+  if (entry.kind == kind) return;
+  entry.kind = kind;
+  entry.refund = false;
+  if (kind != money::Kind::transfer) entry.incoming = kind == money::Kind::income;
 }
 
 const char* stateText(LedgerEntry::State state) {

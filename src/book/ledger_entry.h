@@ -28,6 +28,14 @@ struct LedgerEntry {
   std::string userId;
   money::Day date;
   money::Kind kind = money::Kind::expense;
+  /// Of an income: whether it gives back a payment. Else false.
+  bool refund = false;
+  /// Whether the sum came into `account`: of an income true, of an expense false, of a transfer as
+  /// its message says; false when it does not say.
+  bool incoming = false;
+  /// The id of the other half of a transfer between two own accounts of which this is one; absent
+  /// when it has none.
+  std::optional<std::int64_t> counterpart;
   /// Above zero; absent only in review, when the message's sum is ambiguous. Of an entry that is
   /// set aside, any sum, or none.
   std::optional<money::Money> amount;
@@ -58,6 +66,10 @@ struct LedgerEntry {
   /// Returns whether both have the same state and the same of all that a message is read as.
   [[nodiscard]] bool readsAs(const LedgerEntry& other) const;
 };
+
+/// Gives `entry` the kind `kind`. With another kind than before it is no refund, and the direction
+/// is that of the kind; a transfer keeps the one that it had.
+void setKind(LedgerEntry& entry, money::Kind kind);
 
 /// Returns "booked", "review" or "set_aside".
 const char* stateText(LedgerEntry::State state);

@@ -110,7 +110,7 @@ bool give(sqlite3* database, const RuleMembers& members, LedgerEntry& entry) {
   const LedgerEntry before = entry;
   if (members.description) entry.description = *members.description;
   if (members.category) entry.category = spelledCategory(database, *members.category, entry.id);
-  if (members.kind) entry.kind = *members.kind;
+  if (members.kind) setKind(entry, *members.kind);
   return !entry.readsAs(before);
 }
 
@@ -150,7 +150,7 @@ void applyRules(sqlite3* database, LedgerEntry& entry) {
   const RuleMembers members = membersOf(fittingRules(database, payee.text()));
   if (members.description) entry.description = *members.description;
   if (members.category) entry.category = *members.category;
-  if (members.kind) entry.kind = *members.kind;
+  if (members.kind) setKind(entry, *members.kind);
 }
 
 std::vector<Rule> storedRules(sqlite3* database) {

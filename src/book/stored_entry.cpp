@@ -16,7 +16,7 @@ using linux_platform::Statement;
 constexpr const char* columns =
     "id, key, date, kind, minor_units, currency, description, category, payee, account, "
     "reference, state, possible_duplicate_of, text, edited, user, original, original_currency, "
-    "balance, balance_currency";
+    "balance, balance_currency, refund, incoming, counterpart";
 
 // A sum that an entry keeps besides its own; absent when its values cannot be.
 std::optional<money::Money> sumOf(const Statement& row, int column) {
@@ -65,6 +65,9 @@ LedgerEntry entryOf(const Statement& row) {
   entry.userId = row.text(15);
   entry.original = sumOf(row, 16);
   entry.balance = sumOf(row, 18);
+  entry.refund = entry.kind == money::Kind::income && row.integer(20) != 0;
+  entry.incoming = row.integer(21) != 0;
+  if (!row.isNull(22)) entry.counterpart = row.integer(22);
   if (!kind || !impossibleValue(entry).empty()) entry.state = LedgerEntry::State::setAside;
   return entry;
 }
@@ -75,6 +78,11 @@ std::string dateText(const LedgerEntry& entry) {
 
 std::optional<std::int64_t> unitsOf(const LedgerEntry& entry) {
   return entry.amount ? std::optional(entry.amount->minorUnits) : std::nullopt;
+}
+
+// Whether it is a refund, and whether it came in, to two parameters.
+void bindDirection(Statement& statement, const LedgerEntry& entry) {
+  statement.bind(std::int64_t{entry.refund}).bind(std::int64_t{entry.incoming});
 }
 
 std::string currencyText(const LedgerEntry& entry) {
@@ -118,8 +126,8 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
   Statement insertion(database, R"(
     INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
       payee, folded_payee, account, reference, state, original, original_currency,
-      balance, balance_currency, possible_duplicate_of, text)
-    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
+      balance, balance_currency, refund, incoming, counterpart, possible_duplicate_of, text)
+    VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id)");
   const names::PayeeKey payee(entry.payee);
   const std::string date = dateText(entry);
   const std::string currency = currencyText(entry);
@@ -131,7 +139,8 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
   const KeptSum balance(entry.balance);
   original.bindTo(insertion);
   balance.bindTo(insertion);
-  insertion.bindIfPresent(entry.possibleDuplicateOf);
+  bindDirection(insertion, entry);
+  insertion.bindIfPresent(entry.counterpart).bindIfPresent(entry.possibleDuplicateOf);
   if (entry.text) insertion.bind(*entry.text);
   if (!entry.text) insertion.bindIfPresent(std::nullopt);
   if (!next(insertion)) throw BookFailure("a new row has no number");
@@ -143,7 +152,8 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
 void writeEdited(sqlite3* database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
-      category = ?, state = ?, original = ?, original_currency = ?, edited = 1 WHERE id = ?)");
+      category = ?, state = ?, original = ?, original_currency = ?, refund = ?, incoming = ?,
+      edited = 1 WHERE id = ?)");
   const std::string date = dateText(entry);
   const std::string currency = currencyText(entry);
   update.bind(date).bind(kindText(entry.kind));
@@ -151,14 +161,17 @@ void writeEdited(sqlite3* database, const LedgerEntry& entry) {
   update.bind(entry.description).bind(entry.category).bind(stateText(entry.state));
   const KeptSum original(entry.original);
   original.bindTo(update);
+  bindDirection(update, entry);
   run(update.bind(entry.id));
 }
 
 void writeRuled(sqlite3* database, const LedgerEntry& entry) {
-  Statement update(database,
-                   "UPDATE transactions SET description = ?, category = ?, kind = ? WHERE id = ?");
-  update.bind(entry.description).bind(entry.category).bind(kindText(entry.kind)).bind(entry.id);
-  run(update);
+  Statement update(database, R"(
+    UPDATE transactions SET description = ?, category = ?, kind = ?, refund = ?, incoming = ?
+    WHERE id = ?)");
+  update.bind(entry.description).bind(entry.category).bind(kindText(entry.kind));
+  bindDirection(update, entry);
+  run(update.bind(entry.id));
 }
 
 void writeBookedSum(sqlite3* database, std::int64_t id, const money::Money& amount,
@@ -177,7 +190,8 @@ bool writeBooked(sqlite3* database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
       payee = ?, folded_payee = ?, account = ?, reference = ?, original = ?,
-      original_currency = ?, balance = ?, balance_currency = ?, state = 'booked'
+      original_currency = ?, balance = ?, balance_currency = ?, refund = ?, incoming = ?,
+      state = 'booked'
     WHERE id = ? AND state IN ('booked', 'review') AND edited = 0 RETURNING id)");
   const names::PayeeKey payee(entry.payee);
   const std::string currency = currencyText(entry);
@@ -189,6 +203,7 @@ bool writeBooked(sqlite3* database, const LedgerEntry& entry) {
   const KeptSum balance(entry.balance);
   original.bindTo(update);
   balance.bindTo(update);
+  bindDirection(update, entry);
   if (!next(update.bind(entry.id))) return false;
   run(update);
   return true;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "recognition/movements.h"
+
 namespace kivo::recognition {
 
 using money::Kind;
@@ -84,6 +86,33 @@ std::string ownAccount(const AnalysedMessage& message, Kind kind) {
     }
   }
   return {};
+}
+
+bool reachesAccount(const AnalysedMessage& message, const std::string& account,
+                    const Wordings& wordings) {
+  const Items& items = message.items;
+  const auto leaves = [&](const Found& wording) {
+    const bool isSide = wording.is(Marker::own) || wording.is(Marker::from);
+    if (!isSide || digitsBehind(items, wording.end) != account) return false;
+    std::size_t at = wording.begin;
+    if (at > 0 && items[at - 1].text == "your") --at;  // "from your account XX8801"
+    return items[wording.begin].text == "from" || (at > 0 && items[at - 1].text == "from");
+  };
+  if (!account.empty() && std::ranges::any_of(message.wordings, leaves)) return false;
+  // Also within a longer wording: "payment has been credited to your credit card".
+  const auto says = [&](Move move) {
+    if (holds(message.wordings, move)) return true;
+    return std::ranges::any_of(message.wordings, [&](const Found& wording) {
+      const Move* const meant = wording.as<Move>();
+      if (meant == nullptr || movementOf(*meant).kind != Kind::transfer) return false;
+      for (std::size_t end = wording.begin + 1; end <= wording.end; ++end) {
+        if (wordings.anyEndsAt(items, end, move)) return true;
+      }
+      return false;
+    });
+  };
+  if (says(Move::debited) || says(Move::sent) || says(Move::withdrew)) return false;
+  return says(Move::credited) || says(Move::received);
 }
 
 std::string referenceIn(const AnalysedMessage& message) {

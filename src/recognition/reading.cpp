@@ -75,7 +75,7 @@ Reading unexplained(const Sum& sum, const CurrencyCode& bookCurrency) {
 // The transaction that the message reports by `movement`; one of `sums` moved. The caller decides
 // whether it needs a review.
 Reading details(const AnalysedMessage& message, const SumParts& sums, const Movement& movement,
-                const CurrencyCode& bookCurrency) {
+                const Wordings& wordings, const CurrencyCode& bookCurrency) {
   const Movement& naming = namingMovement(message.wordings, movement);
   Reading reading{.outcome = Outcome::transaction, .kind = movement.kind};
   reading.amount = moneyOf(message.items[*sums.moved].sum, bookCurrency);
@@ -90,6 +90,9 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
     if (!purpose.category.empty()) reading.category = purpose.category;
   }
   reading.account = ownAccount(message, movement.kind);
+  reading.refund = movement.move == Move::refund;
+  reading.incoming = movement.kind == Kind::income ||
+                     (!other && reachesAccount(message, reading.account, wordings));
   reading.reference = referenceIn(message);
   return reading;
 }
@@ -111,7 +114,7 @@ Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
     return complete ? unexplained(reported.items[*sums.moved].sum, bookCurrency) : Reading();
   }
 
-  Reading reading = details(reported, sums, *movement, bookCurrency);
+  Reading reading = details(reported, sums, *movement, wordings, bookCurrency);
   const bool own = reading.amount && reading.amount->currency == bookCurrency;
   const bool evidence = showsEvidence(reported);
   const bool weak = movement->strength <= Strength::noun;

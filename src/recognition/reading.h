@@ -38,6 +38,11 @@ struct Reading {
   bool holdsSum = false;
   /// The direction of the movement; for `needsReview` the likelier one.
   money::Kind kind = money::Kind::expense;
+  /// Of an income: whether it gives back a payment. Else false.
+  bool refund = false;
+  /// Whether the sum came into `account`: of an income true, of an expense false, of a transfer as
+  /// the message says; false when it does not say.
+  bool incoming = false;
   /// The sum that moved, above zero, in its own currency. Always present for `transaction`; absent
   /// for `needsReview` when no sum could be chosen.
   std::optional<money::Money> amount = {};

@@ -34,6 +34,9 @@ BookReading readingFor(const book::Book& book, const MessageReader& read, const 
 void apply(const BookReading& read, LedgerEntry& entry) {
   const Reading& reading = read.reading;
   entry.kind = reading.kind;
+  entry.refund = reading.kind == money::Kind::income && reading.refund;
+  entry.incoming = reading.kind == money::Kind::income ||
+                   (reading.kind == money::Kind::transfer && reading.incoming);
   entry.amount = reading.amount && isBookable(*reading.amount) ? reading.amount : std::nullopt;
   entry.original = read.original;
   entry.balance = reading.balance;

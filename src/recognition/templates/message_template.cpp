@@ -37,6 +37,8 @@ Reading readingAs(Kind kind, const std::optional<Money>& amount, std::string_vie
   reading.payee = shownPayee(payee);
   reading.description = reading.payee.empty() ? descriptionOf(kind) : reading.payee;
   reading.category = categoryOf(kind, reading.payee, rules);
+  reading.refund = kind == Kind::income && rules.refund;
+  reading.incoming = kind == Kind::income || (kind == Kind::transfer && rules.incoming);
   reading.account = rules.account;
   reading.reference = rules.reference;
   reading.balance = rules.balance;

@@ -33,12 +33,13 @@ struct MessageTemplate {
 };
 
 /// Returns the reading of a message as a movement of this kind and sum, with `payee` as the other
-/// party, for review. Account, reference and balance come from `rules`, the reading by the rules.
+/// party, for review. Account, reference, balance, and what the kind leaves open of `refund` and
+/// `incoming`, come from `rules`, the reading by the rules.
 Reading readingAs(money::Kind kind, const std::optional<money::Money>& amount,
                   std::string_view payee, const Reading& rules);
 
 /// Returns the reading of a message that the pattern of `taught` matched as `fit`, for a book in
-/// `bookCurrency`. Account, reference and balance come from `rules`, the reading by the rules. The
+/// `bookCurrency`. `rules`, the reading by the rules, gives the same as for `readingAs`. The
 /// outcome is `needsReview` with the sum when that is in another currency, and without a sum when
 /// the amount or the match are ambiguous; `notATransaction` when the sum is zero.
 Reading readingBy(const MessageTemplate& taught, const PatternFit& fit, const Reading& rules,

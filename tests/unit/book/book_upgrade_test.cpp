@@ -54,6 +54,14 @@ TEST_F(AFirstBook, KeepsItsEntriesAnswersRatesAndIds) {
   EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "4\n");
 }
 
+TEST_F(AFirstBook, GivesItsIncomesTheirDirection) {
+  make(firstBookRow("KEY-1") + firstBookRow("KEY-2", "100", "2026-11-21", "income"));
+  const Book book = open();
+  EXPECT_FALSE(book.entry(1)->incoming);
+  EXPECT_TRUE(book.entry(2)->incoming);
+  EXPECT_FALSE(book.entry(2)->refund);
+}
+
 TEST_F(AFirstBook, SetsAsideRowsWhoseValuesCannotBe) {
   make(firstBookRow("sound") + firstBookRow("date", "100", "2026-11") +
        firstBookRow("day", "100", "2026-02-30") + firstBookRow("blank", "100", "2026-11-21 ") +
