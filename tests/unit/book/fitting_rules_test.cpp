@@ -31,8 +31,8 @@ TEST(FittingRules, GiveEachMemberOfTheFirstThatHasIt) {
       rule(3, "town gas", {.category = "Gas"}),
       rule(2, "town*", {.description = "Town", .category = "Utilities"}),
       rule(1, "*n*", {.description = "All", .kind = Kind::transfer})};
-  const RuleMembers all{.description = "Town", .category = "Gas", .kind = Kind::transfer};
-  EXPECT_EQ(membersOf(rules), all);
+  const RuleMembers together{.description = "Town", .category = "Gas", .kind = Kind::transfer};
+  EXPECT_EQ(membersOf(rules), together);
   EXPECT_EQ(membersOf({}), RuleMembers());
 }
 

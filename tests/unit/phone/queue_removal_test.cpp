@@ -80,13 +80,13 @@ TEST_F(ARemoval, LeavesAnUnreadableQueueUnchanged) {
 }
 
 TEST_F(ARemoval, IsRefusedWhileADrainHoldsTheLock) {
-  const double now = platform::secondsSince1970(platform::Date::now());
-  phone.put(StoreKeys::smsQueueDrainLock, now - 29);
+  const double present = platform::secondsSince1970(platform::Date::now());
+  phone.put(StoreKeys::smsQueueDrainLock, present - 29);
   EXPECT_EQ(remove(queuedItem("A"), 0), Outcome::busy);
   EXPECT_THAT(queued(), ElementsAre("A:0", "B:2", "C:0"));
-  EXPECT_EQ(phone.number(StoreKeys::smsQueueDrainLock), now - 29);
+  EXPECT_EQ(phone.number(StoreKeys::smsQueueDrainLock), present - 29);
 
-  phone.put(StoreKeys::smsQueueDrainLock, now - 30);
+  phone.put(StoreKeys::smsQueueDrainLock, present - 30);
   EXPECT_EQ(remove(queuedItem("A"), 0), Outcome::removed);
 }
 
