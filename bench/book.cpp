@@ -30,10 +30,11 @@ void fill(const testkit::PrivateFolders& folders, std::int64_t count) {
           last +
           ") SELECT n FROM counting;"
           R"(
-    INSERT INTO transactions SELECT NULL, 'user', 'KEY-' || n, date('2026-11-21', (-n / 55) || ' days'),
+    INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
+      payee, folded_payee, account, reference, state, text) SELECT 'user', 'KEY-' || n, date('2026-11-21', (-n / 55) || ' days'),
       'expense', 1000 + n * 7919 % 90000, 'EGP', 'Payee ' || (n % 200), 'Groceries', 'Payee ' || (n % 200),
-      'payee ' || (n % 200), '4821', CASE n % 3 WHEN 0 THEN 'REF' || n ELSE '' END, 'booked', NULL,
-      'Your card ending 4821 was charged EGP 150.00 at Payee ' || (n % 200) || ' on 21-11-2026.', 0, NULL, '', NULL, ''
+      'payee ' || (n % 200), '4821', CASE n % 3 WHEN 0 THEN 'REF' || n ELSE '' END, 'booked',
+      'Your card ending 4821 was charged EGP 150.00 at Payee ' || (n % 200) || ' on 21-11-2026.'
       FROM numbers;
     INSERT INTO answers SELECT user, key, '{"saved":true,"transaction_type":"expense","expense":' ||
       '{"id":"' || id || '","description":"Payee","amount":150.0,"category":"Groceries",' ||

@@ -12,6 +12,8 @@
 #include "book/history.h"
 #include "book/ignored_messages.h"
 #include "book/look_alikes.h"
+#include "book/pairs.h"
+#include "book/refund_category.h"
 #include "book/rules.h"
 #include "book/stored_entry.h"
 #include "platform/linux/store/replaced_text.h"
@@ -36,6 +38,7 @@ void applyTo(LedgerEntry& entry, const EntryChange& change) {
     entry.original = change.original;
     entry.impossibleCurrency.reset();
   }
+  if (change.refund) entry.refund = *change.refund && entry.kind == money::Kind::income;
   if (change.description) entry.description = *change.description;
 }
 
@@ -123,6 +126,7 @@ std::vector<PastCommand> Book::undo(std::int64_t count) {
       if (last.empty()) break;
       const std::int64_t number = last.front().number;
       takeBack(file_->database, number);
+      repairHalvesAfter(file_->database, number);
       markAlikeAgainAfter(file_->database, number);
       deleteCommand(file_->database, number);
       undone.push_back(last.front());
@@ -158,8 +162,12 @@ std::vector<RecordedMessage> Book::recordedMessages(const std::string& userId,
 }
 
 LedgerEntry Book::fitted(LedgerEntry entry) const {
+  if (entry.refund && entry.category == "Refund") {
+    entry.category = refundCategory(file_->database, entry);
+  }
   applyRules(file_->database, entry);
   entry.category = spelledCategory(file_->database, entry.category, entry.id);
+  if (!entry.counterpart) entry.counterpart = otherHalf(file_->database, entry);
   entry.possibleDuplicateOf = firstAlike(file_->database, entry);
   return entry;
 }
@@ -168,6 +176,7 @@ std::int64_t Book::add(const LedgerEntry& entry) {
   keepCategory(file_->database, file_->notes, entry.category);
   const std::int64_t id = insertEntry(file_->database, entry);
   file_->notes.addedTransaction(id);
+  if (entry.counterpart) join(file_->database, file_->notes, id, *entry.counterpart);
   return id;
 }
 
@@ -243,15 +252,20 @@ bool Book::edit(std::int64_t id, const EntryChange& change) {
     auto edited = entry(id);
     found = edited.has_value();
     if (!found) return;
+    const bool wasRefund = edited->refund;
     applyTo(*edited, change);
-    if (change.category)
-      edited->category = keepCategory(file_->database, file_->notes, *change.category, id);
+    auto category = change.category;
+    if (!category && edited->refund && !wasRefund) {
+      category = refundCategory(file_->database, *edited);
+    }
+    if (category) edited->category = keepCategory(file_->database, file_->notes, *category, id);
     const bool corrected =
         edited->state == LedgerEntry::State::setAside && impossibleValue(*edited).empty();
     if (corrected) edited->state = LedgerEntry::State::review;
     file_->notes.transaction(id);
     writeEdited(file_->database, *edited);
     markAlikeAgain(file_->database, id);
+    partUnfit(file_->database, file_->notes, id);
   });
   return found;
 }
@@ -262,6 +276,7 @@ void Book::bookWith(std::int64_t id, const money::Money& amount,
     file_->notes.transaction(id);
     writeBookedSum(file_->database, id, amount, original);
     markAlikeAgain(file_->database, id);
+    pairAgain(file_->database, file_->notes, id);
   });
 }
 
@@ -273,7 +288,9 @@ bool Book::bookAs(const LedgerEntry& entry) {
     kept.category = keepCategory(file_->database, file_->notes, entry.category, entry.id);
     file_->notes.transaction(entry.id);
     isWritten = writeBooked(file_->database, kept);
-    if (isWritten) markAlikeAgain(file_->database, entry.id);
+    if (!isWritten) return;
+    markAlikeAgain(file_->database, entry.id);
+    pairAgain(file_->database, file_->notes, entry.id);
   });
   return isWritten;
 }
@@ -285,12 +302,27 @@ bool Book::remove(std::int64_t id) {
     found = removed.has_value();
     if (!found) return;
     file_->notes.transaction(id);
+    freeOtherHalf(file_->database, file_->notes, id);
     Statement removal(file_->database, "DELETE FROM transactions WHERE id = ?");
     run(removal.bind(id));
     deleteTaken(file_->database, removed->userId, removed->key);
     markAlikeAgain(file_->database, id);
     oweErasure();
   });
+  return found;
+}
+
+std::vector<LikelyPair> Book::likelyPairs() const { return book::likelyPairs(file_->database); }
+
+bool Book::pair(std::int64_t one, std::int64_t other) {
+  bool found = false;
+  inOneStep([&] { found = pairEntries(file_->database, file_->notes, one, other); });
+  return found;
+}
+
+bool Book::unpair(std::int64_t one, std::int64_t other) {
+  bool found = false;
+  inOneStep([&] { found = unpairEntries(file_->database, file_->notes, one, other); });
   return found;
 }
 

@@ -45,13 +45,27 @@ struct EntryFilter {
 /// group.
 enum class Names { category, description };
 
-/// The sum of the booked transactions of one group, one kind and one currency.
+/// The sum of the booked transactions of one group, one kind and one currency. Refunds are among
+/// the expenses, and lessen their sum, which may be below zero. Both halves of a transfer between
+/// own accounts are transfers, and the one that came in adds nothing to the sum.
 template <typename Group>
 struct GroupSum {
   Group group;
   money::Kind kind = money::Kind::expense;
   money::Money sum;
   std::int64_t transactions = 0;
+  /// Of expenses: the sum of the refunds, by which `sum` is lessened, and their number, which is
+  /// part of `transactions`.
+  money::Money refunded;
+  std::int64_t refunds = 0;
+};
+
+/// Two entries that look like one transfer between own accounts.
+struct LikelyPair {
+  std::int64_t outgoing = 0;
+  std::int64_t incoming = 0;
+
+  bool operator==(const LikelyPair&) const = default;
 };
 
 /// The booked entries of a period that its sums count.
@@ -67,6 +81,10 @@ struct Counted {
 struct EntryChange {
   std::optional<money::Day> date = {};
   std::optional<money::Kind> kind = {};
+  /// Whether it gives back a payment; has no effect unless it is an income. One that becomes a
+  /// refund gets the category of the last payment to its payee, else "Refund", unless `category` is
+  /// given.
+  std::optional<bool> refund = {};
   std::optional<money::Money> amount = {};
   /// The sum from which `amount` was converted; absent when it was not.
   std::optional<money::Money> original = {};
@@ -125,9 +143,12 @@ class Book {
                                                               const std::string& exceptKeys) const;
 
   /// Returns `entry`, which may be new, as the book would have it: with the user's rules for
-  /// its payee, the category as the book spells it, and the entry that it looks like.
+  /// its payee, the category as the book spells it, the other half of the transfer, when that has
+  /// the same reference, and the entry that it looks like. A refund of the category "Refund" gets
+  /// that of the last payment to its payee.
   [[nodiscard]] LedgerEntry fitted(LedgerEntry entry) const;
-  /// Stores `entry`, a new one that was `fitted` in the same step, and returns its id.
+  /// Stores `entry`, a new one that was `fitted` in the same step, and returns its id. Its other
+  /// half gets it as the other half.
   std::int64_t add(const LedgerEntry& entry);
 
   /// Returns the entries that match `filter`, newest first.
@@ -166,7 +187,8 @@ class Book {
 
   /// Changes the entry `id`; returns false when no entry has this id. A category gets the spelling
   /// that the book has for it. An entry that was set aside goes to review when all its values can
-  /// be. Look-alikes are looked for again.
+  /// be. Look-alikes are looked for again. An entry that does not fit its other half any more is
+  /// parted from it, as after every change.
   bool edit(std::int64_t id, const EntryChange& change);
   /// Books the entry `id` with the sum `amount`, which was converted from `original`.
   void bookWith(std::int64_t id, const money::Money& amount,
@@ -176,8 +198,19 @@ class Book {
   bool bookAs(const LedgerEntry& entry);
   /// Deletes the entry `id` and erases its text from the file; returns false when no entry has this
   /// id. The answer to its key stays. Entries that were marked as its duplicates become duplicates
-  /// of the first of them.
+  /// of the first of them, and its other half has none any more.
   bool remove(std::int64_t id);
+  /// Returns the booked entries that look like the halves of transfers between own accounts: of the
+  /// same sum, two accounts and opposite directions, two days apart at most. Leaves out refunds,
+  /// entries that have an other half, and pairs that `unpair` parted. Each entry is in one pair at
+  /// most; the newest come first.
+  [[nodiscard]] std::vector<LikelyPair> likelyPairs() const;
+  /// Joins two entries that `fitTogether` and have no other half; returns false when they are not
+  /// such entries.
+  bool pair(std::int64_t one, std::int64_t other);
+  /// Parts two halves, or has two entries that no half joins never offered as one; returns false
+  /// when one does not exist or has another half, and when this was said before.
+  bool unpair(std::int64_t one, std::int64_t other);
   /// Erases the texts of all messages from the file, and with them the ignored messages.
   ForgottenTexts forgetTexts();
 

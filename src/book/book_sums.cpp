@@ -16,11 +16,18 @@ using linux_platform::Statement;
 template <typename GroupOf>
 auto sumsBy(sqlite3* database, const std::string& expression, const SumScope& scope,
             GroupOf groupOf) {
-  const std::string sql = "SELECT min(" + expression +
-                          "), kind, sum(minor_units), currency, count(*) FROM transactions "
-                          "WHERE state = 'booked' AND date BETWEEN ? AND ? AND "
-                          "minor_units BETWEEN 1 AND ? GROUP BY " +
-                          expression + " COLLATE NOCASE, kind, currency";
+  const std::string sql = "SELECT min(" + expression + R"(), counts_as,
+      sum(CASE WHEN is_second THEN 0 WHEN is_refund THEN -minor_units ELSE minor_units END),
+      currency, count(*), sum(CASE WHEN is_refund THEN minor_units ELSE 0 END), sum(is_refund)
+    FROM (
+      SELECT *, counterpart IS NOT NULL AND incoming AS is_second,
+        counterpart IS NULL AND refund AND kind = 'income' AS is_refund,
+        CASE WHEN counterpart IS NOT NULL THEN 'transfer'
+          WHEN refund AND kind = 'income' THEN 'expense' ELSE kind END AS counts_as
+      FROM transactions
+      WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?)
+    GROUP BY )" + expression +
+                          " COLLATE NOCASE, counts_as, currency";
   Statement query(database, sql.c_str());
   const std::string first = scope.period.first.text();
   const std::string last = scope.period.last.text();
@@ -35,7 +42,9 @@ auto sumsBy(sqlite3* database, const std::string& expression, const SumScope& sc
     found.push_back({.group = *group,
                      .kind = *kind,
                      .sum = {query.integer(2), *currency},
-                     .transactions = query.integer(4)});
+                     .transactions = query.integer(4),
+                     .refunded = {query.integer(5), *currency},
+                     .refunds = query.integer(6)});
   }
   return found;
 }

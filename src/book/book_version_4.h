@@ -23,6 +23,9 @@ ALTER TABLE transactions ADD COLUMN refund INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE transactions ADD COLUMN incoming INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE transactions ADD COLUMN counterpart INTEGER;
 UPDATE transactions SET incoming = 1 WHERE kind = 'income';
+CREATE INDEX transactions_by_counterpart ON transactions (counterpart)
+  WHERE counterpart IS NOT NULL;
+CREATE INDEX transactions_by_payee ON transactions (folded_payee, date) WHERE folded_payee <> '';
 CREATE TABLE separated (
   number INTEGER PRIMARY KEY AUTOINCREMENT, one INTEGER NOT NULL, other INTEGER NOT NULL,
   UNIQUE (one, other)

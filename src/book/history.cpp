@@ -123,6 +123,16 @@ void ChangeNotes::rule(std::int64_t number) {
   if (command_) noteRow(database_, rules, *command_, number);
 }
 
+void ChangeNotes::addedSeparation(std::int64_t number) {
+  any_ = true;
+  if (command_) noteAbsence(database_, separated, *command_, number);
+}
+
+void ChangeNotes::separation(std::int64_t number) {
+  any_ = true;
+  if (command_) noteRow(database_, separated, *command_, number);
+}
+
 void ChangeNotes::rate(const std::string& currency) {
   any_ = true;
   if (command_) noteRow(database_, rates, *command_, currency);

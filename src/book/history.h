@@ -33,6 +33,9 @@ class ChangeNotes {
   void addedRule(std::int64_t number);
   void rule(std::int64_t number);
   void rate(const std::string& currency);
+  /// Of two entries that a person parted.
+  void addedSeparation(std::int64_t number);
+  void separation(std::int64_t number);
   void category(const std::string& folded);
   /// Of an answer that is added.
   void answer(const std::string& userId, const std::string& key);

@@ -18,6 +18,17 @@ void setKind(LedgerEntry& entry, money::Kind kind) {
   if (kind != money::Kind::transfer) entry.incoming = kind == money::Kind::income;
 }
 
+bool fitTogether(const LedgerEntry& one, const LedgerEntry& other) {
+  const auto canBe = [](const LedgerEntry& entry) {
+    return entry.state == LedgerEntry::State::booked && entry.amount && !entry.refund;
+  };
+  return canBe(one) && canBe(other) && one.amount == other.amount && one.incoming != other.incoming;
+}
+
+const char* kindWord(const LedgerEntry& entry) {
+  return entry.refund ? "refund" : kindText(entry.kind);
+}
+
 const char* stateText(LedgerEntry::State state) {
   switch (state) {
     case LedgerEntry::State::booked:

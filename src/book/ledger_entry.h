@@ -71,6 +71,13 @@ struct LedgerEntry {
 /// is that of the kind; a transfer keeps the one that it had.
 void setKind(LedgerEntry& entry, money::Kind kind);
 
+/// Whether both are booked, and may be the halves of one transfer between own accounts: of the same
+/// sum and opposite directions, and no refunds.
+bool fitTogether(const LedgerEntry& one, const LedgerEntry& other);
+
+/// Returns "refund" for a refund, else the name of the kind.
+const char* kindWord(const LedgerEntry& entry);
+
 /// Returns "booked", "review" or "set_aside".
 const char* stateText(LedgerEntry::State state);
 /// Returns the state of that name; absent for another text.

@@ -11,19 +11,21 @@ namespace {
 using linux_platform::Statement;
 
 // The first of the entries that the row `this` looks like. Two searches that stop at their first
-// rows, since a bank's whole life may have one payee and one sum.
+// rows, since a bank's whole life may have one payee and one sum. The halves of a transfer are not
+// alike.
 constexpr const char* firstAlikeOfThis = R"(
   (SELECT min(id) FROM (
     SELECT * FROM (
       SELECT id FROM transactions
       WHERE date = this.date AND minor_units = this.minor_units AND
         folded_payee = this.folded_payee AND currency = this.currency AND kind = this.kind AND
-        user = this.user AND id < this.id
+        user = this.user AND id < this.id AND id IS NOT this.counterpart
       ORDER BY id LIMIT 1)
     UNION ALL
     SELECT * FROM (
       SELECT id FROM transactions
-      WHERE reference = this.reference AND reference <> '' AND user = this.user AND id < this.id
+      WHERE reference = this.reference AND reference <> '' AND user = this.user AND
+        id < this.id AND id IS NOT this.counterpart
       ORDER BY id LIMIT 1))))";
 
 // `changed` is a query with the parameter `value` for the ids of transactions that were changed or
@@ -42,6 +44,12 @@ void markAgain(sqlite3* database, const std::string& changed, std::int64_t value
         ON later.date = changed.date AND later.minor_units = changed.minor_units AND
           later.folded_payee = changed.folded_payee AND later.id > changed.id
       WHERE changed.id IN )" +
+                          changed + R"(
+      UNION ALL
+      SELECT later.id FROM transactions AS changed JOIN transactions AS later
+        ON later.reference = changed.reference AND later.reference <> '' AND
+          later.id > changed.id
+      WHERE changed.id IN )" +
                           changed + ")";
   Statement update(database, sql.c_str());
   run(update.bind(value));
@@ -51,8 +59,8 @@ void markAgain(sqlite3* database, const std::string& changed, std::int64_t value
 
 std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& entry) {
   const std::string sql = std::string(R"(
-    WITH this (id, user, date, minor_units, currency, kind, folded_payee, reference) AS
-      (VALUES (?, ?, ?, ?, ?, ?, ?, ?))
+    WITH this (id, user, date, minor_units, currency, kind, folded_payee, reference, counterpart) AS
+      (VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?))
     SELECT )") + firstAlikeOfThis +
                           " FROM this";
   const names::PayeeKey payee(entry.payee);
@@ -65,6 +73,7 @@ std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& ent
   const std::string currency = entry.amount ? entry.amount->currency.text() : "";
   query.bind(currency);
   query.bind(kindText(entry.kind)).bind(payee.text()).bind(entry.reference);
+  query.bindIfPresent(entry.counterpart);
   if (!next(query) || query.isNull(0)) return std::nullopt;
   return query.integer(0);
 }

@@ -8,6 +8,7 @@
 #include "book/fitting_rules.h"
 #include "book/history.h"
 #include "book/look_alikes.h"
+#include "book/pairs.h"
 #include "book/stored_entry.h"
 #include "names/payee_key.h"
 #include "platform/foundation/utf8.h"
@@ -204,6 +205,7 @@ EarlierEntries changeEarlier(sqlite3* database, ChangeNotes& notes, const KeptRu
     notes.transaction(entry.id);
     writeRuled(database, entry);
     markAlikeAgain(database, entry.id);
+    partUnfit(database, notes, entry.id);
   }
   return idsOf(changed);
 }

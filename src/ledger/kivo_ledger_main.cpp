@@ -17,6 +17,7 @@
 #include "ledger/commands/import_command.h"
 #include "ledger/commands/listing_commands.h"
 #include "ledger/commands/overview_commands.h"
+#include "ledger/commands/pair_commands.h"
 #include "ledger/commands/rate_command.h"
 #include "ledger/commands/rule_commands.h"
 #include "ledger/commands/teach_command.h"
@@ -78,7 +79,8 @@ struct Heading {
 
 std::vector<Heading> headings() {
   return {{"Look", {"list", "review", "ignored", "show", "summary", "report", "history"}},
-          {"Correct", {"add", "edit", "accept", "book", "delete", "forget-texts", "undo"}},
+          {"Correct",
+           {"add", "edit", "accept", "book", "pair", "unpair", "delete", "forget-texts", "undo"}},
           {"Teach", {"teach", "rules", "rate"}},
           {"Old and other data", {"import", "export", "backup", "restore"}},
           {"Service", {"serve"}}};
@@ -111,6 +113,7 @@ linux_platform::CommandProgram program() {
   made.commands.push_back(importCommand());
   made.commands.push_back(editCommand());
   for (Command& command : editingCommands()) made.commands.push_back(std::move(command));
+  for (Command& command : pairCommands()) made.commands.push_back(std::move(command));
   for (Command& command : historyCommands()) made.commands.push_back(std::move(command));
   for (Command& command : ruleCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(rateCommand());

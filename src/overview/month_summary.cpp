@@ -17,11 +17,13 @@ namespace {
 void readToday(MonthSummary& summary, const Book& book, std::int64_t largest) {
   const money::Day date = currentDay();
   if (date.month() != summary.month) return;
-  TodaysExpenses& today = summary.today.emplace(TodaysExpenses{date, {0, summary.currency}});
+  TodaysExpenses& today =
+      summary.today.emplace(TodaysExpenses{date, {0, summary.currency}, {0, summary.currency}});
   for (const auto& group : book.sumsByDay({date, date}, largest)) {
     if (group.kind != Kind::expense || group.sum.currency != summary.currency) continue;
     today.expense += group.sum;
-    today.expenses += group.transactions;
+    today.expenses += group.transactions - group.refunds;
+    today.refunded += group.refunded;
   }
 }
 

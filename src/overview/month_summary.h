@@ -9,10 +9,11 @@
 
 namespace kivo::overview {
 
-/// The expenses of the current day.
+/// The expenses of the current day, less its refunds, and their number.
 struct TodaysExpenses {
   money::Day date;
   money::Money expense;
+  money::Money refunded;
   std::int64_t expenses = 0;
 };
 

@@ -27,7 +27,7 @@ void readTotals(PeriodSummary& summary, const Book& book, const ComparedPeriods&
     MovedSums& sums = !isOwn     ? others.try_emplace(currency, currency).first->second
                       : isBefore ? summary.previous
                                  : summary.sums;
-    sums.add(group.kind, group.sum, group.transactions);
+    sums.add(group);
   }
   for (const auto& [currency, sums] : others) summary.otherCurrencies.push_back(sums);
 }
@@ -39,8 +39,10 @@ void readCategories(PeriodSummary& summary, const Book& book, const ComparedPeri
   const auto read = [&](const Period& period, Money PeriodSummary::Category::*sum) {
     for (const auto& [key, expense] :
          expensesByName(book, book::Names::category, period, summary.currency, largest)) {
-      const PeriodSummary::Category begun{expense.name, nothing, nothing};
-      found.try_emplace(key, begun).first->second.*sum = expense.expense;
+      const PeriodSummary::Category begun{expense.name, nothing, nothing, nothing};
+      auto& category = found.try_emplace(key, begun).first->second;
+      category.*sum = expense.expense;
+      if (sum == &PeriodSummary::Category::expense) category.refunded = expense.refunded;
     }
   };
   read(periods.period, &PeriodSummary::Category::expense);
@@ -57,7 +59,7 @@ void readPayees(PeriodSummary& summary, const Book& book, const Period& period,
                 std::int64_t largest) {
   for (const auto& [key, payee] :
        expensesByName(book, book::Names::description, period, summary.currency, largest)) {
-    summary.payees.push_back({payee.name, payee.expense, payee.transactions});
+    summary.payees.push_back({payee.name, payee.expense, payee.transactions, payee.refunded});
   }
   std::sort(summary.payees.begin(), summary.payees.end(), [](const auto& one, const auto& other) {
     return std::tie(other.expense.minorUnits, one.description) <
@@ -68,19 +70,9 @@ void readPayees(PeriodSummary& summary, const Book& book, const Period& period,
 
 }  // namespace
 
-void MovedSums::add(Kind kind, const Money& sum, std::int64_t count) {
-  switch (kind) {
-    case Kind::expense:
-      expense += sum;
-      break;
-    case Kind::income:
-      income += sum;
-      break;
-    case Kind::transfer:
-      transfer += sum;
-      break;
-  }
-  transactions += count;
+Money& MovedSums::sumOf(Kind kind) {
+  if (kind == Kind::expense) return expense;
+  return kind == Kind::income ? income : transfer;
 }
 
 void readPeriods(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
@@ -100,10 +92,11 @@ std::map<std::string, NamedExpense> expensesByName(const Book& book, book::Names
   std::map<std::string, NamedExpense> found;
   for (const auto& group : book.sumsByName(names, period, largest)) {
     if (group.kind != Kind::expense || group.sum.currency != currency) continue;
-    NamedExpense begun{.name = group.group, .expense = {0, currency}};
+    NamedExpense begun{.name = group.group, .expense = {0, currency}, .refunded = {0, currency}};
     NamedExpense& named = found.try_emplace(nameKey(group.group), std::move(begun)).first->second;
     named.expense += group.sum;
     named.transactions += group.transactions;
+    named.refunded += group.refunded;
   }
   return found;
 }

@@ -13,15 +13,26 @@ namespace kivo::overview {
 /// The sums booked in a period in one currency. A transfer is neither income nor expense.
 struct MovedSums {
   explicit MovedSums(const money::CurrencyCode& currency)
-      : expense{0, currency}, income{0, currency}, transfer{0, currency} {}
-  /// Adds `sum`, in the same currency, of so many transactions.
-  void add(money::Kind kind, const money::Money& sum, std::int64_t count);
+      : expense{0, currency}, income{0, currency}, transfer{0, currency}, refunded{0, currency} {}
+  /// Adds the sums of a group in the same currency.
+  template <typename Group>
+  void add(const book::GroupSum<Group>& group) {
+    sumOf(group.kind) += group.sum;
+    refunded += group.refunded;
+    transactions += group.transactions;
+  }
 
+  /// Less the refunds, so that it may be below zero.
   money::Money expense;
   money::Money income;
+  /// Both halves of a transfer between own accounts count once.
   money::Money transfer;
+  money::Money refunded;
   /// The number of transactions of any kind.
   std::int64_t transactions = 0;
+
+ private:
+  money::Money& sumOf(money::Kind kind);
 };
 
 /// A period, and the one before it with which it is compared.
@@ -38,11 +49,14 @@ struct PeriodSummary {
     std::string name;
     money::Money expense;
     money::Money previous;
+    /// The refunds in this period, by which `expense` is lessened.
+    money::Money refunded = {};
   };
   struct Payee {
     std::string description;
     money::Money expense;
     std::int64_t transactions = 0;
+    money::Money refunded = {};
   };
 
   /// Of a book kept in `bookCurrency`; without figures.
@@ -74,11 +88,12 @@ struct PeriodSummary {
 void readPeriods(PeriodSummary& summary, const book::Book& book, const ComparedPeriods& periods,
                  const book::Counted& counted);
 
-/// The expenses of one name.
+/// The expenses of one name, less its refunds.
 struct NamedExpense {
   std::string name;
   money::Money expense;
   std::int64_t transactions = 0;
+  money::Money refunded = {};
 };
 
 /// Returns the expenses of `period` in `currency`, up to `largest` each, by `nameKey`.

@@ -139,7 +139,7 @@ void ReportCharts::drawDays(HtmlWriter& page, const ReportFigures& figures) {
 }
 
 void ReportCharts::drawShare(HtmlWriter& page, const Money& part, const Money& whole) {
-  const double share = static_cast<double>(part.minorUnits) /
+  const double share = static_cast<double>(std::max<std::int64_t>(part.minorUnits, 0)) /
                        static_cast<double>(std::max<std::int64_t>(whole.minorUnits, 1));
   page.markup("<svg class=\"share\" aria-hidden=\"true\" preserveAspectRatio=\"none\" ")
       .markup("viewBox=\"0 0 100 1\"><rect width=\"")

@@ -34,7 +34,7 @@ void readMonths(ReportFigures& figures, const Book& book, std::int64_t largest) 
     if (found == figures.months.end()) continue;
     found->transactions += group.transactions;
     if (group.sum.currency != summary.currency) continue;
-    found->sums.add(group.kind, group.sum, group.transactions);
+    found->sums.add(group);
   }
   figures.entries =
       book.entries({.from = period.first, .to = period.last, .most = ReportFigures::mostEntries});

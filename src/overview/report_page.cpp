@@ -51,6 +51,13 @@ class Page {
                        [](const ReportFigures::Month& month) { return month.transactions == 0; });
   }
 
+  // Also when the refunds exceed them.
+  [[nodiscard]] bool hasExpenses() const {
+    return std::ranges::any_of(summary_.categories, [](const MonthSummary::Category& category) {
+      return category.expense.minorUnits != 0 || category.refunded.minorUnits != 0;
+    });
+  }
+
   void head() {
     html_
         .markup(
@@ -85,11 +92,11 @@ class Page {
 
   void month() {
     html_.markup("<dl class=\"cards\">");
-    card("Spent", summary_.sums.expense, summary_.previous.expense);
+    card("Spent", summary_.sums.expense, summary_.previous.expense, summary_.sums.refunded);
     card("Received", summary_.sums.income, summary_.previous.income);
     card("Transferred", summary_.sums.transfer, summary_.previous.transfer);
     html_.markup("</dl>\n");
-    if (summary_.sums.expense.minorUnits > 0) {
+    if (hasExpenses()) {
       html_.markup("<div class=\"two\">");
       categories();
       payees();
@@ -99,9 +106,17 @@ class Page {
     otherCurrencies();
   }
 
-  void card(const char* name, const Money& sum, const Money& previous) {
+  // `refunded` of `sum` came back.
+  void card(const char* name, const Money& sum, const Money& previous, const Money& refunded = {}) {
     html_.markup("<div><dt>").text(name).markup("</dt><dd><strong>");
-    html_.amount(sums_.withCurrency(sum)).markup("</strong><small>");
+    html_.amount(sums_.withCurrency(sum)).markup("</strong>");
+    if (refunded.minorUnits != 0) {
+      Money before = sum;
+      before += refunded;
+      html_.markup("<small>").amount(sums_.plain(before)).markup(" less ");
+      html_.amount(sums_.plain(refunded)).markup(" refunded</small> ");
+    }
+    html_.markup("<small>");
     html_.amount(sums_.plain(previous)).markup(" in ");
     html_.text(summary_.month.before().name()).markup("</small></dd></div>");
   }
@@ -243,7 +258,8 @@ class Page {
         .count(entry.date.number())
         .markup("</time></td><td><div class=\"what\">");
     html_.markup("<span>").name(entry.description).markup("</span><small>").name(entry.category);
-    if (entry.kind != Kind::expense) html_.markup(" · ").text(kindText(entry.kind));
+    if (entry.kind != Kind::expense) html_.markup(" · ").text(kindWord(entry));
+    if (entry.counterpart) html_.markup(" · other half ").count(*entry.counterpart);
     if (entry.possibleDuplicateOf) {
       html_.markup(" · looks like ").count(*entry.possibleDuplicateOf);
     }

@@ -36,8 +36,8 @@ std::string bold(const std::string& text, const SummaryView::Look& look) {
 std::string bar(std::int64_t part, std::int64_t whole, std::size_t columns,
                 const SummaryView::Look& look) {
   constexpr std::array<std::string_view, 8> eighths{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
-  const double share =
-      static_cast<double>(part) / static_cast<double>(std::max<std::int64_t>(whole, 1));
+  const double share = static_cast<double>(std::max<std::int64_t>(part, 0)) /
+                       static_cast<double>(std::max<std::int64_t>(whole, 1));
   auto left = static_cast<std::size_t>(std::lround(share * static_cast<double>(columns * 8)));
   if (part > 0) left = std::max<std::size_t>(left, 1);
   std::string drawn;
@@ -100,7 +100,8 @@ class Lines {
     std::string lines = pair(0) + "\n";
     constexpr std::array names{"Spent", "Received", "Transferred"};
     for (std::size_t row = 1; row <= totalRows; ++row) {
-      lines += pair(row) + std::string(gap) + names.at(row - 1) + "\n";
+      const std::string line = pair(row) + std::string(gap) + names.at(row - 1);
+      lines += line + (row == 1 ? refunds(columnsOf(line)) : "") + "\n";
     }
     return lines;
   }
@@ -156,7 +157,7 @@ class Lines {
       for (const auto& [sum, verb] : {std::pair(&other.expense, " spent\n"),
                                       {&other.income, " received\n"},
                                       {&other.transfer, " transferred\n"}}) {
-        if (sum->minorUnits > 0) lines += code + sums.plain(*sum) + verb;
+        if (sum->minorUnits != 0) lines += code + sums.plain(*sum) + verb;
       }
     }
     return lines;
@@ -164,6 +165,19 @@ class Lines {
 
  private:
   static constexpr std::size_t totalRows = 3;
+
+  // The sum above without its refunds, behind `taken` columns of its line or on lines of its own.
+  [[nodiscard]] std::string refunds(std::size_t taken) const {
+    const MovedSums& moved = summary_.sums;
+    if (moved.refunded.minorUnits == 0) return "";
+    Money before = moved.expense;
+    before += moved.refunded;
+    const std::string note =
+        "(" + sums_.plain(before) + " less " + sums_.plain(moved.refunded) + " refunded)";
+    if (columnsOf(note) < room(taken)) return " " + note;
+    const std::string lines = linux_platform::wrappedTo(look_.width, note);
+    return "\n" + lines.substr(0, lines.size() - 1);
+  }
 
   [[nodiscard]] std::string pair(std::size_t row) const {
     return now_.at(row) + std::string(gap) + before_.at(row);

@@ -10,6 +10,7 @@ using platform::JSONEncoder;
 
 void encodeSums(JSONEncoder& object, const MovedSums& sums) {
   object.encodeString("expense", amountText(sums.expense));
+  object.encodeString("refunded", amountText(sums.refunded));
   object.encodeString("income", amountText(sums.income));
   object.encodeString("transfer", amountText(sums.transfer));
 }
@@ -28,6 +29,7 @@ std::vector<JSONEncoder> categoryObjects(const PeriodSummary& summary) {
     JSONEncoder& object = objects.emplace_back();
     object.encodeString("category", category.name);
     object.encodeString("expense", amountText(category.expense));
+    object.encodeString("refunded", amountText(category.refunded));
     object.encodeString("previous", amountText(category.previous));
   }
   return objects;
@@ -39,6 +41,7 @@ std::vector<JSONEncoder> payeeObjects(const PeriodSummary& summary) {
     JSONEncoder& object = objects.emplace_back();
     object.encodeString("description", payee.description);
     object.encodeString("expense", amountText(payee.expense));
+    object.encodeString("refunded", amountText(payee.refunded));
     object.encodeString("transactions", std::to_string(payee.transactions));
   }
   return objects;
@@ -48,6 +51,7 @@ JSONEncoder todayObject(const TodaysExpenses& today) {
   JSONEncoder object;
   object.encodeString("date", today.date.text());
   object.encodeString("expense", amountText(today.expense));
+  object.encodeString("refunded", amountText(today.refunded));
   object.encodeString("expenses", std::to_string(today.expenses));
   return object;
 }

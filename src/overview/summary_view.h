@@ -10,7 +10,8 @@
 namespace kivo::overview::SummaryView {
 
 /// Returns `summary` as a JSON object, all members texts or arrays of such objects: "month",
-/// "currency", "expense", "income", "transfer", "transactions", "review", "ignored", "today"
+/// "currency", "expense" (less "refunded"), "refunded", "income", "transfer", "transactions",
+/// "review", "ignored", "today"
 /// (absent unless the month is the current one), "previous", "categories", "payees",
 /// "other_currencies", "left_out". Sums are plain decimals with the currency's decimals.
 platform::JSONEncoder json(const MonthSummary& summary);

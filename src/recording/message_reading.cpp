@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "recognition/merchant_categories.h"
+
 namespace kivo::recording {
 
 using book::LedgerEntry;
@@ -42,6 +44,10 @@ void apply(const BookReading& read, LedgerEntry& entry) {
   entry.balance = reading.balance;
   entry.description = reading.description;
   entry.category = reading.category;
+  if (entry.refund && entry.category == "Refund") {
+    const auto bought = recognition::merchantCategory(reading.payee);
+    if (!bought.empty()) entry.category = bought;
+  }
   entry.payee = reading.payee;
   entry.account = reading.account;
   entry.reference = reading.reference;

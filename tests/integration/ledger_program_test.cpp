@@ -368,9 +368,9 @@ TEST_F(ALedger, RefusesInvalidArguments) {
                 "invalid --from \"2026-02-30\": it must be a day such as 2026-11-21");
   expectFailure({"show", "x"}, 64, "ID is the number of a transaction, as list and review show it");
   expectFailure({"show", "7"}, 1, "no transaction has the ID 7");
-  expectFailure(
-      {"edit", "7"}, 64,
-      "edit needs one of --date, --amount, --currency, --kind, --description, --category");
+  expectFailure({"edit", "7"}, 64,
+                "edit needs one of --date, --amount, --currency, --kind, --refund, --no-refund, "
+                "--description, --category");
   expectFailure({"delete", "7"}, 64,
                 "there is no terminal to ask at; --yes deletes without asking");
   expectFailure({"rate", "XX", "1"}, 64, "invalid CURRENCY \"XX\": it must be a code such as USD");

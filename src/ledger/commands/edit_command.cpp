@@ -13,6 +13,7 @@
 #include "ledger/commands/opened_book.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
+#include "recognition/merchant_categories.h"
 
 namespace kivo::ledger {
 
@@ -64,6 +65,17 @@ std::optional<Money> amountFrom(const GivenParameters& parameters, const Book& b
   return sumFrom(*amount, entry.amount ? entry.amount->currency : requiredBookCurrency());
 }
 
+// Reads --refund and --no-refund. Throws when `entry`, with the kind of `change`, is no income.
+std::optional<bool> refundFrom(const GivenParameters& parameters, const LedgerEntry& entry,
+                               const EntryChange& change) {
+  if (parameters.contains("--no-refund")) return false;
+  if (!parameters.contains("--refund")) return std::nullopt;
+  const money::Kind kind = change.kind.value_or(entry.kind);
+  if (kind == money::Kind::income) return true;
+  throw BadUsage(std::string("--refund is for an income, and this is of the kind ") +
+                 kindText(kind) + ": give --kind income as well");
+}
+
 EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
                        const LedgerEntry& entry) {
   EntryChange change;
@@ -71,6 +83,11 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
   change.kind = givenKind(parameters);
   change.description = givenText(parameters, "--description");
   change.category = givenText(parameters, "--category");
+  change.refund = refundFrom(parameters, entry, change);
+  if (change.refund == true && !entry.refund && !change.category) {
+    const auto bought = recognition::merchantCategory(entry.payee);
+    if (!bought.empty()) change.category = bought;
+  }
   change.amount = amountFrom(parameters, book, entry);
   if (!parameters.contains("--amount")) change.original = entry.amount;  // if it was converted
   return change;
@@ -85,11 +102,15 @@ bool makesRule(const GivenParameters& parameters) {
 // Throws when nothing is to be changed, or --once and --also-earlier have nothing to say.
 void requireChange(const GivenParameters& parameters) {
   const auto isGiven = [&](const char* name) { return parameters.contains(name); };
-  constexpr std::array changes = {"--date", "--amount",      "--currency",
-                                  "--kind", "--description", "--category"};
+  constexpr std::array changes = {"--date",   "--amount",    "--currency",    "--kind",
+                                  "--refund", "--no-refund", "--description", "--category"};
   if (std::none_of(changes.begin(), changes.end(), isGiven)) {
     throw BadUsage(
-        "edit needs one of --date, --amount, --currency, --kind, --description, --category");
+        "edit needs one of --date, --amount, --currency, --kind, --refund, --no-refund, "
+        "--description, --category");
+  }
+  if (isGiven("--refund") && isGiven("--no-refund")) {
+    throw BadUsage("--refund and --no-refund exclude each other: give one of them");
   }
   if (!isGiven("--also-earlier")) return;
   if (isGiven("--once")) {
@@ -138,6 +159,8 @@ linux_platform::Command editCommand() {
            {"--amount", "The sum, as 1,189.50", optional},
            {"--currency", "Its currency's code, as EGP; converts it without --amount", optional},
            {"--kind", "expense, income or transfer", optional, kindNames},
+           {"--refund", "An income that gives back a payment", ParameterKind::flag},
+           {"--no-refund", "An income after all", ParameterKind::flag},
            {"--description", "The merchant or payee", optional},
            {"--category", "The category", optional},
            {"--once", "Make no rule for later payments to the payee", ParameterKind::flag},

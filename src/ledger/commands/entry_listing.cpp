@@ -5,6 +5,7 @@
 #include <map>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -45,19 +46,23 @@ std::string sumText(const LedgerEntry& entry) {
   return amountText(*entry.amount) + " " + currencyOf(entry);
 }
 
-std::string likeness(const LedgerEntry& entry) {
-  if (!entry.possibleDuplicateOf) return "";
-  return "looks like " + std::to_string(*entry.possibleDuplicateOf);
+// The other entries that it belongs to, in words; empty when there are none.
+std::string relations(const LedgerEntry& entry) {
+  std::string words;
+  if (entry.counterpart) words = "other half: " + std::to_string(*entry.counterpart);
+  if (!entry.possibleDuplicateOf) return words;
+  if (!words.empty()) words += ", ";
+  return words + "looks like " + std::to_string(*entry.possibleDuplicateOf);
 }
 
 Row rowOf(const LedgerEntry& entry) {
-  const std::string like = likeness(entry);
+  const std::string others = relations(entry);
   return {std::to_string(entry.id),
           escapedControls(dateOf(entry)),
-          kindText(entry.kind),
+          kindWord(entry),
           escapedControls(sumText(entry)),
           escapedControls(entry.description),
-          escapedControls(entry.category) + (like.empty() ? "" : " (" + like + ")")};
+          escapedControls(entry.category) + (others.empty() ? "" : " (" + others + ")")};
 }
 
 std::string stateWords(const LedgerEntry& entry) {
@@ -102,7 +107,7 @@ std::string rightAligned(std::size_t width, const std::string& text) {
 // columns. The category has half of them, or what the description leaves.
 std::string names(const LedgerEntry& entry, std::size_t width) {
   std::string category = escapedControls(entry.category);
-  if (entry.kind != Kind::expense) category += std::string(", ") + kindText(entry.kind);
+  if (entry.kind != Kind::expense) category += std::string(", ") + kindWord(entry);
   const std::string description = escapedControls(entry.description);
   const std::size_t taken = columnsOf(description) + gap.size();
   const std::size_t room = std::max(width - std::min(width, taken), width / 2);
@@ -123,14 +128,26 @@ std::string stacked(const std::vector<LedgerEntry>& entries, const Widths& width
   for (const LedgerEntry& entry : entries) {
     lines += front(std::to_string(entry.id), dateOf(entry), escapedControls(sumText(entry)));
     lines += indent + names(entry, width - std::min(width, indent.size())) + "\n";
-    if (const std::string like = likeness(entry); !like.empty()) lines += indent + like + "\n";
+    if (const std::string others = relations(entry); !others.empty()) {
+      lines += indent + others + "\n";
+    }
   }
   return lines;
 }
 
-const char* doneText(Kind kind) {
-  if (kind == Kind::expense) return "Spent";
-  return kind == Kind::income ? "Received" : "Transferred";
+// The verbs of the sums, in their order: an entry counts as one of them. A refund counts as spent
+// as well, below zero.
+enum class Done { spent, refunded, received, transferred };
+
+const char* doneText(Done done) {
+  constexpr std::array texts{"Spent", "Refunded", "Received", "Transferred"};
+  return texts.at(static_cast<std::size_t>(done));
+}
+
+Done doneBy(const LedgerEntry& entry) {
+  if (entry.counterpart || entry.kind == Kind::transfer) return Done::transferred;
+  if (entry.refund) return Done::refunded;
+  return entry.kind == Kind::income ? Done::received : Done::spent;
 }
 
 // Absent when the sum of both does not fit.
@@ -166,12 +183,22 @@ std::string EntryListing::table(const std::vector<LedgerEntry>& entries, std::si
 
 std::string EntryListing::sums(const std::vector<LedgerEntry>& entries) {
   if (entries.empty()) return "";
-  // By currency and kind; absent when it does not fit.
-  std::map<std::pair<money::CurrencyCode, Kind>, std::optional<Money>> sums;
+  // Absent when it does not fit.
+  std::map<std::pair<money::CurrencyCode, Done>, std::optional<Money>> sums;
+  const auto add = [&sums](Done done, const Money& amount) {
+    const std::pair group(amount.currency, done);
+    auto& sum = sums.try_emplace(group, Money{0, amount.currency}).first->second;
+    if (sum) sum = sumThatFits(*sum, amount);
+  };
+  std::set<std::int64_t> ids;
+  for (const LedgerEntry& entry : entries) ids.insert(entry.id);
   for (const LedgerEntry& entry : entries) {
-    const money::CurrencyCode currency = entry.amount->currency;
-    auto& sum = sums.try_emplace({currency, entry.kind}, Money{0, currency}).first->second;
-    if (sum) sum = sumThatFits(*sum, *entry.amount);
+    // A transfer counts once.
+    if (entry.incoming && entry.counterpart && ids.contains(*entry.counterpart)) continue;
+    const Done done = doneBy(entry);
+    add(done, *entry.amount);
+    if (done == Done::refunded)
+      add(Done::spent, {-entry.amount->minorUnits, entry.amount->currency});
   }
   std::vector<std::pair<std::string, std::string>> rows;
   std::size_t width = 0;
@@ -198,7 +225,7 @@ std::string EntryListing::details(const LedgerEntry& entry) {
   add("ID", std::to_string(entry.id));
   add("State", stateWords(entry));
   add("Date", dateOf(entry));
-  add("Kind", kindText(entry.kind));
+  add("Kind", entry.refund ? "income, a refund" : kindText(entry.kind));
   add("Amount", sumText(entry));
   if (entry.original) add("Converted", "from " + sumText(*entry.original));
   if (entry.balance) add("Balance", sumText(*entry.balance));
@@ -207,6 +234,7 @@ std::string EntryListing::details(const LedgerEntry& entry) {
   add("Payee", entry.payee);
   add("Account", entry.account);
   add("Reference", entry.reference);
+  if (entry.counterpart) add("Other half", std::to_string(*entry.counterpart));
   if (entry.possibleDuplicateOf) add("Looks like", std::to_string(*entry.possibleDuplicateOf));
   add("Key", entry.key);
   if (entry.text) lines += "\n" + linesOf(*entry.text);
@@ -226,6 +254,8 @@ platform::JSONEncoder EntryListing::json(const LedgerEntry& entry) {
   object.encodeString("account", entry.account);
   object.encodeString("reference", entry.reference);
   object.encodeString("state", stateText(entry.state));
+  if (entry.refund) object.encodeString("refund", "true");
+  if (entry.counterpart) object.encodeString("counterpart", std::to_string(*entry.counterpart));
   if (entry.possibleDuplicateOf) {
     object.encodeString("possible_duplicate_of", std::to_string(*entry.possibleDuplicateOf));
   }

@@ -15,8 +15,9 @@ namespace kivo::ledger::EntryListing {
 /// two or three lines: id, day and sum, then the names, then the entry that it looks like.
 std::string table(const std::vector<book::LedgerEntry>& entries, std::size_t width);
 
-/// Returns the number of `entries`, which are booked, and what was spent, received and transferred
-/// in each currency, on a line each after an empty one; empty when there are none.
+/// Returns the number of `entries`, which are booked, and what was spent (less the refunds),
+/// refunded, received and transferred in each currency, on a line each after an empty one; empty
+/// when there are none.
 std::string sums(const std::vector<book::LedgerEntry>& entries);
 
 /// Returns all members of `entry` as lines of text, the message last, with control characters
@@ -25,8 +26,8 @@ std::string details(const book::LedgerEntry& entry);
 
 /// Returns `entry` as a JSON object of strings: "id", "key", "date", "kind", "amount" (a plain
 /// decimal with the currency's decimals, "" when absent), "currency", "description", "category",
-/// "account", "reference", "state", and "possible_duplicate_of" (an id), which is absent when the
-/// entry looks like no other.
+/// "account", "reference", "state"; "refund" ("true"), "counterpart" and "possible_duplicate_of"
+/// (ids) are absent when the entry is no refund, has no other half, and looks like no other.
 platform::JSONEncoder json(const book::LedgerEntry& entry);
 
 }  // namespace kivo::ledger::EntryListing

@@ -6,6 +6,7 @@
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/commands/opened_book.h"
+#include "ledger/commands/pair_commands.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
@@ -49,7 +50,10 @@ void review(const GivenParameters& parameters) {
     tellSetAside(book);
     const auto entries = book.entries({.state = LedgerEntry::State::review});
     const bool asJson = parameters.contains("--json");
+    const std::string offers = asJson ? "" : pairOffers(book);
+    if (entries.empty() && !offers.empty()) return print(offers);
     show(entries, asJson, "There is nothing to look at.");
+    if (!offers.empty()) print("\n" + offers);
     if (asJson || entries.empty() || !linux_platform::onTerminal()) return;
     print("To have messages like one of these\nbooked from now on: kivo-ledger teach ID\n");
   });

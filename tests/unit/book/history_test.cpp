@@ -133,6 +133,20 @@ TEST_F(ACommand, GivesADeletedTransactionBackWithoutItsText) {
   EXPECT_TRUE(book.entry(2)->text);
 }
 
+TEST_F(ACommand, LeavesThoseAlikeByReferenceMarkedWhenItIsTakenBack) {
+  Book book = open();
+  Reading reading = spent(100);
+  reading.reference = "R1";
+  const auto first = recorded(book, "one", reading, "2026-11-01").id;
+  const auto later = recorded(book, "two", reading, "2026-11-21").id;
+  ASSERT_EQ(book.entry(later)->possibleDuplicateOf, first);
+  UserCommand command{.words = "delete"};
+  book.asCommand(command, [&] { book.remove(first); });
+  EXPECT_FALSE(book.entry(later)->possibleDuplicateOf);
+  book.undo(1);
+  EXPECT_EQ(book.entry(later)->possibleDuplicateOf, first);
+}
+
 TEST_F(ACommand, LeavesForgottenTextsForgotten) {
   Book book = open();
   fill(book);

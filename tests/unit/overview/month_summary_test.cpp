@@ -245,8 +245,25 @@ TEST_F(AMonthSummary, HasTodaysExpensesInTheCurrentMonthAlone) {
   const MonthSummary summary = summarize(book, "2026-11", "EGP");
   EXPECT_THAT(
       SummaryView::json(summary).text(),
-      testing::HasSubstr(R"("today":{"date":"2026-11-21","expense":"320.00","expenses":"2"})"));
+      testing::HasSubstr(
+          R"("today":{"date":"2026-11-21","expense":"320.00","refunded":"0.00","expenses":"2"})"));
   EXPECT_FALSE(summarize(book, "2026-10", "EGP").today);
+}
+
+TEST_F(AMonthSummary, HasExpensesLessTheirRefunds) {
+  const testkit::SetClock clock(testkit::utc(2026, 11, 21, 12));
+  Book book = open();
+  booked(book, in("Groceries", 100000), "2026-11-20");
+  booked(book, in("Dining", 5000), "2026-11-20");
+  Reading refund = of(Kind::income, 20000);
+  refund.refund = true;
+  booked(book, refund, "2026-11-21");
+  const std::string json = SummaryView::json(summarize(book, "2026-11", "EGP")).text();
+  EXPECT_THAT(json, HasSubstr(R"("expense":"850.00","refunded":"200.00","income":"0.00")"));
+  EXPECT_THAT(json, HasSubstr(R"("category":"Groceries","expense":"800.00","refunded":"200.00")"));
+  EXPECT_THAT(json, HasSubstr(R"("expense":"850.00","refunded":"200.00","transactions":"3")"));
+  EXPECT_THAT(json, HasSubstr(R"("date":"2026-11-21","expense":"-200.00","refunded":"200.00",)"
+                              R"("expenses":"0")"));
 }
 
 TEST_F(AMonthSummary, IsJsonWithPlainDecimals) {
@@ -258,21 +275,23 @@ TEST_F(AMonthSummary, IsJsonWithPlainDecimals) {
   bookedAbroad(book, 5, "KWD", "2026-11-03");
   EXPECT_EQ(
       SummaryView::json(summarize(book, "2026-11", "EGP")).text(),
-      R"({"month":"2026-11","currency":"EGP","expense":"123.45","income":"0.05","transfer":"0.00",)"
-      R"("transactions":"2","review":"0","ignored":"0","previous":{"month":"2026-10","expense":"7.00",)"
-      R"("income":"0.00","transfer":"0.00","transactions":"1"},"categories":[{"category":)"
-      R"("Groceries","expense":"123.45","previous":"7.00"}],"payees":[{"description":)"
-      R"("Sunny Market","expense":"123.45","transactions":"1"}],"other_currencies":[)"
-      R"({"currency":"KWD","expense":"0.005","income":"0.000","transfer":"0.000"}],"left_out":""})");
+      R"({"month":"2026-11","currency":"EGP","expense":"123.45","refunded":"0.00","income":"0.05",)"
+      R"("transfer":"0.00","transactions":"2","review":"0","ignored":"0","previous":)"
+      R"({"month":"2026-10","expense":"7.00","refunded":"0.00","income":"0.00","transfer":"0.00",)"
+      R"("transactions":"1"},"categories":[{"category":"Groceries","expense":"123.45",)"
+      R"("refunded":"0.00","previous":"7.00"}],"payees":[{"description":"Sunny Market",)"
+      R"("expense":"123.45","refunded":"0.00","transactions":"1"}],"other_currencies":[)"
+      R"({"currency":"KWD","expense":"0.005","refunded":"0.000","income":"0.000",)"
+      R"("transfer":"0.000"}],"left_out":""})");
 }
 
 TEST_F(AMonthSummary, OfAnEmptyBookIsJsonWithZeros) {
   EXPECT_EQ(
       SummaryView::json(summarize(open(), "2026-01", "JPY")).text(),
-      R"({"month":"2026-01","currency":"JPY","expense":"0","income":"0","transfer":"0",)"
-      R"("transactions":"0","review":"0","ignored":"0","previous":{"month":"2025-12","expense":"0",)"
-      R"("income":"0","transfer":"0","transactions":"0"},"categories":[],"payees":[],)"
-      R"("other_currencies":[],"left_out":""})");
+      R"({"month":"2026-01","currency":"JPY","expense":"0","refunded":"0","income":"0",)"
+      R"("transfer":"0","transactions":"0","review":"0","ignored":"0","previous":)"
+      R"({"month":"2025-12","expense":"0","refunded":"0","income":"0","transfer":"0",)"
+      R"("transactions":"0"},"categories":[],"payees":[],"other_currencies":[],"left_out":""})");
 }
 
 TEST(TheCurrentMonth, IsThatOfTheDevicesTimeZone) {

@@ -72,6 +72,22 @@ TEST_F(AReport, HasEachDayOfItsMonth) {
   EXPECT_EQ(figures.days.back().minorUnits, 23);
 }
 
+TEST_F(AReport, ShowsAMonthWithMoreRefundsThanPayments) {
+  Book book = open();
+  booked(book, spent(100), "2026-11-03");
+  Reading refund = spent(2000);
+  refund.kind = Kind::income;
+  refund.refund = true;
+  booked(book, refund, "2026-11-04");
+  const std::string html = page(book);
+  EXPECT_THAT(html, HasSubstr("<small><bdi>1.00</bdi> less <bdi>20.00</bdi> refunded</small>"));
+  EXPECT_THAT(html, HasSubstr("4 November 2026</th><td class=\"sum\"><bdi>-20.00</bdi>"));
+  EXPECT_THAT(html, HasSubstr("<rect width=\"0\" height=\"1\"/>"));
+  EXPECT_THAT(html, HasSubstr("</bdi> · refund"));
+  EXPECT_THAT(html, Not(HasSubstr("width=\"-")));
+  EXPECT_THAT(html, Not(HasSubstr("height=\"-")));
+}
+
 TEST_F(AReport, DrawsAndListsADayBehindDaysWithoutExpenses) {
   Book book = open();
   booked(book, spent(100), "2026-11-03");
@@ -221,9 +237,10 @@ TEST_F(AReport, ListsTheNewestOfAVeryLongYear) {
   open();
   testkit::RawStore(file()).run(
       "WITH RECURSIVE numbers (value) AS (SELECT 1 UNION ALL SELECT value + 1 FROM numbers WHERE "
-      "value < 5001) INSERT INTO transactions SELECT NULL, 'user', 'KEY-' || value, '2026-11-01', "
-      "'expense', 1, "
-      "'EGP', 'A', 'B', '', '', '', '', 'booked', NULL, NULL, 0, NULL, '', NULL, '' FROM numbers");
+      "value < 5001) INSERT INTO transactions (user, key, date, kind, minor_units, currency, "
+      "description, category, payee, folded_payee, account, reference, state) SELECT 'user', "
+      "'KEY-' || value, '2026-11-01', 'expense', 1, 'EGP', 'A', 'B', '', '', '', '', 'booked' "
+      "FROM numbers");
   EXPECT_EQ(readReport(open(), "2026-11", "EGP").entries.size(), 5000U);
 }
 

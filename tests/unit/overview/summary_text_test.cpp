@@ -35,9 +35,10 @@ class ASummaryText : public testing::Test {
   static MovedSums sums(std::int64_t expense, std::int64_t income, std::int64_t transfer,
                         std::int64_t transactions, const money::CurrencyCode& currency = "EGP") {
     MovedSums sums(currency);
-    sums.add(Kind::expense, {expense, currency}, transactions);
-    sums.add(Kind::income, {income, currency}, 0);
-    sums.add(Kind::transfer, {transfer, currency}, 0);
+    sums.expense.minorUnits = expense;
+    sums.income.minorUnits = income;
+    sums.transfer.minorUnits = transfer;
+    sums.transactions = transactions;
     return sums;
   }
   [[nodiscard]] std::string text(const Look& look = {}) const {
@@ -72,6 +73,23 @@ TEST_F(ASummaryText, ShowsAMonthBesideTheMonthBefore) {
             "Biggest payees\n"
             "1,000.00  12x  Carrefour City\n"
             "  250.50   1x  Uber\n");
+}
+
+TEST_F(ASummaryText, SaysWhatWasRefunded) {
+  summary_.sums.refunded.minorUnits = 20000;
+  EXPECT_THAT(text(), HasSubstr("0.99  Spent (1,450.50 less 200.00 refunded)\n18,500.00"));
+  EXPECT_THAT(text({.width = 40}),
+              HasSubstr("0.99  Spent\n(1,450.50 less 200.00 refunded)\n18,500.00"));
+}
+
+TEST_F(ASummaryText, ShowsMoreRefundsThanPaymentsBelowZero) {
+  summary_.sums.expense.minorUnits = -500;
+  summary_.sums.refunded.minorUnits = 700;
+  summary_.categories = {{"Groceries", egp(-500), egp(99)}};
+  summary_.payees = {{"Carrefour City", egp(-500), 1}};
+  EXPECT_THAT(text(), HasSubstr("    -5.00   0.99  Spent (2.00 less 7.00 refunded)\n"));
+  EXPECT_THAT(text(), HasSubstr("    -5.00   0.99                            Groceries\n"));
+  EXPECT_THAT(text(), HasSubstr("-5.00  1x  Carrefour City\n"));
 }
 
 TEST_F(ASummaryText, NamesTheEntriesThatAreLeftOut) {

@@ -37,6 +37,15 @@ TEST_F(ALedgerMonth, KeepsTheDecimalsOfTheBook) {
   }
 }
 
+TEST_F(ALedgerMonth, IsBelowZeroWhenMoreWasRefundedThanSpent) {
+  const auto month = LedgerMonth::fromSummary(
+      R"({"currency":"USD","expense":"-50.00","refunded":"60.00","review":"0",)"
+      R"("today":{"expense":"-5.00","refunded":"5.00","expenses":"0"}})");
+  ASSERT_TRUE(month);
+  EXPECT_EQ(month->expenses, "-$50.00");
+  EXPECT_EQ(month->todayTotal, "-$5.00");
+}
+
 TEST_F(ALedgerMonth, IsAbsentFromAnythingElse) {
   for (
       const char* const summary :

@@ -1,0 +1,16 @@
+// Finds the category of a refund, which lessens what was spent on it.
+#pragma once
+
+#include <string>
+
+#include "book/ledger_entry.h"
+
+struct sqlite3;
+
+namespace kivo::book {
+
+/// Returns the category of the last booked payment to the payee of `entry` up to its day; "Refund"
+/// when there is none. Throws BookFailure.
+std::string refundCategory(sqlite3* database, const LedgerEntry& entry);
+
+}  // namespace kivo::book
