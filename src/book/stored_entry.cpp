@@ -66,7 +66,8 @@ LedgerEntry entryOf(const Statement& row) {
   entry.original = sumOf(row, 16);
   entry.balance = sumOf(row, 18);
   entry.refund = entry.kind == money::Kind::income && row.integer(20) != 0;
-  entry.incoming = row.integer(21) != 0;
+  entry.incoming = entry.kind == money::Kind::income ||
+                   (entry.kind == money::Kind::transfer && row.integer(21) != 0);
   if (!row.isNull(22)) entry.counterpart = row.integer(22);
   if (!kind || !impossibleValue(entry).empty()) entry.state = LedgerEntry::State::setAside;
   return entry;

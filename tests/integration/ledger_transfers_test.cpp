@@ -12,6 +12,7 @@ namespace kivo::testkit {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* wentOut =
@@ -96,7 +97,7 @@ TEST_F(AMovedSum, SaysWhyTwoTransactionsAreNoPair) {
   expectFailure({"pair", "1", "3"}, 1, "1 has the other half 2: kivo-ledger unpair 1 2 parts them");
   expectFailure({"pair", "3", "4"}, 1,
                 "4 is a refund: kivo-ledger edit 4 --no-refund makes it an income");
-  expectFailure({"pair", "3", "9"}, 1, "there is no transaction 9");
+  expectFailure({"pair", "3", "9"}, 1, "no transaction has the ID 9");
   expectFailure({"pair", "3", "3"}, 64, "both numbers are 3: give those of two transactions");
   expectFailure({"pair", "3", "x"}, 64,
                 "invalid OTHER-ID \"x\": it must be the number of a transaction, as list shows it");
@@ -106,6 +107,15 @@ TEST_F(AMovedSum, SaysWhyTwoTransactionsAreNoPair) {
   shown({"edit", "2", "--kind", "expense"});
   expectFailure({"pair", "1", "2"}, 1,
                 "both went out: kivo-ledger edit ID --kind income corrects one of them");
+}
+
+TEST_F(AMovedSum, IsExportedOnce) {
+  receive({wentOut, cameIn});
+  EXPECT_THAT(shown({"export", "--format", "hledger"}),
+              HasSubstr("    Assets:Bank:2222  500.00 EGP\n    Assets:Bank:1111  -500.00 EGP\n"));
+  const std::string csv = shown({"export", "--format", "csv"});
+  EXPECT_THAT(csv, HasSubstr("2026-11-21,transfer,500.00,EGP,"));
+  EXPECT_THAT(csv, Not(HasSubstr("income")));
 }
 
 TEST_F(AMovedSum, KeepsARefundApartFromWhatWasReceived) {

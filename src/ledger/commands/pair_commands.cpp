@@ -32,7 +32,7 @@ LedgerEntry entryGivenAs(const char* name, const Book& book, const GivenParamete
   const auto id = platform::integerFromText(text);
   if (!id) throw invalid(name, text, "the number of a transaction, as list shows it");
   auto entry = book.entry(*id);
-  if (!entry) throw CommandFailure("there is no transaction " + text);
+  if (!entry) throw CommandFailure("no transaction has the ID " + std::to_string(*id));
   return *std::move(entry);
 }
 

@@ -74,8 +74,9 @@ std::string posting(const std::string& account, const Money& money) {
 std::string beancountExport(const std::vector<LedgerEntry>& entries) {
   std::map<std::string, std::string> opened;  // on which day
   std::string transactions;
-  for (const LedgerEntry& entry : entries) {
-    const DoubleEntry made = doubleEntryOf(entry, level);
+  for (const ExportedMovement& movement : movementsOf(entries)) {
+    const LedgerEntry& entry = *movement.entry;
+    const DoubleEntry made = doubleEntryOf(movement, level);
     opened.try_emplace(made.otherAccount, entry.date.text());
     opened.try_emplace(made.ownAccount, entry.date.text());
     transactions.append("\n").append(entry.date.text()).append(" * ");

@@ -9,6 +9,8 @@
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
+#include "overview/exports/exported_movement.h"
+
 namespace kivo::overview {
 
 using book::LedgerEntry;
@@ -63,8 +65,9 @@ std::string quoted(const std::string& field) {
 
 std::string csvExport(const std::vector<LedgerEntry>& entries) {
   std::string csv = "date,kind,amount,currency,description,category,account,reference,id\n";
-  for (const LedgerEntry& entry : entries) {
-    csv.append(entry.date.text()).append(",").append(kindText(entry.kind)).append(",");
+  for (const ExportedMovement& movement : movementsOf(entries)) {
+    const LedgerEntry& entry = *movement.entry;
+    csv.append(entry.date.text()).append(",").append(kindText(countedKind(entry))).append(",");
     csv.append(amountText(*entry.amount))
         .append(",")
         .append(entry.amount->currency.text())

@@ -26,22 +26,27 @@ std::string accountOf(std::string_view category, LevelName levelName) {
   return account.empty() ? "Other" : account;
 }
 
+std::string bankAccount(const LedgerEntry& entry, LevelName levelName) {
+  const std::string own = levelName(entry.account);
+  return own.empty() ? "Assets:Bank" : "Assets:Bank:" + own;
+}
+
 }  // namespace
 
-DoubleEntry doubleEntryOf(const LedgerEntry& entry, LevelName levelName) {
+DoubleEntry doubleEntryOf(const ExportedMovement& movement, LevelName levelName) {
+  const LedgerEntry& entry = *movement.entry;
   DoubleEntry made;
   const std::string category = oneLine(entry.category);
-  const bool isTransfer = entry.kind == Kind::transfer;
+  const bool isTransfer = countedKind(entry) == Kind::transfer;
   const std::string named = isTransfer ? "Transfers" : accountOf(entry.category, levelName);
-  const char* const root = isTransfer                   ? "Equity:"
-                           : entry.kind == Kind::income ? "Income:"
-                                                        : "Expenses:";
-  made.otherAccount = root + named;
+  const bool isIncome = entry.kind == Kind::income && !entry.refund;
+  const char* const root = isTransfer ? "Equity:" : isIncome ? "Income:" : "Expenses:";
+  made.otherAccount =
+      movement.into != nullptr ? bankAccount(*movement.into, levelName) : root + named;
   if (named != category) made.unnamedCategory = category;
-  made.ownAccount = "Assets:Bank";
-  if (const std::string own = levelName(entry.account); !own.empty()) made.ownAccount += ":" + own;
+  made.ownAccount = bankAccount(entry, levelName);
   made.toOther = made.toOwn = *entry.amount;
-  Money& leaving = entry.kind == Kind::income ? made.toOther : made.toOwn;
+  Money& leaving = entry.incoming ? made.toOther : made.toOwn;
   leaving.minorUnits = -leaving.minorUnits;
   return made;
 }

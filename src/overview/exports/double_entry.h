@@ -4,17 +4,17 @@
 #include <string>
 #include <string_view>
 
-#include "book/ledger_entry.h"
+#include "overview/exports/exported_movement.h"
 
 namespace kivo::overview {
 
 struct DoubleEntry {
-  /// "Expenses:Groceries" or "Income:Salary", with a level more for each colon in the category;
-  /// "Equity:Transfers" for a transfer.
+  /// "Expenses:Groceries", also for a refund, or "Income:Salary", with a level more for each colon
+  /// in the category; "Equity:Transfers" for a transfer, or the account that it came into.
   std::string otherAccount;
   /// "Assets:Bank:4821"; "Assets:Bank" when the message shows no digits.
   std::string ownAccount;
-  /// The sum posted to `otherAccount`; `toOwn` is its negative. A transfer leaves the own account.
+  /// The sum posted to `otherAccount`; `toOwn` is its negative.
   money::Money toOther;
   money::Money toOwn;
   /// The category, on one line, where `otherAccount` does not name it as it is; else empty.
@@ -25,8 +25,8 @@ struct DoubleEntry {
 /// text when none of its characters can stay.
 using LevelName = std::string (*)(std::string_view text);
 
-/// Returns the postings of `entry`, which must have a sum. A category becomes "Other" when none of
-/// its characters can stay.
-DoubleEntry doubleEntryOf(const book::LedgerEntry& entry, LevelName levelName);
+/// Returns the postings of `movement`, which must have a sum. A category becomes "Other" when none
+/// of its characters can stay.
+DoubleEntry doubleEntryOf(const ExportedMovement& movement, LevelName levelName);
 
 }  // namespace kivo::overview

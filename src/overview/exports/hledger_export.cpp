@@ -34,8 +34,9 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
   std::set<std::string> accounts;
   std::set<money::CurrencyCode> currencies;
   std::string transactions;
-  for (const LedgerEntry& entry : entries) {
-    const DoubleEntry made = doubleEntryOf(entry, name);
+  for (const ExportedMovement& movement : movementsOf(entries)) {
+    const LedgerEntry& entry = *movement.entry;
+    const DoubleEntry made = doubleEntryOf(movement, name);
     accounts.insert({made.otherAccount, made.ownAccount});
     currencies.insert(entry.amount->currency);
     transactions.append("\n")

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "overview/exports/export_text.h"
+#include "overview/exports/exported_movement.h"
 #include "platform/linux/foundation/markup_text.h"
 
 namespace kivo::overview {
@@ -55,7 +56,7 @@ std::string day(const money::Day& date) {
 
 Money signedSum(const LedgerEntry& entry) {
   Money sum = *entry.amount;
-  if (entry.kind != Kind::income) sum.minorUnits = -sum.minorUnits;
+  if (!entry.incoming) sum.minorUnits = -sum.minorUnits;
   return sum;
 }
 
@@ -70,7 +71,7 @@ std::string transaction(const LedgerEntry& entry) {
   std::string memo = oneLine(entry.category);
   if (name != description) memo = memo.empty() ? description : description + " - " + memo;
   const std::string reference = oneLine(entry.reference);
-  return "<STMTTRN>\n" + element("TRNTYPE", typeOf(entry.kind)) +
+  return "<STMTTRN>\n" + element("TRNTYPE", typeOf(countedKind(entry))) +
          element("DTPOSTED", day(entry.date)) + element("TRNAMT", amountText(signedSum(entry))) +
          element("FITID", importId(entry)) + element("REFNUM", cut(reference, longestReference)) +
          element("NAME", name) + element("MEMO", cut(memo, longestMemo)) + "</STMTTRN>\n";

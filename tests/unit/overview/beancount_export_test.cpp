@@ -88,5 +88,12 @@ TEST(ABeancountExport, IsACommentForNoEntries) {
   EXPECT_EQ(beancountExport({}), "; Written by kivo-ledger. Another export replaces it.\n");
 }
 
+TEST(ABeancountExport, PostsBothHalvesOfATransferOnce) {
+  const std::string file = beancountExport(exportedTransfer());
+  EXPECT_THAT(file, testing::HasSubstr("  Assets:Bank:7314  150.00 EGP\n"
+                                       "  Assets:Bank:4821  -150.00 EGP\n"));
+  EXPECT_THAT(file, testing::Not(testing::HasSubstr("kivo-id: \"43-")));
+}
+
 }  // namespace
 }  // namespace kivo::overview

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "exported_entry.h"
 
@@ -32,7 +32,7 @@ std::string around(const std::string& field) {
 TEST(ACsvExport, HasARecordForEachEntry) {
   LedgerEntry income = exportedEntry();
   income.id = 43;
-  income.kind = Kind::income;
+  setKind(income, Kind::income);
   income.amount = Money{5, "KWD"};
   income.account = income.reference = "";
   EXPECT_EQ(csvExport({exportedEntry(), income}),
@@ -71,6 +71,19 @@ TEST(ACsvExport, PutsAnApostropheBeforeAFormulaBehindInvisibleCharacters) {
     EXPECT_EQ(recordOf(text), around("'" + text)) << text;
     EXPECT_EQ(recordOf(lead + std::string("A1")), around(lead + std::string("A1")));
   }
+}
+
+TEST(ACsvExport, HasATransferBetweenOwnAccountsOnce) {
+  const std::string csv = csvExport(exportedTransfer());
+  EXPECT_EQ(csv.substr(csv.find('\n') + 1),
+            "2026-11-21,transfer,150.00,EGP,Carrefour City,Groceries,4821,REF7,42\n");
+}
+
+TEST(ACsvExport, HasARefundAsAnIncome) {
+  LedgerEntry entry = exportedEntry();
+  setKind(entry, Kind::income);
+  entry.refund = true;
+  EXPECT_THAT(csvExport({entry}), testing::HasSubstr("2026-11-21,income,150.00,"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "book/ledger_entry.h"
 
@@ -24,7 +25,20 @@ inline LedgerEntry exportedEntry() {
   return entry;
 }
 
-/// The `importId` of it.
+/// The two halves of a transfer of it, to the account 7314.
+inline std::vector<LedgerEntry> exportedTransfer() {
+  LedgerEntry out = exportedEntry();
+  out.counterpart = 43;
+  LedgerEntry in = exportedEntry();
+  in.id = 43;
+  in.key = "KEY-2";
+  in.account = "7314";
+  in.counterpart = out.id;
+  setKind(in, money::Kind::income);
+  return {in, out};
+}
+
+/// The `importId` of the entry.
 inline constexpr const char* exportedId = "42-46dfa818ddf64ecd";
 
 }  // namespace kivo::overview

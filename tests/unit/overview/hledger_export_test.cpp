@@ -37,7 +37,7 @@ TEST(AnHledgerExport, DeclaresCurrenciesAndAccountsAndBalancesEachEntry) {
 
 TEST(AnHledgerExport, PostsIncomeToTheOwnAccount) {
   LedgerEntry entry = exportedEntry();
-  entry.kind = Kind::income;
+  setKind(entry, Kind::income);
   entry.account = "";
   EXPECT_THAT(hledgerExport({entry}), HasSubstr("    Income:Groceries  -150.00 EGP\n"
                                                 "    Assets:Bank  150.00 EGP\n"));
@@ -49,6 +49,28 @@ TEST(AnHledgerExport, PostsATransferToEquityAndKeepsItsCategory) {
   EXPECT_THAT(hledgerExport({entry}), HasSubstr("    ; category: Groceries\n"));
   EXPECT_THAT(hledgerExport({entry}), HasSubstr("    Equity:Transfers  150.00 EGP\n"
                                                 "    Assets:Bank:4821  -150.00 EGP\n"));
+}
+
+TEST(AnHledgerExport, PostsARefundToItsExpenses) {
+  LedgerEntry entry = exportedEntry();
+  setKind(entry, Kind::income);
+  entry.refund = true;
+  EXPECT_THAT(hledgerExport({entry}), HasSubstr("    Expenses:Groceries  -150.00 EGP\n"
+                                                "    Assets:Bank:4821  150.00 EGP\n"));
+}
+
+TEST(AnHledgerExport, PostsBothHalvesOfATransferOnce) {
+  const std::string journal = hledgerExport(exportedTransfer());
+  EXPECT_THAT(journal, HasSubstr("    Assets:Bank:7314  150.00 EGP\n"
+                                 "    Assets:Bank:4821  -150.00 EGP\n"));
+  EXPECT_THAT(journal, HasSubstr("* (42) "));
+  EXPECT_THAT(journal, Not(HasSubstr("* (43) ")));
+}
+
+TEST(AnHledgerExport, PostsAHalfAloneAgainstEquity) {
+  EXPECT_THAT(hledgerExport({exportedTransfer().front()}),
+              HasSubstr("    Equity:Transfers  -150.00 EGP\n"
+                        "    Assets:Bank:7314  150.00 EGP\n"));
 }
 
 TEST(AnHledgerExport, KeepsNamesFromBecomingCommentsNotesOrAmounts) {

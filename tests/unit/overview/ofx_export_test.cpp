@@ -48,7 +48,7 @@ TEST(AnOfxExport, HasNoStatementForNoEntries) {
 
 TEST(AnOfxExport, SignsAmountsByTheirKind) {
   LedgerEntry income = exportedEntry();
-  income.kind = Kind::income;
+  setKind(income, Kind::income);
   LedgerEntry transfer = exportedEntry();
   transfer.kind = Kind::transfer;
   const std::string file = ofxExport({income, transfer});
@@ -98,6 +98,14 @@ TEST(AnOfxExport, HasNoBalanceThatDoesNotFit) {
   largest.amount = Money{9223372036854775807, "EGP"};
   EXPECT_THAT(ofxExport({largest}), HasSubstr("<BALAMT>-92233720368547758.07</BALAMT>"));
   EXPECT_THAT(ofxExport({largest, largest}), Not(HasSubstr("LEDGERBAL")));
+}
+
+TEST(AnOfxExport, HasEachHalfOfATransferInTheStatementOfItsAccount) {
+  const std::string file = ofxExport(exportedTransfer());
+  EXPECT_THAT(file, HasSubstr("<TRNTYPE>XFER</TRNTYPE>\n<DTPOSTED>20261121</DTPOSTED>\n"
+                              "<TRNAMT>-150.00</TRNAMT>"));
+  EXPECT_THAT(file, HasSubstr("<TRNTYPE>XFER</TRNTYPE>\n<DTPOSTED>20261121</DTPOSTED>\n"
+                              "<TRNAMT>150.00</TRNAMT>"));
 }
 
 }  // namespace
