@@ -212,6 +212,10 @@ std::vector<GroupSum<std::string>> Book::sumsByName(Names names, const money::Pe
   return book::sumsByName(file_->database, names, {period, largest});
 }
 
+std::vector<PayeeExpense> Book::expensesByDay(const money::Period& period) const {
+  return book::expensesByDay(file_->database, period);
+}
+
 void Book::keepIgnored(const IgnoredMessage& message) {
   if (message.date < firstKeptDay()) return;
   inOneStep([&] {

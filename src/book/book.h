@@ -68,6 +68,15 @@ struct LikelyPair {
   bool operator==(const LikelyPair&) const = default;
 };
 
+/// A booked expense and whose it is.
+struct PayeeExpense {
+  std::int64_t id = 0;
+  money::Day date;
+  money::Money amount;
+  /// The text of the `names::PayeeKey` of its payee, or of its description when it has none.
+  std::string payee;
+};
+
 /// The booked entries of a period that its sums count.
 struct Counted {
   /// The largest amount that is counted.
@@ -169,6 +178,8 @@ class Book {
   [[nodiscard]] std::vector<GroupSum<std::string>> sumsByName(Names names,
                                                               const money::Period& period,
                                                               std::int64_t largest) const;
+  /// Returns the booked expenses of `period`, in the order of their days.
+  [[nodiscard]] std::vector<PayeeExpense> expensesByDay(const money::Period& period) const;
 
   /// For so many days after its own an ignored message is kept.
   static constexpr int keptDays = 30;

@@ -2,8 +2,11 @@
 
 #include <limits>
 #include <optional>
+#include <string>
+#include <unordered_map>
 
 #include "book/book_file.h"
+#include "names/payee_key.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
@@ -82,6 +85,36 @@ std::vector<GroupSum<std::string>> sumsByName(sqlite3* database, Names names,
                                               const SumScope& scope) {
   return sumsBy(database, names == Names::category ? "category" : "description", scope,
                 [](std::string name) { return std::optional(std::move(name)); });
+}
+
+std::vector<PayeeExpense> expensesByDay(sqlite3* database, const money::Period& period) {
+  Statement query(database, R"(
+    SELECT id, date, minor_units, currency, folded_payee,
+      CASE WHEN folded_payee = '' THEN description ELSE '' END
+    FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ? AND kind = 'expense' AND
+      counterpart IS NULL AND minor_units BETWEEN 1 AND ? ORDER BY date, id)");
+  const std::string first = period.first.text();
+  const std::string last = period.last.text();
+  query.bind(first).bind(last).bind(money::largestSum);
+  // Folded once each.
+  std::unordered_map<std::string, std::string> keys;
+  const auto keyOf = [&keys](const std::string& description) {
+    const auto [found, isNew] = keys.try_emplace(description);
+    if (isNew) found->second = names::PayeeKey(description).text();
+    return found->second;
+  };
+  std::vector<PayeeExpense> found;
+  while (next(query)) {
+    const auto date = money::Day::fromText(query.text(1));
+    const auto currency = money::CurrencyCode::fromText(query.text(3));
+    if (!date || !currency) continue;
+    const std::string payee = query.text(4);
+    found.push_back({.id = query.integer(0),
+                     .date = *date,
+                     .amount = {query.integer(2), *currency},
+                     .payee = payee.empty() ? keyOf(query.text(5)) : payee});
+  }
+  return found;
 }
 
 }  // namespace kivo::book

@@ -23,5 +23,6 @@ std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScop
 std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope);
 std::vector<GroupSum<std::string>> sumsByName(sqlite3* database, Names names,
                                               const SumScope& scope);
+std::vector<PayeeExpense> expensesByDay(sqlite3* database, const money::Period& period);
 
 }  // namespace kivo::book

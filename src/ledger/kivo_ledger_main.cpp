@@ -19,6 +19,7 @@
 #include "ledger/commands/overview_commands.h"
 #include "ledger/commands/pair_commands.h"
 #include "ledger/commands/rate_command.h"
+#include "ledger/commands/recurring_command.h"
 #include "ledger/commands/rule_commands.h"
 #include "ledger/commands/teach_command.h"
 #include "ledger/extraction_endpoint.h"
@@ -78,12 +79,13 @@ struct Heading {
 };
 
 std::vector<Heading> headings() {
-  return {{"Look", {"list", "review", "ignored", "show", "summary", "report", "history"}},
-          {"Correct",
-           {"add", "edit", "accept", "book", "pair", "unpair", "delete", "forget-texts", "undo"}},
-          {"Teach", {"teach", "rules", "rate"}},
-          {"Old and other data", {"import", "export", "backup", "restore"}},
-          {"Service", {"serve"}}};
+  return {
+      {"Look", {"list", "review", "ignored", "show", "summary", "report", "recurring", "history"}},
+      {"Correct",
+       {"add", "edit", "accept", "book", "pair", "unpair", "delete", "forget-texts", "undo"}},
+      {"Teach", {"teach", "rules", "rate"}},
+      {"Old and other data", {"import", "export", "backup", "restore"}},
+      {"Service", {"serve"}}};
 }
 
 // Puts the commands in the order of their headings, those without one at the end.
@@ -109,6 +111,7 @@ linux_platform::CommandProgram program() {
   made.commands = listingCommands();
   for (Command& command : ignoredCommands()) made.commands.push_back(std::move(command));
   for (Command& command : overviewCommands()) made.commands.push_back(std::move(command));
+  made.commands.push_back(recurringCommand());
   made.commands.push_back(addingCommand());
   made.commands.push_back(importCommand());
   made.commands.push_back(editCommand());

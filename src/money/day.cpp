@@ -1,5 +1,6 @@
 #include "money/day.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -14,6 +15,20 @@ std::string formatted(const char* form, const std::chrono::year_month_day& day) 
 }
 
 }  // namespace
+
+std::optional<Year> Year::fromText(std::string_view text) {
+  const auto january = Month::fromText(std::string(text) + "-01");
+  return january ? std::optional(january->year()) : std::nullopt;
+}
+
+std::string Year::text() const { return months().front().text().substr(0, 4); }
+
+std::vector<Month> Year::months() const {
+  std::vector<Month> months;
+  for (unsigned number = 1; number <= 12; ++number)
+    months.emplace_back(year_ / std::chrono::month(number));
+  return months;
+}
 
 std::optional<Month> Month::fromText(std::string_view text) {
   if (text.size() != 7) return std::nullopt;
@@ -45,6 +60,16 @@ std::string Day::text() const { return formatted("%04d-%02u-%02u", day_); }
 
 Day Day::before(int count) const {
   return Day(std::chrono::sys_days(day_) - std::chrono::days(count));
+}
+
+int Day::daysSince(const Day& earlier) const {
+  return static_cast<int>(
+      (std::chrono::sys_days(day_) - std::chrono::sys_days(earlier.day_)).count());
+}
+
+Day Day::inNextMonth(int number) const {
+  const Month next = month().before(-1);
+  return Period::of(next).first.before(1 - std::min(number, next.days()));
 }
 
 Period Period::of(const Month& first, const Month& last) {

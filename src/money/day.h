@@ -1,4 +1,4 @@
-// Days and months of the Gregorian calendar. Knows no clock.
+// Days, months and years of the Gregorian calendar. Knows no clock.
 #pragma once
 
 #include <chrono>
@@ -6,8 +6,32 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kivo::money {
+
+class Month;
+
+/// A year from 0 to 9999.
+class Year {
+ public:
+  /// Reads four digits; absent for any other text.
+  static std::optional<Year> fromText(std::string_view text);
+  constexpr explicit Year(int number) : year_(number) {}
+
+  /// Returns yyyy.
+  [[nodiscard]] std::string text() const;
+  [[nodiscard]] constexpr Year before() const { return Year(static_cast<int>(year_) - 1); }
+  /// Returns its twelve months, January first.
+  [[nodiscard]] std::vector<Month> months() const;
+
+  // clang-tidy takes the 0 of a comparison for a pointer.
+  // NOLINTNEXTLINE(modernize-use-nullptr)
+  auto operator<=>(const Year&) const = default;
+
+ private:
+  std::chrono::year year_;
+};
 
 /// A month of a year from 0 to 9999.
 class Month {
@@ -29,6 +53,7 @@ class Month {
   [[nodiscard]] std::string shortName() const { return name().substr(0, 3); }
   /// The number of its days.
   [[nodiscard]] int days() const;
+  [[nodiscard]] constexpr Year year() const { return Year(static_cast<int>(month_.year())); }
   /// The month that is `count` months before this one.
   [[nodiscard]] Month before(int count = 1) const;
 
@@ -60,6 +85,10 @@ class Day {
   [[nodiscard]] constexpr Month month() const { return Month(day_.year() / day_.month()); }
   /// The day that is `count` days before this one, of a year from 0 on.
   [[nodiscard]] Day before(int count) const;
+  /// The number of days from `earlier` to this one; below zero when that is later.
+  [[nodiscard]] int daysSince(const Day& earlier) const;
+  /// The day `number`, or the last one, of the month that follows this one's.
+  [[nodiscard]] Day inNextMonth(int number) const;
   /// Its number in the month, from 1.
   [[nodiscard]] int number() const { return static_cast<int>(static_cast<unsigned>(day_.day())); }
 
@@ -85,6 +114,7 @@ struct Period {
   /// All days of the months from `first` to `last`.
   static Period of(const Month& first, const Month& last);
   static Period of(const Month& month) { return of(month, month); }
+  static Period of(const Year& year) { return of(year.months().front(), year.months().back()); }
 };
 
 constexpr std::chrono::year_month_day Day::parsed(std::string_view text) {

@@ -41,4 +41,8 @@ MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode&
   return summary;
 }
 
+void readRecurring(MonthSummary& summary, const Book& book) {
+  if (summary.today) summary.recurring = recurringPayments(book, summary.today->date);
+}
+
 }  // namespace kivo::overview

@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "book/book.h"
 #include "overview/period_summary.h"
+#include "overview/recurring_payments.h"
 
 namespace kivo::overview {
 
@@ -26,6 +28,8 @@ struct MonthSummary : PeriodSummary {
   money::Month month;
   /// Absent unless the month is the current one.
   std::optional<TodaysExpenses> today = {};
+  /// The payments that come each month; read by `readRecurring`.
+  std::vector<RecurringPayment> recurring = {};
 };
 
 /// Reads the figures of `month` of a book kept in `currency`. Takes a few queries: call it
@@ -36,5 +40,7 @@ MonthSummary summarize(const book::Book& book, const money::Month& month,
 /// `counted`.
 MonthSummary summarize(const book::Book& book, const money::Month& month,
                        const money::CurrencyCode& currency, const book::Counted& counted);
+/// Reads `recurring` of the current month; of another one it stays empty.
+void readRecurring(MonthSummary& summary, const book::Book& book);
 
 }  // namespace kivo::overview

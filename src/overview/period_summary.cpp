@@ -75,6 +75,10 @@ Money& MovedSums::sumOf(Kind kind) {
   return kind == Kind::income ? income : transfer;
 }
 
+Money MovedSums::saving() const {
+  return {income.minorUnits - expense.minorUnits, income.currency};
+}
+
 void readPeriods(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
                  const book::Counted& counted) {
   readTotals(summary, book, periods, counted.largest);

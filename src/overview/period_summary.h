@@ -21,6 +21,8 @@ struct MovedSums {
     refunded += group.refunded;
     transactions += group.transactions;
   }
+  /// Returns the income less the expense; below zero when more was spent.
+  [[nodiscard]] money::Money saving() const;
 
   /// Less the refunds, so that it may be below zero.
   money::Money expense;
@@ -33,6 +35,12 @@ struct MovedSums {
 
  private:
   money::Money& sumOf(money::Kind kind);
+};
+
+/// The sums of a month.
+struct MonthSums {
+  money::Month month;
+  MovedSums sums;
 };
 
 /// A period, and the one before it with which it is compared.

@@ -83,19 +83,19 @@ void drawBar(HtmlWriter& page, const char (&kind)[size], double left, double rig
 
 }  // namespace
 
-void ReportCharts::drawMonths(HtmlWriter& page, const ReportFigures& figures) {
-  const SumFormat format(figures.summary.currency);
+void ReportCharts::drawMonths(HtmlWriter& page, const std::vector<MonthSums>& months) {
+  const SumFormat format(months.front().sums.expense.currency);
   std::int64_t largest = 0;
-  for (const auto& [month, sums, transactions] : figures.months) {
+  for (const auto& [month, sums] : months) {
     largest = std::max({largest, sums.expense.minorUnits, sums.income.minorUnits});
   }
-  const Axis axis(largest, figures.summary.currency);
-  beginDrawing(page, axis, figures.months.size());
-  page.text("Spent and received in each month from " + figures.months.front().month.name() +
-            " to " + figures.months.back().month.name() + ". The table below has the sums.");
-  endTitle(page, figures.months.size());
+  const Axis axis(largest, months.front().sums.expense.currency);
+  beginDrawing(page, axis, months.size());
+  page.text("Spent and received in each month from " + months.front().month.name() + " to " +
+            months.back().month.name() + ". The table below has the sums.");
+  endTitle(page, months.size());
   double left = 0;
-  for (const auto& [month, sums, transactions] : figures.months) {
+  for (const auto& [month, sums] : months) {
     page.markup("<g><title>").text(month.name()).markup(": spent ");
     page.text(format.plain(sums.expense)).markup(", received ").text(format.plain(sums.income));
     page.markup("</title>");
@@ -105,7 +105,7 @@ void ReportCharts::drawMonths(HtmlWriter& page, const ReportFigures& figures) {
     left += slotWidth;
   }
   page.markup("</svg><div class=\"slots\" aria-hidden=\"true\">");
-  for (const ReportFigures::Month& month : figures.months) {
+  for (const MonthSums& month : months) {
     page.markup("<span>").text(month.month.shortName()).markup("</span>");
   }
   page.markup("</div></div>");

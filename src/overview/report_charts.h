@@ -1,13 +1,15 @@
 // The drawings of the report. Each has a text alternative; the page has the figures as tables.
 #pragma once
 
+#include <vector>
+
 #include "overview/html_writer.h"
 #include "overview/report_figures.h"
 
 namespace kivo::overview::ReportCharts {
 
-/// Draws expense and income of each of the twelve months.
-void drawMonths(HtmlWriter& page, const ReportFigures& figures);
+/// Draws expense and income of each of `months`, of which there is at least one.
+void drawMonths(HtmlWriter& page, const std::vector<MonthSums>& months);
 
 /// Draws the expense of each day of the month.
 void drawDays(HtmlWriter& page, const ReportFigures& figures);

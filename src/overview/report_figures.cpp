@@ -55,6 +55,7 @@ ReportFigures readReport(const Book& book, const Month& month,
                          const money::CurrencyCode& currency) {
   const Counted counted = book.counted(periodBefore(month));
   ReportFigures figures{.summary = summarize(book, month, currency, counted)};
+  readRecurring(figures.summary, book);
   readMonths(figures, book, counted.largest);
   readDays(figures, book, counted.largest);
   figures.review =

@@ -6,8 +6,8 @@
 
 #include "overview/html_writer.h"
 #include "overview/report_charts.h"
+#include "overview/report_parts.h"
 #include "overview/report_review.h"
-#include "overview/report_style.h"
 #include "overview/sum_format.h"
 
 namespace kivo::overview {
@@ -29,18 +29,18 @@ class Page {
       : figures_(figures), summary_(figures.summary), sums_(summary_.currency) {}
 
   std::string written() {
-    head();
+    ReportParts::writeHead(html_, "Kivo: " + summary_.month.name());
     title();
     html_.markup("<main>");
     ReportReview::writeNotice(html_, figures_);
     ReportReview::writeIgnored(html_, summary_);
-    leftOut();
+    ReportParts::writeLeftOut(html_, summary_);
     if (!summary_.isEmpty()) month();
+    due();
     if (!isEmpty()) months();
     ReportReview::writeList(html_, figures_, [this](const auto& entry) { return sumOf(entry); });
     if (!isEmpty()) list();
-    html_.markup("</main>\n<footer><p>Made by <code>kivo-ledger report</code> on this machine. ")
-        .markup("The page loads nothing from elsewhere.</p></footer>\n</body>\n</html>\n");
+    ReportParts::writeFoot(html_);
     return html_.html();
   }
 
@@ -58,21 +58,6 @@ class Page {
     });
   }
 
-  void head() {
-    html_
-        .markup(
-            "<!DOCTYPE html>\n<html lang=\"en\" dir=\"ltr\">\n<head>\n<meta charset=\"utf-8\">\n")
-        .markup("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; ")
-        .markup(
-            "style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'\">\n")
-        .markup("<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n")
-        .markup("<meta name=\"referrer\" content=\"no-referrer\">\n<title>Kivo: ")
-        .text(summary_.month.name())
-        .markup("</title>\n<style>")
-        .markup(reportStyle)
-        .markup("</style>\n</head>\n<body>\n");
-  }
-
   void title() {
     html_.markup("<header><h1>").text(summary_.month.name()).markup("</h1><p class=\"soft\">");
     if (summary_.isEmpty()) {
@@ -85,16 +70,11 @@ class Page {
     html_.markup("</p></header>\n");
   }
 
-  void leftOut() {
-    if (summary_.leftOut.empty()) return;
-    html_.markup("<p class=\"notice\">").text(leftOutNote(summary_.leftOut)).markup("</p>\n");
-  }
-
   void month() {
     html_.markup("<dl class=\"cards\">");
-    card("Spent", summary_.sums.expense, summary_.previous.expense, summary_.sums.refunded);
-    card("Received", summary_.sums.income, summary_.previous.income);
-    card("Transferred", summary_.sums.transfer, summary_.previous.transfer);
+    card({"Spent", summary_.sums.expense, summary_.previous.expense, summary_.sums.refunded});
+    card({"Received", summary_.sums.income, summary_.previous.income});
+    card({"Transferred", summary_.sums.transfer, summary_.previous.transfer});
     html_.markup("</dl>\n");
     if (hasExpenses()) {
       html_.markup("<div class=\"two\">");
@@ -103,22 +83,11 @@ class Page {
       html_.markup("</div>\n");
       days();
     }
-    otherCurrencies();
+    ReportParts::writeOtherCurrencies(html_, summary_);
   }
 
-  // `refunded` of `sum` came back.
-  void card(const char* name, const Money& sum, const Money& previous, const Money& refunded = {}) {
-    html_.markup("<div><dt>").text(name).markup("</dt><dd><strong>");
-    html_.amount(sums_.withCurrency(sum)).markup("</strong>");
-    if (refunded.minorUnits != 0) {
-      Money before = sum;
-      before += refunded;
-      html_.markup("<small>").amount(sums_.plain(before)).markup(" less ");
-      html_.amount(sums_.plain(refunded)).markup(" refunded</small> ");
-    }
-    html_.markup("<small>");
-    html_.amount(sums_.plain(previous)).markup(" in ");
-    html_.text(summary_.month.before().name()).markup("</small></dd></div>");
+  void card(const ReportParts::Card& card) {
+    ReportParts::writeCard(html_, sums_, card, summary_.month.before().name());
   }
 
   void sumCell(const Money& sum) {
@@ -173,36 +142,36 @@ class Page {
     html_.markup("</tbody></table></details></section>\n");
   }
 
-  void otherCurrencies() {
-    if (summary_.otherCurrencies.empty()) return;
-    html_.markup("<section class=\"sheet\" aria-labelledby=\"others\">")
-        .markup("<h2 id=\"others\">In other currencies</h2><table>")
-        .markup("<caption>Not part of the other sums.</caption><thead><tr>")
-        .markup("<th scope=\"col\">Currency</th><th scope=\"col\" class=\"sum\">Spent</th>")
-        .markup("<th scope=\"col\" class=\"sum\">Received</th>")
-        .markup("<th scope=\"col\" class=\"sum\">Transferred</th></tr></thead><tbody>");
-    for (const MovedSums& other : summary_.otherCurrencies) {
-      const money::CurrencyCode& currency = other.expense.currency;
-      const SumFormat sums(currency);
-      html_.markup("<tr><th scope=\"row\">").text(currency.text()).markup("</th>");
-      for (const Money& sum : {other.expense, other.income, other.transfer}) {
-        html_.markup("<td class=\"sum\">").amount(sums.plain(sum)).markup("</td>");
+  void due() {
+    if (!summary_.today) return;
+    bool isOpen = false;
+    for (const RecurringPayment& payment : summary_.recurring) {
+      const std::string words = dueWords(payment, summary_.today->date);
+      if (words.empty()) continue;
+      if (!isOpen) {
+        html_.markup("<section class=\"sheet\" aria-labelledby=\"due\">")
+            .markup("<h2 id=\"due\">Each month</h2><table><thead><tr>")
+            .markup("<th scope=\"col\">Payment</th><th scope=\"col\" class=\"sum\">Last sum</th>")
+            .markup("</tr></thead><tbody>\n");
       }
-      html_.markup("</tr>\n");
+      isOpen = true;
+      html_.markup("<tr><td>").name(payment.description).markup(" ").text(words);
+      html_.markup("</td><td class=\"sum\">")
+          .amount(sumText(payment.amount))
+          .markup("</td></tr>\n");
     }
-    html_.markup("</tbody></table></section>\n");
+    if (isOpen) html_.markup("</tbody></table></section>\n");
   }
 
   void months() {
-    html_
-        .markup(
-            "<section class=\"sheet\" aria-labelledby=\"months\"><h2 id=\"months\">Twelve "
-            "months</h2>")
-        .markup("<ul class=\"legend\"><li><svg aria-hidden=\"true\" viewBox=\"0 0 1 1\">")
-        .markup("<rect class=\"spent\" width=\"1\" height=\"1\"/></svg>Spent</li>")
-        .markup("<li><svg aria-hidden=\"true\" viewBox=\"0 0 1 1\">")
-        .markup("<rect class=\"received\" width=\"1\" height=\"1\"/></svg>Received</li></ul>");
-    ReportCharts::drawMonths(html_, figures_);
+    html_.markup(
+        "<section class=\"sheet\" aria-labelledby=\"months\"><h2 id=\"months\">Twelve "
+        "months</h2>");
+    ReportParts::writeLegend(html_);
+    std::vector<MonthSums> drawn;
+    for (const ReportFigures::Month& month : figures_.months)
+      drawn.push_back({month.month, month.sums});
+    ReportCharts::drawMonths(html_, drawn);
     html_.markup("<details><summary>The months as a table</summary><table><thead><tr>")
         .markup("<th scope=\"col\">Month</th><th scope=\"col\" class=\"sum\">Spent</th>")
         .markup("<th scope=\"col\" class=\"sum\">Received</th></tr></thead><tbody>");
@@ -273,11 +242,12 @@ class Page {
     html_.amount(sumOf(entry)).markup("</td></tr>\n");
   }
 
-  std::string sumOf(const LedgerEntry& entry) {
-    if (!entry.amount) return "";
-    if (entry.amount->currency == summary_.currency) return sums_.plain(*entry.amount);
-    const auto other = others_.try_emplace(entry.amount->currency, entry.amount->currency).first;
-    return other->second.withCurrency(*entry.amount);
+  std::string sumOf(const LedgerEntry& entry) { return entry.amount ? sumText(*entry.amount) : ""; }
+
+  // With its currency unless that is the book's.
+  std::string sumText(const Money& sum) {
+    if (sum.currency == summary_.currency) return sums_.plain(sum);
+    return others_.try_emplace(sum.currency, sum.currency).first->second.withCurrency(sum);
   }
 
   const ReportFigures& figures_;

@@ -46,7 +46,7 @@ void ReportReview::writeNotice(HtmlWriter& html, const ReportFigures& figures) {
   html.markup(" not in these sums: see \"In review\" below.</p>\n");
 }
 
-void ReportReview::writeIgnored(HtmlWriter& html, const MonthSummary& summary) {
+void ReportReview::writeIgnored(HtmlWriter& html, const PeriodSummary& summary) {
   if (summary.ignored == 0) return;
   const bool one = summary.ignored == 1;
   html.markup("<p class=\"notice\">").count(summary.ignored);

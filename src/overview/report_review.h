@@ -14,7 +14,7 @@ void writeNotice(HtmlWriter& html, const ReportFigures& figures);
 
 /// Writes one sentence that says how many messages with a sum were not booked; nothing when none
 /// was.
-void writeIgnored(HtmlWriter& html, const MonthSummary& summary);
+void writeIgnored(HtmlWriter& html, const PeriodSummary& summary);
 
 /// Writes a table of the entries that wait, with id, payee, message and sum; nothing when none
 /// does. `sumOf` formats the sum of an entry, empty when it has none.

@@ -24,6 +24,7 @@ p{margin:.3rem 0}
 margin:1rem 0;min-width:0}
 .cards{display:grid;grid-template-columns:repeat(3,1fr);gap:1rem;margin:1rem 0}
 .cards>div{margin:0}
+.four{grid-template-columns:repeat(4,1fr)}
 dt{color:var(--soft);font-size:.9rem}
 dd{margin:0}
 dd strong{display:block;font-size:1.5rem;line-height:1.3;font-weight:650;letter-spacing:-.01em}
@@ -31,6 +32,14 @@ dd small{font-size:.85rem}
 .notice{background:var(--notice);border-left:.25rem solid var(--edge);border-radius:.3rem;padding:.6rem .9rem}
 .two{display:grid;grid-template-columns:1fr 1fr;gap:1rem;align-items:start}
 .two>*{margin:0}
+.wide{overflow-x:auto}
+.wide:focus-visible{outline:2px solid var(--spent);outline-offset:3px;border-radius:.2rem}
+.wide th[scope=row]{white-space:nowrap}
+.by-month .wide table{font-size:.75rem}
+.by-month .wide th,.by-month .wide td{padding-left:.5rem}
+.by-month .wide th:first-child{padding-left:0;position:sticky;left:0;background:var(--sheet);max-width:9rem;overflow:hidden;
+text-overflow:ellipsis}
+tfoot th,tfoot td{border-top:1px solid var(--line);border-bottom:0;font-weight:600;color:inherit}
 bdi{overflow-wrap:anywhere}
 .sum bdi{overflow-wrap:normal}
 table{width:100%;border-collapse:collapse;font-size:.94rem}
@@ -64,13 +73,18 @@ summary:focus-visible{outline:2px solid var(--spent);outline-offset:3px;border-r
 .day{white-space:nowrap;width:1%}
 footer{padding-top:.5rem;padding-bottom:2.5rem;font-size:.85rem;color:var(--soft)}
 code{font-family:ui-monospace,"DejaVu Sans Mono",monospace;font-size:.92em}
-@media(max-width:44rem){header{padding-top:1.3rem}h1{font-size:1.5rem}.cards,.two{grid-template-columns:1fr;gap:.8rem}
+@media(max-width:60rem){.four{grid-template-columns:1fr 1fr}}
+@media(max-width:44rem){.wide table{font-size:.8rem}.wide th,.wide td{padding-left:.5rem}
+.wide th:first-child{padding-left:0}
+header{padding-top:1.3rem}h1{font-size:1.5rem}.cards,.two{grid-template-columns:1fr;gap:.8rem}
 .cards>div{padding:.7rem 1rem}.sheet{padding:1rem}
 th,td{padding-left:.7rem}.two>*{margin:0}.what{grid-template-columns:1fr}
 .chart svg{height:9rem}.axis{height:10.2rem}.chart{font-size:.7rem}}
+@page wide{size:A4 landscape}
 @media print{:root{color-scheme:light;--ground:#fff;--sheet:#fff;--ink:#000;--soft:#444;--line:#ccc;--spent:#2b6cb0;
 --received:#2f855a;--notice:#fff;--edge:#777}body{font-size:10pt}.sheet,.cards>div{border-color:#bbb;break-inside:avoid}
-.list{break-inside:auto}footer{display:none}tr{break-inside:avoid}thead{display:table-header-group}details:not([open]){display:none}
+.list{break-inside:auto}
+.by-month{page:wide}.by-month .wide table{font-size:6.5pt}.by-month th,.by-month td{padding-left:.3rem}.wide{overflow:visible}footer{display:none}tr{break-inside:avoid}thead{display:table-header-group}details:not([open]){display:none}
 *{-webkit-print-color-adjust:exact;print-color-adjust:exact}}
 )";
 

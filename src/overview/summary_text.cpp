@@ -1,78 +1,27 @@
 // The summary of a month for a terminal.
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <string>
-#include <string_view>
-#include <vector>
 
+#include "overview/recurring_view.h"
 #include "overview/sum_format.h"
+#include "overview/summary_parts.h"
 #include "overview/summary_view.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/text_columns.h"
 
 namespace kivo::overview {
 
-using money::Money;
-
 namespace {
 
 using linux_platform::columnsOf;
 using linux_platform::escapedControls;
+using SummaryParts::gap;
+using SummaryParts::longestBar;
+using SummaryParts::shortestBar;
+using SummaryParts::shortestName;
 
-constexpr std::string_view gap = "  ";
 constexpr std::size_t mostPayeesShown = 5;
-constexpr std::size_t longestName = 24;
-constexpr std::size_t shortestName = 12;
-constexpr std::size_t longestBar = 24;
-constexpr std::size_t shortestBar = 4;
-
-std::string bold(const std::string& text, const SummaryView::Look& look) {
-  if (look.style == SummaryView::Look::Style::plain) return text;
-  return "\x1b[1m" + text + "\x1b[0m";
-}
-
-// `part` of `whole` as a bar that is padded to `columns`.
-std::string bar(std::int64_t part, std::int64_t whole, std::size_t columns,
-                const SummaryView::Look& look) {
-  constexpr std::array<std::string_view, 8> eighths{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
-  const double share = static_cast<double>(std::max<std::int64_t>(part, 0)) /
-                       static_cast<double>(std::max<std::int64_t>(whole, 1));
-  auto left = static_cast<std::size_t>(std::lround(share * static_cast<double>(columns * 8)));
-  if (part > 0) left = std::max<std::size_t>(left, 1);
-  std::string drawn;
-  for (; left >= 8; left -= 8) drawn += "█";
-  drawn += eighths.at(left);
-  const std::string blanks(columns - columnsOf(drawn), ' ');
-  if (look.style == SummaryView::Look::Style::plain) return drawn + blanks;
-  return "\x1b[36m" + drawn + "\x1b[0m" + blanks;
-}
-
-// A column of texts that are aligned at its right edge.
-class RightAligned {
- public:
-  explicit RightAligned(std::string heading) : texts_{std::move(heading)} {
-    width_ = columnsOf(texts_[0]);
-  }
-
-  void add(const std::string& sum) {
-    // In a locale with digits of a right-to-left script, a mark keeps two sums from changing
-    // places.
-    constexpr std::string_view leftToRight = "\u200e";
-    const bool isAscii = std::all_of(sum.begin(), sum.end(), [](char c) { return c > 0; });
-    texts_.push_back(isAscii ? sum : sum + std::string(leftToRight));
-    width_ = std::max(width_, columnsOf(sum));
-  }
-  [[nodiscard]] std::size_t width() const { return width_; }
-  // The heading is the row 0.
-  [[nodiscard]] std::string at(std::size_t row) const {
-    return std::string(width_ - columnsOf(texts_[row]), ' ') + texts_[row];
-  }
-
- private:
-  std::vector<std::string> texts_;
-  std::size_t width_ = 0;
-};
 
 // The lines of one summary: sums of this month and of the one before, with a name at the end.
 class Lines {
@@ -81,27 +30,24 @@ class Lines {
       : summary_(summary),
         look_(look),
         sums_(summary.currency),
-        now_(summary.month.shortName()),
-        before_(summary.month.before().shortName()) {
-    for (const Money& sum : {summary.sums.expense, summary.sums.income, summary.sums.transfer}) {
-      now_.add(sums_.plain(sum));
-    }
-    for (const Money& sum :
-         {summary.previous.expense, summary.previous.income, summary.previous.transfer}) {
-      before_.add(sums_.plain(sum));
-    }
+        pairs_(summary.currency, summary.month.shortName(), summary.month.before().shortName()) {
+    pairs_.add(summary.sums.expense, summary.previous.expense);
+    pairs_.add(summary.sums.income, summary.previous.income);
+    pairs_.add(summary.sums.transfer, summary.previous.transfer);
     for (const MonthSummary::Category& category : summary.categories) {
-      now_.add(sums_.plain(category.expense));
-      before_.add(sums_.plain(category.previous));
+      pairs_.add(category.expense, category.previous);
     }
   }
 
   [[nodiscard]] std::string totals() const {
-    std::string lines = pair(0) + "\n";
+    std::string lines = pairs_.at(0) + "\n";
     constexpr std::array names{"Spent", "Received", "Transferred"};
     for (std::size_t row = 1; row <= totalRows; ++row) {
-      const std::string line = pair(row) + std::string(gap) + names.at(row - 1);
-      lines += line + (row == 1 ? refunds(columnsOf(line)) : "") + "\n";
+      const std::string line = pairs_.at(row) + std::string(gap) + names.at(row - 1);
+      const bool isSpent = row == 1;
+      lines += line;
+      if (isSpent) lines += SummaryParts::refunds(summary_.sums, look_, columnsOf(line));
+      lines += "\n";
     }
     return lines;
   }
@@ -113,18 +59,20 @@ class Lines {
       largest = std::max(largest, category.expense.minorUnits);
       longest = std::max(longest, columnsOf(escapedControls(category.name)));
     }
-    const std::size_t left = room(columnsOf(pair(0)) + gap.size());
+    const std::size_t left = room(columnsOf(pairs_.at(0)) + gap.size());
     const std::size_t barAndGap = shortestBar + gap.size();
     const std::size_t nameWidth =
-        std::min({longest, longestName, std::max(shortestName, left - std::min(left, barAndGap))});
+        std::min({longest, SummaryParts::longestName,
+                  std::max(shortestName, left - std::min(left, barAndGap))});
     const std::size_t forBar = left - std::min(left, nameWidth + gap.size());
     const std::size_t barWidth = forBar < shortestBar ? 0 : std::min(forBar, longestBar);
     std::string lines;
     for (std::size_t at = 0; at < summary_.categories.size(); ++at) {
       const MonthSummary::Category& category = summary_.categories[at];
-      lines += pair(totalRows + 1 + at) + std::string(gap);
+      lines += pairs_.at(totalRows + 1 + at) + std::string(gap);
       if (barWidth > 0)
-        lines += bar(category.expense.minorUnits, largest, barWidth, look_) + std::string(gap);
+        lines += SummaryParts::bar(category.expense.minorUnits, largest, barWidth, look_) +
+                 std::string(gap);
       lines += linux_platform::cutTo(nameWidth, escapedControls(category.name)) + "\n";
     }
     return lines;
@@ -149,68 +97,25 @@ class Lines {
     return lines;
   }
 
-  [[nodiscard]] std::string otherCurrencies() const {
-    std::string lines;
-    for (const MovedSums& other : summary_.otherCurrencies) {
-      const SumFormat sums(other.expense.currency);
-      const std::string code = other.expense.currency.text() + " ";
-      for (const auto& [sum, verb] : {std::pair(&other.expense, " spent\n"),
-                                      {&other.income, " received\n"},
-                                      {&other.transfer, " transferred\n"}}) {
-        if (sum->minorUnits != 0) lines += code + sums.plain(*sum) + verb;
-      }
-    }
-    return lines;
-  }
-
  private:
   static constexpr std::size_t totalRows = 3;
 
-  // The sum above without its refunds, behind `taken` columns of its line or on lines of its own.
-  [[nodiscard]] std::string refunds(std::size_t taken) const {
-    const MovedSums& moved = summary_.sums;
-    if (moved.refunded.minorUnits == 0) return "";
-    Money before = moved.expense;
-    before += moved.refunded;
-    const std::string note =
-        "(" + sums_.plain(before) + " less " + sums_.plain(moved.refunded) + " refunded)";
-    if (columnsOf(note) < room(taken)) return " " + note;
-    const std::string lines = linux_platform::wrappedTo(look_.width, note);
-    return "\n" + lines.substr(0, lines.size() - 1);
-  }
-
-  [[nodiscard]] std::string pair(std::size_t row) const {
-    return now_.at(row) + std::string(gap) + before_.at(row);
-  }
   // The columns that are left of a line.
   [[nodiscard]] std::size_t room(std::size_t taken) const {
-    return look_.width - std::min(look_.width, taken);
+    return SummaryParts::roomIn(look_, taken);
   }
 
   const MonthSummary& summary_;
   SummaryView::Look look_;
   SumFormat sums_;
-  RightAligned now_;
-  RightAligned before_;
+  PairedSums pairs_;
 };
 
-std::string ignoredLine(const MonthSummary& summary) {
-  if (summary.ignored == 0) return "";
-  const bool one = summary.ignored == 1;
-  return "\n" + std::to_string(summary.ignored) + (one ? " message" : " messages") + " with a sum" +
-         (one ? " was" : " were") + " not booked:\nkivo-ledger ignored\n";
-}
-
-std::string reviewLine(const MonthSummary& summary) {
-  if (summary.review == 0) return "";
-  const bool one = summary.review == 1;
-  return "\n" + std::to_string(summary.review) +
-         (one ? " transaction waits" : " transactions wait") + " in review:\nkivo-ledger review\n";
-}
-
-std::string leftOutLines(const MonthSummary& summary, const SummaryView::Look& look) {
-  const std::string note = leftOutNote(summary.leftOut);
-  return note.empty() ? "" : "\n" + linux_platform::wrappedTo(look.width, note);
+std::string dueSection(const MonthSummary& summary, const SummaryView::Look& look) {
+  if (!summary.today) return "";
+  return SummaryParts::section(
+      "Each month", RecurringView::dueLines(summary.recurring, summary.today->date, look.width),
+      look);
 }
 
 }  // namespace
@@ -218,21 +123,18 @@ std::string leftOutLines(const MonthSummary& summary, const SummaryView::Look& l
 std::string SummaryView::text(const MonthSummary& summary, const money::Month& today,
                               const Look& look) {
   const std::string month = summary.month.name();
-  const std::string notes =
-      leftOutLines(summary, look) + reviewLine(summary) + ignoredLine(summary);
+  const std::string notes = dueSection(summary, look) + SummaryParts::notes(summary, look);
   if (summary.isEmpty()) return "Nothing is booked in " + month + ".\n" + notes;
   const bool runs = summary.month == today;
   const Lines lines(summary, look);
-  std::string text = bold(month + (runs ? " so far" : ""), look) + ", in " +
-                     summary.currency.text() + "\nbeside " + (runs ? "all of " : "") +
-                     summary.month.before().name() + "\n\n" + lines.totals();
-  const auto add = [&](const char* heading, const std::string& section) {
-    if (!section.empty()) text += "\n" + bold(heading, look) + "\n" + section;
-  };
-  add("Spent on", lines.categories());
-  add("Biggest payees", lines.payees());
-  add("Besides, in other currencies", lines.otherCurrencies());
-  return text + notes;
+  return SummaryParts::bold(month + (runs ? " so far" : ""), look) + ", in " +
+         summary.currency.text() + "\nbeside " + (runs ? "all of " : "") +
+         summary.month.before().name() + "\n\n" + lines.totals() +
+         SummaryParts::section("Spent on", lines.categories(), look) +
+         SummaryParts::section("Biggest payees", lines.payees(), look) +
+         SummaryParts::section("Besides, in other currencies",
+                               SummaryParts::otherCurrencies(summary), look) +
+         notes;
 }
 
 }  // namespace kivo::overview

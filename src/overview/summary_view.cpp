@@ -1,5 +1,7 @@
 #include "overview/summary_view.h"
 
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace kivo::overview {
@@ -56,6 +58,49 @@ JSONEncoder todayObject(const TodaysExpenses& today) {
   return object;
 }
 
+// The members of a summary that follow those of its period.
+void encodeRest(JSONEncoder& object, const PeriodSummary& summary,
+                const std::vector<JSONEncoder>& categories,
+                const std::vector<JSONEncoder>& payees) {
+  object.encodeObjects("categories", categories);
+  object.encodeObjects("payees", payees);
+  std::vector<JSONEncoder> others;
+  for (const MovedSums& sums : summary.otherCurrencies) {
+    others.emplace_back().encodeString("currency", sums.expense.currency.text());
+    encodeSums(others.back(), sums);
+  }
+  object.encodeObjects("other_currencies", others);
+  std::string leftOut;
+  for (const std::int64_t id : summary.leftOut) {
+    leftOut += (leftOut.empty() ? "" : ", ") + std::to_string(id);
+  }
+  object.encodeString("left_out", leftOut);
+}
+
+// The sums of a year or of one of its months.
+void encodeSavedSums(JSONEncoder& object, const MovedSums& sums) {
+  encodeSums(object, sums);
+  object.encodeString("saving", amountText(sums.saving()));
+  object.encodeString("transactions", std::to_string(sums.transactions));
+}
+
+std::vector<JSONEncoder> monthObjects(const YearSummary& summary) {
+  std::vector<JSONEncoder> objects;
+  for (const YearSummary::Month& month : summary.months) {
+    JSONEncoder& object = objects.emplace_back();
+    object.encodeString("month", month.month.text());
+    encodeSavedSums(object, month.sums);
+    object.encodeString("previous", amountText(month.previous));
+  }
+  return objects;
+}
+
+std::vector<std::string> texts(const std::vector<money::Money>& sums) {
+  std::vector<std::string> found;
+  for (const money::Money& sum : sums) found.push_back(amountText(sum));
+  return found;
+}
+
 }  // namespace
 
 JSONEncoder SummaryView::json(const MonthSummary& summary) {
@@ -68,19 +113,31 @@ JSONEncoder SummaryView::json(const MonthSummary& summary) {
   object.encodeString("ignored", std::to_string(summary.ignored));
   if (summary.today) object.encodeObject("today", todayObject(*summary.today));
   object.encodeObject("previous", monthObject(summary.month.before(), summary.previous));
-  object.encodeObjects("categories", categoryObjects(summary));
-  object.encodeObjects("payees", payeeObjects(summary));
-  std::vector<JSONEncoder> others;
-  for (const MovedSums& sums : summary.otherCurrencies) {
-    others.emplace_back().encodeString("currency", sums.expense.currency.text());
-    encodeSums(others.back(), sums);
+  encodeRest(object, summary, categoryObjects(summary), payeeObjects(summary));
+  return object;
+}
+
+JSONEncoder SummaryView::json(const YearSummary& summary) {
+  JSONEncoder object;
+  object.encodeString("year", summary.year.text());
+  object.encodeString("currency", summary.currency.text());
+  encodeSavedSums(object, summary.sums);
+  object.encodeString("review", std::to_string(summary.review));
+  object.encodeString("ignored", std::to_string(summary.ignored));
+  JSONEncoder previous;
+  previous.encodeString("year", summary.year.before().text());
+  encodeSavedSums(previous, summary.previous);
+  object.encodeObject("previous", std::move(previous));
+  object.encodeObjects("months", monthObjects(summary));
+  std::vector<JSONEncoder> categories = categoryObjects(summary);
+  for (std::size_t at = 0; at < categories.size(); ++at) {
+    categories[at].encodeStrings("months", texts(summary.categoryMonths[at]));
   }
-  object.encodeObjects("other_currencies", others);
-  std::string leftOut;
-  for (const std::int64_t id : summary.leftOut) {
-    leftOut += (leftOut.empty() ? "" : ", ") + std::to_string(id);
+  std::vector<JSONEncoder> payees = payeeObjects(summary);
+  for (std::size_t at = 0; at < payees.size(); ++at) {
+    payees[at].encodeString("previous", amountText(summary.payeesBefore[at]));
   }
-  object.encodeString("left_out", leftOut);
+  encodeRest(object, summary, categories, payees);
   return object;
 }
 

@@ -1,10 +1,11 @@
-// The summary of a month as JSON and for a terminal.
+// The summaries of a month and of a year as JSON and for a terminal.
 #pragma once
 
 #include <cstddef>
 #include <string>
 
 #include "overview/month_summary.h"
+#include "overview/year_summary.h"
 #include "platform/foundation/json_encoder.h"
 
 namespace kivo::overview::SummaryView {
@@ -15,6 +16,9 @@ namespace kivo::overview::SummaryView {
 /// (absent unless the month is the current one), "previous", "categories", "payees",
 /// "other_currencies", "left_out". Sums are plain decimals with the currency's decimals.
 platform::JSONEncoder json(const MonthSummary& summary);
+/// Does so for a year: without "month" and "today", with "year", "saving" beside the other sums,
+/// "months" (twelve), and "months" and "previous" in each category and "previous" in each payee.
+platform::JSONEncoder json(const YearSummary& summary);
 
 /// The width and the style of a terminal.
 struct Look {
@@ -26,5 +30,7 @@ struct Look {
 /// last in their lines, so that one that is written from right to left moves no sum. Lines are no
 /// longer than the width of `look`, unless the sums alone are. `today` is the current month.
 std::string text(const MonthSummary& summary, const money::Month& today, const Look& look);
+/// Does so for a year: months, categories with a small bar for each month, payees.
+std::string text(const YearSummary& summary, const Look& look);
 
 }  // namespace kivo::overview::SummaryView

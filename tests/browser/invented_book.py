@@ -77,3 +77,9 @@ class InventedBook:
         path = self.folder / name
         self.call("report", "--no-open", "--month", month, "--output", path)
         return path
+
+    def year_report(self, name="year.html", year="2026"):
+        """The path of a new report of a year."""
+        path = self.folder / name
+        self.call("report", "--no-open", "--year", year, "--output", path)
+        return path

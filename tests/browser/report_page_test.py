@@ -39,11 +39,15 @@ class TheReport(unittest.TestCase):
         hostile.add("2026-11-20", "income", 123456789012345, HOSTILE + "W" * 90, "Other", state="review",
                     text=f"{HOSTILE}\n{'W' * 300} مطعم أبو طارق")
         cls.hostile = hostile.report()
-        cls.empty = InventedBook(f"{folder}/empty", PROGRAMS).report()
         arabic = InventedBook(f"{folder}/arabic", PROGRAMS, "ar_EG.UTF-8")
         arabic.add_year()
         cls.arabic = arabic.report()
-        cls.pages = {"year": cls.year, "hostile": cls.hostile, "empty": cls.empty, "arabic": cls.arabic}
+        empty = InventedBook(f"{folder}/empty", PROGRAMS)
+        cls.empty = empty.report()
+        months = {"year": cls.year, "hostile": cls.hostile, "empty": cls.empty, "arabic": cls.arabic}
+        years = {f"{name}-of-2026": of.year_report() for name, of in
+                 (("year", book), ("hostile", hostile), ("empty", empty), ("arabic", arabic))}
+        cls.pages = months | years
 
     def test_is_valid_html(self):
         for name, page in self.pages.items():
@@ -81,7 +85,8 @@ class TheReport(unittest.TestCase):
                 self.browser.show(page)
                 self.assertEqual(self.browser.value("performance.getEntriesByType('resource').map(one => one.name)"), [])
                 self.assertEqual(self.browser.value("document.scripts.length + document.images.length"), 0)
-                self.assertEqual(self.browser.value("document.title"), "Kivo: November 2026")
+                title = "Kivo: 2026" if name.endswith("-of-2026") else "Kivo: November 2026"
+                self.assertEqual(self.browser.value("document.title"), title)
                 self.assertEqual(self.browser.complaints(), [])
 
     def test_forbids_what_it_does_not_need(self):
@@ -130,6 +135,14 @@ class TheReport(unittest.TestCase):
                                            " row.cells[1].getBoundingClientRect().right <="
                                            " row.querySelector('.sum').getBoundingClientRect().left + 1)")
                 self.assertTrue(names)
+
+    def test_scrolls_a_years_widest_table_by_itself(self):
+        self.browser.show(self.pages["year-of-2026"], PHONE)
+        table = "document.querySelector('.by-month .wide')"
+        self.assertTrue(self.browser.value(f"{table}.scrollWidth > {table}.clientWidth"))
+        self.browser.run(f"{table}.scrollLeft = 10000")
+        self.assertGreater(self.browser.value(f"{table}.scrollLeft"), 0)
+        self.assertGreaterEqual(self.browser.value(f"{table}.querySelector('tbody th').getBoundingClientRect().left"), 0)
 
     def test_opens_a_closed_month_for_a_text_that_is_searched_in_it(self):
         self.browser.show(self.year)

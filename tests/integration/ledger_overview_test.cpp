@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
+#include "book/current_day.h"
 #include "platform/linux/process/child_process.h"
 #include "testkit/private_ledger.h"
 #include "testkit/raw_store.h"
@@ -78,6 +79,48 @@ TEST_F(AnOverview, SumsUpAMonth) {
   EXPECT_EQ(json["payees"][0]["description"], "Carrefour City");
   EXPECT_EQ(run({"summary", "--month", "2026-09"}).output,
             "Nothing is booked in September 2026.\n");
+}
+
+TEST_F(AnOverview, SumsUpAYear) {
+  book();
+  const ProgramResult shown = run({"summary", "--year", "2026"});
+  EXPECT_EQ(shown.status, 0);
+  EXPECT_THAT(shown.output, HasSubstr(" 150.00  0.00  Spent\n"));
+  EXPECT_THAT(shown.output, HasSubstr("-150.00  0.00  Saved\n"));
+  const auto json = nlohmann::json::parse(run({"summary", "--year", "2026", "--json"}).output);
+  EXPECT_EQ(json["saving"], "-150.00");
+  EXPECT_EQ(json["months"][10]["expense"], "150.00");
+  EXPECT_EQ(json["categories"][0]["months"][10], "150.00");
+  EXPECT_EQ(json["payees"][0]["previous"], "0.00");
+  EXPECT_EQ(run({"summary", "--year", "2024"}).output, "Nothing is booked in 2024.\n");
+}
+
+TEST_F(AnOverview, WritesAReportOfAYear) {
+  book();
+  const ProgramResult written = run({"report", "--year", "2026", "--no-open"});
+  EXPECT_EQ(written.status, 0) << written.errors;
+  EXPECT_THAT(contentOf(page()), HasSubstr("<title>Kivo: 2026</title>"));
+  EXPECT_THAT(contentOf(page()), HasSubstr("<bdi>Carrefour City</bdi>"));
+  EXPECT_EQ(modeOf(page()), 0600U);
+}
+
+TEST_F(AnOverview, ListsThePaymentsThatComeEachMonth) {
+  EXPECT_EQ(run({"recurring"}).output, "No payment came three months in a row.\n");
+  EXPECT_EQ(run({"recurring", "--json"}).output, "[]\n");
+  const money::Month month = book::currentMonth();
+  for (int back = 3; back >= 1; --back) {
+    const ProgramResult added = run({"add", "--amount", "6500", "--payee", "Green Homes", "--date",
+                                     month.before(back).text() + "-28", "--category", "Rent"});
+    ASSERT_EQ(added.status, 0) << added.errors;
+  }
+  EXPECT_THAT(run({"recurring"}).output, HasSubstr("6500.00 EGP      3  Green Homes  Rent\n"));
+  const auto json = nlohmann::json::parse(run({"recurring", "--json"}).output);
+  ASSERT_EQ(json.size(), 1U);
+  EXPECT_EQ(json[0]["description"], "Green Homes");
+  EXPECT_EQ(json[0]["amount"], "6500.00");
+  EXPECT_EQ(json[0]["next"], month.text() + "-28");
+  EXPECT_EQ(json[0]["times"], "3");
+  EXPECT_THAT(run({"summary"}).output, HasSubstr("\nEach month\nGreen Homes "));
 }
 
 TEST_F(AnOverview, LeavesOutAndNamesAnEntryWhoseAmountIsOutOfRange) {
@@ -184,6 +227,10 @@ TEST_F(AnOverview, RefusesACallThatDoesNotFit) {
        std::vector<std::pair<std::vector<std::string>, std::string>>{
            {{"summary", "--month", "2026-13"},
             "invalid --month \"2026-13\": it must be a month such as 2026-11"},
+           {{"summary", "--year", "26"}, "invalid --year \"26\": it must be a year such as 2026"},
+           {{"summary", "--year", "2026", "--month", "2026-11"},
+            "give --month or --year, not both"},
+           {{"report", "--year", "2026", "--month", "2026-11"}, "give --month or --year, not both"},
            {{"report", "--month", ""}, "invalid --month \"\": it must be a month such as 2026-11"},
            {{"report", "--output", ""}, "invalid --output \"\": it must be the name of a file"}}) {
     const ProgramResult refused = run(arguments);

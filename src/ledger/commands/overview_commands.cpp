@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "book/current_day.h"
@@ -12,6 +13,7 @@
 #include "overview/report_figures.h"
 #include "overview/report_page.h"
 #include "overview/summary_view.h"
+#include "overview/year_page.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_output.h"
@@ -22,10 +24,13 @@ namespace kivo::ledger {
 using book::Book;
 using book::currentMonth;
 using money::Month;
+using money::Year;
 using overview::MonthSummary;
 using overview::readReport;
 using overview::reportPage;
 using overview::summarize;
+using overview::yearPage;
+using overview::YearSummary;
 
 namespace {
 
@@ -35,30 +40,57 @@ using linux_platform::GivenParameters;
 using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-// Calls `use` with a snapshot of the book, the given or current month and the book's currency.
-void withMonth(const GivenParameters& parameters,
-               const std::function<void(const Book&, const Month& month,
-                                        const money::CurrencyCode& currency)>& use) {
-  const Month month = givenMonth(parameters).value_or(currentMonth());
+// Calls `use` with a snapshot of the book and the book's currency.
+void withSnapshot(
+    const std::function<void(const Book&, const money::CurrencyCode& currency)>& use) {
   const money::CurrencyCode currency = requiredBookCurrency();
   withBook([&](const Book& book) {
     book.atOneMoment([&] {
       tellSetAside(book);
-      use(book, month, currency);
+      use(book, currency);
     });
   });
 }
 
+// Returns the value of --year; absent when it was not given.
+std::optional<Year> givenYear(const GivenParameters& parameters) {
+  const auto text = given(parameters, "--year");
+  if (!text) return std::nullopt;
+  const auto year = Year::fromText(*text);
+  if (!year) throw invalid("--year", *text, "a year such as 2026");
+  if (parameters.contains("--month")) throw BadUsage("give --month or --year, not both");
+  return year;
+}
+
+Month shownMonth(const GivenParameters& parameters) {
+  return givenMonth(parameters).value_or(currentMonth());
+}
+
+SummaryView::Look terminalLook() {
+  SummaryView::Look look;
+  look.width = linux_platform::onTerminal() ? linux_platform::screenWidth() : look.width;
+  if (linux_platform::terminalShowsStyles()) look.style = SummaryView::Look::Style::coloured;
+  return look;
+}
+
+void printJson(const platform::JSONEncoder& object) {
+  print(linux_platform::jsonForStandardOutput(object.text()) + "\n");
+}
+
 void summary(const GivenParameters& parameters) {
-  withMonth(parameters, [&](const Book& book, const auto& month, const auto& currency) {
-    const MonthSummary figures = summarize(book, month, currency);
-    if (parameters.contains("--json")) {
-      return print(linux_platform::jsonForStandardOutput(SummaryView::json(figures).text()) + "\n");
+  const auto year = givenYear(parameters);
+  const Month month = shownMonth(parameters);
+  const bool asJson = parameters.contains("--json");
+  withSnapshot([&](const Book& book, const auto& currency) {
+    if (year) {
+      const YearSummary figures = summarize(book, *year, currency);
+      if (asJson) return printJson(SummaryView::json(figures));
+      return print(SummaryView::text(figures, terminalLook()));
     }
-    SummaryView::Look look;
-    look.width = linux_platform::onTerminal() ? linux_platform::screenWidth() : look.width;
-    if (linux_platform::terminalShowsStyles()) look.style = SummaryView::Look::Style::coloured;
-    print(SummaryView::text(figures, currentMonth(), look));
+    MonthSummary figures = summarize(book, month, currency);
+    if (asJson) return printJson(SummaryView::json(figures));
+    readRecurring(figures, book);
+    print(SummaryView::text(figures, currentMonth(), terminalLook()));
   });
 }
 
@@ -75,8 +107,11 @@ std::filesystem::path reportPlace(const GivenParameters& parameters) {
 void report(const GivenParameters& parameters) {
   const std::filesystem::path path = reportPlace(parameters);
   std::string page;
-  withMonth(parameters, [&](const Book& book, const auto& month, const auto& currency) {
-    page = reportPage(readReport(book, month, currency));
+  const auto year = givenYear(parameters);
+  const Month month = shownMonth(parameters);
+  withSnapshot([&](const Book& book, const auto& currency) {
+    page = year ? yearPage(summarize(book, *year, currency))
+                : reportPage(readReport(book, month, currency));
   });
   writeFile(path, page);
   print(linux_platform::forStandardOutput(path.string()) + "\n");
@@ -88,14 +123,17 @@ void report(const GivenParameters& parameters) {
 std::vector<linux_platform::Command> overviewCommands() {
   const linux_platform::CommandParameter month{
       "--month", "The month, as 2026-11; this month when not given", ParameterKind::optional};
+  const linux_platform::CommandParameter year{"--year", "A year in the place of a month, as 2026",
+                                              ParameterKind::optional};
   return {
       {"summary",
-       "Show a month's sums beside the month before",
-       {month, {"--json", "Print JSON", ParameterKind::flag}},
+       "Show the sums of a month or a year beside those before",
+       {month, year, {"--json", "Print JSON", ParameterKind::flag}},
        summary},
       {"report",
-       "Open a page about a month and the year before it",
+       "Open a page about a month and the year before it, or about a year",
        {month,
+        year,
         {"--output", "The file to write; kivo/report.html in XDG_RUNTIME_DIR when not given",
          ParameterKind::optional},
         {"--no-open", "Only write it", ParameterKind::flag}},

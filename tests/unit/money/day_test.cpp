@@ -70,5 +70,36 @@ TEST(APeriod, BeginsAndEndsWithItsMonths) {
   EXPECT_EQ(several.last, Day("2026-11-30"));
 }
 
+TEST(ADay, CountsTheDaysSinceAnother) {
+  EXPECT_EQ(Day("2028-03-01").daysSince("2028-02-28"), 2);
+  EXPECT_EQ(Day("2026-12-31").daysSince("2027-01-01"), -1);
+}
+
+TEST(ADay, HasTheSameNumberInTheNextMonthOrTheLastOne) {
+  EXPECT_EQ(Day("2026-12-05").inNextMonth(5), Day("2027-01-05"));
+  EXPECT_EQ(Day("2027-01-31").inNextMonth(31), Day("2027-02-28"));
+  EXPECT_EQ(Day("2028-01-31").inNextMonth(31), Day("2028-02-29"));
+  EXPECT_EQ(Day("2027-02-28").inNextMonth(31), Day("2027-03-31"));
+}
+
+TEST(AYear, IsReadFromFourDigitsAlone) {
+  EXPECT_EQ(Year::fromText("2026")->text(), "2026");
+  EXPECT_EQ(Year::fromText("0000")->text(), "0000");
+  EXPECT_EQ(Year::fromText("9999")->before().text(), "9998");
+  for (const char* text : {"", "26", "20266", "2026-", "-026", "+026", "2o26", " 2026", "٢٠٢٦"}) {
+    EXPECT_FALSE(Year::fromText(text)) << text;
+  }
+}
+
+TEST(AYear, HasItsTwelveMonths) {
+  const auto months = Year(2028).months();
+  ASSERT_EQ(months.size(), 12U);
+  EXPECT_EQ(months.front(), Month("2028-01"));
+  EXPECT_EQ(months[1].days(), 29);
+  EXPECT_EQ(months.back(), Month("2028-12"));
+  EXPECT_EQ(Month("2028-02").year(), Year(2028));
+  EXPECT_EQ(Period::of(Year(2028)).last, Day("2028-12-31"));
+}
+
 }  // namespace
 }  // namespace kivo::money

@@ -295,5 +295,15 @@ TEST_F(AReport, SaysHowManyOfAVeryLongReviewItLeavesOut) {
   EXPECT_THAT(reportPage(figures), HasSubstr("The newest 1 are here."));
 }
 
+TEST_F(AReport, SaysWhichPaymentsOfEachMonthAreDue) {
+  Book book = open();
+  for (const money::Day date : std::vector<money::Day>{"2026-08-30", "2026-09-30", "2026-10-30"}) {
+    booked(book, spent(100, "Rent <b>"), date);
+  }
+  EXPECT_THAT(page(book), HasSubstr("<bdi>Rent &lt;b&gt;</bdi> is due on the 30th</td>"
+                                    "<td class=\"sum\"><bdi>1.00</bdi></td>"));
+  EXPECT_THAT(page(book, "2026-10"), Not(HasSubstr("is due")));
+}
+
 }  // namespace
 }  // namespace kivo::overview

@@ -181,6 +181,18 @@ TEST_F(ASummaryText, SaysHowManyMessagesWithASumWereNotBooked) {
   EXPECT_THAT(linesOf(most), Each(ResultOf(columnsOf, Le(40U))));
 }
 
+TEST_F(ASummaryText, SaysWhichPaymentsOfEachMonthAreDueOrLate) {
+  summary_.recurring = {{"Gym", "Health", egp(100), "2026-10-05", "2026-11-05", 3},
+                        {"Rent", "Home", egp(100), "2026-10-30", "2026-11-30", 3},
+                        {"Club", "Health", egp(100), "2026-11-20", "2026-12-20", 3}};
+  EXPECT_THAT(text(), Not(HasSubstr("Each month")));
+  summary_.today = {"2026-11-21", egp(0), egp(0), 0};
+  const std::string lines = "\nEach month\nGym has not come this month\nRent is due on the 30th\n";
+  EXPECT_THAT(text(), EndsWith("Uber\n" + lines));
+  summary_.sums = MovedSums("EGP");
+  EXPECT_EQ(text(), "Nothing is booked in November 2026.\n" + lines);
+}
+
 TEST_F(ASummaryText, OfAnEmptyMonthIsOneSentence) {
   summary_ = {"2026-02", "EGP"};
   EXPECT_EQ(text(), "Nothing is booked in February 2026.\n");
