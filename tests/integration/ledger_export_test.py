@@ -181,6 +181,22 @@ class Export(unittest.TestCase):
         self.compare(own, other, lambda text: one_line(text.replace(",", " ")),
                      lambda text: one_line(text).replace(";", ",").replace("|", "/"))
 
+    def test_converted_sums_pass_the_checks_of_hledger_and_beancount(self):
+        book = Book()
+        self.addCleanup(book.close)
+        book.add(("2026-11-21", kind, 97_000, "EGP", "Abroad", "Fun", "4821", "", "booked")
+                 for kind in ("expense", "income", "transfer"))
+        with sqlite3.connect(book.file) as file:
+            file.execute("UPDATE transactions SET original = 2000, original_currency = 'USD'")
+        file.close()
+        journal = book.export("hledger")
+        self.tool("hledger", "-f", journal, "check", "--strict")
+        spent = self.tool("hledger", "-f", journal, "balance", "-N", "Expenses")
+        self.assertEqual(spent.split(), ["20.00", "USD", "Expenses:Fun"])
+        earned = self.tool("hledger", "-f", journal, "balance", "-N", "--cost", "Income")
+        self.assertEqual(earned.split(), ["-970.00", "EGP", "Income:Fun"])
+        self.assertEqual(self.tool("bean-check", book.export("beancount")), "")
+
     def compare(self, own, other, category_name, account_name):
         """Compares postings with the book: by own account, and by kind and category."""
         roots = {"expense": "Expenses", "income": "Income", "transfer": "Equity"}

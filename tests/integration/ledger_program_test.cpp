@@ -236,6 +236,29 @@ TEST_F(ALedger, SaysTheSumAndTheRateOfAnAcceptedForeignSum) {
   EXPECT_EQ(shown({"accept", "2"}), "Booked as EGP 970.00 at the rate 48.5.\n");
 }
 
+TEST_F(ALedger, ListsTheSumFromWhichAnEntryWasConverted) {
+  const auto server = ledger_.start();
+  ledger_.post("KEY-1", purchaseAbroad);
+  EXPECT_FALSE(json({"review"})[0].contains("original_amount"));
+  shown({"rate", "USD", "48.5"});
+  shown({"accept", "1"});
+  EXPECT_EQ(json({"list"})[0]["original_amount"], "20.00");
+  EXPECT_EQ(json({"show", "1"})["original_currency"], "USD");
+}
+
+TEST_F(ALedger, KeepsTheOriginalSumUntilAPersonSetsAnotherAmount) {
+  const auto server = ledger_.start();
+  shown({"rate", "USD", "48.5"});
+  ledger_.post("KEY-1", purchaseAbroad);
+  shown({"edit", "1", "--description", "Books"});
+  EXPECT_EQ(json({"list"})[0]["original_amount"], "20.00");
+  shown({"edit", "1", "--amount", "975"});
+  EXPECT_FALSE(json({"list"})[0].contains("original_amount"));
+  EXPECT_FALSE(json({"list"})[0].contains("original_currency"));
+  shown({"undo"});
+  EXPECT_EQ(json({"list"})[0]["original_currency"], "USD");
+}
+
 TEST_F(ALedger, RoundsAConvertedSumHalfUp) {
   const auto server = ledger_.start();
   shown({"rate", "USD", "1.005"});

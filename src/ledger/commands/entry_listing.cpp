@@ -254,6 +254,10 @@ platform::JSONEncoder EntryListing::json(const LedgerEntry& entry) {
   object.encodeString("account", entry.account);
   object.encodeString("reference", entry.reference);
   object.encodeString("state", stateText(entry.state));
+  if (entry.original) {
+    object.encodeString("original_amount", amountText(*entry.original));
+    object.encodeString("original_currency", entry.original->currency.text());
+  }
   if (entry.refund) object.encodeString("refund", "true");
   if (entry.counterpart) object.encodeString("counterpart", std::to_string(*entry.counterpart));
   if (entry.possibleDuplicateOf) {

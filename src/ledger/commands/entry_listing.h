@@ -26,8 +26,9 @@ std::string details(const book::LedgerEntry& entry);
 
 /// Returns `entry` as a JSON object of strings: "id", "key", "date", "kind", "amount" (a plain
 /// decimal with the currency's decimals, "" when absent), "currency", "description", "category",
-/// "account", "reference", "state"; "refund" ("true"), "counterpart" and "possible_duplicate_of"
-/// (ids) are absent when the entry is no refund, has no other half, and looks like no other.
+/// "account", "reference", "state"; "original_amount" and "original_currency", "refund" ("true"),
+/// "counterpart" and "possible_duplicate_of" (ids) are absent when the entry was not converted, is
+/// no refund, has no other half, and looks like no other.
 platform::JSONEncoder json(const book::LedgerEntry& entry);
 
 }  // namespace kivo::ledger::EntryListing

@@ -13,7 +13,6 @@
 namespace kivo::overview {
 
 using book::LedgerEntry;
-using money::Money;
 
 namespace {
 
@@ -65,8 +64,8 @@ std::string metadata(const char* key, const std::string& value) {
   return value.empty() ? "" : std::string("  ") + key + ": " + string(value) + "\n";
 }
 
-std::string posting(const std::string& account, const Money& money) {
-  return "  " + account + "  " + sumText(money) + "\n";
+std::string posting(const std::string& account, const std::string& sum) {
+  return "  " + account + "  " + sum + "\n";
 }
 
 }  // namespace
@@ -84,8 +83,8 @@ std::string beancountExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(metadata("kivo-id", importId(entry)));
     transactions.append(metadata("category", made.unnamedCategory));
     transactions.append(metadata("reference", oneLine(entry.reference)));
-    transactions.append(posting(made.otherAccount, made.toOther));
-    transactions.append(posting(made.ownAccount, made.toOwn));
+    transactions.append(posting(made.otherAccount, otherSumText(made)));
+    transactions.append(posting(made.ownAccount, sumText(made.toOwn)));
   }
   std::string file = "; Written by kivo-ledger. Another export replaces it.\n";
   for (const auto& [account, day] : opened) {

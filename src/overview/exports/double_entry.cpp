@@ -1,6 +1,7 @@
 #include "overview/exports/double_entry.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "overview/exports/export_text.h"
 
@@ -48,7 +49,19 @@ DoubleEntry doubleEntryOf(const ExportedMovement& movement, LevelName levelName)
   made.toOther = made.toOwn = *entry.amount;
   Money& leaving = entry.incoming ? made.toOther : made.toOwn;
   leaving.minorUnits = -leaving.minorUnits;
+  if (movement.into == nullptr && entry.original && isBookable(*entry.original)) {
+    made.original = entry.original;
+    if (entry.incoming) made.original->minorUnits = -made.original->minorUnits;
+  }
   return made;
+}
+
+std::string otherSumText(const DoubleEntry& made) {
+  if (!made.original) return sumText(made.toOther);
+  // A total price has no sign.
+  Money price = made.toOther;
+  price.minorUnits = std::abs(price.minorUnits);
+  return sumText(*made.original) + " @@ " + sumText(price);
 }
 
 }  // namespace kivo::overview

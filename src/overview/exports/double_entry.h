@@ -1,6 +1,7 @@
 // An entry as two postings that balance, for the formats of double-entry bookkeeping.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,9 +18,15 @@ struct DoubleEntry {
   /// The sum posted to `otherAccount`; `toOwn` is its negative.
   money::Money toOther;
   money::Money toOwn;
+  /// The sum from which `toOther` was converted, with its sign; absent when it was not, and where
+  /// `otherAccount` is a person's own.
+  std::optional<money::Money> original = {};
   /// The category, on one line, where `otherAccount` does not name it as it is; else empty.
   std::string unnamedCategory;
 };
+
+/// The sum posted to `otherAccount`: "150.00 EGP", or with its price "20.00 USD @@ 970.00 EGP".
+std::string otherSumText(const DoubleEntry& made);
 
 /// Converts a text to one level of an account's name by the rules of a format; returns an empty
 /// text when none of its characters can stay.

@@ -9,7 +9,6 @@
 namespace kivo::overview {
 
 using book::LedgerEntry;
-using money::Money;
 
 namespace {
 
@@ -24,8 +23,8 @@ std::string tag(const char* named, const std::string& value) {
   return text.empty() ? "" : std::string("    ; ") + named + ": " + text + "\n";
 }
 
-std::string posting(const std::string& account, const Money& money) {
-  return "    " + account + "  " + sumText(money) + "\n";
+std::string posting(const std::string& account, const std::string& sum) {
+  return "    " + account + "  " + sum + "\n";
 }
 
 }  // namespace
@@ -39,6 +38,7 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
     const DoubleEntry made = doubleEntryOf(movement, name);
     accounts.insert({made.otherAccount, made.ownAccount});
     currencies.insert(entry.amount->currency);
+    if (made.original) currencies.insert(made.original->currency);
     transactions.append("\n")
         .append(entry.date.text())
         .append(" * (")
@@ -47,8 +47,8 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(tag("kivo-id", importId(entry)));
     transactions.append(tag("category", made.unnamedCategory));
     transactions.append(tag("reference", entry.reference));
-    transactions.append(posting(made.otherAccount, made.toOther));
-    transactions.append(posting(made.ownAccount, made.toOwn));
+    transactions.append(posting(made.otherAccount, otherSumText(made)));
+    transactions.append(posting(made.ownAccount, sumText(made.toOwn)));
   }
   std::string journal = "; Written by kivo-ledger. Another export replaces it.\ndecimal-mark .\n";
   for (const money::CurrencyCode& currency : currencies) {

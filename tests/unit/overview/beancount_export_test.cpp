@@ -40,6 +40,12 @@ TEST(ABeancountExport, OpensAccountsAndBalancesEachEntry) {
                 "  Assets:Bank:4821  -150.00 EGP\n");
 }
 
+TEST(ABeancountExport, PostsAForeignSumWithItsPrice) {
+  EXPECT_THAT(beancountExport({convertedEntry()}),
+              HasSubstr("  Expenses:Groceries  20.00 USD @@ 970.00 EGP\n"
+                        "  Assets:Bank:4821  -970.00 EGP\n"));
+}
+
 TEST(ABeancountExport, OpensAnAccountOnceOnTheDayOfItsFirstEntry) {
   LedgerEntry later = exportedEntry();
   later.date = "2026-12-31";

@@ -25,6 +25,14 @@ inline LedgerEntry exportedEntry() {
   return entry;
 }
 
+/// As `exportedEntry`, of 970.00 EGP that were converted from 20.00 USD.
+inline LedgerEntry convertedEntry() {
+  LedgerEntry entry = exportedEntry();
+  entry.amount = Money{97000, "EGP"};
+  entry.original = Money{2000, "USD"};
+  return entry;
+}
+
 /// The two halves of a transfer of it, to the account 7314.
 inline std::vector<LedgerEntry> exportedTransfer() {
   LedgerEntry out = exportedEntry();

@@ -59,6 +59,32 @@ TEST(AnHledgerExport, PostsARefundToItsExpenses) {
                                                 "    Assets:Bank:4821  150.00 EGP\n"));
 }
 
+TEST(AnHledgerExport, PostsAForeignSumWithItsPrice) {
+  const std::string journal = hledgerExport({convertedEntry()});
+  EXPECT_THAT(journal, HasSubstr("commodity EGP\ncommodity USD\n"));
+  EXPECT_THAT(journal, HasSubstr("    Expenses:Groceries  20.00 USD @@ 970.00 EGP\n"
+                                 "    Assets:Bank:4821  -970.00 EGP\n"));
+}
+
+TEST(AnHledgerExport, PostsAForeignIncomeAsANegativeSumWithItsPrice) {
+  LedgerEntry entry = convertedEntry();
+  setKind(entry, Kind::income);
+  EXPECT_THAT(hledgerExport({entry}), HasSubstr("    Income:Groceries  -20.00 USD @@ 970.00 EGP\n"
+                                                "    Assets:Bank:4821  970.00 EGP\n"));
+}
+
+TEST(AnHledgerExport, LeavesOutAForeignSumThatCannotBe) {
+  LedgerEntry entry = convertedEntry();
+  entry.original->minorUnits = 0;
+  EXPECT_THAT(hledgerExport({entry}), HasSubstr("    Expenses:Groceries  970.00 EGP\n"));
+}
+
+TEST(AnHledgerExport, HasNoForeignSumOnAnOwnAccount) {
+  auto transfer = exportedTransfer();
+  for (LedgerEntry& half : transfer) half.original = Money{2000, "USD"};
+  EXPECT_THAT(hledgerExport(transfer), HasSubstr("    Assets:Bank:7314  150.00 EGP\n"));
+}
+
 TEST(AnHledgerExport, PostsBothHalvesOfATransferOnce) {
   const std::string journal = hledgerExport(exportedTransfer());
   EXPECT_THAT(journal, HasSubstr("    Assets:Bank:7314  150.00 EGP\n"
