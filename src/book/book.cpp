@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "book/book_accounts.h"
 #include "book/book_categories.h"
 #include "book/book_damage.h"
 #include "book/book_file.h"
@@ -371,11 +372,25 @@ std::vector<std::pair<std::string, std::string>> Book::rates() const {
   return allRates(file_->database);
 }
 
+std::vector<AccountEntry> Book::accountEntries() const {
+  return book::accountEntries(file_->database);
+}
+
+std::vector<Account> Book::accounts() const { return keptAccounts(file_->database); }
+
+void Book::keepAccount(const Account& account) {
+  inOneStep([&] {
+    file_->notes.account(account.digits);
+    writeAccount(file_->database, account);
+  });
+}
+
 Book::Holds Book::holds() const {
   Statement query(file_->database, R"(
     SELECT EXISTS (SELECT 1 FROM transactions) OR EXISTS (SELECT 1 FROM answers) OR
         EXISTS (SELECT 1 FROM ignored),
-      EXISTS (SELECT 1 FROM rules) OR EXISTS (SELECT 1 FROM rates))");
+      EXISTS (SELECT 1 FROM rules) OR EXISTS (SELECT 1 FROM rates) OR
+        EXISTS (SELECT 1 FROM accounts))");
   if (!next(query)) return Holds::nothing;
   if (query.integer(0) != 0) return Holds::payments;
   return query.integer(1) != 0 ? Holds::settings : Holds::nothing;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "book/account.h"
 #include "book/book_backup.h"
 #include "book/book_failure.h"
 #include "book/ignored_message.h"
@@ -29,7 +30,7 @@ struct EntryFilter {
   /// The whole name, in any case and accents.
   std::string category = {};
   std::optional<money::Kind> kind = {};
-  /// The whole of the account's digits.
+  /// The whole of the account's digits, or its name, where ASCII letters match in either case.
   std::string account = {};
   /// A part of description, category, account or reference, where ASCII letters match in either
   /// case, or the amount, as `money::nearestSums` reads it in the entry's currency.
@@ -253,6 +254,13 @@ class Book {
   /// Returns the currencies and their rates as they are stored, also those that `Rate` does not
   /// read, in the order of the codes.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
+
+  /// Returns all entries of accounts that are booked or in review, by account, day and id.
+  [[nodiscard]] std::vector<AccountEntry> accountEntries() const;
+  /// Returns what the user said of accounts, in the order of their digits.
+  [[nodiscard]] std::vector<Account> accounts() const;
+  /// Keeps `account` in the place of what was kept for its digits.
+  void keepAccount(const Account& account);
 
   /// The most that a book holds: nothing, only what the user set, or also what came of messages:
   /// entries, answers, ignored messages.

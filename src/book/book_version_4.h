@@ -11,6 +11,9 @@ namespace kivo::book {
 // `separated` has the entries of which a person said that they are no halves of one transfer, the
 // lesser id first.
 //
+// `accounts` has what a person said of accounts. All that `accounts` lists is in the index by
+// account.
+//
 // Of a rule, `payee` is the folded pattern, by which rules are looked up, and `written` the pattern
 // as it is shown.
 inline constexpr const char* version4 = R"(
@@ -29,6 +32,12 @@ CREATE INDEX transactions_by_payee ON transactions (folded_payee, date) WHERE fo
 CREATE TABLE separated (
   number INTEGER PRIMARY KEY AUTOINCREMENT, one INTEGER NOT NULL, other INTEGER NOT NULL,
   UNIQUE (one, other)
+) STRICT;
+CREATE INDEX transactions_by_account ON transactions (account, date, id, state, minor_units,
+  currency, incoming, balance, balance_currency, original, original_currency,
+  possible_duplicate_of) WHERE account <> '';
+CREATE TABLE accounts (
+  digits TEXT PRIMARY KEY NOT NULL, name TEXT NOT NULL, credit INTEGER NOT NULL
 ) STRICT;
 CREATE TABLE rules (
   number INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -70,6 +79,11 @@ CREATE TABLE past_rules (
 CREATE TABLE past_rates (
   command INTEGER NOT NULL, existed INTEGER NOT NULL, currency TEXT NOT NULL, rate TEXT,
   PRIMARY KEY (command, currency)
+) STRICT, WITHOUT ROWID;
+CREATE TABLE past_accounts (
+  command INTEGER NOT NULL, existed INTEGER NOT NULL,
+  digits TEXT NOT NULL, name TEXT, credit INTEGER,
+  PRIMARY KEY (command, digits)
 ) STRICT, WITHOUT ROWID;
 CREATE TABLE past_separated (
   command INTEGER NOT NULL, existed INTEGER NOT NULL,

@@ -84,7 +84,11 @@ FilterSql sqlOf(sqlite3* database, const EntryFilter& filter) {
   if (filter.from) add("date >= ?", filter.from->text());
   if (filter.to) add("date <= ?", filter.to->text());
   if (filter.kind) add("kind = ?", kindText(*filter.kind));
-  if (!filter.account.empty()) add("account = ?", filter.account);
+  if (!filter.account.empty()) {
+    add(R"(account IN (WITH given (text) AS (VALUES (?)) SELECT text FROM given UNION ALL
+      SELECT digits FROM accounts, given WHERE name = text COLLATE NOCASE))",
+        filter.account);
+  }
   if (!filter.category.empty()) {
     add("category = ?", spelledCategory(database, filter.category));
   }

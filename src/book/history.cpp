@@ -30,7 +30,8 @@ constexpr Noted rules{"rules", "past_rules", "number",
 constexpr Noted rates{"rates", "past_rates", "currency", "currency, rate"};
 constexpr Noted categories{"categories", "past_categories", "folded", "folded, name"};
 constexpr Noted separated{"separated", "past_separated", "number", "number, one, other"};
-constexpr std::array settings = {rules, rates, categories, separated};
+constexpr Noted accounts{"accounts", "past_accounts", "digits", "digits, name, credit"};
+constexpr std::array settings = {rules, rates, categories, separated, accounts};
 
 constexpr std::chrono::days daysKept(30);
 constexpr std::int64_t commandsKept = 1'000;
@@ -138,6 +139,11 @@ void ChangeNotes::rate(const std::string& currency) {
   if (command_) noteRow(database_, rates, *command_, currency);
 }
 
+void ChangeNotes::account(const std::string& digits) {
+  any_ = true;
+  if (command_) noteRow(database_, accounts, *command_, digits);
+}
+
 void ChangeNotes::category(const std::string& folded) {
   if (command_) noteRow(database_, categories, *command_, folded);
 }
@@ -176,7 +182,7 @@ bool writeTemplate(sqlite3* database, std::int64_t number, const std::string& ad
 
 void deleteCommand(sqlite3* database, std::int64_t number) {
   for (const char* const table : {"past_transactions", "past_answers", "past_rules", "past_rates",
-                                  "past_categories", "past_separated"}) {
+                                  "past_categories", "past_separated", "past_accounts"}) {
     runFor(database, number, std::string("DELETE FROM ") + table + " WHERE command = ?");
   }
   runFor(database, number, "DELETE FROM commands WHERE number = ?");
@@ -193,6 +199,7 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
       (SELECT count(*) FROM past_transactions WHERE command = number),
       (SELECT count(*) FROM past_rules WHERE command = commands.number),
       (SELECT count(*) FROM past_rates WHERE command = number),
+      (SELECT count(*) FROM past_accounts WHERE command = number),
       (SELECT count(*) FROM past_transactions AS past WHERE command = number AND existed AND
         NOT EXISTS (SELECT 1 FROM transactions WHERE transactions.id = past.id))
     FROM commands ORDER BY number DESC LIMIT ?)");
@@ -206,7 +213,8 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
                      .transactions = query.integer(4),
                      .rules = query.integer(5),
                      .rates = query.integer(6),
-                     .deleted = query.integer(7)});
+                     .accounts = query.integer(7),
+                     .deleted = query.integer(8)});
   }
   return found;
 }

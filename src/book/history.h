@@ -33,6 +33,7 @@ class ChangeNotes {
   void addedRule(std::int64_t number);
   void rule(std::int64_t number);
   void rate(const std::string& currency);
+  void account(const std::string& digits);
   /// Of two entries that a person parted.
   void addedSeparation(std::int64_t number);
   void separation(std::int64_t number);

@@ -12,20 +12,24 @@ using linux_platform::Statement;
 
 // The first of the entries that the row `this` looks like. Two searches that stop at their first
 // rows, since a bank's whole life may have one payee and one sum. The halves of a transfer are not
-// alike.
+// alike, nor are payments after which one account had two balances.
 constexpr const char* firstAlikeOfThis = R"(
   (SELECT min(id) FROM (
     SELECT * FROM (
       SELECT id FROM transactions
       WHERE date = this.date AND minor_units = this.minor_units AND
         folded_payee = this.folded_payee AND currency = this.currency AND kind = this.kind AND
-        user = this.user AND id < this.id AND id IS NOT this.counterpart
+        user = this.user AND id < this.id AND id IS NOT this.counterpart AND
+        coalesce(account <> this.account OR balance_currency <> this.balance_currency OR
+          balance = this.balance, TRUE)
       ORDER BY id LIMIT 1)
     UNION ALL
     SELECT * FROM (
       SELECT id FROM transactions
       WHERE reference = this.reference AND reference <> '' AND user = this.user AND
-        id < this.id AND id IS NOT this.counterpart
+        id < this.id AND id IS NOT this.counterpart AND
+        coalesce(account <> this.account OR balance_currency <> this.balance_currency OR
+          balance = this.balance, TRUE)
       ORDER BY id LIMIT 1))))";
 
 // `changed` is a query with the parameter `value` for the ids of transactions that were changed or
@@ -59,8 +63,8 @@ void markAgain(sqlite3* database, const std::string& changed, std::int64_t value
 
 std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& entry) {
   const std::string sql = std::string(R"(
-    WITH this (id, user, date, minor_units, currency, kind, folded_payee, reference, counterpart) AS
-      (VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?))
+    WITH this (id, user, date, minor_units, currency, kind, folded_payee, reference, counterpart,
+        account, balance, balance_currency) AS (VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))
     SELECT )") + firstAlikeOfThis +
                           " FROM this";
   const names::PayeeKey payee(entry.payee);
@@ -73,7 +77,10 @@ std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& ent
   const std::string currency = entry.amount ? entry.amount->currency.text() : "";
   query.bind(currency);
   query.bind(kindText(entry.kind)).bind(payee.text()).bind(entry.reference);
-  query.bindIfPresent(entry.counterpart);
+  query.bindIfPresent(entry.counterpart).bind(entry.account);
+  const std::string balanceCurrency = entry.balance ? entry.balance->currency.text() : "";
+  query.bindIfPresent(entry.balance ? std::optional(entry.balance->minorUnits) : std::nullopt);
+  query.bind(balanceCurrency);
   if (!next(query) || query.isNull(0)) return std::nullopt;
   return query.integer(0);
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ledger/book_currency.h"
+#include "ledger/commands/account_commands.h"
 #include "ledger/commands/adding_command.h"
 #include "ledger/commands/backup_commands.h"
 #include "ledger/commands/edit_command.h"
@@ -79,13 +80,14 @@ struct Heading {
 };
 
 std::vector<Heading> headings() {
-  return {
-      {"Look", {"list", "review", "ignored", "show", "summary", "report", "recurring", "history"}},
-      {"Correct",
-       {"add", "edit", "accept", "book", "pair", "unpair", "delete", "forget-texts", "undo"}},
-      {"Teach", {"teach", "rules", "rate"}},
-      {"Old and other data", {"import", "export", "backup", "restore"}},
-      {"Service", {"serve"}}};
+  return {{"Look",
+           {"list", "review", "ignored", "show", "accounts", "summary", "report", "recurring",
+            "history"}},
+          {"Correct",
+           {"add", "edit", "accept", "book", "pair", "unpair", "delete", "forget-texts", "undo"}},
+          {"Teach", {"teach", "rules", "rate"}},
+          {"Old and other data", {"import", "export", "backup", "restore"}},
+          {"Service", {"serve"}}};
 }
 
 // Puts the commands in the order of their headings, those without one at the end.
@@ -120,6 +122,7 @@ linux_platform::CommandProgram program() {
   for (Command& command : historyCommands()) made.commands.push_back(std::move(command));
   for (Command& command : ruleCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(rateCommand());
+  for (Command& command : accountCommands()) made.commands.push_back(std::move(command));
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());
   for (Command& command : backupCommands(KIVO_VERSION)) made.commands.push_back(std::move(command));

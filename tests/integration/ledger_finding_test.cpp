@@ -102,9 +102,9 @@ TEST_F(ASearchOfTheBook, ChoosesForTheExportToo) {
 
 TEST_F(ASearchOfTheBook, RefusesAWordThatIsNoFilterAndRepeatsIt) {
   const std::vector<std::pair<std::string, std::string>> wrong = {
-      {"--kind", "gift"}, {"--kind", ""},  {"--account", "my card"}, {"--account", ""},
-      {"--min", "cheap"}, {"--min", "-5"}, {"--min", "EGP 5"},       {"--max", "1,18"},
-      {"--max", "1.2.3"}, {"--max", ""}};
+      {"--kind", "gift"}, {"--kind", ""},     {"--account", ""},
+      {"--min", "cheap"}, {"--min", "-5"},    {"--min", "EGP 5"},
+      {"--max", "1,18"},  {"--max", "1.2.3"}, {"--max", ""}};
   for (const char* command : {"list", "export"}) {
     for (const auto& [option, value] : wrong) {
       std::vector<std::string> arguments = {command, option + "=" + value};

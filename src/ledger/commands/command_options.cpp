@@ -124,7 +124,7 @@ std::vector<CommandParameter> filterOptions() {
           {"--category", "Only those of a category", optional},
           {"--search", "Only those that hold a text or have this sum, as 1,189.50", optional},
           {"--kind", "Only those of a kind: expense, income or transfer", optional, kindNames},
-          {"--account", "Only those of an account, by its digits", optional},
+          {"--account", "Only those of an account, by its digits or its name", optional},
           {"--min", "Only those of this sum or more", optional},
           {"--max", "Only those of this sum or less", optional}};
 }
@@ -147,7 +147,12 @@ EntryFilter filterFrom(const GivenParameters& parameters) {
   filter.category = given(parameters, "--category").value_or("");
   filter.search = given(parameters, "--search").value_or("");
   filter.kind = givenKind(parameters);
-  filter.account = givenAccount(parameters).value_or("");
+  if (const auto account = given(parameters, "--account")) {
+    if (account->empty()) {
+      throw invalid("--account", *account, "an account's digits, such as 4821, or its name");
+    }
+    filter.account = *account;
+  }
   filter.least = givenBound(parameters, "--min");
   filter.largest = givenBound(parameters, "--max");
   filter.from = givenDay(parameters, "--from");

@@ -43,6 +43,7 @@ std::string changesOf(const PastCommand& command) {
   if (command.transactions > 0) add(counted(command.transactions, "transaction"));
   if (command.rules > 0) add(counted(command.rules, "rule"));
   if (command.rates > 0) add(counted(command.rates, "rate"));
+  if (command.accounts > 0) add(counted(command.accounts, "account"));
   if (!command.addedTemplate.empty()) add("1 template");
   return changes;
 }
@@ -106,6 +107,7 @@ std::string historyJson(const std::vector<PastCommand>& commands) {
     object.encodeInteger("transactions", command.transactions);
     object.encodeInteger("rules", command.rules);
     object.encodeInteger("rates", command.rates);
+    object.encodeInteger("accounts", command.accounts);
   }
   return platform::JSONEncoder::arrayText(objects);
 }

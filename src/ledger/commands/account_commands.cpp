@@ -1,0 +1,195 @@
+#include "ledger/commands/account_commands.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "book/current_day.h"
+#include "ledger/commands/command_options.h"
+#include "ledger/commands/opened_book.h"
+#include "overview/account_figures.h"
+#include "platform/foundation/json_encoder.h"
+#include "platform/linux/foundation/safe_text.h"
+#include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/screen.h"
+#include "platform/linux/terminal/text_columns.h"
+
+namespace kivo::ledger {
+
+using book::Account;
+using book::Book;
+using money::Day;
+using money::Money;
+using overview::AccountFigures;
+using overview::Gap;
+
+namespace {
+
+using linux_platform::CommandFailure;
+using linux_platform::escapedControls;
+using linux_platform::GivenParameters;
+using linux_platform::print;
+using ParameterKind = linux_platform::CommandParameter::Kind;
+
+std::string sumWithCodeFirst(const Money& sum) {
+  return sum.currency.text() + " " + amountText(sum);
+}
+
+std::string yearOf(const Day& day) { return day.text().substr(0, 4); }
+
+// "November", with the year unless that is the year of `today`.
+std::string monthOf(const Day& day, const Day& today) {
+  const std::string name = day.month().name();
+  return yearOf(day) == yearOf(today) ? name.substr(0, name.find(' ')) : name;
+}
+
+std::string dayWords(const Day& day, const Day& today) {
+  return std::to_string(day.number()) + " " + monthOf(day, today);
+}
+
+std::string gapDays(const Gap& gap, const Day& today) {
+  if (gap.from == gap.to) return "on " + dayWords(gap.from, today);
+  const std::string first = gap.from.month() == gap.to.month() ? std::to_string(gap.from.number())
+                                                               : dayWords(gap.from, today);
+  return "between " + first + " and " + dayWords(gap.to, today);
+}
+
+std::string gapWords(const Gap& gap, const money::CurrencyCode& currency, const Day& today) {
+  const Money sum{gap.amount < 0 ? -gap.amount : gap.amount, currency};
+  const std::string words = gap.amount < 0 ? " more than is booked " : " unexplained ";
+  return sumWithCodeFirst(sum) + words + gapDays(gap, today);
+}
+
+const char* balanceWord(AccountFigures::Balance kind) {
+  switch (kind) {
+    case AccountFigures::Balance::money:
+      return "balance";
+    case AccountFigures::Balance::limit:
+      return "limit";
+    case AccountFigures::Balance::debt:
+      return "debt";
+  }
+  return "";
+}
+
+std::string linesOf(const AccountFigures& figures, const Day& today, std::size_t width) {
+  std::string head = escapedControls(figures.account);
+  if (!figures.name.empty()) head += " " + escapedControls(figures.name);
+  if (figures.balance) {
+    head.append(": ").append(balanceWord(figures.kind)).append(" ");
+    head += sumWithCodeFirst(*figures.balance) + " on " + dayWords(*figures.balanceDate, today);
+  } else {
+    head += ": no balance in " + figures.currency.text();
+  }
+  std::string lines = linux_platform::wrappedTo(width, head);
+  for (const Gap& gap : figures.gaps) {
+    lines += linux_platform::wrappedTo(width, gapWords(gap, figures.currency, today), "  ");
+  }
+  return lines;
+}
+
+platform::JSONEncoder jsonOf(const AccountFigures& figures) {
+  platform::JSONEncoder object;
+  object.encodeString("account", figures.account);
+  object.encodeString("name", figures.name);
+  object.encodeString("currency", figures.currency.text());
+  object.encodeString("kind", balanceWord(figures.kind));
+  object.encodeString("balance", figures.balance ? amountText(*figures.balance) : "");
+  object.encodeString("balance_date", figures.balanceDate ? figures.balanceDate->text() : "");
+  std::vector<platform::JSONEncoder> gaps;
+  for (const Gap& gap : figures.gaps) {
+    platform::JSONEncoder& one = gaps.emplace_back();
+    one.encodeString("from", gap.from.text());
+    one.encodeString("to", gap.to.text());
+    one.encodeString("amount", amountText(Money{gap.amount, figures.currency}));
+  }
+  object.encodeObjects("gaps", gaps);
+  return object;
+}
+
+void showAccounts(const GivenParameters& parameters) {
+  withBook([&](const Book& book) {
+    std::vector<AccountFigures> all;
+    book.atOneMoment(
+        [&] { all = overview::accountFigures(book.accountEntries(), book.accounts()); });
+    if (parameters.contains("--json")) {
+      std::vector<platform::JSONEncoder> objects;
+      for (const AccountFigures& figures : all) objects.push_back(jsonOf(figures));
+      const std::string text = platform::JSONEncoder::arrayText(objects);
+      return print(linux_platform::jsonForStandardOutput(text) + "\n");
+    }
+    if (all.empty()) return print("No message shows an account.\n");
+    std::string lines;
+    for (const AccountFigures& figures : all) {
+      lines += linesOf(figures, book::currentDay(), linux_platform::screenWidth());
+    }
+    print(lines);
+  });
+}
+
+// What is kept of the account `digits`. Throws CommandFailure when no entry has it, and nothing is
+// kept.
+Account requiredAccount(const Book& book, const std::string& digits) {
+  for (const Account& account : book.accounts()) {
+    if (account.digits == digits) return account;
+  }
+  const auto entries = book.accountEntries();
+  const bool isKnown =
+      std::any_of(entries.begin(), entries.end(),
+                  [&](const book::AccountEntry& entry) { return entry.account == digits; });
+  if (!isKnown) {
+    throw CommandFailure("no payment is of the account " + escapedControls(digits) +
+                         "; kivo-ledger accounts shows them");
+  }
+  return {.digits = digits};
+}
+
+void changeAccount(const std::string& command, const GivenParameters& parameters,
+                   const std::function<void(Account&)>& change) {
+  const std::string digits = given(parameters, "ACCOUNT").value();
+  withBook([&](Book& book) {
+    book::UserCommand noted = userCommand(command, parameters);
+    book.asCommand(noted, [&] {
+      Account account = requiredAccount(book, digits);
+      const Account before = account;
+      change(account);
+      if (account != before) book.keepAccount(account);
+    });
+  });
+}
+
+void nameAccount(const GivenParameters& parameters) {
+  const std::string name = given(parameters, "NAME").value();
+  if (!name.empty() && name.find_first_not_of("0123456789 ") == std::string::npos) {
+    throw invalid("NAME", name, "a name with a letter, or empty for none");
+  }
+  changeAccount("accounts name", parameters, [&](Account& account) { account.name = name; });
+}
+
+void markCredit(const GivenParameters& parameters) {
+  changeAccount("accounts credit", parameters,
+                [&](Account& account) { account.isCredit = !parameters.contains("--off"); });
+}
+
+}  // namespace
+
+std::vector<linux_platform::Command> accountCommands() {
+  const linux_platform::CommandParameter account{"ACCOUNT", "Its digits, as accounts shows them"};
+  return {
+      {"accounts",
+       "Show your accounts, their balances and gaps",
+       {{"--json", "Print JSON", ParameterKind::flag}},
+       showAccounts},
+      {"accounts name",
+       "Name an account",
+       {account, {"NAME", "The name; an empty one removes it"}},
+       nameAccount},
+      {"accounts credit",
+       "Mark a card whose balance is a limit or a debt",
+       {account, {"--off", "Its balance is money again", ParameterKind::flag}},
+       markCredit},
+  };
+}
+
+}  // namespace kivo::ledger
