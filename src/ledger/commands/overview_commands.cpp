@@ -127,11 +127,11 @@ std::vector<linux_platform::Command> overviewCommands() {
                                               ParameterKind::optional};
   return {
       {"summary",
-       "Show the sums of a month or a year beside those before",
+       "Show the sums of a month or a year",
        {month, year, {"--json", "Print JSON", ParameterKind::flag}},
        summary},
       {"report",
-       "Open a page about a month and the year before it, or about a year",
+       "Open a page about a month or a year",
        {month,
         year,
         {"--output", "The file to write; kivo/report.html in XDG_RUNTIME_DIR when not given",

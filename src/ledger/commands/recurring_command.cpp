@@ -38,7 +38,7 @@ void recurring(const linux_platform::GivenParameters& parameters) {
 
 linux_platform::Command recurringCommand() {
   return {"recurring",
-          "Show the payments that come each month, and when they are due",
+          "Show the payments that come each month",
           {{"--json", "Print JSON", linux_platform::CommandParameter::Kind::flag}},
           recurring};
 }
