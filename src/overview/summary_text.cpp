@@ -24,9 +24,9 @@ using SummaryParts::shortestName;
 constexpr std::size_t mostPayeesShown = 5;
 
 // The lines of one summary: sums of this month and of the one before, with a name at the end.
-class Lines {
+class MonthLines {
  public:
-  Lines(const MonthSummary& summary, const SummaryView::Look& look)
+  MonthLines(const MonthSummary& summary, const SummaryView::Look& look)
       : summary_(summary),
         look_(look),
         sums_(summary.currency),
@@ -126,7 +126,7 @@ std::string SummaryView::text(const MonthSummary& summary, const money::Month& t
   const std::string notes = dueSection(summary, look) + SummaryParts::notes(summary, look);
   if (summary.isEmpty()) return "Nothing is booked in " + month + ".\n" + notes;
   const bool runs = summary.month == today;
-  const Lines lines(summary, look);
+  const MonthLines lines(summary, look);
   return SummaryParts::bold(month + (runs ? " so far" : ""), look) + ", in " +
          summary.currency.text() + "\nbeside " + (runs ? "all of " : "") +
          summary.month.before().name() + "\n\n" + lines.totals() +

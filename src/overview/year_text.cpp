@@ -42,9 +42,9 @@ std::string smallBars(const std::vector<Money>& months, const SummaryView::Look&
 }
 
 // The lines of one summary: sums of this year and of the one before, with a name at the end.
-class Lines {
+class YearLines {
  public:
-  Lines(const YearSummary& summary, const SummaryView::Look& look)
+  YearLines(const YearSummary& summary, const SummaryView::Look& look)
       : summary_(summary), look_(look) {}
 
   [[nodiscard]] std::string totals() const {
@@ -163,7 +163,7 @@ std::string SummaryView::text(const YearSummary& summary, const Look& look) {
   const std::string year = summary.year.text();
   const std::string notes = SummaryParts::notes(summary, look);
   if (summary.isEmpty()) return "Nothing is booked in " + year + ".\n" + notes;
-  const Lines lines(summary, look);
+  const YearLines lines(summary, look);
   return SummaryParts::bold(year + (summary.runs ? " so far" : ""), look) + ", in " +
          summary.currency.text() + "\nbeside " + (summary.runs ? "all of " : "") +
          summary.year.before().text() + "\n\n" + lines.totals() +
