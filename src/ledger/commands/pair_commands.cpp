@@ -130,8 +130,8 @@ std::string pairOffers(const Book& book) {
   for (std::size_t at = 0; at < std::min(pairs.size(), mostOffers); ++at) {
     const std::string one = std::to_string(pairs[at].outgoing);
     const std::string other = std::to_string(pairs[at].incoming);
-    lines += "These two look like one transfer: " + one + " and " + other +
-             "\n  (kivo-ledger pair " + one + " " + other + ")\n";
+    lines.append("These two look like one transfer: ").append(one).append(" and ").append(other);
+    lines.append("\n  (kivo-ledger pair ").append(one).append(" ").append(other).append(")\n");
   }
   if (pairs.size() > mostOffers) {
     lines += "There are " + std::to_string(pairs.size() - mostOffers) + " more such pairs.\n";
