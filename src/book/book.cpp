@@ -346,31 +346,31 @@ ForgottenTexts Book::forgetTexts() {
   return forgotten;
 }
 
-void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate) {
+void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate,
+                   const std::optional<money::Day>& from) {
   inOneStep([&] {
-    file_->notes.rate(currency.text());
-    book::setRate(file_->database, currency, rate);
+    file_->notes.ratesOf(currency.text());
+    book::setRate(file_->database, currency, rate, from);
   });
 }
 
-std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency) const {
-  return rateOf(file_->database, currency);
+std::optional<money::Rate> Book::rate(const money::CurrencyCode& currency,
+                                      const money::Day& day) const {
+  return rateOf(file_->database, currency, day);
 }
 
-bool Book::removeRate(const money::CurrencyCode& currency) {
+bool Book::removeRate(const money::CurrencyCode& currency, const std::optional<money::Day>& from) {
   bool found = false;
   inOneStep([&] {
-    found = hasRate(file_->database, currency);
+    found = hasRate(file_->database, currency, from);
     if (!found) return;
-    file_->notes.rate(currency.text());
-    book::removeRate(file_->database, currency);
+    file_->notes.ratesOf(currency.text());
+    removeRates(file_->database, currency, from);
   });
   return found;
 }
 
-std::vector<std::pair<std::string, std::string>> Book::rates() const {
-  return allRates(file_->database);
-}
+std::vector<StoredRate> Book::rates() const { return allRates(file_->database); }
 
 std::vector<AccountEntry> Book::accountEntries() const {
   return book::accountEntries(file_->database);

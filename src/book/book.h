@@ -16,6 +16,7 @@
 #include "book/ledger_entry.h"
 #include "book/recorded_messages.h"
 #include "book/rule.h"
+#include "book/stored_rate.h"
 #include "book/user_command.h"
 #include "money/rate.h"
 
@@ -244,16 +245,19 @@ class Book {
   /// edited.
   EarlierEntries changeEarlier(const KeptRule& kept);
 
-  /// Sets the value of one unit of `currency` in the book's currency, for messages recorded and
+  /// Sets the value of one unit of `currency` in the book's currency on `from` and later, up to the
+  /// next day that has one; absent for the time before all such days. For messages recorded and
   /// entries accepted later.
-  void setRate(const money::CurrencyCode& currency, const money::Rate& rate);
-  /// Returns the rate of `currency`; nullopt when it has none, or none that `Rate` reads.
-  [[nodiscard]] std::optional<money::Rate> rate(const money::CurrencyCode& currency) const;
-  /// Removes the rate of `currency`; returns false when it has no rate.
-  bool removeRate(const money::CurrencyCode& currency);
-  /// Returns the currencies and their rates as they are stored, also those that `Rate` does not
-  /// read, in the order of the codes.
-  [[nodiscard]] std::vector<std::pair<std::string, std::string>> rates() const;
+  void setRate(const money::CurrencyCode& currency, const money::Rate& rate,
+               const std::optional<money::Day>& from = {});
+  /// Returns the rate of `currency` on `day`; nullopt when it has none, or none that `Rate` reads.
+  [[nodiscard]] std::optional<money::Rate> rate(const money::CurrencyCode& currency,
+                                                const money::Day& day) const;
+  /// Removes the rate of `currency` that was set from the day `from` on, or all when that is
+  /// absent; returns false when there is none.
+  bool removeRate(const money::CurrencyCode& currency, const std::optional<money::Day>& from = {});
+  /// Returns all rates, also those that `Rate` does not read, by their codes and days.
+  [[nodiscard]] std::vector<StoredRate> rates() const;
 
   /// Returns all entries of accounts that are booked or in review, by account, day and id.
   [[nodiscard]] std::vector<AccountEntry> accountEntries() const;

@@ -5,6 +5,7 @@
 
 #include "book/book_version_2.h"
 #include "book/book_version_4.h"
+#include "book/book_version_5.h"
 #include "platform/linux/store/opening_failure.h"
 
 namespace kivo::book {
@@ -47,7 +48,8 @@ CREATE TABLE ignored (
 CREATE INDEX ignored_by_day ON ignored (date))";
 
 constexpr std::array versions = {DatabaseVersion{version1}, DatabaseVersion{"", makeVersion2},
-                                 DatabaseVersion{version3}, DatabaseVersion{version4}};
+                                 DatabaseVersion{version3}, DatabaseVersion{version4},
+                                 DatabaseVersion{version5}};
 
 constexpr linux_platform::DatabaseForm form = {"app.kivo.ledger", "ledger.sqlite3",
                                                bookApplicationId, versions};

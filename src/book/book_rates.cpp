@@ -1,41 +1,71 @@
 #include "book/book_rates.h"
 
+#include <string>
+
 #include "book/book_file.h"
 
 namespace kivo::book {
+namespace {
 
 using linux_platform::Statement;
 
-void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate) {
+// Sorts before all days.
+std::string textOf(const std::optional<money::Day>& from) { return from ? from->text() : ""; }
+
+// The rates of a currency: that of one day, or all.
+struct Chosen {
+  Chosen(const money::CurrencyCode& ofCurrency, const std::optional<money::Day>& from)
+      : currency(ofCurrency.text()),
+        day(textOf(from)),
+        condition(std::string("currency = ? AND first_day ") + (from ? "= ?" : ">= ?")) {}
+  Statement& bindTo(Statement& statement) const { return statement.bind(currency).bind(day); }
+
+  std::string currency;
+  std::string day;
+  std::string condition;
+};
+
+}  // namespace
+
+void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate,
+             const std::optional<money::Day>& from) {
   const std::string code = currency.text();
-  Statement upsert(database, "INSERT OR REPLACE INTO rates VALUES (?, ?)");
+  const std::string day = textOf(from);
   const std::string text = rate.text();
-  run(upsert.bind(code).bind(text));
+  Statement upsert(database,
+                   "INSERT OR REPLACE INTO rates (currency, first_day, rate) VALUES (?, ?, ?)");
+  run(upsert.bind(code).bind(day).bind(text));
 }
 
-std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency) {
+std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency,
+                                  const money::Day& day) {
   const std::string code = currency.text();
-  Statement query(database, "SELECT rate FROM rates WHERE currency = ?");
-  if (!next(query.bind(code))) return std::nullopt;
+  const std::string last = day.text();
+  Statement query(database, R"(
+    SELECT rate FROM rates WHERE currency = ? AND first_day <= ? ORDER BY first_day DESC LIMIT 1)");
+  if (!next(query.bind(code).bind(last))) return std::nullopt;
   return money::Rate::fromText(query.text(0));
 }
 
-bool hasRate(sqlite3* database, const money::CurrencyCode& currency) {
-  const std::string code = currency.text();
-  Statement query(database, "SELECT 1 FROM rates WHERE currency = ?");
-  return next(query.bind(code));
+bool hasRate(sqlite3* database, const money::CurrencyCode& currency,
+             const std::optional<money::Day>& from) {
+  const Chosen chosen(currency, from);
+  Statement query(database, ("SELECT 1 FROM rates WHERE " + chosen.condition).c_str());
+  return next(chosen.bindTo(query));
 }
 
-void removeRate(sqlite3* database, const money::CurrencyCode& currency) {
-  const std::string code = currency.text();
-  Statement removal(database, "DELETE FROM rates WHERE currency = ?");
-  run(removal.bind(code));
+void removeRates(sqlite3* database, const money::CurrencyCode& currency,
+                 const std::optional<money::Day>& from) {
+  const Chosen chosen(currency, from);
+  Statement removal(database, ("DELETE FROM rates WHERE " + chosen.condition).c_str());
+  run(chosen.bindTo(removal));
 }
 
-std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database) {
-  Statement query(database, "SELECT currency, rate FROM rates ORDER BY currency");
-  std::vector<std::pair<std::string, std::string>> found;
-  while (next(query)) found.emplace_back(query.text(0), query.text(1));
+std::vector<StoredRate> allRates(sqlite3* database) {
+  Statement query(database,
+                  "SELECT currency, first_day, rate FROM rates ORDER BY currency, first_day");
+  std::vector<StoredRate> found;
+  while (next(query)) found.push_back({query.text(0), query.text(1), query.text(2)});
   return found;
 }
 

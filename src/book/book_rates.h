@@ -2,21 +2,26 @@
 #pragma once
 
 #include <optional>
-#include <string>
-#include <utility>
 #include <vector>
 
+#include "book/stored_rate.h"
+#include "money/day.h"
 #include "money/rate.h"
 
 struct sqlite3;
 
 namespace kivo::book {
 
-/// As the functions of Book; `removeRate` needs one. They throw BookFailure.
-void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate);
-std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency);
-bool hasRate(sqlite3* database, const money::CurrencyCode& currency);
-void removeRate(sqlite3* database, const money::CurrencyCode& currency);
-std::vector<std::pair<std::string, std::string>> allRates(sqlite3* database);
+/// As the functions of Book. They throw BookFailure.
+void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate,
+             const std::optional<money::Day>& from);
+std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency,
+                                  const money::Day& day);
+/// Returns whether there is a rate that `removeRates` would remove.
+bool hasRate(sqlite3* database, const money::CurrencyCode& currency,
+             const std::optional<money::Day>& from);
+void removeRates(sqlite3* database, const money::CurrencyCode& currency,
+                 const std::optional<money::Day>& from);
+std::vector<StoredRate> allRates(sqlite3* database);
 
 }  // namespace kivo::book

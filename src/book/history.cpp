@@ -27,7 +27,8 @@ constexpr Noted transactions{
     "refund, incoming, counterpart"};
 constexpr Noted rules{"rules", "past_rules", "number",
                       "number, payee, written, has_wildcard, description, category, kind"};
-constexpr Noted rates{"rates", "past_rates", "currency", "currency, rate"};
+// By the currency, all of whose rates are noted together.
+constexpr Noted rates{"rates", "past_rates", "currency", "currency, first_day, rate"};
 constexpr Noted categories{"categories", "past_categories", "folded", "folded, name"};
 constexpr Noted separated{"separated", "past_separated", "number", "number, one, other"};
 constexpr Noted accounts{"accounts", "past_accounts", "digits", "digits, name, credit"};
@@ -40,15 +41,21 @@ std::chrono::sys_seconds now() {
   return std::chrono::floor<std::chrono::seconds>(platform::Date::now());
 }
 
+// Of several changes of a row, the first note counts.
+std::string withoutNote(const Noted& noted) {
+  return std::string("NOT EXISTS (SELECT 1 FROM ") + noted.past + " WHERE command = ?1 AND " +
+         noted.key + " = ?2)";
+}
+
 std::string copySql(const Noted& noted) {
-  return std::string("INSERT OR IGNORE INTO ") + noted.past + " (command, existed, " +
-         noted.columns + ") SELECT ?, 1, " + noted.columns + " FROM " + noted.table + " WHERE " +
-         noted.key + " = ?";
+  return std::string("INSERT INTO ") + noted.past + " (command, existed, " + noted.columns +
+         ") SELECT ?1, 1, " + noted.columns + " FROM " + noted.table + " WHERE " + noted.key +
+         " = ?2 AND " + withoutNote(noted);
 }
 
 std::string absenceSql(const Noted& noted) {
-  return std::string("INSERT OR IGNORE INTO ") + noted.past + " (command, existed, " + noted.key +
-         ") VALUES (?, 0, ?)";
+  return std::string("INSERT INTO ") + noted.past + " (command, existed, " + noted.key +
+         ") SELECT ?1, 0, ?2 WHERE " + withoutNote(noted);
 }
 
 template <typename Key>
@@ -134,7 +141,7 @@ void ChangeNotes::separation(std::int64_t number) {
   if (command_) noteRow(database_, separated, *command_, number);
 }
 
-void ChangeNotes::rate(const std::string& currency) {
+void ChangeNotes::ratesOf(const std::string& currency) {
   any_ = true;
   if (command_) noteRow(database_, rates, *command_, currency);
 }
@@ -198,7 +205,7 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
     SELECT number, moment, words, template,
       (SELECT count(*) FROM past_transactions WHERE command = number),
       (SELECT count(*) FROM past_rules WHERE command = commands.number),
-      (SELECT count(*) FROM past_rates WHERE command = number),
+      (SELECT count(DISTINCT currency) FROM past_rates WHERE command = number),
       (SELECT count(*) FROM past_accounts WHERE command = number),
       (SELECT count(*) FROM past_transactions AS past WHERE command = number AND existed AND
         NOT EXISTS (SELECT 1 FROM transactions WHERE transactions.id = past.id))

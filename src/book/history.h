@@ -32,7 +32,8 @@ class ChangeNotes {
   void addedTransaction(std::int64_t id);
   void addedRule(std::int64_t number);
   void rule(std::int64_t number);
-  void rate(const std::string& currency);
+  /// Of all rates of `currency`.
+  void ratesOf(const std::string& currency);
   void account(const std::string& digits);
   /// Of two entries that a person parted.
   void addedSeparation(std::int64_t number);

@@ -44,7 +44,7 @@ std::vector<std::optional<Money>> sumsIn(const std::string& text,
 StatedReading statedReading(const book::Book& book, const IgnoredMessage& message,
                             const StatedParts& stated, const MessageReader& read,
                             const CurrencyCode& currency) {
-  BookReading now = readingFor(book, read, message.text, currency);
+  BookReading now = readingFor(book, read, message.text, message.date, currency);
   Reading& reading = now.reading;
   const bool isRead = isTransaction(now);
   if (stated.amount) {

@@ -121,7 +121,8 @@ void Import::recordOne(const Message& message, const std::optional<recognition::
   const MessageReader reader = [&](std::string_view text, const money::CurrencyCode& currency) {
     return read && currency == settings_.currency ? *read : settings_.read(text, currency);
   };
-  const BookReading reading = readingFor(*book_, reader, message.text, settings_.currency);
+  const BookReading reading =
+      readingFor(*book_, reader, message.text, message.expenseDate, settings_.currency);
   if (cameLive(message, reading)) {
     keysTaken_.insert(message.idempotencyKey);
     ++counts.known;

@@ -16,7 +16,7 @@ bool isTransaction(const BookReading& read) {
 }
 
 BookReading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
-                       const money::CurrencyCode& currency) {
+                       const money::Day& day, const money::CurrencyCode& currency) {
   Reading reading = read(text, currency);
   if (reading.outcome != Outcome::needsReview || !reading.amount ||
       reading.amount->currency == currency) {
@@ -26,7 +26,7 @@ BookReading readingFor(const book::Book& book, const MessageReader& read, const 
   if (foreign.outcome != Outcome::transaction || foreign.amount != reading.amount) {
     return {reading};
   }
-  const auto rate = book.rate(foreign.amount->currency);
+  const auto rate = book.rate(foreign.amount->currency, day);
   if (!rate) return {reading};
   foreign.amount = rate->convert(*foreign.amount, currency);
   if (!foreign.amount) return {reading};

@@ -26,11 +26,11 @@ struct BookReading {
 /// Returns whether the message moved money, or seems to have.
 bool isTransaction(const BookReading& read);
 
-/// Reads `text` by `read` for `book`, which is kept in `currency`. A message that is in review only
-/// for its currency is read in that currency, and converted, when the book has a rate for it and
-/// the result is bookable. Throws BookFailure.
+/// Reads `text`, of the day `day`, by `read` for `book`, which is kept in `currency`. A message
+/// that is in review only for its currency is read in that currency, and converted, when the book
+/// has a rate for it on that day and the result is bookable. Throws BookFailure.
 BookReading readingFor(const book::Book& book, const MessageReader& read, const std::string& text,
-                       const money::CurrencyCode& currency);
+                       const money::Day& day, const money::CurrencyCode& currency);
 
 /// Sets all of `entry` that the reading of its message holds. An entry whose sum cannot be booked
 /// is in review without it.

@@ -82,7 +82,7 @@ Recorded record(book::Book& book, const Message& message, const MessageReader& r
                 const money::CurrencyCode& currency) {
   const auto known = [&] { return book.answer(message.userId, message.idempotencyKey); };
   if (auto answer = known()) return {*std::move(answer)};
-  const BookReading reading = readingFor(book, read, message.text, currency);
+  const BookReading reading = readingFor(book, read, message.text, message.expenseDate, currency);
   Recorded recorded;
   book.inOneStep([&] {
     auto answer = known();  // of another process that was faster

@@ -13,7 +13,7 @@ std::optional<BookedSum> bookableSum(const book::Book& book, const LedgerEntry& 
   if (!canBe) return std::nullopt;
   const bool isForeign =
       entry.state == LedgerEntry::State::review && entry.amount->currency != currency;
-  const auto rate = isForeign ? book.rate(entry.amount->currency) : std::nullopt;
+  const auto rate = isForeign ? book.rate(entry.amount->currency, entry.date) : std::nullopt;
   if (!rate) return BookedSum{*entry.amount};
   const auto converted = rate->convert(*entry.amount, currency);
   if (!converted) return std::nullopt;
@@ -37,7 +37,7 @@ std::optional<LedgerEntry> reread(const book::Book& book, std::int64_t id,
                                   const MessageReader& read, const money::CurrencyCode& currency) {
   auto found = book.entry(id);
   if (!found || !found->text) return std::nullopt;
-  const BookReading reading = readingFor(book, read, *found->text, currency);
+  const BookReading reading = readingFor(book, read, *found->text, found->date, currency);
   if (!isTransaction(reading)) return std::nullopt;
   apply(reading, *found);
   return book.fitted(*std::move(found));

@@ -40,7 +40,7 @@ def start(session):
         shell = session.start("gnome-shell", "--headless", "--virtual-monitor", f"{WIDTH}x{HEIGHT}", "--no-x11",
                               "--unsafe-mode")
         try:
-            return wait_for(lambda: "GNOME Shell started" in session.log("gnome-shell"), "GNOME Shell has started")
+            return wait_for(lambda: "GNOME Shell started" in session.log("gnome-shell"), "GNOME Shell has started", 60)
         except AssertionError:
             end_of(shell)
             if last:

@@ -282,8 +282,7 @@ TEST_F(ALedger, IgnoresAStoredRateThatIsNoDecimal) {
   const auto server = ledger_.start();
   shown({"rate", "EUR", "52"});
   RawStore(book()).run(
-      "PRAGMA ignore_check_constraints = ON; INSERT INTO rates (currency, rate) VALUES "
-      "('USD', '0x30')");
+      "PRAGMA ignore_check_constraints = ON; INSERT INTO rates VALUES ('USD', '', '0x30')");
   EXPECT_EQ(shown({"rate"}),
             "EUR 52\n"
             "USD 0x30 is not used: a rate must be a number above zero such as 48.5: 18 digits at "
@@ -304,9 +303,10 @@ TEST_F(ALedger, TakesASumWithCommasBetweenThousands) {
 TEST_F(ALedger, ConvertsAnEntryWhoseCurrencyIsEdited) {
   const auto server = ledger_.start();
   ledger_.post("KEY-1", "Your card was charged USD 9.99 at Netflix.");
-  expectFailure({"edit", "1", "--currency", "EGP"}, 64,
-                "there is no rate for USD: set it by kivo-ledger rate USD RATE, or give the sum in "
-                "EGP by --amount");
+  expectFailure(
+      {"edit", "1", "--currency", "EGP"}, 64,
+      "there is no rate for USD on 2026-11-21: set it by kivo-ledger rate USD RATE, or give the "
+      "sum in EGP by --amount");
   expectFailure({"edit", "1", "--currency", "EUR"}, 64,
                 "there are rates for EGP alone: give the sum in EUR by --amount");
   EXPECT_EQ(json({"review"})[0]["currency"], "USD");
@@ -317,6 +317,24 @@ TEST_F(ALedger, ConvertsAnEntryWhoseCurrencyIsEdited) {
   EXPECT_EQ(json({"review"})[0]["amount"], "484.52");
   EXPECT_EQ(json({"review"})[0]["currency"], "EGP");
   EXPECT_THAT(shown({"show", "1"}), HasSubstr("\nConverted    from 9.99 USD\n"));
+}
+
+TEST_F(ALedger, ShowsAndRemovesRatesByTheirFirstDays) {
+  shown({"rate", "USD", "48.5", "--from", "2026-03-01"});
+  shown({"rate", "USD", "30.9"});
+  shown({"rate", "EUR", "52", "--from", "2026-06-01"});
+  EXPECT_EQ(shown({"rate"}), "EUR 52 from 2026-06-01\nUSD 30.9\nUSD 48.5 from 2026-03-01\n");
+  expectFailure({"rate", "USD", "--remove", "--from", "2026-03-02"}, 1,
+                "there is no rate for USD from 2026-03-02");
+  shown({"rate", "USD", "--remove", "--from", "2026-03-01"});
+  EXPECT_EQ(shown({"rate"}), "EUR 52 from 2026-06-01\nUSD 30.9\n");
+  shown({"undo", "2"});
+  EXPECT_EQ(shown({"rate"}), "USD 30.9\nUSD 48.5 from 2026-03-01\n");
+  shown({"rate", "USD", "--remove"});
+  EXPECT_EQ(shown({"rate"}), "No rate is set.\n");
+  expectFailure({"rate", "--from", "2026-03-01"}, 64, "name the currency of the rate");
+  expectFailure({"rate", "USD", "50", "--from", "March"}, 64,
+                "invalid --from \"March\": it must be a day such as 2026-11-21");
 }
 
 TEST_F(ALedger, ShowsTheBalanceThatAMessageStates) {

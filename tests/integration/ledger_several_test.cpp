@@ -148,9 +148,10 @@ TEST_F(SeveralTransactions, StayInReviewWhenOneCannotBeAccepted) {
 TEST_F(SeveralTransactions, StayAsTheyAreWhenOneCannotBeEdited) {
   add(2);
   RawStore(ledger_.file()).run("UPDATE transactions SET currency = 'USD' WHERE id = 2");
-  expectFailure({"edit", "1-2", "--currency", "EGP", "--category", "Fun"}, 64,
-                "2: there is no rate for USD: set it by kivo-ledger rate USD RATE, or give the sum "
-                "in EGP by --amount; nothing was changed");
+  expectFailure(
+      {"edit", "1-2", "--currency", "EGP", "--category", "Fun"}, 64,
+      "2: there is no rate for USD on 2026-11-02: set it by kivo-ledger rate USD RATE, or give "
+      "the sum in EGP by --amount; nothing was changed");
   EXPECT_THAT(shown({"show", "1"}), HasSubstr("Category     Other\n"));
 }
 

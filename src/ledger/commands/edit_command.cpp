@@ -30,8 +30,8 @@ using linux_platform::GivenParameters;
 using linux_platform::print;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
-// The sum of `entry` converted by its rate; absent when it is in `currency` already.
-std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
+// The sum of `entry` converted by its rate on `day`; absent when it is in `currency` already.
+std::optional<Money> converted(const Book& book, const LedgerEntry& entry, const money::Day& day,
                                const CurrencyCode& currency) {
   if (!entry.amount) {
     throw BadUsage("its sum is unknown: give --amount as well");
@@ -43,10 +43,11 @@ std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
   if (currency != booksIn) {
     throw BadUsage("there are rates for " + booksIn.text() + " alone: " + give);
   }
-  const auto rate = book.rate(sum.currency);
+  const auto rate = book.rate(sum.currency, day);
   if (!rate) {
-    throw BadUsage("there is no rate for " + sum.currency.text() + ": set it by kivo-ledger rate " +
-                   sum.currency.text() + " RATE, or " + give);
+    const std::string code = sum.currency.text();
+    throw BadUsage("there is no rate for " + code + " on " + day.text() +
+                   ": set it by kivo-ledger rate " + code + " RATE, or " + give);
   }
   const auto made = rate->convert(sum, currency);
   if (made) return made;
@@ -54,13 +55,14 @@ std::optional<Money> converted(const Book& book, const LedgerEntry& entry,
                  give);
 }
 
-// Reads --amount and --currency; absent when they change nothing.
+// Reads --amount and --currency for an entry that is of the day `day` then; absent when they change
+// nothing.
 std::optional<Money> amountFrom(const GivenParameters& parameters, const Book& book,
-                                const LedgerEntry& entry) {
+                                const LedgerEntry& entry, const money::Day& day) {
   const auto amount = given(parameters, "--amount");
   const auto currency = givenCurrency(parameters, "--currency", "EGP");
   if (!amount && !currency) return std::nullopt;
-  if (!amount) return converted(book, entry, *currency);
+  if (!amount) return converted(book, entry, day, *currency);
   if (currency) return sumFrom(*amount, *currency);
   return sumFrom(*amount, entry.amount ? entry.amount->currency : requiredBookCurrency());
 }
@@ -88,7 +90,7 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
     const auto bought = recognition::merchantCategory(entry.payee);
     if (!bought.empty()) change.category = bought;
   }
-  change.amount = amountFrom(parameters, book, entry);
+  change.amount = amountFrom(parameters, book, entry, change.date.value_or(entry.date));
   if (!parameters.contains("--amount")) change.original = entry.amount;  // if it was converted
   return change;
 }

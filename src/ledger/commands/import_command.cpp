@@ -71,10 +71,10 @@ ImportDays givenDays(const GivenParameters& parameters) {
 
 // Counts the senders' messages and asks which to import. Without a terminal, prints the counts and
 // throws.
-std::vector<std::string> askedSenders(const Book& book, const ImportedFiles& files,
+std::vector<std::string> askedSenders(const ImportedFiles& files,
                                       const Import::Settings& settings) {
   const auto counts = files.senders([&](const std::string& text) {
-    return isTransaction(recording::readingFor(book, settings.read, text, settings.currency));
+    return recording::isTransaction({.reading = settings.read(text, settings.currency)});
   });
   if (counts.empty()) throw CommandFailure("there is no received message of these days");
   const bool asks = linux_platform::inputIsTerminal();
@@ -141,7 +141,7 @@ std::string wordsOf(const GivenParameters& parameters) {
 // that is no file of messages is refused before anything is booked.
 void importFrom(Book& book, const ImportedFiles& files, std::vector<std::string> senders,
                 Import::Settings settings, const GivenParameters& parameters) {
-  if (senders.empty()) senders = askedSenders(book, files, settings);
+  if (senders.empty()) senders = askedSenders(files, settings);
   ChosenSenders chosen(std::move(senders));
   const auto mode = settings.mode;
   const std::string userId = settings.userId;

@@ -28,9 +28,10 @@ std::string rateForm() {
 
 void showRates(const Book& book) {
   std::string lines;
-  for (const auto& [currency, rate] : book.rates()) {
-    lines.append(escapedControls(currency)).append(" ").append(escapedControls(rate));
-    if (!Rate::fromText(rate)) lines.append(" is not used: a rate must be ").append(rateForm());
+  for (const book::StoredRate& rate : book.rates()) {
+    lines += escapedControls(rate.currency) + " " + escapedControls(rate.rate);
+    if (!rate.from.empty()) lines += " from " + escapedControls(rate.from);
+    if (!Rate::fromText(rate.rate)) lines += " is not used: a rate must be " + rateForm();
     lines += "\n";
   }
   print(lines.empty() ? "No rate is set.\n" : lines);
@@ -39,8 +40,10 @@ void showRates(const Book& book) {
 void rate(const GivenParameters& parameters) {
   const auto currency = givenCurrency(parameters, "CURRENCY", "USD");
   const auto value = given(parameters, "RATE");
+  const auto from = givenDay(parameters, "--from");
   const bool removes = parameters.contains("--remove");
-  if (!currency) return withBook(showRates);
+  if (!currency && !from) return withBook(showRates);
+  if (!currency) throw BadUsage("name the currency of the rate");
   if (removes == value.has_value()) {
     throw BadUsage("give either RATE or --remove");
   }
@@ -49,9 +52,11 @@ void rate(const GivenParameters& parameters) {
   withBook([&](Book& book) {
     book::UserCommand command = userCommand("rate", parameters);
     book.asCommand(command, [&] {
-      if (set) return book.setRate(*currency, *set);
-      if (!book.removeRate(*currency))
-        throw CommandFailure("there is no rate for " + currency->text());
+      if (set) return book.setRate(*currency, *set, from);
+      if (!book.removeRate(*currency, from)) {
+        throw CommandFailure("there is no rate for " + currency->text() +
+                             (from ? " from " + from->text() : ""));
+      }
     });
   });
 }
@@ -60,12 +65,14 @@ void rate(const GivenParameters& parameters) {
 
 linux_platform::Command rateCommand() {
   constexpr auto optional = ParameterKind::optional;
-  return {"rate",
-          "Show or set the rate of a foreign currency",
-          {{"CURRENCY", "The currency's code, as USD", optional},
-           {"RATE", "Its worth in the book's currency, as 48.5", optional},
-           {"--remove", "Have no rate for it", ParameterKind::flag}},
-          rate};
+  return {
+      "rate",
+      "Show or set the rate of a foreign currency",
+      {{"CURRENCY", "The currency's code, as USD", optional},
+       {"RATE", "Its worth in the book's currency, as 48.5", optional},
+       {"--from", "The first day on which it holds; from the beginning when not given", optional},
+       {"--remove", "Have no rate for it, or none from that day", ParameterKind::flag}},
+      rate};
 }
 
 }  // namespace kivo::ledger

@@ -45,7 +45,7 @@ std::optional<std::int64_t> addIgnored(Book& book, std::int64_t number, const Me
   const auto message = book.ignored(number);
   if (!message) return std::nullopt;
   const auto added = recording::addIgnored(
-      book, number, recording::readingFor(book, read, message->text, currency));
+      book, number, recording::readingFor(book, read, message->text, message->date, currency));
   if (!added) return std::nullopt;
   const bool isBooked = added->state == LedgerEntry::State::booked;
   print((isBooked ? "Booked" : "For review") + std::string(" as transaction ") +

@@ -87,10 +87,10 @@ TEST_F(ABookBackup, IsWrittenWhileAnotherHandleWrites) {
     writing.setRate("USD", rate("48.5"));
     EXPECT_EQ(backUp(open()).count, 1);
   });
-  EXPECT_TRUE(writing.rate("USD"));
+  EXPECT_TRUE(writing.rate("USD", money::Day("2026-11-21")));
   Book other = open();
   restoreInto(other);
-  EXPECT_FALSE(other.rate("USD"));
+  EXPECT_FALSE(other.rate("USD", money::Day("2026-11-21")));
 }
 
 TEST_F(ABookBackup, HoldsNoDeletedText) {

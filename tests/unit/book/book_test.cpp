@@ -63,7 +63,7 @@ TEST_F(AStoredBook, IsPrivateAndHasItsApplicationIdAndVersion) {
   EXPECT_EQ(modeOf(file().parent_path()), 0700U);
   testkit::RawStore raw(file());
   EXPECT_EQ(raw.run("PRAGMA journal_mode"), "wal\n");
-  EXPECT_EQ(raw.run("PRAGMA user_version"), "4\n");
+  EXPECT_EQ(raw.run("PRAGMA user_version"), std::to_string(bookVersion()) + "\n");
   EXPECT_EQ(raw.run("PRAGMA application_id"), "1266044007\n");
 }
 
@@ -232,14 +232,40 @@ TEST_F(AStoredBook, StoresRates) {
   book.setRate("USD", rate("48.5"));
   book.setRate("EUR", rate("52"));
   book.setRate("USD", rate("49"));
-  EXPECT_THAT(book.rates(), ElementsAre(Pair("EUR", "52"), Pair("USD", "49")));
+  EXPECT_THAT(book.rates(), ElementsAre(StoredRate{"EUR", "", "52"}, StoredRate{"USD", "", "49"}));
   EXPECT_TRUE(book.removeRate("USD"));
   EXPECT_FALSE(book.removeRate("USD"));
 }
 
+TEST_F(AStoredBook, TakesTheRateThatHoldsOnADay) {
+  Book book = open();
+  book.setRate("USD", rate("48.5"), money::Day("2026-03-01"));
+  EXPECT_FALSE(book.rate("USD", money::Day("2026-02-28")));
+  book.setRate("USD", rate("30.9"));
+  book.setRate("USD", rate("50"), money::Day("2026-06-01"));
+  EXPECT_EQ(book.rate("USD", money::Day("2026-02-28"))->text(), "30.9");
+  EXPECT_EQ(book.rate("USD", money::Day("2026-03-01"))->text(), "48.5");
+  EXPECT_EQ(book.rate("USD", money::Day("2026-05-31"))->text(), "48.5");
+  EXPECT_EQ(book.rate("USD", money::Day("2030-01-01"))->text(), "50");
+  EXPECT_FALSE(book.rate("EUR", money::Day("2026-06-01")));
+}
+
+TEST_F(AStoredBook, RemovesTheRatesOfOneDayOrAll) {
+  Book book = open();
+  book.setRate("USD", rate("30.9"));
+  book.setRate("USD", rate("48.5"), money::Day("2026-03-01"));
+  book.setRate("USD", rate("50"), money::Day("2026-06-01"));
+  EXPECT_FALSE(book.removeRate("USD", money::Day("2026-04-01")));
+  EXPECT_TRUE(book.removeRate("USD", money::Day("2026-06-01")));
+  EXPECT_EQ(book.rate("USD", money::Day("2026-07-01"))->text(), "48.5");
+  EXPECT_TRUE(book.removeRate("USD"));
+  EXPECT_THAT(book.rates(), IsEmpty());
+}
+
 TEST_F(AStoredBook, DoesNotOpenWhenItIsNewerForeignOrDamaged) {
   open();
-  for (const char* const sql : {"PRAGMA user_version = 5", "PRAGMA application_id = 7"}) {
+  const std::string newer = "PRAGMA user_version = " + std::to_string(bookVersion() + 1);
+  for (const std::string& sql : {newer, std::string("PRAGMA application_id = 7")}) {
     testkit::RawStore(file()).run(sql);
     EXPECT_THAT([] { Book::open(); }, ThrowsMessage<BookFailure>(HasSubstr(file().string())))
         << sql;

@@ -1,4 +1,4 @@
-// Books of version 1, with rows that later versions refuse.
+// Books of earlier versions, also with rows that later versions refuse.
 #include <gmock/gmock.h>
 
 #include "book/book_file.h"
@@ -35,6 +35,8 @@ class AFirstBook : public LedgerTest {
   }
 };
 
+using AFourthBook = LedgerTest;
+
 TEST_F(AFirstBook, KeepsItsEntriesAnswersRatesAndIds) {
   make(firstBookRow("KEY-1") +
        firstBookRow("KEY-2", "NULL", "2026-11-20", "expense", "", "review") +
@@ -51,7 +53,8 @@ TEST_F(AFirstBook, KeepsItsEntriesAnswersRatesAndIds) {
   EXPECT_EQ(book.rates().size(), 1U);
   EXPECT_EQ(answer(book, message("KEY-4")), R"({"saved":true})");
   EXPECT_EQ(recorded(book, "KEY-5", spent(100)).id, 5);  // the id 4 was given already
-  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"), "4\n");
+  EXPECT_EQ(testkit::RawStore(file()).run("PRAGMA user_version"),
+            std::to_string(bookVersion()) + "\n");
 }
 
 TEST_F(AFirstBook, GivesItsIncomesTheirDirection) {
@@ -129,6 +132,26 @@ TEST_F(AFirstBook, StaysAsItIsWhenItCannotBeUpgraded) {
   EXPECT_EQ(raw.run("SELECT count(*), max(payee) FROM transactions"), "1|Sunny Market\n");
   raw.run("DROP TABLE categories");
   EXPECT_THAT(ids(open(), LedgerEntry::State::booked), ElementsAre(1));
+}
+
+TEST_F(AFourthBook, KeepsItsRatesFromTheBeginningAndTheirPast) {
+  open();
+  testkit::RawStore(file()).run(R"(
+    DROP TABLE rates;
+    DROP TABLE past_rates;
+    CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT;
+    CREATE TABLE past_rates (
+      command INTEGER NOT NULL, existed INTEGER NOT NULL, currency TEXT NOT NULL, rate TEXT,
+      PRIMARY KEY (command, currency)
+    ) STRICT, WITHOUT ROWID;
+    INSERT INTO rates VALUES ('USD', '48.5'), ('EUR', '52');
+    INSERT INTO commands VALUES (1, 4000000000, 'rate USD 48.5', '');
+    INSERT INTO past_rates VALUES (1, 1, 'USD', '30.9'), (1, 0, 'EUR', NULL);
+    PRAGMA user_version = 4)");
+  Book book = open();
+  EXPECT_EQ(book.rate("USD", money::Day("2020-01-01"))->text(), "48.5");
+  book.undo(1);
+  EXPECT_THAT(book.rates(), ElementsAre(StoredRate{"USD", "", "30.9"}));
 }
 
 }  // namespace

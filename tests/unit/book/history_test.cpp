@@ -59,6 +59,7 @@ class ACommand : public LedgerTest {
     Reading foreign = spent(2000, "Hotel", "USD");
     foreign.outcome = Outcome::needsReview;
     recorded(book, "KEY-3", foreign);
+    book.setRate("EUR", rate("52"), money::Day("2026-03-01"));
     Reading none;
     none.holdsSum = true;
     reading_ = none;
@@ -84,6 +85,16 @@ TEST_F(ACommand, IsTakenBackWhateverItChanged) {
         book.bookWith(3, {97000, "EGP"}, Money{2000, "USD"});
       },
       [&] { book.setRate("USD", rate("48.5")); },
+      [&] {
+        book.setRate("USD", rate("48.5"), money::Day("2026-03-01"));
+        book.setRate("USD", rate("49"), money::Day("2026-06-01"));
+        book.setRate("USD", rate("50"), money::Day("2026-03-01"));
+      },
+      [&] {
+        book.setRate("EUR", rate("53"));
+        book.removeRate("EUR", money::Day("2026-03-01"));
+      },
+      [&] { book.removeRate("EUR"); },
       [&] {
         LedgerEntry entry = book.entry(1).value();
         entry.key = "by-hand";

@@ -177,6 +177,27 @@ TEST_F(ABook, PutsAForeignAmountInReviewUntilARateIsSet) {
   EXPECT_EQ(record(book, message("KEY-1")).reason, "needs_review");
 }
 
+TEST_F(ABook, ConvertsAForeignAmountByTheRateOfItsDay) {
+  Book book = open();
+  readings_ = [](const money::CurrencyCode& currency) {
+    Reading reading = spent(1000, "Sunny Market", "USD");
+    if (currency != "USD") reading.outcome = Outcome::needsReview;
+    return reading;
+  };
+  book.setRate("USD", rate("50"), money::Day("2026-11-21"));
+  const auto recordOn = [&](const std::string& key, const money::Day& day) {
+    Message sent = message(key);
+    sent.expenseDate = day;
+    return record(book, sent);
+  };
+  EXPECT_EQ(recordOn("KEY-1", money::Day("2026-11-20")).reason, "needs_review");
+  EXPECT_EQ(recordOn("KEY-2", money::Day("2026-11-21")).expense->amount, 500);
+  EXPECT_FALSE(accept(book, 1)->rate);
+  book.setRate("USD", rate("40"));
+  EXPECT_EQ(recordOn("KEY-3", money::Day("2026-11-20")).expense->amount, 400);
+  EXPECT_EQ(recordOn("KEY-4", money::Day("2026-11-22")).expense->amount, 500);
+}
+
 TEST_F(ABook, KeepsTheBalanceThatAMessageStates) {
   Book book = open();
   Reading reading = spent(100);
