@@ -1,8 +1,5 @@
 #include "recording/import.h"
 
-#include <atomic>
-#include <future>
-#include <thread>
 #include <utility>
 
 namespace kivo::recording {
@@ -21,6 +18,16 @@ std::int64_t& countOf(ImportCounts& counts, const BookReading& reading) {
   book::LedgerEntry entry;
   apply(reading, entry);
   return entry.state == book::LedgerEntry::State::booked ? counts.booked : counts.review;
+}
+
+std::vector<std::optional<recognition::Reading>> readAll(
+    const std::vector<std::optional<std::string>>& texts, const MessageReader& read,
+    const money::CurrencyCode& currency) {
+  std::vector<std::optional<recognition::Reading>> readings(texts.size());
+  for (std::size_t place = 0; place < texts.size(); ++place) {
+    if (texts[place]) readings[place] = read(*texts[place], currency);
+  }
+  return readings;
 }
 
 }  // namespace
@@ -54,16 +61,43 @@ void Import::expect(const Message& message) {
 
 void Import::add(Message message) {
   waiting_.push_back(std::move(message));
-  if (waiting_.size() >= messagesInStep) finish();
+  if (waiting_.size() >= messagesInStep) recordWhileReading();
 }
 
 void Import::finish() {
-  if (waiting_.empty()) return;
+  recordWhileReading();
+  recordWhileReading();
+}
+
+// Another thread reads the messages that wait while this one records those before them: to read
+// messages takes about half of the time that the rest of an import takes.
+void Import::recordWhileReading() {
+  std::optional<Step> next;
+  if (!waiting_.empty()) next = beginReading();
+  if (auto step = std::exchange(reading_, std::nullopt)) record(*std::move(step));
+  reading_ = std::move(next);
+}
+
+// Messages that are known by their keys are not read.
+Import::Step Import::beginReading() {
+  Step step{.messages = std::exchange(waiting_, {})};
+  std::vector<std::optional<std::string>> texts;
+  book_->atOneMoment([&] {
+    for (const Message& message : step.messages) {
+      texts.push_back(isKnownByKey(message) ? std::nullopt : std::optional(message.text));
+    }
+  });
+  step.readings =
+      std::async(std::launch::async, readAll, std::move(texts), settings_.read, settings_.currency);
+  return step;
+}
+
+void Import::record(Step step) {
+  const Readings readings = step.readings.get();
   ImportCounts counts;
-  const Readings readings = readWaiting();
   const auto recordAll = [&] {
-    for (std::size_t place = 0; place < waiting_.size(); ++place) {
-      recordOne(waiting_[place], readings[place], counts);
+    for (std::size_t place = 0; place < step.messages.size(); ++place) {
+      recordOne(step.messages[place], readings[place], counts);
     }
   };
   if (settings_.mode == Mode::record) {
@@ -72,7 +106,6 @@ void Import::finish() {
     book_->atOneMoment(recordAll);
   }
   counts_ += counts;
-  waiting_.clear();
 }
 
 // Of a message whose text was erased the answer tells, which has the description that the book gave
@@ -80,31 +113,6 @@ void Import::finish() {
 bool Import::cameLive(const Message& message, const BookReading& reading) {
   if (!isTransaction(reading) || !known_.hasErasedOf(message.expenseDate)) return false;
   return known_.accountsForErased(fittedEntry(*book_, reading, message));
-}
-
-// Reads the messages that are not known by their keys, on all processors: reading takes most of the
-// time of an import.
-Import::Readings Import::readWaiting() const {
-  Readings readings(waiting_.size());
-  std::vector<std::size_t> unknown;
-  book_->atOneMoment([&] {
-    for (std::size_t place = 0; place < waiting_.size(); ++place) {
-      if (!isKnownByKey(waiting_[place])) unknown.push_back(place);
-    }
-  });
-  std::atomic<std::size_t> next = 0;
-  const auto readSome = [&] {
-    for (std::size_t at = next++; at < unknown.size(); at = next++) {
-      readings[unknown[at]] = settings_.read(waiting_[unknown[at]].text, settings_.currency);
-    }
-  };
-  std::vector<std::future<void>> others;
-  for (unsigned count = 1; count < std::thread::hardware_concurrency(); ++count) {
-    others.push_back(std::async(std::launch::async, readSome));
-  }
-  readSome();
-  for (auto& other : others) other.get();
-  return readings;
 }
 
 void Import::recordOne(const Message& message, const std::optional<recognition::Reading>& read,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <future>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -40,7 +41,7 @@ class Import {
     std::string userId;
     /// The currency of the book.
     money::CurrencyCode currency;
-    /// Called by several threads at a time.
+    /// Called by two threads at a time.
     MessageReader read;
     /// The beginning of the keys of imported messages; others came live.
     std::string importKeys;
@@ -55,19 +56,27 @@ class Import {
   /// Notes that `message` will be added, so that a live message of its own day is kept for it. Call
   /// it for all messages before the first `add`.
   void expect(const Message& message);
-  /// Records `message` now or, with up to 2,000 others in one step, in a later call. Throws
-  /// BookFailure, and Failure when `undo` took the import back meanwhile; what was recorded in
-  /// earlier steps stays.
+  /// Records `message` in a later call, with up to 2,000 others in one step. Throws BookFailure,
+  /// and Failure when `undo` took the import back meanwhile; what was recorded in earlier steps
+  /// stays.
   void add(Message message);
-  /// Records the messages that wait; throws as `add` does.
+  /// Records the messages that were added; throws as `add` does.
   void finish();
 
   /// The results of the messages that were recorded.
   [[nodiscard]] const ImportCounts& counts() const { return counts_; }
 
  private:
+  // Each absent when its message needs none.
   using Readings = std::vector<std::optional<recognition::Reading>>;
-  [[nodiscard]] Readings readWaiting() const;
+  // Messages that are recorded in one step of the book, and their readings when those are ready.
+  struct Step {
+    std::vector<Message> messages = {};
+    std::future<Readings> readings = {};
+  };
+  void recordWhileReading();
+  Step beginReading();
+  void record(Step step);
   void recordOne(const Message& message, const std::optional<recognition::Reading>& read,
                  ImportCounts& counts);
   [[nodiscard]] bool isKnownByKey(const Message& message) const;
@@ -77,6 +86,7 @@ class Import {
   Settings settings_;
   KnownMessages known_;
   std::vector<Message> waiting_;
+  std::optional<Step> reading_;
   // Of messages for which nothing is stored under their keys.
   std::unordered_set<std::string> keysTaken_;
   std::unordered_set<std::string> keysExpected_;
