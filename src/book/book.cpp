@@ -208,7 +208,7 @@ std::vector<GroupSum<money::Day>> Book::sumsByDay(const money::Period& period,
   return book::sumsByDay(file_->database, {period, largest});
 }
 
-std::vector<GroupSum<std::string>> Book::sumsByName(Names names, const money::Period& period,
+std::vector<GroupSum<NameInMonth>> Book::sumsByName(Names names, const money::Period& period,
                                                     std::int64_t largest) const {
   return book::sumsByName(file_->database, names, {period, largest});
 }

@@ -47,6 +47,12 @@ struct EntryFilter {
 /// group.
 enum class Names { category, description };
 
+/// What is booked under a name, in the spelling of its first entry, in one month.
+struct NameInMonth {
+  std::string name;
+  money::Month month;
+};
+
 /// The sum of the booked transactions of one group, one kind and one currency. Refunds are among
 /// the expenses, and lessen their sum, which may be below zero. Both halves of a transfer between
 /// own accounts are transfers, and the one that came in adds nothing to the sum.
@@ -177,7 +183,7 @@ class Book {
                                                                 std::int64_t largest) const;
   [[nodiscard]] std::vector<GroupSum<money::Day>> sumsByDay(const money::Period& period,
                                                             std::int64_t largest) const;
-  [[nodiscard]] std::vector<GroupSum<std::string>> sumsByName(Names names,
+  [[nodiscard]] std::vector<GroupSum<NameInMonth>> sumsByName(Names names,
                                                               const money::Period& period,
                                                               std::int64_t largest) const;
   /// Returns the booked expenses of `period`, in the order of their days.

@@ -11,8 +11,9 @@ using linux_platform::Statement;
 // The sum in the columns `column` and the next, negative when `leaves`; absent when its values
 // cannot be.
 std::optional<money::Money> sumOf(const Statement& row, int column, bool leaves = false) {
+  if (row.isNull(column)) return std::nullopt;
   const auto currency = money::CurrencyCode::fromText(row.text(column + 1));
-  if (row.isNull(column) || !currency) return std::nullopt;
+  if (!currency) return std::nullopt;
   const std::int64_t units = row.integer(column);
   return money::Money{leaves ? -units : units, *currency};
 }

@@ -14,42 +14,66 @@ namespace {
 
 using linux_platform::Statement;
 
-// The sums of the groups that `expression` makes of a row. `groupOf` reads the text of a group, and
-// returns nullopt where a damaged file holds none.
-template <typename GroupOf>
-auto sumsBy(sqlite3* database, const std::string& expression, const SumScope& scope,
-            GroupOf groupOf) {
-  const std::string sql = "SELECT min(" + expression + R"(), counts_as,
-      sum(CASE WHEN is_second THEN 0 WHEN is_refund THEN -minor_units ELSE minor_units END),
-      currency, count(*), sum(CASE WHEN is_refund THEN minor_units ELSE 0 END), sum(is_refund)
+// A booked transaction as sums count it.
+constexpr const char* countedRows = R"( AS name, counts_as,
+      CASE WHEN is_second THEN 0 WHEN is_refund THEN -minor_units ELSE minor_units END,
+      currency, CASE WHEN is_refund THEN minor_units ELSE 0 END
     FROM (
       SELECT *, counterpart IS NOT NULL AND incoming AS is_second,
         counterpart IS NULL AND refund AND kind = 'income' AS is_refund,
         CASE WHEN counterpart IS NOT NULL THEN 'transfer'
           WHEN refund AND kind = 'income' THEN 'expense' ELSE kind END AS counts_as
       FROM transactions
-      WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?)
-    GROUP BY )" + expression +
-                          " COLLATE NOCASE, counts_as, currency";
-  Statement query(database, sql.c_str());
+      WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?))";
+
+std::string inLowerCase(std::string name) {
+  for (char& letter : name) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return name;
+}
+
+// The sums of the groups that `groupOf` makes of the date and of the column `name`: nullopt where a
+// damaged file holds none. Groups whose `keyOf` is the same are one. Adding up here takes a third
+// of the time in which SQLite sorts the rows by their groups.
+template <typename Group, typename KeyOf, typename GroupOf>
+std::vector<GroupSum<Group>> sumsBy(sqlite3* database, const std::string& name,
+                                    const SumScope& scope, KeyOf keyOf, GroupOf groupOf) {
+  Statement query(database, ("SELECT date, " + name + countedRows).c_str());
   const std::string first = scope.period.first.text();
   const std::string last = scope.period.last.text();
   query.bind(first).bind(last).bind(scope.largest);
-  using Group = typename decltype(groupOf(std::string()))::value_type;
   std::vector<GroupSum<Group>> found;
+  std::unordered_map<std::string, std::size_t> places;
   while (next(query)) {
-    const auto group = groupOf(platform::repairedUtf8(query.text(0)));
-    const auto kind = money::kindFromText(query.text(1));
-    const auto currency = money::CurrencyCode::fromText(query.text(3));
-    if (!kind || !group || !currency) continue;
-    found.push_back({.group = *group,
-                     .kind = *kind,
-                     .sum = {query.integer(2), *currency},
-                     .transactions = query.integer(4),
-                     .refunded = {query.integer(5), *currency},
-                     .refunds = query.integer(6)});
+    const std::string kindText = query.text(2);
+    const std::string currencyText = query.text(4);
+    const std::string key = keyOf(query) + '\0' + kindText + '\0' + currencyText;
+    const auto known = places.find(key);
+    if (known == places.end()) {
+      const std::optional<Group> group = groupOf(query);
+      const auto kind = money::kindFromText(kindText);
+      const auto currency = money::CurrencyCode::fromText(currencyText);
+      if (!kind || !group || !currency) continue;
+      places.emplace(key, found.size());
+      found.push_back(
+          {.group = *group, .kind = *kind, .sum = {0, *currency}, .refunded = {0, *currency}});
+    }
+    GroupSum<Group>& sum = known == places.end() ? found.back() : found[known->second];
+    sum.sum.minorUnits += query.integer(3);
+    sum.refunded.minorUnits += query.integer(5);
+    sum.refunds += query.integer(5) > 0 ? 1 : 0;
+    ++sum.transactions;
   }
   return found;
+}
+
+template <typename Group>
+std::vector<GroupSum<Group>> sumsByDate(sqlite3* database, const SumScope& scope,
+                                        std::size_t length) {
+  const auto text = [length](const Statement& row) { return row.text(0).substr(0, length); };
+  return sumsBy<Group>(database, "''", scope, text,
+                       [&](const Statement& row) { return Group::fromText(text(row)); });
 }
 
 }  // namespace
@@ -60,11 +84,15 @@ Counted countedIn(sqlite3* database, const money::Period& period) {
   Counted counted;
   // Multiples of 1024, so that their sum fits.
   Statement adding(database, R"(
-    SELECT count(*), sum((minor_units >> 10) + 1) FROM transactions
-    WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?)");
-  adding.bind(first).bind(last).bind(money::largestSum);
+    SELECT count(*), count(units), sum((units >> 10) + 1) FROM (
+      SELECT CASE WHEN minor_units BETWEEN 1 AND ? THEN minor_units END AS units
+      FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ?))");
+  adding.bind(money::largestSum).bind(first).bind(last);
+  if (!next(adding)) return counted;
   constexpr auto most = std::numeric_limits<std::int64_t>::max();
-  if (next(adding) && adding.integer(1) > most >> 10) counted.largest = most / adding.integer(0);
+  if (adding.integer(2) > most >> 10) counted.largest = most / adding.integer(1);
+  const bool countsAll = adding.integer(0) == adding.integer(1);
+  if (countsAll && counted.largest == money::largestSum) return counted;
   Statement query(database, R"(
     SELECT id FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ?
       AND (minor_units BETWEEN 1 AND ?) IS NOT TRUE ORDER BY id)");
@@ -74,17 +102,24 @@ Counted countedIn(sqlite3* database, const money::Period& period) {
 }
 
 std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScope& scope) {
-  return sumsBy(database, "substr(date, 1, 7)", scope, money::Month::fromText);
+  return sumsByDate<money::Month>(database, scope, std::string_view("2026-11").size());
 }
 
 std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope) {
-  return sumsBy(database, "date", scope, money::Day::fromText);
+  return sumsByDate<money::Day>(database, scope, std::string::npos);
 }
 
-std::vector<GroupSum<std::string>> sumsByName(sqlite3* database, Names names,
+std::vector<GroupSum<NameInMonth>> sumsByName(sqlite3* database, Names names,
                                               const SumScope& scope) {
-  return sumsBy(database, names == Names::category ? "category" : "description", scope,
-                [](std::string name) { return std::optional(std::move(name)); });
+  const auto monthText = [](const Statement& row) { return row.text(0).substr(0, 7); };
+  return sumsBy<NameInMonth>(
+      database, names == Names::category ? "category" : "description", scope,
+      [&](const Statement& row) { return monthText(row) + '\0' + inLowerCase(row.text(1)); },
+      [&](const Statement& row) -> std::optional<NameInMonth> {
+        const auto month = money::Month::fromText(monthText(row));
+        if (!month) return std::nullopt;
+        return NameInMonth{platform::repairedUtf8(row.text(1)), *month};
+      });
 }
 
 std::vector<PayeeExpense> expensesByDay(sqlite3* database, const money::Period& period) {

@@ -21,7 +21,7 @@ struct SumScope {
 Counted countedIn(sqlite3* database, const money::Period& period);
 std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScope& scope);
 std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope);
-std::vector<GroupSum<std::string>> sumsByName(sqlite3* database, Names names,
+std::vector<GroupSum<NameInMonth>> sumsByName(sqlite3* database, Names names,
                                               const SumScope& scope);
 std::vector<PayeeExpense> expensesByDay(sqlite3* database, const money::Period& period);
 

@@ -36,7 +36,8 @@ MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode&
 MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode& currency,
                        const Counted& counted) {
   MonthSummary summary(month, currency);
-  readPeriods(summary, book, {Period::of(month), Period::of(month.before())}, counted);
+  const ComparedPeriods periods{Period::of(month), Period::of(month.before())};
+  readPeriods(summary, book, periods, sumsOf(book, periods, counted.largest), counted);
   readToday(summary, book, counted.largest);
   return summary;
 }

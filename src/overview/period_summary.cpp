@@ -16,13 +16,13 @@ namespace {
 
 constexpr std::size_t mostPayees = 10;
 
-void readTotals(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
-                std::int64_t largest) {
+void readTotals(PeriodSummary& summary, const NamedSums& categories,
+                const ComparedPeriods& periods) {
   std::map<CurrencyCode, MovedSums> others;
-  for (const auto& group : book.sumsByMonth({periods.before.first, periods.period.last}, largest)) {
+  for (const auto& group : categories) {
     const CurrencyCode& currency = group.sum.currency;
     const bool isOwn = currency == summary.currency;
-    const bool isBefore = group.group < periods.period.first.month();
+    const bool isBefore = group.group.month < periods.period.first.month();
     if (isBefore && !isOwn) continue;
     MovedSums& sums = !isOwn     ? others.try_emplace(currency, currency).first->second
                       : isBefore ? summary.previous
@@ -32,13 +32,12 @@ void readTotals(PeriodSummary& summary, const Book& book, const ComparedPeriods&
   for (const auto& [currency, sums] : others) summary.otherCurrencies.push_back(sums);
 }
 
-void readCategories(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
-                    std::int64_t largest) {
+void readCategories(PeriodSummary& summary, const NamedSums& categories,
+                    const ComparedPeriods& periods) {
   const Money nothing{0, summary.currency};
   std::map<std::string, PeriodSummary::Category> found;
   const auto read = [&](const Period& period, Money PeriodSummary::Category::*sum) {
-    for (const auto& [key, expense] :
-         expensesByName(book, book::Names::category, period, summary.currency, largest)) {
+    for (const auto& [key, expense] : expensesByName(categories, period, summary.currency)) {
       const PeriodSummary::Category begun{expense.name, nothing, nothing, nothing};
       auto& category = found.try_emplace(key, begun).first->second;
       category.*sum = expense.expense;
@@ -55,10 +54,8 @@ void readCategories(PeriodSummary& summary, const Book& book, const ComparedPeri
             });
 }
 
-void readPayees(PeriodSummary& summary, const Book& book, const Period& period,
-                std::int64_t largest) {
-  for (const auto& [key, payee] :
-       expensesByName(book, book::Names::description, period, summary.currency, largest)) {
+void readPayees(PeriodSummary& summary, const NamedSums& descriptions, const Period& period) {
+  for (const auto& [key, payee] : expensesByName(descriptions, period, summary.currency)) {
     summary.payees.push_back({payee.name, payee.expense, payee.transactions, payee.refunded});
   }
   std::sort(summary.payees.begin(), summary.payees.end(), [](const auto& one, const auto& other) {
@@ -79,25 +76,31 @@ Money MovedSums::saving() const {
   return {income.minorUnits - expense.minorUnits, income.currency};
 }
 
+PeriodSums sumsOf(const Book& book, const ComparedPeriods& periods, std::int64_t largest) {
+  const Period both{periods.before.first, periods.period.last};
+  return {.categories = book.sumsByName(book::Names::category, both, largest),
+          .descriptions = book.sumsByName(book::Names::description, both, largest)};
+}
+
 void readPeriods(PeriodSummary& summary, const Book& book, const ComparedPeriods& periods,
-                 const book::Counted& counted) {
-  readTotals(summary, book, periods, counted.largest);
-  readCategories(summary, book, periods, counted.largest);
-  readPayees(summary, book, periods.period, counted.largest);
+                 const PeriodSums& sums, const book::Counted& counted) {
+  readTotals(summary, sums.categories, periods);
+  readCategories(summary, sums.categories, periods);
+  readPayees(summary, sums.descriptions, periods.period);
   summary.review = book.reviewCount();
   summary.ignored = book.ignoredCount();
   summary.leftOut = counted.leftOut;
 }
 
-std::map<std::string, NamedExpense> expensesByName(const Book& book, book::Names names,
-                                                   const Period& period,
-                                                   const CurrencyCode& currency,
-                                                   std::int64_t largest) {
+std::map<std::string, NamedExpense> expensesByName(const NamedSums& sums, const Period& period,
+                                                   const CurrencyCode& currency) {
   std::map<std::string, NamedExpense> found;
-  for (const auto& group : book.sumsByName(names, period, largest)) {
+  for (const auto& group : sums) {
     if (group.kind != Kind::expense || group.sum.currency != currency) continue;
-    NamedExpense begun{.name = group.group, .expense = {0, currency}, .refunded = {0, currency}};
-    NamedExpense& named = found.try_emplace(nameKey(group.group), std::move(begun)).first->second;
+    const auto& [name, month] = group.group;
+    if (month < period.first.month() || period.last.month() < month) continue;
+    NamedExpense begun{.name = name, .expense = {0, currency}, .refunded = {0, currency}};
+    NamedExpense& named = found.try_emplace(nameKey(name), std::move(begun)).first->second;
     named.expense += group.sum;
     named.transactions += group.transactions;
     named.refunded += group.refunded;

@@ -92,9 +92,22 @@ struct PeriodSummary {
   [[nodiscard]] bool isEmpty() const { return sums.transactions == 0 && otherCurrencies.empty(); }
 };
 
-/// Reads the figures of `periods`, of which the book counts `counted`, into `summary`.
+/// What is booked in a period, by name and month.
+using NamedSums = std::vector<book::GroupSum<book::NameInMonth>>;
+
+/// The sums of two compared periods together.
+struct PeriodSums {
+  NamedSums categories;
+  NamedSums descriptions;
+};
+
+/// Returns the sums of `periods`, up to `largest` each.
+PeriodSums sumsOf(const book::Book& book, const ComparedPeriods& periods, std::int64_t largest);
+
+/// Reads the figures of `periods`, whose sums are `sums` and of which the book counts `counted`,
+/// into `summary`.
 void readPeriods(PeriodSummary& summary, const book::Book& book, const ComparedPeriods& periods,
-                 const book::Counted& counted);
+                 const PeriodSums& sums, const book::Counted& counted);
 
 /// The expenses of one name, less its refunds.
 struct NamedExpense {
@@ -104,11 +117,10 @@ struct NamedExpense {
   money::Money refunded = {};
 };
 
-/// Returns the expenses of `period` in `currency`, up to `largest` each, by `nameKey`.
-std::map<std::string, NamedExpense> expensesByName(const book::Book& book, book::Names names,
+/// Returns the expenses of the months of `period` among `sums` in `currency`, by `nameKey`.
+std::map<std::string, NamedExpense> expensesByName(const NamedSums& sums,
                                                    const money::Period& period,
-                                                   const money::CurrencyCode& currency,
-                                                   std::int64_t largest);
+                                                   const money::CurrencyCode& currency);
 
 /// Returns `name` in the form by which the book compares names.
 std::string nameKey(std::string name);

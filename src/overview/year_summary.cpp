@@ -17,12 +17,11 @@ using money::Year;
 
 namespace {
 
-void readMonths(YearSummary& summary, const Book& book, std::int64_t largest) {
+void readMonths(YearSummary& summary, const NamedSums& categories) {
   std::map<Month, MovedSums> sums;
-  const Period both{Period::of(summary.year.before()).first, Period::of(summary.year).last};
-  for (const auto& group : book.sumsByMonth(both, largest)) {
+  for (const auto& group : categories) {
     if (group.sum.currency != summary.currency) continue;
-    MovedSums& ofMonth = sums.try_emplace(group.group, summary.currency).first->second;
+    MovedSums& ofMonth = sums.try_emplace(group.group.month, summary.currency).first->second;
     ofMonth.add(group);
   }
   const MovedSums nothing(summary.currency);
@@ -35,14 +34,13 @@ void readMonths(YearSummary& summary, const Book& book, std::int64_t largest) {
   }
 }
 
-void readCategoryMonths(YearSummary& summary, const Book& book, std::int64_t largest) {
+void readCategoryMonths(YearSummary& summary, const NamedSums& categories) {
   const Money nothing{0, summary.currency};
   summary.categoryMonths.assign(summary.categories.size(),
                                 std::vector<Money>(summary.months.size(), nothing));
   for (std::size_t month = 0; month < summary.months.size(); ++month) {
     const auto expenses =
-        expensesByName(book, book::Names::category, Period::of(summary.months[month].month),
-                       summary.currency, largest);
+        expensesByName(categories, Period::of(summary.months[month].month), summary.currency);
     for (std::size_t at = 0; at < summary.categories.size(); ++at) {
       const auto found = expenses.find(nameKey(summary.categories[at].name));
       if (found != expenses.end()) summary.categoryMonths[at][month] = found->second.expense;
@@ -50,9 +48,9 @@ void readCategoryMonths(YearSummary& summary, const Book& book, std::int64_t lar
   }
 }
 
-void readPayeesBefore(YearSummary& summary, const Book& book, std::int64_t largest) {
-  const auto before = expensesByName(book, book::Names::description,
-                                     Period::of(summary.year.before()), summary.currency, largest);
+void readPayeesBefore(YearSummary& summary, const NamedSums& descriptions) {
+  const auto before =
+      expensesByName(descriptions, Period::of(summary.year.before()), summary.currency);
   for (const YearSummary::Payee& payee : summary.payees) {
     const auto found = before.find(nameKey(payee.description));
     summary.payeesBefore.push_back(found == before.end() ? Money{0, summary.currency}
@@ -74,14 +72,14 @@ void readShownMonths(YearSummary& summary) {
 }  // namespace
 
 YearSummary summarize(const Book& book, const Year& year, const CurrencyCode& currency) {
-  const Period period = Period::of(year);
-  const Period before = Period::of(year.before());
-  const book::Counted counted = book.counted({before.first, period.last});
+  const ComparedPeriods periods{Period::of(year), Period::of(year.before())};
+  const book::Counted counted = book.counted({periods.before.first, periods.period.last});
+  const PeriodSums sums = sumsOf(book, periods, counted.largest);
   YearSummary summary(year, currency);
-  readPeriods(summary, book, {period, before}, counted);
-  readMonths(summary, book, counted.largest);
-  readCategoryMonths(summary, book, counted.largest);
-  readPayeesBefore(summary, book, counted.largest);
+  readPeriods(summary, book, periods, sums, counted);
+  readMonths(summary, sums.categories);
+  readCategoryMonths(summary, sums.categories);
+  readPayeesBefore(summary, sums.descriptions);
   readShownMonths(summary);
   return summary;
 }

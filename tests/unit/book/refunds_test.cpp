@@ -40,7 +40,7 @@ class ABookedRefund : public LedgerTest {
     std::vector<std::string> found;
     for (const auto& group :
          book_.sumsByName(Names::category, Period::of(month), money::largestSum)) {
-      found.push_back(std::string(kindText(group.kind)) + " " + group.group + " " +
+      found.push_back(std::string(kindText(group.kind)) + " " + group.group.name + " " +
                       std::to_string(group.sum.minorUnits) + " (" +
                       std::to_string(group.refunded.minorUnits) + " in " +
                       std::to_string(group.refunds) + ")");
