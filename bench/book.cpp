@@ -5,11 +5,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/filled_book.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/extraction_endpoint.h"
 #include "platform/foundation/json_encoder.h"
 #include "testkit/private_folders.h"
-#include "testkit/raw_store.h"
 
 namespace kivo::bench {
 
@@ -18,29 +18,6 @@ using book::Book;
 namespace {
 
 using benchmark::State;
-
-// Creates a book of `count` transactions, 55 a day up to 2026-11-21, of 200 payees.
-void fill(const testkit::PrivateFolders& folders, std::int64_t count) {
-  Book::open();
-  const std::string last = std::to_string(count - 1);
-  testkit::RawStore(folders.dataHome() / "app.kivo.ledger" / "ledger.sqlite3")
-      .run(
-          "BEGIN; CREATE TEMP TABLE numbers AS WITH RECURSIVE counting (n) AS (SELECT 0 UNION ALL "
-          "SELECT n + 1 FROM counting WHERE n < " +
-          last +
-          ") SELECT n FROM counting;"
-          R"(
-    INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
-      payee, folded_payee, account, reference, state, text) SELECT 'user', 'KEY-' || n, date('2026-11-21', (-n / 55) || ' days'),
-      'expense', 1000 + n * 7919 % 90000, 'EGP', 'Payee ' || (n % 200), 'Groceries', 'Payee ' || (n % 200),
-      'payee ' || (n % 200), '4821', CASE n % 3 WHEN 0 THEN 'REF' || n ELSE '' END, 'booked',
-      'Your card ending 4821 was charged EGP 150.00 at Payee ' || (n % 200) || ' on 21-11-2026.'
-      FROM numbers;
-    INSERT INTO answers SELECT user, key, '{"saved":true,"transaction_type":"expense","expense":' ||
-      '{"id":"' || id || '","description":"Payee","amount":150.0,"category":"Groceries",' ||
-      '"expense_date":"2026-11-21"}}' FROM transactions;
-    COMMIT)");
-}
 
 std::string body(const std::string& key) {
   platform::JSONEncoder object;
