@@ -76,6 +76,7 @@ AccountFigures figuresOf(Entries entries, const Account& account, const Currency
     figures.balance = money::Money{
         signedUnits({.minorUnits = *last.balance, .currency = currency}, figures.kind), currency};
     figures.balanceDate = last.date;
+    figures.now = money::Money{chain.now, currency};
   }
   figures.gaps = std::move(chain.gaps);
   return figures;

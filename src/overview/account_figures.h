@@ -22,6 +22,8 @@ struct AccountFigures {
   /// The last that a message states, as it states it, and its day; both absent when none does.
   std::optional<money::Money> balance = {};
   std::optional<money::Day> balanceDate = {};
+  /// That balance, and what was booked after it; below zero for a debt.
+  std::optional<money::Money> now = {};
   /// In minor units of `currency`, the oldest first.
   std::vector<Gap> gaps = {};
 };

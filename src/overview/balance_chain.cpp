@@ -202,6 +202,7 @@ BalanceChain chainIn(const std::vector<Link>& links, const Order& order) {
     expected = *link.balance;
     chain.last = index;
   }
+  if (chain.last) chain.now = expected;
   return chain;
 }
 

@@ -36,6 +36,8 @@ struct BalanceChain {
   std::vector<Gap> gaps = {};
   /// The index of the link with the last stated balance; absent when there is none.
   std::optional<std::size_t> last = {};
+  /// That balance, and what was booked after it; 0 without one.
+  std::int64_t now = 0;
 };
 
 /// Returns the chain of `links`, which are in the order of their days and, of one day, of their

@@ -2,11 +2,13 @@
 """Reads what `kivo-ledger export` writes with the programs that it is for, and compares all sums with the book."""
 import collections
 import csv
+import datetime
 import decimal
 import io
 import json
 import os
 import pathlib
+import random
 import re
 import sqlite3
 import subprocess
@@ -196,6 +198,83 @@ class Export(unittest.TestCase):
         earned = self.tool("hledger", "-f", journal, "balance", "-N", "--cost", "Income")
         self.assertEqual(earned.split(), ["-970.00", "EGP", "Income:Fun"])
         self.assertEqual(self.tool("bean-check", book.export("beancount")), "")
+
+    def year_with_balances(self, seed):
+        """A book of three accounts whose messages state true balances, and the balances at its end. Some payments came
+        without a message, of some days the messages are out of order, and half of the messages state a balance."""
+        chance = random.Random(seed)
+        book, balances, entries = Book(), {"1111": 900_000, "2222": 50_000, "3333": 7_000_000}, []
+        self.addCleanup(book.close)
+        for day in range(365):
+            date = (datetime.date(2026, 1, 1) + datetime.timedelta(day)).isoformat()
+            today = []
+            for _ in range(chance.randrange(4)):
+                account, sum_of = chance.choice(list(balances)), chance.randrange(1, 40_000)
+                kind = chance.choice(["expense", "expense", "income"])
+                balances[account] += sum_of if kind == "income" else -sum_of
+                if chance.random() < 0.02 and day < 300:
+                    continue  # unexplained, and later balances follow
+                stated = balances[account] if chance.random() < 0.5 else None
+                today.append(((date, kind, sum_of, "EGP", "Somebody", "Some", account, "", "booked"), stated))
+            if chance.random() < 0.2:
+                chance.shuffle(today)
+            entries += today
+        book.add(entry for entry, _ in entries)
+        with sqlite3.connect(book.file) as file:
+            file.execute("UPDATE transactions SET incoming = kind = 'income'")
+            for identity, (_, stated) in enumerate(entries, start=1):
+                if stated is not None:
+                    file.execute("UPDATE transactions SET balance = ?, balance_currency = 'EGP' WHERE id = ?", (stated, identity))
+        file.close()
+        return book, balances
+
+    def test_balances_of_a_random_year_pass_the_checks_and_end_as_they_did(self):
+        asserted = 0
+        for seed in range(5):
+            book, balances = self.year_with_balances(seed)
+            book.run("accounts", "name", "1111", "Salary")
+            journal = book.export("hledger", "--balances")
+            self.tool("hledger", "-f", journal, "check", "--strict")
+            shown = self.tool("hledger", "-f", journal, "balance", "-N", "--flat", "Assets")
+            found = {name: units for units, name in re.findall(r"(-?[0-9.]+) EGP  Assets:Bank:(\w+)", shown)}
+            expected = {"Salary" if name == "1111" else name: f"{units / 100:.2f}" for name, units in balances.items()}
+            self.assertEqual(found, expected, f"seed {seed}")
+            self.assertEqual(self.tool("bean-check", book.export("beancount", "--balances")), "")
+            asserted += journal.read_text().count(" EGP = ")
+            with open(book.export("ofx", "--balances"), "rb") as file:
+                read = OfxParser.parse(file)
+            self.assertEqual({one.account_id: f"{one.statement.balance:.2f}" for one in read.accounts}, expected)
+        self.assertGreater(asserted, 400)
+
+    def test_a_payment_that_is_taken_out_breaks_an_asserted_balance(self):
+        book, _ = self.year_with_balances(7)
+        for form, check in (("hledger", ("hledger", "-f", "{}", "check")), ("beancount", ("bean-check", "{}"))):
+            file = book.export(form, "--balances")
+            text = file.read_text()
+            one = re.search(r"\n\n2026-06-.*\n(?:.*\n)+?.*Expenses.*  (\d+\.\d\d) EGP", text)
+            broken = text[:one.start()] + text[one.start():].replace(one.group(1), "0.01", 2)
+            file.write_text(broken)
+            self.tool(*(part.format(file) for part in check), status=1)
+
+    def test_balances_are_refused_where_not_all_of_an_account_is_exported(self):
+        self.assertEqual(self.book.run("export", "--format", "csv", "--balances", status=64),
+                         "kivo-ledger: csv has no place for --balances\n")
+        self.assertEqual(self.book.run("export", "--format", "hledger", "--balances", "--category", "Food", status=64),
+                         "kivo-ledger: --balances needs every transaction of an account: leave out --category\n")
+
+    def test_accounts_have_their_names_but_in_csv(self):
+        book = Book()
+        self.addCleanup(book.close)
+        book.add(("2026-11-21", "expense", 100, "EGP", "A", "B", account, "", "booked") for account in ("11", "22", "33"))
+        for account, name in (("11", "Salary"), ("22", "Savings"), ("33", "savings")):
+            book.run("accounts", "name", account, name)
+        own = re.findall(r"account (Assets.*)", book.export("hledger").read_text())
+        self.assertEqual(own, ["Assets:Bank:Salary", "Assets:Bank:Savings 22", "Assets:Bank:savings 33"])
+        self.assertEqual(re.findall(r"open (Assets\S*)", book.export("beancount").read_text()),
+                         ["Assets:Bank:Salary", "Assets:Bank:Savings-22", "Assets:Bank:Savings-33"])
+        self.assertEqual(re.findall(r"<ACCTID>([^<]*)", book.export("ofx").read_text()), ["Salary", "Savings 22", "savings 33"])
+        rows = csv.DictReader(io.StringIO(book.export("csv").read_text()))
+        self.assertEqual([row["account"] for row in rows], ["11", "22", "33"])
 
     def compare(self, own, other, category_name, account_name):
         """Compares postings with the book: by own account, and by kind and category."""

@@ -1,5 +1,6 @@
 #include "overview/exports/beancount_export.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <string_view>
@@ -68,11 +69,37 @@ std::string posting(const std::string& account, const std::string& sum) {
   return "  " + account + "  " + sum + "\n";
 }
 
+std::string opening(const AccountBalances& account) {
+  money::Money opposite = account.opening;
+  opposite.minorUnits = -opposite.minorUnits;
+  return "\n" + account.first.text() + " * " + string(openingDescription) + " \"\"\n" +
+         posting(bankAccount(account.account, level), sumText(account.opening)) +
+         posting(openingAccount, sumText(opposite));
+}
+
+// Beancount asserts the balance at the beginning of a day.
+std::string assertions(const AccountBalances& account) {
+  std::string lines;
+  for (const AssertedBalance& one : account.asserted) {
+    lines += one.date.before(-1).text() + " balance " + bankAccount(account.account, level) + "  " +
+             sumText(one.balance) + "\n";
+  }
+  return lines;
+}
+
 }  // namespace
 
-std::string beancountExport(const std::vector<LedgerEntry>& entries) {
+std::string beancountExport(const std::vector<LedgerEntry>& entries,
+                            const std::vector<AccountBalances>& balances) {
   std::map<std::string, std::string> opened;  // on which day
   std::string transactions;
+  std::string asserted;
+  for (const AccountBalances& account : balances) {
+    const auto [first, isFirst] = opened.try_emplace(openingAccount, account.first.text());
+    if (!isFirst) first->second = std::min(first->second, account.first.text());
+    transactions += opening(account);
+    asserted += assertions(account);
+  }
   for (const ExportedMovement& movement : movementsOf(entries)) {
     const LedgerEntry& entry = *movement.entry;
     const DoubleEntry made = doubleEntryOf(movement, level);
@@ -90,7 +117,7 @@ std::string beancountExport(const std::vector<LedgerEntry>& entries) {
   for (const auto& [account, day] : opened) {
     file.append(day).append(" open ").append(account).append("\n");
   }
-  return file + transactions;
+  return file + transactions + (asserted.empty() ? "" : "\n" + asserted);
 }
 
 }  // namespace kivo::overview

@@ -27,12 +27,12 @@ std::string accountOf(std::string_view category, LevelName levelName) {
   return account.empty() ? "Other" : account;
 }
 
-std::string bankAccount(const LedgerEntry& entry, LevelName levelName) {
-  const std::string own = levelName(entry.account);
+}  // namespace
+
+std::string bankAccount(std::string_view account, LevelName levelName) {
+  const std::string own = levelName(account);
   return own.empty() ? "Assets:Bank" : "Assets:Bank:" + own;
 }
-
-}  // namespace
 
 DoubleEntry doubleEntryOf(const ExportedMovement& movement, LevelName levelName) {
   const LedgerEntry& entry = *movement.entry;
@@ -43,9 +43,9 @@ DoubleEntry doubleEntryOf(const ExportedMovement& movement, LevelName levelName)
   const bool isIncome = entry.kind == Kind::income && !entry.refund;
   const char* const root = isTransfer ? "Equity:" : isIncome ? "Income:" : "Expenses:";
   made.otherAccount =
-      movement.into != nullptr ? bankAccount(*movement.into, levelName) : root + named;
+      movement.into != nullptr ? bankAccount(movement.into->account, levelName) : root + named;
   if (named != category) made.unnamedCategory = category;
-  made.ownAccount = bankAccount(entry, levelName);
+  made.ownAccount = bankAccount(entry.account, levelName);
   made.toOther = made.toOwn = *entry.amount;
   Money& leaving = entry.incoming ? made.toOther : made.toOwn;
   leaving.minorUnits = -leaving.minorUnits;

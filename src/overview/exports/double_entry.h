@@ -28,9 +28,17 @@ struct DoubleEntry {
 /// The sum posted to `otherAccount`: "150.00 EGP", or with its price "20.00 USD @@ 970.00 EGP".
 std::string otherSumText(const DoubleEntry& made);
 
+/// Describes the transaction that posts the balance before all others, against "Equity:Opening".
+inline constexpr const char* openingDescription = "Opening balance";
+inline constexpr const char* openingAccount = "Equity:Opening";
+
 /// Converts a text to one level of an account's name by the rules of a format; returns an empty
 /// text when none of its characters can stay.
 using LevelName = std::string (*)(std::string_view text);
+
+/// Returns the name of the user's own account with these digits or that name: "Assets:Bank:4821";
+/// "Assets:Bank" for an empty text, and when none of its characters can stay.
+std::string bankAccount(std::string_view account, LevelName levelName);
 
 /// Returns the postings of `movement`, which must have a sum. A category becomes "Other" when none
 /// of its characters can stay.

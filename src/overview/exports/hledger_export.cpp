@@ -1,7 +1,10 @@
 #include "overview/exports/hledger_export.h"
 
+#include <cstdint>
+#include <map>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "overview/exports/double_entry.h"
 #include "overview/exports/export_text.h"
@@ -27,12 +30,46 @@ std::string posting(const std::string& account, const std::string& sum) {
   return "    " + account + "  " + sum + "\n";
 }
 
+std::string opening(const AccountBalances& account) {
+  money::Money opposite = account.opening;
+  opposite.minorUnits = -opposite.minorUnits;
+  return "\n" + account.first.text() + " * " + openingDescription + "\n" +
+         posting(bankAccount(account.account, name), sumText(account.opening)) +
+         posting(openingAccount, sumText(opposite));
+}
+
+// The assertions that follow postings: by the account, and the entry of the movement.
+class Assertions {
+ public:
+  explicit Assertions(const std::vector<AccountBalances>& balances) {
+    for (const AccountBalances& account : balances) {
+      for (const AssertedBalance& one : account.asserted) {
+        balances_.insert({{account.account, one.after}, one.balance});
+      }
+    }
+  }
+  // Empty where there is none.
+  [[nodiscard]] std::string after(const std::string& account, const LedgerEntry& entry) const {
+    const auto found = balances_.find({account, entry.id});
+    return found == balances_.end() ? "" : " = " + sumText(found->second);
+  }
+
+ private:
+  std::map<std::pair<std::string, std::int64_t>, money::Money> balances_;
+};
+
 }  // namespace
 
-std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
+std::string hledgerExport(const std::vector<LedgerEntry>& entries,
+                          const std::vector<AccountBalances>& balances) {
   std::set<std::string> accounts;
   std::set<money::CurrencyCode> currencies;
   std::string transactions;
+  const Assertions assertions(balances);
+  for (const AccountBalances& account : balances) {
+    accounts.insert(openingAccount);
+    transactions += opening(account);
+  }
   for (const ExportedMovement& movement : movementsOf(entries)) {
     const LedgerEntry& entry = *movement.entry;
     const DoubleEntry made = doubleEntryOf(movement, name);
@@ -47,8 +84,11 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries) {
     transactions.append(tag("kivo-id", importId(entry)));
     transactions.append(tag("category", made.unnamedCategory));
     transactions.append(tag("reference", entry.reference));
-    transactions.append(posting(made.otherAccount, otherSumText(made)));
-    transactions.append(posting(made.ownAccount, sumText(made.toOwn)));
+    const std::string ofOther =
+        movement.into == nullptr ? "" : assertions.after(movement.into->account, entry);
+    transactions.append(posting(made.otherAccount, otherSumText(made) + ofOther));
+    transactions.append(
+        posting(made.ownAccount, sumText(made.toOwn) + assertions.after(entry.account, entry)));
   }
   std::string journal = "; Written by kivo-ledger. Another export replaces it.\ndecimal-mark .\n";
   for (const money::CurrencyCode& currency : currencies) {

@@ -77,19 +77,26 @@ std::string transaction(const LedgerEntry& entry) {
          element("NAME", name) + element("MEMO", cut(memo, longestMemo)) + "</STMTTRN>\n";
 }
 
-std::string balance(const Statement& entries) {
+// Absent when it does not fit 64 bits.
+std::optional<Money> sumOf(const Statement& entries) {
   Money sum{0, entries.front()->amount->currency};
   try {
     for (const LedgerEntry* entry : entries) sum += signedSum(*entry);
   } catch (const std::overflow_error&) {
-    return "";
+    return std::nullopt;
   }
-  return "<LEDGERBAL>\n" + element("BALAMT", amountText(sum)) +
+  return sum;
+}
+
+std::string balance(const std::optional<Money>& sum, const Statement& entries) {
+  if (!sum) return "";
+  return "<LEDGERBAL>\n" + element("BALAMT", amountText(*sum)) +
          element("DTASOF", day(entries.back()->date)) + "</LEDGERBAL>\n";
 }
 
 // Programs keep an account by its bank and number, and in one currency: the bank names it.
-void append(std::string& file, const std::string& account, const Statement& entries) {
+void append(std::string& file, const std::string& account, const Statement& entries,
+            const std::optional<Money>& sum) {
   const std::string currency = entries.front()->amount->currency.text();
   file.append("<STMTTRNRS>\n").append(element("TRNUID", "0")).append(status).append("<STMTRS>\n");
   file.append(element("CURDEF", currency)).append("<BANKACCTFROM>\n");
@@ -98,12 +105,15 @@ void append(std::string& file, const std::string& account, const Statement& entr
   file.append(element("DTSTART", day(entries.front()->date)));
   file.append(element("DTEND", day(entries.back()->date)));
   for (const LedgerEntry* entry : entries) file += transaction(*entry);
-  file.append("</BANKTRANLIST>\n").append(balance(entries)).append("</STMTRS>\n</STMTTRNRS>\n");
+  file.append("</BANKTRANLIST>\n")
+      .append(balance(sum, entries))
+      .append("</STMTRS>\n</STMTTRNRS>\n");
 }
 
 }  // namespace
 
-std::string ofxExport(const std::vector<LedgerEntry>& entries) {
+std::string ofxExport(const std::vector<LedgerEntry>& entries,
+                      const std::vector<AccountBalances>& balances) {
   std::map<std::pair<std::string, money::CurrencyCode>, Statement> statements;
   for (const LedgerEntry& entry : entries) {
     const std::string digits = cut(oneLine(entry.account), longestAccount);
@@ -116,7 +126,13 @@ std::string ofxExport(const std::vector<LedgerEntry>& entries) {
   file.append(element("DTSERVER", entries.empty() ? "19700101" : day(entries.back().date)));
   file.append(element("LANGUAGE", "ENG")).append("</SONRS>\n</SIGNONMSGSRSV1>\n");
   if (!statements.empty()) file += "<BANKMSGSRSV1>\n";
-  for (const auto& [account, ofIt] : statements) append(file, account.first, ofIt);
+  for (const auto& [account, ofIt] : statements) {
+    const auto known =
+        std::find_if(balances.begin(), balances.end(), [&](const AccountBalances& one) {
+          return one.account == ofIt.front()->account && one.last.currency == account.second;
+        });
+    append(file, account.first, ofIt, known == balances.end() ? sumOf(ofIt) : known->last);
+  }
   if (!statements.empty()) file += "</BANKMSGSRSV1>\n";
   return file + "</OFX>\n";
 }

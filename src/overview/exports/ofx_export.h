@@ -5,14 +5,16 @@
 #include <vector>
 
 #include "book/ledger_entry.h"
+#include "overview/exports/account_balances.h"
 
 namespace kivo::overview {
 
 /// Returns `entries`, oldest first, as a file in UTF-8 with one statement for each account and
 /// currency and with an end tag for each element. FITID is the `importId`. Of a description, NAME
 /// has 32 characters; MEMO has the category, after the whole description where that is longer. The
-/// format demands a balance, which the book does not know: it is the sum of the statement, and is
-/// left out where that does not fit 64 bits.
-std::string ofxExport(const std::vector<book::LedgerEntry>& entries);
+/// format demands a balance: that of `balances`, or else the sum of the statement, which is left
+/// out where it does not fit 64 bits.
+std::string ofxExport(const std::vector<book::LedgerEntry>& entries,
+                      const std::vector<AccountBalances>& balances = {});
 
 }  // namespace kivo::overview
