@@ -10,9 +10,14 @@
 
 namespace kivo::book {
 
+/// The digits of the account of cash: it is kept while withdrawals are transfers to it.
+inline constexpr const char* cashAccount = "Cash";
+/// The category of withdrawals, and of transfers to that account and from it.
+inline constexpr const char* cashCategory = "Cash";
+
 /// What the user said of an account.
 struct Account {
-  /// As in the messages.
+  /// As in the messages, or `cashAccount`.
   std::string digits;
   /// Empty for none.
   std::string name = {};

@@ -166,6 +166,9 @@ LedgerEntry Book::fitted(LedgerEntry entry) const {
   if (entry.refund && entry.category == "Refund") {
     entry.category = refundCategory(file_->database, entry);
   }
+  const bool isWithdrawal = entry.kind == money::Kind::expense && entry.category == cashCategory &&
+                            entry.account != cashAccount;
+  if (isWithdrawal && keepsCash()) setKind(entry, money::Kind::transfer);
   applyRules(file_->database, entry);
   entry.category = spelledCategory(file_->database, entry.category, entry.id);
   if (!entry.counterpart) entry.counterpart = otherHalf(file_->database, entry);
@@ -384,6 +387,10 @@ void Book::keepAccount(const Account& account) {
     writeAccount(file_->database, account);
   });
 }
+
+bool Book::keepsCash() const { return book::keepsCash(file_->database); }
+
+std::vector<std::int64_t> Book::withdrawals() const { return book::withdrawals(file_->database); }
 
 Book::Holds Book::holds() const {
   Statement query(file_->database, R"(

@@ -265,12 +265,18 @@ class Book {
   /// Returns all rates, also those that `Rate` does not read, by their codes and days.
   [[nodiscard]] std::vector<StoredRate> rates() const;
 
-  /// Returns all entries of accounts that are booked or in review, by account, day and id.
+  /// Returns all entries of accounts that are booked or in review, by account, day and id. A
+  /// transfer to the account of cash or from it is an entry of both accounts.
   [[nodiscard]] std::vector<AccountEntry> accountEntries() const;
   /// Returns what the user said of accounts, in the order of their digits.
   [[nodiscard]] std::vector<Account> accounts() const;
-  /// Keeps `account` in the place of what was kept for its digits.
+  /// Keeps `account` in the place of what was kept for its digits. While `cashAccount` is kept,
+  /// with a name, `fitted` makes a withdrawal of cash a transfer to it.
   void keepAccount(const Account& account);
+  /// Returns whether `cashAccount` is kept.
+  [[nodiscard]] bool keepsCash() const;
+  /// Returns the ids of the withdrawals of cash that are expenses, which messages report.
+  [[nodiscard]] std::vector<std::int64_t> withdrawals() const;
 
   /// The most that a book holds: nothing, only what the user set, or also what came of messages:
   /// entries, answers, ignored messages.

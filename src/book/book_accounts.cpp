@@ -1,5 +1,10 @@
 #include "book/book_accounts.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <tuple>
+
 #include "book/book_file.h"
 #include "platform/foundation/utf8.h"
 
@@ -18,14 +23,8 @@ std::optional<money::Money> sumOf(const Statement& row, int column, bool leaves 
   return money::Money{leaves ? -units : units, *currency};
 }
 
-}  // namespace
-
-std::vector<AccountEntry> accountEntries(sqlite3* database) {
-  Statement query(database, R"(
-    SELECT account, date, id, state, minor_units, currency, incoming, balance, balance_currency,
-      original, original_currency, possible_duplicate_of
-    FROM transactions INDEXED BY transactions_by_account
-    WHERE account <> '' AND state IN ('booked', 'review') ORDER BY account, date, id)");
+// The rows of `query`, in their order.
+std::vector<AccountEntry> read(Statement& query) {
   std::vector<AccountEntry> found;
   while (next(query)) {
     const auto date = money::Day::fromText(query.text(1));
@@ -40,6 +39,49 @@ std::vector<AccountEntry> accountEntries(sqlite3* database) {
                      .original = sumOf(query, 9, leaves),
                      .balance = sumOf(query, 7)});
   }
+  return found;
+}
+
+}  // namespace
+
+// A transfer to the account of cash has the other account; it is an entry of both.
+std::vector<AccountEntry> accountEntries(sqlite3* database) {
+  Statement query(database, R"(
+    SELECT account, date, id, state, minor_units, currency, incoming, balance, balance_currency,
+      original, original_currency, possible_duplicate_of
+    FROM transactions INDEXED BY transactions_by_account
+    WHERE account <> '' AND state IN ('booked', 'review') ORDER BY account, date, id)");
+  std::vector<AccountEntry> found = read(query);
+  Statement ofCash(database, R"(
+    SELECT ?, date, id, state, minor_units, currency, NOT incoming, NULL, '', NULL, '',
+      possible_duplicate_of
+    FROM transactions INDEXED BY transfers_of_cash
+    WHERE kind = 'transfer' AND category = 'Cash' AND counterpart IS NULL AND account <> ?1 AND
+      state IN ('booked', 'review') ORDER BY date, id)");
+  const std::vector<AccountEntry> transfers = read(ofCash.bind(std::string_view(cashAccount)));
+  const auto middle = static_cast<std::ptrdiff_t>(found.size());
+  found.insert(found.end(), transfers.begin(), transfers.end());
+  std::inplace_merge(found.begin(), found.begin() + middle, found.end(),
+                     [](const AccountEntry& one, const AccountEntry& other) {
+                       return std::tie(one.account, one.date, one.id) <
+                              std::tie(other.account, other.date, other.id);
+                     });
+  return found;
+}
+
+bool keepsCash(sqlite3* database) {
+  Statement query(database, "SELECT 1 FROM accounts WHERE digits = ?");
+  return next(query.bind(std::string_view(cashAccount)));
+}
+
+std::vector<std::int64_t> withdrawals(sqlite3* database) {
+  Statement query(database, R"(
+    SELECT id FROM transactions WHERE kind = 'expense' AND category = 'Cash' AND account <> ? AND
+      key NOT LIKE 'by-hand-%' AND counterpart IS NULL AND state IN ('booked', 'review')
+    ORDER BY id)");
+  query.bind(std::string_view(cashAccount));
+  std::vector<std::int64_t> found;
+  while (next(query)) found.push_back(query.integer(0));
   return found;
 }
 

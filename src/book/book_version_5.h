@@ -1,4 +1,5 @@
-// The tables of version 5: rates that hold from a day on.
+// The tables of version 5: rates that hold from a day on, and an index of the transfers to and from
+// the account of cash.
 #pragma once
 
 namespace kivo::book {
@@ -19,6 +20,8 @@ CREATE TABLE past_rates_by_day (
 ) STRICT, WITHOUT ROWID;
 INSERT INTO past_rates_by_day SELECT command, existed, currency, '', rate FROM past_rates;
 DROP TABLE past_rates;
-ALTER TABLE past_rates_by_day RENAME TO past_rates)";
+ALTER TABLE past_rates_by_day RENAME TO past_rates;
+CREATE INDEX transfers_of_cash ON transactions (date, id)
+  WHERE kind = 'transfer' AND category = 'Cash')";
 
 }  // namespace kivo::book

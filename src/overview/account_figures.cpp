@@ -57,6 +57,17 @@ std::vector<Link> linksOf(Entries entries, const CurrencyCode& currency, Balance
   return links;
 }
 
+// No message states what cash is left: it is what was booked.
+void readCash(AccountFigures& figures, Entries entries) {
+  money::Money sum{0, figures.currency};
+  for (const AccountEntry& entry : entries) {
+    if (!entry.isBooked || !entry.change || entry.change->currency != figures.currency) continue;
+    if (__builtin_add_overflow(sum.minorUnits, entry.change->minorUnits, &sum.minorUnits)) return;
+    figures.balanceDate = entry.date;
+  }
+  if (figures.balanceDate) figures.balance = sum;
+}
+
 AccountFigures figuresOf(Entries entries, const Account& account, const CurrencyCode& currency) {
   AccountFigures figures{.account = account.digits, .name = account.name, .currency = currency};
   std::vector<Link> links = linksOf(entries, currency, Balance::money);
@@ -78,6 +89,7 @@ AccountFigures figuresOf(Entries entries, const Account& account, const Currency
     figures.balanceDate = last.date;
     figures.now = money::Money{chain.now, currency};
   }
+  if (account.digits == book::cashAccount && !chain.last) readCash(figures, entries);
   figures.gaps = std::move(chain.gaps);
   return figures;
 }

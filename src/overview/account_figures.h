@@ -19,10 +19,11 @@ struct AccountFigures {
   std::string name;
   money::CurrencyCode currency;
   Balance kind = Balance::money;
-  /// The last that a message states, as it states it, and its day; both absent when none does.
+  /// The last that a message states, as it states it, and its day; both absent when none does. Of
+  /// cash, the sum of what is booked, and the last day.
   std::optional<money::Money> balance = {};
   std::optional<money::Day> balanceDate = {};
-  /// That balance, and what was booked after it; below zero for a debt.
+  /// The stated balance, and what was booked after it; below zero for a debt.
   std::optional<money::Money> now = {};
   /// In minor units of `currency`, the oldest first.
   std::vector<Gap> gaps = {};

@@ -157,5 +157,129 @@ TEST_F(TheAccounts, ComeWithABackup) {
   EXPECT_EQ(everything(), before);
 }
 
+constexpr const char* withdrawal =
+    "Your card ending 4821 was used to withdraw EGP 1,000.00 at an ATM. Available balance EGP "
+    "5,000.00";
+constexpr const char* keepsCashFromNow =
+    "Withdrawals of cash will be transfers to the account Cash, from which add spends. kivo-ledger "
+    "accounts shows it.\n";
+
+class AnAccountOfCash : public LedgerCommandTest {
+ protected:
+  static std::string spent() { return json({"summary", "--month", "2026-11"})["expense"]; }
+  // The figures of the account; none when it is not listed.
+  static nlohmann::json cash() {
+    for (const auto& account : json({"accounts"})) {
+      if (account["account"] == "Cash") return account;
+    }
+    return {};
+  }
+  static std::string everything() {
+    return shown({"list", "--json"}) + shown({"accounts", "--json"});
+  }
+};
+
+TEST_F(AnAccountOfCash, GetsWhatIsWithdrawnWhileItIsKept) {
+  EXPECT_EQ(shown({"accounts", "cash", "on"}), keepsCashFromNow);
+  receive({withdrawal});
+  const auto entry = json({"show", "1"});
+  EXPECT_EQ(entry["kind"], "transfer");
+  EXPECT_EQ(entry["category"], "Cash");
+  EXPECT_EQ(entry["account"], "4821");
+  EXPECT_EQ(spent(), "0.00");
+  EXPECT_EQ(cash()["balance"], "1000.00");
+  EXPECT_EQ(cash()["balance_date"], "2026-11-21");
+  EXPECT_THAT(shown({"accounts"}), HasSubstr("\nCash: balance EGP 1000.00 on 21 November"));
+}
+
+TEST_F(AnAccountOfCash, IsSpentFromByPaymentsEnteredByHand) {
+  shown({"accounts", "cash", "on"});
+  receive({withdrawal});
+  shown({"add", "--amount", "80", "--payee", "Corner Kiosk", "--date", "2026-11-22"});
+  EXPECT_EQ(json({"show", "2"})["account"], "Cash");
+  EXPECT_EQ(cash()["balance"], "920.00");
+  EXPECT_EQ(cash()["balance_date"], "2026-11-22");
+  EXPECT_EQ(spent(), "80.00");
+  shown({"add", "--amount", "10", "--payee", "Book Shop", "--account", "4821"});
+  EXPECT_EQ(json({"show", "3"})["account"], "4821");
+  EXPECT_EQ(cash()["balance"], "920.00");
+}
+
+TEST_F(AnAccountOfCash, IsNotKeptUnlessOneSaysSo) {
+  receive({withdrawal});
+  shown({"add", "--amount", "80", "--payee", "Corner Kiosk"});
+  EXPECT_EQ(json({"show", "1"})["kind"], "expense");
+  EXPECT_EQ(json({"show", "2"})["account"], "");
+  EXPECT_TRUE(cash().empty());
+}
+
+TEST_F(AnAccountOfCash, GetsEarlierWithdrawalsOnRequest) {
+  receive({withdrawal, "Your card ending 4821 was used for EGP 50.00 at Moon Pharmacy"});
+  const std::string before = everything();
+  EXPECT_EQ(shown({"accounts", "cash", "on"}),
+            std::string(keepsCashFromNow) +
+                "1 earlier one stays as it is; with --also-earlier, it changes too.\n");
+  EXPECT_EQ(spent(), "1050.00");
+  EXPECT_EQ(shown({"accounts", "cash", "on", "--also-earlier"}),
+            std::string(keepsCashFromNow) + "Changed 1 earlier payment.\n");
+  EXPECT_EQ(spent(), "50.00");
+  EXPECT_EQ(cash()["balance"], "1000.00");
+  shown({"undo", "2"});
+  EXPECT_EQ(everything(), before);
+}
+
+TEST_F(AnAccountOfCash, StaysWithWhatIsBookedWhenItIsNoLongerKept) {
+  shown({"accounts", "cash", "on"});
+  receive({withdrawal});
+  EXPECT_EQ(shown({"accounts", "cash", "off"}),
+            "Withdrawals of cash will be expenses. What is booked stays as it is.\n");
+  receive({withdrawal});
+  EXPECT_EQ(json({"show", "1"})["kind"], "transfer");
+  EXPECT_EQ(json({"show", "2"})["kind"], "expense");
+  EXPECT_EQ(cash()["balance"], "1000.00");
+  shown({"undo"});
+  shown({"add", "--amount", "80", "--payee", "Corner Kiosk"});
+  EXPECT_EQ(cash()["balance"], "920.00");
+}
+
+TEST_F(AnAccountOfCash, GetsADepositTakenFromIt) {
+  shown({"accounts", "cash", "on"});
+  receive({withdrawal, "EGP 300.00 was credited to your account ending 4821 from Hany Adel"});
+  shown({"edit", "2", "--kind", "transfer", "--category", "Cash", "--once"});
+  EXPECT_EQ(cash()["balance"], "700.00");
+}
+
+TEST_F(AnAccountOfCash, IsTheOtherAccountInExports) {
+  shown({"accounts", "cash", "on"});
+  receive({withdrawal});
+  shown({"add", "--amount", "80", "--payee", "Corner Kiosk", "--category", "Dining"});
+  const std::string journal = shown({"export", "--format", "hledger"});
+  EXPECT_THAT(journal,
+              HasSubstr("    Assets:Cash  1000.00 EGP\n    Assets:Bank:4821  -1000.00 EGP\n"));
+  EXPECT_THAT(journal, HasSubstr("    Expenses:Dining  80.00 EGP\n    Assets:Cash  -80.00 EGP\n"));
+  EXPECT_THAT(journal, Not(HasSubstr("category: Cash")));
+}
+
+TEST_F(AnAccountOfCash, ChangesNoFigureOfAnotherAccount) {
+  receive({withdrawal, paid("100.00", "Nile Cinema", "4,900.00")});
+  const auto before = json({"accounts"});
+  shown({"accounts", "cash", "on", "--also-earlier"});
+  auto after = json({"accounts"});
+  ASSERT_THAT(after, SizeIs(2));
+  after.erase(1);
+  EXPECT_EQ(after, before);
+}
+
+TEST_F(AnAccountOfCash, IsNoAccountOfABank) {
+  expectFailure(
+      {"accounts", "name", "Cash", "Wallet"}, 64,
+      "Cash is no account of a bank; kivo-ledger accounts cash on keeps it, off does not");
+  expectFailure({"accounts", "name", "4821", "Cash"}, 64,
+                "invalid NAME \"Cash\": it must be another one, since Cash is the account of cash");
+  expectFailure({"accounts", "cash", "maybe"}, 64, "invalid STATE \"maybe\": it must be on or off");
+  expectFailure({"accounts", "cash", "off", "--also-earlier"}, 64,
+                "accounts cash off leaves earlier payments as they are");
+}
+
 }  // namespace
 }  // namespace kivo::testkit

@@ -7,6 +7,7 @@
 
 #include "book/current_day.h"
 #include "ledger/commands/command_options.h"
+#include "ledger/commands/made_rules.h"
 #include "ledger/commands/opened_book.h"
 #include "overview/account_figures.h"
 #include "platform/foundation/json_encoder.h"
@@ -26,6 +27,7 @@ using overview::Gap;
 
 namespace {
 
+using linux_platform::BadUsage;
 using linux_platform::CommandFailure;
 using linux_platform::escapedControls;
 using linux_platform::GivenParameters;
@@ -75,7 +77,8 @@ const char* balanceWord(AccountFigures::Balance kind) {
 
 std::string linesOf(const AccountFigures& figures, const Day& today, std::size_t width) {
   std::string head = escapedControls(figures.account);
-  if (!figures.name.empty()) head += " " + escapedControls(figures.name);
+  const bool hasName = !figures.name.empty() && figures.name != figures.account;
+  if (hasName) head += " " + escapedControls(figures.name);
   if (figures.balance) {
     head.append(": ").append(balanceWord(figures.kind)).append(" ");
     head += sumWithCodeFirst(*figures.balance) + " on " + dayWords(*figures.balanceDate, today);
@@ -106,6 +109,10 @@ platform::JSONEncoder jsonOf(const AccountFigures& figures) {
   }
   object.encodeObjects("gaps", gaps);
   return object;
+}
+
+void say(const std::string& sentences) {
+  print(linux_platform::wrappedTo(linux_platform::screenWidth(), sentences));
 }
 
 void showAccounts(const GivenParameters& parameters) {
@@ -148,6 +155,10 @@ Account requiredAccount(const Book& book, const std::string& digits) {
 void changeAccount(const std::string& command, const GivenParameters& parameters,
                    const std::function<void(Account&)>& change) {
   const std::string digits = given(parameters, "ACCOUNT").value();
+  if (digits == book::cashAccount) {
+    throw BadUsage(
+        "Cash is no account of a bank; kivo-ledger accounts cash on keeps it, off does not");
+  }
   withBook([&](Book& book) {
     book::UserCommand noted = userCommand(command, parameters);
     book.asCommand(noted, [&] {
@@ -164,12 +175,47 @@ void nameAccount(const GivenParameters& parameters) {
   if (!name.empty() && name.find_first_not_of("0123456789 ") == std::string::npos) {
     throw invalid("NAME", name, "a name with a letter, or empty for none");
   }
+  if (name == book::cashAccount)
+    throw invalid("NAME", name, "another one, since Cash is the account of cash");
   changeAccount("accounts name", parameters, [&](Account& account) { account.name = name; });
 }
 
 void markCredit(const GivenParameters& parameters) {
   changeAccount("accounts credit", parameters,
                 [&](Account& account) { account.isCredit = !parameters.contains("--off"); });
+}
+
+void keepCash(Book& book, const GivenParameters& parameters) {
+  book::UserCommand command = userCommand("accounts cash", parameters);
+  book.asCommand(command, [&] {
+    if (book.keepsCash()) return;
+    book.keepAccount({.digits = book::cashAccount, .name = book::cashAccount});
+  });
+  say("Withdrawals of cash will be transfers to the account Cash, from which add spends. "
+      "kivo-ledger "
+      "accounts shows it.");
+  const auto earlier = book.withdrawals();
+  if (!changesEarlier(earlier.size(), parameters)) return;
+  book.asCommand(command, [&] {
+    for (const std::int64_t id : earlier) book.edit(id, {.kind = money::Kind::transfer});
+  });
+  tellChangedEarlier(earlier.size());
+}
+
+void switchCash(const GivenParameters& parameters) {
+  const std::string state = given(parameters, "STATE").value();
+  if (state != "on" && state != "off") throw invalid("STATE", state, "on or off");
+  withBook([&](Book& book) {
+    if (state == "on") return keepCash(book, parameters);
+    if (parameters.contains("--also-earlier")) {
+      throw BadUsage("accounts cash off leaves earlier payments as they are");
+    }
+    book::UserCommand command = userCommand("accounts cash", parameters);
+    book.asCommand(command, [&] {
+      if (book.keepsCash()) book.keepAccount({.digits = book::cashAccount});
+    });
+    say("Withdrawals of cash will be expenses. What is booked stays as it is.");
+  });
 }
 
 }  // namespace
@@ -189,6 +235,14 @@ std::vector<linux_platform::Command> accountCommands() {
        "Mark a card whose balance is a limit or a debt",
        {account, {"--off", "Its balance is money again", ParameterKind::flag}},
        markCredit},
+      {"accounts cash",
+       "Keep an account of cash, or keep none",
+       {{"STATE", "on or off", ParameterKind::required,
+         [] {
+           return std::vector<std::string>{"on", "off"};
+         }},
+        alsoEarlierOption()},
+       switchCash},
   };
 }
 

@@ -13,6 +13,7 @@
 namespace kivo::ledger {
 
 using book::Book;
+using book::cashAccount;
 using recording::HandEntry;
 
 namespace {
@@ -36,7 +37,7 @@ HandEntry paymentFrom(const GivenParameters& parameters, const money::CurrencyCo
 
 void add(const GivenParameters& parameters) {
   const money::CurrencyCode currency = requiredBookCurrency();
-  const HandEntry payment = paymentFrom(parameters, currency);
+  HandEntry payment = paymentFrom(parameters, currency);
   const book::EntryChange stated{.kind = givenKind(parameters),
                                  .category = givenText(parameters, "--category")};
   withBook([&](Book& book) {
@@ -44,6 +45,8 @@ void add(const GivenParameters& parameters) {
     MadeRules rules;
     book::UserCommand command = userCommand("add", parameters);
     book.asCommand(command, [&] {
+      const bool isOwn = payment.kind == money::Kind::transfer;
+      if (payment.account.empty() && !isOwn && book.keepsCash()) payment.account = cashAccount;
       const std::int64_t id = recording::addByHand(book, payment).id;
       line = bookedSentence(bookAsStated(book, id, stated, currency, rules));
       const auto like = book.entry(id).value().possibleDuplicateOf;
@@ -65,7 +68,7 @@ linux_platform::Command addingCommand() {
            {"--date", "The day, as 2026-11-21; today when not given", optional},
            {"--category", "The category; it holds for the payee from then on", optional},
            {"--kind", "expense, income or transfer; expense when not given", optional, kindNames},
-           {"--account", "The digits of the account", optional},
+           {"--account", "The account's digits; Cash when it is kept and none given", optional},
            {"--currency", "The currency's code, as USD; the book's when not given", optional}},
           add};
 }

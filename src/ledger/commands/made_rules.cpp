@@ -93,21 +93,28 @@ void MadeRules::tell(Book& book, book::UserCommand& command,
   if (!earlier.edited.empty()) {
     print(wrapped("Left as you edited them: " + recording::listed(earlier.edited) + "."));
   }
-  const std::size_t count = earlier.changing.size();
-  if (count == 0) return;
-  const bool isGiven = parameters.contains("--also-earlier");
-  if (!isGiven && !linux_platform::inputIsTerminal()) {
-    return print(wrapped(
-        countOf(count, "earlier one") + (count == 1 ? " stays as it is" : " stay as they are") +
-        "; with --also-earlier, " + (count == 1 ? "it changes" : "they change") + " too."));
-  }
-  const std::string question = countOf(count, "earlier one") + " too?";
-  if (!isGiven && !Prompt(std::cin).confirms(question, Prompt::Preset::no)) return;
+  if (!changesEarlier(earlier.changing.size(), parameters)) return;
   std::size_t changed = 0;
   book.asCommand(command, [&] {
     for (const Made& made : made_) changed += book.changeEarlier(made.kept).changing.size();
   });
-  print(wrapped("Changed " + countOf(changed, "earlier payment") + "."));
+  tellChangedEarlier(changed);
+}
+
+bool changesEarlier(std::size_t count, const linux_platform::GivenParameters& parameters) {
+  if (count == 0) return false;
+  if (parameters.contains("--also-earlier")) return true;
+  if (linux_platform::inputIsTerminal()) {
+    return Prompt(std::cin).confirms(countOf(count, "earlier one") + " too?", Prompt::Preset::no);
+  }
+  print(wrapped(countOf(count, "earlier one") +
+                (count == 1 ? " stays as it is" : " stay as they are") + "; with --also-earlier, " +
+                (count == 1 ? "it changes" : "they change") + " too."));
+  return false;
+}
+
+void tellChangedEarlier(std::size_t count) {
+  print(wrapped("Changed " + countOf(count, "earlier payment") + "."));
 }
 
 linux_platform::CommandParameter alsoEarlierOption() {

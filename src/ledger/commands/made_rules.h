@@ -41,6 +41,12 @@ class MadeRules {
   std::vector<Made> made_;
 };
 
+/// Whether `count` earlier payments are to be changed too: when --also-earlier is given or the user
+/// at the terminal says so. Without a terminal, says that they stay, and how to change them.
+bool changesEarlier(std::size_t count, const linux_platform::GivenParameters& parameters);
+/// Says that `count` earlier payments were changed.
+void tellChangedEarlier(std::size_t count);
+
 /// The option --also-earlier.
 linux_platform::CommandParameter alsoEarlierOption();
 

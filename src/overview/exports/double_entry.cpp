@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "book/account.h"
 #include "overview/exports/export_text.h"
 
 namespace kivo::overview {
@@ -30,6 +31,7 @@ std::string accountOf(std::string_view category, LevelName levelName) {
 }  // namespace
 
 std::string bankAccount(std::string_view account, LevelName levelName) {
+  if (account == book::cashAccount) return "Assets:Cash";
   const std::string own = levelName(account);
   return own.empty() ? "Assets:Bank" : "Assets:Bank:" + own;
 }
@@ -39,12 +41,14 @@ DoubleEntry doubleEntryOf(const ExportedMovement& movement, LevelName levelName)
   DoubleEntry made;
   const std::string category = oneLine(entry.category);
   const bool isTransfer = countedKind(entry) == Kind::transfer;
+  const bool isOfCash = isTransfer && entry.category == book::cashCategory;
   const std::string named = isTransfer ? "Transfers" : accountOf(entry.category, levelName);
   const bool isIncome = entry.kind == Kind::income && !entry.refund;
   const char* const root = isTransfer ? "Equity:" : isIncome ? "Income:" : "Expenses:";
-  made.otherAccount =
-      movement.into != nullptr ? bankAccount(movement.into->account, levelName) : root + named;
-  if (named != category) made.unnamedCategory = category;
+  made.otherAccount = movement.into != nullptr ? bankAccount(movement.into->account, levelName)
+                      : isOfCash               ? bankAccount(book::cashAccount, levelName)
+                                               : root + named;
+  if (named != category && !isOfCash) made.unnamedCategory = category;
   made.ownAccount = bankAccount(entry.account, levelName);
   made.toOther = made.toOwn = *entry.amount;
   Money& leaving = entry.incoming ? made.toOther : made.toOwn;

@@ -11,7 +11,8 @@ namespace kivo::overview {
 
 struct DoubleEntry {
   /// "Expenses:Groceries", also for a refund, or "Income:Salary", with a level more for each colon
-  /// in the category; "Equity:Transfers" for a transfer, or the account that it came into.
+  /// in the category; "Equity:Transfers" for a transfer, or the account that it came into, also
+  /// "Assets:Cash".
   std::string otherAccount;
   /// "Assets:Bank:4821"; "Assets:Bank" when the message shows no digits.
   std::string ownAccount;
@@ -37,7 +38,7 @@ inline constexpr const char* openingAccount = "Equity:Opening";
 using LevelName = std::string (*)(std::string_view text);
 
 /// Returns the name of the user's own account with these digits or that name: "Assets:Bank:4821";
-/// "Assets:Bank" for an empty text, and when none of its characters can stay.
+/// "Assets:Bank" for an empty text, and when none of its characters can stay; "Assets:Cash".
 std::string bankAccount(std::string_view account, LevelName levelName);
 
 /// Returns the postings of `movement`, which must have a sum. A category becomes "Other" when none

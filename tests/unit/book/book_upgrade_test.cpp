@@ -139,6 +139,7 @@ TEST_F(AFourthBook, KeepsItsRatesFromTheBeginningAndTheirPast) {
   testkit::RawStore(file()).run(R"(
     DROP TABLE rates;
     DROP TABLE past_rates;
+    DROP INDEX transfers_of_cash;
     CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT;
     CREATE TABLE past_rates (
       command INTEGER NOT NULL, existed INTEGER NOT NULL, currency TEXT NOT NULL, rate TEXT,
