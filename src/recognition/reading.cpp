@@ -54,6 +54,22 @@ std::optional<Money> moneyOf(const Sum& sum, const CurrencyCode& bookCurrency) {
                .currency = CurrencyCode::fromText(sum.currency).value_or(bookCurrency)};
 }
 
+// Whether a minus stands before the number of `sum` or before its currency, after a blank:
+// "balance: -EGP 5.00", "EGP -5.00". A hyphen without one divides: "Bal:-Rs 5", "Bal Rs-5".
+bool isBelowZero(std::string_view text, const Item& sum) {
+  for (std::size_t at = std::max<std::size_t>(sum.begin, 2) - 1; at + 1 < sum.end; ++at) {
+    if (text[at] == '-' && text[at - 1] == ' ' && text[at + 1] != ' ') return true;
+  }
+  return false;
+}
+
+std::optional<Money> balanceOf(const AnalysedMessage& message, const Item& sum,
+                               const CurrencyCode& bookCurrency) {
+  auto balance = moneyOf(sum.sum, bookCurrency);
+  if (balance && isBelowZero(message.text, sum)) balance->minorUnits = -balance->minorUnits;
+  return balance;
+}
+
 std::string categoryOf(const Movement& naming, const std::string& payee) {
   // Cash is cash wherever the machine is, in a mall or at a petrol station.
   const bool fixed = naming.kind != Kind::expense || payee.empty() || naming.category == "Cash";
@@ -79,7 +95,9 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
   const Movement& naming = namingMovement(message.wordings, movement);
   Reading reading{.outcome = Outcome::transaction, .kind = movement.kind};
   reading.amount = moneyOf(message.items[*sums.moved].sum, bookCurrency);
-  if (sums.balance) reading.balance = moneyOf(message.items[*sums.balance].sum, bookCurrency);
+  if (sums.balance) {
+    reading.balance = balanceOf(message, message.items[*sums.balance], bookCurrency);
+  }
   const bool other = movement.kind != Kind::transfer;
   if (other) reading.payee = payeeIn(message, movement.kind);
   reading.description = reading.payee.empty() ? naming.description : reading.payee;

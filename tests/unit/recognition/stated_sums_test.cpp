@@ -396,5 +396,26 @@ TEST(ATotal, IsTheSumThatMoved) {
   EXPECT_EQ(of("Paid TZS 2,000.00. Total TZS 9,000.00"), "expense 2000.00");
 }
 
+std::int64_t balanceUnits(const std::string& balance) {
+  const auto reading =
+      read("Your card ending 4821 was used for EGP 10.00 at Sun Market. " + balance, "EGP");
+  return reading.balance ? reading.balance->minorUnits : 0;
+}
+
+TEST(ABalance, IsBelowZeroBehindAMinus) {
+  for (const char* const balance :
+       {"Available balance EGP -900.50", "Available balance: -EGP 900.50", "Balance -900.50 EGP",
+        "Balance: \u2212900.50 EGP"}) {
+    EXPECT_EQ(balanceUnits(balance), -90050) << balance;
+  }
+}
+
+TEST(ABalance, IsAboveZeroBehindAHyphenThatDivides) {
+  for (const char* const balance : {"Avl Bal:-EGP 900.50", "Available balance - EGP 900.50",
+                                    "Bal-EGP 900.50", "Balance EGP-900.50"}) {
+    EXPECT_EQ(balanceUnits(balance), 90050) << balance;
+  }
+}
+
 }  // namespace
 }  // namespace kivo::recognition
