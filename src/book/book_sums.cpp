@@ -48,7 +48,8 @@ std::vector<GroupSum<Group>> sumsBy(sqlite3* database, const std::string& name,
   while (next(query)) {
     const std::string kindText = query.text(2);
     const std::string currencyText = query.text(4);
-    const std::string key = keyOf(query) + '\0' + kindText + '\0' + currencyText;
+    std::string key = keyOf(query);
+    key.append(1, '\0').append(kindText).append(1, '\0').append(currencyText);
     const auto known = places.find(key);
     if (known == places.end()) {
       const std::optional<Group> group = groupOf(query);
