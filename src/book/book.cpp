@@ -397,7 +397,7 @@ Book::Holds Book::holds() const {
     SELECT EXISTS (SELECT 1 FROM transactions) OR EXISTS (SELECT 1 FROM answers) OR
         EXISTS (SELECT 1 FROM ignored),
       EXISTS (SELECT 1 FROM rules) OR EXISTS (SELECT 1 FROM rates) OR
-        EXISTS (SELECT 1 FROM accounts))");
+        EXISTS (SELECT 1 FROM accounts) OR EXISTS (SELECT 1 FROM budgets))");
   if (!next(query)) return Holds::nothing;
   if (query.integer(0) != 0) return Holds::payments;
   return query.integer(1) != 0 ? Holds::settings : Holds::nothing;

@@ -12,6 +12,7 @@
 #include "book/account.h"
 #include "book/book_backup.h"
 #include "book/book_failure.h"
+#include "book/budget.h"
 #include "book/ignored_message.h"
 #include "book/ledger_entry.h"
 #include "book/recorded_messages.h"
@@ -277,6 +278,20 @@ class Book {
   [[nodiscard]] bool keepsCash() const;
   /// Returns the ids of the withdrawals of cash that are expenses, which messages report.
   [[nodiscard]] std::vector<std::int64_t> withdrawals() const;
+
+  /// Returns whether an entry or a rule has or had `category`, in any spelling, or it is a standard
+  /// category.
+  [[nodiscard]] bool knowsCategory(const std::string& category) const;
+  /// Keeps `budget` in the place of that of its category for its month, or for all months.
+  void setBudget(const Budget& budget);
+  /// Removes the budget of `category` for `month` alone, or all of its budgets when that is absent;
+  /// returns false when there is none.
+  bool removeBudget(const std::string& category, const std::optional<money::Month>& month);
+  /// Returns the budgets that hold in `month`, one for each category, in the order of their names.
+  [[nodiscard]] std::vector<Budget> budgets(const money::Month& month) const;
+  /// Notes that the user was notified of `percent` of the budget of `category` in `month`; returns
+  /// false when as much or more was noted before. `undo` does not take it back.
+  bool notePassedBudget(const std::string& category, const money::Month& month, int percent);
 
   /// The most that a book holds: nothing, only what the user set, or also what came of messages:
   /// entries, answers, ignored messages.

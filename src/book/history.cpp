@@ -32,7 +32,10 @@ constexpr Noted rates{"rates", "past_rates", "currency", "currency, first_day, r
 constexpr Noted categories{"categories", "past_categories", "folded", "folded, name"};
 constexpr Noted separated{"separated", "past_separated", "number", "number, one, other"};
 constexpr Noted accounts{"accounts", "past_accounts", "digits", "digits, name, credit"};
-constexpr std::array settings = {rules, rates, categories, separated, accounts};
+// By the category, all of whose budgets are noted together.
+constexpr Noted budgets{"budgets", "past_budgets", "folded",
+                        "folded, month, category, minor_units, currency"};
+constexpr std::array settings = {rules, rates, categories, separated, accounts, budgets};
 
 constexpr std::chrono::days daysKept(30);
 constexpr std::int64_t commandsKept = 1'000;
@@ -151,6 +154,11 @@ void ChangeNotes::account(const std::string& digits) {
   if (command_) noteRow(database_, accounts, *command_, digits);
 }
 
+void ChangeNotes::budgetsOf(const std::string& folded) {
+  any_ = true;
+  if (command_) noteRow(database_, budgets, *command_, folded);
+}
+
 void ChangeNotes::category(const std::string& folded) {
   if (command_) noteRow(database_, categories, *command_, folded);
 }
@@ -188,8 +196,9 @@ bool writeTemplate(sqlite3* database, std::int64_t number, const std::string& ad
 }
 
 void deleteCommand(sqlite3* database, std::int64_t number) {
-  for (const char* const table : {"past_transactions", "past_answers", "past_rules", "past_rates",
-                                  "past_categories", "past_separated", "past_accounts"}) {
+  for (const char* const table :
+       {"past_transactions", "past_answers", "past_rules", "past_rates", "past_categories",
+        "past_separated", "past_accounts", "past_budgets"}) {
     runFor(database, number, std::string("DELETE FROM ") + table + " WHERE command = ?");
   }
   runFor(database, number, "DELETE FROM commands WHERE number = ?");
@@ -207,6 +216,7 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
       (SELECT count(*) FROM past_rules WHERE command = commands.number),
       (SELECT count(DISTINCT currency) FROM past_rates WHERE command = number),
       (SELECT count(*) FROM past_accounts WHERE command = number),
+      (SELECT count(DISTINCT folded) FROM past_budgets WHERE command = number),
       (SELECT count(*) FROM past_transactions AS past WHERE command = number AND existed AND
         NOT EXISTS (SELECT 1 FROM transactions WHERE transactions.id = past.id))
     FROM commands ORDER BY number DESC LIMIT ?)");
@@ -221,7 +231,8 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
                      .rules = query.integer(5),
                      .rates = query.integer(6),
                      .accounts = query.integer(7),
-                     .deleted = query.integer(8)});
+                     .budgets = query.integer(8),
+                     .deleted = query.integer(9)});
   }
   return found;
 }

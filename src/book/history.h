@@ -35,6 +35,8 @@ class ChangeNotes {
   /// Of all rates of `currency`.
   void ratesOf(const std::string& currency);
   void account(const std::string& digits);
+  /// Of all budgets of the category whose folded name is `folded`.
+  void budgetsOf(const std::string& folded);
   /// Of two entries that a person parted.
   void addedSeparation(std::int64_t number);
   void separation(std::int64_t number);

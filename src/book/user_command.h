@@ -24,11 +24,12 @@ struct PastCommand {
   std::chrono::sys_seconds moment = {};
   std::string words;
   std::string addedTemplate;
-  /// The transactions, rules, rates and accounts that it added, changed or removed.
+  /// The transactions, rules, rates, accounts and budgets that it added, changed or removed.
   std::int64_t transactions = 0;
   std::int64_t rules = 0;
   std::int64_t rates = 0;
   std::int64_t accounts = 0;
+  std::int64_t budgets = 0;
   /// The transactions that it deleted.
   std::int64_t deleted = 0;
 };

@@ -44,6 +44,7 @@ std::string changesOf(const PastCommand& command) {
   if (command.rules > 0) add(counted(command.rules, "rule"));
   if (command.rates > 0) add(counted(command.rates, "rate"));
   if (command.accounts > 0) add(counted(command.accounts, "account"));
+  if (command.budgets > 0) add(counted(command.budgets, "budget"));
   if (!command.addedTemplate.empty()) add("1 template");
   return changes;
 }
@@ -108,6 +109,7 @@ std::string historyJson(const std::vector<PastCommand>& commands) {
     object.encodeInteger("rules", command.rules);
     object.encodeInteger("rates", command.rates);
     object.encodeInteger("accounts", command.accounts);
+    object.encodeInteger("budgets", command.budgets);
   }
   return platform::JSONEncoder::arrayText(objects);
 }

@@ -140,6 +140,9 @@ TEST_F(AFourthBook, KeepsItsRatesFromTheBeginningAndTheirPast) {
     DROP TABLE rates;
     DROP TABLE past_rates;
     DROP INDEX transfers_of_cash;
+    DROP TABLE budgets;
+    DROP TABLE past_budgets;
+    DROP TABLE passed_budgets;
     CREATE TABLE rates (currency TEXT PRIMARY KEY NOT NULL, rate TEXT NOT NULL) STRICT;
     CREATE TABLE past_rates (
       command INTEGER NOT NULL, existed INTEGER NOT NULL, currency TEXT NOT NULL, rate TEXT,

@@ -35,7 +35,7 @@ class ACommand : public LedgerTest {
     return testkit::RawStore(file()).run(R"(
       SELECT * FROM transactions ORDER BY id;
       SELECT number, payee, written, has_wildcard, description, category, kind FROM rules;
-      SELECT * FROM rates; SELECT * FROM categories; SELECT * FROM answers;
+      SELECT * FROM rates; SELECT * FROM budgets; SELECT * FROM categories; SELECT * FROM answers;
       SELECT number, user, key, date, reason, text FROM ignored WHERE taken_by IS NULL)");
   }
   std::string dumpWithoutTexts() {
@@ -64,6 +64,8 @@ class ACommand : public LedgerTest {
     none.holdsSum = true;
     reading_ = none;
     record(book, message("KEY-4"));
+    book.setBudget({"Groceries", {300000, "EGP"}});
+    book.setBudget({"Groceries", {310000, "EGP"}, money::Month("2026-12")});
   }
 };
 
@@ -95,6 +97,11 @@ TEST_F(ACommand, IsTakenBackWhateverItChanged) {
         book.removeRate("EUR", money::Day("2026-03-01"));
       },
       [&] { book.removeRate("EUR"); },
+      [&] {
+        book.setBudget({"Dining", {90000, "EGP"}, money::Month("2026-12")});
+        book.setBudget({"Groceries", {350000, "EGP"}});
+      },
+      [&] { book.removeBudget("Groceries", {}); },
       [&] {
         LedgerEntry entry = book.entry(1).value();
         entry.key = "by-hand";
