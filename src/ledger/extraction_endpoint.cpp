@@ -75,8 +75,12 @@ Message messageOf(const Request& request) {
 
 ExtractionEndpoint::ExtractionEndpoint(std::function<std::optional<money::CurrencyCode>()> currency,
                                        std::function<void(const LedgerEntry&)> review,
-                                       recording::MessageReader read)
-    : currency_(std::move(currency)), review_(std::move(review)), read_(std::move(read)) {}
+                                       recording::MessageReader read,
+                                       std::function<void(const BudgetNotice&)> budget)
+    : currency_(std::move(currency)),
+      review_(std::move(review)),
+      read_(std::move(read)),
+      budget_(std::move(budget)) {}
 
 std::vector<Answer> ExtractionEndpoint::answers(const std::vector<Request>& requests) {
   std::vector<Answer> answers;
@@ -120,7 +124,7 @@ std::vector<Answer> ExtractionEndpoint::record(const std::vector<Message>& messa
     } else {
       book_->inOneStep(recordAll);
     }
-    return answersOf(recorded);
+    return answersOf(recorded, *currency);
   } catch (const BookFailure& failure) {
     if (!book_) {
       linux_platform::tellNotOpened(failure);
@@ -132,13 +136,24 @@ std::vector<Answer> ExtractionEndpoint::record(const std::vector<Message>& messa
   }
 }
 
-std::vector<Answer> ExtractionEndpoint::answersOf(const std::vector<Recorded>& recorded) {
+std::vector<Answer> ExtractionEndpoint::answersOf(const std::vector<Recorded>& recorded,
+                                                  const money::CurrencyCode& currency) {
   std::vector<Answer> answers;
   for (const Recorded& one : recorded) {
-    if (one.entry && one.entry->state == LedgerEntry::State::review) review_(*one.entry);
+    if (one.entry) notify(*one.entry, currency);
     answers.push_back({.status = ok, .body = one.answer, .allow = ""});
   }
   return answers;
+}
+
+void ExtractionEndpoint::notify(const LedgerEntry& entry, const money::CurrencyCode& currency) {
+  if (entry.state == LedgerEntry::State::review) return review_(entry);
+  if (!budget_) return;
+  try {
+    if (const auto notice = takeBudgetNotice(*book_, entry, currency)) budget_(*notice);
+  } catch (const BookFailure& failure) {  // the entry is durable all the same
+    book_->tell(failure);
+  }
 }
 
 }  // namespace kivo::ledger

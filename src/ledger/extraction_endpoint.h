@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "book/book.h"
+#include "ledger/budget_notice.h"
 #include "ledger/unix_http_server.h"
 #include "recording/recording.h"
 
@@ -16,10 +17,12 @@ namespace kivo::ledger {
 class ExtractionEndpoint {
  public:
   /// `currency` returns the currency of the book, absent when it cannot be read. It is called for
-  /// each message. `review` is called with each new entry in review, after it is durable.
+  /// each message. After new entries are durable, `review` is called with each that is in review,
+  /// and `budget`, unless it is empty, with each notification that `takeBudgetNotice` returns.
   ExtractionEndpoint(std::function<std::optional<money::CurrencyCode>()> currency,
                      std::function<void(const book::LedgerEntry&)> review,
-                     recording::MessageReader read = recognition::read);
+                     recording::MessageReader read = recognition::read,
+                     std::function<void(const BudgetNotice&)> budget = {});
 
   /// Returns the answers to `requests`, in their order. Those that record a message are one step of
   /// the book: all are durable together, or all are 503. The answer to a POST to
@@ -33,11 +36,14 @@ class ExtractionEndpoint {
 
  private:
   std::vector<UnixHttpServer::Answer> record(const std::vector<recording::Message>& messages);
-  std::vector<UnixHttpServer::Answer> answersOf(const std::vector<recording::Recorded>& recorded);
+  std::vector<UnixHttpServer::Answer> answersOf(const std::vector<recording::Recorded>& recorded,
+                                                const money::CurrencyCode& currency);
+  void notify(const book::LedgerEntry& entry, const money::CurrencyCode& currency);
 
   std::function<std::optional<money::CurrencyCode>()> currency_;
   std::function<void(const book::LedgerEntry&)> review_;
   recording::MessageReader read_;
+  std::function<void(const BudgetNotice&)> budget_;
   std::optional<book::Book> book_;
 };
 

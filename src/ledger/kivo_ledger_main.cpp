@@ -10,6 +10,7 @@
 #include "ledger/commands/account_commands.h"
 #include "ledger/commands/adding_command.h"
 #include "ledger/commands/backup_commands.h"
+#include "ledger/commands/budget_command.h"
 #include "ledger/commands/edit_command.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/export_commands.h"
@@ -58,7 +59,7 @@ void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseco
   ReviewNotifier notifier;
   ExtractionEndpoint endpoint(
       bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
-      TemplateFile::reader());
+      TemplateFile::reader(), [&notifier](const BudgetNotice& notice) { notifier.post(notice); });
   UnixHttpServer server([&endpoint](const std::vector<UnixHttpServer::Request>& requests) {
     return endpoint.answers(requests);
   });
@@ -85,7 +86,7 @@ std::vector<Heading> headings() {
             "history"}},
           {"Correct",
            {"add", "edit", "accept", "book", "pair", "unpair", "delete", "forget-texts", "undo"}},
-          {"Teach", {"teach", "rules", "rate"}},
+          {"Teach", {"teach", "rules", "rate", "budget"}},
           {"Old and other data", {"import", "export", "backup", "restore"}},
           {"Service", {"serve"}}};
 }
@@ -122,6 +123,7 @@ linux_platform::CommandProgram program() {
   for (Command& command : historyCommands()) made.commands.push_back(std::move(command));
   for (Command& command : ruleCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(rateCommand());
+  made.commands.push_back(budgetCommand());
   for (Command& command : accountCommands()) made.commands.push_back(std::move(command));
   for (Command& command : exportCommands()) made.commands.push_back(std::move(command));
   made.commands.push_back(teachCommand());

@@ -20,11 +20,14 @@ struct ReviewNotifier::Reached {
 ReviewNotifier::ReviewNotifier() = default;
 ReviewNotifier::~ReviewNotifier() = default;
 
-void ReviewNotifier::post(const LedgerEntry& entry) {
+void ReviewNotifier::post(const LedgerEntry& entry) { post("🔎 Needs a look", body(entry)); }
+
+void ReviewNotifier::post(const BudgetNotice& notice) { post(notice.title, notice.body); }
+
+void ReviewNotifier::post(const std::string& title, const std::string& body) {
   try {
     if (reached_ == nullptr) reached_ = std::make_unique<Reached>();
-    reached_->executor.start(
-        reached_->platform.asOneRun(ExpenseNotifier::post("🔎 Needs a look", body(entry))));
+    reached_->executor.start(reached_->platform.asOneRun(ExpenseNotifier::post(title, body)));
   } catch (const linux_platform::Failure&) {  // no thread can be started
     reached_.reset();
   }

@@ -1,10 +1,11 @@
-// Posts a desktop notification for an entry in review.
+// Posts desktop notifications for entries in review and for budgets.
 #pragma once
 
 #include <memory>
 #include <string>
 
 #include "book/ledger_entry.h"
+#include "ledger/budget_notice.h"
 
 namespace kivo::ledger {
 
@@ -20,12 +21,16 @@ class ReviewNotifier {
   /// Posts "Needs a look" for `entry` as the extension's notification, if the user has authorized
   /// those. Returns at once. Ignores failures.
   void post(const book::LedgerEntry& entry);
+  /// Does so for `notice`.
+  void post(const BudgetNotice& notice);
 
   /// Returns the notification's text, such as "20.00 USD at Netflix".
   static std::string body(const book::LedgerEntry& entry);
 
  private:
   struct Reached;
+  void post(const std::string& title, const std::string& body);
+
   std::unique_ptr<Reached> reached_;
 };
 

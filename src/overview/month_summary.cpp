@@ -39,6 +39,7 @@ MonthSummary summarize(const Book& book, const Month& month, const CurrencyCode&
   const ComparedPeriods periods{Period::of(month), Period::of(month.before())};
   readPeriods(summary, book, periods, sumsOf(book, periods, counted.largest), counted);
   readToday(summary, book, counted.largest);
+  summary.budgets = budgetFigures(book, month, summary);
   return summary;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "book/book.h"
+#include "overview/budget_figures.h"
 #include "overview/period_summary.h"
 #include "overview/recurring_payments.h"
 
@@ -28,6 +29,8 @@ struct MonthSummary : PeriodSummary {
   money::Month month;
   /// Absent unless the month is the current one.
   std::optional<TodaysExpenses> today = {};
+  /// By the names of their categories.
+  std::vector<BudgetFigures> budgets = {};
   /// The payments that come each month; read by `readRecurring`.
   std::vector<RecurringPayment> recurring = {};
 };

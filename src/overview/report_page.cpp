@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "overview/html_writer.h"
+#include "overview/report_budgets.h"
 #include "overview/report_charts.h"
 #include "overview/report_parts.h"
 #include "overview/report_review.h"
@@ -36,6 +37,7 @@ class Page {
     ReportReview::writeIgnored(html_, summary_);
     ReportParts::writeLeftOut(html_, summary_);
     if (!summary_.isEmpty()) month();
+    ReportBudgets::write(html_, summary_.budgets);
     due();
     if (!isEmpty()) months();
     ReportReview::writeList(html_, figures_, [this](const auto& entry) { return sumOf(entry); });

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "overview/budget_view.h"
 #include "overview/recurring_view.h"
 #include "overview/sum_format.h"
 #include "overview/summary_parts.h"
@@ -123,7 +124,9 @@ std::string dueSection(const MonthSummary& summary, const SummaryView::Look& loo
 std::string SummaryView::text(const MonthSummary& summary, const money::Month& today,
                               const Look& look) {
   const std::string month = summary.month.name();
-  const std::string notes = dueSection(summary, look) + SummaryParts::notes(summary, look);
+  const std::string notes =
+      SummaryParts::section("Budgets", BudgetView::bars(summary.budgets, look), look) +
+      dueSection(summary, look) + SummaryParts::notes(summary, look);
   if (summary.isEmpty()) return "Nothing is booked in " + month + ".\n" + notes;
   const bool runs = summary.month == today;
   const MonthLines lines(summary, look);

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "overview/budget_view.h"
+
 namespace kivo::overview {
 
 namespace {
@@ -114,6 +116,7 @@ JSONEncoder SummaryView::json(const MonthSummary& summary) {
   if (summary.today) object.encodeObject("today", todayObject(*summary.today));
   object.encodeObject("previous", monthObject(summary.month.before(), summary.previous));
   encodeRest(object, summary, categoryObjects(summary), payeeObjects(summary));
+  object.encodeObjects("budgets", BudgetView::json(summary.budgets));
   return object;
 }
 

@@ -14,10 +14,12 @@ namespace kivo::overview::SummaryView {
 /// "currency", "expense" (less "refunded"), "refunded", "income", "transfer", "transactions",
 /// "review", "ignored", "today"
 /// (absent unless the month is the current one), "previous", "categories", "payees",
-/// "other_currencies", "left_out". Sums are plain decimals with the currency's decimals.
+/// "other_currencies", "left_out", "budgets" (as `BudgetView::json`). Sums are plain decimals with
+/// the currency's decimals.
 platform::JSONEncoder json(const MonthSummary& summary);
-/// Does so for a year: without "month" and "today", with "year", "saving" beside the other sums,
-/// "months" (twelve), and "months" and "previous" in each category and "previous" in each payee.
+/// Does so for a year: without "month", "today" and "budgets", with "year", "saving" beside the
+/// other sums, "months" (twelve), and "months" and "previous" in each category and "previous" in
+/// each payee.
 platform::JSONEncoder json(const YearSummary& summary);
 
 /// The width and the style of a terminal.

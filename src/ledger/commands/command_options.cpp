@@ -72,11 +72,12 @@ std::optional<money::Kind> givenKind(const GivenParameters& parameters) {
 
 std::vector<std::string> kindNames() { return {"expense", "income", "transfer"}; }
 
-money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency) {
+money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency,
+                     const char* name) {
   const auto sum = money::moneyFromText(text, currency);
   if (sum && isBookable(*sum)) return *sum;
   throw invalid(
-      "--amount", text,
+      name, text,
       "a sum above zero such as 1,189.50: " + std::to_string(money::minorDigits(currency)) +
           " decimals at most, commas only between thousands, and up to " +
           money::amountText({money::largestSum, currency}));

@@ -38,9 +38,9 @@ std::optional<money::Kind> givenKind(const linux_platform::GivenParameters& para
 /// Returns the kinds' names, for completion.
 std::vector<std::string> kindNames();
 
-/// Reads `text`, the value of --amount, as a sum in `currency` that can be booked. Throws
-/// `invalid`.
-money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency);
+/// Reads `text`, the value of `name`, as a sum in `currency` that can be booked. Throws `invalid`.
+money::Money sumFrom(const std::string& text, const money::CurrencyCode& currency,
+                     const char* name = "--amount");
 
 /// Returns the value of --account, an account's digits; absent when it was not given. Throws
 /// `invalid`.

@@ -282,7 +282,7 @@ TEST_F(AMonthSummary, IsJsonWithPlainDecimals) {
       R"("refunded":"0.00","previous":"7.00"}],"payees":[{"description":"Sunny Market",)"
       R"("expense":"123.45","refunded":"0.00","transactions":"1"}],"other_currencies":[)"
       R"({"currency":"KWD","expense":"0.005","refunded":"0.000","income":"0.000",)"
-      R"("transfer":"0.000"}],"left_out":""})");
+      R"("transfer":"0.000"}],"left_out":"","budgets":[]})");
 }
 
 TEST_F(AMonthSummary, OfAnEmptyBookIsJsonWithZeros) {
@@ -291,7 +291,7 @@ TEST_F(AMonthSummary, OfAnEmptyBookIsJsonWithZeros) {
       R"({"month":"2026-01","currency":"JPY","expense":"0","refunded":"0","income":"0",)"
       R"("transfer":"0","transactions":"0","review":"0","ignored":"0","previous":)"
       R"({"month":"2025-12","expense":"0","refunded":"0","income":"0","transfer":"0",)"
-      R"("transactions":"0"},"categories":[],"payees":[],"other_currencies":[],"left_out":""})");
+      R"("transactions":"0"},"categories":[],"payees":[],"other_currencies":[],"left_out":"","budgets":[]})");
 }
 
 TEST(TheCurrentMonth, IsThatOfTheDevicesTimeZone) {

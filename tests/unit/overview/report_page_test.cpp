@@ -60,6 +60,22 @@ TEST_F(AReport, HasTwelveMonthsUpToItsOwn) {
   EXPECT_EQ(figures.entries[1].date, money::Day("2025-12-01"));
 }
 
+TEST_F(AReport, ShowsTheBudgetsOfItsMonth) {
+  Book book = open();
+  booked(book, spent(310000));
+  EXPECT_THAT(page(book), Not(HasSubstr("Budgets")));
+  book.setBudget({"Groceries", {300000, "EGP"}});
+  book.setBudget({"Dining", {90000, "EGP"}});
+  book.setBudget({"Fees", {100, "USD"}});
+  const std::string html = page(book);
+  EXPECT_THAT(html, HasSubstr("<bdi>Groceries</bdi> <small>103 %</small><svg class=\"share\" "
+                              "aria-hidden=\"true\" preserveAspectRatio=\"none\" "
+                              "viewBox=\"0 0 100 1\"><rect width=\"100\""));
+  EXPECT_THAT(html, HasSubstr(">-100.00</bdi></td></tr>"));
+  EXPECT_THAT(html, HasSubstr("<bdi>Dining</bdi> <small>0 %</small>"));
+  EXPECT_THAT(html, Not(HasSubstr("Fees")));
+}
+
 TEST_F(AReport, HasEachDayOfItsMonth) {
   Book book = open();
   booked(book, spent(100), "2026-02-01");

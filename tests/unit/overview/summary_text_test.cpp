@@ -75,6 +75,20 @@ TEST_F(ASummaryText, ShowsAMonthBesideTheMonthBefore) {
             "  250.50   1x  Uber\n");
 }
 
+TEST_F(ASummaryText, ShowsBudgetsWithFiguresAndBars) {
+  summary_.budgets = {{"Groceries", egp(200000), egp(100000)},
+                      {"Transport", egp(20000), egp(25050)}};
+  EXPECT_THAT(text(),
+              EndsWith("Budgets\n"
+                       "1,000.00 of 2,000.00   50 %  ████████████              Groceries\n"
+                       "  250.50 of   200.00  125 %  ████████████████████████  Transport\n"));
+  EXPECT_THAT(text({.width = 40}), EndsWith("Budgets\n"
+                                            "1,000.00 of 2,000.00   50 %  Groceries\n"
+                                            "████████████            \n"
+                                            "  250.50 of   200.00  125 %  Transport\n"
+                                            "████████████████████████\n"));
+}
+
 TEST_F(ASummaryText, SaysWhatWasRefunded) {
   summary_.sums.refunded.minorUnits = 20000;
   EXPECT_THAT(text(), HasSubstr("0.99  Spent (1,450.50 less 200.00 refunded)\n18,500.00"));
