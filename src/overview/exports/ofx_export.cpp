@@ -88,6 +88,16 @@ std::optional<Money> sumOf(const Statement& entries) {
   return sum;
 }
 
+// The balance of the account of `entries` where it is known, else their sum.
+std::optional<Money> balanceOf(const Statement& entries,
+                               const std::vector<AccountBalances>& balances) {
+  const LedgerEntry& first = *entries.front();
+  const auto known = std::find_if(balances.begin(), balances.end(), [&](const auto& one) {
+    return one.account == first.account && one.last.currency == first.amount->currency;
+  });
+  return known == balances.end() ? sumOf(entries) : known->last;
+}
+
 std::string balance(const std::optional<Money>& sum, const Statement& entries) {
   if (!sum) return "";
   return "<LEDGERBAL>\n" + element("BALAMT", amountText(*sum)) +
@@ -127,11 +137,7 @@ std::string ofxExport(const std::vector<LedgerEntry>& entries,
   file.append(element("LANGUAGE", "ENG")).append("</SONRS>\n</SIGNONMSGSRSV1>\n");
   if (!statements.empty()) file += "<BANKMSGSRSV1>\n";
   for (const auto& [account, ofIt] : statements) {
-    const auto known =
-        std::find_if(balances.begin(), balances.end(), [&](const AccountBalances& one) {
-          return one.account == ofIt.front()->account && one.last.currency == account.second;
-        });
-    append(file, account.first, ofIt, known == balances.end() ? sumOf(ofIt) : known->last);
+    append(file, account.first, ofIt, balanceOf(ofIt, balances));
   }
   if (!statements.empty()) file += "</BANKMSGSRSV1>\n";
   return file + "</OFX>\n";
