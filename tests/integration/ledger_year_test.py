@@ -150,6 +150,40 @@ class AYear(unittest.TestCase):
             self.assertEqual(decimal.Decimal(summary["income"]) * 100, year.received[month])
             self.assertEqual(whole["months"][month - 1]["expense"], summary["expense"])
 
+    def test_has_what_is_spent_of_each_budget(self):
+        year = self.imported(4)
+        for category in SHOPS.values():
+            self.run_ledger("budget", category, "5000")
+        self.run_ledger("budget", "Dining", "100", "--month", "2025-07")
+        for month in range(1, 13):
+            budgets = {one["category"]: one for one in self.json("budget", "--month", f"2025-{month:02}")}
+            self.assertEqual(set(budgets), set(SHOPS.values()))
+            for category, budget in budgets.items():
+                true = year.spent[month, category] - year.refunded[month, category]
+                self.assertEqual(decimal.Decimal(budget["spent"]) * 100, true, f"{category} {month}")
+                self.assertEqual(budget["amount"], "100.00" if (category, month) == ("Dining", 7) else "5000.00")
+
+    def test_is_the_same_after_each_change_is_taken_back(self):
+        self.imported(5)
+        entries = self.json("list")
+        half = next(one["id"] for one in entries if "counterpart" in one)
+        other = next(one["counterpart"] for one in entries if one["id"] == half)
+        commands = [["edit", "3", "--category", "Fun", "--also-earlier"], ["edit", "4", "--amount", "7.50"],
+                    ["unpair", half, other], ["budget", "Dining", "100"], ["accounts", "name", "7790", "Salary"],
+                    ["rate", "USD", "48.5", "--from", "2025-05-01"], ["delete", "5-9", "--yes"],
+                    ["rules", "add", "--payee", "UBER*", "--category", "Work", "--also-earlier"]]
+
+        def everything():
+            shown = (["list"], ["accounts"], ["budget"], ["rules"])
+            return [self.run_ledger(*command, "--json") for command in shown] + [self.run_ledger("rate")]
+
+        for command in commands:
+            before = everything()
+            self.run_ledger(*command)
+            self.assertNotEqual(everything(), before, command)
+            self.run_ledger("undo")
+            self.assertEqual(everything(), before, command)
+
 
 if __name__ == "__main__":
     unittest.main()
