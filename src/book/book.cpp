@@ -188,6 +188,10 @@ std::vector<LedgerEntry> Book::entries(const EntryFilter& filter) const {
   return storedEntries(file_->database, filter);
 }
 
+std::vector<EntryPlace> Book::places(const EntryFilter& filter) const {
+  return placesOfEntries(file_->database, filter);
+}
+
 std::optional<LedgerEntry> Book::entry(std::int64_t id) const {
   return storedEntry(file_->database, id);
 }
@@ -415,6 +419,13 @@ void Book::restore(const Backup& backup, const std::function<void()>& before) {
     oweErasure();
     attached.replaceBook();
   });
+}
+
+std::filesystem::path Book::path() const { return linux_platform::fileOf(file_->database); }
+
+std::int64_t Book::changesByOthers() const {
+  Statement query(file_->database, "PRAGMA data_version");
+  return next(query) ? query.integer(0) : 0;
 }
 
 bool Book::isWhole() {

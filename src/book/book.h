@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -42,6 +43,12 @@ struct EntryFilter {
   std::string largest = {};
   /// The newest so many; a negative number for all.
   std::int64_t most = -1;
+};
+
+/// Where an entry stands in a list: enough to show long lists of which few rows are read.
+struct EntryPlace {
+  std::int64_t id = 0;
+  money::Day date;
 };
 
 /// The names by which sums are grouped. Those that differ only in the case of ASCII letters are one
@@ -171,6 +178,9 @@ class Book {
 
   /// Returns the entries that match `filter`, newest first.
   [[nodiscard]] std::vector<LedgerEntry> entries(const EntryFilter& filter) const;
+  /// Returns the places of the entries that match `filter`, newest first, at most `filter.most`.
+  /// Leaves out days that do not exist.
+  [[nodiscard]] std::vector<EntryPlace> places(const EntryFilter& filter) const;
   /// Returns the entry `id`; nullopt when no entry has this id.
   [[nodiscard]] std::optional<LedgerEntry> entry(std::int64_t id) const;
   /// Returns the number of entries in review.
@@ -279,6 +289,9 @@ class Book {
   /// Returns the ids of the withdrawals of cash that are expenses, which messages report.
   [[nodiscard]] std::vector<std::int64_t> withdrawals() const;
 
+  /// Returns the standard categories and all that an entry has or had, in the order of their names,
+  /// but for those that answers alone use.
+  [[nodiscard]] std::vector<std::string> categories() const;
   /// Returns whether an entry or a rule has or had `category`, in any spelling, or it is a standard
   /// category.
   [[nodiscard]] bool knowsCategory(const std::string& category) const;
@@ -305,6 +318,12 @@ class Book {
   /// `before` runs, no process can change the book; when it throws, nothing is changed. Erases the
   /// replaced texts from the file. The history of commands is empty then.
   void restore(const Backup& backup, const std::function<void()>& before);
+
+  /// Returns the path of the book's file. A change of any process touches a file of its folder.
+  [[nodiscard]] std::filesystem::path path() const;
+  /// Returns a number that differs from that of the last call when others, another process or
+  /// another open book, changed the book meanwhile.
+  [[nodiscard]] std::int64_t changesByOthers() const;
 
   /// Returns whether the file is whole. Reads all of it at the first call and while the note of
   /// damage beside it exists (docs/backup.md). Sets entries aside whose values cannot be. Removes

@@ -37,6 +37,8 @@ struct ChosenBudgets {
 
 }  // namespace
 
+std::vector<std::string> Book::categories() const { return knownCategories(file_->database); }
+
 bool Book::knowsCategory(const std::string& category) const {
   const std::string folded = foldedCategory(file_->database, category);
   const bool isStandard = std::ranges::any_of(names::standardCategories, [&](const auto standard) {

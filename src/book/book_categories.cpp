@@ -1,6 +1,7 @@
 #include "book/book_categories.h"
 
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "book/book_file.h"
@@ -72,6 +73,14 @@ std::string keepCategory(sqlite3* database, ChangeNotes& notes, std::string_view
     run(upsert.bind(level.folded).bind(level.name));
   }
   return levels.back().name;
+}
+
+std::vector<std::string> knownCategories(sqlite3* database) {
+  std::set<std::string> names(names::standardCategories.begin(), names::standardCategories.end());
+  names.erase("Credit Card Settlement");  // an answer's name for a transfer
+  Statement query(database, "SELECT name FROM categories");
+  while (next(query)) names.insert(query.text(0));
+  return {names.begin(), names.end()};
 }
 
 }  // namespace kivo::book

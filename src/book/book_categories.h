@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 struct sqlite3;
 
@@ -17,6 +18,9 @@ class ChangeNotes;
 /// "food:tea" is "Food:tea" beside "Food:Coffee". The name by which answers keep a transfer out of
 /// totals becomes "Transfer". Throws BookFailure.
 std::string spelledCategory(sqlite3* database, std::string_view category, std::int64_t except = 0);
+
+/// As `Book::categories`.
+std::vector<std::string> knownCategories(sqlite3* database);
 
 /// As `spelledCategory`, and stores the spelling, whose change `notes` gets. Call it in the
 /// transaction that writes the category to the entry `except`, 0 for a new one.

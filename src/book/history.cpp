@@ -109,6 +109,12 @@ void restoreTransactions(sqlite3* database, std::int64_t command) {
 
 }  // namespace
 
+std::string commandWord(const std::string& value) {
+  const bool isWord = value.find_first_of(" \t\n'\"") == std::string::npos;
+  if (isWord) return value;
+  return value.find('"') == std::string::npos ? '"' + value + '"' : "'" + value + "'";
+}
+
 void ChangeNotes::noteFor(std::optional<std::int64_t> number) {
   command_ = number;
   any_ = false;

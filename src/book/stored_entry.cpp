@@ -90,15 +90,26 @@ std::string currencyText(const LedgerEntry& entry) {
   return entry.impossibleCurrency.value_or(entry.amount ? entry.amount->currency.text() : "");
 }
 
+// The rows of the entries that a filter chooses, newest first. Keeps the texts that are bound.
+struct ChosenRows {
+  ChosenRows(sqlite3* database, const std::string& ofColumns, const EntryFilter& filter)
+      : condition(sqlOf(database, filter)) {
+    const std::string sql = "SELECT " + ofColumns + " FROM transactions WHERE " +
+                            condition.condition + " ORDER BY date DESC, id DESC LIMIT ?";
+    query = Statement(database, sql.c_str());
+    for (const std::string& value : condition.values) query.bind(value);
+    query.bind(filter.most);
+  }
+
+  FilterSql condition;
+  Statement query;
+};
+
 }  // namespace
 
 std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& filter) {
-  const FilterSql chosen = sqlOf(database, filter);
-  const std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE " +
-                          chosen.condition + " ORDER BY date DESC, id DESC LIMIT ?";
-  Statement query(database, sql.c_str());
-  for (const std::string& value : chosen.values) query.bind(value);
-  query.bind(filter.most);
+  ChosenRows chosen(database, columns, filter);
+  Statement& query = chosen.query;
   std::vector<LedgerEntry> found;
   std::string impossible;
   while (next(query)) {
@@ -114,6 +125,17 @@ std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& fil
                              "; look at them with kivo-ledger show, and edit or delete them");
   }
   return found;
+}
+
+std::vector<EntryPlace> placesOfEntries(sqlite3* database, const EntryFilter& filter) {
+  ChosenRows chosen(database, "id, date", filter);
+  Statement& query = chosen.query;
+  std::vector<EntryPlace> places;
+  while (next(query)) {
+    const auto date = money::Day::fromText(query.text(1));
+    if (date) places.push_back({query.integer(0), *date});
+  }
+  return places;
 }
 
 std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id) {

@@ -13,6 +13,7 @@ namespace kivo::book {
 
 /// As the functions of Book with these names. They throw BookFailure.
 std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& filter);
+std::vector<EntryPlace> placesOfEntries(sqlite3* database, const EntryFilter& filter);
 std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id);
 
 /// Inserts a row for a new entry and returns its id.

@@ -18,6 +18,9 @@ struct UserCommand {
   std::optional<std::int64_t> number = {};
 };
 
+/// Returns `value` as one word of `UserCommand::words`, in quotes where it needs them.
+std::string commandWord(const std::string& value);
+
 /// A command that can be taken back.
 struct PastCommand {
   std::int64_t number = 0;

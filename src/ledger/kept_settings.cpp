@@ -6,11 +6,11 @@
 
 #include "feedback/amount_formatter.h"
 #include "feedback/widget_stats.h"
-#include "ledger/template_file.h"
 #include "platform/linux/foundation/failure.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/store/settings_file.h"
 #include "platform/linux/terminal/command_failure.h"
+#include "recording/template_file.h"
 #include "sms_watcher/senders_file.h"
 #include "store/shared_store.h"
 
@@ -66,13 +66,13 @@ void writeCurrency(const std::string& currency) {
 
 BackedUpSettings KeptSettings::read() {
   return {.currency = AmountFormatter::currencyCode(requiredStore()),
-          .templates = bytesAt(TemplateFile::place()),
+          .templates = bytesAt(recording::TemplateFile::place()),
           .senders = bytesAt(SendersFile::place())};
 }
 
 void KeptSettings::write(const BackedUpSettings& settings) {
   writeCurrency(settings.currency);
-  writeBytes(TemplateFile::place(), settings.templates);
+  writeBytes(recording::TemplateFile::place(), settings.templates);
   writeBytes(SendersFile::place(), settings.senders);
 }
 

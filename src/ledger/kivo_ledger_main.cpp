@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "ledger/book_currency.h"
 #include "ledger/commands/account_commands.h"
 #include "ledger/commands/adding_command.h"
 #include "ledger/commands/backup_commands.h"
@@ -26,11 +25,12 @@
 #include "ledger/commands/teach_command.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/review_notifier.h"
-#include "ledger/template_file.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_line.h"
+#include "recording/book_currency.h"
+#include "recording/template_file.h"
 
 namespace kivo::ledger {
 
@@ -58,8 +58,9 @@ ListeningSocket ownSocket(const GivenParameters& given) {
 void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseconds> idleLimit) {
   ReviewNotifier notifier;
   ExtractionEndpoint endpoint(
-      bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
-      TemplateFile::reader(), [&notifier](const BudgetNotice& notice) { notifier.post(notice); });
+      recording::bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
+      recording::TemplateFile::reader(),
+      [&notifier](const BudgetNotice& notice) { notifier.post(notice); });
   UnixHttpServer server([&endpoint](const std::vector<UnixHttpServer::Request>& requests) {
     return endpoint.answers(requests);
   });

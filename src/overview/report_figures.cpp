@@ -40,16 +40,17 @@ void readMonths(ReportFigures& figures, const Book& book, std::int64_t largest) 
       book.entries({.from = period.first, .to = period.last, .most = ReportFigures::mostEntries});
 }
 
-void readDays(ReportFigures& figures, const Book& book, std::int64_t largest) {
-  const MonthSummary& summary = figures.summary;
-  figures.days.assign(static_cast<std::size_t>(summary.month.days()), Money{0, summary.currency});
-  for (const auto& group : book.sumsByDay(Period::of(summary.month), largest)) {
-    const bool counts = group.kind == Kind::expense && group.sum.currency == summary.currency;
-    if (counts) figures.days[static_cast<std::size_t>(group.group.number() - 1)] = group.sum;
-  }
-}
-
 }  // namespace
+
+std::vector<Money> expensesOfDays(const Book& book, const Month& month,
+                                  const money::CurrencyCode& currency, std::int64_t largest) {
+  std::vector<Money> days(static_cast<std::size_t>(month.days()), Money{0, currency});
+  for (const auto& group : book.sumsByDay(Period::of(month), largest)) {
+    const bool counts = group.kind == Kind::expense && group.sum.currency == currency;
+    if (counts) days[static_cast<std::size_t>(group.group.number() - 1)] = group.sum;
+  }
+  return days;
+}
 
 ReportFigures readReport(const Book& book, const Month& month,
                          const money::CurrencyCode& currency) {
@@ -57,7 +58,7 @@ ReportFigures readReport(const Book& book, const Month& month,
   ReportFigures figures{.summary = summarize(book, month, currency, counted)};
   readRecurring(figures.summary, book);
   readMonths(figures, book, counted.largest);
-  readDays(figures, book, counted.largest);
+  figures.days = expensesOfDays(book, month, currency, counted.largest);
   figures.review =
       book.entries({.state = LedgerEntry::State::review, .most = ReportFigures::mostEntries});
   figures.runs = month == currentMonth();

@@ -35,6 +35,11 @@ struct ReportFigures {
   static constexpr std::int64_t mostEntries = 5000;
 };
 
+/// Returns the expenses of each day of `month` in `currency`, the first day's first, of a book that
+/// counts amounts up to `largest`.
+std::vector<money::Money> expensesOfDays(const book::Book& book, const money::Month& month,
+                                         const money::CurrencyCode& currency, std::int64_t largest);
+
 /// Reads the figures around `month` of a book kept in `currency`. Takes a few queries: call it
 /// `atOneMoment` of the book.
 ReportFigures readReport(const book::Book& book, const money::Month& month,

@@ -33,6 +33,17 @@ std::optional<BookedSum> accept(book::Book& book, std::int64_t id,
   return sum;
 }
 
+std::optional<BookedAsStated> acceptAs(book::Book& book, std::int64_t id,
+                                       const book::EntryChange& stated,
+                                       const money::CurrencyCode& currency) {
+  const auto sum = accept(book, id, currency);
+  if (!sum) return std::nullopt;
+  const auto entry = book.entry(id).value();
+  const bool isEdited = stated.kind || stated.category || entry.text;
+  if (isEdited) book.edit(id, stated);
+  return BookedAsStated{*sum, book.keepRuleOf(id, stated), stated.kind.value_or(entry.kind)};
+}
+
 std::optional<LedgerEntry> reread(const book::Book& book, std::int64_t id,
                                   const MessageReader& read, const money::CurrencyCode& currency) {
   auto found = book.entry(id);

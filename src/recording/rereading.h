@@ -25,6 +25,22 @@ struct BookedSum {
 std::optional<BookedSum> accept(book::Book& book, std::int64_t id,
                                 const money::CurrencyCode& currency);
 
+/// An entry that was booked as the user states it.
+struct BookedAsStated {
+  BookedSum sum;
+  /// The rule for later payments to its payee; absent when `stated` makes none.
+  std::optional<book::KeptRule> rule = {};
+  /// The kind that the entry has now.
+  money::Kind kind = money::Kind::expense;
+};
+
+/// Books the new entry `id` as `accept` does, and gives it what the user stated: its kind and its
+/// category, which makes a rule for its payee. nullopt as `accept`. Call it in a step. Throws
+/// BookFailure.
+std::optional<BookedAsStated> acceptAs(book::Book& book, std::int64_t id,
+                                       const book::EntryChange& stated,
+                                       const money::CurrencyCode& currency);
+
 /// Returns the entry `id` as `read` reads its message now for a book kept in `currency`, with rates
 /// and corrections, marked where it looks like an earlier one. Changes nothing. nullopt when no
 /// entry has this id, its text was forgotten, or it is read as no transaction. Throws BookFailure.

@@ -25,7 +25,8 @@ ARROWS = {
     "money": set(),
     "recognition": {"money", "names"},
     "book": {"money", "names", "platform", "platform/linux"},
-    "recording": {"recognition", "book", "money", "extraction", "platform"},
+    # The book is kept in the currency of the shared store, and messages are read by a file of templates.
+    "recording": {"recognition", "book", "money", "extraction", "feedback", "store", "platform", "platform/linux"},
     "old_messages": {"platform", "platform/linux"},
     "overview": {"book", "money", "platform", "platform/linux"},
     # The senders that an import offers and a backup holds are those of the watcher, by its patterns.

@@ -21,17 +21,6 @@ std::optional<std::string> given(const GivenParameters& parameters, const char* 
   return platform::repairedUtf8(found->second);
 }
 
-namespace {
-
-// As one word of a command line.
-std::string quoted(const std::string& value) {
-  const bool isWord = value.find_first_of(" \t\n'\"") == std::string::npos;
-  if (isWord) return value;
-  return value.find('"') == std::string::npos ? '"' + value + '"' : "'" + value + "'";
-}
-
-}  // namespace
-
 book::UserCommand userCommand(const std::string& name, const GivenParameters& parameters) {
   std::string arguments;
   std::string options;
@@ -41,7 +30,7 @@ book::UserCommand userCommand(const std::string& name, const GivenParameters& pa
     if (!parameter.starts_with("--")) {
       arguments += " " + text;
     } else {
-      options += " " + parameter + (text.empty() ? "" : " " + quoted(text));
+      options += " " + parameter + (text.empty() ? "" : " " + book::commandWord(text));
     }
   }
   return {.words = name + arguments + options};

@@ -156,16 +156,13 @@ std::string bookedSentence(const recording::BookedSum& sum) {
 
 recording::BookedSum bookAsStated(Book& book, std::int64_t id, const EntryChange& stated,
                                   const CurrencyCode& currency, MadeRules& rules) {
-  const auto sum = recording::accept(book, id, currency);
-  if (!sum) {
+  const auto booked = recording::acceptAs(book, id, stated, currency);
+  if (!booked) {
     throw CommandFailure("its sum cannot be converted at its rate: give the sum in " +
                          currency.text() + " by --amount");
   }
-  const auto entry = book.entry(id).value();
-  const bool isEdited = stated.kind || stated.category || entry.text;
-  if (isEdited) book.edit(id, stated);
-  rules.add(book.keepRuleOf(id, stated), stated.kind.value_or(entry.kind));
-  return *sum;
+  rules.add(booked->rule, booked->kind);
+  return booked->sum;
 }
 
 std::vector<linux_platform::Command> editingCommands() {

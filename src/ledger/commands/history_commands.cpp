@@ -5,7 +5,6 @@
 
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/opened_book.h"
-#include "ledger/template_file.h"
 #include "platform/foundation/date_formatter.h"
 #include "platform/foundation/iso8601_date_formatter.h"
 #include "platform/foundation/json_encoder.h"
@@ -14,6 +13,7 @@
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/text_columns.h"
+#include "recording/template_file.h"
 
 namespace kivo::ledger {
 
@@ -58,8 +58,8 @@ std::string timeOf(const PastCommand& command) {
 // Removes the template that a command added, which is taken back.
 std::string templateSentence(const PastCommand& command) {
   if (command.addedTemplate.empty()) return "";
-  const std::string path = escapedControls(TemplateFile::place().value_or("").string());
-  if (TemplateFile::remove(command.addedTemplate)) {
+  const std::string path = escapedControls(recording::TemplateFile::place().value_or("").string());
+  if (recording::TemplateFile::remove(command.addedTemplate)) {
     return "  Its template is removed from " + path + ".\n";
   }
   return "  Its template was changed since, and stays in " + path + ".\n";

@@ -7,12 +7,12 @@
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/ignored_listing.h"
 #include "ledger/commands/opened_book.h"
-#include "ledger/template_file.h"
 #include "platform/foundation/number_text.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
 #include "recording/ignored_booking.h"
+#include "recording/template_file.h"
 
 namespace kivo::ledger {
 
@@ -92,7 +92,7 @@ void bookIgnored(const GivenParameters& parameters) {
     const IgnoredMessage message = requiredIgnored(book, number);
     parts.amount = statedAmount(parameters, message, currency);
     const StatedReading stated =
-        recording::statedReading(book, message, parts, TemplateFile::reader(), currency);
+        recording::statedReading(book, message, parts, recording::TemplateFile::reader(), currency);
     requireParts(stated);
     std::optional<BookedSum> sum;
     MadeRules rules;

@@ -11,7 +11,6 @@
 #include "ledger/commands/import_messages.h"
 #include "ledger/commands/import_senders.h"
 #include "ledger/commands/opened_book.h"
-#include "ledger/template_file.h"
 #include "old_messages/chatty_history.h"
 #include "platform/foundation/json_encoder.h"
 #include "platform/foundation/utf8.h"
@@ -22,6 +21,7 @@
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/text_columns.h"
 #include "recording/import.h"
+#include "recording/template_file.h"
 
 namespace kivo::ledger {
 
@@ -172,7 +172,7 @@ void importFiles(const GivenParameters& parameters) {
   const bool isDry = parameters.contains("--dry-run");
   Import::Settings settings{.userId = signedInUser(),
                             .currency = requiredBookCurrency(),
-                            .read = TemplateFile::readerOfNow(),
+                            .read = recording::TemplateFile::readerOfNow(),
                             .importKeys = importKeys,
                             .command = {.words = platform::repairedUtf8(wordsOf(parameters))},
                             .mode = isDry ? Import::Mode::dryRun : Import::Mode::record};

@@ -9,6 +9,7 @@
 #include "platform/linux/terminal/prompt.h"
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/text_columns.h"
+#include "recording/rule_sentence.h"
 #include "recording/taught_entries.h"
 
 namespace kivo::ledger {
@@ -16,24 +17,12 @@ namespace kivo::ledger {
 using book::Book;
 using book::EarlierEntries;
 using book::KeptRule;
-using book::RuleMembers;
 using linux_platform::escapedControls;
 using linux_platform::print;
 using linux_platform::Prompt;
 using money::Kind;
 
 namespace {
-
-std::string kindWord(Kind kind) {
-  if (kind == Kind::income) return "income";
-  return kind == Kind::expense ? "expenses" : "transfers";
-}
-
-std::string sentence(const KeptRule& kept, Kind kind) {
-  const Kind later = kept.rule.members.kind.value_or(kind);
-  return std::string("Later payments ") + (later == Kind::income ? "from " : "to ") +
-         escapedControls(kept.rule.payee) + " will be " + madeOf(kept.rule.members) + ".";
-}
 
 std::string wrapped(const std::string& line) {
   return linux_platform::wrappedTo(linux_platform::screenWidth(), line);
@@ -50,19 +39,6 @@ std::string countOf(std::size_t count, const std::string& one) {
 
 }  // namespace
 
-std::string madeOf(const RuleMembers& members) {
-  std::vector<std::string> parts;
-  if (members.kind) parts.push_back(kindWord(*members.kind));
-  if (members.category) parts.push_back(escapedControls(*members.category));
-  if (members.description) parts.push_back("called " + escapedControls(*members.description));
-  std::string text;
-  for (std::size_t at = 0; at < parts.size(); ++at) {
-    if (at > 0) text += at + 1 == parts.size() ? " and " : ", ";
-    text += parts[at];
-  }
-  return text;
-}
-
 void MadeRules::add(const std::optional<KeptRule>& kept, Kind kind) {
   if (!kept) return;
   std::erase_if(made_, [&](const Made& one) { return one.kept.rule.number == kept->rule.number; });
@@ -73,10 +49,13 @@ std::string MadeRules::sentences() const {
   constexpr const char* list = "`kivo-ledger rules` shows ";
   if (made_.empty()) return "";
   if (made_.size() == 1) {
-    return wrapped(sentence(made_.front().kept, made_.front().kind) + " " + list + "it.");
+    return wrapped(
+        escapedControls(recording::ruleSentence(made_.front().kept.rule, made_.front().kind)) +
+        " " + list + "it.");
   }
   std::string lines;
-  for (const auto& [kept, kind] : made_) lines += wrapped(sentence(kept, kind));
+  for (const auto& [kept, kind] : made_)
+    lines += wrapped(escapedControls(recording::ruleSentence(kept.rule, kind)));
   return lines + wrapped(std::string(list) + "them.");
 }
 

@@ -10,9 +10,6 @@
 
 namespace kivo::ledger {
 
-/// Returns what `members` make of payments: "transfers, Rent and called Flat".
-std::string madeOf(const book::RuleMembers& members);
-
 /// The rules that one command made, one for each payee.
 class MadeRules {
  public:

@@ -3,10 +3,10 @@
 #include <map>
 #include <utility>
 
-#include "ledger/book_currency.h"
 #include "ledger/commands/chosen_ids.h"
 #include "platform/foundation/number_text.h"
 #include "platform/linux/foundation/complaint.h"
+#include "recording/book_currency.h"
 #include "store/shared_store.h"
 
 namespace kivo::ledger {
@@ -87,7 +87,7 @@ book::IgnoredMessage requiredIgnored(const Book& book, std::int64_t number) {
 }
 
 money::CurrencyCode requiredBookCurrency() {
-  const auto currency = bookCurrency();
+  const auto currency = recording::bookCurrency();
   if (!currency) throw ReportedFailure();
   return *currency;
 }

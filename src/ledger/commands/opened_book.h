@@ -35,7 +35,7 @@ void changeEach(book::Book& book, const std::vector<book::LedgerEntry>& entries,
 /// Returns the ignored message `number`. Throws CommandFailure when it does not exist.
 book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number);
 
-/// As `bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
+/// As `recording::bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
 /// store cannot be opened.
 money::CurrencyCode requiredBookCurrency();
 

@@ -12,6 +12,7 @@
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
 #include "platform/linux/terminal/text_columns.h"
+#include "recording/rule_sentence.h"
 
 namespace kivo::ledger {
 
@@ -54,7 +55,7 @@ std::string changeSentence(const KeptRule& kept) {
   return linux_platform::wrappedTo(linux_platform::screenWidth(),
                                    "Changed " + number + ". Before, payments to " +
                                        escapedControls(kept.rule.payee) + " were " +
-                                       madeOf(*kept.before) + ".");
+                                       escapedControls(recording::madeOf(*kept.before)) + ".");
 }
 
 void addRule(const GivenParameters& parameters) {

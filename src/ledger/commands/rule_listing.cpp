@@ -4,9 +4,9 @@
 #include <array>
 #include <numeric>
 
-#include "ledger/commands/made_rules.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/text_columns.h"
+#include "recording/rule_sentence.h"
 
 namespace kivo::ledger {
 
@@ -43,7 +43,8 @@ std::string stacked(const std::vector<Rule>& rules, std::size_t width) {
   for (const Rule& rule : rules) {
     const std::string payee = linux_platform::wrappedTo(width, escapedControls(rule.payee), indent);
     lines += paddedTo(numberWidth, std::to_string(rule.number)) + payee.substr(indent.size());
-    lines += linux_platform::wrappedTo(width, madeOf(rule.members), indent);
+    lines +=
+        linux_platform::wrappedTo(width, escapedControls(recording::madeOf(rule.members)), indent);
   }
   return lines;
 }

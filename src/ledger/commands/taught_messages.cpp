@@ -4,12 +4,12 @@
 #include <vector>
 
 #include "ledger/commands/entry_listing.h"
-#include "ledger/template_file.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
 #include "recording/ignored_booking.h"
 #include "recording/rereading.h"
 #include "recording/taught_entries.h"
+#include "recording/template_file.h"
 
 namespace kivo::ledger {
 
@@ -69,7 +69,7 @@ void tellIgnored(Book& book, const MessageTemplate& taught,
 void correctByTemplate(Book& book, book::UserCommand& command, const CurrencyCode& currency,
                        const MessageTemplate& taught, const TaughtMessage& shown,
                        const std::function<bool()>& booksOthers) {
-  const MessageReader read = TemplateFile::reader();
+  const MessageReader read = recording::TemplateFile::reader();
   std::optional<std::int64_t> toReview;
   book.asCommand(command, [&] {
     if (shown.entry) correctEntry(book, *shown.entry, read, currency);

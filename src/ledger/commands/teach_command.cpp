@@ -17,7 +17,6 @@
 #include "ledger/commands/opened_book.h"
 #include "ledger/commands/taught_messages.h"
 #include "ledger/commands/teaching_questions.h"
-#include "ledger/template_file.h"
 #include "platform/foundation/number_text.h"
 #include "platform/foundation/utf8.h"
 #include "platform/linux/foundation/safe_text.h"
@@ -26,6 +25,7 @@
 #include "platform/linux/terminal/screen.h"
 #include "recognition/templates/message_text.h"
 #include "recognition/templates/teaching.h"
+#include "recording/template_file.h"
 
 namespace kivo::ledger {
 
@@ -62,7 +62,7 @@ class Teaching {
       : parameters_(parameters), book_(book), currency_(currency) {}
 
   void run() {
-    TemplateFile::read();  // throws before anything is asked when it cannot be used
+    recording::TemplateFile::read();  // throws before anything is asked when it cannot be used
     readOptions();
     openAnswers();
     chooseMessage();
@@ -232,10 +232,11 @@ class Teaching {
 
   // Returns the block that was added; empty when it was there already.
   static std::string save(const MessageTemplate& taught) {
-    const std::string path = escapedControls(TemplateFile::place().value_or("").string());
-    const auto known = TemplateFile::read();
+    const std::string path =
+        escapedControls(recording::TemplateFile::place().value_or("").string());
+    const auto known = recording::TemplateFile::read();
     const bool isKnown = !known.empty() && known.back().readsAs(taught);
-    std::string block = isKnown ? "" : TemplateFile::add(taught);
+    std::string block = isKnown ? "" : recording::TemplateFile::add(taught);
     print(isKnown ? "It is in " + path + " already.\n" : "Saved in " + path + "\n");
     return block;
   }

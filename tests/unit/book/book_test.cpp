@@ -1,5 +1,6 @@
 #include "book/book.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -85,6 +86,37 @@ TEST_F(AStoredBook, ListsTheEntriesThatMatchAFilter) {
   EXPECT_THAT(ids(book.entries({.search = "F_7"})), ElementsAre(2));
   EXPECT_THAT(ids(book.entries({.search = "S_r"})), IsEmpty());
   EXPECT_THAT(ids(book.entries({.state = LedgerEntry::State::review})), IsEmpty());
+}
+
+TEST_F(AStoredBook, TellsTheIdsAndDaysOfTheEntriesThatMatchAFilter) {
+  Book book = three();
+  const auto placesOf = [&](const EntryFilter& filter) {
+    std::vector<std::pair<std::int64_t, std::string>> places;
+    for (const auto& [id, date] : book.places(filter)) places.emplace_back(id, date.text());
+    return places;
+  };
+  EXPECT_THAT(placesOf({}),
+              ElementsAre(Pair(1, "2026-11-30"), Pair(2, "2026-11-01"), Pair(3, "2026-10-31")));
+  EXPECT_THAT(placesOf({.search = "rail"}), ElementsAre(Pair(3, "2026-10-31")));
+  EXPECT_THAT(placesOf({.most = 1}), ElementsAre(Pair(1, "2026-11-30")));
+}
+
+TEST_F(AStoredBook, NoticesTheChangesOfOthersAlone) {
+  Book book = three();
+  const auto before = book.changesByOthers();
+  ASSERT_TRUE(book.remove(1));
+  EXPECT_EQ(book.changesByOthers(), before);
+  ASSERT_TRUE(open().remove(2));
+  EXPECT_NE(book.changesByOthers(), before);
+  EXPECT_EQ(book.path(), file());
+}
+
+TEST_F(AStoredBook, ListsTheStandardCategoriesAndItsOwn) {
+  const auto categories = three().categories();
+  EXPECT_THAT(categories, testing::Contains("Eating out"));
+  EXPECT_THAT(categories, testing::Contains("Utilities"));
+  EXPECT_THAT(categories, Not(testing::Contains("Credit Card Settlement")));
+  EXPECT_TRUE(std::is_sorted(categories.begin(), categories.end()));
 }
 
 TEST_F(AStoredBook, FindsASumInTheCurrencyOfEachEntryBesideTexts) {

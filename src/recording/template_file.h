@@ -10,7 +10,7 @@
 #include "recognition/templates/message_template.h"
 #include "recording/message_reading.h"
 
-namespace kivo::ledger::TemplateFile {
+namespace kivo::recording::TemplateFile {
 
 /// Returns the path of kivo/templates.toml in the user's configuration folder; nullopt without a
 /// home folder.
@@ -33,10 +33,10 @@ bool remove(const std::string& block);
 /// Returns a reader that uses the templates in the file at the time of each message. When the file
 /// cannot be used, it prints the reason on standard error, once for each different one, and reads
 /// by the rules alone.
-recording::MessageReader reader();
+MessageReader reader();
 
 /// Returns a reader that uses the templates that are in the file now, for many messages. It is
 /// thread-safe. Throws Failure, as `read` does.
-recording::MessageReader readerOfNow();
+MessageReader readerOfNow();
 
-}  // namespace kivo::ledger::TemplateFile
+}  // namespace kivo::recording::TemplateFile

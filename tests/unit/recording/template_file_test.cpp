@@ -1,4 +1,5 @@
-#include "ledger/template_file.h"
+
+#include "recording/template_file.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -15,14 +16,13 @@
 #include "recognition/templates/teaching.h"
 #include "testkit/private_folders.h"
 
-namespace kivo::ledger {
+namespace kivo::recording {
 
 using money::Kind;
 using money::Money;
 using recognition::MessageTemplate;
 using recognition::Outcome;
 using recognition::Reading;
-using recording::MessageReader;
 
 namespace {
 
@@ -252,4 +252,4 @@ TEST_F(ATemplateFile, LeavesMessagesToTheRulesWhenItIsDamaged) {
 }
 
 }  // namespace
-}  // namespace kivo::ledger
+}  // namespace kivo::recording

@@ -1,9 +1,9 @@
-#include "ledger/book_currency.h"
+#include "recording/book_currency.h"
 
 #include "feedback/amount_formatter.h"
 #include "store/shared_store.h"
 
-namespace kivo::ledger {
+namespace kivo::recording {
 
 std::optional<money::CurrencyCode> bookCurrency() {
   const auto store = SharedStore::open(appGroup);
@@ -12,4 +12,4 @@ std::optional<money::CurrencyCode> bookCurrency() {
       .value_or(money::CurrencyCode());
 }
 
-}  // namespace kivo::ledger
+}  // namespace kivo::recording

@@ -1,4 +1,4 @@
-#include "ledger/template_file.h"
+#include "recording/template_file.h"
 
 #include <array>
 #include <sstream>
@@ -13,7 +13,7 @@
 #include "platform/linux/store/settings_file.h"
 #include "platform/linux/store/settings_toml.h"
 
-namespace kivo::ledger {
+namespace kivo::recording {
 
 using recognition::InvalidPattern;
 using recognition::MessagePattern;
@@ -21,7 +21,6 @@ using recognition::MessageTemplate;
 using recognition::readWith;
 using recognition::taughtKindFromText;
 using recognition::taughtKindText;
-using recording::MessageReader;
 
 namespace {
 
@@ -234,4 +233,4 @@ MessageReader TemplateFile::reader() {
   };
 }
 
-}  // namespace kivo::ledger
+}  // namespace kivo::recording

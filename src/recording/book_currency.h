@@ -5,10 +5,10 @@
 
 #include "money/currency_code.h"
 
-namespace kivo::ledger {
+namespace kivo::recording {
 
 /// Returns the currency of the shared store: EGP when it has none, XXX when its text is no code.
 /// Absent, after one line on standard error, when the store cannot be opened.
 std::optional<money::CurrencyCode> bookCurrency();
 
-}  // namespace kivo::ledger
+}  // namespace kivo::recording
