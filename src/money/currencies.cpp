@@ -143,7 +143,7 @@ constexpr std::array words = std::to_array<CurrencyWord>({
     {"лари", "GEL"}, {"драм", "AMD"}, {"манат", "AZN TMT"},
     {"rur", "RUB"}, {"₴", "UAH"}, {"грн", "UAH"},
     {"грн .", "UAH"}, {"₸", "KZT"}, {"тг", "KZT"},
-    {"тенге", "KZT"}, {"сом", "KGS"}, {"сум", "UZS"},
+    {"тенге", "KZT"}, {"теңге", "KZT"}, {"сом", "KGS"}, {"сум", "UZS"},
     {"som", "KGS UZS"}, {"soum", "UZS"}, {"₾", "GEL"},
     {"lari", "GEL"}, {"֏", "AMD"}, {"₼", "AZN"},
     {"manat", "AZN TMT"}, {"₺", "TRY"}, {"tl", "TRY"}, {"tl'lik", "TRY"}, {"tl'dir", "TRY"}, {"tl'ye", "TRY"}, {"tl'niz", "TRY"},
