@@ -9,6 +9,7 @@
 #include "names/name_words.h"
 #include "names/standard_categories.h"
 #include "recognition/chain_names.h"
+#include "recognition/message_items.h"
 
 namespace kivo::recognition {
 namespace {
@@ -22,70 +23,116 @@ struct ShopWords {
 // In the order in which they are tried.
 constexpr auto shopWords = std::to_array<ShopWords>({
     {"Insurance",
-     "insurance assurance takaful mutuelle versicherung~ seguro seguros sigorta asuransi bima "
-     "страхов~ страховка تامين بيمه 保险 보험"},
+     "insurance assurance~ takaful mutuelle versicherung~ seguro seguros sigorta asuransi bima "
+     "страхов~ страховка تامين التامين بيمه 保险 보험"},
     {"Charity",
      "charity charities charitable donation donations zakat sadaqa orphan~ relief مؤسسه خيري خيريه "
      "صدقه "
      "زكاه تبرع~ благотворит~"},
     {"Health",
-     "pharmac~ chemist clinic hospital dental dentist medical lab labs laborator~ diagnostic~ "
-     "optic~ optometr~ بصريات physio~ doctor gym fitness farmacia~ pharmacie apotheke apotek "
+     "pharmac~ chemist~ clinic clinics hospital hospitals dental dentist~ medical~ lab labs "
+     "laborator~ diagnostic~ "
+     "optic~ optometr~ بصريات physio~ doctor gym fitness yoga pilates crossfit healthcare "
+     "farmacia~ "
+     "pharmacie~ apotheke~ apotek zahnarzt~ dentaire medecin odonto~ optika "
      "eczane~ "
-     "drogaria clinica klinik hastane~ sakit "
-     "صيدلي~ مستشفي عياده داروخانه аптек~ клиник~ стоматолог~ больниц~ 药房 药店 医院 약국 병원 "
+     "drogaria~ clinica clinique klinik klinikum hastane~ sakit "
+     "صيدلي~ مستشفي عياده معمل تحاليل داروخانه аптек~ клиник~ стоматолог~ больниц~ фитнес 药房 "
+     "药店 "
+     "医院 약국 병원 "
      "의원 โรงพยาบาล"},
     {"Education",
-     "school university college academy institute course~ tuition kindergarten nursery montessori "
+     "school schools university college academy institute course~ tuition tutor~ kindergarten "
+     "nursery montessori "
      "escola escuela colegio universidad universidade universitas ecole universite schule okul~ "
      "universite~ sekolah مدرسه مدارس جامعه كليه حضانه школа университет 学校 大学 학원 대학교"},
     {"Entertainment",
      "العاب cinema~ theatre theater stream~ music games gaming bowling arcade museum concert cine "
-     "kino "
+     "kino karaoke zoo aquarium "
      "sinema bioskop سينما مسرح кино кинотеатр театр 电影 영화"},
     {"Dining",
-     "cafe cafes caffe coffee restaurant~ kitchen grill pizza pizzeria~ burger burgers roastery "
-     "diner eatery bistro steak~ sushi shawarma kebab kabab tacos taqueria bbq tandoor~ biryani "
-     "dhaba ristorante trattoria osteria taverna lokanta~ kafe cafeteria restoran rumahmakan "
-     "warung "
-     "bakso lanchonete churrascaria fonda مطعم مطاعم كشري حلويات كافيه مقهي قهوه رستوران کافه كافه "
+     "cafe cafes caffe coffee coffees restaurant~ restaurante~ kitchen grill grills grillhouse "
+     "pizza pizzas "
+     "pizzeria~ burger burgers roastery "
+     "diner eatery bistro bistrot brasserie creperie steak~ sushi ramen noodle noodles shawarma "
+     "kebab kebabs kabab doner tacos taco "
+     "taqueria bbq tandoor~ biryani biriyani dosa idli "
+     "dhaba tiffin tiffins sweets mithai canteen juice juices smoothie~ sandwich~ snack snacks "
+     "donut donuts doughnut~ creamery gelato gelateria pub tavern taproom brewery brewing bar "
+     "broast chicken wings momo momos suya chops waakye kopi kopitiam carinderia pho "
+     "tearoom teahouse chaiwala "
+     "ristorante trattoria osteria taverna lokanta~ kafe kahve~ bufe pastane~ cafeteria "
+     "restoran rumahmakan "
+     "warung mamak "
+     "bakso lanchonete churrascaria pastelaria sorveteria hamburgueria boteco jugueria cocina "
+     "comedor asador arepa~ polleria fonda traiteur imbiss gasthaus gaststatte wirtshaus "
+     "مطعم مطاعم كشري حلويات حلواني كافيه مقهي قهوه عصير عصائر شاورما مشويات فلافل فول بيتزا برجر "
+     "بروست كافتيريا رستوران کافه كافه "
      "ресторан "
-     "кафе кофе~ столов~ суши бургер~ шашлы~ 餐厅 餐饮 咖啡 식당 카페 커피 치킨"},
+     "кафе кофе~ кав'ярня кавярня столов~ суши бургер~ шашлы~ пиццери~ піцері~ донер чайхана 餐厅 "
+     "餐饮 咖啡 面馆 火锅 奶茶 小吃 茶餐廳 식당 카페 커피 치킨 "
+     "포차 분식 โภชนา กาแฟ"},
     {"Groceries",
-     "market markets supermarket~ hypermarket~ minimarket~ minimart grocer~ grocery groceries "
-     "foods "
-     "baker~ butcher~ mart kirana provision~ supermercado~ mercado mercadinho hortifruti panaderia "
-     "padaria carniceria boulangerie boucherie epicerie supermarche backerei metzgerei bakkal~ "
+     "market markets supermarket~ hypermarket~ hypermart superstore superstores hyper super "
+     "superette minimarket~ minimart grocer~ grocery groceries "
+     "foods fresh freshmart mart fruit fruits vegetable~ dairy meats butchery greengrocer~ "
+     "cooperative coop "
+     "baker~ butcher~ kirana provision~ sabzi supermercado~ mercado mercadinho hortifruti "
+     "panaderia "
+     "padaria carniceria fruteria pescaderia verduleria abarrotes bodega colmado acougue atacadao "
+     "sacolao boulangerie boucherie charcuterie fromagerie primeur epicerie supermarche "
+     "backerei metzgerei markt bakkal~ "
      "manav "
-     "kasap firin pasar warungsembako سوق ماركت بقال~ مخبز مخابز هايبر سوبر سوبرماركت تموينات "
-     "جزاره حانوت "
-     "نانوایی فروشگاه продукт~ гастроном супермаркет пекарн~ мясн~ 超市 便利店 마트 편의점"},
+     "kasap firin pasar swalayan warungsembako duka سوق ماركت بقال~ مخبز مخابز هايبر سوبر "
+     "سوبرماركت تموينات "
+     "تعاونيه جزاره خضار فواكه حانوت "
+     "نانوایی فروشگاه продукт~ гастроном супермаркет пекарн~ мясн~ овощ~ 超市 便利店 마트 슈퍼 "
+     "편의점"},
     {"Travel",
      "hotel~ airline~ airways travel~ tours hostel resort inn motel hotels otel "
-     "hoteis viagens voyages reisen فندق طيران سفر سياحه гостиниц~ отель авиа~ турагент~ 酒店 航空 "
+     "hoteis viagens voyages reisen reiseburo viajes فندق طيران سفر سياحه гостиниц~ отель авиа~ "
+     "турагент~ "
+     "酒店 航空 "
      "호텔 항공"},
     {"Transport",
-     "taxi taxis cab cabs metro bus rail~ railways train fuel gas petrol petroleum parking ride~ "
-     "rides station stations toll tolls car garage autos ferry filling servicestation gasolinera~ "
-     "posto combustiveis estacionamento peaje pedagio benzin~ akaryakit otopark spbu parkir ojek "
-     "تاكسي مترو بنزين وقود محطه محطات مواقف جايگاه азс такси метро бензин парков~ заправка 加油站 "
+     "taxi taxis cab cabs metro bus rail~ railways train fuel fuels gas petrol petroleum parking "
+     "parkings "
+     "ride~ "
+     "rides station stations toll tolls car cars carwash garage auto autos tyre tyres tires ferry "
+     "filling servicestation "
+     "gasolinera~ "
+     "posto combustiveis estacionamento estacionamiento tankstelle parkhaus peaje pedagio benzin~ "
+     "akaryakit otopark spbu parkir ojek "
+     "تاكسي مترو بنزين وقود محطه محطات مواقف جايگاه азс такси метро бензин парков~ автобус~ "
+     "заправка "
+     "加油站 "
      "停车 地铁 주유소 택시 주차"},
     {"Phone",
      "telecom~ mobile cellular airtime broadband internet recharge fibre fiber telefon~ celular "
      "pulsa اتصالات موبايل شحن انترنت связь интернет 通信 통신"},
     {"Utilities",
      "electric~ water energy bill bills power utility utilities sewerage electricidad eletrica "
-     "agua "
-     "luz energia elektrik listrik كهرباء مياه المياه فاتوره غاز الغاز электр~ водоканал "
-     "жкх энерго~ 电力 水务 燃气 전력 수도"},
+     "agua stadtwerke wasserwerk~ strom "
+     "luz energia elektrik listrik كهرباء كهربائي~ مياه المياه فاتوره غاز الغاز электр~ водоканал "
+     "жкх энерго~ 电力 水务 燃气 전력 수도 การไฟฟ้า~"},
     {"Loan",
      "loan loans finance financing lending kredit credito emprestimo قرض تمويل кредит~ 贷款"},
-    {"Rent", "rent landlord lease alquiler aluguel loyer kira sewa ايجار аренда 房租 월세"},
+    {"Rent",
+     "rent rents rental landlord lease lettings apartments realty immobilier~ hausverwaltung "
+     "vermietung inmobiliaria imobiliaria alquiler aluguel loyer miete kira sewa ايجار عقارات "
+     "аренда 房租 월세"},
+    {"Fees", "levy charges commission komisi gebuhr gebuhren комиссия رسوم عموله"},
     {"Shopping",
-     "store~ mall shop~ boutique fashion books~ bookshop electronics furniture tailor~ jewel~ "
-     "gifts "
+     "store~ mall shop~ boutique fashion fashions wear books~ bookshop electronics furniture "
+     "furnishings "
+     "tailor~ jewel~ "
+     "gifts florist~ flowers stationer~ pets mobiles menswear womenswear footwear "
      "cosmetic~ beauty salon barber~ perfume~ garments textile~ hardware toys shoes tienda~ loja~ "
-     "magazin~ magasin negozio moda giyim toko متجر مكتبه مول محلات ازياء مجوهرات магазин~ одежд~ "
+     "papelaria papeleria ferreteria zapateria libreria librairie livraria magazin~ magasin "
+     "magaza~ magazasi negozio moda giyim toko متجر مكتبه مول محلات ازياء ملابس اثاث احذيه عطور "
+     "هدايا "
+     "مجوهرات "
+     "магазин~ одежд~ "
      "商店 商场 백화점 상점"},
 });
 
@@ -108,12 +155,23 @@ class ShopIndex {
   }
 
   // The first category with `word`; `none` without one. Arabic writes the article together with its
-  // word.
+  // word, and Chinese, Korean and Thai write the name of a shop in front of it: "东方超市".
   [[nodiscard]] std::size_t placeOf(std::string_view word) const {
     constexpr std::string_view article = "ال";
     std::size_t place = placeOfBare(word);
     if (word.starts_with(article)) {
       place = std::min(place, placeOfBare(word.substr(article.size())));
+    }
+    constexpr std::string_view forThe = "لل";  // "سداد للحلويات"
+    if (word.starts_with(forThe)) {
+      place = std::min(place, placeOfBare(word.substr(forThe.size())));
+    }
+    constexpr std::size_t character = 3;  // bytes of one
+    constexpr std::size_t longest = 10;   // characters
+    for (std::size_t at = character; isUnspaced(word.substr(0, character)) &&
+                                     at + character < word.size() && at < longest * character;
+         at += character) {
+      place = std::min(place, placeOfBare(word.substr(at)));
     }
     return place;
   }

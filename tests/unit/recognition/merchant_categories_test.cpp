@@ -130,11 +130,16 @@ TEST(ACashWithdrawal, IsCashWhereverTheMachineIs) {
       read("Cash withdrawal of EGP 500.00 at CITY STARS MALL from card *4821. Balance EGP 9,000.00",
            "EGP");
   EXPECT_EQ(reading.category, "Cash");
-  EXPECT_EQ(reading.payee, "CITY STARS MALL");
+  EXPECT_EQ(reading.payee, "");
 }
 
 TEST(ATransfer, IsNoPurchaseAtAChainWithThatFirstName) {
   EXPECT_EQ(read("You sent EGP 500.00 to Zara Ahmed from a/c *4821", "EGP").category, "Transfer");
+}
+
+TEST(ACategory, IsToldByTheEndOfAChineseOrKoreanName) {
+  EXPECT_EQ(merchantCategory("东方超市"), "Groceries");
+  EXPECT_EQ(merchantCategory("까치커피 역삼점"), "Dining");
 }
 
 }  // namespace
