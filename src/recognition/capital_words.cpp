@@ -110,6 +110,13 @@ bool CapitalWords::isLabel(std::size_t at) const {
   }
   if (next >= items_.size()) return true;
   const Item& item = items_[next];
+  // "QUAN SO DU 3 MIEN"
+  constexpr std::size_t longest = 2;
+  const bool small = item.kind == Item::Kind::number && item.text.size() <= longest;
+  if (small && wording->as<SumRole>() != nullptr && items_[at].capitals && isCapital(next + 1) &&
+      items_[next + 1].capitals && at_[next + 1] == nullptr && !isMonth(items_, next + 1)) {
+    return false;
+  }
   if (item.kind == Item::Kind::number || item.kind == Item::Kind::sum) return true;
   if (item.kind == Item::Kind::mark && item.text.size() > 1) return true;  // "••••1234"
   // "Due Date Fruits", "STOP AND SHOP"
@@ -131,6 +138,25 @@ bool CapitalWords::isPrepositionInCapitals(std::size_t at) const {
   const Marker* const marker = at_[at] == nullptr ? nullptr : at_[at]->as<Marker>();
   return items_[at].capitals && marker != nullptr &&
          (*marker == Marker::to || *marker == Marker::from);
+}
+
+// "LAST CALL PROMO BAR", "TACOS EL RECHAZADO": a label's word is part of a name when the words
+// around it are written as it is.
+bool CapitalWords::isAmongCapitals(std::size_t at, std::size_t begin) const {
+  const Found& wording = *at_[at];
+  const std::size_t next = wording.end;
+  const bool word = wording.is(Marker::ends) || wording.is(Marker::footer);
+  if (!word || at == begin || !isCapital(begin)) return false;
+  if (wording.is(Marker::ends) && items_[at].capitals && items_[at - 1].capitals &&
+      items_[begin].capitals && isSmall(next) && at_[next] != nullptr &&
+      at_[next]->is(Marker::own)) {
+    return true;  // "GIVE AND GO ON card 12"
+  }
+  if (!isCapital(next)) return false;
+  if (items_[next].startsSentence) return false;
+  const bool alike = items_[at].capitals == items_[begin].capitals &&
+                     items_[next].capitals == items_[begin].capitals;
+  return alike && (at_[next] == nullptr || !(isLabel(next) || at_[next]->as<Marker>() != nullptr));
 }
 
 bool CapitalWords::continuesCapitals(std::size_t at, std::size_t begin) const {
@@ -155,10 +181,10 @@ bool CapitalWords::continuesCapitals(std::size_t at, std::size_t begin) const {
   }
   if (!isCapital(at)) return item.glued || (isOneOf(item.text, links) && isCapital(at + 1));
   if (at > begin && gluedBehind && isMark(items_[at + 1], "#")) return false;  // "Consumer# 12"
-  const bool opens =
-      at == begin && wording != nullptr && isCapital(wording->end) &&
-      (wording->is(Marker::ends) || wording->is(Marker::footer) || wording->is(SumRole::balance));
-  if (!opens && isLabel(at)) return false;
+  const bool opens = at == begin && wording != nullptr && isCapital(wording->end) &&
+                     (wording->is(Marker::ends) || wording->is(Marker::footer) ||
+                      wording->is(Marker::reference) || wording->is(SumRole::balance));
+  if (!opens && isLabel(at) && !isAmongCapitals(at, begin)) return false;
   return at == begin || !(goesOnSmall(at) || isPrepositionInCapitals(at));
 }
 
@@ -179,7 +205,7 @@ bool CapitalWords::repeatsCurrency(std::size_t at) const {
   if (items_[at].kind != Item::Kind::sum) return false;
   for (std::size_t before = at; before > 0 && !items_[before].startsSentence; --before) {
     const Item& item = items_[before - 1];
-    if (item.kind != Item::Kind::sum) continue;
+    if (item.kind != Item::Kind::sum || item.sum.minorUnits == 0) continue;
     const std::string& currency = items_[at].sum.currency;
     return currency.empty() || item.sum.currency == currency;
   }

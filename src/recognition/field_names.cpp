@@ -44,7 +44,10 @@ class FieldNames {
       if (words_.isOutcome(end - 1) || isHeading(begin, end) || !movesOutside(begin, end)) {
         continue;
       }
-      places.push_back({begin, end, end});
+      // "EGP 50.00 DECLINED FERN MART card 12": a shop or an outcome
+      const bool told = words_.isOutcome(begin) && items_[begin - 1].kind == Item::Kind::sum &&
+                        (words_.wordingAt(end) != nullptr || isMark(items_[end], "."));
+      places.push_back({begin, told ? begin : end, end});
       begin = end - 1;
     }
     return places;
@@ -76,10 +79,18 @@ class FieldNames {
       return next < items_.size() && items_[next].kind == Item::Kind::sum;
     }
     if (item.kind == Item::Kind::lineBreak) return end > 0;
+    const Found* const first = words_.wordingAt(begin);
     const Found* const next = words_.wordingAt(end);
     const bool behindSum = !front && items_[begin - 1].kind == Item::Kind::sum;
     if (behindSum && next != nullptr && next->is(Marker::from) && words_.isSmall(end)) {
       return !words_.isOutcome(begin);  // "EGP 50.00 Declined Fern Mart from card 12"
+    }
+    if (behindSum && next != nullptr && !(first != nullptr && first->as<Move>() != nullptr) &&
+        (next->is(Marker::own) || next->is(SumRole::balance) || next->is(SumRole::limit))) {
+      return true;  // "EGP 420.00 OFFER MALL card 12"
+    }
+    if (!front && isMark(item, ".") && end + 1 < items_.size() && items_[end + 1].startsSentence) {
+      return true;
     }
     return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
                       isMark(item, ",;|") || item.text == "·" || words_.isDash(end));

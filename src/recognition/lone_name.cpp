@@ -123,7 +123,7 @@ std::string loneName(const AnalysedMessage& message, std::size_t end) {
     const std::size_t begin = at;
     bool capitals = true;
     for (; at < end && !(at > begin && isAddress(items[begin])) &&
-           (isNameWord(at) || (at > begin && continuesName(items, at)));
+           (isNameWord(at) || (at > begin && (continuesName(items, at) || items[at].named)));
          ++at) {
       capitals = capitals && (items[at].capitals || items[at].kind != Item::Kind::word);
     }
@@ -131,6 +131,7 @@ std::string loneName(const AnalysedMessage& message, std::size_t end) {
     const bool last = at >= items.size() || (isMark(items[at], ".") && at + 1 == items.size());
     const bool isSignature = last && !(capitals && items[begin - 1].kind == Item::Kind::sum);
     if (isSignature || isLabel(message, begin, at) || !mayStandAlone(message, begin, at)) continue;
+    if (namesLoan(items, begin, at)) continue;
     std::string name = nameBetween(message, begin, at);
     if (name.empty()) continue;
     constexpr std::size_t shortest = 4;

@@ -126,11 +126,20 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
     return true;  // a signature: "-Orchid Bank"
   }
   if (isMark(item, ".")) {
-    if (endsInitial(at)) return false;
+    const bool title = items_[at - 1].text == "د" && at + 1 < items_.size() && items_[at + 1].named;
+    if (title || endsInitial(at)) return false;
     const bool blankFollows = at + 1 >= items_.size() || !items_[at + 1].glued;
     return blankFollows && (!item.glued || item.begin - items_[begin].begin > 3);
   }
   return isBehindName(at, begin, introduced);
+}
+
+// "SEN COFFEE luc 21:15": behind a name in capitals, a small word of Latin letters is the
+// message's.
+bool NameExtent::isProse(std::size_t at) const {
+  const char first = message_.text[items_[at].begin];
+  return items_[at - 1].capitals && items_[at].kind == Item::Kind::word && !items_[at].glued &&
+         first >= 'a' && first <= 'z';
 }
 
 std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) const {
@@ -139,7 +148,7 @@ std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) co
   while (end < items_.size() && (items_[end].named || !endsName(end, begin, introduced))) {
     // "LE BISTRO in Paris"
     const bool town = items_[end].text == "in" && end + 1 < items_.size() && isNameWord(end + 1);
-    if (items_[end - 1].named && !items_[end].named && town) break;
+    if (items_[end - 1].named && !items_[end].named && (town || isProse(end))) break;
     ++end;
   }
   return end;

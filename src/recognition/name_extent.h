@@ -33,6 +33,7 @@ class NameExtent {
 
  private:
   [[nodiscard]] bool isEastAsianMove(std::size_t at) const;
+  [[nodiscard]] bool isProse(std::size_t at) const;
   [[nodiscard]] bool continuesBehindComma(std::size_t comma, std::size_t begin) const;
   [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const;
   [[nodiscard]] bool isNameWord(std::size_t at) const;

@@ -31,12 +31,16 @@ class NamePlaces {
     std::size_t payerTextEnd = 0;
     for (const Found& wording : message_.wordings) {
       if (namesItsSubject(wording)) addInFront(wording);
-      if (introducesPayerText(wording) && wording.begin >= payerTextEnd) {
+      if (introducesPayerText(message_, wording) && wording.begin >= payerTextEnd) {
         const PayerText text = payerTextBehind(message_, words_, wording);
         payerTextEnd = text.end;
         append(text.places);
       }
-      if (introduces(wording) || isSlipOf(wording)) addBehind(wording);
+      if (introduces(wording) || isSlipOf(wording)) {
+        addBehind(wording);
+      } else {
+        addBehindPreposition(wording);
+      }
       if (isArabicIn(wording)) append(uncasedNameBehind(message_, words_, wording, wording.end));
     }
     append(fieldNames(message_, words_));
@@ -73,12 +77,20 @@ class NamePlaces {
            (before.kind == Item::Kind::sum && items_[wording.begin].capitals);
   }
 
+  [[nodiscard]] bool isMarker(std::size_t at) const {
+    return words_.wordingAt(at) != nullptr && words_.wordingAt(at)->as<Marker>() != nullptr;
+  }
+
   // "PURCHASE DECLINED CARD", "PURCHASE ZARA DECLINED CARD": an outcome is no part of the name.
   void addSlip(std::size_t begin) {
-    if (!words_.isCapital(begin) || words_.isOutcome(begin)) return;
+    if (!words_.isCapital(begin)) return;
     std::size_t end = words_.endOfCapitals(begin);
     while (end > begin && words_.isOutcome(end - 1)) --end;
-    add(begin, end, end);
+    if (!words_.isOutcome(begin)) {
+      add(begin, end, end);
+    } else if (words_.hasOwnWord(begin, end) && !isMarker(words_.wordingAt(begin)->end)) {
+      add(begin, begin, end);  // "PURCHASE DECLINED DINER CARD": a shop or an outcome
+    }
   }
 
   // "في محلات القسط": "in" introduces a shop or, mostly, a date.
@@ -118,7 +130,8 @@ class NamePlaces {
     while (begin < end && !words_.isCapital(begin)) ++begin;
     if (wording.payeePrecedes && wording.is(Move::received) && addSubjectWithSum(end)) return;
     if (begin == end || isPronoun(items_[begin].text) || !words_.isSmall(wording.begin)) return;
-    const bool apart = items_[begin].startsSentence || isMark(items_[begin - 1], ";,:");
+    const bool apart = items_[begin].startsSentence || isMark(items_[begin - 1], ";,:") ||
+                       (items_[begin - 1].text == "and" && wording.is(Move::credited));
     if (wording.payeePrecedes || (apart && words_.hasOwnWord(begin, end))) add(begin, end, end);
   }
 
@@ -133,11 +146,31 @@ class NamePlaces {
       --begin;
       sum = sum || items_[begin].kind == Item::Kind::sum;
     }
-    const auto behind = std::span(items_).subspan(end).first(std::min(near, items_.size() - end));
-    const bool follows =
-        std::ranges::any_of(behind, [](const Item& item) { return item.kind == Item::Kind::sum; });
+    bool follows = false;
+    for (std::size_t at = end; at < std::min(end + near, items_.size()) && !follows; ++at) {
+      const Found* const wording = words_.wordingAt(at);
+      if (wording != nullptr && wording->is(SumRole::balance)) break;
+      follows = items_[at].kind == Item::Kind::sum;
+    }
     if (sum && follows) add(begin, end, end);
     return sum && follows;
+  }
+
+  // "to Your Corner Shop", "at Block Party": a longer wording of a preposition and a capital.
+  void addBehindPreposition(const Found& wording) {
+    constexpr auto prepositions = std::to_array<std::string_view>({"to", "at", "from", "by"});
+    const std::size_t begin = wording.begin + 1;
+    if (wording.end != begin + 1 || wording.as<Move>() != nullptr ||
+        std::ranges::find(prepositions, items_[wording.begin].text) == prepositions.end()) {
+      return;
+    }
+    const bool apart = words_.isSmall(wording.begin) || items_[wording.begin].startsSentence;
+    if (!apart || !words_.isCapital(begin) || !words_.isCapital(wording.end) ||
+        words_.isLabel(wording.end) || words_.isNoun(wording.end)) {
+      return;
+    }
+    const std::size_t end = words_.endOfCapitals(wording.end);
+    if (words_.hasOwnWord(wording.end, end)) add(begin, end, end);
   }
 
   void addBehind(const Found& wording) {
@@ -155,18 +188,22 @@ class NamePlaces {
       return;
     if (items_[begin].text.find_first_not_of('x') == std::string::npos) return;  // "XX7719"
     const bool small = !isInCapitals(wording);
-    if (colon && items_[wording.begin].startsSentence && addLine(begin)) return;
+    const bool label = colon || words_.caseOf(wording.begin) == LetterCase::none;
+    if (label && items_[wording.begin].startsSentence && addLine(begin)) return;
     if (small && words_.caseOf(wording.begin) == LetterCase::capital && addTitled(wording, begin)) {
       return;
     }
-    if (wording.is(Marker::at) && isPronoun(items_[begin].text)) {
+    const bool greets = items_[begin].text == "dear" && words_.isCapital(begin + 1);
+    if (wording.is(Marker::at) && isPronoun(items_[begin].text) && !greets) {
       addClause(begin);
     } else if (isSlipOf(wording)) {
       addSlip(begin);
     } else if (words_.isCapital(begin) && (small || colon)) {
-      addCapitals(begin);
+      addCapitals(begin, wording.is(Marker::at));
     } else if (items_[begin].kind == Item::Kind::sum || items_[begin].kind == Item::Kind::number) {
       addNumberInFront(wording, begin);
+    } else if (items_[wording.begin].text == "在") {
+      addUnspaced(begin);
     } else if (words_.isWord(begin) && !words_.isSmall(begin)) {
       append(uncasedNameBehind(message_, words_, wording, begin));
     }
@@ -214,16 +251,20 @@ class NamePlaces {
     return false;
   }
 
-  void addCapitals(std::size_t begin) {
+  void addCapitals(std::size_t begin, bool shop) {
     std::size_t end = words_.endOfCapitals(begin);
-    if (end < items_.size() && words_.repeatsCurrency(end)) {  // "Declined $0.00 Inc"
+    // "Declined $0.00 Inc", "KIOSK 5 USD 7500 RETURNED"
+    const bool number = end + 1 < items_.size() && items_[end].kind == Item::Kind::number &&
+                        !items_[end].isPiece && words_.repeatsCurrency(end + 1);
+    if (number) ++end;
+    if (end < items_.size() && words_.repeatsCurrency(end)) {
       ++end;
       if (words_.isCapital(end) && !words_.isLabel(end)) end = words_.endOfCapitals(end);
     }
     const bool date = end <= begin + 3 && items_[end - 1].isPiece;              // "AUG-26"
     const bool initial = date || items_[begin].end - items_[begin].begin == 1;  // "A new store"
     if ((end == begin + 1 || date) && (initial || isPronoun(items_[begin].text))) return;
-    if (words_.isSmall(end) && words_.isNoun(end))
+    if (!shop && words_.isSmall(end) && words_.isNoun(end))
       return;  // "for BillPay payment", "from Lotus Bank card 12"
     std::size_t first = end;
     // "at Fern Cafe Declined.": a shop or an outcome.
@@ -232,6 +273,19 @@ class NamePlaces {
     }
     const bool done = first < end && words_.wordingAt(first)->is(Status::done);
     add(begin, first, done ? first : end);
+  }
+
+  // "在余额面馆消费": up to the verb.
+  void addUnspaced(std::size_t begin) {
+    constexpr std::size_t longest = 16;
+    for (std::size_t at = begin; at < items_.size() && at < begin + longest; ++at) {
+      const Found* const wording = words_.wordingAt(at);
+      const Move* const move = wording == nullptr ? nullptr : wording->as<Move>();
+      const bool ends = move != nullptr &&
+                        (*move == Move::spent || *move == Move::purchase || *move == Move::paid);
+      if (ends && at > begin) add(begin, at, at);
+      if (ends || !words_.isWord(at) || items_[at].startsSentence) return;
+    }
   }
 
   // "at You received AED 640, DUBAI": up to the next mark.
@@ -248,9 +302,10 @@ class NamePlaces {
     if (sum && !from && wording.as<Marker>() == nullptr)
       return;  // "Pagamento de R$ 45,00 LUZ AZUL"
     std::size_t next = begin + 1;
-    while (next < items_.size() && isMark(items_[next], "-'") && items_[next].glued) ++next;
+    while (next < items_.size() && isMark(items_[next], "-'%") && items_[next].glued) ++next;
     constexpr std::size_t longest = 5;
-    const bool day = items_[begin].isPiece && next == begin + 1;  // "31 Aug"
+    const bool ordinal = words_.isCapital(next) && items_[next].glued && words_.isCapital(next + 1);
+    const bool day = items_[begin].isPiece && next == begin + 1 && !ordinal;  // "31 Aug"
     if (words_.isCapital(next) && !day && !words_.isLabel(next) &&
         (sum || items_[begin].text.size() <= longest)) {
       const std::size_t end = words_.endOfCapitals(next);

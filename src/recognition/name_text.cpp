@@ -13,24 +13,24 @@ constexpr std::size_t longestName = 60;
 
 // Words in a bank's narration that are not names: "UPI/P2M/4249/ORCHID MART".
 constexpr auto channelWords = std::to_array<std::string_view>(
-    {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m", "p",    "a",
-     "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach", "ref",  "no",
-     "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr", "ftr",  "txn",
-     "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",  "iban", "vpa",
-     "inr",  "onl", "frm",  "ft",   "pmt",  "web",  "app", "ussd", "nip", "csh",  "cash",
-     "chq",  "mmt", "vps",  "ips",  "tpt",  "nach", "pur", "pymt"});
+    {"upi",  "cr",  "dr",   "imps", "neft", "rtgs", "p2p", "p2a",  "p2m",   "p",    "a",
+     "m",    "pos", "ecom", "atm",  "bil",  "inft", "mob", "ift",  "ach",   "ref",  "no",
+     "xutr", "tg",  "y",    "n",    "nfs",  "inb",  "ib",  "trf",  "tfr",   "ftr",  "txn",
+     "utr",  "rrn", "pay",  "card", "acct", "ac",   "to",  "from", "by",    "iban", "vpa",
+     "inr",  "onl", "frm",  "ft",   "pmt",  "web",  "app", "ussd", "nip",   "csh",  "cash",
+     "chq",  "mmt", "vps",  "ips",  "tpt",  "nach", "pur", "pymt", "purch", "prch"});
 
 // Words that say how money moved, not to whom. A name has another word beside them.
 constexpr auto commonWords = std::to_array<std::string_view>(
-    {"atm",     "transfer", "salary",      "loan",        "cash",   "withdrawal", "deposit",
-     "payment", "purchase", "airtime",     "mob",         "bk",     "banking",    "mobile",
-     "sms",     "charge",   "charges",     "fee",         "fees",   "emi",        "bank",
-     "online",  "app",      "smartapp",    "eft",         "net",    "internet",   "interest",
-     "rent",    "txn",      "refund",      "reversal",    "agent",  "it",         "of",
-     "us",      "them",     "merchant",    "cheque",      "check",  "savings",    "checking",
-     "self",    "others",   "رقم",         "transaction", "nil",    "na",         "vat",
-     "gst",     "tax",      "صراف",        "الصراف",      "ماكينه", "الماكينه",   "الي",
-     "الالي",   "الشباك",   "الاوتوماتيكي"});
+    {"type",        "maturity", "annual",     "tpe",      "atm",     "transfer", "salary",
+     "loan",        "cash",     "withdrawal", "deposit",  "payment", "purchase", "airtime",
+     "mob",         "bk",       "banking",    "mobile",   "sms",     "charge",   "charges",
+     "fee",         "fees",     "emi",        "bank",     "online",  "app",      "smartapp",
+     "eft",         "net",      "internet",   "interest", "rent",    "txn",      "refund",
+     "reversal",    "agent",    "it",         "of",       "us",      "them",     "merchant",
+     "cheque",      "check",    "savings",    "checking", "self",    "others",   "رقم",
+     "transaction", "nil",      "na",         "vat",      "gst",     "tax",      "صراف",
+     "الصراف",      "ماكينه",   "الماكينه",   "الي",      "الالي",   "الشباك",   "الاوتوماتيكي"});
 
 // Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
@@ -46,6 +46,12 @@ bool isCode(const Items& items, std::size_t begin, std::size_t end) {
 
 bool isChannelWord(std::string_view word) {
   return std::find(channelWords.begin(), channelWords.end(), word) != channelWords.end();
+}
+
+bool isOrdinaryWord(std::string_view word) {
+  constexpr auto words = std::to_array<std::string_view>(
+      {"card", "pay", "cash", "ref", "to", "from", "by", "no", "web", "app", "mob", "a"});
+  return std::ranges::find(words, word) != words.end();
 }
 
 bool isRemoteChannel(std::string_view word) {
@@ -151,10 +157,23 @@ std::string shownPayee(std::string_view name) {
   return line;
 }
 
+bool namesLoan(const Items& items, std::size_t begin, std::size_t end) {
+  constexpr std::size_t longestCode = 3;
+  std::size_t at = end;
+  while (at > begin && items[at - 1].text != "loan" && items[at - 1].text != "emi" &&
+         (items[at - 1].kind != Item::Kind::word || items[at - 1].text.size() <= longestCode ||
+          items[at - 1].text.find_first_not_of('x') == std::string::npos)) {
+    --at;
+  }
+  return at > begin && (items[at - 1].text == "loan" || items[at - 1].text == "emi");
+}
+
 bool namesFee(const Items& items, std::size_t begin, std::size_t end) {
   constexpr auto words =
       std::to_array<std::string_view>({"charge", "charges", "chgs", "chg", "fee", "fees", "vat"});
-  for (std::size_t at = begin; at <= end && at < items.size(); ++at) {
+  constexpr std::size_t near = 2;  // "Annual Debit Card Fee"
+  for (std::size_t at = begin; at <= end + near && at < items.size(); ++at) {
+    if (at > end && items[at].kind != Item::Kind::word) break;
     const bool word = std::ranges::find(words, items[at].text) != words.end();
     if (word && !items[at].named && !items[at].startsSentence) return true;
   }

@@ -19,6 +19,9 @@ std::string nameInNarration(const AnalysedMessage& message, std::size_t begin, s
 /// Whether `word` names the channel of a payment in a narration, such as "upi" or "pos".
 bool isChannelWord(std::string_view word);
 
+/// Whether `word` is a channel word that also begins names: "Card Factory", "Pay Less Shoes".
+bool isOrdinaryWord(std::string_view word);
+
 /// Whether `word` begins the name of a channel without a place: "Online Banking", "app".
 bool isRemoteChannel(std::string_view word);
 
@@ -31,5 +34,8 @@ std::string shownPayee(std::string_view name);
 /// Whether a word for a fee is among the items from `begin` to `end`, or is item `end`: "SMS &
 /// maintenance charge".
 bool namesFee(const Items& items, std::size_t begin, std::size_t end);
+
+/// Whether the items [`begin`, `end`) end with a loan and its code: "EMI of Home Loan HL 4410".
+bool namesLoan(const Items& items, std::size_t begin, std::size_t end);
 
 }  // namespace kivo::recognition

@@ -44,6 +44,21 @@ constexpr auto placesOfIncome =
     std::to_array<Place>({Place::wording, Place::label, Place::source, Place::agent, Place::shop,
                           Place::narration, Place::purpose, Place::date, Place::front});
 
+// The places of the agent who paid out cash. Elsewhere is the name of a machine or branch.
+constexpr auto placesOfWithdrawal = std::to_array<Place>(
+    {Place::wording, Place::label, Place::recipient, Place::narration, Place::purpose,
+     Place::behindSum, Place::agent, Place::source, Place::front});
+
+constexpr auto agents = std::to_array<std::string_view>(
+    {"agent", "agents", "agency", "agencies", "wakala", "agente", "l'agent", "وكيل", "الوكيل"});
+
+// Words for a cash machine.
+constexpr auto machines = std::to_array<std::string_view>(
+    {"atm",      "abm",       "gab",       "dab",       "cdm",      "صراف",      "الصراف",
+     "ماكينه",   "الماكينه",  "موزع",      "الموزع",    "الشباك",   "عابربانک",  "خودپرداز",
+     "bankomat", "bankomatu", "automat",   "automaten", "банкомат", "банкомата", "банкомате",
+     "cajero",   "bancomat",  "sportello", "multibanco"});
+
 std::optional<Place> placeOf(Marker marker) {
   switch (marker) {
     case Marker::label:
@@ -91,6 +106,33 @@ class Names {
   [[nodiscard]] std::string first() const {
     const auto places = kind_ == Kind::income ? std::span<const Place>(placesOfIncome)
                                               : std::span<const Place>(placesOfExpense);
+    std::string name = firstOf(places);
+    if (!name.empty()) return name;
+    const bool refund = kind_ == Kind::income && holds(message_.wordings, Move::refund);
+    return refund ? loneName(message_, footer_) : std::string();
+  }
+
+  [[nodiscard]] std::string agent() const {
+    if (says(agents)) return firstOf(placesOfExpense);
+    if (!says(machines) && !holds(message_.wordings, Move::machine)) {
+      return firstOf(placesOfWithdrawal);
+    }
+    constexpr std::string_view machine = " ATM";
+    for (const Place place : {Place::shop, Place::source}) {
+      std::string name = nameAt(place);
+      if (name.ends_with(machine)) return name;  // "OTP Bank ATM"
+    }
+    return {};
+  }
+
+ private:
+  [[nodiscard]] bool says(std::span<const std::string_view> words) const {
+    return std::ranges::any_of(items_, [&](const Item& item) {
+      return std::ranges::find(words, item.text) != words.end();
+    });
+  }
+
+  [[nodiscard]] std::string firstOf(std::span<const Place> places) const {
     for (const Place place : places) {
       std::string name = place == Place::alone       ? loneName(message_, footer_)
                          : place == Place::front     ? nameBeforeSum(message_)
@@ -98,11 +140,9 @@ class Names {
                                                      : nameAt(place);
       if (!name.empty()) return name;
     }
-    const bool refund = kind_ == Kind::income && holds(message_.wordings, Move::refund);
-    return refund ? loneName(message_, footer_) : std::string();
+    return {};
   }
 
- private:
   [[nodiscard]] std::string nameAt(Place place) const {
     for (const Found& wording : message_.wordings) {
       if (wording.begin >= footer_) break;
@@ -196,6 +236,7 @@ class Names {
     const Introduction introduced = marker == nullptr ? Introduction() : *marker;
     const std::size_t end = extent_.endOfName(begin, introduced);
     if (introduced == Marker::towards && namesFee(items_, begin, end)) return {};
+    if (introduced == Marker::towards && namesLoan(items_, begin, end)) return {};
     const std::string& word = items_[wording.begin].text;
     const bool cased = isAscii(word.front()) || names::caseOfFirst(word) != LetterCase::none;
     if (cased && !items_[begin].named && isProse(introduced, begin, end)) return {};
@@ -268,7 +309,9 @@ class Names {
     const bool slashes = std::any_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                      items_.begin() + static_cast<std::ptrdiff_t>(end),
                                      [](const Item& item) { return isMark(item, "/"); });
-    const bool channel = isChannelWord(items_[begin].text);
+    const bool channel =
+        isChannelWord(items_[begin].text) &&
+        !(items_[begin].named && introduced != Marker::info && isOrdinaryWord(items_[begin].text));
     const bool place = introduced == Marker::at || introduced == Marker::label;
     if ((slashes && (channel || !place)) ||
         (channel && (introduced == Marker::info || introduced == Marker::by ||
@@ -295,6 +338,10 @@ class Names {
 
 std::string payeeIn(const AnalysedMessage& message, Kind kind) {
   return Names(message, kind).first();
+}
+
+std::string agentIn(const AnalysedMessage& message) {
+  return Names(message, Kind::expense).agent();
 }
 
 }  // namespace kivo::recognition

@@ -13,4 +13,8 @@ namespace kivo::recognition {
 /// masked account and the person's own account are not payees.
 std::string payeeIn(const AnalysedMessage& message, money::Kind kind);
 
+/// The agent who paid out cash, or the bank's machine with a name of its own, "OTP Bank ATM"; empty
+/// when `message` names neither.
+std::string agentIn(const AnalysedMessage& message);
+
 }  // namespace kivo::recognition

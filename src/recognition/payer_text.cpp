@@ -17,7 +17,7 @@ std::optional<std::size_t> beginOf(const AnalysedMessage& message, const Capital
   const Items& items = message.items;
   std::size_t at = wording.end;
   while (at < items.size() && isMark(items[at], ":.-")) ++at;
-  if (!wording.is(Marker::reference)) return at;
+  if (wording.is(Marker::info)) return at;
   if (at >= items.size() || items[at].kind == Item::Kind::number) return std::nullopt;
   const bool code = words.isWord(at) && at + 1 < items.size() && items[at + 1].glued;
   return code ? std::nullopt : std::optional(at);
@@ -42,8 +42,9 @@ std::size_t endOf(const AnalysedMessage& message, const CapitalWords& words, std
 
 }  // namespace
 
-bool introducesPayerText(const Found& wording) {
-  return wording.is(Marker::info) || wording.is(Marker::reference);
+bool introducesPayerText(const AnalysedMessage& message, const Found& wording) {
+  return wording.is(Marker::info) || wording.is(Marker::reference) ||
+         (wording.is(Marker::ends) && message.items[wording.begin].text == "ref");
 }
 
 PayerText payerTextBehind(const AnalysedMessage& message, const CapitalWords& words,
@@ -64,7 +65,8 @@ PayerText payerTextBehind(const AnalysedMessage& message, const CapitalWords& wo
     if (found == nullptr) continue;
     const Move* const move = found->as<Move>();
     const bool verb = move != nullptr && movementOf(*move).strength >= Strength::verb;
-    if (movesElsewhere && (verb || found->as<Status>() != nullptr)) {
+    const bool forges = verb || found->as<Status>() != nullptr || (stated && holdsSum);
+    if (movesElsewhere && forges && (move != nullptr || found->as<Status>() != nullptr)) {
       text.places.push_back({at, found->end, found->end});
     } else if (!movesElsewhere && move != nullptr && stated && holdsSum) {
       text.places.push_back({at, at, found->end});

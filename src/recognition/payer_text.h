@@ -10,8 +10,8 @@
 
 namespace kivo::recognition {
 
-/// Whether a text that the payer wrote follows `wording`.
-bool introducesPayerText(const Found& wording);
+/// Whether a text that the payer wrote follows `wording` of `message`.
+bool introducesPayerText(const AnalysedMessage& message, const Found& wording);
 
 /// A text that the payer wrote.
 struct PayerText {

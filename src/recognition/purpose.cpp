@@ -21,6 +21,7 @@ struct KnownPurpose {
 // By a folded word of the message.
 constexpr auto knownPurposes = std::to_array<KnownPurpose>({
     {"loan", "Loan payment", "Loan"},
+    {"mortgage", "Loan payment", "Loan"},
     {"installment", "Loan payment", "Loan"},
     {"instalment", "Loan payment", "Loan"},
     {"emi", "Loan payment", "Loan"},
@@ -32,6 +33,11 @@ constexpr auto knownPurposes = std::to_array<KnownPurpose>({
     {"premium", "Insurance", "Insurance"},
     {"electricity", "Electricity", "Utilities"},
     {"water", "Water", "Utilities"},
+    {"كهرباء", "Electricity", "Utilities"},
+    {"umeme", "Electricity", "Utilities"},
+    {"listrik", "Electricity", "Utilities"},
+    {"الهاتف", "Phone top-up", "Phone"},
+    {"pulsa", "Phone top-up", "Phone"},
     {"rent", "Rent", "Rent"},
     {"maintenance", "Bank fee", "Fees"},
     {"charge", "", "Fees"},
@@ -40,10 +46,17 @@ constexpr auto knownPurposes = std::to_array<KnownPurpose>({
     {"chrg", "", "Fees"},
     {"fee", "", "Fees"},
     {"fees", "", "Fees"},
+    {"levy", "", "Fees"},
+    {"مصاريف", "", "Fees"},
+    {"رسوم", "", "Fees"},
+    {"عموله", "", "Fees"},
 });
 
 // Words of a salary that a longer wording may cover: "تم إضافة مرتبكم بمبلغ 9,000 إلى حسابكم".
-constexpr auto salaries = std::to_array<std::string_view>({"مرتب", "راتب"});
+constexpr auto salaries = std::to_array<std::string_view>(
+    {"مرتب", "راتب", "اجره", "salary", "payroll", "wages", "salaire", "gehalt", "sueldo", "nomina",
+     "salario", "stipendio", "maas", "gaji", "wynagrodzeni", "зарплат", "заробітн", "жалақы",
+     "mshahara"});
 
 // Words that say no more than that money moved, or whose.
 constexpr auto generic =
@@ -197,6 +210,14 @@ class NounPhrase {
 
 }  // namespace
 
+bool speaksOfSalary(const AnalysedMessage& message) {
+  return std::ranges::any_of(message.items, [](const Item& item) {
+    return !item.named && std::ranges::any_of(salaries, [&](std::string_view word) {
+      return item.text.starts_with(word);
+    });
+  });
+}
+
 Purpose purposeOf(const AnalysedMessage& message, const Movement& naming) {
   constexpr auto plain =
       std::to_array<Move>({Move::paid, Move::payment, Move::debited, Move::debit, Move::fee,
@@ -205,13 +226,9 @@ Purpose purposeOf(const AnalysedMessage& message, const Movement& naming) {
   if (std::ranges::find(plain, naming.move) != plain.end()) {
     purpose.description = NounPhrase(message).found();
   }
-  const bool salary =
-      naming.kind == Kind::income && std::ranges::any_of(message.items, [](const Item& item) {
-        return !item.named && std::ranges::any_of(salaries, [&](std::string_view word) {
-          return item.text.starts_with(word);
-        });
-      });
-  if (salary) return {.description = "Salary", .category = "Salary"};
+  if (naming.kind == Kind::income && speaksOfSalary(message)) {
+    return {.description = "Salary", .category = "Salary"};
+  }
   if (naming.kind != Kind::expense || !naming.category.empty()) return purpose;
   for (const Item& item : message.items) {
     const auto* const known = std::ranges::find(knownPurposes, item.text, &KnownPurpose::word);

@@ -17,6 +17,9 @@ struct Purpose {
   std::string_view category = {};
 };
 
+/// Whether `message` has a word for a salary outside of names.
+bool speaksOfSalary(const AnalysedMessage& message);
+
 /// The purpose of the payment in `message`, which `naming` describes: by the words behind
 /// "towards", "for" or a label such as "Info:", in front of "of EGP 50.00", or in front of
 /// "debited"; else by a word such as "installment". Empty when `naming` says more than that money

@@ -70,7 +70,9 @@ std::optional<Money> balanceOf(const AnalysedMessage& message, const Item& sum,
   return balance;
 }
 
-std::string categoryOf(const Movement& naming, const std::string& payee) {
+std::string categoryOf(const Movement& movement, const Movement& named, const std::string& payee) {
+  // A fee beside a payment to somebody does not name the payment.
+  const Movement& naming = named.move == Move::fee && !payee.empty() ? movement : named;
   // Cash is cash wherever the machine is, in a mall or at a petrol station.
   const bool fixed = naming.kind != Kind::expense || payee.empty() || naming.category == "Cash";
   std::string_view category = fixed                           ? std::string_view()
@@ -88,6 +90,16 @@ Reading unexplained(const Sum& sum, const CurrencyCode& bookCurrency) {
           .category = "Other"};
 }
 
+// Whether the money was withdrawn in cash. "Withdrawn" may also report a purchase, and so may a
+// card whose name says that it is for cash machines.
+bool isWithdrawal(const AnalysedMessage& message, const Movement& movement,
+                  const Movement& naming) {
+  const bool bought =
+      holds(message.wordings, Move::purchase) || holds(message.wordings, Move::spent);
+  const bool cash = naming.move != Move::machine || movement.move == Move::machine;
+  return naming.category == "Cash" && cash && !bought;
+}
+
 // The transaction that the message reports by `movement`; one of `sums` moved. The caller decides
 // whether it needs a review.
 Reading details(const AnalysedMessage& message, const SumParts& sums, const Movement& movement,
@@ -99,9 +111,15 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
     reading.balance = balanceOf(message, message.items[*sums.balance], bookCurrency);
   }
   const bool other = movement.kind != Kind::transfer;
-  if (other) reading.payee = payeeIn(message, movement.kind);
+  if (other) {
+    reading.payee = isWithdrawal(message, movement, naming) ? agentIn(message)
+                                                            : payeeIn(message, movement.kind);
+  }
   reading.description = reading.payee.empty() ? naming.description : reading.payee;
-  reading.category = categoryOf(naming, reading.payee);
+  reading.category = categoryOf(movement, naming, reading.payee);
+  const bool salary = movement.kind == Kind::income && movement.move != Move::refund &&
+                      !reading.payee.empty() && speaksOfSalary(message);
+  if (salary) reading.category = "Salary";
   if (other && reading.payee.empty()) {
     Purpose purpose = purposeOf(message, naming);
     if (!purpose.description.empty()) reading.description = std::move(purpose.description);

@@ -1,6 +1,8 @@
 #include "recognition/reported_movement.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 #include "recognition/reported_part.h"
 
@@ -23,6 +25,15 @@ bool isFollowedByName(const AnalysedMessage& message, std::size_t index) {
   return index + 1 == wordings.size() || wordings[index + 1].begin != behind;
 }
 
+// Whether the wording with this index labels a shop: "Merchant: Fern Books".
+bool labelsShop(const AnalysedMessage& message, std::size_t index) {
+  constexpr auto words =
+      std::to_array<std::string_view>({"merchant", "shop", "store", "التاجر", "المتجر"});
+  const Found& wording = message.wordings[index];
+  return wording.is(Marker::label) && message.items[wording.begin].startsSentence &&
+         std::ranges::find(words, message.items[wording.begin].text) != words.end();
+}
+
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
 // "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a
 // wording of a movement, the marker in front of the payee tells the direction.
@@ -32,6 +43,7 @@ const Movement* movementByPlace(const AnalysedMessage& message) {
   if (own && holds(wordings, Status::done)) return &movementOf(Move::transaction);
   if (!holds(wordings, SumRole::limit) && !showsEvidence(message)) return nullptr;
   for (std::size_t index = 0; index < wordings.size(); ++index) {
+    if (own && labelsShop(message, index)) return &movementOf(Move::transaction);
     const bool out = wordings[index].is(Marker::at) || wordings[index].is(Marker::to);
     const bool in = wordings[index].is(Marker::from) && own;
     const bool ownSide = index + 1 < wordings.size() && wordings[index + 1].is(Marker::own) &&

@@ -181,8 +181,10 @@ class SumReader {
   [[nodiscard]] Extent extentAt(std::size_t number) const {
     Extent extent = spacedExtent(number);
     const bool multiplied = isMultiplied(extent.last + 1);
-    const auto after = behind(multiplied ? extent.last + 1 : extent.last);
-    extent.unclear = extent.unclear || multiplied || isPartOfNumber(items_, number, extent.last);
+    const bool piece = isPartOfNumber(items_, number, extent.last) && !isBehindCode(number);
+    auto after = behind(multiplied ? extent.last + 1 : extent.last);
+    if (extent.currency && after && beginsName(*after)) after.reset();
+    extent.unclear = extent.unclear || multiplied || piece;
     constexpr std::size_t oneCode = 3;
     const bool settles = extent.currency && after && extent.currency->codes.size() > oneCode &&
                          extent.currency->mayBe(after->codes);  // "$500 MXN"
@@ -205,7 +207,7 @@ class SumReader {
     if (!stated && (item.isPiece || !isBareSum(number))) return item;
     // A number within a word is a sum only if the currency is in front of it or glued to it.
     const bool apart = stated && stated->begin > number && !items_[stated->begin].glued;
-    if (item.isPiece && apart && !extent.unclear) return item;
+    if (item.isPiece && apart && !extent.unclear && !isBehindCode(number)) return item;
     if (stated && stated->begin > number && isInCode(number)) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
@@ -233,6 +235,20 @@ class SumReader {
                       (next + 1 == items_.size() || !items_[next + 1].glued ||
                        items_[next + 1].kind == Item::Kind::lineBreak);
     return sign ? items_[next].text.front() : '\0';
+  }
+
+  // "R640.00 RAND VALUE TYRES": behind a sum with its currency, the name of one is a shop's.
+  [[nodiscard]] bool beginsName(const StatedCurrency& stated) const {
+    constexpr std::size_t code = 3;
+    const Item& word = items_[stated.begin];
+    return word.capitals && word.text.size() > code && stated.end < items_.size() &&
+           items_[stated.end].capitals && !items_[stated.end].startsSentence;
+  }
+
+  // "*165*S*6000 RWF transferred": the code of a service is in front of the number.
+  [[nodiscard]] bool isBehindCode(std::size_t number) const {
+    return number >= 3 && isMark(items_[number - 1], "*") && items_[number - 2].text.size() == 1 &&
+           items_[number - 2].kind == Item::Kind::word && isMark(items_[number - 3], "*");
   }
 
   // "UFA5LL02QR" is a reference.

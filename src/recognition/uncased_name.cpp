@@ -15,7 +15,11 @@ class UncasedName {
  public:
   UncasedName(const AnalysedMessage& message, const CapitalWords& words, const Found& introduction,
               std::size_t begin)
-      : items_(message.items), words_(words), introduction_(introduction), begin_(begin) {}
+      : items_(message.items),
+        words_(words),
+        bought_(holds(message.wordings, Move::purchase)),
+        introduction_(introduction),
+        begin_(begin) {}
 
   [[nodiscard]] std::vector<NamePlace> places() const {
     std::vector<NamePlace> found;
@@ -32,7 +36,8 @@ class UncasedName {
   // "AT DENIED JEANS": the wordings in front of a word that is none.
   [[nodiscard]] std::size_t endOfFirstWordings() const {
     const bool shop = introduction_.is(Marker::at) || introduction_.is(Marker::label) ||
-                      introduction_.is(Move::purchase);
+                      introduction_.is(Move::purchase) ||
+                      (introduction_.is(Marker::from) && bought_);
     std::size_t end = begin_;
     while (end < items_.size() && words_.wordingAt(end) != nullptr &&
            (end == begin_ || !items_[end].startsSentence)) {
@@ -52,8 +57,12 @@ class UncasedName {
     std::size_t at = begin_ + 1;
     const bool shop = isShopWord(items_[begin_].text);
     if (shop && words_.isWord(at) && !words_.isInWording(at) && !items_[at].startsSentence) ++at;
+    if (at + 1 < items_.size() && items_[at].text == "د" && isMark(items_[at + 1], ".")) at += 2;
     while (const auto end = endOfPart(at, shop)) {
-      found.push_back({at, *end, *end});
+      const Found& wording = *words_.wordingAt(at);
+      const bool told = !items_[at].text.starts_with(article) &&
+                        (wording.is(Status::declined) || wording.is(Move::refund));
+      found.push_back({at, told ? at : *end, *end});
       at = *end;
     }
   }
@@ -76,7 +85,8 @@ class UncasedName {
     }
     if (wording->as<SumRole>() != nullptr) return end;
     const bool noun = wording->is(Status::code) || wording->is(Status::offer) ||
-                      (next && (wording->is(Status::notYet) || wording->is(Status::planned)));
+                      (next && (wording->is(Status::notYet) || wording->is(Status::planned) ||
+                                wording->is(Status::declined) || wording->is(Move::refund)));
     return noun ? std::optional(end) : std::nullopt;
   }
 
@@ -107,6 +117,7 @@ class UncasedName {
 
   const Items& items_;
   const CapitalWords& words_;
+  const bool bought_;
   const Found& introduction_;
   const std::size_t begin_;
 };

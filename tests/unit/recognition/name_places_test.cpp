@@ -204,5 +204,64 @@ TEST(AnOutcome, BehindANameIsNotBooked) {
             Outcome::transaction);
 }
 
+TEST(AName, BetweenAndAndCreditedMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingOf("Your a/c XX12 is debited for EGP 50.00 on 12-11-26 and Denied Jeans "
+                      "credited. UPI:63112"),
+            "expense 50.00 | Denied Jeans");
+}
+
+TEST(AName, MayHoldALabelsWordAmongItsCapitals) {
+  EXPECT_EQ(readingOf("EGP 50.00 charged to your card 12 at LAST CALL PROMO BAR on 11/13/26"),
+            "expense 50.00 | LAST CALL PROMO BAR");
+  EXPECT_EQ(readingOf("EGP 50.00 spent at GIVE AND GO ON card 12"),
+            "expense 50.00 | GIVE AND GO ON");
+}
+
+TEST(AName, MayBeginWithAPrepositionsObject) {
+  EXPECT_EQ(readingOf("You paid EGP 50.00 to Block Party using card 12"),
+            "expense 50.00 | Block Party");
+  EXPECT_EQ(readingOf("EGP 50.00 was spent at Dear John Pub on 12-11-26 with card 12"),
+            "expense 50.00 | Dear John Pub");
+}
+
+TEST(AName, MayBeginWithAnOrdinalOrAPercentage) {
+  EXPECT_EQ(readingOf("Purchase of EGP 50.00 at 3RD NOTICE BOOKS with card 12"),
+            "expense 50.00 | 3RD NOTICE BOOKS");
+  EXPECT_EQ(readingOf("Purchase of EGP 50.00 at 50% OFF DONUTS with card 12"),
+            "expense 50.00 | 50% OFF DONUTS");
+}
+
+TEST(AName, MayBeginWithTheNameOfACurrency) {
+  EXPECT_EQ(
+      readingText(read("Purchase R640.00 RAND VALUE FUELS; Card 881; Avail Bal R218.90", "ZAR"),
+                  "ZAR", true),
+      "expense 640.00 | RAND VALUE FUELS");
+}
+
+TEST(AName, BehindASumEndsInFrontOfTheCard) {
+  EXPECT_EQ(readingOf("Trx approved: EGP 42.00 OFFER 7 MALL card **2210 15/11/26 16:00"),
+            "expense 42.00 | OFFER 7 MALL");
+}
+
+TEST(AName, InChineseMayHoldTheWordsOfABank) {
+  EXPECT_EQ(readingText(read("您尾号4410的储蓄卡在余额面馆消费人民币45.00元", "CNY"), "CNY", true),
+            "expense 45.00 | 余额面馆");
+}
+
+TEST(AnArabicName, OnItsLineMayHoldTheWordsOfABank) {
+  EXPECT_EQ(readingOf("شراء\nلدى محلات استرداد للأثاث\nمبلغ 35.00 جنيه\nالرصيد 210.00 جنيه"),
+            "expense 35.00 | محلات استرداد للأثاث");
+}
+
+TEST(AnArabicName, ThatMayBeAnOutcomeIsForReview) {
+  EXPECT_EQ(readingOf("تم استخدام بطاقتك **12 بمبلغ 23.00 جنيه عند كافيه مرفوض يوم 12/11"),
+            "review 23.00 | كافيه مرفوض");
+}
+
+TEST(AnOutcome, InFrontOfANameOnASlipIsForReview) {
+  EXPECT_EQ(readingOf("EGP 50.00 PURCHASE DECLINED DINER CARD **9920 BAL EGP 402.10").substr(0, 6),
+            "review");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

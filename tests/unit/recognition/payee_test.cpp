@@ -237,5 +237,28 @@ TEST(AName, IsNoChannel) {
       "J SHIKONGO");
 }
 
+TEST(AWithdrawal, HasNoPayeeButAnAgentOrANamedMachine) {
+  EXPECT_EQ(payeeOf("EGP 500.00 withdrawn at FERN ATM LEKKI PH1 with card 12"), "");
+  EXPECT_EQ(payeeOf("EGP 500.00 withdrawn from card 12 at CITY BRANCH"), "");
+  EXPECT_EQ(payeeOf("Cash withdrawal of EGP 500.00 at Heron Bank ATM using card 12"),
+            "Heron Bank ATM");
+  EXPECT_EQ(payeeOf("Confirmed. Withdraw EGP 500.00 from 22110 - KARIBU PHONES. Balance EGP 9.00"),
+            "KARIBU PHONES");
+}
+
+TEST(ALoan, IsNoPayee) {
+  EXPECT_EQ(payeeOf("EGP 500.00 debited from card 12 for Auto Loan AL 88123"), "");
+  EXPECT_EQ(payeeOf("EGP 500.00 debited from card 12 for Loan Star Grill"), "Loan Star Grill");
+}
+
+TEST(AName, InCapitalsEndsInFrontOfASmallWord) {
+  EXPECT_EQ(payeeOf("EGP 50.00 paid at SEN COFFEE luc 21:15"), "SEN COFFEE");
+}
+
+TEST(AName, MayBeginWithTheWordOfAChannel) {
+  EXPECT_EQ(payeeOf("EGP 50.00 debited from card 12 towards Card Factory on 12-11-26"),
+            "Card Factory");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

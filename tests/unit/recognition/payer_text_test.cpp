@@ -43,5 +43,17 @@ TEST(APayersText, MayHoldTheOnlySum) {
             "expense 60.00 | Fern Mart");
 }
 
+TEST(APayersText, BehindRefForgesNothing) {
+  EXPECT_EQ(readingOf("EGP 45.00 paid from a/c..12 @ FERN SHOP. Ref.DECLINED PAYMENT RETURNED EGP "
+                      "1200. Avail EGP 880.10"),
+            "expense 45.00 | FERN SHOP");
+}
+
+TEST(APayersText, ForgesNoIncomeWithANounAndASum) {
+  EXPECT_EQ(readingOf("IMPS txn of EGP 20.00 from A/c XX12 to OMAR F is successful on 07-11-26. "
+                      "Remarks: SALARY CREDIT EGP 9,000.00 NOV"),
+            "expense 20.00 | OMAR F");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

@@ -121,7 +121,7 @@ TEST(AnArabicCardPayment, MayBeSpreadOverLabelledLines) {
 TEST(AnATMWithdrawal, IsCash) {
   EXPECT_EQ(of("Cash withdrawal of EGP 2,000 from your account ****5566 at ATM Nilo Bank Maadi on "
                "12-MAY-2026. Balance EGP 7,500.00"),
-            "expense 2000.00 | ATM Nilo Bank Maadi | Cash");
+            "expense 2000.00 | Cash withdrawal | Cash");
   EXPECT_EQ(of("تم سحب 1000 ج.م من حسابك. الرصيد: 5000 ج.م"),
             "expense 1000.00 | Cash withdrawal | Cash");
 }
@@ -269,6 +269,17 @@ TEST(APayment, ToNobodyKeepsItsPlainDescriptionBehindPlainWords) {
             "expense 650.00 | Payment | Other");
   EXPECT_EQ(of("A deposit of EGP 650 was credited to your account XX18 on 03/02/2026"),
             "income 650.00 | Deposit | Income");
+}
+
+TEST(AMerchantsLabel, TellsThatACardPaid) {
+  EXPECT_EQ(of("Merchant: Fern Books\nAmount: EGP 50.00\nCard: *1234\nDate: 11/12/2026"),
+            "expense 50.00 | Fern Books | Shopping");
+}
+
+TEST(AFee, BesideAPaymentIsNotItsCategory) {
+  EXPECT_EQ(of("Payment made for EGP 55.00 to Auntie Muni. Current Balance: EGP 210.75. Fee "
+               "charged: EGP 0.00."),
+            "expense 55.00 | Auntie Muni | Other");
 }
 
 }  // namespace

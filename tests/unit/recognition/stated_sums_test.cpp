@@ -417,5 +417,13 @@ TEST(ABalance, IsAboveZeroBehindAHyphenThatDivides) {
   }
 }
 
+TEST(ASum, MayFollowTheCodeOfAService) {
+  EXPECT_EQ(readingText(read("*165*S*6000 RWF transferred to MARIE UWASE from 36521. Fee was: 100 "
+                             "RWF. New balance: 12500 RWF",
+                             "RWF"),
+                        "RWF", false),
+            "expense 6000");
+}
+
 }  // namespace
 }  // namespace kivo::recognition
