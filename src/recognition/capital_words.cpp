@@ -93,6 +93,7 @@ bool CapitalWords::isLabel(std::size_t at) const {
   const Found* const wording = at_[at];
   if (wording == nullptr) return false;
   const bool own = wording->is(Marker::own);
+  const bool latin = static_cast<unsigned char>(items_[at].text.front()) < 0x80;
   const bool colon = isMark(items_[wording->end - 1], ":") ||
                      (wording->end < items_.size() && isMark(items_[wording->end], ":"));
   if (colon) return true;
@@ -105,7 +106,7 @@ bool CapitalWords::isLabel(std::size_t at) const {
   while (next < items_.size() &&
          (isMark(items_[next], ":.-#*()") || isOneOf(items_[next].text, labelTails) ||
           (at_[next] != nullptr && at_[next]->as<SumRole>() != nullptr &&
-           !isMark(items_[next], ":")))) {
+           !isMark(items_[next], ":") && (latin || !at_[next]->is(SumRole::amount))))) {
     next = std::max(next + 1, at_[next] == nullptr ? 0 : at_[next]->end);
   }
   if (next >= items_.size()) return true;
@@ -117,6 +118,11 @@ bool CapitalWords::isLabel(std::size_t at) const {
       items_[next + 1].capitals && at_[next + 1] == nullptr && !isMonth(items_, next + 1)) {
     return false;
   }
+  // "مطعم الرصيد 12/11"
+  const bool date = item.isPiece && (wording->as<SumRole>() != nullptr || own) && !latin &&
+                    next + 1 < items_.size() && isMark(items_[next + 1], "/-") &&
+                    items_[next + 1].glued;
+  if (date) return false;
   if (item.kind == Item::Kind::number || item.kind == Item::Kind::sum) return true;
   if (item.kind == Item::Kind::mark && item.text.size() > 1) return true;  // "••••1234"
   // "Due Date Fruits", "STOP AND SHOP"
@@ -145,7 +151,8 @@ bool CapitalWords::isPrepositionInCapitals(std::size_t at) const {
 bool CapitalWords::isAmongCapitals(std::size_t at, std::size_t begin) const {
   const Found& wording = *at_[at];
   const std::size_t next = wording.end;
-  const bool word = wording.is(Marker::ends) || wording.is(Marker::footer);
+  const bool word =
+      wording.is(Marker::ends) || wording.is(Marker::footer) || wording.is(Marker::towards);
   if (!word || at == begin || !isCapital(begin)) return false;
   if (wording.is(Marker::ends) && items_[at].capitals && items_[at - 1].capitals &&
       items_[begin].capitals && isSmall(next) && at_[next] != nullptr &&

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "recognition/number_pieces.h"
+
 namespace kivo::recognition {
 namespace {
 
@@ -29,13 +31,11 @@ class FieldNames {
       const bool number = items_[begin].kind == Item::Kind::number && !items_[begin].isPiece;
       if (!words_.isCapital(begin) && !(number && words_.isCapital(begin + 1))) continue;
       const Found* const first = words_.wordingAt(begin);  // "To FAHAD OMAR", "TRF TO FATIMA BELLO"
-      if (first != nullptr && (first->as<Marker>() != nullptr ||
-                               (first->as<Move>() != nullptr && first->end > begin + 1))) {
-        continue;
-      }
+      if (first != nullptr && introduces(*first)) continue;
       const bool front = begin == 0 || items_[begin].startsSentence;
       if (!front && !isMark(items_[begin - 1], ",;|:") && !words_.isDash(begin - 1) &&
-          items_[begin - 1].text != "·" && items_[begin - 1].kind != Item::Kind::sum) {
+          !isSlash(begin - 1) && items_[begin - 1].text != "·" &&
+          items_[begin - 1].kind != Item::Kind::sum) {
         continue;
       }
       const std::size_t end = words_.endOfCapitals(number ? begin + 1 : begin);
@@ -54,18 +54,49 @@ class FieldNames {
   }
 
  private:
+  // Whether item `at` is a "/" between blanks, or within a narration in front of the sum.
+  [[nodiscard]] bool isSlash(std::size_t at) const {
+    if (!isMark(items_[at], "/")) return false;
+    const bool apart = !items_[at].glued && at + 1 < items_.size() && !items_[at + 1].glued;
+    const bool narration = at > 0 && items_[at - 1].kind == Item::Kind::number &&
+                           items_[at - 1].text.size() > 4;  // "UPI/DR/630922/Fern Mart: INR 5.00"
+    return apart || narration;
+  }
+
+  // Whether `wording` is in front of a name rather than part of one.
+  [[nodiscard]] bool introduces(const Found& wording) const {
+    constexpr auto prepositions = std::to_array<std::string_view>({"to", "from", "at", "by"});
+    if (std::ranges::find(prepositions, items_[wording.begin].text) != prepositions.end()) {
+      return true;
+    }
+    if (wording.as<Move>() != nullptr) return wording.end > wording.begin + 1;
+    if (wording.as<Marker>() == nullptr) return false;
+    // "EGP 57.80, CALL CENTRE CAFE, 12/11"
+    const bool word = wording.is(Marker::ends) || wording.is(Marker::footer) ||
+                      wording.is(Marker::reference) || wording.is(Marker::info);
+    const bool field = wording.begin > 0 && isSlash(wording.begin - 1);
+    return !word || !(items_[wording.begin].capitals || field) || isMonth(items_, wording.end) ||
+           !words_.isCapital(wording.end) || words_.wordingAt(wording.end) != nullptr;
+  }
+
   // Whether a wording in front of item `begin` or from item `end` on reports a movement.
   [[nodiscard]] bool movesOutside(std::size_t begin, std::size_t end) const {
     return firstMove_ != nullptr && (firstMove_->end <= begin || lastMove_->begin >= end);
   }
 
-  // "Debit Alert", "Heron Bank Card"
+  // "Debit Alert", "Heron Bank Card", but not "BILL PAYMENT CENTRE"
   [[nodiscard]] bool isHeading(std::size_t begin, std::size_t end) const {
     constexpr auto words = std::to_array<std::string_view>(
         {"alert", "notice", "notification", "bank", "card", "account", "transaction", "transfer",
          "payment", "purchase"});
+    constexpr auto everywhere = std::to_array<std::string_view>({"alert", "bank"});
+    const bool behindSum =
+        begin > 0 && items_[begin].capitals &&
+        (items_[begin - 1].kind == Item::Kind::sum || isMark(items_[begin - 1], ","));
     for (std::size_t at = begin; at < end; ++at) {
-      if (std::ranges::find(words, items_[at].text) != words.end()) return true;
+      const bool counts = !behindSum || at + 1 == end ||
+                          std::ranges::find(everywhere, items_[at].text) != everywhere.end();
+      if (counts && std::ranges::find(words, items_[at].text) != words.end()) return true;
     }
     return false;
   }
@@ -85,15 +116,20 @@ class FieldNames {
     if (behindSum && next != nullptr && next->is(Marker::from) && words_.isSmall(end)) {
       return !words_.isOutcome(begin);  // "EGP 50.00 Declined Fern Mart from card 12"
     }
-    if (behindSum && next != nullptr && !(first != nullptr && first->as<Move>() != nullptr) &&
+    const bool verb = first != nullptr && first->as<Move>() != nullptr &&
+                      !(words_.isCapital(first->end) && words_.wordingAt(first->end) == nullptr);
+    if (behindSum && next != nullptr && !verb &&
         (next->is(Marker::own) || next->is(SumRole::balance) || next->is(SumRole::limit))) {
       return true;  // "EGP 420.00 OFFER MALL card 12"
     }
     if (!front && isMark(item, ".") && end + 1 < items_.size() && items_[end + 1].startsSentence) {
       return true;
     }
-    return !front && (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
-                      isMark(item, ",;|") || item.text == "·" || words_.isDash(end));
+    return !front &&
+           (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
+            isMark(item, ",;|") || item.text == "·" || words_.isDash(end) || isSlash(end) ||
+            (isMark(item, ":") && isMark(items_[begin - 1], "/") && end + 1 < items_.size() &&
+             items_[end + 1].kind == Item::Kind::sum));
   }
 
   const Items& items_;

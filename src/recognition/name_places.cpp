@@ -28,9 +28,18 @@ class NamePlaces {
 
   std::vector<NamePlace> all() {
     append(quotedNames(message_));
-    std::size_t payerTextEnd = 0;
     for (const Found& wording : message_.wordings) {
       if (namesItsSubject(wording)) addInFront(wording);
+    }
+    const std::vector<NamePlace> subjects = places_;
+    const auto isSubject = [&](const Found& wording) {
+      return std::ranges::any_of(subjects, [&](const NamePlace& place) {
+        return place.begin <= wording.begin && wording.end <= place.end;
+      });
+    };
+    std::size_t payerTextEnd = 0;
+    for (const Found& wording : message_.wordings) {
+      if (isSubject(wording)) continue;
       if (introducesPayerText(message_, wording) && wording.begin >= payerTextEnd) {
         const PayerText text = payerTextBehind(message_, words_, wording);
         payerTextEnd = text.end;
@@ -58,15 +67,23 @@ class NamePlaces {
  private:
   [[nodiscard]] bool introduces(const Found& wording) const {
     const Marker* const marker = wording.as<Marker>();
-    if (marker == nullptr) return wording.payeeFollows || endsWithFrom(wording);
+    if (marker == nullptr) {
+      return wording.payeeFollows || endsWithFrom(wording) || endsWithTo(wording);
+    }
     return *marker == Marker::at || *marker == Marker::to || *marker == Marker::from ||
            *marker == Marker::label || *marker == Marker::by || *marker == Marker::towards ||
-           (*marker == Marker::info && wording.payeeFollows);
+           ((*marker == Marker::info || *marker == Marker::own) && wording.payeeFollows);
   }
 
   // "Transfer from"
   [[nodiscard]] bool endsWithFrom(const Found& wording) const {
     return wording.end > wording.begin && items_[wording.end - 1].text == "from";
+  }
+
+  // "paid to"
+  [[nodiscard]] bool endsWithTo(const Found& wording) const {
+    return wording.end > wording.begin + 1 && wording.as<Move>() != nullptr &&
+           items_[wording.end - 1].text == "to";
   }
 
   // "KD 11.250 PURCHASE MINIMUM DUE CAFE", "POS purchase PICK N PAY"
@@ -159,18 +176,22 @@ class NamePlaces {
   // "to Your Corner Shop", "at Block Party": a longer wording of a preposition and a capital.
   void addBehindPreposition(const Found& wording) {
     constexpr auto prepositions = std::to_array<std::string_view>({"to", "at", "from", "by"});
-    const std::size_t begin = wording.begin + 1;
-    if (wording.end != begin + 1 || wording.as<Move>() != nullptr ||
-        std::ranges::find(prepositions, items_[wording.begin].text) == prepositions.end()) {
+    if (wording.end < wording.begin + 2) return;
+    const std::size_t begin = wording.end - 1;
+    const bool your = items_[begin].text == "your";
+    if ((begin != wording.begin + 1 && !your) || (wording.as<Move>() != nullptr && !your) ||
+        std::ranges::find(prepositions, items_[begin - 1].text) == prepositions.end()) {
       return;
     }
-    const bool apart = words_.isSmall(wording.begin) || items_[wording.begin].startsSentence;
+    const bool apart = words_.isSmall(begin - 1) || items_[begin - 1].startsSentence;
     if (!apart || !words_.isCapital(begin) || !words_.isCapital(wording.end) ||
         words_.isLabel(wording.end) || words_.isNoun(wording.end)) {
       return;
     }
     const std::size_t end = words_.endOfCapitals(wording.end);
-    if (words_.hasOwnWord(wording.end, end)) add(begin, end, end);
+    const Found* const next = words_.wordingAt(wording.end);
+    const bool shop = your && next != nullptr && next->as<Status>() != nullptr;
+    if (shop || words_.hasOwnWord(wording.end, end)) add(begin, end, end);
   }
 
   void addBehind(const Found& wording) {
@@ -184,7 +205,9 @@ class NamePlaces {
     if (words_.wordingAt(begin) != nullptr && words_.wordingAt(begin)->is(Marker::label))
       begin = words_.wordingAt(begin)->end;
     if (begin >= items_.size() ||
-        (words_.wordingAt(begin) != nullptr && words_.wordingAt(begin)->is(Move::machine)))
+        (words_.wordingAt(begin) != nullptr && words_.wordingAt(begin)->is(Move::machine) &&
+         !(wording.is(Marker::towards) && words_.isCapital(begin + 1) &&
+           words_.wordingAt(begin + 1) == nullptr)))
       return;
     if (items_[begin].text.find_first_not_of('x') == std::string::npos) return;  // "XX7719"
     const bool small = !isInCapitals(wording);
@@ -251,6 +274,15 @@ class NamePlaces {
     return false;
   }
 
+  // "paid to FERN WATER acc 14220077812": the account of the other side.
+  [[nodiscard]] bool isLongAccount(std::size_t at) const {
+    constexpr std::size_t shortest = 8;
+    const std::size_t number = words_.wordingAt(at)->end;
+    return words_.wordingAt(at)->is(Marker::own) && number < items_.size() &&
+           items_[number].kind == Item::Kind::number && !items_[number].isPiece &&
+           items_[number].text.size() >= shortest;
+  }
+
   void addCapitals(std::size_t begin, bool shop) {
     std::size_t end = words_.endOfCapitals(begin);
     // "Declined $0.00 Inc", "KIOSK 5 USD 7500 RETURNED"
@@ -264,7 +296,7 @@ class NamePlaces {
     const bool date = end <= begin + 3 && items_[end - 1].isPiece;              // "AUG-26"
     const bool initial = date || items_[begin].end - items_[begin].begin == 1;  // "A new store"
     if ((end == begin + 1 || date) && (initial || isPronoun(items_[begin].text))) return;
-    if (!shop && words_.isSmall(end) && words_.isNoun(end))
+    if (!shop && words_.isSmall(end) && words_.isNoun(end) && !isLongAccount(end))
       return;  // "for BillPay payment", "from Lotus Bank card 12"
     std::size_t first = end;
     // "at Fern Cafe Declined.": a shop or an outcome.

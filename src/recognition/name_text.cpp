@@ -76,7 +76,7 @@ std::string_view withoutEnding(std::string_view name) {
   const std::size_t mark = name.find_last_of('\'');
   const bool ends = mark != std::string_view::npos && mark > 1 &&
                     std::ranges::find(endings, name.substr(mark + 1)) != endings.end();
-  return ends ? name.substr(0, mark) : name;
+  return ends ? name.substr(0, name.find_last_not_of(' ', mark - 1) + 1) : name;
 }
 
 }  // namespace

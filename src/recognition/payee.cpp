@@ -9,6 +9,7 @@
 #include "recognition/lone_name.h"
 #include "recognition/name_extent.h"
 #include "recognition/name_text.h"
+#include "recognition/number_pieces.h"
 
 namespace kivo::recognition {
 
@@ -306,6 +307,10 @@ class Names {
 
   [[nodiscard]] std::string shown(std::size_t begin, std::size_t end,
                                   Introduction introduced) const {
+    const bool salary = introduced == Marker::info && kind_ == Kind::income &&
+                        items_[begin].text == "salary" && end > begin + 1 &&
+                        items_[begin + 1].capitals && !isMonth(items_, begin + 1);
+    if (salary) ++begin;  // "Ref.SALARY FERN LOGISTICS"
     const bool slashes = std::any_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
                                      items_.begin() + static_cast<std::ptrdiff_t>(end),
                                      [](const Item& item) { return isMark(item, "/"); });

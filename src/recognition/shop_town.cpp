@@ -98,6 +98,10 @@ bool isPlace(std::string_view part) {
 }  // namespace
 
 std::string_view withoutTown(std::string_view name) {
+  const std::size_t slash = name.find_last_of('/');
+  if (slash != std::string_view::npos && slash > 0 && isTown(name.substr(slash + 1))) {
+    return trimmed(name.substr(0, slash));
+  }
   const std::string_view front = withoutLast(name);
   const std::size_t comma = name.find_last_of(',');
   const bool apart = comma != std::string_view::npos && comma + 1 < name.size() && comma > 0;

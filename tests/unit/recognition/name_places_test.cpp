@@ -263,5 +263,31 @@ TEST(AnOutcome, InFrontOfANameOnASlipIsForReview) {
             "review");
 }
 
+TEST(AName, BetweenCommasOrSlashesMayBeginWithALabelsWord) {
+  EXPECT_EQ(readingOf("Purchase approved on card 12, EGP 57.80, CALL CENTRE CAFE, 12/11 07:52"),
+            "expense 57.80 | CALL CENTRE CAFE");
+  EXPECT_EQ(readingOf("Purchase EGP 11.50 / Info Point / card 7710 / balance EGP 828.65"),
+            "expense 11.50 | Info Point");
+  EXPECT_EQ(readingOf("UPI/DR/630922/Balance Yoga: EGP 50.00 debited from A/c XX12 on 07-11-2026"),
+            "expense 50.00 | Balance Yoga");
+}
+
+TEST(AName, BehindPaidToMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingOf("EGP 50.00 paid to VOID WHERE PROHIBITED acc 14220077812 from your a/c 12"),
+            "expense 50.00 | VOID WHERE PROHIBITED");
+  EXPECT_EQ(readingOf("EGP 50.00 paid to Your Corner Cafe on 13/11/26. Balance EGP 8.00"),
+            "expense 50.00 | Your Corner Cafe");
+}
+
+TEST(AName, BehindAnAlertMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingOf("Transaction alert: Reversed Denim EGP 50.00 on card 12 at 12:44"),
+            "expense 50.00 | Reversed Denim");
+}
+
+TEST(AName, InFrontOfSentYouMayBeginWithInfo) {
+  EXPECT_EQ(readingOf("Money: Info Tech Store sent you EGP 20.00 to your account ending 118"),
+            "income 20.00 | Info Tech Store");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

@@ -260,5 +260,10 @@ TEST(AName, MayBeginWithTheWordOfAChannel) {
             "Card Factory");
 }
 
+TEST(AnEmployer, IsNamedBehindTheWordSalary) {
+  EXPECT_EQ(payeeOf("EGP 900.00 credited to a/c 12. Remarks: SALARY FERN LOGISTICS"),
+            "FERN LOGISTICS");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

@@ -282,5 +282,10 @@ TEST(AFee, BesideAPaymentIsNotItsCategory) {
             "expense 55.00 | Auntie Muni | Other");
 }
 
+TEST(ASalary, IsToldByAnyWordForIt) {
+  EXPECT_EQ(read("Gutschrift 500,00 EUR von FERN GMBH, Gehalt 10/2026. Konto *12", "EUR").category,
+            "Salary");
+}
+
 }  // namespace
 }  // namespace kivo::recognition
