@@ -100,7 +100,7 @@ constexpr std::array words = std::to_array<CurrencyWord>({
     {"jd", "JOD"}, {"jds", "JOD"}, {"j . d", "JOD"},
     {"د . ع", "IQD"}, {"د . ع .", "IQD"}, {"iq", "IQD"},
     {"د . ل", "LYD"}, {"د . ل .", "LYD"}, {"د . ت", "TND"},
-    {"د . ت .", "TND"}, {"dt", "TND"}, {"د . ج", "DZD"},
+    {"د . ت .", "TND"}, {"dt", "TND"}, {"د . ج", "DZD"}, {"دج", "DZD"},
     {"د . ج .", "DZD"}, {"da", "DZD"}, {"ل . ل", "LBP"},
     {"ل . ل .", "LBP"}, {"ليره", "SYP LBP TRY"}, {"ل . س", "SYP"},
     {"ليره تركيه", "TRY"}, {"دولار", "USD"}, {"دولارا", "USD"},

@@ -142,6 +142,7 @@ bool CapitalWords::goesOnSmall(std::size_t at) const {
 // "TRF FRM FERN VENTURES TO MONA"
 bool CapitalWords::isPrepositionInCapitals(std::size_t at) const {
   const Marker* const marker = at_[at] == nullptr ? nullptr : at_[at]->as<Marker>();
+  if (items_[at].text == "van") return false;  // "JAN VAN DIJK", "NGUYEN VAN AN"
   return items_[at].capitals && marker != nullptr &&
          (*marker == Marker::to || *marker == Marker::from);
 }

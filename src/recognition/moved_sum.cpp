@@ -93,7 +93,12 @@ class Sums {
     dropSumsWithoutMovement(moved);
     // When some of them have a currency, those without one are not money.
     const auto bare = [this](std::size_t at) { return items_[at].sum.currency.empty(); };
-    if (!std::all_of(moved.begin(), moved.end(), bare)) std::erase_if(moved, bare);
+    if (!std::all_of(moved.begin(), moved.end(), bare)) {
+      // "Debited 34.60 at KIOSK USD 9000": the bare one may be the amount.
+      const std::size_t first = moved.front();
+      result.unclear = bare(first) && (isSigned(first) || followsMovement(first));
+      std::erase_if(moved, bare);
+    }
     if (!moved.empty()) choose(moved, result);
     return result;
   }
@@ -145,6 +150,17 @@ class Sums {
       const bool said = partBy(items_, wording).has_value();
       return said && (wording.end <= sum ? inOneSentence(items_, wording.end, sum)
                                          : inOneSentence(items_, sum + 1, wording.begin));
+    });
+  }
+
+  // Whether a wording of a movement is in front of `sum`, which is no day and month: "05.03".
+  [[nodiscard]] bool followsMovement(std::size_t sum) const {
+    constexpr std::size_t dayAndMonth = 5;
+    const std::string& digits = items_[sum].text;
+    if (digits.size() <= dayAndMonth && digits.find('.') != std::string::npos) return false;
+    return std::ranges::any_of(message_.wordings, [&](const Found& wording) {
+      return wording.as<Move>() != nullptr && wording.end <= sum &&
+             inOneSentence(items_, wording.end, sum);
     });
   }
 

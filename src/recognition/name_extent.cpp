@@ -1,7 +1,9 @@
 #include "recognition/name_extent.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <string_view>
 
 #include "recognition/lone_name.h"
 #include "recognition/name_text.h"
@@ -54,8 +56,12 @@ bool NameExtent::isBracketed(std::size_t at, std::size_t begin) const {
   std::size_t open = at;
   if (isMark(items_[at], ")") && at >= begin + width) open = at - width;
   if (open + width >= items_.size()) return false;
-  return isMark(items_[open], "(") && items_[begin].capitals && items_[open + 1].capitals &&
-         isMark(items_[open + width], ")");
+  constexpr auto channels = std::to_array<std::string_view>(
+      {"bacs", "chaps", "fps", "neft", "imps", "rtgs", "upi", "sepa", "ach"});
+  const bool channel =
+      std::ranges::find(channels, items_[open + 1].text) != channels.end();  // "FERN LTD (BACS)"
+  return !channel && isMark(items_[open], "(") && items_[begin].capitals &&
+         items_[open + 1].capitals && isMark(items_[open + width], ")");
 }
 
 bool NameExtent::isNameWord(std::size_t at) const {
@@ -138,8 +144,10 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
 // message's.
 bool NameExtent::isProse(std::size_t at) const {
   const char first = message_.text[items_[at].begin];
-  return items_[at - 1].capitals && items_[at].kind == Item::Kind::word && !items_[at].glued &&
-         first >= 'a' && first <= 'z';
+  const bool last = at + 1 >= items_.size() || isMark(items_[at + 1], ".") ||
+                    items_[at + 1].startsSentence;  // "Paolo Martini eseguito."
+  return (items_[at - 1].capitals || last) && items_[at].kind == Item::Kind::word &&
+         !items_[at].glued && first >= 'a' && first <= 'z';
 }
 
 std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) const {

@@ -32,10 +32,11 @@ class NamePlaces {
       if (namesItsSubject(wording)) addInFront(wording);
     }
     const std::vector<NamePlace> subjects = places_;
+    auto subject = subjects.begin();
     const auto isSubject = [&](const Found& wording) {
-      return std::ranges::any_of(subjects, [&](const NamePlace& place) {
-        return place.begin <= wording.begin && wording.end <= place.end;
-      });
+      while (subject != subjects.end() && subject->end <= wording.begin) ++subject;
+      return subject != subjects.end() && subject->begin <= wording.begin &&
+             wording.end <= subject->end;
     };
     std::size_t payerTextEnd = 0;
     for (const Found& wording : message_.wordings) {
@@ -243,11 +244,13 @@ class NamePlaces {
   bool addLine(std::size_t begin) {
     std::size_t end = begin;
     bool words = false;
+    bool told = false;  // of a sum or an outcome
     for (; end < items_.size() && items_[end].kind != Item::Kind::lineBreak; ++end) {
-      if (words_.isOwnAccount(end)) return false;
+      if (words_.isOwnAccount(end) && !told) return false;
       const bool outcome =
           words_.wordingAt(end) != nullptr && (words_.wordingAt(end)->as<Status>() != nullptr ||
                                                words_.wordingAt(end)->as<Move>() != nullptr);
+      told = told || outcome || items_[end].kind == Item::Kind::sum;
       words = words || outcome || (words_.isWord(end) && !words_.isInWording(end));
     }
     if (end >= items_.size() || !words) return false;

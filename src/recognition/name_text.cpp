@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "names/letter_case.h"
 #include "recognition/shop_town.h"
 #include "recognition/spelling.h"
 
@@ -30,7 +31,8 @@ constexpr auto commonWords = std::to_array<std::string_view>(
      "reversal",    "agent",    "it",         "of",       "us",      "them",     "merchant",
      "cheque",      "check",    "savings",    "checking", "self",    "others",   "رقم",
      "transaction", "nil",      "na",         "vat",      "gst",     "tax",      "صراف",
-     "الصراف",      "ماكينه",   "الماكينه",   "الي",      "الالي",   "الشباك",   "الاوتوماتيكي"});
+     "الصراف",      "ماكينه",   "الماكينه",   "الي",      "الالي",   "الايداع",  "الشباك",
+     "الاوتوماتيكي"});
 
 // Whether the items are a bank's code or a reference rather than a name: "HRNB", "HRNBM8812".
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
@@ -88,6 +90,11 @@ std::string nameBetween(const AnalysedMessage& message, std::size_t begin, std::
     ++begin;  // "18:40'da MIGROS"
   }
   if (begin >= end) return {};
+  const bool point =
+      end > begin + 2 && isMark(items[end - 1], ".") && isInitial(items[end - 2]) &&
+      end < items.size() && items[end].kind == Item::Kind::word &&
+      names::caseOfFirst(message.text.substr(items[end].begin)) == names::LetterCase::small;
+  if (point) --end;  // "Anna K."
   const auto isNameWord = [](const Item& item) {
     return item.kind == Item::Kind::word && item.text.find_first_not_of('x') != std::string::npos &&
            std::find(commonWords.begin(), commonWords.end(), item.text) == commonWords.end() &&

@@ -96,7 +96,7 @@ bool isWithdrawal(const AnalysedMessage& message, const Movement& movement,
                   const Movement& naming) {
   const bool bought =
       holds(message.wordings, Move::purchase) || holds(message.wordings, Move::spent);
-  const bool cash = naming.move != Move::machine || movement.move == Move::machine;
+  const bool cash = naming.move != Move::machine || movement.category == "Cash";
   return naming.category == "Cash" && cash && !bought;
 }
 
@@ -133,6 +133,19 @@ Reading details(const AnalysedMessage& message, const SumParts& sums, const Move
   return reading;
 }
 
+// Whether the sentence of the sum that moved reports a payment, and another one gives it back: "You
+// paid EGP 5.00 to Fern. Refunded!" A name may forge the other one.
+bool isGivenBackElsewhere(const AnalysedMessage& message, const SumParts& sums,
+                          const Movement& movement) {
+  if (movement.strength != Strength::refund) return false;
+  for (const Sentence& sentence : sentencesOf(message)) {
+    if (*sums.moved < sentence.begin || *sums.moved >= sentence.end) continue;
+    const Movement* const beside = strongestMovement(sentence.wordings);
+    return beside != nullptr && beside->strength == Strength::verb && beside->kind == Kind::expense;
+  }
+  return false;
+}
+
 // The reading of `whole`, which announces no code; without `holdsSum`.
 Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
                   const CurrencyCode& bookCurrency) {
@@ -161,7 +174,8 @@ Reading readingOf(const AnalysedMessage& whole, const Wordings& wordings,
   // A noun ("payment", "transfer") without a payee may also be about a plan.
   const bool done = holds(reported.wordings, Status::done);
   const bool vague = weak && !evidence && !done && reading.payee.empty();
-  if (sums.unclear || !own || vague) reading.outcome = Outcome::needsReview;
+  const bool doubtful = sums.unclear || isGivenBackElsewhere(reported, sums, *movement);
+  if (doubtful || !own || vague) reading.outcome = Outcome::needsReview;
   return reading;
 }
 

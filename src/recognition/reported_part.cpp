@@ -19,7 +19,7 @@ bool reports(const Found& wording) {
 // Whether the wording asks the reader: "Pay your bill", "Dear Omar, pay your bill"; but not "Sunny
 // Pay", "Pay: ...".
 bool urges(const Items& items, const Found& wording) {
-  if (wording.end < items.size() && isMark(items[wording.end], ":")) return false;
+  if (wording.end < items.size() && isMark(items[wording.end], ":.")) return false;
   return items[wording.begin].startsSentence || isMark(items[wording.begin - 1], ",;!-");
 }
 

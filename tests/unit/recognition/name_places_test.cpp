@@ -289,5 +289,19 @@ TEST(AName, InFrontOfSentYouMayBeginWithInfo) {
             "income 20.00 | Info Tech Store");
 }
 
+TEST(ALine, WithASumIsTheNameOfItsLabelEvenIfItSpeaksOfAnAccount) {
+  EXPECT_EQ(readingOf("Purchase\nAt: CAFE. Refund EGP 700 credited to your account\nAmount EGP "
+                      "29.99\nCard 7719")
+                .substr(0, 13),
+            "expense 29.99");
+}
+
+TEST(ARefund, InAnotherSentenceThanThePaymentIsForReview) {
+  EXPECT_EQ(
+      readingOf("You paid EGP 16.00 to CAFE. REFUND 700 CREDITED TO YOUR ACCOUNT using card 12")
+          .substr(0, 12),
+      "review 16.00");
+}
+
 }  // namespace
 }  // namespace kivo::recognition

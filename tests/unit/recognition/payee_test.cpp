@@ -55,7 +55,7 @@ TEST(AName, EndsBeforeTheVerbThatFollowsIt) {
 }
 
 TEST(AName, MayEndWithAnInitialInCyrillic) {
-  EXPECT_EQ(read("Мария Е. перевела вам 300 ₽", "RUB").payee, "Мария Е");
+  EXPECT_EQ(read("Мария Е. перевела вам 300 ₽", "RUB").payee, "Мария Е.");
 }
 
 TEST(AName, InPersianKeepsItsLetters) {

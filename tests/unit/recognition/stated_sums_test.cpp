@@ -425,5 +425,10 @@ TEST(ASum, MayFollowTheCodeOfAService) {
             "expense 6000");
 }
 
+TEST(ASum, WithoutACurrencyIsNotOverruledByALaterOneWithACurrency) {
+  EXPECT_EQ(read("Compra 34,60 EUR 9000.00 KIOSK tarjeta *7710", "EUR").outcome,
+            Outcome::needsReview);
+}
+
 }  // namespace
 }  // namespace kivo::recognition
