@@ -13,6 +13,7 @@
 #include "phone/widget_view.h"
 #include "phone/widget_watch.h"
 #include "platform/linux/process/child_process.h"
+#include "platform/linux/process/detached_programs.h"
 #include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
@@ -30,6 +31,12 @@ using Kind = linux_platform::CommandParameter::Kind;
 
 // The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
+
+// What any link becomes.
+constexpr const char* openingLink = "kivo-expenses://";
+
+// A window that cannot be shown has ended by then.
+constexpr std::chrono::seconds windowTimeout(2);
 
 // kivo-ledger writes the page and waits a few seconds for xdg-open.
 constexpr std::chrono::seconds reportTimeout(30);
@@ -90,10 +97,20 @@ void watchWidget() {
   });
 }
 
+bool keepsBook() {
+  const auto store = SharedStore::open(appGroup);
+  return store && LocalLedger::isSignedIn(*store);
+}
+
+// Whether the window on the book is there: a package of its own brings it, and it needs a display.
+bool openWindow() {
+  const std::string app = (linux_platform::programFolder() / "kivo").string();
+  if (!linux_platform::programFile(app)) return false;
+  return linux_platform::DetachedPrograms().startAndWait({app, openingLink}, windowTimeout) == 0;
+}
+
 // Whether the ledger's report is on its way to a browser.
 bool openReport() {
-  const auto store = SharedStore::open(appGroup);
-  if (!store || !LocalLedger::isSignedIn(*store)) return false;
   try {
     const auto result = linux_platform::runProgram(
         {.program = LocalLedger::program(), .arguments = {"report"}}, reportTimeout);
@@ -110,7 +127,7 @@ void openKivo(const GivenParameters& given) {
   if (link != given.end() && !link->second.starts_with(linkScheme)) {
     throw BadUsage("invalid LINK \"" + link->second + "\": it must begin with " + linkScheme);
   }
-  if (openReport()) return;
+  if (keepsBook() && (openWindow() || openReport())) return;
   const std::string phone = (linux_platform::programFolder() / "kivo-phone").string();
   linux_platform::TerminalWindows windows;
   if (windows.open({phone, "widget", "--watch"}, linux_platform::WindowEnd::atSuccess)) return;
@@ -129,7 +146,7 @@ std::vector<linux_platform::Command> widgetCommands() {
        {{"--watch", "Go on showing them as they change", Kind::flag}},
        widget},
       {"open",
-       "Open the ledger's report in a browser, or else the widget in a terminal window",
+       "Open the window on the book, or the report in a browser, or else the widget",
        {{"LINK", "The link that was followed, kivo-expenses://", Kind::optional}},
        openKivo},
   };

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Installs a Debian package of Kivo in a clean Debian 12, uses it there as a person would, and removes it.
+"""Installs the Debian packages of Kivo in a clean Debian 12, uses them there as a person would, and removes them.
 
-    package_check.py PACKAGE.deb
+    package_check.py KIVO-INTENTS.deb KIVO.deb
 
 A backend on loopback stands in for the real one. Needs root and mounts, and says so where they are missing.
 """
@@ -66,13 +66,22 @@ def try_out(root, session, backend):
     else:
         print("clean Debian 12: services not tried: no control groups can be mounted here")
 
+    install_the_window(root, session)
     paths = root.root("dpkg --listfiles kivo-intents").split()
     check({"/usr/share/man/man1/kivo-intents.1.gz", "/usr/lib/systemd/user/kivo-intents.service",
            "/usr/share/dbus-1/services/app.kivo.expenses.Intents.service"} <= set(paths), "pages and services are in place")
-    root.root("apt-get purge -qq kivo-intents && apt-get autoremove --purge -qq")
+    root.root("apt-get purge -qq kivo kivo-intents && apt-get autoremove --purge -qq")
     check(files_in(root.folder) - before == set(), "its removal leaves nothing")
     check((root.folder / "home/alice/.local/share/group.app.kivo.expenses/defaults.sqlite3").exists(),
           "but the person's own data")
+
+
+def install_the_window(root, session):
+    check("libgtk-4-1" not in root.root("dpkg-query --show --showformat='${Package}\\n'").split(),
+          "who has no window has no GTK")
+    root.root("apt-get install -qq --no-install-recommends /kivo-window.deb")
+    check(root.root("dpkg --verify kivo") == "", "the window installs with what it needs, whole")
+    check(session.alice("kivo --version").startswith("kivo "), "the window's program starts")
 
 
 def use_services(root, session):
@@ -124,7 +133,7 @@ def spend_the_first_minutes(session):
     check("This month     EGP" in session.alice("kivo-phone status"), "the status knows the month")
 
 
-def main(package):
+def main(package, window):
     with contextlib.ExitStack() as stack:
         try:
             root = stack.enter_context(contextlib.closing(CleanRoot()))
@@ -132,6 +141,7 @@ def main(package):
             print(f"package: not tried in a clean Debian 12: {reason}")
             return
         shutil.copy(package, root.folder / "kivo.deb")
+        shutil.copy(window, root.folder / "kivo-window.deb")
         backend = stack.enter_context(contextlib.closing(Backend()))
         session = stack.enter_context(contextlib.closing(Session(root)))
         try_out(root, session, backend)

@@ -1,0 +1,56 @@
+// The book as the window has it open: reads, changes with their way back, and what others change.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include <gio/gio.h>
+
+#include "app/signals.h"
+#include "book/book.h"
+#include "money/currency_code.h"
+
+namespace kivo::app {
+
+/// An open book, with the currency and the person of the shared store. Not thread-safe.
+class AppBook {
+ public:
+  /// Opens the book, and creates it when it is missing. Calls `followed` from the main loop after
+  /// others, such as the service, changed the book. Throws linux_platform::Failure, with the reason
+  /// for the user, when the book or the shared store cannot be opened.
+  explicit AppBook(std::function<void()> followed);
+  ~AppBook();
+  AppBook(const AppBook&) = delete;
+  AppBook& operator=(const AppBook&) = delete;
+
+  [[nodiscard]] const book::Book& book() const { return book_; }
+  [[nodiscard]] const money::CurrencyCode& currency() const { return currency_; }
+  [[nodiscard]] const std::string& userId() const { return userId_; }
+
+  /// Runs `steps` as the command `words`, such as "edit 3 --category Dining", in one step. Returns
+  /// its number for `undo`; absent when it changed nothing. Throws BookFailure, and what `steps`
+  /// throw, when nothing was changed.
+  std::optional<std::int64_t> change(const std::string& words,
+                                     const std::function<void(book::Book&)>& steps);
+  /// Runs `steps` as a further step of the command `words` that `change` gave the number `number`.
+  void changeMore(const std::string& words, std::int64_t number,
+                  const std::function<void(book::Book&)>& steps);
+  /// Takes the command `number` back; returns false, and changes nothing, when it is not the last
+  /// one any more. Throws BookFailure.
+  bool undo(std::int64_t number);
+
+ private:
+  void look();
+
+  book::Book book_;
+  money::CurrencyCode currency_;
+  std::string userId_;
+  std::function<void()> followed_;
+  std::int64_t seen_ = 0;
+  GFileMonitor* monitor_ = nullptr;
+  Later looking_;
+};
+
+}  // namespace kivo::app

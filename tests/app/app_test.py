@@ -1,0 +1,402 @@
+#!/usr/bin/env python3
+"""The window, used as a person uses it: by what a screen reader finds, and by keys."""
+import datetime
+import json
+import pathlib
+import sqlite3
+import sys
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+from app_session import Home, Screen, Window  # noqa: E402  pylint: disable=wrong-import-position
+
+TODAY = datetime.date.today()
+YESTERDAY = TODAY - datetime.timedelta(days=1)
+LAST_MONTH = TODAY.replace(day=1) - datetime.timedelta(days=3)
+
+
+def purchase(amount, shop, account="4821"):
+    return f"Purchase of EGP {amount} at {shop} on card ending {account}"
+
+
+class AWindow(unittest.TestCase):
+    """A book of a few payments, and the window on it."""
+
+    rows = [(TODAY, purchase("150.00", "SUNNY MARKET")), (YESTERDAY, purchase("80.00", "TOWN GAS")),
+            (LAST_MONTH, purchase("70.00", "TOWN GAS")), (TODAY, "Purchase of USD 20.00 at MOON SHOP on card ending 4821"),
+            (TODAY, "Dear customer, EGP 300.00 is due for your Tulip plan")]
+
+    def setUp(self):
+        self.home = Home()
+        self.addCleanup(self.home.remove)
+        self.prepare()
+        self.window = self.open()
+
+    def prepare(self):
+        self.home.import_rows(self.rows)
+
+    def open(self, *arguments):
+        window = Window(self.home, *arguments)
+        self.addCleanup(window.close)
+        return window
+
+    def entries(self, *options):
+        return json.loads(self.home.ledger("list", "--json", *options))
+
+    def entry(self, description):
+        found = [one for one in self.entries() if one["description"] == description]
+        self.assertEqual(len(found), 1, description)
+        return found[0]
+
+
+class ShowsAMonth(AWindow):
+    def test_has_the_figures_of_the_summary(self):
+        self.home.ledger("budget", "Groceries", "100")
+        month = json.loads(self.home.ledger("summary", "--json"))
+        self.window.shows("EGP " + month["expense"])
+        for category in month["categories"]:
+            if float(category["expense"]) != 0:
+                self.window.shows(f"{category['category']}, EGP {category['expense']}")
+        self.window.shows("150 %")
+        self.window.shows("EGP 150.00 of EGP 100.00, EGP 50.00 over")
+        self.window.shows("1 payment waits for you")
+
+    def test_goes_to_the_month_before_and_back(self):
+        self.window.click("Previous month")
+        self.window.shows(LAST_MONTH.strftime("%B %Y"))
+        self.window.shows("Utilities, EGP 70.00")
+        self.window.click("Next month")
+        self.window.shows(TODAY.strftime("%B %Y"))
+
+    def test_leads_from_a_category_to_its_payments(self):
+        self.window.click("Groceries, EGP 150.00")
+        self.window.shows("Groceries, " + TODAY.strftime("%B %Y"))
+        self.window.shows("SUNNY MARKET, EGP 150.00, Today")
+        self.window.lacks("TOWN GAS, EGP 80.00")
+
+    def test_shows_the_year(self):
+        year = json.loads(self.home.ledger("summary", "--year", str(TODAY.year), "--json"))
+        self.window.click(f"The year {TODAY.year}")
+        self.window.shows("Saved")
+        self.window.shows("EGP " + year["expense"])
+
+
+class SaysWhatToDoFirst(AWindow):
+    def prepare(self):
+        pass
+
+    def test_when_the_book_is_empty(self):
+        self.window.shows("Nothing Is Booked")
+        self.window.shows("kivo-ledger import")
+        self.window.go("Review")
+        self.window.shows("Nothing Waits for You")
+
+
+class ListsPayments(AWindow):
+    def test_by_days_and_finds_a_word_and_a_sum(self):
+        self.window.go("Payments")
+        self.window.shows("SUNNY MARKET, EGP 150.00, Today")
+        self.window.shows("TOWN GAS, EGP 80.00, Yesterday")
+        self.window.type_into("Search payments", "gas")
+        self.window.shows("2 payments")
+        self.window.lacks("SUNNY MARKET, EGP")
+        self.window.type_into("Search payments", "150.00")
+        self.window.shows("1 payment")
+        self.window.shows("SUNNY MARKET, EGP 150.00")
+
+
+class CorrectsAPayment(AWindow):
+    def change_category(self, shop, category):
+        self.window.go("Payments")
+        self.window.click(shop)
+        self.window.type_into("Category", category)
+        self.window.click("Save")
+
+    def test_and_earlier_ones_and_back(self):
+        before = self.home.ledger("list", "--json")
+        self.change_category("TOWN GAS, EGP 80.00", "Home")
+        self.window.shows("1 earlier one too?")
+        self.window.shows("Later payments to TOWN GAS will be Home.")
+        self.window.click("Change Them")
+        self.window.shows("Changed 1 earlier one")
+        self.assertEqual({one["category"] for one in self.entries("--search", "TOWN GAS")}, {"Home"})
+        self.assertIn("TOWN GAS", self.home.ledger("rules"))
+        self.window.click("Undo")
+        self.window.shows("It is as it was before.")
+        self.assertEqual(self.home.ledger("list", "--json"), before)
+
+    def test_alone_when_the_switch_is_off(self):
+        self.window.go("Payments")
+        self.window.click("TOWN GAS, EGP 80.00")
+        self.window.type_into("Category", "Home")
+        self.window.click("Also for later payments of TOWN GAS", "check box")
+        self.window.click("Save")
+        self.window.shows("Saved")
+        self.assertNotIn("TOWN GAS", self.home.ledger("rules"))
+        self.assertEqual(sorted(one["category"] for one in self.entries("--search", "TOWN GAS")),
+                         ["Home", "Utilities"])
+
+    def test_and_is_named_in_the_history(self):
+        self.change_category("SUNNY MARKET", "Food and drink")
+        self.window.shows("Saved")
+        number = self.entry("SUNNY MARKET")["id"]
+        self.assertIn(f'edit {number} --category "Food and drink"', self.home.ledger("history"))
+
+    def test_only_to_a_sum_and_a_day_that_can_be(self):
+        before = self.home.ledger("list", "--json")
+        self.window.go("Payments")
+        self.window.click("SUNNY MARKET")
+        for field, wrong, right in (("Sum in EGP", "12,34", "1,234.50"), ("Day", "2026-02-30", "2026-02-28")):
+            self.window.type_into(field, wrong)
+            self.window.click("Save")
+            time.sleep(0.5)
+            self.assertEqual(self.home.ledger("list", "--json"), before)
+            self.window.type_into(field, right)
+        self.window.click("Save")
+        self.window.shows("Saved")
+        changed = self.entry("SUNNY MARKET")
+        self.assertEqual((changed["amount"], changed["date"]), ("1234.50", "2026-02-28"))
+
+    def test_and_deletes_it_and_brings_it_back(self):
+        self.window.go("Payments")
+        self.window.click("SUNNY MARKET")
+        self.window.click("Delete")
+        self.window.shows("Deleted")
+        self.assertFalse([one for one in self.entries() if one["description"] == "SUNNY MARKET"])
+        self.window.click("Undo")
+        self.window.shows("It is as it was before.")
+        self.assertEqual(self.entry("SUNNY MARKET")["amount"], "150.00")
+
+    def test_and_keeps_a_later_change_from_being_undone(self):
+        self.change_category("SUNNY MARKET", "Home")
+        self.window.shows("Saved")
+        other = self.entries("--search", "TOWN GAS")[0]
+        self.home.ledger("edit", other["id"], "--once", "--description", "GAS")
+        self.window.click("Undo")
+        self.window.shows("Not Taken Back")
+        self.assertEqual(self.entry("SUNNY MARKET")["category"], "Home")
+        self.assertEqual(self.entry("GAS")["id"], other["id"])
+
+
+class Reviews(AWindow):
+    def test_a_message_beside_its_reading(self):
+        self.window.go("Review")
+        self.window.shows("Purchase of USD 20.00 at MOON SHOP on card ending 4821")
+        self.window.shows("expense, Shopping, Today, account 4821")
+        self.window.click("Right: MOON SHOP")
+        self.window.shows("Nothing Waits for You")
+        self.assertEqual((self.entry("MOON SHOP")["amount"], self.entry("MOON SHOP")["currency"]), ("20.00", "USD"))
+        self.window.click("Undo")
+        self.window.find("push button", "Right: MOON SHOP")
+
+    def test_what_is_no_payment(self):
+        self.window.go("Review")
+        self.window.click("Not a payment: MOON SHOP")
+        self.window.shows("Nothing Waits for You")
+        self.assertEqual(json.loads(self.home.ledger("review", "--json")), [])
+
+    def test_a_message_that_was_not_booked(self):
+        self.window.go("Review")
+        self.window.click("Book: Dear customer, EGP 300.00 is due")
+        self.window.type_into("Payee", "Tulip plan")
+        self.window.type_into("Sum in EGP", "300")
+        self.window.type_into("Category", "Subscriptions")
+        self.window.click("Book")
+        self.window.shows("Booked")
+        booked = self.entry("Tulip plan")
+        self.assertEqual((booked["amount"], booked["category"]), ("300.00", "Subscriptions"))
+        self.window.click("Undo")
+        self.window.shows("It is as it was before.")
+        self.assertEqual(len(json.loads(self.home.ledger("ignored", "--json"))), 1)
+
+
+class OffersAPair(AWindow):
+    rows = [(TODAY, "EGP 500.00 was debited from account 7790 for a transfer"),
+            (TODAY, "EGP 500.00 was credited to account 3301")]
+
+    def test_and_joins_it_to_one_transfer(self):
+        self.window.go("Review")
+        self.window.shows("One transfer, or two payments?")
+        self.window.click("One")
+        self.window.shows("They are one transfer")
+        self.assertEqual({one.get("counterpart") for one in self.entries()}, {"1", "2"})
+        self.window.click("Undo")
+        self.window.shows("One transfer, or two payments?")
+
+
+class AddsAPayment(AWindow):
+    def test_by_hand_with_a_category(self):
+        self.window.click("Add a payment")
+        self.window.type_into("Payee", "Corner shop")
+        self.window.type_into("Sum in EGP", "12.50")
+        self.window.type_into("Category", "Groceries")
+        self.window.click("Add")
+        self.window.shows("Added")
+        self.assertEqual(self.entry("Corner shop")["amount"], "12.50")
+        self.window.shows("Groceries, EGP 162.50")
+
+    def test_and_says_when_the_extension_is_not_there(self):
+        self.window.click("Add a payment")
+        self.window.type_into("Payee", "Corner shop")
+        self.window.type_into("Sum in EGP", "12.50")
+        self.window.click("Add")
+        self.window.shows("Not Added")
+
+
+class HoldsHostileNames(AWindow):
+    names = ["<b>BOLD</b> & CO", "EVIL ‮SHOP", "A" * 10_000]
+
+    def prepare(self):
+        self.home.import_rows(self.rows)
+        for entry, name in zip(json.loads(self.home.ledger("list", "--json")), self.names):
+            self.home.ledger("edit", entry["id"], "--once", "--description", name, "--category", name[:60])
+
+    def test_as_they_are_without_markup_and_direction(self):
+        self.window.go("Payments")
+        self.window.shows("<b>BOLD</b> & CO, EGP")
+        self.window.shows("EVIL \\u202eSHOP, EGP")
+        self.window.shows("A" * 199 + "…, EGP")
+        self.window.click("<b>BOLD</b> & CO, EGP")
+        self.window.shows("<b>BOLD</b> & CO")
+        self.assertNotIn("markup", self.window.complaints())
+
+
+class Follows(AWindow):
+    def test_what_the_service_books_meanwhile(self):
+        self.window.shows("EGP 230.00")
+        self.home.ledger("add", "--amount", "70", "--payee", "Corner shop")
+        self.window.shows("EGP 300.00")
+        self.window.go("Payments")
+        self.window.shows("Corner shop, EGP 70.00")
+        self.home.ledger("delete", self.entry("Corner shop")["id"], "--yes")
+        self.window.lacks("Corner shop, EGP 70.00")
+
+    def test_a_payment_that_is_deleted_while_it_is_shown(self):
+        self.window.go("Payments")
+        self.window.click("SUNNY MARKET")
+        self.window.field("Category")
+        self.home.ledger("delete", self.entry("SUNNY MARKET")["id"], "--yes")
+        self.window.shows("This payment was deleted")
+
+
+class ShowsWhyABookCannotBeShown(AWindow):
+    def test_when_it_is_of_a_newer_version(self):
+        self.window.close()
+        with sqlite3.connect(self.home.book) as book:
+            book.execute("PRAGMA user_version = 99")
+        book.close()
+        before = self.home.book.read_bytes()
+        window = self.open()
+        window.shows("The Book Cannot Be Shown")
+        self.assertEqual(self.home.book.read_bytes(), before)
+
+    def test_when_it_is_damaged_and_goes_on_when_it_is_whole_again(self):
+        self.window.close()
+        whole = self.home.path / "whole"
+        self.home.book.rename(whole)
+        for rest in self.home.book.parent.glob("ledger.sqlite3-*"):
+            rest.rename(rest.with_name("kept" + rest.name[len("ledger.sqlite3"):]))
+        self.home.book.write_bytes(b"no database" * 1000)
+        window = self.open()
+        window.shows("The Book Cannot Be Shown")
+        window.click("Try Again")
+        window.shows("The Book Cannot Be Shown")
+        whole.rename(self.home.book)
+        for rest in self.home.book.parent.glob("kept*"):
+            rest.rename(rest.with_name("ledger.sqlite3" + rest.name[len("kept"):]))
+        window.click("Try Again")
+        window.shows("EGP 230.00")
+
+
+class NamesEachControl(AWindow):
+    roles = ("push button", "toggle button", "text", "entry", "combo box", "page tab", "check box", "switch")
+
+    def unnamed(self):
+        def name_around(node):
+            for _ in range(4):
+                if node is None:
+                    return ""
+                if node.name:
+                    return node.name
+                node = node.parent
+            return ""
+        return [str(node) for node in self.window.shown()
+                if node.getRoleName() in self.roles and not name_around(node)]
+
+    def test_on_every_page(self):
+        self.window.shows("EGP 230.00")
+        self.assertEqual(self.unnamed(), [])
+        self.window.go("Payments")
+        self.window.shows("SUNNY MARKET, EGP")
+        self.assertEqual(self.unnamed(), [])
+        self.window.click("SUNNY MARKET, EGP")
+        self.window.field("Category")
+        self.assertEqual(self.unnamed(), [])
+        self.window.click("Back")
+        self.window.go("Review")
+        self.window.find("push button", "Right: MOON SHOP")
+        self.assertEqual(self.unnamed(), [])
+        self.window.click("Add a payment")
+        self.window.field("Payee")
+        self.assertEqual(self.unnamed(), [])
+
+
+class HoldsManyPayments(AWindow):
+    count = 20_000
+
+    def prepare(self):
+        start = datetime.datetime.combine(TODAY, datetime.time(12)) - datetime.timedelta(days=700)
+        step = datetime.timedelta(days=700) / self.count
+        self.home.import_rows([((start + at * step).isoformat(timespec="seconds"),
+                                purchase(f"{at % 900 + 1}.00", "STAR RAIL")) for at in range(self.count)])
+
+    def test_and_reads_only_those_on_screen(self):
+        self.window.go("Payments")
+        self.window.shows(f"{self.count} payments")
+        buttons = [node for node in self.window.walk() if "STAR RAIL, EGP" in (node.name or "")]
+        self.assertLess(len(buttons), 300)
+        self.window.type_into("Search payments", "STAR RAIL")
+        self.window.shows(f"{self.count} payments")
+
+    def test_and_says_so_when_the_book_breaks_while_it_is_open(self):
+        self.window.shows("Transport, EGP")
+        whole = self.home.book.stat().st_size
+        with self.home.book.open("r+b") as book:
+            book.seek(40_000)
+            book.write(b"\0" * (whole - 40_000))
+        self.window.go("Payments")
+        self.window.shows("The Book Cannot Be Shown")
+        self.assertIsNone(self.window.process.poll())
+
+
+class OpensByALink(AWindow):
+    def test_what_waits_whatever_the_link_says(self):
+        self.home.run("kivo-phone", "sign-in", "--local")
+        self.window.shows("EGP 230.00")
+        self.home.run("kivo-phone", "open", "--", "kivo-expenses://delete/1")
+        self.window.wait(lambda: self.window.is_selected("Review"), "the page Review")
+        self.assertEqual(len(self.entries()), 3)
+
+
+class StaysWhole(AWindow):
+    def test_when_it_is_killed_after_a_change(self):
+        self.window.go("Payments")
+        self.window.click("SUNNY MARKET")
+        self.window.type_into("Category", "Home")
+        self.window.click("Save")
+        self.window.shows("Saved")
+        self.window.kill()
+        self.assertEqual(self.entry("SUNNY MARKET")["category"], "Home")
+        self.home.ledger("undo")
+        self.assertEqual(self.entry("SUNNY MARKET")["category"], "Groceries")
+        window = self.open()
+        window.shows("EGP 230.00")
+
+
+if __name__ == "__main__":
+    screen = Screen()
+    try:
+        unittest.main(verbosity=2)
+    finally:
+        screen.close()
