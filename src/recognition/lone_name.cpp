@@ -130,7 +130,13 @@ std::string loneName(const AnalysedMessage& message, std::size_t end) {
     if (at < end && endsWithNumber(items, at)) ++at;
     const bool last = at >= items.size() || (isMark(items[at], ".") && at + 1 == items.size());
     const bool isSignature = last && !(capitals && items[begin - 1].kind == Item::Kind::sum);
-    if (isSignature || isLabel(message, begin, at) || !mayStandAlone(message, begin, at)) continue;
+    // "5,600원 04/02 09:12 봄편의점"
+    const bool dated = last && isUnspaced(items[begin].text) &&
+                       (items[begin - 1].isPiece || items[begin - 1].text == "불");
+    if (!dated &&
+        (isSignature || isLabel(message, begin, at) || !mayStandAlone(message, begin, at))) {
+      continue;
+    }
     if (namesLoan(items, begin, at)) continue;
     std::string name = nameBetween(message, begin, at);
     if (name.empty()) continue;

@@ -190,7 +190,8 @@ bool isPointOfDate(const Items& items, std::size_t at) {
   const std::string month = point == std::string::npos ? "" : date.substr(point + 1);
   const bool isDay = point == 1 || point == 2;
   const bool isMonth = month.size() == 2 && month > "00" && month <= "12";
-  return isDay && isMonth && (word == "am" || word == "vom" || word == "zum" || word == "bis");
+  return isDay && isMonth &&
+         (word == "am" || word == "den" || word == "vom" || word == "zum" || word == "bis");
 }
 
 bool endsSentence(const Items& items, std::size_t at, bool blankFollows, const Item& next) {

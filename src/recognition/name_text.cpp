@@ -38,7 +38,7 @@ constexpr auto commonWords = std::to_array<std::string_view>(
 bool isCode(const Items& items, std::size_t begin, std::size_t end) {
   constexpr std::size_t bankLetters = 4;
   const std::string& last = items[end - 1].text;
-  if (last == "bank" || last == "mfb") return true;
+  if (last == "bank" || last == "mfb" || last == "microfinance") return true;
   if (end == begin + 1) return items[begin].capitals && items[begin].text.size() == bankLetters;
   return end == begin + 2 && items[begin].kind == Item::Kind::word &&
          items[begin + 1].kind == Item::Kind::number && items[begin + 1].glued;

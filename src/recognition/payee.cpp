@@ -121,7 +121,8 @@ class Names {
     constexpr std::string_view machine = " ATM";
     for (const Place place : {Place::shop, Place::source}) {
       std::string name = nameAt(place);
-      if (name.ends_with(machine)) return name;  // "OTP Bank ATM"
+      const bool latin = !name.empty() && isAscii(name.front());
+      if (latin && name.ends_with(machine)) return name;  // "OTP Bank ATM"
     }
     return {};
   }
