@@ -89,6 +89,22 @@ bool CapitalWords::isOwnAccount(std::size_t at) const {
   return at_[next] != nullptr && at_[next]->is(Marker::own);
 }
 
+// Whether the number at `next` does not belong to the wording at `at`: "QUAN SO DU 3 MIEN", "مطعم
+// الرصيد 12/11".
+bool CapitalWords::namesItsNumber(std::size_t at, std::size_t next) const {
+  constexpr std::size_t longest = 2;
+  const Item& item = items_[next];
+  const bool role = at_[at]->as<SumRole>() != nullptr;
+  const bool small = item.kind == Item::Kind::number && item.text.size() <= longest;
+  if (small && role && items_[at].capitals && isCapital(next + 1) && items_[next + 1].capitals &&
+      at_[next + 1] == nullptr && !isMonth(items_, next + 1)) {
+    return true;
+  }
+  const bool latin = static_cast<unsigned char>(items_[at].text.front()) < 0x80;
+  return item.isPiece && (role || at_[at]->is(Marker::own)) && !latin && next + 1 < items_.size() &&
+         isMark(items_[next + 1], "/-") && items_[next + 1].glued;
+}
+
 bool CapitalWords::isLabel(std::size_t at) const {
   const Found* const wording = at_[at];
   if (wording == nullptr) return false;
@@ -111,18 +127,7 @@ bool CapitalWords::isLabel(std::size_t at) const {
   }
   if (next >= items_.size()) return true;
   const Item& item = items_[next];
-  // "QUAN SO DU 3 MIEN"
-  constexpr std::size_t longest = 2;
-  const bool small = item.kind == Item::Kind::number && item.text.size() <= longest;
-  if (small && wording->as<SumRole>() != nullptr && items_[at].capitals && isCapital(next + 1) &&
-      items_[next + 1].capitals && at_[next + 1] == nullptr && !isMonth(items_, next + 1)) {
-    return false;
-  }
-  // "مطعم الرصيد 12/11"
-  const bool date = item.isPiece && (wording->as<SumRole>() != nullptr || own) && !latin &&
-                    next + 1 < items_.size() && isMark(items_[next + 1], "/-") &&
-                    items_[next + 1].glued;
-  if (date) return false;
+  if (namesItsNumber(at, next)) return false;
   if (item.kind == Item::Kind::number || item.kind == Item::Kind::sum) return true;
   if (item.kind == Item::Kind::mark && item.text.size() > 1) return true;  // "••••1234"
   // "Due Date Fruits", "STOP AND SHOP"

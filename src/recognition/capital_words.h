@@ -63,6 +63,7 @@ class CapitalWords {
  private:
   // Whether item `at` belongs to the run of capitals that begins at `begin`.
   [[nodiscard]] bool continuesCapitals(std::size_t at, std::size_t begin) const;
+  [[nodiscard]] bool namesItsNumber(std::size_t at, std::size_t next) const;
   [[nodiscard]] bool isAmongCapitals(std::size_t at, std::size_t begin) const;
   [[nodiscard]] bool goesOnSmall(std::size_t at) const;
   [[nodiscard]] bool isPrepositionInCapitals(std::size_t at) const;

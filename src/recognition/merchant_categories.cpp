@@ -23,13 +23,17 @@ struct ShopWords {
 // In the order in which they are tried.
 constexpr auto shopWords = std::to_array<ShopWords>({
     {"Insurance",
+     "seguradora "
      "insurance assurance~ takaful mutuelle versicherung~ seguro seguros sigorta asuransi bima "
      "страхов~ страховка تامين التامين بيمه 保险 보험"},
     {"Charity",
+     "mosque masjid church kirche temple spende~ ong "
      "charity charities charitable donation donations zakat sadaqa orphan~ relief مؤسسه خيري خيريه "
      "صدقه "
      "زكاه تبرع~ благотворит~"},
     {"Health",
+     "hausarzt~ arztpraxis praxis sanitatshaus fitnessstudio~ laboratoire laboratorio gimnasio "
+     "consultorio massage~ osteopath~ "
      "pharmac~ chemist~ clinic clinics hospital hospitals dental dentist~ medical~ lab labs "
      "laborator~ diagnostic~ "
      "optic~ optometr~ بصريات physio~ doctor gym fitness yoga pilates crossfit healthcare "
@@ -42,15 +46,20 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "医院 약국 병원 "
      "의원 โรงพยาบาล"},
     {"Education",
+     "coaching fahrschule sprachschule kita creche autoescuela guarderia faculdade training "
      "school schools university college academy institute course~ tuition tutor~ kindergarten "
      "nursery montessori "
      "escola escuela colegio universidad universidade universitas ecole universite schule okul~ "
      "universite~ sekolah مدرسه مدارس جامعه كليه حضانه школа университет 学校 大学 학원 대학교"},
     {"Entertainment",
+     "freizeitpark musee museo museu teatro zirkus circus comedy golf tennis swimming stadium "
+     "stadion stade ملاهي "
      "العاب cinema~ theatre theater stream~ music games gaming bowling arcade museum concert cine "
      "kino karaoke zoo aquarium "
      "sinema bioskop سينما مسرح кино кинотеатр театр 电影 영화"},
     {"Dining",
+     "chai tea chips curry chinese wok icecream biergarten eiscafe eisdiele cerveceria taberna "
+     "chiringuito churreria pizzaria acai bagel~ bagels buka amala roasters عصاير "
      "cafe cafes caffe coffee coffees restaurant~ restaurante~ kitchen grill grills grillhouse "
      "pizza pizzas "
      "pizzeria~ burger burgers roastery "
@@ -73,6 +82,7 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "餐饮 咖啡 面馆 火锅 奶茶 小吃 茶餐廳 식당 카페 커피 치킨 "
      "포차 분식 โภชนา กาแฟ"},
     {"Groceries",
+     "getrankemarkt hofladen minimercado fishmonger~ liquor wines weinhandlung اسواق "
      "market markets supermarket~ hypermarket~ hypermart superstore superstores hyper super "
      "superette minimarket~ minimart grocer~ grocery groceries "
      "foods fresh freshmart mart fruit fruits vegetable~ dairy meats butchery greengrocer~ "
@@ -89,12 +99,14 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "نانوایی فروشگاه продукт~ гастроном супермаркет пекарн~ мясн~ овощ~ 超市 便利店 마트 슈퍼 "
      "편의점"},
     {"Travel",
+     "hostal pousada camping ferienwohnung gite cruise cruises "
      "hotel~ airline~ airways travel~ tours hostel resort inn motel hotels otel "
      "hoteis viagens voyages reisen reiseburo viajes فندق طيران سفر سياحه гостиниц~ отель авиа~ "
      "турагент~ "
      "酒店 航空 "
      "호텔 항공"},
     {"Transport",
+     "autohaus kfz werkstatt taller موقف ورشه scooter~ "
      "taxi taxis cab cabs metro bus rail~ railways train fuel fuels gas petrol petroleum parking "
      "parkings "
      "ride~ "
@@ -108,21 +120,26 @@ constexpr auto shopWords = std::to_array<ShopWords>({
      "加油站 "
      "停车 地铁 주유소 택시 주차"},
     {"Phone",
+     "topup prepaid mobilfunk wifi "
      "telecom~ mobile cellular airtime broadband internet recharge fibre fiber telefon~ celular "
      "pulsa اتصالات موبايل شحن انترنت связь интернет 通信 통신"},
     {"Utilities",
+     "waste energie aguas municipality كهرباي~ "
      "electric~ water energy bill bills power utility utilities sewerage electricidad eletrica "
      "agua stadtwerke wasserwerk~ strom "
-     "luz energia elektrik listrik كهرباء كهربائي~ مياه المياه فاتوره غاز الغاز электр~ водоканал "
+     "luz energia elektrik listrik كهرباء مياه المياه فاتوره غاز الغاز электр~ водоканал "
      "жкх энерго~ 电力 水务 燃气 전력 수도 การไฟฟ้า~"},
     {"Loan",
      "loan loans finance financing lending kredit credito emprestimo قرض تمويل кредит~ 贷款"},
     {"Rent",
-     "rent rents rental landlord lease lettings apartments realty immobilier~ hausverwaltung "
+     "property properties wohnbau estate "
+     "rent rents landlord lease lettings apartments realty immobilier~ hausverwaltung "
      "vermietung inmobiliaria imobiliaria alquiler aluguel loyer miete kira sewa ايجار عقارات "
      "аренда 房租 월세"},
     {"Fees", "levy charges commission komisi gebuhr gebuhren комиссия رسوم عموله"},
     {"Shopping",
+     "garden saree~ modehaus schuh~ buchhandlung blumen baumarkt fleuriste chaussures "
+     "quincaillerie calcados friseur~ coiffeur coiffure peluqueria salao barbearia صالون nails "
      "store~ mall shop~ boutique fashion fashions wear books~ bookshop electronics furniture "
      "furnishings "
      "tailor~ jewel~ "
