@@ -5,10 +5,19 @@
 #include <cctype>
 #include <string_view>
 
+#include "names/letter_case.h"
 #include "recognition/lone_name.h"
 #include "recognition/name_text.h"
 
 namespace kivo::recognition {
+
+using names::LetterCase;
+
+namespace {
+
+bool isAscii(char character) { return static_cast<unsigned char>(character) < 0x80; }
+
+}  // namespace
 
 NameExtent::NameExtent(const AnalysedMessage& message)
     : message_(message), items_(message.items), at_(items_.size(), nullptr) {
@@ -18,6 +27,22 @@ NameExtent::NameExtent(const AnalysedMessage& message)
 bool NameExtent::isWordOf(std::size_t at, std::initializer_list<Meaning> meanings) const {
   return at < items_.size() && at_[at] != nullptr &&
          std::find(meanings.begin(), meanings.end(), at_[at]->meaning) != meanings.end();
+}
+
+bool NameExtent::isMask(std::size_t at) const {
+  return items_[at].kind == Item::Kind::word &&
+         items_[at].text.find_first_not_of('x') == std::string::npos;
+}
+
+std::size_t NameExtent::behindMask(std::size_t at) const {
+  const std::size_t begin = at;
+  while (at < items_.size() &&
+         (isMark(items_[at], "*:-.") || items_[at].kind == Item::Kind::number || isMask(at) ||
+          (items_[at].kind == Item::Kind::mark && items_[at].text.size() > 1))) {
+    ++at;
+  }
+  if (at > begin && at < items_.size() && isMark(items_[at], ";,-/")) ++at;
+  return at;
 }
 
 bool NameExtent::mayBegin(std::size_t at) const {
@@ -142,12 +167,38 @@ bool NameExtent::endsName(std::size_t at, std::size_t begin, Introduction introd
 
 // "SEN COFFEE luc 21:15": behind a name in capitals, a small word of Latin letters is the
 // message's.
-bool NameExtent::isProse(std::size_t at) const {
+bool NameExtent::followsCapitals(std::size_t at) const {
   const char first = message_.text[items_[at].begin];
   const bool last = at + 1 >= items_.size() || isMark(items_[at + 1], ".") ||
                     items_[at + 1].startsSentence;  // "Paolo Martini eseguito."
   return (items_[at - 1].capitals || last) && items_[at].kind == Item::Kind::word &&
          !items_[at].glued && first >= 'a' && first <= 'z';
+}
+
+bool NameExtent::isProse(Introduction introduced, std::size_t begin, std::size_t end) const {
+  const std::string_view name = message_.text.substr(items_[begin].begin);
+  const LetterCase first = names::caseOfFirst(name);
+  const bool small = first == LetterCase::small;
+  // Russian "в" is also in front of manners, "в приложении", and "Покупка" of goods, "товара". A
+  // shop may be "at maple gas".
+  const bool russian = small && !isAscii(name.front());
+  if (russian && (!introduced || introduced == Marker::at)) return true;
+  if (introduced != Marker::towards && introduced != Marker::by && introduced != Marker::to &&
+      introduced != Marker::from && introduced != Marker::ends) {
+    return false;
+  }
+  if (isAddress(items_[begin])) return false;
+  const bool cased = items_[begin].kind != Item::Kind::word || first != LetterCase::none;
+  // "on Nov 6"
+  const bool day = begin + 1 < items_.size() && items_[begin + 1].isPiece;
+  const bool month = begin + 2 < items_.size() && items_[begin + 2].isPiece;  // "for AUG-26"
+  if (introduced == Marker::ends && day) return true;
+  if (introduced == Marker::towards && (day || month)) return true;
+  if (introduced == Marker::ends && (items_[begin].kind != Item::Kind::word || !cased)) return true;
+  return small &&
+         std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
+                      items_.begin() + static_cast<std::ptrdiff_t>(end),
+                      [](const Item& item) { return isAddress(item) || isMark(item, "._"); });
 }
 
 std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) const {
@@ -156,7 +207,7 @@ std::size_t NameExtent::endOfName(std::size_t begin, Introduction introduced) co
   while (end < items_.size() && (items_[end].named || !endsName(end, begin, introduced))) {
     // "LE BISTRO in Paris"
     const bool town = items_[end].text == "in" && end + 1 < items_.size() && isNameWord(end + 1);
-    if (items_[end - 1].named && !items_[end].named && (town || isProse(end))) break;
+    if (items_[end - 1].named && !items_[end].named && (town || followsCapitals(end))) break;
     ++end;
   }
   return end;

@@ -25,15 +25,26 @@ class NameExtent {
   /// The wording that begins at item `at`; null without one.
   [[nodiscard]] const Found* wordingAt(std::size_t at) const { return at_[at]; }
 
+  /// Whether item `at` is a word of "x" alone, as in "XX7719".
+  [[nodiscard]] bool isMask(std::size_t at) const;
+
+  /// The place behind a masked account or telephone number at item `at`: "****; Ahmad",
+  /// "0722000000 - JANE"; `at` without one.
+  [[nodiscard]] std::size_t behindMask(std::size_t at) const;
+
   /// Whether a name may begin with item `at`.
   [[nodiscard]] bool mayBegin(std::size_t at) const;
+
+  /// Whether the items [`begin`, `end`) behind `introduced` are no name. Behind "for", "by" and the
+  /// like a name has a capital, unless it is an address: "lotus@upi".
+  [[nodiscard]] bool isProse(Introduction introduced, std::size_t begin, std::size_t end) const;
 
   /// The place behind the last item of the name that begins with item `begin`.
   [[nodiscard]] std::size_t endOfName(std::size_t begin, Introduction introduced) const;
 
  private:
   [[nodiscard]] bool isEastAsianMove(std::size_t at) const;
-  [[nodiscard]] bool isProse(std::size_t at) const;
+  [[nodiscard]] bool followsCapitals(std::size_t at) const;
   [[nodiscard]] bool continuesBehindComma(std::size_t comma, std::size_t begin) const;
   [[nodiscard]] bool isBracketed(std::size_t at, std::size_t begin) const;
   [[nodiscard]] bool isNameWord(std::size_t at) const;

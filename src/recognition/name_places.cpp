@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <span>
 #include <string_view>
 
 #include "names/letter_case.h"
@@ -13,6 +12,7 @@
 #include "recognition/movements.h"
 #include "recognition/name_text.h"
 #include "recognition/payer_text.h"
+#include "recognition/subject_names.h"
 #include "recognition/uncased_name.h"
 
 namespace kivo::recognition {
@@ -28,10 +28,8 @@ class NamePlaces {
 
   std::vector<NamePlace> all() {
     append(quotedNames(message_));
-    for (const Found& wording : message_.wordings) {
-      if (namesItsSubject(wording)) addInFront(wording);
-    }
-    const std::vector<NamePlace> subjects = places_;
+    const std::vector<NamePlace> subjects = subjectNames(message_, words_);
+    append(subjects);
     auto subject = subjects.begin();
     const auto isSubject = [&](const Found& wording) {
       while (subject != subjects.end() && subject->end <= wording.begin) ++subject;
@@ -117,61 +115,12 @@ class NamePlaces {
            words_.isWord(wording.end) && isShopWord(items_[wording.end].text);
   }
 
-  // Whether the party of the payment is in front of `wording`: "Will Smith sent you".
-  static bool namesItsSubject(const Found& wording) {
-    return wording.payeePrecedes || wording.is(Move::credited) || wording.is(Move::sent) ||
-           wording.is(Move::paid);
-  }
-
   void append(const std::vector<NamePlace>& places) {
     places_.insert(places_.end(), places.begin(), places.end());
   }
 
   void add(std::size_t begin, std::size_t end, std::size_t lastEnd) {
     if (begin < lastEnd) places_.push_back({begin, end, lastEnd});
-  }
-
-  // "Refund Fashion sent you #", "debited; Denied Jeans credited": the capitals in front.
-  void addInFront(const Found& wording) {
-    std::size_t end = wording.begin;
-    while (end > 0 && (items_[end - 1].text == "has" || items_[end - 1].text == "was")) --end;
-    std::size_t begin = end;
-    while (begin > 0 && !items_[begin].startsSentence &&
-           (words_.isCapital(begin - 1) || isMark(items_[begin - 1], "&'-.")) &&
-           (words_.wordingAt(begin - 1) == nullptr ||
-            !words_.wordingAt(begin - 1)->is(Marker::own) ||
-            (words_.isSmall(wording.begin) && wording.as<Move>() != nullptr &&
-             items_[begin - 1].text == "card" && items_[begin - 1].startsSentence && begin < end &&
-             !words_.isInWording(begin)))) {
-      --begin;
-    }
-    while (begin < end && !words_.isCapital(begin)) ++begin;
-    if (wording.payeePrecedes && wording.is(Move::received) && addSubjectWithSum(end)) return;
-    if (begin == end || isPronoun(items_[begin].text) || !words_.isSmall(wording.begin)) return;
-    const bool apart = items_[begin].startsSentence || isMark(items_[begin - 1], ";,:") ||
-                       (items_[begin - 1].text == "and" && wording.is(Move::credited));
-    if (wording.payeePrecedes || (apart && words_.hasOwnWord(begin, end))) add(begin, end, end);
-  }
-
-  // "Salary INR 85,000 Paid has sent you Rs 1.00": all of the sentence in front, when it holds a
-  // sum and the amount follows.
-  bool addSubjectWithSum(std::size_t end) {
-    constexpr std::size_t near = 6;
-    std::size_t begin = end;
-    bool sum = false;
-    while (begin > 0 && !(begin < end && items_[begin].startsSentence) &&
-           !isMark(items_[begin - 1], ":")) {
-      --begin;
-      sum = sum || items_[begin].kind == Item::Kind::sum;
-    }
-    bool follows = false;
-    for (std::size_t at = end; at < std::min(end + near, items_.size()) && !follows; ++at) {
-      const Found* const wording = words_.wordingAt(at);
-      if (wording != nullptr && wording->is(SumRole::balance)) break;
-      follows = items_[at].kind == Item::Kind::sum;
-    }
-    if (sum && follows) add(begin, end, end);
-    return sum && follows;
   }
 
   // "to Your Corner Shop", "at Block Party": a longer wording of a preposition and a capital.

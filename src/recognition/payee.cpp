@@ -197,24 +197,6 @@ class Names {
            holds(message_.wordings, Move::cashback);
   }
 
-  // Whether item `at` is a word of "x" alone, as in "XX7719".
-  [[nodiscard]] bool isMask(std::size_t at) const {
-    return items_[at].kind == Item::Kind::word &&
-           items_[at].text.find_first_not_of('x') == std::string::npos;
-  }
-
-  // The place behind a masked account or telephone number: "****; Ahmad", "0722000000 - JANE".
-  [[nodiscard]] std::size_t behindMask(std::size_t at) const {
-    const std::size_t begin = at;
-    while (at < items_.size() &&
-           (isMark(items_[at], "*:-.") || items_[at].kind == Item::Kind::number || isMask(at) ||
-            (items_[at].kind == Item::Kind::mark && items_[at].text.size() > 1))) {
-      ++at;
-    }
-    if (at > begin && at < items_.size() && isMark(items_[at], ";,-/")) ++at;
-    return at;
-  }
-
   [[nodiscard]] std::string nameBehind(const Found& wording) const {
     std::size_t begin = wording.end;
     while (begin < items_.size() && isMark(items_[begin], ":-.\"'(*")) ++begin;
@@ -227,10 +209,10 @@ class Names {
     }
     constexpr std::size_t longestHouseNumber = 4;
     const bool digits = items_[begin].kind == Item::Kind::number;
-    const bool masked =
-        isMark(items_[begin - 1], "*") || isMask(begin) || items_[begin].kind == Item::Kind::mark;
+    const bool masked = isMark(items_[begin - 1], "*") || extent_.isMask(begin) ||
+                        items_[begin].kind == Item::Kind::mark;
     const bool skips = masked || (digits && items_[begin].text.size() > longestHouseNumber);
-    if (skips && !items_[begin].named) begin = behindMask(begin);
+    if (skips && !items_[begin].named) begin = extent_.behindMask(begin);
     if (extent_.isWordOf(begin, {Marker::label}))
       begin = extent_.wordingAt(begin)->end;  // "to Merchant STAR KABAB"
     if (begin >= items_.size() || !extent_.mayBegin(begin)) return {};
@@ -241,41 +223,12 @@ class Names {
     if (introduced == Marker::towards && namesLoan(items_, begin, end)) return {};
     const std::string& word = items_[wording.begin].text;
     const bool cased = isAscii(word.front()) || names::caseOfFirst(word) != LetterCase::none;
-    if (cased && !items_[begin].named && isProse(introduced, begin, end)) return {};
+    if (cased && !items_[begin].named && extent_.isProse(introduced, begin, end)) return {};
     // "from Lotus Bank card 12" is the person's side. In Arabic it is "from the shop by card 12".
     const bool ownSide = cased && (introduced == Marker::ends ||
                                    (kind_ != Kind::income && introduced == Marker::from));
     if (ownSide && extent_.isWordOf(end, {Marker::own})) return {};
     return shown(begin, end, introduced);
-  }
-
-  // Whether the items are no name. Behind "for", "by" and the like a name has a capital, unless it
-  // is an address: "lotus@upi".
-  [[nodiscard]] bool isProse(Introduction introduced, std::size_t begin, std::size_t end) const {
-    const std::string_view name = message_.text.substr(items_[begin].begin);
-    const LetterCase first = names::caseOfFirst(name);
-    const bool small = first == LetterCase::small;
-    // Russian "в" is also in front of manners, "в приложении", and "Покупка" of goods, "товара". A
-    // shop may be "at maple gas".
-    const bool russian = small && !isAscii(name.front());
-    if (russian && (!introduced || introduced == Marker::at)) return true;
-    if (introduced != Marker::towards && introduced != Marker::by && introduced != Marker::to &&
-        introduced != Marker::from && introduced != Marker::ends) {
-      return false;
-    }
-    if (isAddress(items_[begin])) return false;
-    const bool cased = items_[begin].kind != Item::Kind::word || first != LetterCase::none;
-    // "on Nov 6"
-    const bool day = begin + 1 < items_.size() && items_[begin + 1].isPiece;
-    const bool month = begin + 2 < items_.size() && items_[begin + 2].isPiece;  // "for AUG-26"
-    if (introduced == Marker::ends && day) return true;
-    if (introduced == Marker::towards && (day || month)) return true;
-    if (introduced == Marker::ends && (items_[begin].kind != Item::Kind::word || !cased))
-      return true;
-    return small &&
-           std::none_of(items_.begin() + static_cast<std::ptrdiff_t>(begin),
-                        items_.begin() + static_cast<std::ptrdiff_t>(end),
-                        [](const Item& item) { return isAddress(item) || isMark(item, "._"); });
   }
 
   // "ASHA RAO credited", "Asha Rao has received": a name in front of a wording begins behind the

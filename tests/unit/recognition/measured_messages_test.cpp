@@ -160,44 +160,44 @@ TEST_F(MeasuredMessages, OfTheFifthSetAreReadAsWellAsBefore) {
 }
 
 TEST_F(MeasuredMessages, OfTheSixthSetAreReadAsWellAsBefore) {
-  measure("messages_sixth_measure.tsv", {.kindAndAmount = 160, .payee = 73});
+  measure("messages_sixth_measure.tsv", {.kindAndAmount = 160, .payee = 74});
 }
 
 TEST_F(MeasuredMessages, OfTheSeventhSetAreReadAsWellAsBefore) {
-  measure("messages_seventh_measure.tsv", {.kindAndAmount = 175, .payee = 75});
+  measure("messages_seventh_measure.tsv", {.kindAndAmount = 175, .payee = 77});
 }
 
 TEST_F(MeasuredMessages, OfTheEighthSetAreReadAsWellAsBefore) {
-  measure("messages_eighth_measure.tsv", {.kindAndAmount = 363, .payee = 152});
+  measure("messages_eighth_measure.tsv", {.kindAndAmount = 364, .payee = 157});
 }
 
 TEST_F(MeasuredMessages, OfTheNinthSetAreReadAsWellAsBefore) {
-  measure("messages_ninth_measure.tsv", {.kindAndAmount = 338, .payee = 134});
+  measure("messages_ninth_measure.tsv", {.kindAndAmount = 338, .payee = 136});
 }
 
 TEST_F(MeasuredMessages, OfTheTenthSetAreReadAsWellAsBefore) {
-  measure("messages_tenth_measure.tsv", {.kindAndAmount = 314, .payee = 203});
+  measure("messages_tenth_measure.tsv", {.kindAndAmount = 315, .payee = 206});
 }
 
 TEST_F(MeasuredMessages, OfTheEleventhSetAreReadAsWellAsBefore) {
-  measure("messages_eleventh_measure.tsv", {.kindAndAmount = 209, .payee = 147});
+  measure("messages_eleventh_measure.tsv", {.kindAndAmount = 209, .payee = 150});
 }
 
 TEST_F(MeasuredMessages, OfOneYearAreReadAsWellAsBefore) {
-  measure("messages_year.tsv", {.kindAndAmount = 427, .payee = 286});
+  measure("messages_year.tsv", {.kindAndAmount = 427, .payee = 288});
 }
 
 TEST_F(MeasuredMessages, WithHardNamesAreReadAsWellAsBefore) {
-  measure("messages_hard_names.tsv", {.kindAndAmount = 353, .payee = 326});
+  measure("messages_hard_names.tsv", {.kindAndAmount = 353, .payee = 327});
 }
 
 // Two narrations say neither or both directions; they are booked, with the true sum.
 TEST_F(MeasuredMessages, WithForgedSumsAreReadAsWellAsBefore) {
-  measure("messages_forgeries.tsv", {.kindAndAmount = 88, .payee = 73, .wronglyBooked = 2});
+  measure("messages_forgeries.tsv", {.kindAndAmount = 90, .payee = 74, .wronglyBooked = 2});
 }
 
 TEST_F(MeasuredMessages, InOtherLanguagesAreReadAsWellAsBefore) {
-  measure("messages_languages.tsv", {.kindAndAmount = 919, .payee = 258});
+  measure("messages_languages.tsv", {.kindAndAmount = 920, .payee = 259});
 }
 
 }  // namespace
