@@ -38,7 +38,7 @@ class FieldNames {
           items_[begin - 1].kind != Item::Kind::sum) {
         continue;
       }
-      const std::size_t end = words_.endOfCapitals(number ? begin + 1 : begin);
+      const std::size_t end = endOfField(begin, words_.endOfCapitals(number ? begin + 1 : begin));
       if (end <= begin + 1 || !endsField(begin, end, front) || !words_.hasOwnWord(begin, end))
         continue;
       if (words_.isOutcome(end - 1) || isHeading(begin, end) || !movesOutside(begin, end)) {
@@ -82,6 +82,18 @@ class FieldNames {
   // Whether a wording in front of item `begin` or from item `end` on reports a movement.
   [[nodiscard]] bool movesOutside(std::size_t begin, std::size_t end) const {
     return firstMove_ != nullptr && (firstMove_->end <= begin || lastMove_->begin >= end);
+  }
+
+  // "EGP 1.00 WIN EGP 9000 TODAY card 12": behind the amount, a sum in the same currency belongs to
+  // the name.
+  [[nodiscard]] std::size_t endOfField(std::size_t begin, std::size_t end) const {
+    const bool behindSum = begin > 0 && items_[begin - 1].kind == Item::Kind::sum;
+    if (!behindSum || end == begin || end >= items_.size() || !words_.repeatsCurrency(end) ||
+        items_[end].sum.currency.empty()) {
+      return end;
+    }
+    const std::size_t next = end + 1;
+    return words_.isCapital(next) && !words_.isLabel(next) ? words_.endOfCapitals(next) : next;
   }
 
   // "Debit Alert", "Heron Bank Card", but not "BILL PAYMENT CENTRE"

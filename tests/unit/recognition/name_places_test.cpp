@@ -303,5 +303,10 @@ TEST(ARefund, InAnotherSentenceThanThePaymentIsForReview) {
       "review 16.00");
 }
 
+TEST(AName, BehindASumMayHoldAnotherOne) {
+  EXPECT_EQ(readingOf("Trx approved: EGP 1.00 WIN EGP 9000 TODAY CAIRO card **2210 15/11/26 16:00"),
+            "expense 1.00 | WIN EGP 9000 TODAY CAIRO");
+}
+
 }  // namespace
 }  // namespace kivo::recognition
