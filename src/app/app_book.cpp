@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <utility>
+#include <vector>
 
 #include "platform/linux/foundation/failure.h"
 #include "recording/book_currency.h"
+#include "recording/template_file.h"
 #include "store/shared_store.h"
 
 namespace kivo::app {
@@ -73,6 +75,21 @@ void AppBook::changeMore(const std::string& words, std::int64_t number,
                          const std::function<void(Book&)>& steps) {
   book::UserCommand command{.words = words, .number = number};
   book_.asCommand(command, [&] { steps(book_); });
+}
+
+std::int64_t AppBook::undoSince(std::int64_t number) {
+  std::vector<book::PastCommand> undone;
+  book_.inOneStep([&] {
+    std::int64_t count = 0;
+    for (const auto& command : book_.history()) {
+      ++count;
+      if (command.number == number) undone = book_.undo(count);
+    }
+  });
+  for (const auto& command : undone) {
+    if (!command.addedTemplate.empty()) recording::TemplateFile::remove(command.addedTemplate);
+  }
+  return static_cast<std::int64_t>(undone.size());
 }
 
 bool AppBook::undo(std::int64_t number) {

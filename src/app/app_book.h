@@ -40,6 +40,9 @@ class AppBook {
   /// Takes the command `number` back; returns false, and changes nothing, when it is not the last
   /// one any more. Throws BookFailure.
   bool undo(std::int64_t number);
+  /// Takes back the command `number` and all later ones, with the templates that they added, and
+  /// returns their number; 0 when the history has it no more. Throws Failure.
+  std::int64_t undoSince(std::int64_t number);
 
  private:
   void look();

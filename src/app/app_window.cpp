@@ -5,6 +5,7 @@
 
 #include "app/add_page.h"
 #include "app/month_page.h"
+#include "app/more_page.h"
 #include "app/payment_page.h"
 #include "app/payments_page.h"
 #include "app/review_page.h"
@@ -108,6 +109,7 @@ GtkWidget* AppWindow::mainPage() {
   addPage(month_->widget(), monthName, "This Month", "x-office-calendar-symbolic");
   addPage(payments_->widget(), paymentsName, "Payments", "view-list-symbolic");
   addPage(review_->widget(), reviewName, "Review", "mail-unread-symbolic");
+  addPage(newMorePage(*this), "more", "More", "view-more-horizontal-symbolic");
   GtkWidget* title = adw_view_switcher_title_new();
   adw_view_switcher_title_set_title(ADW_VIEW_SWITCHER_TITLE(title), "Kivo");
   adw_view_switcher_title_set_stack(ADW_VIEW_SWITCHER_TITLE(title), ADW_VIEW_STACK(stack_));
@@ -204,7 +206,17 @@ void AppWindow::undo(std::int64_t number) {
     refresh();
     if (undone) return tell("It is as it was before.");
     tellFailure("Not Taken Back",
-                "The book was changed again since. kivo-ledger undo takes the last change back.");
+                "The book was changed again since. The history shows the way back.");
+  } catch (const Failure& failure) {
+    tellFailure("Not Taken Back", sentence(failure.what()));
+  }
+}
+
+void AppWindow::undoSince(std::int64_t number) {
+  try {
+    const std::int64_t count = book_->undoSince(number);
+    refresh();
+    tell(count == 0 ? "It was taken back before" : "It is as it was before.");
   } catch (const Failure& failure) {
     tellFailure("Not Taken Back", sentence(failure.what()));
   }

@@ -46,6 +46,8 @@ class AppWindow {
   /// Runs `steps` as a further part of that command, shows `done`, and has all pages read again.
   void changeMore(const std::string& words, std::int64_t number, const std::string& done,
                   const std::function<void(book::Book&)>& steps);
+  /// Takes back the command `number` and all later ones, and says so; or why not.
+  void undoSince(std::int64_t number);
   /// Shows `text` for some seconds.
   void tell(const std::string& text);
   /// Says that something was not done, and why, until the person has read it.

@@ -35,8 +35,6 @@ class EntryFields {
   [[nodiscard]] std::string category() const;
 
  private:
-  GtkWidget* entryRow(const char* title);
-  void addCategoryPicker(const std::vector<std::string>& categories);
   void addCalendar();
 
   money::CurrencyCode currency_;

@@ -244,6 +244,60 @@ class AddsAPayment(AWindow):
         self.window.shows("Not Added")
 
 
+class KeepsMore(AWindow):
+    rows = [(LAST_MONTH, purchase("70.00", "TOWN GAS") + ". Available balance EGP 930.00"),
+            (YESTERDAY, purchase("80.00", "TOWN GAS") + ". Available balance EGP 350.00"),
+            (TODAY, purchase("150.00", "SUNNY MARKET") + ". Available balance EGP 200.00")]
+
+    def go_to(self, page):
+        self.window.go("More")
+        self.window.click(page)
+
+    def test_accounts_with_their_gaps_and_names(self):
+        self.go_to("Accounts")
+        self.window.shows("Balance")
+        self.window.shows("EGP 500.00 unexplained between")
+        self.window.type_into("Name of 4821", "Everyday")
+        self.window.click("Give 4821 this name")
+        self.window.shows("Everyday EGP")
+        self.assertEqual(json.loads(self.home.ledger("accounts", "--json"))[0]["name"], "Everyday")
+
+    def test_budgets(self):
+        self.go_to("Budgets")
+        self.window.type_into("Category", "Groceries")
+        self.window.type_into("A month may cost, in EGP", "1,000")
+        self.window.click("Set")
+        self.window.find("push button", "Remove the budget of Groceries")
+        self.assertEqual(json.loads(self.home.ledger("budget", "--json")),
+                         [{"category": "Groceries", "amount": "1000.00", "spent": "150.00"}])
+        self.window.click("Remove the budget of Groceries")
+        self.window.shows("Removed")
+        self.assertEqual(json.loads(self.home.ledger("budget", "--json")), [])
+
+    def test_rules(self):
+        self.go_to("Rules")
+        self.window.shows("There is no rule.")
+        self.window.type_into("Payee; * stands for any characters", "TOWN*")
+        self.window.type_into("Category", "Home")
+        self.window.click("Add")
+        self.window.find("push button", "Remove the rule for TOWN*")
+        self.assertEqual(json.loads(self.home.ledger("rules", "--json"))[0]["category"], "Home")
+        self.window.click("Remove the rule for TOWN*")
+        self.window.shows("There is no rule.")
+
+    def test_the_history_and_the_way_back(self):
+        before = self.home.ledger("list", "--json")
+        first, second = (one["id"] for one in self.entries()[:2])
+        self.home.ledger("edit", first, "--once", "--category", "Home")
+        self.home.ledger("edit", second, "--once", "--category", "Home")
+        self.go_to("History")
+        self.window.click(f"Undo: edit {first} --category Home")
+        self.window.click("Undo Them")
+        self.window.shows("It is as it was before.")
+        self.assertEqual(self.home.ledger("list", "--json"), before)
+        self.window.lacks(f"edit {second}")
+
+
 class HoldsHostileNames(AWindow):
     names = ["<b>BOLD</b> & CO", "EVIL ‮SHOP", "A" * 10_000]
 
@@ -340,6 +394,14 @@ class NamesEachControl(AWindow):
         self.window.click("Add a payment")
         self.window.field("Payee")
         self.assertEqual(self.unnamed(), [])
+        self.window.click("Back")
+        self.window.go("More")
+        for page, sign in (("Accounts", "Credit card"), ("Budgets", "Set a budget"), ("Rules", "A new rule"),
+                           ("History", "import")):
+            self.window.click(page)
+            self.window.shows(sign)
+            self.assertEqual(self.unnamed(), [], page)
+            self.window.click("Back")
 
 
 class HoldsManyPayments(AWindow):

@@ -10,6 +10,7 @@
 #include "ledger/commands/made_rules.h"
 #include "ledger/commands/opened_book.h"
 #include "overview/account_figures.h"
+#include "overview/gap_words.h"
 #include "platform/foundation/json_encoder.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_output.h"
@@ -38,31 +39,6 @@ std::string sumWithCodeFirst(const Money& sum) {
   return sum.currency.text() + " " + amountText(sum);
 }
 
-std::string yearOf(const Day& day) { return day.text().substr(0, 4); }
-
-// "November", with the year unless that is the year of `today`.
-std::string monthOf(const Day& day, const Day& today) {
-  const std::string name = day.month().name();
-  return yearOf(day) == yearOf(today) ? name.substr(0, name.find(' ')) : name;
-}
-
-std::string dayWords(const Day& day, const Day& today) {
-  return std::to_string(day.number()) + " " + monthOf(day, today);
-}
-
-std::string gapDays(const Gap& gap, const Day& today) {
-  if (gap.from == gap.to) return "on " + dayWords(gap.from, today);
-  const std::string first = gap.from.month() == gap.to.month() ? std::to_string(gap.from.number())
-                                                               : dayWords(gap.from, today);
-  return "between " + first + " and " + dayWords(gap.to, today);
-}
-
-std::string gapWords(const Gap& gap, const money::CurrencyCode& currency, const Day& today) {
-  const Money sum{gap.amount < 0 ? -gap.amount : gap.amount, currency};
-  const std::string words = gap.amount < 0 ? " more than is booked " : " unexplained ";
-  return sumWithCodeFirst(sum) + words + gapDays(gap, today);
-}
-
 const char* balanceWord(AccountFigures::Balance kind) {
   switch (kind) {
     case AccountFigures::Balance::money:
@@ -81,13 +57,15 @@ std::string linesOf(const AccountFigures& figures, const Day& today, std::size_t
   if (hasName) head += " " + escapedControls(figures.name);
   if (figures.balance) {
     head.append(": ").append(balanceWord(figures.kind)).append(" ");
-    head += sumWithCodeFirst(*figures.balance) + " on " + dayWords(*figures.balanceDate, today);
+    head += sumWithCodeFirst(*figures.balance) + " on " +
+            overview::dayWords(*figures.balanceDate, today);
   } else {
     head += ": no balance in " + figures.currency.text();
   }
   std::string lines = linux_platform::wrappedTo(width, head);
   for (const Gap& gap : figures.gaps) {
-    lines += linux_platform::wrappedTo(width, gapWords(gap, figures.currency, today), "  ");
+    lines +=
+        linux_platform::wrappedTo(width, overview::gapWords(gap, figures.currency, today), "  ");
   }
   return lines;
 }
