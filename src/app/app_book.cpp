@@ -64,9 +64,8 @@ void AppBook::look() {
   followed_();
 }
 
-std::optional<std::int64_t> AppBook::change(const std::string& words,
+std::optional<std::int64_t> AppBook::change(book::UserCommand command,
                                             const std::function<void(Book&)>& steps) {
-  book::UserCommand command{words};
   book_.asCommand(command, [&] { steps(book_); });
   return command.number;
 }
@@ -78,18 +77,17 @@ void AppBook::changeMore(const std::string& words, std::int64_t number,
 }
 
 std::int64_t AppBook::undoSince(std::int64_t number) {
-  std::vector<book::PastCommand> undone;
+  std::int64_t undone = 0;
   book_.inOneStep([&] {
     std::int64_t count = 0;
+    std::int64_t place = 0;
     for (const auto& command : book_.history()) {
-      ++count;
-      if (command.number == number) undone = book_.undo(count);
+      ++place;
+      if (command.number == number) count = place;
     }
+    undone = static_cast<std::int64_t>(takeBack(count).size());
   });
-  for (const auto& command : undone) {
-    if (!command.addedTemplate.empty()) recording::TemplateFile::remove(command.addedTemplate);
-  }
-  return static_cast<std::int64_t>(undone.size());
+  return undone;
 }
 
 bool AppBook::undo(std::int64_t number) {
@@ -97,8 +95,17 @@ bool AppBook::undo(std::int64_t number) {
   book_.inOneStep([&] {
     const auto commands = book_.history();
     if (commands.empty() || commands.front().number != number) return;
-    undone = !book_.undo(1).empty();
+    undone = !takeBack(1).empty();
   });
+  return undone;
+}
+
+// The last `count` commands, with the templates that they added.
+std::vector<book::PastCommand> AppBook::takeBack(std::int64_t count) {
+  auto undone = book_.undo(count);
+  for (const auto& command : undone) {
+    if (!command.addedTemplate.empty()) recording::TemplateFile::remove(command.addedTemplate);
+  }
   return undone;
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gio/gio.h>
 
@@ -29,16 +30,15 @@ class AppBook {
   [[nodiscard]] const money::CurrencyCode& currency() const { return currency_; }
   [[nodiscard]] const std::string& userId() const { return userId_; }
 
-  /// Runs `steps` as the command `words`, such as "edit 3 --category Dining", in one step. Returns
-  /// its number for `undo`; absent when it changed nothing. Throws BookFailure, and what `steps`
-  /// throw, when nothing was changed.
-  std::optional<std::int64_t> change(const std::string& words,
+  /// Runs `steps` as a new `command` in one step. Returns its number for `undo`; absent when it
+  /// changed nothing. Throws BookFailure, and what `steps` throw, when nothing was changed.
+  std::optional<std::int64_t> change(book::UserCommand command,
                                      const std::function<void(book::Book&)>& steps);
   /// Runs `steps` as a further step of the command `words` that `change` gave the number `number`.
   void changeMore(const std::string& words, std::int64_t number,
                   const std::function<void(book::Book&)>& steps);
-  /// Takes the command `number` back; returns false, and changes nothing, when it is not the last
-  /// one any more. Throws BookFailure.
+  /// Takes the command `number` back, with the template that it added; returns false, and changes
+  /// nothing, when it is not the last one any more. Throws BookFailure.
   bool undo(std::int64_t number);
   /// Takes back the command `number` and all later ones, with the templates that they added, and
   /// returns their number; 0 when the history has it no more. Throws Failure.
@@ -46,6 +46,7 @@ class AppBook {
 
  private:
   void look();
+  std::vector<book::PastCommand> takeBack(std::int64_t count);
 
   book::Book book_;
   money::CurrencyCode currency_;

@@ -11,6 +11,7 @@
 #include "app/review_page.h"
 #include "app/widgets.h"
 #include "platform/linux/foundation/failure.h"
+#include "recording/template_file.h"
 
 namespace kivo::app {
 
@@ -53,7 +54,7 @@ AppWindow::AppWindow(GtkApplication* application)
   openBook();
 }
 
-AppWindow::~AppWindow() = default;
+AppWindow::~AppWindow() { g_clear_weak_pointer(&toast_); }
 
 void AppWindow::present() { gtk_window_present(GTK_WINDOW(window_)); }
 
@@ -162,12 +163,19 @@ bool AppWindow::read(const std::function<void(const Book&)>& reads) {
 
 std::optional<std::int64_t> AppWindow::change(const std::string& words, const std::string& done,
                                               const std::function<void(Book&)>& steps) {
+  return changeAs({words}, done, steps);
+}
+
+std::optional<std::int64_t> AppWindow::changeAs(const book::UserCommand& command,
+                                                const std::string& done,
+                                                const std::function<void(Book&)>& steps) {
   try {
-    const auto number = book_->change(words, steps);
+    const auto number = book_->change(command, steps);
     tellDone(done, number);
     refresh();
     return number;
   } catch (const Failure& failure) {
+    if (!command.addedTemplate.empty()) recording::TemplateFile::remove(command.addedTemplate);
     tellFailure("Nothing Was Changed", sentence(failure.what()));
     return std::nullopt;
   }
@@ -190,6 +198,9 @@ void AppWindow::tellDone(const std::string& done, std::optional<std::int64_t> nu
   adw_toast_set_title(toast, plain);
   g_free(plain);
   adw_toast_set_timeout(toast, toastSeconds);
+  // The overlay would show it after those before it.
+  if (toast_ != nullptr) adw_toast_dismiss(toast_);
+  g_set_weak_pointer(&toast_, toast);
   if (number) {
     adw_toast_set_button_label(toast, "Undo");
     onSignal(toast, "button-clicked", [this, number = *number] { undo(number); });
@@ -245,7 +256,7 @@ void AppWindow::ask(const std::string& question, const std::string& detail, cons
 
 void AppWindow::showWhatWaits() {
   if (!month_) return;
-  while (!pushed_.empty()) pop();
+  popAll();
   std::int64_t waiting = 0;
   read([&](const Book& book) { waiting = book.reviewCount(); });
   if (waiting > 0) showReview();
@@ -254,7 +265,7 @@ void AppWindow::showWhatWaits() {
 void AppWindow::openPayment(std::int64_t id) { openPaymentPage(*this, id); }
 
 void AppWindow::showPayments(const book::EntryFilter& filter) {
-  while (!pushed_.empty()) pop();
+  popAll();
   adw_view_stack_set_visible_child_name(ADW_VIEW_STACK(stack_), paymentsName);
   payments_->show(filter);
 }
@@ -289,6 +300,10 @@ void AppWindow::pop() {
   pushed_.pop_back();
   adw_leaflet_set_visible_child(ADW_LEAFLET(leaflet_),
                                 pushed_.empty() ? main_ : pushed_.back().page);
+}
+
+void AppWindow::popAll() {
+  while (!pushed_.empty()) pop();
 }
 
 // A page that was left, also by a swipe, is shown until the transition has ended.

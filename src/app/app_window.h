@@ -43,6 +43,9 @@ class AppWindow {
   /// why, and returns nothing.
   std::optional<std::int64_t> change(const std::string& words, const std::string& done,
                                      const std::function<void(book::Book&)>& steps);
+  /// Does so for a command that added a template, which it removes again when nothing is changed.
+  std::optional<std::int64_t> changeAs(const book::UserCommand& command, const std::string& done,
+                                       const std::function<void(book::Book&)>& steps);
   /// Runs `steps` as a further part of that command, shows `done`, and has all pages read again.
   void changeMore(const std::string& words, std::int64_t number, const std::string& done,
                   const std::function<void(book::Book&)>& steps);
@@ -68,6 +71,8 @@ class AppWindow {
             std::function<void()> refresh = {});
   /// Goes back to the page before.
   void pop();
+  /// Goes back to the main pages.
+  void popAll();
 
  private:
   struct Pushed {
@@ -89,6 +94,8 @@ class AppWindow {
 
   GtkWidget* window_;
   GtkWidget* toasts_ = nullptr;
+  /// The last one, while it is shown.
+  AdwToast* toast_ = nullptr;
   GtkWidget* leaflet_ = nullptr;
   GtkWidget* stack_ = nullptr;
   std::unique_ptr<AppBook> book_;

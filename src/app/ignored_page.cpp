@@ -7,6 +7,7 @@
 
 #include "app/app_window.h"
 #include "app/entry_fields.h"
+#include "app/teach_page.h"
 #include "app/widgets.h"
 #include "platform/linux/foundation/failure.h"
 #include "recording/ignored_booking.h"
@@ -62,6 +63,9 @@ class IgnoredPage : public std::enable_shared_from_this<IgnoredPage> {
     fields_.emplace("It is a payment after all", currency_, categories);
     fields_->set(proposed);
     gtk_box_append(GTK_BOX(box_), fields_->group());
+    gtk_box_append(GTK_BOX(box_), textButton("Teach", [this] {
+                     openTeachPageOfIgnored(window_, message_.number);
+                   }));
   }
 
   [[nodiscard]] StatedReading read(const book::Book& book, const StatedParts& parts) const {

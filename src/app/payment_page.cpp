@@ -9,6 +9,7 @@
 #include "app/entry_actions.h"
 #include "app/entry_fields.h"
 #include "app/sum_texts.h"
+#include "app/teach_page.h"
 #include "app/widgets.h"
 #include "book/current_day.h"
 #include "recording/rule_sentence.h"
@@ -160,6 +161,10 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
     if (entry_.state == LedgerEntry::State::review) {
       gtk_box_append(GTK_BOX(box_),
                      textButton("Right, Book It", [this] { saysRight(window_, entry_.id); }));
+    }
+    if (entry_.text) {
+      gtk_box_append(GTK_BOX(box_),
+                     textButton("Teach", [this] { openTeachPage(window_, entry_.id); }));
     }
     GtkWidget* remove = textButton("Delete", [this] { deletePayment(window_, entry_.id); });
     gtk_widget_add_css_class(remove, "destructive-action");

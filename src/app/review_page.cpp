@@ -6,6 +6,7 @@
 #include "app/app_window.h"
 #include "app/entry_actions.h"
 #include "app/ignored_page.h"
+#include "app/teach_page.h"
 #include "app/widgets.h"
 #include "book/current_day.h"
 #include "platform/linux/foundation/failure.h"
@@ -21,6 +22,25 @@ constexpr int gap = 18;
 // More would take long to lay out; the next ones follow when these are decided.
 constexpr std::int64_t mostCards = 20;
 constexpr std::size_t mostPairs = 10;
+
+// A box whose children stand side by side, so many at most, or below each other where there is no
+// room.
+GtkWidget* wrappingBox(guint most) {
+  GtkWidget* box = gtk_flow_box_new();
+  gtk_flow_box_set_selection_mode(GTK_FLOW_BOX(box), GTK_SELECTION_NONE);
+  gtk_flow_box_set_min_children_per_line(GTK_FLOW_BOX(box), 1);
+  gtk_flow_box_set_max_children_per_line(GTK_FLOW_BOX(box), most);
+  gtk_flow_box_set_column_spacing(GTK_FLOW_BOX(box), 6);
+  gtk_flow_box_set_row_spacing(GTK_FLOW_BOX(box), 6);
+  return box;
+}
+
+void appendWrapped(GtkWidget* box, GtkWidget* widget) {
+  GtkWidget* child = gtk_flow_box_child_new();
+  gtk_widget_set_focusable(child, FALSE);
+  gtk_flow_box_child_set_child(GTK_FLOW_BOX_CHILD(child), widget);
+  gtk_flow_box_append(GTK_FLOW_BOX(box), child);
+}
 
 }  // namespace
 
@@ -74,18 +94,10 @@ GtkWidget* ReviewPage::card(const LedgerEntry& entry) {
   gtk_label_set_selectable(GTK_LABEL(message), TRUE);
   gtk_widget_set_valign(message, GTK_ALIGN_START);
   // Side by side where there is room, else one below the other.
-  GtkWidget* sides = gtk_flow_box_new();
-  gtk_flow_box_set_selection_mode(GTK_FLOW_BOX(sides), GTK_SELECTION_NONE);
-  gtk_flow_box_set_max_children_per_line(GTK_FLOW_BOX(sides), 2);
-  gtk_flow_box_set_min_children_per_line(GTK_FLOW_BOX(sides), 1);
-  gtk_flow_box_set_column_spacing(GTK_FLOW_BOX(sides), gap);
-  gtk_flow_box_set_row_spacing(GTK_FLOW_BOX(sides), 12);
+  GtkWidget* sides = wrappingBox(2);
   for (GtkWidget* side : {message, reading(entry)}) {
-    GtkWidget* child = gtk_flow_box_child_new();
-    gtk_widget_set_focusable(child, FALSE);
     gtk_widget_set_size_request(side, 260, -1);
-    gtk_flow_box_child_set_child(GTK_FLOW_BOX_CHILD(child), side);
-    gtk_flow_box_append(GTK_FLOW_BOX(sides), child);
+    appendWrapped(sides, side);
   }
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
   gtk_box_append(GTK_BOX(box), sides);
@@ -126,11 +138,14 @@ GtkWidget* ReviewPage::buttons(const LedgerEntry& entry) {
   gtk_widget_add_css_class(right, "suggested-action");
   GtkWidget* change = textButton("Change", [this, id] { window_.openPayment(id); });
   GtkWidget* none = textButton("Not a Payment", [this, id] { deletePayment(window_, id); });
+  GtkWidget* teach = textButton("Teach", [this, id] { openTeachPage(window_, id); });
+  gtk_widget_set_sensitive(teach, entry.text ? TRUE : FALSE);
+  nameFor(teach, "Teach: " + name);
   nameFor(right, "Right: " + name);
   nameFor(change, "Change: " + name);
   nameFor(none, "Not a payment: " + name);
-  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
-  for (GtkWidget* button : {right, change, none}) gtk_box_append(GTK_BOX(box), button);
+  GtkWidget* box = wrappingBox(4);
+  for (GtkWidget* button : {right, change, none, teach}) appendWrapped(box, button);
   return box;
 }
 

@@ -244,6 +244,41 @@ class AddsAPayment(AWindow):
         self.window.shows("Not Added")
 
 
+class Learns(AWindow):
+    rows = [(TODAY, "KVB: 45.00 EGP >> SUNNY MARKET card 4821"), (YESTERDAY, "KVB: 30.00 EGP >> MOON CAFE card 4821"),
+            (TODAY, "Dear customer, EGP 300.00 is due for your Tulip plan")]
+
+    def prepare(self):
+        super().prepare()
+        self.ignored = {one["text"]: one["number"] for one in json.loads(self.home.ledger("ignored", "--json"))}
+
+    def test_how_a_message_is_read_and_unlearns_it(self):
+        self.window.go("Review")
+        self.window.click("Book: Dear customer, EGP 300.00")
+        self.window.click("Teach")
+        self.window.click("This Is the Sum")
+        self.window.shows("Mark it in the message first")
+        self.window.type_into("Payee, as the message writes it", "Tulip plan")
+        self.window.click("Learn")
+        self.window.shows("Learned")
+        self.assertEqual(self.entry("Tulip plan")["amount"], "300.00")
+        templates = self.home.path / "config/kivo/templates.toml"
+        self.assertIn("{amount}", templates.read_text(encoding="utf-8"))
+        self.window.click("Undo")
+        self.window.shows("It is as it was before.")
+        self.assertNotIn("{amount}", templates.read_text(encoding="utf-8"))
+        self.assertEqual(len(json.loads(self.home.ledger("ignored", "--json"))), len(self.ignored))
+
+    def test_only_what_the_message_holds(self):
+        self.window.go("Review")
+        self.window.click("Book: Dear customer, EGP 300.00")
+        self.window.click("Teach")
+        self.window.type_into("Sum, as the message writes it", "512")
+        self.window.click("Learn")
+        self.window.shows("It cannot be learned")
+        self.assertFalse((self.home.path / "config/kivo/templates.toml").exists())
+
+
 class KeepsMore(AWindow):
     rows = [(LAST_MONTH, purchase("70.00", "TOWN GAS") + ". Available balance EGP 930.00"),
             (YESTERDAY, purchase("80.00", "TOWN GAS") + ". Available balance EGP 350.00"),

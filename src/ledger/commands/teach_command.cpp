@@ -25,6 +25,7 @@
 #include "platform/linux/terminal/screen.h"
 #include "recognition/templates/message_text.h"
 #include "recognition/templates/teaching.h"
+#include "recording/proposed_parts.h"
 #include "recording/template_file.h"
 
 namespace kivo::ledger {
@@ -33,10 +34,7 @@ using book::Book;
 using book::LedgerEntry;
 using money::CurrencyCode;
 using recognition::CannotTeach;
-using recognition::firstSum;
 using recognition::MessageTemplate;
-using recognition::namesPayee;
-using recognition::numberFor;
 using recognition::Outcome;
 using recognition::partThatCounts;
 using recognition::Reading;
@@ -111,7 +109,7 @@ class Teaching {
     const std::string input(std::istreambuf_iterator<char>(std::cin), {});
     message_ = partThatCounts(platform::repairedUtf8(input));
     if (templateForm(message_).empty()) throw BadUsage("standard input is empty");
-    propose(std::nullopt);
+    proposed_ = recording::proposedParts(message_, std::nullopt, currency_);
   }
 
   void takeIgnored(const std::string& number) {
@@ -120,7 +118,7 @@ class Teaching {
       throw invalid("ID", source(), "ignored: and a number, as kivo-ledger ignored shows it");
     }
     message_ = requiredIgnored(book_, *shown_.ignored).text;
-    propose(std::nullopt);
+    proposed_ = recording::proposedParts(message_, std::nullopt, currency_);
   }
 
   // Shows the entries in review and asks which one has the message.
@@ -150,22 +148,7 @@ class Teaching {
     }
     shown_.entry = entry->id;
     message_ = partThatCounts(*entry->text);
-    propose(entry);
-  }
-
-  // Proposes the parts in the book, or those that the rules read, if the message holds them; else
-  // its first sum.
-  void propose(const std::optional<LedgerEntry>& entry) {
-    const Reading rules = recognition::read(message_, currency_);
-    proposed_.kind = entry ? entry->kind : rules.kind;
-    if (!entry && rules.outcome == Outcome::declined) proposed_.kind.reset();
-    if (entry && entry->amount) proposed_.amount = numberFor(message_, *entry->amount);
-    if (proposed_.amount.empty() && rules.amount) {
-      proposed_.amount = numberFor(message_, *rules.amount);
-    }
-    if (!rules.amount && !entry) proposed_.amount = firstSum(message_, currency_);
-    const std::string payee = entry ? entry->payee : rules.payee;
-    if (namesPayee(message_, payee)) proposed_.payee = payee;
+    proposed_ = recording::proposedParts(message_, entry, currency_);
   }
 
   // Shows the template and asks for confirmation.
