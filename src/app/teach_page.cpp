@@ -1,6 +1,7 @@
 #include "app/teach_page.h"
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -65,19 +66,23 @@ class TeachPage : public std::enable_shared_from_this<TeachPage> {
 
  private:
   GtkWidget* messageGroup() {
-    text_ = gtk_text_view_new();
-    gtk_text_view_set_editable(GTK_TEXT_VIEW(text_), FALSE);
-    gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(text_), GTK_WRAP_WORD_CHAR);
-    gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_)), message_.c_str(), -1);
-    nameFor(text_, "The message");
+    text_ = textLabel(message_);
+    gtk_label_set_selectable(GTK_LABEL(text_), TRUE);
     GtkWidget* group = rowGroup("Mark a part of the message");
     adw_preferences_group_add(ADW_PREFERENCES_GROUP(group), text_);
     GtkWidget* buttons = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
     gtk_widget_set_margin_top(buttons, 12);
-    gtk_box_append(GTK_BOX(buttons), textButton("This Is the Sum", [this] { take(amount_); }));
-    gtk_box_append(GTK_BOX(buttons), textButton("This Is the Payee", [this] { take(payee_); }));
+    addTaker(buttons, "This Is the Sum", [this] { take(amount_); });
+    addTaker(buttons, "This Is the Payee", [this] { take(payee_); });
     adw_preferences_group_add(ADW_PREFERENCES_GROUP(group), buttons);
     return group;
+  }
+
+  // The mark stays when the button is clicked.
+  static void addTaker(GtkWidget* buttons, const char* label, std::function<void()> takes) {
+    GtkWidget* button = textButton(label, std::move(takes));
+    gtk_widget_set_focus_on_click(button, FALSE);
+    gtk_box_append(GTK_BOX(buttons), button);
   }
 
   GtkWidget* partsGroup() {
@@ -106,13 +111,12 @@ class TeachPage : public std::enable_shared_from_this<TeachPage> {
 
   // Takes what is marked in the message as the text of `row`.
   void take(GtkWidget* row) {
-    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_));
-    GtkTextIter begin;
-    GtkTextIter end;
-    if (gtk_text_buffer_get_selection_bounds(buffer, &begin, &end) == FALSE) {
+    int begin = 0;
+    int end = 0;
+    if (gtk_label_get_selection_bounds(GTK_LABEL(text_), &begin, &end) == FALSE) {
       return window_.tell("Mark it in the message first");
     }
-    char* marked = gtk_text_buffer_get_text(buffer, &begin, &end, FALSE);
+    char* marked = g_utf8_substring(message_.c_str(), begin, end);
     gtk_editable_set_text(GTK_EDITABLE(row), marked);
     g_free(marked);
   }

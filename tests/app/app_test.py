@@ -263,10 +263,10 @@ class Learns(AWindow):
         self.window.shows("Learned")
         self.assertEqual(self.entry("Tulip plan")["amount"], "300.00")
         templates = self.home.path / "config/kivo/templates.toml"
-        self.assertIn("{amount}", templates.read_text(encoding="utf-8"))
+        self.assertIn("for your {payee}", templates.read_text(encoding="utf-8"))
         self.window.click("Undo")
         self.window.shows("It is as it was before.")
-        self.assertNotIn("{amount}", templates.read_text(encoding="utf-8"))
+        self.assertNotIn("for your", templates.read_text(encoding="utf-8"))
         self.assertEqual(len(json.loads(self.home.ledger("ignored", "--json"))), len(self.ignored))
 
     def test_only_what_the_message_holds(self):
