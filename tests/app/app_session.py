@@ -57,6 +57,15 @@ class Home:
     def ledger(self, *arguments, text=""):
         return self.run("kivo-ledger", *arguments, text=text)
 
+    def serve(self, program):
+        """Starts the service of a program; returns what ends it."""
+        service = subprocess.Popen([PROGRAMS / program, "serve"], env=self.environment, stderr=subprocess.DEVNULL)
+
+        def end():
+            service.terminate()
+            service.wait()
+        return end
+
     def import_rows(self, rows):
         """Books messages of the sender BANK, pairs of a day or a moment and a text."""
         file = self.path / "messages.csv"

@@ -236,6 +236,17 @@ class AddsAPayment(AWindow):
         self.assertEqual(self.entry("Corner shop")["amount"], "12.50")
         self.window.shows("Groceries, EGP 162.50")
 
+    def test_through_the_extension_and_shows_its_dialog(self):
+        self.home.run("kivo-phone", "sign-in", "--local")
+        for program in ("kivo-ledger", "kivo-intents"):
+            self.addCleanup(self.home.serve(program))
+        self.window.click("Add a payment")
+        self.window.type_into("Payee", "Corner shop")
+        self.window.type_into("Sum in EGP", "12.50")
+        self.window.click("Add")
+        self.window.shows("Tracked EGP 12.50 at Corner shop")
+        self.assertEqual(self.entry("Corner shop")["amount"], "12.50")
+
     def test_and_says_when_the_extension_is_not_there(self):
         self.window.click("Add a payment")
         self.window.type_into("Payee", "Corner shop")
