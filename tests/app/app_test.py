@@ -413,16 +413,8 @@ class NamesEachControl(AWindow):
     roles = ("push button", "toggle button", "text", "entry", "combo box", "page tab", "check box", "switch")
 
     def unnamed(self):
-        def name_around(node):
-            for _ in range(4):
-                if node is None:
-                    return ""
-                if node.name:
-                    return node.name
-                node = node.parent
-            return ""
-        return [str(node) for node in self.window.shown()
-                if node.getRoleName() in self.roles and not name_around(node)]
+        return [f"{node.getRoleName()} below {node.parent.name} {node.parent.parent.name}" for node, name in self.window.nodes()
+                if node.getRoleName() in self.roles and not name]
 
     def test_on_every_page(self):
         self.window.shows("EGP 230.00")
