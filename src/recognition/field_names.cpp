@@ -124,7 +124,7 @@ class FieldNames {
     if (item.kind == Item::Kind::lineBreak) return end > 0;
     const Found* const first = words_.wordingAt(begin);
     const Found* const next = words_.wordingAt(end);
-    const bool behindSum = !front && items_[begin - 1].kind == Item::Kind::sum;
+    const bool behindSum = !front && begin > 0 && items_[begin - 1].kind == Item::Kind::sum;
     if (behindSum && next != nullptr && next->is(Marker::from) && words_.isSmall(end)) {
       return !words_.isOutcome(begin);  // "EGP 50.00 Declined Fern Mart from card 12"
     }
@@ -140,8 +140,8 @@ class FieldNames {
     return !front &&
            (item.kind == Item::Kind::sum || item.kind == Item::Kind::number ||
             isMark(item, ",;|") || item.text == "·" || words_.isDash(end) || isSlash(end) ||
-            (isMark(item, ":") && isMark(items_[begin - 1], "/") && end + 1 < items_.size() &&
-             items_[end + 1].kind == Item::Kind::sum));
+            (isMark(item, ":") && begin > 0 && isMark(items_[begin - 1], "/") &&
+             end + 1 < items_.size() && items_[end + 1].kind == Item::Kind::sum));
   }
 
   const Items& items_;
