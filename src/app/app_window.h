@@ -38,9 +38,9 @@ class AppWindow {
   /// Calls `reads` at one moment of the book. When the book cannot be read, shows why in the place
   /// of all pages, from the next turn of the main loop on, and returns false.
   bool read(const std::function<void(const book::Book&)>& reads);
-  /// Runs `steps` as the command `words`, then shows `done` with a button that takes it back, and
-  /// has all pages read again. Returns the command's number. When nothing could be changed, says
-  /// why, and returns nothing.
+  /// Runs `steps` as the command `words`, then shows `done`, which `steps` may have changed, with a
+  /// button that takes it back, and has all pages read again. Returns the command's number. When
+  /// nothing could be changed, says why, and returns nothing.
   std::optional<std::int64_t> change(const std::string& words, const std::string& done,
                                      const std::function<void(book::Book&)>& steps);
   /// Does so for a command that added a template, which it removes again when nothing is changed.

@@ -37,10 +37,12 @@ void saysRight(AppWindow& window, std::int64_t id) {
   });
 }
 
-void deletePayment(AppWindow& window, std::int64_t id) {
-  window.change("delete " + std::to_string(id), "Deleted", [&](book::Book& book) {
-    if (!book.remove(id)) throw Failure("it was deleted meanwhile");
-  });
+bool deletePayment(AppWindow& window, std::int64_t id) {
+  const auto number =
+      window.change("delete " + std::to_string(id), "Deleted", [&](book::Book& book) {
+        if (!book.remove(id)) throw Failure("it was deleted meanwhile");
+      });
+  return number.has_value();
 }
 
 }  // namespace kivo::app

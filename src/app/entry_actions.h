@@ -11,7 +11,7 @@ class AppWindow;
 /// page.
 void saysRight(AppWindow& window, std::int64_t id);
 
-/// Deletes the payment `id`. Undo brings it back without its text.
-void deletePayment(AppWindow& window, std::int64_t id);
+/// Deletes the payment `id`, and returns whether it did. Undo brings it back without its text.
+bool deletePayment(AppWindow& window, std::int64_t id);
 
 }  // namespace kivo::app

@@ -166,7 +166,7 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
       gtk_box_append(GTK_BOX(box_),
                      textButton("Teach", [this] { openTeachPage(window_, entry_.id); }));
     }
-    GtkWidget* remove = textButton("Delete", [this] { deletePayment(window_, entry_.id); });
+    GtkWidget* remove = textButton("Delete", [this] { this->remove(); });
     gtk_widget_add_css_class(remove, "destructive-action");
     gtk_box_append(GTK_BOX(box_), remove);
   }
@@ -198,37 +198,54 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
                            (change->description || change->category);
     const std::int64_t id = entry_.id;
     const std::string words = editWords(id, *change, makesRule);
-    std::optional<KeptRule> rule;
-    isSaving_ = true;
-    auto* window = &window_;
     const auto kind = change->kind.value_or(entry_.kind);
-    const auto number = window_.change(words, "Saved", [&](book::Book& book) {
+    std::string done = "Saved";
+    std::optional<KeptRule> rule;
+    std::size_t earlier = 0;
+    auto* window = &window_;
+    isChanging_ = true;
+    const auto number = window_.change(words, done, [&](book::Book& book) {
       if (!book.edit(id, *change)) throw linux_platform::Failure("it was deleted meanwhile");
       if (makesRule) rule = book.keepRuleOf(id, *change);
+      if (!rule) return;
+      earlier = book.earlierFor(*rule).changing.size();
+      done += ". " + shownName(recording::ruleSentence(rule->rule, kind));
     });
-    isSaving_ = false;
+    isChanging_ = false;
     if (!number) return;
-    if (rule) offerEarlier(*window, words, *number, *rule, kind);
+    if (earlier > 0) offerEarlier(*window, words, *number, {*rule, kind, earlier});
     window->pop();
   }
 
+  struct Offered {
+    KeptRule rule;
+    money::Kind kind;
+    std::size_t earlier;
+  };
+
   static void offerEarlier(AppWindow& window, const std::string& words, std::int64_t number,
-                           const KeptRule& rule, money::Kind kind) {
-    const std::string sentence = shownName(recording::ruleSentence(rule.rule, kind));
-    std::size_t count = 0;
-    window.read([&](const book::Book& book) { count = book.earlierFor(rule).changing.size(); });
-    if (count == 0) return window.tell(sentence);
+                           const Offered& offered) {
+    const std::string sentence =
+        shownName(recording::ruleSentence(offered.rule.rule, offered.kind));
     const std::string ones =
-        std::to_string(count) + (count == 1 ? " earlier one" : " earlier ones");
-    window.ask(ones + " too?", sentence, "Change Them", [&window, words, number, rule, ones] {
-      window.changeMore(words, number, "Changed " + ones,
-                        [&](book::Book& book) { book.changeEarlier(rule); });
-    });
+        std::to_string(offered.earlier) + (offered.earlier == 1 ? " earlier one" : " earlier ones");
+    window.ask(ones + " too?", sentence, "Change Them",
+               [&window, words, number, rule = offered.rule, ones] {
+                 window.changeMore(words, number, "Changed " + ones,
+                                   [&](book::Book& book) { book.changeEarlier(rule); });
+               });
+  }
+
+  void remove() {
+    isChanging_ = true;
+    const bool isDeleted = deletePayment(window_, entry_.id);
+    isChanging_ = false;
+    if (isDeleted) window_.pop();
   }
 
   // After a change elsewhere: leaves when the payment is gone; what was typed stays.
   void follow() {
-    if (isSaving_) return;
+    if (isChanging_) return;
     std::optional<LedgerEntry> now;
     if (!window_.read([&](const book::Book& book) { now = book.entry(entry_.id); })) return;
     if (now) return;
@@ -241,7 +258,7 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
   GtkWidget* box_;
   std::optional<EntryFields> fields_;
   GtkWidget* rule_ = nullptr;
-  bool isSaving_ = false;
+  bool isChanging_ = false;
   SumTexts sums_;
 };
 
