@@ -45,7 +45,8 @@ class FieldNames {
         continue;
       }
       // "EGP 50.00 DECLINED FERN MART card 12": a shop or an outcome
-      const bool told = words_.isOutcome(begin) && items_[begin - 1].kind == Item::Kind::sum &&
+      const bool behindSum = begin > 0 && items_[begin - 1].kind == Item::Kind::sum;
+      const bool told = behindSum && words_.isOutcome(begin) &&
                         (words_.wordingAt(end) != nullptr || isMark(items_[end], "."));
       places.push_back({begin, told ? begin : end, end});
       begin = end - 1;
