@@ -35,8 +35,8 @@ void changeEach(book::Book& book, const std::vector<book::LedgerEntry>& entries,
 /// Returns the ignored message `number`. Throws CommandFailure when it does not exist.
 book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number);
 
-/// As `recording::bookCurrency`. Throws ReportedFailure, after one line on standard error, when the shared
-/// store cannot be opened.
+/// As `recording::bookCurrency`. Throws ReportedFailure, after one line on standard error, when the
+/// shared store cannot be opened.
 money::CurrencyCode requiredBookCurrency();
 
 /// Returns the user whose messages are recorded, "local" when none is signed in: an entry of this
