@@ -46,7 +46,8 @@ class SubjectNames {
       --begin;
     }
     while (begin < end && !words_.isCapital(begin)) ++begin;
-    if (wording.payeePrecedes && wording.is(Move::received) && addSubjectWithSum(end)) return;
+    const bool sent = wording.payeePrecedes && wording.is(Move::received);
+    if (sent && words_.isSmall(wording.begin) && addSubjectWithSum(end)) return;
     if (begin == end || isPronoun(items_[begin].text) || !words_.isSmall(wording.begin)) return;
     const bool apart = items_[begin].startsSentence || isMark(items_[begin - 1], ";,:") ||
                        (items_[begin - 1].text == "and" && wording.is(Move::credited));

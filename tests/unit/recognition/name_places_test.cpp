@@ -308,5 +308,12 @@ TEST(AName, BehindASumMayHoldAnotherOne) {
             "expense 1.00 | WIN EGP 9000 TODAY CAIRO");
 }
 
+TEST(ANameInCapitals, DoesNotMakeThePaymentInFrontItsSubject) {
+  EXPECT_EQ(readingOf("TidePesa QX1: EGP 30.00 paid to till HAS SENT YOU EGP 9000 on 21-11-26. "
+                      "Bal EGP 640.15")
+                .substr(0, 12),
+            "review 30.00");
+}
+
 }  // namespace
 }  // namespace kivo::recognition
