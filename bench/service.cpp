@@ -13,8 +13,8 @@
 #include <unistd.h>
 
 #include "ledger/extraction_endpoint.h"
+#include "ledger/http_server.h"
 #include "ledger/listening_socket.h"
-#include "ledger/unix_http_server.h"
 #include "platform/foundation/json_encoder.h"
 #include "testkit/private_folders.h"
 
@@ -22,7 +22,7 @@ namespace kivo::bench {
 namespace {
 
 using benchmark::State;
-using ledger::UnixHttpServer;
+using ledger::HttpServer;
 
 std::string request(const std::string& key) {
   platform::JSONEncoder object;
@@ -69,7 +69,7 @@ class Service {
   void run() {
     ledger::ExtractionEndpoint endpoint([] { return money::CurrencyCode("EGP"); },
                                         [](const book::LedgerEntry&) {});
-    UnixHttpServer server([&endpoint](const std::vector<UnixHttpServer::Request>& requests) {
+    HttpServer server([&endpoint](const std::vector<HttpServer::Request>& requests) {
       return endpoint.answers(requests);
     });
     server.run(socket_, std::chrono::milliseconds(200));

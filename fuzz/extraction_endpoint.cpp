@@ -20,7 +20,7 @@ namespace {
 
 using namespace kivo;
 using ledger::ExtractionEndpoint;
-using ledger::UnixHttpServer;
+using ledger::HttpServer;
 
 struct Ledger {
   testkit::PrivateFolders folders;
@@ -52,8 +52,8 @@ std::string withAnotherText(const std::string& body) {
   return other.text();
 }
 
-void requireADocumentedAnswer(const UnixHttpServer::Request& request,
-                              const UnixHttpServer::Answer& answer) {
+void requireADocumentedAnswer(const HttpServer::Request& request,
+                              const HttpServer::Answer& answer) {
   const int status = answer.status;
   fuzz::require(status == 200 || status == 400 || status == 404 || status == 405,
                 "the status is documented");
@@ -66,7 +66,7 @@ void requireADocumentedAnswer(const UnixHttpServer::Request& request,
   }
 }
 
-void requireTheSameAnswerAgain(Ledger& ledger, UnixHttpServer::Request request,
+void requireTheSameAnswerAgain(Ledger& ledger, HttpServer::Request request,
                                const std::string& body) {
   const std::string before = ledger.entries();
   fuzz::require(ledger.endpoint.answers({request})[0].body == body,
@@ -82,12 +82,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   static Ledger ledger;
   ledger.notices = 0;
   std::string_view rest(reinterpret_cast<const char*>(data), size);
-  UnixHttpServer::Request request;
+  HttpServer::Request request;
   request.method = nextLine(rest);
   request.target = nextLine(rest);
   request.body = rest;
 
-  const UnixHttpServer::Answer answer = ledger.endpoint.answers({request})[0];
+  const HttpServer::Answer answer = ledger.endpoint.answers({request})[0];
   requireADocumentedAnswer(request, answer);
   const std::string entries = ledger.entries();
   const bool booked = entries == "booked\n";

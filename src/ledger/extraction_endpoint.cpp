@@ -17,12 +17,13 @@ using recording::Recorded;
 
 namespace {
 
-using Answer = UnixHttpServer::Answer;
-using Request = UnixHttpServer::Request;
+using Answer = HttpServer::Answer;
+using Request = HttpServer::Request;
 using platform::DecodingError;
 
 constexpr int ok = 200;
 constexpr int badRequest = 400;
+constexpr int forbidden = 403;
 constexpr int notFound = 404;
 constexpr int methodNotAllowed = 405;
 constexpr int serviceUnavailable = 503;
@@ -65,7 +66,11 @@ Message messageOf(const Request& request) {
     throw Refused{refusal(methodNotAllowed, "method not allowed", "POST")};
   }
   try {
-    return messageFrom(request.body);
+    Message message = messageFrom(request.body);
+    if (request.user && message.userId != *request.user) {
+      throw Refused{refusal(forbidden, "user_id is not the person of this address")};
+    }
+    return message;
   } catch (const DecodingError& error) {
     throw Refused{refusal(badRequest, error.what())};
   }
@@ -141,7 +146,7 @@ std::vector<Answer> ExtractionEndpoint::answersOf(const std::vector<Recorded>& r
   std::vector<Answer> answers;
   for (const Recorded& one : recorded) {
     if (one.entry) notify(*one.entry, currency);
-    answers.push_back({.status = ok, .body = one.answer, .allow = ""});
+    answers.push_back({.status = ok, .body = one.answer});
   }
   return answers;
 }

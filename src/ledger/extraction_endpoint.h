@@ -8,7 +8,7 @@
 
 #include "book/book.h"
 #include "ledger/budget_notice.h"
-#include "ledger/unix_http_server.h"
+#include "ledger/http_server.h"
 #include "recording/recording.h"
 
 namespace kivo::ledger {
@@ -28,16 +28,17 @@ class ExtractionEndpoint {
   /// the book: all are durable together, or all are 503. The answer to a POST to
   /// /functions/v1/sms-extraction whose body is an object of exactly the request's four strings,
   /// with an existing date, is 200 and the response record; it is 400 for another body, 404 for
-  /// another path, 405 for another method, and 503 when the book cannot be opened or written or is
+  /// another path, 405 for another method, 403 for another user than that of the request, if it has
+  /// one, and 503 when the book cannot be opened or written or is
   /// damaged, or its currency cannot be read. After 503 nothing is stored, and the next request
   /// tries again; a line on standard error gives the reason, once for repeated
   /// failures to open. The body of every status but 200 is `{"error": ...}`.
-  std::vector<UnixHttpServer::Answer> answers(const std::vector<UnixHttpServer::Request>& requests);
+  std::vector<HttpServer::Answer> answers(const std::vector<HttpServer::Request>& requests);
 
  private:
-  std::vector<UnixHttpServer::Answer> record(const std::vector<recording::Message>& messages);
-  std::vector<UnixHttpServer::Answer> answersOf(const std::vector<recording::Recorded>& recorded,
-                                                const money::CurrencyCode& currency);
+  std::vector<HttpServer::Answer> record(const std::vector<recording::Message>& messages);
+  std::vector<HttpServer::Answer> answersOf(const std::vector<recording::Recorded>& recorded,
+                                            const money::CurrencyCode& currency);
   void notify(const book::LedgerEntry& entry, const money::CurrencyCode& currency);
 
   std::function<std::optional<money::CurrencyCode>()> currency_;

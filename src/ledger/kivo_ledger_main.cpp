@@ -61,7 +61,7 @@ void serveOn(const ListeningSocket& socket, std::optional<std::chrono::milliseco
       recording::bookCurrency, [&notifier](const LedgerEntry& entry) { notifier.post(entry); },
       recording::TemplateFile::reader(),
       [&notifier](const BudgetNotice& notice) { notifier.post(notice); });
-  UnixHttpServer server([&endpoint](const std::vector<UnixHttpServer::Request>& requests) {
+  HttpServer server([&endpoint](const std::vector<HttpServer::Request>& requests) {
     return endpoint.answers(requests);
   });
   server.run(socket, idleLimit);

@@ -3,12 +3,15 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netdb.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -87,6 +90,23 @@ void lockFolder(int folder, const std::filesystem::path& path) {
   failToListen(path, "is locked by another program; try again, or " + std::string(advice));
 }
 
+// "127.0.0.1:8787" or "[::1]:8787". Asks no name server.
+std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addressFrom(const std::string& text) {
+  const std::size_t colon = text.rfind(':');
+  std::string host = text.substr(0, colon);
+  const std::string port = colon == std::string::npos ? "" : text.substr(colon + 1);
+  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
+  addrinfo wanted{};
+  wanted.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
+  wanted.ai_socktype = SOCK_STREAM;
+  addrinfo* found = nullptr;
+  if (host.empty() || port.empty() ||
+      getaddrinfo(host.c_str(), port.c_str(), &wanted, &found) != 0) {
+    throw linux_platform::Failure("\"" + text + "\" is no address such as 127.0.0.1:8787");
+  }
+  return {found, freeaddrinfo};
+}
+
 }  // namespace
 
 std::optional<ListeningSocket> ListeningSocket::handedOver() {
@@ -118,6 +138,31 @@ ListeningSocket ListeningSocket::create(const std::filesystem::path& path) {
     failForSystem(path, errno);
   }
   return made;
+}
+
+ListeningSocket ListeningSocket::onAddress(const std::string& address) {
+  const auto found = addressFrom(address);
+  ListeningSocket made(
+      socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP), {});
+  // So that a server that was just ended can be started again.
+  const int reuse = 1;
+  setsockopt(made.descriptor_, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
+  if (made.descriptor_ < 0 || bind(made.descriptor_, found->ai_addr, found->ai_addrlen) != 0 ||
+      listen(made.descriptor_, SOMAXCONN) != 0) {
+    failToListen(address, "cannot be listened on: " + std::generic_category().message(errno));
+  }
+  return made;
+}
+
+int ListeningSocket::port() const {
+  sockaddr_storage address{};
+  socklen_t size = sizeof address;
+  getsockname(descriptor_, reinterpret_cast<sockaddr*>(&address), &size);
+  if (address.ss_family == AF_INET) {
+    return ntohs(reinterpret_cast<const sockaddr_in*>(&address)->sin_port);
+  }
+  if (address.ss_family != AF_INET6) return 0;
+  return ntohs(reinterpret_cast<const sockaddr_in6*>(&address)->sin6_port);
 }
 
 ListeningSocket::ListeningSocket(ListeningSocket&& other) noexcept

@@ -1,8 +1,9 @@
-// A listening UNIX socket, inherited from the service manager or created.
+// A listening socket, inherited from the service manager or created. Accepts no connection.
 #pragma once
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "platform/linux/process/descriptor.h"
 
@@ -25,11 +26,18 @@ class ListeningSocket {
   /// created.
   static ListeningSocket create(const std::filesystem::path& path);
 
+  /// Creates a TCP socket at `address`, an IPv4 address or an IPv6 address in brackets and a port
+  /// behind a colon, such as "127.0.0.1:8787" or "[::1]:8787"; port 0 for one that is free. Throws
+  /// Failure when `address` is none and when the socket cannot be created.
+  static ListeningSocket onAddress(const std::string& address);
+
   ListeningSocket(ListeningSocket&& other) noexcept;
   ListeningSocket& operator=(ListeningSocket&& other) = delete;
   ~ListeningSocket();
 
   [[nodiscard]] int descriptor() const { return descriptor_; }
+  /// Returns the port of a TCP socket; 0 for another.
+  [[nodiscard]] int port() const;
 
  private:
   ListeningSocket(int descriptor, std::filesystem::path created)

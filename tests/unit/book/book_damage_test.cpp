@@ -20,7 +20,7 @@ namespace kivo::book {
 using recording::LedgerTest;
 
 using ledger::ExtractionEndpoint;
-using ledger::UnixHttpServer;
+using ledger::HttpServer;
 using money::largestSum;
 using money::Money;
 using recognition::Reading;
@@ -50,7 +50,7 @@ class ADamagedBook : public LedgerTest {
   void spoil(const std::string& sql) {
     testkit::RawStore(file()).run("PRAGMA ignore_check_constraints = ON; " + sql);
   }
-  UnixHttpServer::Answer post(ExtractionEndpoint& endpoint, const std::string& key) {
+  HttpServer::Answer post(ExtractionEndpoint& endpoint, const std::string& key) {
     platform::JSONEncoder object;
     object.encodeString("sms_text", "text of " + key);
     object.encodeString("user_id", "user");

@@ -18,7 +18,7 @@ using recognition::Outcome;
 
 namespace {
 
-using ledger::UnixHttpServer;
+using ledger::HttpServer;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -34,13 +34,13 @@ class AnExtractionEndpoint : public LedgerTest {
     return object.text();
   }
 
-  static UnixHttpServer::Request request(std::string body) {
+  static HttpServer::Request request(std::string body) {
     return {.method = "POST", .target = "/functions/v1/sms-extraction", .body = std::move(body)};
   }
-  UnixHttpServer::Answer answer(const UnixHttpServer::Request& request) {
+  HttpServer::Answer answer(const HttpServer::Request& request) {
     return endpoint_.answers({request}).front();
   }
-  UnixHttpServer::Answer post(std::string body) { return answer(request(std::move(body))); }
+  HttpServer::Answer post(std::string body) { return answer(request(std::move(body))); }
 
   std::optional<money::CurrencyCode> currency_ = money::CurrencyCode("EGP");
   std::vector<std::int64_t> reviewed_;

@@ -1,9 +1,16 @@
 #include "platform/linux/foundation/device_folders.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace kivo::linux_platform {
 namespace {
+
+// The folder of `FoldersIn`, while one lives.
+std::optional<std::filesystem::path>& chosenFolder() {
+  static std::optional<std::filesystem::path> folder;
+  return folder;
+}
 
 // Returns the folder in the variable; nullopt when it is unset, empty or relative.
 std::optional<std::filesystem::path> folderFrom(const char* variable) {
@@ -14,9 +21,11 @@ std::optional<std::filesystem::path> folderFrom(const char* variable) {
   return folder;
 }
 
-// Returns the folder in the variable, or else `inHome` below the home folder.
-std::optional<std::filesystem::path> folderFromOrInHome(const char* variable,
+// Returns the folder `name` of the chosen folder, or that in the variable, or else `inHome` below
+// the home folder.
+std::optional<std::filesystem::path> folderFromOrInHome(const char* name, const char* variable,
                                                         const std::filesystem::path& inHome) {
+  if (chosenFolder()) return *chosenFolder() / name;
   if (auto folder = folderFrom(variable)) return folder;
   const auto home = folderFrom("HOME");
   if (!home) return std::nullopt;
@@ -25,16 +34,21 @@ std::optional<std::filesystem::path> folderFromOrInHome(const char* variable,
 
 }  // namespace
 
+FoldersIn::FoldersIn(std::filesystem::path folder)
+    : before_(std::exchange(chosenFolder(), std::move(folder))) {}
+
+FoldersIn::~FoldersIn() { chosenFolder() = std::move(before_); }
+
 std::optional<std::filesystem::path> dataHome() {
-  return folderFromOrInHome("XDG_DATA_HOME", ".local/share");
+  return folderFromOrInHome("data", "XDG_DATA_HOME", ".local/share");
 }
 
 std::optional<std::filesystem::path> configHome() {
-  return folderFromOrInHome("XDG_CONFIG_HOME", ".config");
+  return folderFromOrInHome("config", "XDG_CONFIG_HOME", ".config");
 }
 
 std::optional<std::filesystem::path> stateHome() {
-  return folderFromOrInHome("XDG_STATE_HOME", ".local/state");
+  return folderFromOrInHome("state", "XDG_STATE_HOME", ".local/state");
 }
 
 std::optional<std::filesystem::path> runtimeFolder() {

@@ -6,6 +6,20 @@
 
 namespace kivo::linux_platform {
 
+/// While it lives, `dataHome`, `configHome` and `stateHome` are the folders data, config and state
+/// of one folder: a process that keeps several people's data uses one at a time. The last one made
+/// counts. Only for processes in which no other thread asks for these folders.
+class FoldersIn {
+ public:
+  explicit FoldersIn(std::filesystem::path folder);
+  ~FoldersIn();
+  FoldersIn(const FoldersIn&) = delete;
+  FoldersIn& operator=(const FoldersIn&) = delete;
+
+ private:
+  std::optional<std::filesystem::path> before_;
+};
+
 /// Returns $XDG_DATA_HOME, or ~/.local/share when that is unset, empty or relative; nullopt when
 /// HOME is too.
 std::optional<std::filesystem::path> dataHome();

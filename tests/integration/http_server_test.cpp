@@ -1,5 +1,5 @@
 // HTTP over a UNIX socket: the session against the server, and whose sockets it speaks to.
-#include "ledger/unix_http_server.h"
+#include "ledger/http_server.h"
 
 #include <atomic>
 #include <csignal>
@@ -25,13 +25,13 @@
 
 namespace kivo::testkit {
 
+using ledger::HttpServer;
 using ledger::ListeningSocket;
-using ledger::UnixHttpServer;
 
 namespace {
 
+using ledger::HttpServer;
 using ledger::ListeningSocket;
-using ledger::UnixHttpServer;
 using namespace std::chrono_literals;
 using testing::Each;
 using testing::HasSubstr;
@@ -52,12 +52,12 @@ class AUnixSocket : public testing::Test {
   std::future<void> serving(std::chrono::milliseconds idle) {
     auto socket = std::make_shared<ListeningSocket>(ListeningSocket::create(path()));
     return std::async(std::launch::async, [this, socket, idle] {
-      UnixHttpServer server([this](const std::vector<UnixHttpServer::Request>& requests) {
-        std::vector<UnixHttpServer::Answer> answers;
+      HttpServer server([this](const std::vector<HttpServer::Request>& requests) {
+        std::vector<HttpServer::Answer> answers;
         for (const auto& request : requests) {
           ++requests_;
           const std::string body = request.method + " " + request.target + " " + request.body;
-          answers.push_back({.status = 200, .body = body, .allow = ""});
+          answers.push_back({.status = 200, .body = body});
         }
         mostTogether_ = std::max(mostTogether_.load(), requests.size());
         if (released_.valid()) released_.wait();
