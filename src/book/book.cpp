@@ -10,6 +10,7 @@
 #include "book/book_state.h"
 #include "book/book_sums.h"
 #include "book/current_day.h"
+#include "book/erased_person.h"
 #include "book/history.h"
 #include "book/ignored_messages.h"
 #include "book/look_alikes.h"
@@ -351,6 +352,15 @@ ForgottenTexts Book::forgetTexts() {
     file_->notes.lasting();
   });
   return forgotten;
+}
+
+std::int64_t Book::erasePerson(const std::string& userId) {
+  std::int64_t erased = 0;
+  inOneStep([&] {
+    oweErasure();
+    erased = book::erasePerson(file_->database, userId);
+  });
+  return erased;
 }
 
 void Book::setRate(const money::CurrencyCode& currency, const money::Rate& rate,

@@ -244,6 +244,11 @@ class Book {
   /// Erases the texts of all messages from the file, and with them the ignored messages.
   ForgottenTexts forgetTexts();
 
+  /// Removes all that messages of `userId` left: entries, answers, ignored messages, and the
+  /// commands of the history that changed them. Erases their texts from the file. Rules stay, since
+  /// they are everybody's. Returns the number of entries.
+  std::int64_t erasePerson(const std::string& userId);
+
   /// Returns the rules for payees, in the order of their patterns.
   [[nodiscard]] std::vector<Rule> rules() const;
   /// Keeps a rule that gives `members` to later messages whose payees match the pattern `payee`, a

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iostream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,7 @@
 #include "platform/linux/locale/currency_codes.h"
 #include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_output.h"
+#include "platform/linux/terminal/prompt.h"
 #include "platform/linux/terminal/text_columns.h"
 #include "platform/linux/user_notifications/bus_user_notification_center.h"
 #include "platform/linux/widget_kit/bus_widget_center.h"
@@ -69,9 +71,13 @@ std::string textOf(const GivenParameters& given, const char* name) {
   return platform::repairedUtf8(given.at(name));
 }
 
-// Returns `base` as a person reads it.
+// Returns `base` as a person reads it. What follows "/p/" is the secret by which a server for
+// several people knows this device: whoever looks over the shoulder must not see it.
 std::string shownBase(const std::string& base) {
-  return LocalLedger::url() == base ? "the ledger on this machine" : base;
+  if (LocalLedger::url() == base) return "the ledger on this machine";
+  constexpr std::string_view people = "/p/";
+  const std::size_t at = base.find(people);
+  return at == std::string::npos ? base : base.substr(0, at + people.size()) + "…";
 }
 
 // Checks the backend at `base`. Starts the socket of the ledger first where that helps.
@@ -104,6 +110,14 @@ Account localAccount(const GivenParameters& given) {
           .base = *url};
 }
 
+// The URL, which is read from standard input for "-": what is on a command line can be seen by
+// other users of the machine.
+std::string givenBase(const GivenParameters& given) {
+  std::string base = textOf(given, "--url");
+  if (base != "-") return base;
+  return linux_platform::Prompt(std::cin).ask("The backend's base URL:").value_or("");
+}
+
 Account remoteAccount(const GivenParameters& given) {
   if (!given.contains("--url")) {
     throw BadUsage("--url is missing, or --local (see kivo-phone sign-in --help)");
@@ -111,13 +125,14 @@ Account remoteAccount(const GivenParameters& given) {
   if (!given.contains("--user-id")) {
     throw BadUsage("--user-id is missing (see kivo-phone sign-in --help)");
   }
-  return {.userId = textOf(given, "--user-id"), .base = textOf(given, "--url")};
+  return {.userId = textOf(given, "--user-id"), .base = givenBase(given)};
 }
 
 Account accountFrom(const GivenParameters& given) {
   Account account = given.contains("--local") ? localAccount(given) : remoteAccount(given);
   if (SMSExtractionClient::endpoint(account.base)) return account;
-  throw BadUsage("invalid --url \"" + account.base + "\": this is no URL; nothing was stored");
+  throw BadUsage("invalid --url \"" + shownBase(account.base) +
+                 "\": this is no URL; nothing was stored");
 }
 
 bool areOneCurrency(std::string_view one, std::string_view other) {
@@ -266,7 +281,7 @@ std::vector<linux_platform::Command> accountCommands() {
       {"sign-in",
        "Store who the person is and where the backend is",
        {{"--user-id", "The user identifier; \"local\" when not given with --local", Kind::optional},
-        {"--url", "The backend's base URL", Kind::optional},
+        {"--url", "The backend's base URL; - reads it from standard input", Kind::optional},
         {"--local", "Use the backend on this machine, kivo-ledger", Kind::flag},
         {"--currency", "The currency code; kept when not given", Kind::optional}},
        signIn},

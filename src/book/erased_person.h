@@ -1,0 +1,14 @@
+// Removes what one person's messages left in the book of several. Commits nothing.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+struct sqlite3;
+
+namespace kivo::book {
+
+/// As `Book::erasePerson`, but for the bytes in the file. Call it in a step. Throws BookFailure.
+std::int64_t erasePerson(sqlite3* database, const std::string& userId);
+
+}  // namespace kivo::book

@@ -1,0 +1,27 @@
+#include "server/service_user.h"
+
+#include <cstdlib>
+
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include "platform/linux/foundation/failure.h"
+
+namespace kivo::server {
+
+void becomeServiceUser() {
+  constexpr const char* name = "kivo-server";
+  if (geteuid() != 0 || std::getenv("XDG_DATA_HOME") != nullptr) return;
+  const passwd* const user = getpwnam(name);
+  if (user == nullptr) return;
+  const bool became =
+      initgroups(name, user->pw_gid) == 0 && setgid(user->pw_gid) == 0 && setuid(user->pw_uid) == 0;
+  if (!became) throw linux_platform::Failure("cannot become the user kivo-server");
+  setenv("HOME", user->pw_dir, 1);
+  unsetenv("XDG_CONFIG_HOME");
+  unsetenv("XDG_STATE_HOME");
+  unsetenv("XDG_RUNTIME_DIR");
+}
+
+}  // namespace kivo::server

@@ -1,0 +1,11 @@
+// The system's user who runs the server and owns its files.
+#pragma once
+
+namespace kivo::server {
+
+/// Becomes the user kivo-server for good when root calls the program and that user exists: so that
+/// `sudo kivo-server ...` works on the server's own files, and nothing runs as root. Does nothing
+/// when XDG_DATA_HOME is set, which names other files. Throws Failure when the system refuses it.
+void becomeServiceUser();
+
+}  // namespace kivo::server
