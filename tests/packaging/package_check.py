@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Installs the Debian packages of Kivo in a clean Debian 12, uses them there as a person would, and removes them.
 
-    package_check.py KIVO-INTENTS.deb KIVO.deb
+    package_check.py KIVO-INTENTS.deb KIVO.deb KIVO-SERVER.deb
 
 A backend on loopback stands in for the real one. Needs root and mounts, and says so where they are missing.
 """
@@ -73,7 +73,36 @@ def try_out(root, session, backend):
     check(files_in(root.folder) - before == set(), "its removal leaves nothing")
     check((root.folder / "home/alice/.local/share/group.app.kivo.expenses/defaults.sqlite3").exists(),
           "but the person's own data")
+    try_the_server(root, session)
     try_the_window(root, session)
+
+
+def try_the_server(root, session):
+    """On the machine of a household: root calls it, its own user owns the books and answers."""
+    before = files_in(root.folder)
+    root.root("apt-get install -qq --no-install-recommends /kivo-server.deb")
+    check(root.root("dpkg --audit; dpkg --verify kivo-server") == "", "the server installs with what it needs, whole")
+    unit = "/usr/lib/systemd/system/kivo-server.service"
+    check(root.root(f"systemd-analyze verify --man=no {unit} 2>&1") == "", "its unit is valid")
+    root.root("kivo-server book add Family --currency EGP && kivo-server person add Mona --book Family")
+    owners = root.root("find /var/lib/kivo-server ! -user kivo-server; find /var/lib/kivo-server -perm /077")
+    check(owners == "", "its files belong to its user alone")
+    root.root("(runuser -u kivo-server -- kivo-server serve --listen 127.0.0.1:18787 --public-url http://127.0.0.1:18787"
+              " >/dev/null 2>&1 & echo $! >/run/kivo-server.pid)")
+    printed = root.root("for _ in 1 2 3 4 5 6 7 8 9 10; do kivo-server device add Mona --name phone && break; sleep 1;"
+                        " done 2>/dev/null")
+    address = re.search(r"http://127\S+/p/[0-9a-f]{32}", printed)[0]
+    root.root("apt-get install -qq --no-install-recommends /kivo.deb")
+    session.alice(f"kivo-phone sign-in --user-id Mona --url {address}")
+    said = session.alice("kivo-intents perform ProcessSMSIntent --smsText -", MESSAGE)
+    check(said == DIALOG + "\n", "a phone's message is tracked")
+    check("Cafe" in root.root("kivo-server list --book Family"), "it is in the household's book")
+    root.root("kill $(cat /run/kivo-server.pid); rm /run/kivo-server.pid")
+    root.root("apt-get purge -qq kivo-server kivo-intents && apt-get autoremove --purge -qq")
+    left = {path for path in files_in(root.folder) - before if not path.startswith("var/lib/kivo-server")}
+    # The user who owns the books stays with them.
+    check(left <= {"etc/passwd-", "etc/group-", "etc/shadow-", "etc/gshadow-", "etc/.pwd.lock"},
+          f"its removal leaves the books alone, not {sorted(left)}")
 
 
 def try_the_window(root, session):
@@ -137,7 +166,7 @@ def spend_the_first_minutes(session):
     check("This month     EGP" in session.alice("kivo-phone status"), "the status knows the month")
 
 
-def main(package, window):
+def main(package, window, server):
     with contextlib.ExitStack() as stack:
         try:
             root = stack.enter_context(contextlib.closing(CleanRoot()))
@@ -146,6 +175,7 @@ def main(package, window):
             return
         shutil.copy(package, root.folder / "kivo.deb")
         shutil.copy(window, root.folder / "kivo-window.deb")
+        shutil.copy(server, root.folder / "kivo-server.deb")
         backend = stack.enter_context(contextlib.closing(Backend()))
         session = stack.enter_context(contextlib.closing(Session(root)))
         try_out(root, session, backend)
