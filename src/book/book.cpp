@@ -4,12 +4,11 @@
 
 #include "book/book_accounts.h"
 #include "book/book_categories.h"
-#include "book/book_damage.h"
-#include "book/book_file.h"
 #include "book/book_rates.h"
 #include "book/book_state.h"
 #include "book/book_sums.h"
 #include "book/current_day.h"
+#include "book/database.h"
 #include "book/erased_person.h"
 #include "book/history.h"
 #include "book/ignored_messages.h"
@@ -17,12 +16,10 @@
 #include "book/pairs.h"
 #include "book/refund_category.h"
 #include "book/rules.h"
+#include "book/sqlite_database.h"
 #include "book/stored_entry.h"
-#include "platform/linux/store/replaced_text.h"
 
 namespace kivo::book {
-
-using linux_platform::Statement;
 
 namespace {
 
@@ -75,27 +72,26 @@ Book::Book(Book&& other) noexcept = default;
 Book& Book::operator=(Book&& other) noexcept = default;
 Book::~Book() = default;
 
-Book Book::open() { return Book(std::make_unique<File>(File{openBookFile()})); }
+Book Book::open() { return Book(std::make_unique<File>(File{openSqliteBook()})); }
 
 void Book::inOneStep(const std::function<void()>& steps) {
   if (file_->isInStep) return steps();
   {
     const Marked inStep(file_->isInStep);
     file_->owesErasure = false;
-    const linux_platform::StatementCache cache(file_->database);
-    WriteTransaction transaction(file_->database);
-    const bool outdated =
-        hasIgnored(file_->database) && deleteIgnoredBefore(file_->database, firstKeptDay());
-    if (outdated) oweErasure();
-    steps();
-    transaction.commit();
+    file_->database.inTransaction([&] {
+      const bool outdated =
+          hasIgnored(file_->database) && deleteIgnoredBefore(file_->database, firstKeptDay());
+      if (outdated) oweErasure();
+      steps();
+    });
   }
-  if (file_->owesErasure) linux_platform::eraseReplacedText(file_->database);
+  if (file_->owesErasure) file_->database.eraseDeletedTexts();
 }
 
 // Call it in a step that deletes a text.
 void Book::oweErasure() {
-  linux_platform::oweErasure(file_->database);
+  file_->database.oweErasure();
   file_->owesErasure = true;
 }
 
@@ -139,10 +135,7 @@ std::vector<PastCommand> Book::undo(std::int64_t count) {
 }
 
 void Book::atOneMoment(const std::function<void()>& reads) const {
-  const linux_platform::StatementCache cache(file_->database);
-  const linux_platform::Transaction transaction(file_->database, "BEGIN");
-  require(transaction.code());
-  reads();
+  file_->database.inSnapshot(reads);
 }
 
 std::optional<std::string> Book::answer(const std::string& userId, const std::string& key) const {
@@ -419,31 +412,25 @@ Book::Holds Book::holds() const {
 
 HeldPayments Book::backUp(const std::filesystem::path& path, const BackedUpSettings& settings,
                           const std::string& program) const {
-  return writeBackup(file_->database, path, settings, program);
+  return file_->database.backUp(path, settings, program);
 }
 
 void Book::restore(const Backup& backup, const std::function<void()>& before) {
-  const AttachedBackup attached(file_->database, backup);
-  inOneStep([&] {
-    before();
-    oweErasure();
-    attached.replaceBook();
+  file_->database.withReplacement(backup, [&](const std::function<void()>& replace) {
+    inOneStep([&] {
+      before();
+      oweErasure();
+      replace();
+    });
   });
 }
 
-std::filesystem::path Book::path() const { return linux_platform::fileOf(file_->database); }
+std::filesystem::path Book::path() const { return file_->database.path(); }
 
-std::int64_t Book::changesByOthers() const {
-  Statement query(file_->database, "PRAGMA data_version");
-  return next(query) ? query.integer(0) : 0;
-}
+std::int64_t Book::changesByOthers() const { return file_->database.changesByOthers(); }
 
-bool Book::isWhole() {
-  if (file_->wasChecked && !isDamageNoted(file_->database)) return true;
-  file_->wasChecked = checkWhole(file_->database);
-  return file_->wasChecked;
-}
+bool Book::isWhole() { return file_->database.isWhole(); }
 
-void Book::tell(const BookFailure& failure) const { tellFailure(file_->database, failure); }
+void Book::tell(const BookFailure& failure) const { file_->database.tell(failure); }
 
 }  // namespace kivo::book

@@ -5,13 +5,11 @@
 #include <string_view>
 #include <tuple>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 // The sum in the columns `column` and the next, negative when `leaves`; absent when its values
 // cannot be.
@@ -45,7 +43,7 @@ std::vector<AccountEntry> read(Statement& query) {
 }  // namespace
 
 // A transfer to the account of cash has the other account; it is an entry of both.
-std::vector<AccountEntry> accountEntries(sqlite3* database) {
+std::vector<AccountEntry> accountEntries(Database& database) {
   Statement query(database, R"(
     SELECT account, date, id, state, minor_units, currency, incoming, balance, balance_currency,
       original, original_currency, possible_duplicate_of
@@ -69,12 +67,12 @@ std::vector<AccountEntry> accountEntries(sqlite3* database) {
   return found;
 }
 
-bool keepsCash(sqlite3* database) {
+bool keepsCash(Database& database) {
   Statement query(database, "SELECT 1 FROM accounts WHERE digits = ?");
   return next(query.bind(std::string_view(cashAccount)));
 }
 
-std::vector<std::int64_t> withdrawals(sqlite3* database) {
+std::vector<std::int64_t> withdrawals(Database& database) {
   Statement query(database, R"(
     SELECT id FROM transactions WHERE kind = 'expense' AND category = 'Cash' AND account <> ? AND
       key NOT LIKE 'by-hand-%' AND counterpart IS NULL AND state IN ('booked', 'review')
@@ -85,7 +83,7 @@ std::vector<std::int64_t> withdrawals(sqlite3* database) {
   return found;
 }
 
-std::vector<Account> keptAccounts(sqlite3* database) {
+std::vector<Account> keptAccounts(Database& database) {
   Statement query(database, "SELECT digits, name, credit FROM accounts ORDER BY digits");
   std::vector<Account> found;
   while (next(query)) {
@@ -96,7 +94,7 @@ std::vector<Account> keptAccounts(sqlite3* database) {
   return found;
 }
 
-void writeAccount(sqlite3* database, const Account& account) {
+void writeAccount(Database& database, const Account& account) {
   if (account.name.empty() && !account.isCredit) {
     Statement removal(database, "DELETE FROM accounts WHERE digits = ?");
     return run(removal.bind(account.digits));

@@ -6,16 +6,16 @@
 
 #include "book/account.h"
 
-struct sqlite3;
-
 namespace kivo::book {
 
+class Database;
+
 /// As the functions of Book. They throw BookFailure.
-std::vector<AccountEntry> accountEntries(sqlite3* database);
-std::vector<Account> keptAccounts(sqlite3* database);
-bool keepsCash(sqlite3* database);
-std::vector<std::int64_t> withdrawals(sqlite3* database);
+std::vector<AccountEntry> accountEntries(Database& database);
+std::vector<Account> keptAccounts(Database& database);
+bool keepsCash(Database& database);
+std::vector<std::int64_t> withdrawals(Database& database);
 /// Writes the row of `account`, or removes it when it says nothing.
-void writeAccount(sqlite3* database, const Account& account);
+void writeAccount(Database& database, const Account& account);
 
 }  // namespace kivo::book

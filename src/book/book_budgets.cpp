@@ -2,15 +2,14 @@
 #include <algorithm>
 
 #include "book/book_categories.h"
-#include "book/book_file.h"
 #include "book/book_state.h"
+#include "book/database.h"
 #include "names/name_fold.h"
 #include "names/standard_categories.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 
-using linux_platform::Statement;
 using money::Month;
 
 namespace {
@@ -18,13 +17,14 @@ namespace {
 // Before all months, since it holds for all of them.
 std::string textOf(const std::optional<Month>& month) { return month ? month->text() : ""; }
 
-std::string foldedCategory(sqlite3* database, const std::string& category) {
+std::string foldedCategory(Database& database, const std::string& category) {
   return names::foldedName(spelledCategory(database, category));
 }
 
 // The budget of a category: that of one month, or all.
 struct ChosenBudgets {
-  ChosenBudgets(sqlite3* database, const std::string& category, const std::optional<Month>& ofMonth)
+  ChosenBudgets(Database& database, const std::string& category,
+                const std::optional<Month>& ofMonth)
       : folded(foldedCategory(database, category)),
         month(textOf(ofMonth)),
         condition(std::string("folded = ? AND month ") + (ofMonth ? "= ?" : ">= ?")) {}
@@ -72,12 +72,12 @@ bool Book::removeBudget(const std::string& category, const std::optional<Month>&
   bool found = false;
   inOneStep([&] {
     const ChosenBudgets chosen(file_->database, category, month);
-    Statement query(file_->database, ("SELECT 1 FROM budgets WHERE " + chosen.condition).c_str());
+    Statement query(file_->database, "SELECT 1 FROM budgets WHERE " + chosen.condition);
     found = next(chosen.bindTo(query));
     if (!found) return;
     query.reset();
     file_->notes.budgetsOf(chosen.folded);
-    Statement removal(file_->database, ("DELETE FROM budgets WHERE " + chosen.condition).c_str());
+    Statement removal(file_->database, "DELETE FROM budgets WHERE " + chosen.condition);
     run(chosen.bindTo(removal));
   });
   return found;

@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "book/history.h"
 #include "names/name_fold.h"
 #include "names/standard_categories.h"
@@ -13,7 +13,6 @@ namespace kivo::book {
 
 namespace {
 
-using linux_platform::Statement;
 using names::foldedName;
 
 struct Spelling {
@@ -23,7 +22,7 @@ struct Spelling {
 
 // A category has its own name and stands above those that begin with it and a colon; a semicolon
 // follows the colon.
-std::optional<std::string> spellingInUse(sqlite3* database, const std::string& folded,
+std::optional<std::string> spellingInUse(Database& database, const std::string& folded,
                                          std::int64_t except) {
   Statement query(database, R"(
     SELECT name FROM categories WHERE folded = ? AND EXISTS (
@@ -41,7 +40,7 @@ std::string standardSpelling(const std::string& folded, const std::string& name)
 }
 
 // The category and those above it, the highest first.
-std::vector<Spelling> spellingsOf(sqlite3* database, std::string_view category,
+std::vector<Spelling> spellingsOf(Database& database, std::string_view category,
                                   std::int64_t except) {
   std::vector<Spelling> levels;
   for (std::string_view left = category == "__system_transfer__" ? "Transfer" : category;;) {
@@ -58,11 +57,11 @@ std::vector<Spelling> spellingsOf(sqlite3* database, std::string_view category,
 
 }  // namespace
 
-std::string spelledCategory(sqlite3* database, std::string_view category, std::int64_t except) {
+std::string spelledCategory(Database& database, std::string_view category, std::int64_t except) {
   return spellingsOf(database, category, except).back().name;
 }
 
-std::string keepCategory(sqlite3* database, ChangeNotes& notes, std::string_view category,
+std::string keepCategory(Database& database, ChangeNotes& notes, std::string_view category,
                          std::int64_t except) {
   const std::vector<Spelling> levels = spellingsOf(database, category, except);
   for (const Spelling& level : levels) {
@@ -75,7 +74,7 @@ std::string keepCategory(sqlite3* database, ChangeNotes& notes, std::string_view
   return levels.back().name;
 }
 
-std::vector<std::string> knownCategories(sqlite3* database) {
+std::vector<std::string> knownCategories(Database& database) {
   std::set<std::string> names(names::standardCategories.begin(), names::standardCategories.end());
   names.erase("Credit Card Settlement");  // an answer's name for a transfer
   Statement query(database, "SELECT name FROM categories");

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 class ChangeNotes;
 
@@ -17,14 +17,14 @@ class ChangeNotes;
 /// compared as payees are (`foldedName`), level by level where a colon parts them, so that
 /// "food:tea" is "Food:tea" beside "Food:Coffee". The name by which answers keep a transfer out of
 /// totals becomes "Transfer". Throws BookFailure.
-std::string spelledCategory(sqlite3* database, std::string_view category, std::int64_t except = 0);
+std::string spelledCategory(Database& database, std::string_view category, std::int64_t except = 0);
 
 /// As `Book::categories`.
-std::vector<std::string> knownCategories(sqlite3* database);
+std::vector<std::string> knownCategories(Database& database);
 
 /// As `spelledCategory`, and stores the spelling, whose change `notes` gets. Call it in the
 /// transaction that writes the category to the entry `except`, 0 for a new one.
-std::string keepCategory(sqlite3* database, ChangeNotes& notes, std::string_view category,
+std::string keepCategory(Database& database, ChangeNotes& notes, std::string_view category,
                          std::int64_t except = 0);
 
 }  // namespace kivo::book

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "book/book_file.h"
+#include "book/sqlite_database.h"
 #include "book/stored_entry.h"
 #include "platform/linux/foundation/complaint.h"
 #include "platform/linux/foundation/failure.h"
@@ -47,10 +48,11 @@ std::optional<std::string> firstFault(sqlite3* database, const char* check) {
 
 // Of each transaction with a value that cannot be.
 void setImpossibleAside(sqlite3* database) {
+  SqliteTables tables(database);
   Statement query(database, "SELECT id FROM transactions WHERE state <> 'set_aside'");
   std::vector<std::int64_t> found;
   while (next(query)) {
-    const auto entry = storedEntry(database, query.integer(0));
+    const auto entry = storedEntry(tables, query.integer(0));
     if (entry && entry->state == LedgerEntry::State::setAside) found.push_back(entry->id);
   }
   query.reset();

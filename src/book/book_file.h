@@ -19,9 +19,9 @@ class DatabaseFailure : public BookFailure {
 
 /// Throws DatabaseFailure unless SQLite's result `code` is SQLITE_OK.
 void require(int code);
-/// Runs a statement that returns no rows. Throws BookFailure.
+/// Runs a statement that returns no rows. Throws DatabaseFailure.
 void run(linux_platform::Statement& statement);
-/// Goes to the next row; returns false at the end. Throws BookFailure.
+/// Goes to the next row; returns false at the end. Throws DatabaseFailure.
 bool next(linux_platform::Statement& statement);
 
 /// A write transaction. The destructor rolls it back unless it was committed.

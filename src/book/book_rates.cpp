@@ -2,12 +2,10 @@
 
 #include <string>
 
-#include "book/book_file.h"
+#include "book/database.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 // Sorts before all days.
 std::string textOf(const std::optional<money::Day>& from) { return from ? from->text() : ""; }
@@ -27,7 +25,7 @@ struct Chosen {
 
 }  // namespace
 
-void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate,
+void setRate(Database& database, const money::CurrencyCode& currency, const money::Rate& rate,
              const std::optional<money::Day>& from) {
   const std::string code = currency.text();
   const std::string day = textOf(from);
@@ -37,7 +35,7 @@ void setRate(sqlite3* database, const money::CurrencyCode& currency, const money
   run(upsert.bind(code).bind(day).bind(text));
 }
 
-std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency,
+std::optional<money::Rate> rateOf(Database& database, const money::CurrencyCode& currency,
                                   const money::Day& day) {
   const std::string code = currency.text();
   const std::string last = day.text();
@@ -47,21 +45,21 @@ std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& 
   return money::Rate::fromText(query.text(0));
 }
 
-bool hasRate(sqlite3* database, const money::CurrencyCode& currency,
+bool hasRate(Database& database, const money::CurrencyCode& currency,
              const std::optional<money::Day>& from) {
   const Chosen chosen(currency, from);
-  Statement query(database, ("SELECT 1 FROM rates WHERE " + chosen.condition).c_str());
+  Statement query(database, "SELECT 1 FROM rates WHERE " + chosen.condition);
   return next(chosen.bindTo(query));
 }
 
-void removeRates(sqlite3* database, const money::CurrencyCode& currency,
+void removeRates(Database& database, const money::CurrencyCode& currency,
                  const std::optional<money::Day>& from) {
   const Chosen chosen(currency, from);
-  Statement removal(database, ("DELETE FROM rates WHERE " + chosen.condition).c_str());
+  Statement removal(database, "DELETE FROM rates WHERE " + chosen.condition);
   run(chosen.bindTo(removal));
 }
 
-std::vector<StoredRate> allRates(sqlite3* database) {
+std::vector<StoredRate> allRates(Database& database) {
   Statement query(database,
                   "SELECT currency, first_day, rate FROM rates ORDER BY currency, first_day");
   std::vector<StoredRate> found;

@@ -8,20 +8,20 @@
 #include "money/day.h"
 #include "money/rate.h"
 
-struct sqlite3;
-
 namespace kivo::book {
 
+class Database;
+
 /// As the functions of Book. They throw BookFailure.
-void setRate(sqlite3* database, const money::CurrencyCode& currency, const money::Rate& rate,
+void setRate(Database& database, const money::CurrencyCode& currency, const money::Rate& rate,
              const std::optional<money::Day>& from);
-std::optional<money::Rate> rateOf(sqlite3* database, const money::CurrencyCode& currency,
+std::optional<money::Rate> rateOf(Database& database, const money::CurrencyCode& currency,
                                   const money::Day& day);
 /// Returns whether there is a rate that `removeRates` would remove.
-bool hasRate(sqlite3* database, const money::CurrencyCode& currency,
+bool hasRate(Database& database, const money::CurrencyCode& currency,
              const std::optional<money::Day>& from);
-void removeRates(sqlite3* database, const money::CurrencyCode& currency,
+void removeRates(Database& database, const money::CurrencyCode& currency,
                  const std::optional<money::Day>& from);
-std::vector<StoredRate> allRates(sqlite3* database);
+std::vector<StoredRate> allRates(Database& database);
 
 }  // namespace kivo::book

@@ -1,16 +1,17 @@
 // What an open book holds. Only for the files that define Book.
 #pragma once
 
+#include <memory>
+
 #include "book/book.h"
+#include "book/database.h"
 #include "book/history.h"
-#include "platform/linux/store/sqlite_database.h"
 
 namespace kivo::book {
 
 struct Book::File {
-  linux_platform::Database owner;
-  sqlite3* database = owner.get();
-  bool wasChecked = false;
+  std::unique_ptr<Database> owner;
+  Database& database = *owner;
   bool isInStep = false;
   /// Whether the step that runs deletes texts.
   bool owesErasure = false;

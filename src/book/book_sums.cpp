@@ -5,14 +5,12 @@
 #include <string>
 #include <unordered_map>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "names/payee_key.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 // A booked transaction as sums count it.
 constexpr const char* countedRows = R"( AS name, counts_as,
@@ -37,9 +35,9 @@ std::string inLowerCase(std::string name) {
 // damaged file holds none. Groups whose `keyOf` is the same are one. Adding up here takes a third
 // of the time in which SQLite sorts the rows by their groups.
 template <typename Group, typename KeyOf, typename GroupOf>
-std::vector<GroupSum<Group>> sumsBy(sqlite3* database, const std::string& name,
+std::vector<GroupSum<Group>> sumsBy(Database& database, const std::string& name,
                                     const SumScope& scope, KeyOf keyOf, GroupOf groupOf) {
-  Statement query(database, ("SELECT date, " + name + countedRows).c_str());
+  Statement query(database, "SELECT date, " + name + countedRows);
   const std::string first = scope.period.first.text();
   const std::string last = scope.period.last.text();
   query.bind(first).bind(last).bind(scope.largest);
@@ -70,7 +68,7 @@ std::vector<GroupSum<Group>> sumsBy(sqlite3* database, const std::string& name,
 }
 
 template <typename Group>
-std::vector<GroupSum<Group>> sumsByDate(sqlite3* database, const SumScope& scope,
+std::vector<GroupSum<Group>> sumsByDate(Database& database, const SumScope& scope,
                                         std::size_t length) {
   const auto text = [length](const Statement& row) { return row.text(0).substr(0, length); };
   return sumsBy<Group>(database, "''", scope, text,
@@ -79,7 +77,7 @@ std::vector<GroupSum<Group>> sumsByDate(sqlite3* database, const SumScope& scope
 
 }  // namespace
 
-Counted countedIn(sqlite3* database, const money::Period& period) {
+Counted countedIn(Database& database, const money::Period& period) {
   const std::string first = period.first.text();
   const std::string last = period.last.text();
   Counted counted;
@@ -102,15 +100,15 @@ Counted countedIn(sqlite3* database, const money::Period& period) {
   return counted;
 }
 
-std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScope& scope) {
+std::vector<GroupSum<money::Month>> sumsByMonth(Database& database, const SumScope& scope) {
   return sumsByDate<money::Month>(database, scope, std::string_view("2026-11").size());
 }
 
-std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope) {
+std::vector<GroupSum<money::Day>> sumsByDay(Database& database, const SumScope& scope) {
   return sumsByDate<money::Day>(database, scope, std::string::npos);
 }
 
-std::vector<GroupSum<NameInMonth>> sumsByName(sqlite3* database, Names names,
+std::vector<GroupSum<NameInMonth>> sumsByName(Database& database, Names names,
                                               const SumScope& scope) {
   const auto monthText = [](const Statement& row) { return row.text(0).substr(0, 7); };
   return sumsBy<NameInMonth>(
@@ -123,7 +121,7 @@ std::vector<GroupSum<NameInMonth>> sumsByName(sqlite3* database, Names names,
       });
 }
 
-std::vector<PayeeExpense> expensesByDay(sqlite3* database, const money::Period& period) {
+std::vector<PayeeExpense> expensesByDay(Database& database, const money::Period& period) {
   Statement query(database, R"(
     SELECT id, date, minor_units, currency, folded_payee,
       CASE WHEN folded_payee = '' THEN description ELSE '' END

@@ -7,9 +7,9 @@
 
 #include "book/book.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 /// The amounts that a sum counts: those of `period`, from 1 to `largest`.
 struct SumScope {
@@ -18,11 +18,11 @@ struct SumScope {
 };
 
 /// As the functions of Book.
-Counted countedIn(sqlite3* database, const money::Period& period);
-std::vector<GroupSum<money::Month>> sumsByMonth(sqlite3* database, const SumScope& scope);
-std::vector<GroupSum<money::Day>> sumsByDay(sqlite3* database, const SumScope& scope);
-std::vector<GroupSum<NameInMonth>> sumsByName(sqlite3* database, Names names,
+Counted countedIn(Database& database, const money::Period& period);
+std::vector<GroupSum<money::Month>> sumsByMonth(Database& database, const SumScope& scope);
+std::vector<GroupSum<money::Day>> sumsByDay(Database& database, const SumScope& scope);
+std::vector<GroupSum<NameInMonth>> sumsByName(Database& database, Names names,
                                               const SumScope& scope);
-std::vector<PayeeExpense> expensesByDay(sqlite3* database, const money::Period& period);
+std::vector<PayeeExpense> expensesByDay(Database& database, const money::Period& period);
 
 }  // namespace kivo::book

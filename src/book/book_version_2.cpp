@@ -6,6 +6,7 @@
 #include "book/book_categories.h"
 #include "book/book_file.h"
 #include "book/history.h"
+#include "book/sqlite_database.h"
 #include "names/name_fold.h"
 
 namespace kivo::book {
@@ -84,9 +85,10 @@ std::vector<std::string> categoriesByUse(sqlite3* database) {
 }
 
 void spellCategories(sqlite3* database) {
-  ChangeNotes none(database);
+  SqliteTables tables(database);
+  ChangeNotes none(tables);
   for (const std::string& category : categoriesByUse(database)) {
-    const std::string kept = keepCategory(database, none, category);
+    const std::string kept = keepCategory(tables, none, category);
     if (kept == category) continue;
     for (const char* const sql : {"UPDATE transactions SET category = ? WHERE category = ?",
                                   "UPDATE corrections SET category = ? WHERE category = ?"}) {

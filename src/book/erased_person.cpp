@@ -2,16 +2,14 @@
 
 #include <vector>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "book/history.h"
 #include "book/look_alikes.h"
 
 namespace kivo::book {
 namespace {
 
-using linux_platform::Statement;
-
-std::vector<std::int64_t> numbers(sqlite3* database, const char* sql, const std::string& userId) {
+std::vector<std::int64_t> numbers(Database& database, const char* sql, const std::string& userId) {
   Statement query(database, sql);
   query.bind(userId);
   std::vector<std::int64_t> found;
@@ -21,7 +19,7 @@ std::vector<std::int64_t> numbers(sqlite3* database, const char* sql, const std:
 
 }  // namespace
 
-std::int64_t erasePerson(sqlite3* database, const std::string& userId) {
+std::int64_t erasePerson(Database& database, const std::string& userId) {
   // Their notes and their words may hold what is erased.
   for (const std::int64_t command : numbers(database, R"(
          SELECT command FROM past_transactions WHERE user = ?1 OR

@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <string>
 
-struct sqlite3;
-
 namespace kivo::book {
 
+class Database;
+
 /// As `Book::erasePerson`, but for the bytes in the file. Call it in a step. Throws BookFailure.
-std::int64_t erasePerson(sqlite3* database, const std::string& userId);
+std::int64_t erasePerson(Database& database, const std::string& userId);
 
 }  // namespace kivo::book

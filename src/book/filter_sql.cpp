@@ -6,12 +6,11 @@
 #include <optional>
 
 #include "book/book_categories.h"
-#include "book/book_file.h"
+#include "book/database.h"
 
 namespace kivo::book {
 namespace {
 
-using linux_platform::Statement;
 using money::CurrencyCode;
 using money::nearestSums;
 
@@ -56,7 +55,7 @@ Units within(const EntryFilter& filter, const CurrencyCode& currency) {
 }
 
 // The condition that an amount is among `unitsIn` its currency. Codes and numbers need no quoting.
-std::string amountCondition(sqlite3* database,
+std::string amountCondition(Database& database,
                             const std::function<Units(const CurrencyCode&)>& unitsIn) {
   Statement query(database, "SELECT DISTINCT currency FROM transactions");
   std::string condition;
@@ -74,7 +73,7 @@ std::string amountCondition(sqlite3* database,
 
 }  // namespace
 
-FilterSql sqlOf(sqlite3* database, const EntryFilter& filter) {
+FilterSql sqlOf(Database& database, const EntryFilter& filter) {
   FilterSql sql;
   const auto add = [&sql](const std::string& condition, std::string value) {
     sql.condition += (sql.condition.empty() ? "" : " AND ") + condition;

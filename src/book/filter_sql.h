@@ -6,9 +6,9 @@
 
 #include "book/book.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 /// A condition on rows of the table of transactions.
 struct FilterSql {
@@ -18,6 +18,6 @@ struct FilterSql {
 };
 
 /// Returns the condition that the rows of the entries that match `filter` meet. Throws BookFailure.
-FilterSql sqlOf(sqlite3* database, const EntryFilter& filter);
+FilterSql sqlOf(Database& database, const EntryFilter& filter);
 
 }  // namespace kivo::book

@@ -2,13 +2,11 @@
 
 #include <array>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "platform/foundation/date.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 // A table whose rows are noted.
 struct Noted {
@@ -62,23 +60,23 @@ std::string absenceSql(const Noted& noted) {
 }
 
 template <typename Key>
-void noteAbsence(sqlite3* database, const Noted& noted, std::int64_t command, const Key& key) {
+void noteAbsence(Database& database, const Noted& noted, std::int64_t command, const Key& key) {
   const std::string sql = absenceSql(noted);
-  Statement note(database, sql.c_str());
+  Statement note(database, sql);
   run(note.bind(command).bind(key));
 }
 
 // Of a row that does not exist, the absence.
 template <typename Key>
-void noteRow(sqlite3* database, const Noted& noted, std::int64_t command, const Key& key) {
+void noteRow(Database& database, const Noted& noted, std::int64_t command, const Key& key) {
   const std::string sql = copySql(noted);
-  Statement note(database, sql.c_str());
+  Statement note(database, sql);
   run(note.bind(command).bind(key));
   noteAbsence(database, noted, command, key);
 }
 
-void runFor(sqlite3* database, std::int64_t command, const std::string& sql) {
-  Statement statement(database, sql.c_str());
+void runFor(Database& database, std::int64_t command, const std::string& sql) {
+  Statement statement(database, sql);
   run(statement.bind(command));
 }
 
@@ -87,7 +85,7 @@ std::string keysWhere(const Noted& noted, const char* condition) {
          condition + ")";
 }
 
-void restoreRows(sqlite3* database, std::int64_t command, const Noted& noted) {
+void restoreRows(Database& database, std::int64_t command, const Noted& noted) {
   const std::string table = noted.table;
   runFor(database, command,
          "DELETE FROM " + table + " WHERE " + noted.key + " IN " + keysWhere(noted, "TRUE"));
@@ -97,7 +95,7 @@ void restoreRows(sqlite3* database, std::int64_t command, const Noted& noted) {
 }
 
 // The texts stay as they are: that of a removed transaction is erased.
-void restoreTransactions(sqlite3* database, std::int64_t command) {
+void restoreTransactions(Database& database, std::int64_t command) {
   runFor(database, command,
          "DELETE FROM transactions WHERE id IN " + keysWhere(transactions, "NOT existed"));
   const std::string columns = transactions.columns;
@@ -176,7 +174,7 @@ void ChangeNotes::answer(const std::string& userId, const std::string& key) {
   run(note.bind(*command_).bind(userId).bind(key));
 }
 
-std::int64_t insertCommand(sqlite3* database, const UserCommand& command) {
+std::int64_t insertCommand(Database& database, const UserCommand& command) {
   Statement outdated(database, R"(
     SELECT number FROM commands WHERE moment < ?1 OR number NOT IN
       (SELECT number FROM commands ORDER BY number DESC LIMIT ?2))");
@@ -194,14 +192,14 @@ std::int64_t insertCommand(sqlite3* database, const UserCommand& command) {
   return number;
 }
 
-bool writeTemplate(sqlite3* database, std::int64_t number, const std::string& addedTemplate) {
+bool writeTemplate(Database& database, std::int64_t number, const std::string& addedTemplate) {
   Statement update(database, "UPDATE commands SET template = ? WHERE number = ? RETURNING number");
   if (!next(update.bind(addedTemplate).bind(number))) return false;
   run(update);
   return true;
 }
 
-void deleteCommand(sqlite3* database, std::int64_t number) {
+void deleteCommand(Database& database, std::int64_t number) {
   for (const char* const table :
        {"past_transactions", "past_answers", "past_rules", "past_rates", "past_categories",
         "past_separated", "past_accounts", "past_budgets"}) {
@@ -210,12 +208,12 @@ void deleteCommand(sqlite3* database, std::int64_t number) {
   runFor(database, number, "DELETE FROM commands WHERE number = ?");
 }
 
-bool hasCommand(sqlite3* database, std::int64_t number) {
+bool hasCommand(Database& database, std::int64_t number) {
   Statement query(database, "SELECT 1 FROM commands WHERE number = ?");
   return next(query.bind(number));
 }
 
-std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
+std::vector<PastCommand> pastCommands(Database& database, std::int64_t most) {
   Statement query(database, R"(
     SELECT number, moment, words, template,
       (SELECT count(*) FROM past_transactions WHERE command = number),
@@ -243,7 +241,7 @@ std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most) {
   return found;
 }
 
-void takeBack(sqlite3* database, std::int64_t number) {
+void takeBack(Database& database, std::int64_t number) {
   // Its own answers are forgotten, and the messages that it put aside.
   const std::string own = "(SELECT user, key FROM past_answers WHERE command = ?1)";
   runFor(database, number, "DELETE FROM ignored WHERE (user, key) IN " + own);

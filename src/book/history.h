@@ -9,15 +9,15 @@
 
 #include "book/user_command.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 /// Notes rows before they are changed. Without a command it notes nothing. Of several changes of
 /// one row, the first note counts. The functions throw BookFailure.
 class ChangeNotes {
  public:
-  explicit ChangeNotes(sqlite3* database) : database_(database) {}
+  explicit ChangeNotes(Database& database) : database_(database) {}
 
   /// From now on notes changes for the command `number`, absent for none.
   void noteFor(std::optional<std::int64_t> number);
@@ -47,26 +47,26 @@ class ChangeNotes {
   void lasting() { any_ = true; }
 
  private:
-  sqlite3* database_;
+  Database& database_;
   std::optional<std::int64_t> command_;
   bool any_ = false;
 };
 
 /// Adds a row for a command that begins now and returns its number; removes those that are too old
 /// or too many to be taken back. Throws BookFailure, as the others do.
-std::int64_t insertCommand(sqlite3* database, const UserCommand& command);
+std::int64_t insertCommand(Database& database, const UserCommand& command);
 /// Writes the template that the command `number` added; returns false when it is not in the
 /// history.
-bool writeTemplate(sqlite3* database, std::int64_t number, const std::string& addedTemplate);
+bool writeTemplate(Database& database, std::int64_t number, const std::string& addedTemplate);
 /// Removes a command and its notes.
-void deleteCommand(sqlite3* database, std::int64_t number);
+void deleteCommand(Database& database, std::int64_t number);
 /// Returns whether the command `number` is in the history.
-bool hasCommand(sqlite3* database, std::int64_t number);
+bool hasCommand(Database& database, std::int64_t number);
 /// Returns the last `most` commands, the last one first; a negative number for all.
-std::vector<PastCommand> pastCommands(sqlite3* database, std::int64_t most);
+std::vector<PastCommand> pastCommands(Database& database, std::int64_t most);
 /// Has the rows that the command `number` changed as they were before it, without the texts that
 /// were erased since, and removes the command. Call it in a step; the bytes of removed texts stay
 /// in the file until it is erased.
-void takeBack(sqlite3* database, std::int64_t number);
+void takeBack(Database& database, std::int64_t number);
 
 }  // namespace kivo::book

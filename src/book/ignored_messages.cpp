@@ -2,14 +2,11 @@
 
 #include <string>
 
-#include "book/book_damage.h"
-#include "book/book_file.h"
+#include "book/database.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 // A flood of messages fills no disk: 500 texts of 4,096 bytes. When there are more, the oldest go
 // a hundred at a time, since erasing them rebuilds the file.
@@ -40,7 +37,7 @@ bool deletes(Statement& deletion) {
 
 }  // namespace
 
-void insertIgnored(sqlite3* database, const IgnoredMessage& message) {
+void insertIgnored(Database& database, const IgnoredMessage& message) {
   Statement insertion(database,
                       "INSERT INTO ignored (user, key, date, reason, text) VALUES (?, ?, ?, ?, ?)");
   const std::string date = message.date.text();
@@ -48,11 +45,11 @@ void insertIgnored(sqlite3* database, const IgnoredMessage& message) {
   run(insertion.bind(reasonText(message.reason)).bind(message.text));
 }
 
-std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& first) {
+std::vector<IgnoredMessage> storedIgnored(Database& database, const money::Day& first) {
   const std::string sql =
       std::string("SELECT ") + messageColumns +
       " FROM ignored WHERE taken_by IS NULL AND date >= ? ORDER BY date DESC, number DESC";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   const std::string since = first.text();
   query.bind(since);
   std::vector<IgnoredMessage> found;
@@ -66,29 +63,29 @@ std::vector<IgnoredMessage> storedIgnored(sqlite3* database, const money::Day& f
     found.push_back(*std::move(message));
   }
   if (!impossible.empty()) {
-    noteDamage(database, "the values of these ignored messages cannot be: " + impossible +
-                             "; kivo-ledger forget-texts removes them");
+    database.noteDamage("the values of these ignored messages cannot be: " + impossible +
+                        "; kivo-ledger forget-texts removes them");
   }
   return found;
 }
 
-std::optional<IgnoredMessage> storedIgnored(sqlite3* database, std::int64_t number,
+std::optional<IgnoredMessage> storedIgnored(Database& database, std::int64_t number,
                                             const money::Day& first) {
   const std::string sql = std::string("SELECT ") + messageColumns +
                           " FROM ignored WHERE number = ? AND taken_by IS NULL AND date >= ?";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   const std::string since = first.text();
   if (!next(query.bind(number).bind(since))) return std::nullopt;
   return messageOf(query);
 }
 
-std::int64_t ignoredCount(sqlite3* database, const money::Day& first) {
+std::int64_t ignoredCount(Database& database, const money::Day& first) {
   Statement query(database, "SELECT count(*) FROM ignored WHERE taken_by IS NULL AND date >= ?");
   const std::string since = first.text();
   return next(query.bind(since)) ? query.integer(0) : 0;
 }
 
-bool takeIgnored(sqlite3* database, std::int64_t number, std::int64_t command) {
+bool takeIgnored(Database& database, std::int64_t number, std::int64_t command) {
   Statement update(database, R"(
     UPDATE ignored SET taken_by = ? WHERE number = ? AND taken_by IS NULL RETURNING number)");
   if (!next(update.bind(command).bind(number))) return false;
@@ -96,24 +93,24 @@ bool takeIgnored(sqlite3* database, std::int64_t number, std::int64_t command) {
   return true;
 }
 
-void deleteTaken(sqlite3* database, const std::string& userId, const std::string& key) {
+void deleteTaken(Database& database, const std::string& userId, const std::string& key) {
   Statement deletion(database,
                      "DELETE FROM ignored WHERE taken_by IS NOT NULL AND user = ? AND key = ?");
   run(deletion.bind(userId).bind(key));
 }
 
-bool deleteIgnored(sqlite3* database, std::int64_t number) {
+bool deleteIgnored(Database& database, std::int64_t number) {
   Statement deletion(database, "DELETE FROM ignored WHERE number = ? RETURNING number");
   return deletes(deletion.bind(number));
 }
 
-bool deleteIgnoredBefore(sqlite3* database, const money::Day& first) {
+bool deleteIgnoredBefore(Database& database, const money::Day& first) {
   Statement deletion(database, "DELETE FROM ignored WHERE date < ? RETURNING number");
   const std::string since = first.text();
   return deletes(deletion.bind(since));
 }
 
-bool deleteSurplusIgnored(sqlite3* database) {
+bool deleteSurplusIgnored(Database& database) {
   Statement counting(database, "SELECT count(*) FROM ignored");
   if (!next(counting) || counting.integer(0) <= mostKept) return false;
   Statement deletion(database, R"(
@@ -122,12 +119,12 @@ bool deleteSurplusIgnored(sqlite3* database) {
   return deletes(deletion.bind(keptOfMore));
 }
 
-bool deleteAllIgnored(sqlite3* database) {
+bool deleteAllIgnored(Database& database) {
   Statement deletion(database, "DELETE FROM ignored RETURNING number");
   return deletes(deletion);
 }
 
-bool hasIgnored(sqlite3* database) {
+bool hasIgnored(Database& database) {
   Statement query(database, "SELECT 1 FROM ignored LIMIT 1");
   return next(query);
 }

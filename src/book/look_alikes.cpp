@@ -2,13 +2,11 @@
 
 #include <limits>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "names/payee_key.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 // The first of the entries that the row `this` looks like. Two searches that stop at their first
 // rows, since a bank's whole life may have one payee and one sum. The halves of a transfer are not
@@ -34,7 +32,7 @@ constexpr const char* firstAlikeOfThis = R"(
 
 // `changed` is a query with the parameter `value` for the ids of transactions that were changed or
 // removed.
-void markAgain(sqlite3* database, const std::string& changed, std::int64_t value) {
+void markAgain(Database& database, const std::string& changed, std::int64_t value) {
   const std::string sql = std::string("UPDATE transactions AS this SET possible_duplicate_of = ") +
                           firstAlikeOfThis + R"(
     WHERE id IN (
@@ -55,20 +53,20 @@ void markAgain(sqlite3* database, const std::string& changed, std::int64_t value
           later.id > changed.id
       WHERE changed.id IN )" +
                           changed + ")";
-  Statement update(database, sql.c_str());
+  Statement update(database, sql);
   run(update.bind(value));
 }
 
 }  // namespace
 
-std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& entry) {
+std::optional<std::int64_t> firstAlike(Database& database, const LedgerEntry& entry) {
   const std::string sql = std::string(R"(
     WITH this (id, user, date, minor_units, currency, kind, folded_payee, reference, counterpart,
         account, balance, balance_currency) AS (VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))
     SELECT )") + firstAlikeOfThis +
                           " FROM this";
   const names::PayeeKey payee(entry.payee);
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   constexpr auto behindAll = std::numeric_limits<std::int64_t>::max();
   query.bind(entry.id == 0 ? behindAll : entry.id);  // a new entry has no id yet
   const std::string date = entry.date.text();
@@ -85,11 +83,11 @@ std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& ent
   return query.integer(0);
 }
 
-void markAlikeAgain(sqlite3* database, std::int64_t id) {
+void markAlikeAgain(Database& database, std::int64_t id) {
   markAgain(database, "(VALUES (?1))", id);
 }
 
-void markAlikeAgainAfter(sqlite3* database, std::int64_t number) {
+void markAlikeAgainAfter(Database& database, std::int64_t number) {
   markAgain(database, "(SELECT id FROM past_transactions WHERE command = ?1)", number);
 }
 

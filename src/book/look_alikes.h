@@ -6,17 +6,17 @@
 
 #include "book/book.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 /// Returns the id of the first entry before `entry` that it looks like; nullopt when there is none.
 /// Throws BookFailure, as the others do.
-std::optional<std::int64_t> firstAlike(sqlite3* database, const LedgerEntry& entry);
+std::optional<std::int64_t> firstAlike(Database& database, const LedgerEntry& entry);
 /// Marks again what the change or the removal of the entry `id` concerns: itself, those that looked
 /// like it, and later ones that do now.
-void markAlikeAgain(sqlite3* database, std::int64_t id);
+void markAlikeAgain(Database& database, std::int64_t id);
 /// Marks again what taking back the command `number` concerns, whose notes are still there.
-void markAlikeAgainAfter(sqlite3* database, std::int64_t number);
+void markAlikeAgainAfter(Database& database, std::int64_t number);
 
 }  // namespace kivo::book

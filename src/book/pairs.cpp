@@ -4,7 +4,7 @@
 #include <set>
 #include <utility>
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "book/look_alikes.h"
 #include "book/stored_entry.h"
 
@@ -12,15 +12,13 @@ namespace kivo::book {
 
 namespace {
 
-using linux_platform::Statement;
-
-void writeOtherHalf(sqlite3* database, std::int64_t id, std::optional<std::int64_t> other) {
+void writeOtherHalf(Database& database, std::int64_t id, std::optional<std::int64_t> other) {
   Statement update(database, "UPDATE transactions SET counterpart = ? WHERE id = ?");
   update.bindIfPresent(other);
   run(update.bind(id));
 }
 
-void part(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
+void part(Database& database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
   for (const std::int64_t id : {one, other}) {
     notes.transaction(id);
     writeOtherHalf(database, id, std::nullopt);
@@ -29,13 +27,13 @@ void part(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t 
 }
 
 // The row that says that a person parted the two; nullopt when there is none.
-std::optional<std::int64_t> separation(sqlite3* database, std::int64_t one, std::int64_t other) {
+std::optional<std::int64_t> separation(Database& database, std::int64_t one, std::int64_t other) {
   Statement query(database, "SELECT number FROM separated WHERE one = ? AND other = ?");
   if (!next(query.bind(std::min(one, other)).bind(std::max(one, other)))) return std::nullopt;
   return query.integer(0);
 }
 
-void separate(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
+void separate(Database& database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
   Statement insertion(database,
                       "INSERT INTO separated (one, other) VALUES (?, ?) RETURNING number");
   if (!next(insertion.bind(std::min(one, other)).bind(std::max(one, other)))) {
@@ -46,7 +44,8 @@ void separate(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int6
   notes.addedSeparation(number);
 }
 
-void forgetSeparation(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
+void forgetSeparation(Database& database, ChangeNotes& notes, std::int64_t one,
+                      std::int64_t other) {
   const auto number = separation(database, one, other);
   if (!number) return;
   notes.separation(*number);
@@ -55,7 +54,7 @@ void forgetSeparation(sqlite3* database, ChangeNotes& notes, std::int64_t one, s
 }
 
 // The entries that have the entry `id` as their other half.
-std::vector<std::int64_t> havingAsOtherHalf(sqlite3* database, std::int64_t id) {
+std::vector<std::int64_t> havingAsOtherHalf(Database& database, std::int64_t id) {
   Statement query(database, "SELECT id FROM transactions WHERE counterpart = ? ORDER BY id");
   query.bind(id);
   std::vector<std::int64_t> found;
@@ -65,7 +64,7 @@ std::vector<std::int64_t> havingAsOtherHalf(sqlite3* database, std::int64_t id) 
 
 // Of an entry that a command had changed and that is as before it: the half that it joined
 // meanwhile, if they fit; else neither has one.
-void repairHalves(sqlite3* database, std::int64_t id) {
+void repairHalves(Database& database, std::int64_t id) {
   const auto entry = storedEntry(database, id);
   const std::vector<std::int64_t> joined = havingAsOtherHalf(database, id);
   const auto fits = [&](std::int64_t other) {
@@ -85,7 +84,7 @@ void repairHalves(sqlite3* database, std::int64_t id) {
 
 }  // namespace
 
-std::optional<std::int64_t> otherHalf(sqlite3* database, const LedgerEntry& entry) {
+std::optional<std::int64_t> otherHalf(Database& database, const LedgerEntry& entry) {
   const bool canHave = entry.state == LedgerEntry::State::booked && entry.amount &&
                        !entry.counterpart && !entry.refund && !entry.account.empty() &&
                        !entry.reference.empty();
@@ -108,7 +107,7 @@ std::optional<std::int64_t> otherHalf(sqlite3* database, const LedgerEntry& entr
   return query.integer(0);
 }
 
-std::vector<LikelyPair> likelyPairs(sqlite3* database) {
+std::vector<LikelyPair> likelyPairs(Database& database) {
   // The entries that came in are fewer; each finds the others by day and sum.
   Statement query(database, R"(
     SELECT went.id, came.id FROM transactions AS came CROSS JOIN transactions AS went
@@ -134,7 +133,7 @@ std::vector<LikelyPair> likelyPairs(sqlite3* database) {
   return found;
 }
 
-bool pairEntries(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
+bool pairEntries(Database& database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
   const auto first = storedEntry(database, one);
   const auto second = storedEntry(database, other);
   const bool areFree = first && second && !first->counterpart && !second->counterpart;
@@ -144,7 +143,7 @@ bool pairEntries(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::i
   return true;
 }
 
-bool unpairEntries(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
+bool unpairEntries(Database& database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
   const auto first = storedEntry(database, one);
   const auto second = storedEntry(database, other);
   if (one == other || !first || !second) return false;
@@ -157,7 +156,7 @@ bool unpairEntries(sqlite3* database, ChangeNotes& notes, std::int64_t one, std:
   return true;
 }
 
-void join(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
+void join(Database& database, ChangeNotes& notes, std::int64_t one, std::int64_t other) {
   for (const auto& [id, half] : {std::pair(one, other), std::pair(other, one)}) {
     notes.transaction(id);
     writeOtherHalf(database, id, half);
@@ -165,7 +164,7 @@ void join(sqlite3* database, ChangeNotes& notes, std::int64_t one, std::int64_t 
   for (const std::int64_t id : {one, other}) markAlikeAgain(database, id);
 }
 
-void partUnfit(sqlite3* database, ChangeNotes& notes, std::int64_t id) {
+void partUnfit(Database& database, ChangeNotes& notes, std::int64_t id) {
   const auto entry = storedEntry(database, id);
   if (!entry || !entry->counterpart) return;
   const auto other = storedEntry(database, *entry->counterpart);
@@ -173,14 +172,14 @@ void partUnfit(sqlite3* database, ChangeNotes& notes, std::int64_t id) {
   part(database, notes, id, *entry->counterpart);
 }
 
-void pairAgain(sqlite3* database, ChangeNotes& notes, std::int64_t id) {
+void pairAgain(Database& database, ChangeNotes& notes, std::int64_t id) {
   partUnfit(database, notes, id);
   const auto entry = storedEntry(database, id);
   const auto other = entry ? otherHalf(database, *entry) : std::nullopt;
   if (other) join(database, notes, id, *other);
 }
 
-void freeOtherHalf(sqlite3* database, ChangeNotes& notes, std::int64_t id) {
+void freeOtherHalf(Database& database, ChangeNotes& notes, std::int64_t id) {
   for (const std::int64_t other : havingAsOtherHalf(database, id)) {
     notes.transaction(other);
     writeOtherHalf(database, other, std::nullopt);
@@ -188,7 +187,7 @@ void freeOtherHalf(sqlite3* database, ChangeNotes& notes, std::int64_t id) {
   }
 }
 
-void repairHalvesAfter(sqlite3* database, std::int64_t number) {
+void repairHalvesAfter(Database& database, std::int64_t number) {
   Statement query(database, "SELECT id FROM past_transactions WHERE command = ?");
   query.bind(number);
   std::vector<std::int64_t> ids;

@@ -1,14 +1,12 @@
 #include "book/recorded_messages.h"
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 
-using linux_platform::Statement;
-
 // A transaction without an answer was entered by hand. A booked ignored message has a transaction.
-std::vector<RecordedMessage> recordedMessages(sqlite3* database, const std::string& userId,
+std::vector<RecordedMessage> recordedMessages(Database& database, const std::string& userId,
                                               const std::string& exceptKeys) {
   Statement query(database, R"(
     SELECT transactions.date, transactions.text, answer FROM answers

@@ -7,9 +7,9 @@
 
 #include "money/day.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 /// A message that was recorded.
 struct RecordedMessage {
@@ -24,7 +24,7 @@ struct RecordedMessage {
 
 /// Returns the messages of `userId` whose keys do not begin with `exceptKeys`, without those that
 /// were not booked and left no text. Throws BookFailure.
-std::vector<RecordedMessage> recordedMessages(sqlite3* database, const std::string& userId,
+std::vector<RecordedMessage> recordedMessages(Database& database, const std::string& userId,
                                               const std::string& exceptKeys);
 
 }  // namespace kivo::book

@@ -1,13 +1,13 @@
 #include "book/refund_category.h"
 
-#include "book/book_file.h"
+#include "book/database.h"
 #include "names/payee_key.h"
 
 namespace kivo::book {
 
-std::string refundCategory(sqlite3* database, const LedgerEntry& entry) {
+std::string refundCategory(Database& database, const LedgerEntry& entry) {
   const names::PayeeKey payee(entry.payee);
-  linux_platform::Statement query(database, R"(
+  Statement query(database, R"(
     SELECT category FROM transactions
     WHERE folded_payee = ? AND folded_payee <> '' AND date <= ? AND +state = 'booked' AND
       kind = 'expense' AND counterpart IS NULL AND id <> ?

@@ -5,12 +5,12 @@
 
 #include "book/ledger_entry.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 /// Returns the category of the last booked payment to the payee of `entry` up to its day; "Refund"
 /// when there is none. Throws BookFailure.
-std::string refundCategory(sqlite3* database, const LedgerEntry& entry);
+std::string refundCategory(Database& database, const LedgerEntry& entry);
 
 }  // namespace kivo::book

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "book/book_categories.h"
-#include "book/book_file.h"
+#include "book/database.h"
 #include "book/fitting_rules.h"
 #include "book/history.h"
 #include "book/look_alikes.h"
@@ -16,7 +16,6 @@
 namespace kivo::book {
 namespace {
 
-using linux_platform::Statement;
 using names::NamePattern;
 
 constexpr const char* selection =
@@ -41,10 +40,10 @@ Rule ruleOf(const Statement& row) {
 
 // The rules that match a folded name, the most exact first. The only one without a wildcard is
 // looked up, all others are tried.
-std::vector<FittingRule> fittingRules(sqlite3* database, const std::string& folded) {
+std::vector<FittingRule> fittingRules(Database& database, const std::string& folded) {
   const std::string sql = std::string(selection) + " WHERE payee = ? UNION ALL " + selection +
                           " WHERE has_wildcard AND payee <> ?";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   const std::string own = NamePattern::textFor(folded);
   query.bind(own).bind(own);
   std::vector<FittingRule> fitting;
@@ -57,21 +56,21 @@ std::vector<FittingRule> fittingRules(sqlite3* database, const std::string& fold
   return fitting;
 }
 
-std::optional<Rule> ruleFor(sqlite3* database, const NamePattern& pattern) {
+std::optional<Rule> ruleFor(Database& database, const NamePattern& pattern) {
   const std::string sql = std::string(selection) + " WHERE payee = ?";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   const std::string text = pattern.text();
   if (!next(query.bind(text))) return std::nullopt;
   return ruleOf(query);
 }
 
-std::optional<NamePattern> patternOf(sqlite3* database, std::int64_t number) {
+std::optional<NamePattern> patternOf(Database& database, std::int64_t number) {
   Statement query(database, "SELECT payee FROM rules WHERE number = ?");
   if (!next(query.bind(number))) return std::nullopt;
   return NamePattern::fromFoldedText(query.text(0));
 }
 
-void writeMembers(sqlite3* database, const Rule& rule) {
+void writeMembers(Database& database, const Rule& rule) {
   Statement update(database, R"(
     UPDATE rules SET description = nullif(?, ''), category = nullif(?, ''), kind = nullif(?, '')
     WHERE number = ?)");
@@ -82,7 +81,8 @@ void writeMembers(sqlite3* database, const Rule& rule) {
   run(update);
 }
 
-std::int64_t insertRule(sqlite3* database, const NamePattern& pattern, const std::string& written) {
+std::int64_t insertRule(Database& database, const NamePattern& pattern,
+                        const std::string& written) {
   Statement insertion(
       database,
       "INSERT INTO rules (payee, written, has_wildcard) VALUES (?, ?, ?) RETURNING number");
@@ -95,7 +95,7 @@ std::int64_t insertRule(sqlite3* database, const NamePattern& pattern, const std
 }
 
 // The ids of the entries, booked or in review, whose payees match `pattern`, ascending.
-std::vector<std::int64_t> entriesOf(sqlite3* database, const NamePattern& pattern) {
+std::vector<std::int64_t> entriesOf(Database& database, const NamePattern& pattern) {
   Statement query(database, R"(
     SELECT id, folded_payee FROM transactions
     WHERE state IN ('booked', 'review') AND folded_payee <> '' ORDER BY id)");
@@ -107,7 +107,7 @@ std::vector<std::int64_t> entriesOf(sqlite3* database, const NamePattern& patter
 }
 
 // Gives `entry` `members`, the category as the book spells it; returns false when nothing changes.
-bool give(sqlite3* database, const RuleMembers& members, LedgerEntry& entry) {
+bool give(Database& database, const RuleMembers& members, LedgerEntry& entry) {
   const LedgerEntry before = entry;
   if (members.description) entry.description = *members.description;
   if (members.category) entry.category = spelledCategory(database, *members.category, entry.id);
@@ -116,7 +116,7 @@ bool give(sqlite3* database, const RuleMembers& members, LedgerEntry& entry) {
 }
 
 // The entries that `kept` would change, by their ids, as they would be.
-std::vector<LedgerEntry> changedBy(sqlite3* database, const KeptRule& kept) {
+std::vector<LedgerEntry> changedBy(Database& database, const KeptRule& kept) {
   const auto pattern = patternOf(database, kept.rule.number);
   if (!pattern) return {};
   std::map<std::string, RuleMembers> givenTo;  // by the folded payee
@@ -145,7 +145,7 @@ EarlierEntries idsOf(const std::vector<LedgerEntry>& entries) {
 
 }  // namespace
 
-void applyRules(sqlite3* database, LedgerEntry& entry) {
+void applyRules(Database& database, LedgerEntry& entry) {
   const names::PayeeKey payee(entry.payee);
   if (payee.text().empty()) return;
   const RuleMembers members = membersOf(fittingRules(database, payee.text()));
@@ -154,15 +154,15 @@ void applyRules(sqlite3* database, LedgerEntry& entry) {
   if (members.kind) setKind(entry, *members.kind);
 }
 
-std::vector<Rule> storedRules(sqlite3* database) {
+std::vector<Rule> storedRules(Database& database) {
   const std::string sql = std::string(selection) + " ORDER BY payee";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   std::vector<Rule> rules;
   while (next(query)) rules.push_back(ruleOf(query));
   return rules;
 }
 
-std::optional<KeptRule> keepRule(sqlite3* database, ChangeNotes& notes, const std::string& payee,
+std::optional<KeptRule> keepRule(Database& database, ChangeNotes& notes, const std::string& payee,
                                  RuleMembers members) {
   const auto pattern = NamePattern::fromText(payee);
   if (!pattern || members.empty()) return std::nullopt;
@@ -181,9 +181,9 @@ std::optional<KeptRule> keepRule(sqlite3* database, ChangeNotes& notes, const st
   return kept;
 }
 
-std::optional<Rule> removeRule(sqlite3* database, ChangeNotes& notes, std::int64_t number) {
+std::optional<Rule> removeRule(Database& database, ChangeNotes& notes, std::int64_t number) {
   const std::string sql = std::string(selection) + " WHERE number = ?";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   if (!next(query.bind(number))) return std::nullopt;
   Rule rule = ruleOf(query);
   run(query);
@@ -193,11 +193,11 @@ std::optional<Rule> removeRule(sqlite3* database, ChangeNotes& notes, std::int64
   return rule;
 }
 
-EarlierEntries earlierFor(sqlite3* database, const KeptRule& kept) {
+EarlierEntries earlierFor(Database& database, const KeptRule& kept) {
   return idsOf(changedBy(database, kept));
 }
 
-EarlierEntries changeEarlier(sqlite3* database, ChangeNotes& notes, const KeptRule& kept) {
+EarlierEntries changeEarlier(Database& database, ChangeNotes& notes, const KeptRule& kept) {
   const std::vector<LedgerEntry> changed = changedBy(database, kept);
   for (const LedgerEntry& entry : changed) {
     if (entry.edited) continue;

@@ -8,21 +8,21 @@
 
 #include "book/book.h"
 
-struct sqlite3;
-
 namespace kivo::book {
+
+class Database;
 
 class ChangeNotes;
 
 /// Applies the rules for the payee of `entry`. Throws BookFailure, as the others do.
-void applyRules(sqlite3* database, LedgerEntry& entry);
+void applyRules(Database& database, LedgerEntry& entry);
 
 /// As the functions of Book with these names. `notes` gets each change.
-std::vector<Rule> storedRules(sqlite3* database);
-std::optional<KeptRule> keepRule(sqlite3* database, ChangeNotes& notes, const std::string& payee,
+std::vector<Rule> storedRules(Database& database);
+std::optional<KeptRule> keepRule(Database& database, ChangeNotes& notes, const std::string& payee,
                                  RuleMembers members);
-std::optional<Rule> removeRule(sqlite3* database, ChangeNotes& notes, std::int64_t number);
-EarlierEntries earlierFor(sqlite3* database, const KeptRule& kept);
-EarlierEntries changeEarlier(sqlite3* database, ChangeNotes& notes, const KeptRule& kept);
+std::optional<Rule> removeRule(Database& database, ChangeNotes& notes, std::int64_t number);
+EarlierEntries earlierFor(Database& database, const KeptRule& kept);
+EarlierEntries changeEarlier(Database& database, ChangeNotes& notes, const KeptRule& kept);
 
 }  // namespace kivo::book

@@ -2,16 +2,13 @@
 
 #include <string>
 
-#include "book/book_damage.h"
-#include "book/book_file.h"
+#include "book/database.h"
 #include "book/filter_sql.h"
 #include "names/payee_key.h"
 #include "platform/foundation/utf8.h"
 
 namespace kivo::book {
 namespace {
-
-using linux_platform::Statement;
 
 constexpr const char* columns =
     "id, key, date, kind, minor_units, currency, description, category, payee, account, "
@@ -92,11 +89,10 @@ std::string currencyText(const LedgerEntry& entry) {
 
 // The rows of the entries that a filter chooses, newest first. Keeps the texts that are bound.
 struct ChosenRows {
-  ChosenRows(sqlite3* database, const std::string& ofColumns, const EntryFilter& filter)
-      : condition(sqlOf(database, filter)) {
-    const std::string sql = "SELECT " + ofColumns + " FROM transactions WHERE " +
-                            condition.condition + " ORDER BY date DESC, id DESC LIMIT ?";
-    query = Statement(database, sql.c_str());
+  ChosenRows(Database& database, const std::string& ofColumns, const EntryFilter& filter)
+      : condition(sqlOf(database, filter)),
+        query(database, "SELECT " + ofColumns + " FROM transactions WHERE " + condition.condition +
+                            " ORDER BY date DESC, id DESC LIMIT ?") {
     for (const std::string& value : condition.values) query.bind(value);
     query.bind(filter.most);
   }
@@ -107,7 +103,7 @@ struct ChosenRows {
 
 }  // namespace
 
-std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& filter) {
+std::vector<LedgerEntry> storedEntries(Database& database, const EntryFilter& filter) {
   ChosenRows chosen(database, columns, filter);
   Statement& query = chosen.query;
   std::vector<LedgerEntry> found;
@@ -121,13 +117,13 @@ std::vector<LedgerEntry> storedEntries(sqlite3* database, const EntryFilter& fil
     }
   }
   if (!impossible.empty()) {
-    noteDamage(database, "the values of these transactions cannot be: " + impossible +
-                             "; look at them with kivo-ledger show, and edit or delete them");
+    database.noteDamage("the values of these transactions cannot be: " + impossible +
+                        "; look at them with kivo-ledger show, and edit or delete them");
   }
   return found;
 }
 
-std::vector<EntryPlace> placesOfEntries(sqlite3* database, const EntryFilter& filter) {
+std::vector<EntryPlace> placesOfEntries(Database& database, const EntryFilter& filter) {
   ChosenRows chosen(database, "id, date", filter);
   Statement& query = chosen.query;
   std::vector<EntryPlace> places;
@@ -138,14 +134,14 @@ std::vector<EntryPlace> placesOfEntries(sqlite3* database, const EntryFilter& fi
   return places;
 }
 
-std::optional<LedgerEntry> storedEntry(sqlite3* database, std::int64_t id) {
+std::optional<LedgerEntry> storedEntry(Database& database, std::int64_t id) {
   const std::string sql = std::string("SELECT ") + columns + " FROM transactions WHERE id = ?";
-  Statement query(database, sql.c_str());
+  Statement query(database, sql);
   if (!next(query.bind(id))) return std::nullopt;
   return entryOf(query);
 }
 
-std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
+std::int64_t insertEntry(Database& database, const LedgerEntry& entry) {
   Statement insertion(database, R"(
     INSERT INTO transactions (user, key, date, kind, minor_units, currency, description, category,
       payee, folded_payee, account, reference, state, original, original_currency,
@@ -172,7 +168,7 @@ std::int64_t insertEntry(sqlite3* database, const LedgerEntry& entry) {
   return id;
 }
 
-void writeEdited(sqlite3* database, const LedgerEntry& entry) {
+void writeEdited(Database& database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET date = ?, kind = ?, minor_units = ?, currency = ?, description = ?,
       category = ?, state = ?, original = ?, original_currency = ?, refund = ?, incoming = ?,
@@ -188,7 +184,7 @@ void writeEdited(sqlite3* database, const LedgerEntry& entry) {
   run(update.bind(entry.id));
 }
 
-void writeRuled(sqlite3* database, const LedgerEntry& entry) {
+void writeRuled(Database& database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET description = ?, category = ?, kind = ?, refund = ?, incoming = ?
     WHERE id = ?)");
@@ -197,7 +193,7 @@ void writeRuled(sqlite3* database, const LedgerEntry& entry) {
   run(update.bind(entry.id));
 }
 
-void writeBookedSum(sqlite3* database, std::int64_t id, const money::Money& amount,
+void writeBookedSum(Database& database, std::int64_t id, const money::Money& amount,
                     const std::optional<money::Money>& kept) {
   Statement update(database, R"(
     UPDATE transactions SET state = 'booked', minor_units = ?, currency = ?, original = ?,
@@ -209,7 +205,7 @@ void writeBookedSum(sqlite3* database, std::int64_t id, const money::Money& amou
   run(update.bind(id));
 }
 
-bool writeBooked(sqlite3* database, const LedgerEntry& entry) {
+bool writeBooked(Database& database, const LedgerEntry& entry) {
   Statement update(database, R"(
     UPDATE transactions SET kind = ?, minor_units = ?, currency = ?, description = ?, category = ?,
       payee = ?, folded_payee = ?, account = ?, reference = ?, original = ?,
