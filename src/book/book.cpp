@@ -146,7 +146,7 @@ std::optional<std::string> Book::answer(const std::string& userId, const std::st
 
 void Book::keepAnswer(const std::string& userId, const std::string& key,
                       const std::string& answer) {
-  Statement insertion(file_->database, "INSERT INTO answers VALUES (?, ?, ?)");
+  Statement insertion(file_->database, "INSERT INTO answers (user, key, answer) VALUES (?, ?, ?)");
   run(insertion.bind(userId).bind(key).bind(answer));
   file_->notes.answer(userId, key);
 }

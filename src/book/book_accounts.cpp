@@ -51,7 +51,7 @@ std::vector<AccountEntry> accountEntries(Database& database) {
     WHERE account <> '' AND state IN ('booked', 'review') ORDER BY account, date, id)");
   std::vector<AccountEntry> found = read(query);
   Statement ofCash(database, R"(
-    SELECT ?, date, id, state, minor_units, currency, NOT incoming, NULL, '', NULL, '',
+    SELECT ?, date, id, state, minor_units, currency, 1 - incoming, NULL, '', NULL, '',
       possible_duplicate_of
     FROM transactions INDEXED BY transfers_of_cash
     WHERE kind = 'transfer' AND category = 'Cash' AND counterpart IS NULL AND account <> ?1 AND
@@ -95,12 +95,11 @@ std::vector<Account> keptAccounts(Database& database) {
 }
 
 void writeAccount(Database& database, const Account& account) {
-  if (account.name.empty() && !account.isCredit) {
-    Statement removal(database, "DELETE FROM accounts WHERE digits = ?");
-    return run(removal.bind(account.digits));
-  }
-  Statement upsert(database, "INSERT OR REPLACE INTO accounts VALUES (?, ?, ?)");
-  run(upsert.bind(account.digits).bind(account.name).bind(std::int64_t{account.isCredit}));
+  Statement removal(database, "DELETE FROM accounts WHERE digits = ?");
+  run(removal.bind(account.digits));
+  if (account.name.empty() && !account.isCredit) return;
+  Statement insertion(database, "INSERT INTO accounts (digits, name, credit) VALUES (?, ?, ?)");
+  run(insertion.bind(account.digits).bind(account.name).bind(std::int64_t{account.isCredit}));
 }
 
 }  // namespace kivo::book

@@ -60,11 +60,13 @@ void Book::setBudget(const Budget& budget) {
     const std::string month = textOf(budget.month);
     const std::string currency = budget.amount.currency.text();
     file_->notes.budgetsOf(folded);
-    Statement upsert(file_->database, R"(
-      INSERT OR REPLACE INTO budgets (folded, month, category, minor_units, currency)
+    Statement removal(file_->database, "DELETE FROM budgets WHERE folded = ? AND month = ?");
+    run(removal.bind(folded).bind(month));
+    Statement insertion(file_->database, R"(
+      INSERT INTO budgets (folded, month, category, minor_units, currency)
         VALUES (?, ?, ?, ?, ?))");
-    upsert.bind(folded).bind(month).bind(category).bind(budget.amount.minorUnits).bind(currency);
-    run(upsert);
+    insertion.bind(folded).bind(month).bind(category).bind(budget.amount.minorUnits).bind(currency);
+    run(insertion);
   });
 }
 
@@ -85,10 +87,10 @@ bool Book::removeBudget(const std::string& category, const std::optional<Month>&
 
 std::vector<Budget> Book::budgets(const Month& month) const {
   const std::string text = month.text();
-  // Of each category the row of the greatest month, whose columns stand beside max().
   Statement query(file_->database, R"(
-    SELECT category, minor_units, currency, max(month) FROM budgets
-    WHERE month IN ('', ?) GROUP BY folded ORDER BY folded)");
+    SELECT category, minor_units, currency, month FROM budgets WHERE month = ?1 OR (month = '' AND
+      NOT EXISTS (SELECT 1 FROM budgets AS own WHERE own.folded = budgets.folded AND own.month = ?1))
+    ORDER BY folded)");
   query.bind(text);
   std::vector<Budget> found;
   while (next(query)) {
@@ -111,12 +113,16 @@ bool Book::notePassedBudget(const std::string& category, const Month& month, int
   inOneStep([&] {
     const std::string folded = foldedCategory(file_->database, category);
     const std::string text = month.text();
-    Statement upsert(file_->database, R"(
-      INSERT INTO passed_budgets (folded, month, percent) VALUES (?, ?, ?)
-        ON CONFLICT DO UPDATE SET percent = excluded.percent WHERE percent < excluded.percent
-        RETURNING percent)");
-    isNew = next(upsert.bind(folded).bind(text).bind(std::int64_t{percent}));
-    if (isNew) run(upsert);
+    Statement known(file_->database,
+                    "SELECT percent FROM passed_budgets WHERE folded = ? AND month = ?");
+    isNew = !next(known.bind(folded).bind(text)) || known.integer(0) < percent;
+    if (!isNew) return;
+    known.reset();
+    Statement removal(file_->database, "DELETE FROM passed_budgets WHERE folded = ? AND month = ?");
+    run(removal.bind(folded).bind(text));
+    Statement insertion(file_->database,
+                        "INSERT INTO passed_budgets (folded, month, percent) VALUES (?, ?, ?)");
+    run(insertion.bind(folded).bind(text).bind(std::int64_t{percent}));
   });
   return isNew;
 }

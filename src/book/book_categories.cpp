@@ -68,8 +68,10 @@ std::string keepCategory(Database& database, ChangeNotes& notes, std::string_vie
     Statement kept(database, "SELECT 1 FROM categories WHERE folded = ? AND name = ?");
     if (next(kept.bind(level.folded).bind(level.name))) continue;
     notes.category(level.folded);
-    Statement upsert(database, "INSERT OR REPLACE INTO categories VALUES (?, ?)");
-    run(upsert.bind(level.folded).bind(level.name));
+    Statement removal(database, "DELETE FROM categories WHERE folded = ?");
+    run(removal.bind(level.folded));
+    Statement insertion(database, "INSERT INTO categories (folded, name) VALUES (?, ?)");
+    run(insertion.bind(level.folded).bind(level.name));
   }
   return levels.back().name;
 }

@@ -30,9 +30,10 @@ void setRate(Database& database, const money::CurrencyCode& currency, const mone
   const std::string code = currency.text();
   const std::string day = textOf(from);
   const std::string text = rate.text();
-  Statement upsert(database,
-                   "INSERT OR REPLACE INTO rates (currency, first_day, rate) VALUES (?, ?, ?)");
-  run(upsert.bind(code).bind(day).bind(text));
+  Statement removal(database, "DELETE FROM rates WHERE currency = ? AND first_day = ?");
+  run(removal.bind(code).bind(day));
+  Statement insertion(database, "INSERT INTO rates (currency, first_day, rate) VALUES (?, ?, ?)");
+  run(insertion.bind(code).bind(day).bind(text));
 }
 
 std::optional<money::Rate> rateOf(Database& database, const money::CurrencyCode& currency,

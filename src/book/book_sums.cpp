@@ -17,12 +17,12 @@ constexpr const char* countedRows = R"( AS name, counts_as,
       CASE WHEN is_second THEN 0 WHEN is_refund THEN -minor_units ELSE minor_units END,
       currency, CASE WHEN is_refund THEN minor_units ELSE 0 END
     FROM (
-      SELECT *, counterpart IS NOT NULL AND incoming AS is_second,
-        counterpart IS NULL AND refund AND kind = 'income' AS is_refund,
+      SELECT *, counterpart IS NOT NULL AND incoming <> 0 AS is_second,
+        counterpart IS NULL AND refund <> 0 AND kind = 'income' AS is_refund,
         CASE WHEN counterpart IS NOT NULL THEN 'transfer'
-          WHEN refund AND kind = 'income' THEN 'expense' ELSE kind END AS counts_as
+          WHEN refund <> 0 AND kind = 'income' THEN 'expense' ELSE kind END AS counts_as
       FROM transactions
-      WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?))";
+      WHERE state = 'booked' AND date BETWEEN ? AND ? AND minor_units BETWEEN 1 AND ?) AS counted)";
 
 std::string inLowerCase(std::string name) {
   for (char& letter : name) {
@@ -85,7 +85,7 @@ Counted countedIn(Database& database, const money::Period& period) {
   Statement adding(database, R"(
     SELECT count(*), count(units), sum((units >> 10) + 1) FROM (
       SELECT CASE WHEN minor_units BETWEEN 1 AND ? THEN minor_units END AS units
-      FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ?))");
+      FROM transactions WHERE state = 'booked' AND date BETWEEN ? AND ?) AS counted)");
   adding.bind(money::largestSum).bind(first).bind(last);
   if (!next(adding)) return counted;
   constexpr auto most = std::numeric_limits<std::int64_t>::max();

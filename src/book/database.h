@@ -42,6 +42,8 @@ class Database {
   Database& operator=(const Database&) = delete;
 
   virtual std::unique_ptr<PreparedStatement> prepare(const std::string& sql) = 0;
+  /// Returns SQL for the day that is `days` after the one in `column`.
+  [[nodiscard]] virtual std::string dayBeside(const std::string& column, int days) const = 0;
 
   /// Calls `steps` in a transaction that no other writer of the book joins, and commits it; rolls
   /// it back when they throw.
@@ -74,7 +76,8 @@ class Database {
 };
 
 /// A statement of the SQL that all databases of the book speak: its parameters are `?`, or `?1` and
-/// the like. `user` is a column's name. Not thread-safe; must not outlive its database. All throw
+/// the like, `user` is a column's name, and `INDEXED BY` and a `+` before a column are hints for
+/// SQLite alone. Not thread-safe; must not outlive its database. All throw
 /// BookFailure.
 class Statement {
  public:

@@ -84,9 +84,9 @@ FilterSql sqlOf(Database& database, const EntryFilter& filter) {
   if (filter.to) add("date <= ?", filter.to->text());
   if (filter.kind) add("kind = ?", kindText(*filter.kind));
   if (!filter.account.empty()) {
-    add(R"(account IN (WITH given (text) AS (VALUES (?)) SELECT text FROM given UNION ALL
-      SELECT digits FROM accounts, given WHERE name = text COLLATE NOCASE))",
-        filter.account);
+    add("(account = ?", filter.account);
+    sql.condition += " OR account IN (SELECT digits FROM accounts WHERE lower(name) = lower(?)))";
+    sql.values.push_back(filter.account);
   }
   if (!filter.category.empty()) {
     add("category = ?", spelledCategory(database, filter.category));
@@ -95,8 +95,11 @@ FilterSql sqlOf(Database& database, const EntryFilter& filter) {
     const auto units = [&](const CurrencyCode& currency) {
       return exactly(filter.search, currency);
     };
-    add(R"((description || char(10) || category || char(10) || account || char(10) || reference
-            LIKE ? ESCAPE '\' OR )" +
+    // On its own line each, since no search holds a line's end. ASCII letters become small ones.
+    add(R"((lower(description || '
+' || category || '
+' || account || '
+' || reference) LIKE lower(?) ESCAPE '\' OR )" +
             amountCondition(database, units) + ")",
         patternFor(filter.search));
   }

@@ -1,6 +1,7 @@
 #include "book/history.h"
 
 #include <array>
+#include <limits>
 
 #include "book/database.h"
 #include "platform/foundation/date.h"
@@ -91,18 +92,21 @@ void restoreRows(Database& database, std::int64_t command, const Noted& noted) {
          "DELETE FROM " + table + " WHERE " + noted.key + " IN " + keysWhere(noted, "TRUE"));
   runFor(database, command,
          "INSERT INTO " + table + " (" + noted.columns + ") SELECT " + noted.columns + " FROM " +
-             noted.past + " WHERE command = ? AND existed");
+             noted.past + " WHERE command = ? AND existed <> 0");
 }
 
 // The texts stay as they are: that of a removed transaction is erased.
 void restoreTransactions(Database& database, std::int64_t command) {
   runFor(database, command,
-         "DELETE FROM transactions WHERE id IN " + keysWhere(transactions, "NOT existed"));
+         "DELETE FROM transactions WHERE id IN " + keysWhere(transactions, "existed = 0"));
   const std::string columns = transactions.columns;
+  const std::string past = " FROM past_transactions WHERE command = ?1 AND existed <> 0";
   runFor(database, command,
-         "INSERT OR REPLACE INTO transactions (" + columns + ", text) SELECT " + columns +
-             ", (SELECT text FROM transactions WHERE id = past_transactions.id)"
-             " FROM past_transactions WHERE command = ? AND existed");
+         "UPDATE transactions SET (" + columns + ") = (SELECT " + columns + past +
+             " AND past_transactions.id = transactions.id) WHERE id IN (SELECT id" + past + ")");
+  runFor(database, command,
+         "INSERT INTO transactions (" + columns + ") SELECT " + columns + past +
+             " AND id NOT IN (SELECT id FROM transactions)");
 }
 
 }  // namespace
@@ -170,7 +174,7 @@ void ChangeNotes::category(const std::string& folded) {
 void ChangeNotes::answer(const std::string& userId, const std::string& key) {
   any_ = true;
   if (!command_) return;
-  Statement note(database_, "INSERT INTO past_answers VALUES (?, ?, ?)");
+  Statement note(database_, "INSERT INTO past_answers (command, user, key) VALUES (?, ?, ?)");
   run(note.bind(*command_).bind(userId).bind(key));
 }
 
@@ -221,10 +225,10 @@ std::vector<PastCommand> pastCommands(Database& database, std::int64_t most) {
       (SELECT count(DISTINCT currency) FROM past_rates WHERE command = number),
       (SELECT count(*) FROM past_accounts WHERE command = number),
       (SELECT count(DISTINCT folded) FROM past_budgets WHERE command = number),
-      (SELECT count(*) FROM past_transactions AS past WHERE command = number AND existed AND
+      (SELECT count(*) FROM past_transactions AS past WHERE command = number AND existed <> 0 AND
         NOT EXISTS (SELECT 1 FROM transactions WHERE transactions.id = past.id))
     FROM commands ORDER BY number DESC LIMIT ?)");
-  query.bind(most);
+  query.bind(most < 0 ? std::numeric_limits<std::int64_t>::max() : most);
   std::vector<PastCommand> found;
   while (next(query)) {
     found.push_back({.number = query.integer(0),

@@ -17,18 +17,18 @@ constexpr const char* firstAlikeOfThis = R"(
       SELECT id FROM transactions
       WHERE date = this.date AND minor_units = this.minor_units AND
         folded_payee = this.folded_payee AND currency = this.currency AND kind = this.kind AND
-        user = this.user AND id < this.id AND id IS NOT this.counterpart AND
+        user = this.user AND id < this.id AND id IS DISTINCT FROM this.counterpart AND
         coalesce(account <> this.account OR balance_currency <> this.balance_currency OR
           balance = this.balance, TRUE)
-      ORDER BY id LIMIT 1)
+      ORDER BY id LIMIT 1) AS by_sum
     UNION ALL
     SELECT * FROM (
       SELECT id FROM transactions
       WHERE reference = this.reference AND reference <> '' AND user = this.user AND
-        id < this.id AND id IS NOT this.counterpart AND
+        id < this.id AND id IS DISTINCT FROM this.counterpart AND
         coalesce(account <> this.account OR balance_currency <> this.balance_currency OR
           balance = this.balance, TRUE)
-      ORDER BY id LIMIT 1))))";
+      ORDER BY id LIMIT 1) AS by_reference) AS alike))";
 
 // `changed` is a query with the parameter `value` for the ids of transactions that were changed or
 // removed.

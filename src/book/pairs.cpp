@@ -95,33 +95,40 @@ std::optional<std::int64_t> otherHalf(Database& database, const LedgerEntry& ent
     WHERE reference = ? AND reference <> '' AND +user = ? AND +state = 'booked' AND
       +counterpart IS NULL AND refund = 0 AND minor_units = ? AND currency = ? AND
       incoming <> ? AND account NOT IN ('', ?) AND
-      +date BETWEEN date(?7, '-2 days') AND date(?7, '+2 days') AND +id <> ?8 AND
-      NOT EXISTS (SELECT 1 FROM separated
-        WHERE one = min(other.id, ?8) AND separated.other = max(other.id, ?8))
+      +date BETWEEN ? AND ? AND +id <> ?9 AND
+      NOT EXISTS (SELECT 1 FROM separated WHERE (one = other.id AND separated.other = ?9) OR
+        (one = ?9 AND separated.other = other.id))
     ORDER BY id LIMIT 1)");
   const std::string currency = entry.amount->currency.text();
-  const std::string date = entry.date.text();
+  constexpr int mostDaysApart = 2;
+  const std::string first = entry.date.before(mostDaysApart).text();
+  const std::string last = entry.date.before(-mostDaysApart).text();
   query.bind(entry.reference).bind(entry.userId).bind(entry.amount->minorUnits).bind(currency);
-  query.bind(std::int64_t{entry.incoming}).bind(entry.account).bind(date).bind(entry.id);
+  query.bind(std::int64_t{entry.incoming}).bind(entry.account).bind(first).bind(last);
+  query.bind(entry.id);
   if (!next(query)) return std::nullopt;
   return query.integer(0);
 }
 
 std::vector<LikelyPair> likelyPairs(Database& database) {
   // The entries that came in are fewer; each finds the others by day and sum.
+  const auto beside = [&](int days) { return database.dayBeside("came.date", days); };
+  const std::string oneApart = beside(-1) + ", " + beside(1);
+  const std::string twoApart = beside(-2) + ", " + beside(2);
   Statement query(database, R"(
     SELECT went.id, came.id FROM transactions AS came CROSS JOIN transactions AS went
-    WHERE came.state = 'booked' AND came.incoming AND came.counterpart IS NULL AND
+    WHERE came.state = 'booked' AND came.incoming <> 0 AND came.counterpart IS NULL AND
       came.refund = 0 AND came.account <> '' AND
-      went.date IN (came.date, date(came.date, '-1 day'), date(came.date, '+1 day'),
-        date(came.date, '-2 days'), date(came.date, '+2 days')) AND
+      went.date IN (came.date, )" +
+                                oneApart + ", " + twoApart + R"() AND
       went.minor_units = came.minor_units AND went.currency = came.currency AND
-      +went.state = 'booked' AND NOT went.incoming AND went.counterpart IS NULL AND
+      +went.state = 'booked' AND went.incoming = 0 AND went.counterpart IS NULL AND
       went.account NOT IN ('', came.account) AND +went.user = came.user AND
-      NOT EXISTS (SELECT 1 FROM separated
-        WHERE one = min(came.id, went.id) AND other = max(came.id, went.id))
-    ORDER BY came.date DESC, came.id DESC,
-      abs(julianday(came.date) - julianday(went.date)), went.id)");
+      NOT EXISTS (SELECT 1 FROM separated WHERE (one = came.id AND other = went.id) OR
+        (one = went.id AND other = came.id))
+    ORDER BY came.date DESC, came.id DESC, CASE WHEN went.date = came.date THEN 0
+      WHEN went.date IN ()" + oneApart +
+                                R"() THEN 1 ELSE 2 END, went.id)");
   std::vector<LikelyPair> found;
   std::set<std::int64_t> taken;
   while (next(query)) {

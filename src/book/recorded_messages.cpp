@@ -11,11 +11,11 @@ std::vector<RecordedMessage> recordedMessages(Database& database, const std::str
   Statement query(database, R"(
     SELECT transactions.date, transactions.text, answer FROM answers
       LEFT JOIN transactions USING (user, key)
-      WHERE user = ?1 AND key NOT GLOB ?2 || '*'
-        AND (transactions.text IS NOT NULL OR answer GLOB '{"saved":true*')
+      WHERE user = ?1 AND substr(key, 1, length(?2)) <> ?2
+        AND (transactions.text IS NOT NULL OR substr(answer, 1, 13) = '{"saved":true')
     UNION ALL
     SELECT date, text, '' FROM ignored
-      WHERE user = ?1 AND key NOT GLOB ?2 || '*' AND taken_by IS NULL)");
+      WHERE user = ?1 AND substr(key, 1, length(?2)) <> ?2 AND taken_by IS NULL)");
   query.bind(userId).bind(exceptKeys);
   std::vector<RecordedMessage> found;
   while (next(query)) {

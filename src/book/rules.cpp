@@ -42,7 +42,7 @@ Rule ruleOf(const Statement& row) {
 // looked up, all others are tried.
 std::vector<FittingRule> fittingRules(Database& database, const std::string& folded) {
   const std::string sql = std::string(selection) + " WHERE payee = ? UNION ALL " + selection +
-                          " WHERE has_wildcard AND payee <> ?";
+                          " WHERE has_wildcard <> 0 AND payee <> ?";
   Statement query(database, sql);
   const std::string own = NamePattern::textFor(folded);
   query.bind(own).bind(own);

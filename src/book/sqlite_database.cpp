@@ -48,6 +48,10 @@ std::unique_ptr<PreparedStatement> SqliteTables::prepare(const std::string& sql)
   return std::make_unique<SqliteStatement>(database_, sql);
 }
 
+std::string SqliteTables::dayBeside(const std::string& column, int days) const {
+  return "date(" + column + ", '" + std::to_string(days) + " days')";
+}
+
 void SqliteTables::inTransaction(const std::function<void()>& steps) {
   const linux_platform::StatementCache cache(database_);
   WriteTransaction transaction(database_);

@@ -14,6 +14,7 @@ class SqliteTables : public Database {
   explicit SqliteTables(sqlite3* database) : database_(database) {}
 
   std::unique_ptr<PreparedStatement> prepare(const std::string& sql) override;
+  [[nodiscard]] std::string dayBeside(const std::string& column, int days) const override;
   void inTransaction(const std::function<void()>& steps) override;
   void inSnapshot(const std::function<void()>& reads) override;
   void oweErasure() override;

@@ -1,5 +1,6 @@
 #include "book/stored_entry.h"
 
+#include <limits>
 #include <string>
 
 #include "book/database.h"
@@ -94,7 +95,7 @@ struct ChosenRows {
         query(database, "SELECT " + ofColumns + " FROM transactions WHERE " + condition.condition +
                             " ORDER BY date DESC, id DESC LIMIT ?") {
     for (const std::string& value : condition.values) query.bind(value);
-    query.bind(filter.most);
+    query.bind(filter.most < 0 ? std::numeric_limits<std::int64_t>::max() : filter.most);
   }
 
   FilterSql condition;
