@@ -20,8 +20,9 @@ target_link_libraries(ICU::i18n INTERFACE ICU::uc)  # an archive comes before th
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(DBus REQUIRED IMPORTED_TARGET dbus-1)
 set(CMAKE_FIND_LIBRARY_SUFFIXES ${kivo_shared_suffixes})
-# Debian has it only as a shared library; kivo-server alone uses it.
+# Shared, since kivo-server alone uses them.
 pkg_check_modules(QrEncode REQUIRED IMPORTED_TARGET libqrencode)
+pkg_check_modules(Pq REQUIRED IMPORTED_TARGET libpq)
 
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED)

@@ -23,6 +23,12 @@ namespace kivo::book {
 
 namespace {
 
+// That of `BooksFrom`, while one lives.
+BooksFrom::Open& chosenOpen() {
+  static BooksFrom::Open open;
+  return open;
+}
+
 money::Day firstKeptDay() { return currentDay().before(Book::keptDays); }
 
 // The category gets its spelling from the book.
@@ -72,7 +78,12 @@ Book::Book(Book&& other) noexcept = default;
 Book& Book::operator=(Book&& other) noexcept = default;
 Book::~Book() = default;
 
-Book Book::open() { return Book(std::make_unique<File>(File{openSqliteBook()})); }
+BooksFrom::BooksFrom(Open open) : before_(std::exchange(chosenOpen(), std::move(open))) {}
+BooksFrom::~BooksFrom() { chosenOpen() = std::move(before_); }
+
+Book Book::open() {
+  return Book(std::make_unique<File>(File{chosenOpen() ? chosenOpen()() : openSqliteBook()}));
+}
 
 void Book::inOneStep(const std::function<void()>& steps) {
   if (file_->isInStep) return steps();

@@ -125,6 +125,23 @@ struct ForgottenTexts {
   std::int64_t ofIgnored = 0;
 };
 
+class Database;
+
+/// While it lives, `Book::open` uses the databases that `open` returns, in the place of files: a
+/// server keeps books elsewhere. The last one made counts. Only for processes in which no other
+/// thread opens books.
+class BooksFrom {
+ public:
+  using Open = std::function<std::unique_ptr<Database>()>;
+  explicit BooksFrom(Open open);
+  ~BooksFrom();
+  BooksFrom(const BooksFrom&) = delete;
+  BooksFrom& operator=(const BooksFrom&) = delete;
+
+ private:
+  Open before_;
+};
+
 /// An open book. An entry whose values cannot be is set aside: it is in no list and no sum but that
 /// of the state `setAside`. Not thread-safe; other processes may have the same book open. A change
 /// is durable when the call returns. Every change also erases the ignored messages that are older

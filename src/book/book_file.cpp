@@ -92,7 +92,7 @@ std::int64_t bookVersion() { return static_cast<std::int64_t>(versions.size()); 
 void makeBookOf(sqlite3* database, std::int64_t version) {
   const std::string marks = "PRAGMA application_id = " + std::to_string(bookApplicationId) +
                             "; PRAGMA user_version = " + std::to_string(version);
-  require(linux_platform::execute(database, marks.c_str()));
+  if (version > 0) require(linux_platform::execute(database, marks.c_str()));
   require(linux_platform::upgradeTables(database, form));
 }
 

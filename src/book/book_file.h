@@ -44,8 +44,8 @@ linux_platform::Database openBookFile();
 inline constexpr std::int64_t bookApplicationId = 0x4B764C67;
 /// Returns the version of the tables that `openBookFile` makes.
 std::int64_t bookVersion();
-/// Gives `database`, which holds the tables of version `version` of a book, those of `bookVersion`,
-/// and the marks of a book. Throws DatabaseFailure.
+/// Gives `database`, which holds the tables of version `version` of a book, or nothing for 0, those
+/// of `bookVersion`, and the marks of a book. Throws DatabaseFailure.
 void makeBookOf(sqlite3* database, std::int64_t version);
 
 }  // namespace kivo::book

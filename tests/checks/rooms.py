@@ -25,6 +25,7 @@ ARROWS = {
     "money": set(),
     "recognition": {"money", "names"},
     "book": {"money", "names", "platform", "platform/linux"},
+    "book_postgresql": {"book", "money", "names", "platform", "platform/linux"},
     # The book is kept in the currency of the shared store, and messages are read by a file of templates.
     "recording": {"recognition", "book", "money", "extraction", "feedback", "store", "platform", "platform/linux"},
     "old_messages": {"platform", "platform/linux"},

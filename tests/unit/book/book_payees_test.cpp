@@ -69,14 +69,13 @@ TEST_F(APayee, HasNoCorrectionByAnEditOfASumOrWithoutAName) {
   recorded(book, "KEY-2", spent(100, ""));
   correct(book, 1, {.amount = Money{200, "EGP"}});
   correct(book, 2, {.description = "Lune"});
-  EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM rules"), "0\n");
+  EXPECT_EQ(raw("SELECT count(*) FROM rules"), "0\n");
 }
 
 TEST_F(APayee, IsComparedThroughAnIndex) {
   open();
   EXPECT_THAT(
-      testkit::RawStore(file()).run(
-          "EXPLAIN QUERY PLAN SELECT id FROM transactions WHERE date = '2026-11-21' AND "
+      raw("EXPLAIN QUERY PLAN SELECT id FROM transactions WHERE date = '2026-11-21' AND "
           "minor_units = 1 AND folded_payee = 'x' AND currency = 'EGP' AND kind = 'expense' "
           "AND user = 'u' AND id < 9 ORDER BY id LIMIT 1"),
       testing::AllOf(testing::HasSubstr("transactions_by_likeness"),

@@ -135,7 +135,7 @@ TEST_F(ARule, ChangesEarlierEntriesThatItFits) {
   of("Town Gas 1");
   of("Town Gas 2");
   of("Another");
-  testkit::RawStore(file()).run("UPDATE transactions SET state = 'review' WHERE id = 2");
+  raw("UPDATE transactions SET state = 'review' WHERE id = 2");
   const KeptRule rule = kept("town gas*", {.description = "Gas", .category = "utilities"});
   const EarlierEntries found = book_.earlierFor(rule);
   EXPECT_THAT(found.changing, ElementsAre(1, 2));
@@ -249,9 +249,9 @@ TEST_F(ARule, LeavesNothingBehindWhenItIsRemoved) {
 }
 
 TEST_F(ARule, IsLookedUpThroughIndexes) {
-  const std::string plan = testkit::RawStore(file()).run(
-      "EXPLAIN QUERY PLAN SELECT number FROM rules WHERE payee = 'a' "
-      "UNION ALL SELECT number FROM rules WHERE has_wildcard AND payee <> 'a'");
+  const std::string plan =
+      raw("EXPLAIN QUERY PLAN SELECT number FROM rules WHERE payee = 'a' "
+          "UNION ALL SELECT number FROM rules WHERE has_wildcard AND payee <> 'a'");
   EXPECT_THAT(plan, testing::HasSubstr("sqlite_autoindex_rules_1 (payee=?)"));
   EXPECT_THAT(plan, testing::HasSubstr("rules_with_wildcard"));
 }

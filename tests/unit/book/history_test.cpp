@@ -32,14 +32,14 @@ class ACommand : public LedgerTest {
  protected:
   // All that a person sees of the book, with the answers.
   std::string dump() {
-    return testkit::RawStore(file()).run(R"(
+    return raw(R"(
       SELECT * FROM transactions ORDER BY id;
       SELECT number, payee, written, has_wildcard, description, category, kind FROM rules;
       SELECT * FROM rates; SELECT * FROM budgets; SELECT * FROM categories; SELECT * FROM answers;
       SELECT number, user, key, date, reason, text FROM ignored WHERE taken_by IS NULL)");
   }
   std::string dumpWithoutTexts() {
-    return testkit::RawStore(file()).run(R"(
+    return raw(R"(
       CREATE TEMP TABLE seen AS SELECT * FROM transactions ORDER BY id;
       UPDATE seen SET text = NULL; SELECT * FROM seen; DROP TABLE seen)");
   }
@@ -260,8 +260,7 @@ TEST_F(ACommand, CanBeTakenBackForThirtyDays) {
   run(book, "newest", [&] { correct(book, 2, {.category = "Other"}); });
   ASSERT_EQ(book.history().size(), 2U);
   EXPECT_EQ(book.history().back().words, "new");
-  EXPECT_EQ(testkit::RawStore(file()).run("SELECT DISTINCT command FROM past_transactions"),
-            "2\n3\n");
+  EXPECT_EQ(raw("SELECT DISTINCT command FROM past_transactions"), "2\n3\n");
 }
 
 TEST_F(ACommand, IsOneOfTheLastThousand) {
@@ -302,7 +301,7 @@ TEST_F(ACommand, KeepsTheTextOfABookedIgnoredMessageUntilItsEntryIsDeleted) {
   EXPECT_FALSE(book.ignored(1));
   EXPECT_THAT(book.ignored(), IsEmpty());
   book.remove(1);
-  EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM ignored"), "0\n");
+  EXPECT_EQ(raw("SELECT count(*) FROM ignored"), "0\n");
 }
 
 }  // namespace

@@ -141,8 +141,7 @@ TEST_F(AnIgnoredMessage, GivesWayToLaterOnesWhenAFloodComes) {
 TEST_F(AnIgnoredMessage, IsNamedAndLeftOutWhenItsDayOrReasonCannotBe) {
   Book book = open();
   for (const char* const key : {"KEY-1", "KEY-2", "KEY-3"}) keep(book, key);
-  testkit::RawStore(file()).run(
-      "UPDATE ignored SET date = '2026-11-3x' WHERE number = 1;"
+  raw("UPDATE ignored SET date = '2026-11-3x' WHERE number = 1;"
       "UPDATE ignored SET reason = 'odd' WHERE number = 3");
   testing::internal::CaptureStderr();
   EXPECT_THAT(numbers(book), ElementsAre(2));

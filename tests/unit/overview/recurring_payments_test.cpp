@@ -114,26 +114,24 @@ TEST_F(RecurringPayments, GoByTheDescriptionWithoutAPayee) {
   Book book = open();
   booked(book, "", 100, {"2026-09-01", "2026-10-01", "2026-11-01"});
   EXPECT_THAT(found(book), IsEmpty());
-  testkit::RawStore(file()).run("UPDATE transactions SET description = 'Rent'");
+  raw("UPDATE transactions SET description = 'Rent'");
   EXPECT_THAT(found(book), ElementsAre("Rent 100 2026-11-01 2026-12-01 3"));
 }
 
 TEST_F(RecurringPayments, AreExpensesInOneCurrency) {
   Book book = open();
   booked(book, "Salary", 100, {"2026-09-01", "2026-10-01", "2026-11-01"});
-  testkit::RawStore(file()).run("UPDATE transactions SET kind = 'income'");
+  raw("UPDATE transactions SET kind = 'income'");
   booked(book, "Rent", 100, {"2026-09-01", "2026-10-01", "2026-11-01"});
   EXPECT_EQ(found(book).size(), 1U);
-  testkit::RawStore(file()).run(
-      "UPDATE transactions SET currency = 'USD' WHERE date = '2026-10-01'");
+  raw("UPDATE transactions SET currency = 'USD' WHERE date = '2026-10-01'");
   EXPECT_THAT(found(book), IsEmpty());
 }
 
 TEST_F(RecurringPayments, LeaveOutAmountsThatAreOutOfRange) {
   Book book = open();
   booked(book, "Rent", 100, {"2026-09-01", "2026-10-01", "2026-11-01"});
-  testkit::RawStore(file()).run(
-      "PRAGMA ignore_check_constraints = ON;"
+  raw("PRAGMA ignore_check_constraints = ON;"
       "UPDATE transactions SET minor_units = 9223372036854775807");
   EXPECT_THAT(found(book), IsEmpty());
 }

@@ -67,8 +67,7 @@ class AYearSummary : public LedgerTest {
               (pick(2) == 0 ? "FOOD " : "Food ") + std::to_string(pick(9)) +
               "', '', '', '', '', 'booked', " + std::to_string(pick(2)) + ")";
     }
-    testkit::RawStore(file()).run(
-        "PRAGMA ignore_check_constraints = ON; INSERT INTO transactions (user, key, date, kind, "
+    raw("PRAGMA ignore_check_constraints = ON; INSERT INTO transactions (user, key, date, kind, "
         "minor_units, currency, description, category, payee, folded_payee, account, reference, "
         "state, refund) VALUES " +
         rows);
@@ -157,8 +156,7 @@ TEST_F(AYearSummary, LeavesOutAndNamesAmountsThatAreOutOfRange) {
   Book book = open();
   for (int count = 0; count < 3; ++count) booked(book, spent(100), "2026-04-01");
   booked(book, spent(7), "2025-10-01");
-  testkit::RawStore(file()).run(
-      "PRAGMA ignore_check_constraints = ON;"
+  raw("PRAGMA ignore_check_constraints = ON;"
       "UPDATE transactions SET minor_units = 9223372036854775807 WHERE id IN (1, 4)");
   const YearSummary summary = summarize(book, year, "EGP");
   EXPECT_EQ(summary.sums.expense.minorUnits, 200);
@@ -170,7 +168,7 @@ TEST_F(AYearSummary, LeavesOutAndNamesAmountsThatAreOutOfRange) {
 TEST_F(AYearSummary, KeepsOtherCurrenciesApart) {
   Book book = open();
   booked(book, spent(100), "2026-04-01");
-  testkit::RawStore(file()).run("UPDATE transactions SET currency = 'KWD'");
+  raw("UPDATE transactions SET currency = 'KWD'");
   booked(book, spent(7), "2026-04-01");
   const YearSummary summary = summarize(book, year, "EGP");
   EXPECT_EQ(summary.sums.expense.minorUnits, 7);

@@ -13,6 +13,7 @@
 #include "recording/recording.h"
 #include "recording/rereading.h"
 #include "testkit/private_folders.h"
+#include "testkit/raw_book.h"
 #include "testkit/raw_store.h"
 
 namespace kivo::recording {
@@ -28,6 +29,11 @@ class LedgerTest : public testing::Test {
  protected:
   [[nodiscard]] std::filesystem::path file() const {
     return folders_.dataHome() / "app.kivo.ledger" / "ledger.sqlite3";
+  }
+
+  // Runs SQL on the tables of the book, in a file or elsewhere.
+  std::string raw(const std::string& sql) {
+    return testkit::rawBook ? testkit::rawBook(sql) : testkit::RawStore(file()).run(sql);
   }
 
   static Reading spent(std::int64_t minorUnits, const std::string& payee = "Sunny Market",

@@ -97,7 +97,7 @@ TEST_F(ABook, StoresOnlyTheKeyOfAMessageThatIsNoTransaction) {
   EXPECT_EQ(record(book, message("KEY-2")).reason, "not_a_transaction");
   reading_ = spent(100);
   EXPECT_FALSE(record(book, message("KEY-1")).saved);
-  EXPECT_EQ(testkit::RawStore(file()).run("SELECT count(*) FROM transactions"), "0\n");
+  EXPECT_EQ(raw("SELECT count(*) FROM transactions"), "0\n");
 }
 
 TEST_F(ABook, PutsAnUnclearMessageInReview) {
@@ -254,11 +254,10 @@ TEST_F(ABook, StoresNoCorrectionForAMessageWithoutAPayee) {
 
 TEST_F(ABook, AcknowledgesNothingWhenTheWriteFails) {
   Book book = open();
-  testkit::RawStore(file()).run(
-      "CREATE TRIGGER full BEFORE INSERT ON answers BEGIN SELECT raise(ABORT, 'full'); END");
+  raw("CREATE TRIGGER full BEFORE INSERT ON answers BEGIN SELECT raise(ABORT, 'full'); END");
   EXPECT_THROW(record(book, message("KEY-1")), BookFailure);
   EXPECT_TRUE(book.entries({}).empty());
-  testkit::RawStore(file()).run("DROP TRIGGER full");
+  raw("DROP TRIGGER full");
   EXPECT_TRUE(record(book, message("KEY-1")).saved);
 }
 

@@ -22,7 +22,7 @@ Database opened(const char* name, int flags) {
 
 Database openInMemory(std::string_view bytes) {
   Database database = opened(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-  if (database == nullptr) return nullptr;
+  if (database == nullptr || bytes.empty()) return database;
   auto* const copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
   if (copy == nullptr) return nullptr;
   std::copy(bytes.begin(), bytes.end(), copy);

@@ -8,7 +8,8 @@
 
 namespace kivo::linux_platform {
 
-/// Opens a database in memory that has the content `bytes` of a database file. Null when there is
+/// Opens a database in memory that has the content `bytes` of a database file, or nothing. Null
+/// when there is
 /// not enough memory. Bytes that are no database fail at the first statement.
 Database openInMemory(std::string_view bytes);
 

@@ -1,0 +1,174 @@
+// What PostgreSQL does beside the calls of the book: many books, several servers, failures.
+#include "book_postgresql/postgres_book.h"
+
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <libpq-fe.h>
+
+#include "book_postgresql/postgres_tables.h"
+#include "platform/linux/foundation/device_folders.h"
+#include "postgresql/fresh_books.h"
+#include "testkit/raw_book.h"
+#include "unit/recording/ledger_test.h"
+
+namespace kivo::book_postgresql {
+
+using book::Book;
+using recording::LedgerTest;
+
+namespace {
+
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+class APostgresBook : public LedgerTest {
+ protected:
+  // Another book of the same database, which is used in the folders that it returns.
+  [[nodiscard]] linux_platform::FoldersIn inOtherBook() const {
+    return linux_platform::FoldersIn(folders_.home() / "other");
+  }
+  static PostgresConnection connection() {
+    return PostgresConnection(testkit::FreshBooks::cluster().url());
+  }
+};
+
+TEST_F(APostgresBook, SeesNoRowsOfAnotherBook) {
+  Book mine = open();
+  recorded(mine, "KEY-1", spent(15000));
+  const auto folders = inOtherBook();
+  Book other = open();
+  EXPECT_TRUE(other.entries({}).empty());
+  EXPECT_FALSE(other.entry(1));
+  EXPECT_FALSE(other.edit(1, {.description = "Mine"}));
+  EXPECT_FALSE(other.remove(1));
+  EXPECT_FALSE(other.answer("user", "KEY-1"));
+  other.forgetTexts();
+  EXPECT_EQ(other.undo(5).size(), 0U);
+  EXPECT_EQ(mine.entry(1)->description, "Sunny Market");
+  EXPECT_TRUE(mine.entry(1)->text);
+}
+
+TEST_F(APostgresBook, GivesItsOwnNumbersAndAnswersItsOwnKeys) {
+  Book mine = open();
+  EXPECT_EQ(recorded(mine, "KEY-1", spent(15000)).id, 1);
+  const auto folders = inOtherBook();
+  Book other = open();
+  EXPECT_EQ(recorded(other, "KEY-1", spent(700)).id, 1);
+  EXPECT_EQ(mine.entry(1)->amount->minorUnits, 15000);
+}
+
+TEST_F(APostgresBook, HasItsWritersWaitForEachOther) {
+  Book one = open();
+  Book other = open();
+  std::thread second;
+  one.inOneStep([&] {
+    second = std::thread([&] {
+      other.inOneStep([&] {
+        const auto rate = other.rate("USD", "2026-11-21");  // as the first one left it
+        EXPECT_TRUE(rate);
+        other.setRate("GBP", money::Rate::fromText("60").value());
+      });
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    one.setRate("USD", money::Rate::fromText("48.5").value());
+  });
+  second.join();
+  EXPECT_EQ(one.rates().size(), 2U);
+}
+
+TEST_F(APostgresBook, KeepsWhatWasAcknowledgedWhenTheDatabaseIsKilled) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(15000));
+  testkit::FreshBooks::cluster().killAndRestart();
+  Book again = open();
+  EXPECT_EQ(again.entries({}).size(), 1U);
+  EXPECT_TRUE(again.answer("user", "KEY-1"));
+}
+
+TEST_F(APostgresBook, ConnectsAgainAfterTheConnectionWasLost) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(15000));
+  testkit::FreshBooks::cluster().killAndRestart();
+  EXPECT_THROW((void)book.entries({}), book::BookFailure);
+  EXPECT_EQ(book.entries({}).size(), 1U);
+}
+
+TEST_F(APostgresBook, KeepsNothingOfAStepInWhichTheConnectionWasLost) {
+  Book book = open();
+  EXPECT_THROW(book.inOneStep([&] {
+    book.setRate("USD", money::Rate::fromText("48.5").value());
+    testkit::FreshBooks::cluster().killAndRestart();
+    book.setRate("GBP", money::Rate::fromText("60").value());
+  }),
+               book::BookFailure);
+  EXPECT_TRUE(book.rates().empty());
+}
+
+TEST_F(APostgresBook, KeepsATextThatItCannotStoreWithReplacementCharacters) {
+  Book book = open();
+  reading_ = spent(15000, std::string("Caf\xff"
+                                      "e\0Nilo",
+                                      10));
+  recorded(book, "KEY-1", reading_);
+  EXPECT_EQ(book.entry(1)->description, "Caf\uFFFDe\uFFFDNilo");
+}
+
+TEST_F(APostgresBook, RefusesTablesOfANewerVersion) {
+  open();
+  PostgresConnection used = connection();
+  createTables(used);  // are there already
+  used.run("INSERT INTO kivo.version VALUES (1000)");
+  EXPECT_THAT([&] { createTables(used); },
+              ThrowsMessage<book::BookFailure>(HasSubstr("newer version of Kivo")));
+  used.run("DELETE FROM kivo.version WHERE number = 1000");
+}
+
+TEST_F(APostgresBook, SaysThatTheDatabaseCannotBeReachedWithoutItsAddress) {
+  PostgresConnection nowhere("postgresql:///kivo?user=kivo&password=secret&host=/nowhere");
+  EXPECT_THAT([&] { nowhere.run("SELECT 1"); },
+              ThrowsMessage<book::BookFailure>("the database cannot be reached"));
+}
+
+TEST_F(APostgresBook, QuotesNoStoredDataInAFailure) {
+  PostgresConnection used = connection();
+  EXPECT_THAT([&] { used.run("SELECT 'Tulip Clinic'::BIGINT"); },
+              ThrowsMessage<book::BookFailure>("the database refuses a statement (22P02)"));
+}
+
+TEST_F(APostgresBook, ComesAndGoesAsABackupOfALocalBook) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(15000, "Bakery"));
+  recorded(book, "KEY-2", spent(900, "Kiosk"));
+  book.setRate("USD", money::Rate::fromText("48.5").value());
+  book.remove(2);
+  const auto path = folders_.home() / "backup";
+  EXPECT_EQ(book.backUp(path, {.currency = "EGP"}, "1").count, 1);
+  const auto folders = inOtherBook();
+  Book other = open();
+  other.restore(book::Backup::read(path), [] {});
+  ASSERT_EQ(other.entries({}).size(), 1U);
+  EXPECT_EQ(other.entries({}).front().text, book.entry(1)->text);
+  EXPECT_EQ(other.rates().size(), 1U);
+  EXPECT_TRUE(other.answer("user", "KEY-2"));
+  EXPECT_EQ(recorded(other, "KEY-3", spent(100)).id, 3);  // 2 was given
+}
+
+TEST_F(APostgresBook, StandsInAPartitionByItsNumber) {
+  open();
+  PostgresConnection used = connection();
+  const Result found = used.run(
+      "SELECT count(*) FROM pg_inherits WHERE inhparent = 'kivo.transactions'::regclass", {});
+  EXPECT_EQ(valueOf(found, 0, 0), "16");
+}
+
+TEST_F(APostgresBook, IsLookedUpThroughIndexes) {
+  Book book = open();
+  recorded(book, "KEY-1", spent(15000));
+  const std::string plan = testkit::rawBook(R"(EXPLAIN (COSTS OFF)
+    SELECT id FROM transactions WHERE state = 'booked' AND date BETWEEN '2026-11-01' AND '2026-11-30')");
+  EXPECT_THAT(plan, HasSubstr("Subplans Removed: 15"));
+}
+
+}  // namespace
+}  // namespace kivo::book_postgresql
