@@ -20,6 +20,9 @@ using book::BookFailure;
 
 namespace {
 
+// The number of the tables that belong to no book.
+constexpr std::int64_t noBook = 0;
+
 // PostgreSQL stores no NUL and no text that is not valid UTF-8.
 std::string storable(std::string_view text) {
   std::string stored = platform::repairedUtf8(text);
@@ -41,7 +44,7 @@ class PostgresStatement : public book::PreparedStatement {
 
   bool next() override {
     if (result_ == nullptr) {
-      connection_.useBook(book_);
+      if (book_ != noBook) connection_.useBook(book_);
       result_ = connection_.run(sql_, parameters_);
     }
     return ++row_ < PQntuples(result_.get());
@@ -89,13 +92,9 @@ class PostgresBook : public book::Database {
   // The row of the book is the lock that its writers wait for, as those of a SQLite file do. With
   // it each statement sees what the last writer committed.
   void inTransaction(const std::function<void()>& steps) override {
-    connection_->useBook(number_);
+    if (number_ != noBook) connection_->useBook(number_);
     PostgresTransaction transaction(*connection_);
-    const Result locked =
-        connection_->run("UPDATE kivo.books SET changes = changes + 1 WHERE number = $1",
-                         {{std::to_string(number_), true}});
-    if (std::string_view(PQcmdTuples(locked.get())) != "1") throw BookFailure("it does not exist");
-    ++ownChanges_;
+    if (number_ != noBook) lock();
     steps();
     transaction.commit();
   }
@@ -143,6 +142,14 @@ class PostgresBook : public book::Database {
   }
 
  private:
+  void lock() {
+    const Result locked =
+        connection_->run("UPDATE kivo.books SET changes = changes + 1 WHERE number = $1",
+                         {{std::to_string(number_), true}});
+    if (std::string_view(PQcmdTuples(locked.get())) != "1") throw BookFailure("it does not exist");
+    ++ownChanges_;
+  }
+
   std::shared_ptr<PostgresConnection> connection_;
   std::int64_t number_;
   std::int64_t ownChanges_ = 0;
@@ -150,18 +157,16 @@ class PostgresBook : public book::Database {
 
 }  // namespace
 
-std::int64_t addBook(PostgresConnection& connection, const std::string& name) {
-  PostgresTransaction transaction(connection);
-  const Result added =
-      connection.run("INSERT INTO kivo.books (name) VALUES ($1) RETURNING number", {{name, false}});
-  const std::int64_t number = std::atoll(std::string(valueOf(added, 0, 0)).c_str());
+void addBookTables(PostgresConnection& connection, std::int64_t number) {
   for (const TableForm& table : tableForms()) {
     if (std::string_view(table.numbered).empty()) continue;
     connection.run("INSERT INTO kivo.numbers VALUES ($1, $2, 0)",
                    {{std::to_string(number), true}, {table.name, false}});
   }
-  transaction.commit();
-  return number;
+}
+
+std::unique_ptr<book::Database> openDirectory(std::shared_ptr<PostgresConnection> connection) {
+  return openBook(std::move(connection), noBook);
 }
 
 std::unique_ptr<book::Database> openBook(std::shared_ptr<PostgresConnection> connection,

@@ -10,9 +10,12 @@
 
 namespace kivo::book_postgresql {
 
-/// Adds a book of the name `name` and returns its number. Throws BookFailure, also when there is
-/// one.
-std::int64_t addBook(PostgresConnection& connection, const std::string& name);
+/// Makes the tables of the book `number`, whose row in `kivo.books` the same transaction has added,
+/// give numbers. Throws BookFailure.
+void addBookTables(PostgresConnection& connection, std::int64_t number);
+
+/// Returns the tables that belong to no book: `books`, `people`, `devices`, `settings`.
+std::unique_ptr<book::Database> openDirectory(std::shared_ptr<PostgresConnection> connection);
 
 /// Returns the tables of the book `number`. Books that share a connection are used by one thread.
 std::unique_ptr<book::Database> openBook(std::shared_ptr<PostgresConnection> connection,

@@ -109,8 +109,26 @@ CREATE SCHEMA kivo;
 CREATE SCHEMA kivo_book;
 CREATE TABLE kivo.version (number BIGINT NOT NULL);
 CREATE TABLE kivo.books (
-  number BIGINT GENERATED ALWAYS AS IDENTITY PRIMARY KEY, name TEXT COLLATE "C" NOT NULL UNIQUE,
+  number BIGINT GENERATED ALWAYS AS IDENTITY PRIMARY KEY, name TEXT COLLATE "C" NOT NULL,
   changes BIGINT NOT NULL DEFAULT 0
+);
+CREATE UNIQUE INDEX ON kivo.books (lower(name));
+CREATE TABLE kivo.people (
+  number BIGINT GENERATED ALWAYS AS IDENTITY PRIMARY KEY, name TEXT COLLATE "C" NOT NULL,
+  book BIGINT NOT NULL REFERENCES kivo.books (number)
+);
+CREATE UNIQUE INDEX ON kivo.people (lower(name));
+CREATE INDEX ON kivo.people (book);
+CREATE TABLE kivo.devices (
+  number BIGINT GENERATED ALWAYS AS IDENTITY PRIMARY KEY, name TEXT COLLATE "C" NOT NULL,
+  person BIGINT NOT NULL REFERENCES kivo.people (number), added TEXT NOT NULL,
+  secret_hash TEXT COLLATE "C" NOT NULL UNIQUE
+);
+CREATE UNIQUE INDEX ON kivo.devices (person, lower(name));
+CREATE TABLE kivo.settings (name TEXT PRIMARY KEY, value TEXT NOT NULL);
+CREATE TABLE kivo.book_settings (
+  book BIGINT PRIMARY KEY REFERENCES kivo.books (number), currency TEXT NOT NULL,
+  templates TEXT NOT NULL DEFAULT '', senders TEXT NOT NULL DEFAULT ''
 );
 CREATE TABLE kivo.numbers (
   book BIGINT NOT NULL REFERENCES kivo.books (number), table_name TEXT NOT NULL,
@@ -229,9 +247,13 @@ void createTables(PostgresConnection& connection) {
     throw book::BookFailure("its tables are of a newer version of Kivo; update Kivo");
   }
   if (version == currentVersion) return;
-  PostgresTransaction transaction(connection);
-  connection.run(versionOne());
-  transaction.commit();
+  try {
+    PostgresTransaction transaction(connection);
+    connection.run(versionOne());
+    transaction.commit();
+  } catch (const book::BookFailure&) {  // unless another server did it at the same time
+    if (versionOf(connection) != currentVersion) throw;
+  }
 }
 
 }  // namespace kivo::book_postgresql

@@ -2,23 +2,23 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "money/day.h"
-#include "platform/linux/store/sqlite_database.h"
+#include "money/money.h"
+#include "server/shelf.h"
 
 namespace kivo::server {
 
-/// A book and the folder of its files, which `linux_platform::FoldersIn` takes.
+/// A book, by the number that its shelf knows.
 struct BookPlace {
   std::int64_t number = 0;
   std::string name;
-  std::filesystem::path folder;
 };
 
 /// What a device may reach: one book, as one person.
@@ -43,20 +43,18 @@ struct ListedBook {
   std::vector<ListedPerson> people;
 };
 
-/// The open directory, a file in `app.kivo.server` of `dataHome`; the folders of the books are
-/// beside it. Other processes may have it open: each call sees what they changed. Names match in
-/// either case of ASCII letters. A change is durable when the call returns. Every call throws
-/// Failure, with a sentence for the user, when the file cannot be read or written, and has then
+/// The directory of a shelf. Other processes may use it: each call sees what they changed. Names
+/// match in either case of ASCII letters. A change is durable when the call returns. Every call
+/// throws Failure, with a sentence for the user, when it cannot be read or written, and has then
 /// changed nothing. Not thread-safe.
 class Directory {
  public:
-  /// Opens it, and creates it when it is missing.
-  static Directory open();
+  /// `shelf` must outlive it.
+  explicit Directory(Shelf& shelf);
 
-  /// Adds a book; `fill` is called with its folder, which is empty, before it can be found. Throws
-  /// Failure when `name` is no name or another book has it. Lets what `fill` throws through.
-  void addBook(const std::string& name,
-               const std::function<void(const std::filesystem::path& folder)>& fill);
+  /// Adds an empty book kept in `currency`. Throws Failure when `name` is no name or another book
+  /// has it.
+  void addBook(const std::string& name, const money::CurrencyCode& currency);
   /// Adds a person of the book `book`. Throws Failure when `name` is no name, another person of the
   /// server has it, or there is no such book.
   void addPerson(const std::string& name, const std::string& book);
@@ -86,12 +84,11 @@ class Directory {
   void keepPublicUrl(const std::string& url);
 
  private:
-  explicit Directory(linux_platform::Database database);
   /// Returns what `person` may reach. Throws Failure when there is no such person.
   [[nodiscard]] Access accessOf(const std::string& person) const;
-  [[nodiscard]] std::filesystem::path folderOf(std::int64_t book) const;
 
-  linux_platform::Database database_;
+  Shelf& shelf_;
+  std::unique_ptr<book::Database> database_;
 };
 
 }  // namespace kivo::server

@@ -8,14 +8,12 @@
 #include "overview/year_page.h"
 #include "platform/foundation/json_encoder.h"
 #include "platform/linux/foundation/complaint.h"
-#include "platform/linux/foundation/device_folders.h"
 #include "recording/book_currency.h"
 #include "recording/template_file.h"
 
 namespace kivo::server {
 
 using book::Book;
-using linux_platform::FoldersIn;
 
 namespace {
 
@@ -175,14 +173,24 @@ Answer ServerEndpoint::answerHere(const Routed& routed) {
     (void)directory_.publicUrl();  // throws when it cannot be read
     return plainText(ok, "ok\n");
   }
-  const FoldersIn folders(routed.access->book.folder);
-  return report(routed.query);
+  Answer answer;
+  shelf_.inBook(routed.access->book.number, Shelf::Settings::stay,
+                [&] { answer = report(routed.query); });
+  return answer;
 }
 
 std::vector<Answer> ServerEndpoint::answersOf(const BookPlace& book,
                                               const std::vector<Request>& requests) {
-  const FoldersIn folders(book.folder);
-  return endpointOf(book.number).answers(requests);
+  std::vector<Answer> answers;
+  try {
+    shelf_.inBook(book.number, Shelf::Settings::stay,
+                  [&] { answers = endpointOf(book.number).answers(requests); });
+    return answers;
+  } catch (const linux_platform::Failure& failure) {
+    linux_platform::complain("kivo-server", failure.what());
+    return std::vector<Answer>(requests.size(),
+                               refusal(serviceUnavailable, "the book cannot be used"));
+  }
 }
 
 ledger::ExtractionEndpoint& ServerEndpoint::endpointOf(std::int64_t book) {

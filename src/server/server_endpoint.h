@@ -26,7 +26,8 @@ class ServerEndpoint {
   using Request = ledger::HttpServer::Request;
   using Answer = ledger::HttpServer::Answer;
 
-  explicit ServerEndpoint(Directory directory) : directory_(std::move(directory)) {}
+  /// `shelf` must outlive it.
+  explicit ServerEndpoint(Shelf& shelf) : shelf_(shelf), directory_(shelf) {}
 
   /// Returns the answers to `requests`, in their order. Messages for one book are one step of it.
   std::vector<Answer> answers(const std::vector<Request>& requests);
@@ -40,6 +41,7 @@ class ServerEndpoint {
   std::vector<Answer> answersOf(const BookPlace& book, const std::vector<Request>& requests);
   ledger::ExtractionEndpoint& endpointOf(std::int64_t book);
 
+  Shelf& shelf_;
   Directory directory_;
   Metrics metrics_;
   Pace pace_;

@@ -14,7 +14,8 @@
 namespace kivo::testkit {
 
 /// While it lives, `book::Book::open` opens the book in PostgreSQL that belongs to the data folder
-/// of the moment, over a connection of its own, and adds it when it is the first time.
+/// of the moment, over a connection of its own, and adds it when it is the first time. Servers have
+/// a database for each data folder.
 class FreshBooks {
  public:
   FreshBooks();
@@ -27,9 +28,12 @@ class FreshBooks {
   std::int64_t number(book_postgresql::PostgresConnection& connection);
   std::unique_ptr<book::Database> open();
   std::string runRaw(const std::string& sql);
+  std::string shelfUrl();
 
   PrivatePostgres cluster_;
   std::map<std::string, std::int64_t> numbers_;
+  // The databases of servers, by their data folders.
+  std::map<std::string, std::string> shelves_;
   book::BooksFrom books_;
 };
 

@@ -11,6 +11,7 @@
 #include "platform/linux/foundation/device_folders.h"
 #include "postgresql/fresh_books.h"
 #include "testkit/raw_book.h"
+#include "unit/server/opened_shelf.h"
 
 namespace kivo::testkit {
 
@@ -24,6 +25,7 @@ FreshBooks* running = nullptr;
 
 FreshBooks::FreshBooks() : books_([this] { return open(); }) {
   running = this;
+  server::shelfDatabase = [this] { return shelfUrl(); };
   rawBook = [this](const std::string& sql) { return runRaw(sql); };
 }
 
@@ -39,7 +41,10 @@ std::int64_t FreshBooks::number(PostgresConnection& connection) {
   const std::string folder = linux_platform::dataHome()->string();
   auto known = numbers_.find(folder);
   if (known == numbers_.end()) {
-    const std::int64_t number = book_postgresql::addBook(connection, folder);
+    const auto added = connection.run("INSERT INTO kivo.books (name) VALUES ($1) RETURNING number",
+                                      {{folder, false}});
+    const std::int64_t number = std::stoll(std::string(valueOf(added, 0, 0)));
+    book_postgresql::addBookTables(connection, number);
     known = numbers_.emplace(folder, number).first;
   }
   return known->second;
@@ -49,6 +54,20 @@ std::unique_ptr<book::Database> FreshBooks::open() {
   auto connection = connected();
   const std::int64_t chosen = number(*connection);
   return book_postgresql::openBook(std::move(connection), chosen);
+}
+
+// Copied from a template, since making the tables takes longer than most tests.
+std::string FreshBooks::shelfUrl() {
+  PostgresConnection connection(cluster_.url());
+  if (shelves_.empty()) {
+    connection.run("CREATE DATABASE made");
+    PostgresConnection made(cluster_.url("made"));
+    book_postgresql::createTables(made);
+  }
+  const std::string name = "server" + std::to_string(shelves_.size());
+  const auto [known, isNew] = shelves_.try_emplace(linux_platform::dataHome()->string(), name);
+  if (isNew) connection.run("CREATE DATABASE " + name + " TEMPLATE made");
+  return cluster_.url(known->second);
 }
 
 std::string FreshBooks::runRaw(const std::string& sql) {

@@ -54,8 +54,8 @@ PrivatePostgres::~PrivatePostgres() {
   server_->wait();
 }
 
-std::string PrivatePostgres::url() const {
-  return "postgresql:///postgres?user=kivo&host=" + folder_.path().string();
+std::string PrivatePostgres::url(const std::string& database) const {
+  return "postgresql:///" + database + "?user=kivo&host=" + folder_.path().string();
 }
 
 void PrivatePostgres::start() {

@@ -20,8 +20,8 @@ class PrivatePostgres {
   PrivatePostgres(const PrivatePostgres&) = delete;
   PrivatePostgres& operator=(const PrivatePostgres&) = delete;
 
-  /// A connection URI of its only database.
-  [[nodiscard]] std::string url() const;
+  /// A connection URI of a database.
+  [[nodiscard]] std::string url(const std::string& database = "postgres") const;
   /// Kills all of its processes as a power cut would, and starts it again.
   void killAndRestart();
 

@@ -1,10 +1,11 @@
 #include "server/commands/book_commands.h"
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 #include "ledger/commands/all_commands.h"
-#include "platform/linux/foundation/device_folders.h"
+#include "server/commands/chosen_shelf.h"
 #include "server/directory.h"
 
 namespace kivo::server {
@@ -21,16 +22,17 @@ constexpr const char* bookingOthers = "--book-others";
 
 // Runs `command` in the folders of the book that was given.
 void runInBook(const std::function<void(const GivenParameters&)>& command, GivenParameters given) {
-  const BookPlace book = Directory::open().book(given.at(option));
-  given.erase(option);
+  const std::unique_ptr<Shelf> shelf = openedShelf(given);
+  const BookPlace book = Directory(*shelf).book(given.at(option));
+  for (const char* const own : {option, databaseOptionName}) given.erase(own);
   if (given.contains(bookingOthers)) given[option];
-  const linux_platform::FoldersIn folders(book.folder);
-  command(given);
+  shelf->inBook(book.number, Shelf::Settings::mayChange, [&] { command(given); });
 }
 
 std::vector<std::string> bookNames() {
   std::vector<std::string> names;
-  for (const ListedBook& book : Directory::open().list()) names.push_back(book.name);
+  const std::unique_ptr<Shelf> shelf = openedShelf({});
+  for (const ListedBook& book : Directory(*shelf).list()) names.push_back(book.name);
   return names;
 }
 
@@ -50,6 +52,7 @@ std::vector<Command> bookCommands(const std::string& version,
     command.parameters.push_back(
         {option, "The book's name",
          isList ? CommandParameter::Kind::optional : CommandParameter::Kind::required, bookNames});
+    command.parameters.push_back(databaseOption());
     command.run = [run = std::move(command.run), isList, people](const GivenParameters& given) {
       if (isList && !given.contains(option)) return people(given);
       runInBook(run, given);

@@ -1,19 +1,19 @@
 #include "server/commands/people_commands.h"
 
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include "book/book.h"
 #include "ledger/commands/command_options.h"
 #include "platform/foundation/json_encoder.h"
 #include "platform/foundation/number_text.h"
-#include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_failure.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/prompt.h"
 #include "platform/linux/terminal/screen.h"
-#include "server/book_folder.h"
+#include "server/commands/chosen_shelf.h"
 #include "server/directory.h"
 #include "server/public_address.h"
 #include "server/qr_code.h"
@@ -32,16 +32,23 @@ namespace {
 using Preset = linux_platform::Prompt::Preset;
 using ParameterKind = linux_platform::CommandParameter::Kind;
 
+// The shelf that a command names, and its directory.
+struct Opened {
+  explicit Opened(const GivenParameters& given) : shelf(openedShelf(given)), directory(*shelf) {}
+
+  std::unique_ptr<Shelf> shelf;
+  Directory directory;
+};
+
 void addBook(const GivenParameters& given) {
   const std::string& name = given.at("NAME");
   const auto currency = ledger::givenCurrency(given, "--currency", "EUR");
-  Directory::open().addBook(
-      name, [&](const std::filesystem::path& folder) { BookFolder::fill(folder, *currency); });
+  Opened(given).directory.addBook(name, *currency);
   print("The book " + name + " is kept in " + currency->text() + ".\n");
 }
 
 void addPerson(const GivenParameters& given) {
-  Directory::open().addPerson(given.at("NAME"), given.at("--book"));
+  Opened(given).directory.addPerson(given.at("NAME"), given.at("--book"));
   print(given.at("NAME") + " is a person of the book " + given.at("--book") +
         " now. kivo-server device add gives a phone its address.\n");
 }
@@ -59,26 +66,26 @@ void confirmErasure(const std::string& person) {
 
 void removePerson(const GivenParameters& given) {
   const std::string& name = given.at("NAME");
-  Directory directory = Directory::open();
+  Opened opened(given);
   if (!given.contains("--yes")) confirmErasure(name);
   std::int64_t erased = 0;
-  directory.removePerson(name, [&](const Access& person) {
-    const linux_platform::FoldersIn folders(person.book.folder);
-    erased = book::Book::open().erasePerson(person.person);
+  opened.directory.removePerson(name, [&](const Access& person) {
+    opened.shelf->inBook(person.book.number, Shelf::Settings::stay,
+                         [&] { erased = book::Book::open().erasePerson(person.person); });
   });
   print(name + " is gone, with " + platform::integerText(erased) +
         (erased == 1 ? " payment" : " payments") + ", all devices and messages.\n");
 }
 
 void addDevice(const GivenParameters& given) {
-  Directory directory = Directory::open();
-  const std::string publicUrl = directory.publicUrl();
+  Opened opened(given);
+  const std::string publicUrl = opened.directory.publicUrl();
   if (publicUrl.empty()) {
     throw CommandFailure(
         "the server's address is not known yet; run kivo-server serve --public-url once");
   }
   const std::string& person = given.at("PERSON");
-  const std::string secret = directory.addDevice(person, given.at("--name"));
+  const std::string secret = opened.directory.addDevice(person, given.at("--name"));
   const std::string url = PublicAddress::ofDevice(publicUrl, secret);
   std::string text = "On the device, as " + person + ":\n\n  kivo-phone sign-in --user-id \"" +
                      person + "\" --url " + url + "\n\n";
@@ -91,7 +98,8 @@ void addDevice(const GivenParameters& given) {
 
 void revokeDevice(const GivenParameters& given) {
   const auto person = given.find("--person");
-  Directory::open().revokeDevice(given.at("DEVICE"), person == given.end() ? "" : person->second);
+  Opened(given).directory.revokeDevice(given.at("DEVICE"),
+                                       person == given.end() ? "" : person->second);
   print("The device " + given.at("DEVICE") + " reaches nothing any more.\n");
 }
 
@@ -137,11 +145,11 @@ JSONEncoder jsonOf(const ListedBook& book) {
 
 void listPeople(const GivenParameters& given) {
   const bool asJson = given.contains("--json");
-  if (given.size() > (asJson ? 1U : 0U))
+  if (given.size() > given.count("--json") + given.count(databaseOptionName))
     throw BadUsage("--book is missing: these options are for payments");
   std::string text;
   std::vector<JSONEncoder> objects;
-  for (const ListedBook& book : Directory::open().list()) {
+  for (const ListedBook& book : Opened(given).directory.list()) {
     text += linesOf(book);
     objects.push_back(jsonOf(book));
   }
@@ -153,7 +161,7 @@ void listPeople(const GivenParameters& given) {
 
 std::vector<Command> peopleCommands() {
   const char* const heading = "Books, people and devices";
-  return {
+  std::vector<Command> commands = {
       {"book add",
        "Add an empty book",
        {{"NAME", "Its name", ParameterKind::required},
@@ -183,6 +191,10 @@ std::vector<Command> peopleCommands() {
         {"--person", "Its person, when several have one of this name", ParameterKind::optional}},
        revokeDevice},
   };
+  for (Command& command : commands) {
+    if (command.run) command.parameters.push_back(databaseOption());
+  }
+  return commands;
 }
 
 }  // namespace kivo::server

@@ -6,6 +6,7 @@
 
 #include "platform/linux/foundation/failure.h"
 #include "testkit/private_folders.h"
+#include "unit/server/opened_shelf.h"
 
 namespace kivo::server {
 namespace {
@@ -21,9 +22,7 @@ std::string bytesOf(const std::filesystem::path& path) {
 
 class ADirectory : public testing::Test {
  protected:
-  void addBook(const std::string& name) {
-    directory_.addBook(name, [](const std::filesystem::path&) {});
-  }
+  void addBook(const std::string& name) { directory_.addBook(name, money::CurrencyCode("EGP")); }
   // The sentence of the failure of `call`; empty when it succeeds.
   template <typename Call>
   static std::string failureOf(const Call& call) {
@@ -36,7 +35,8 @@ class ADirectory : public testing::Test {
   }
 
   testkit::PrivateFolders folders_;
-  Directory directory_ = Directory::open();
+  std::unique_ptr<Shelf> shelf_ = openedShelf();
+  Directory directory_{*shelf_};
 };
 
 TEST_F(ADirectory, LetsADeviceReachItsPersonsBookAlone) {
@@ -49,8 +49,8 @@ TEST_F(ADirectory, LetsADeviceReachItsPersonsBookAlone) {
   ASSERT_TRUE(access);
   EXPECT_EQ(access->book.name, "Family");
   EXPECT_EQ(access->person, "Mona");
-  EXPECT_EQ(access->book.folder, directory_.book("Family").folder);
-  EXPECT_NE(access->book.folder, directory_.book("Club").folder);
+  EXPECT_EQ(access->book.number, directory_.book("Family").number);
+  EXPECT_NE(access->book.number, directory_.book("Club").number);
 }
 
 TEST_F(ADirectory, GivesEachDeviceASecretOf128Bits) {
@@ -94,7 +94,8 @@ TEST_F(ADirectory, SeesARevocationByAnotherProcessAtOnce) {
   directory_.addPerson("Mona", "Family");
   const std::string secret = directory_.addDevice("Mona", "phone");
   ASSERT_TRUE(directory_.access(secret));
-  Directory::open().revokeDevice("phone", "Mona");
+  const auto others = openedShelf();
+  Directory(*others).revokeDevice("phone", "Mona");
   EXPECT_FALSE(directory_.access(secret));
 }
 
@@ -130,8 +131,9 @@ TEST_F(ADirectory, RefusesANameThatCannotBeShown) {
   EXPECT_TRUE(directory_.list().empty());
 }
 
-TEST_F(ADirectory, KeepsNoBookWhoseFolderCannotBeFilled) {
-  EXPECT_THROW(directory_.addBook("Family", [](const auto&) { throw Failure("no"); }), Failure);
+TEST_F(ADirectory, KeepsNoBookWhoseFolderCannotBeMade) {
+  std::ofstream(folders_.dataHome() / "app.kivo.server" / "books") << "in the way";
+  EXPECT_THAT(failureOf([&] { addBook("Family"); }), HasSubstr("cannot be made"));
   EXPECT_TRUE(directory_.list().empty());
 }
 
@@ -180,7 +182,8 @@ TEST_F(ADirectory, RemovesAPersonOnlyIfTheBookIsErased) {
 TEST_F(ADirectory, KeepsThePublicAddress) {
   EXPECT_EQ(directory_.publicUrl(), "");
   directory_.keepPublicUrl("https://kivo.example");
-  EXPECT_EQ(Directory::open().publicUrl(), "https://kivo.example");
+  const auto others = openedShelf();
+  EXPECT_EQ(Directory(*others).publicUrl(), "https://kivo.example");
 }
 
 }  // namespace

@@ -5,9 +5,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/foundation/json_encoder.h"
-#include "platform/linux/foundation/device_folders.h"
-#include "server/book_folder.h"
 #include "testkit/private_folders.h"
+#include "unit/server/opened_shelf.h"
 
 namespace kivo::server {
 namespace {
@@ -21,14 +20,9 @@ constexpr const char* purchase = "Your card ending 4821 was charged EGP 150.00 a
 class AServerEndpoint : public testing::Test {
  protected:
   AServerEndpoint() {
-    Directory directory = Directory::open();
-    const auto filledWith = [](const char* currency) {
-      return [currency](const std::filesystem::path& folder) {
-        BookFolder::fill(folder, *money::CurrencyCode::fromText(currency));
-      };
-    };
-    directory.addBook("Family", filledWith("EGP"));
-    directory.addBook("Club", filledWith("EUR"));
+    Directory directory(*shelf_);
+    directory.addBook("Family", money::CurrencyCode("EGP"));
+    directory.addBook("Club", money::CurrencyCode("EUR"));
     for (const char* const person : {"Mona", "Ali"}) directory.addPerson(person, "Family");
     directory.addPerson("Zoe", "Club");
     mona_ = directory.addDevice("Mona", "phone");
@@ -55,16 +49,19 @@ class AServerEndpoint : public testing::Test {
     return endpoint_.answers({request}).front();
   }
   // The entries of a book.
-  static std::vector<book::LedgerEntry> entries(const std::string& name) {
-    const linux_platform::FoldersIn folders(Directory::open().book(name).folder);
-    return book::Book::open().entries({});
+  std::vector<book::LedgerEntry> entries(const std::string& name) {
+    std::vector<book::LedgerEntry> found;
+    shelf_->inBook(Directory(*shelf_).book(name).number, Shelf::Settings::stay,
+                   [&] { found = book::Book::open().entries({}); });
+    return found;
   }
 
   testkit::PrivateFolders folders_;
+  std::unique_ptr<Shelf> shelf_ = openedShelf();
   std::string mona_;
   std::string ali_;
   std::string zoe_;
-  ServerEndpoint endpoint_{Directory::open()};
+  ServerEndpoint endpoint_{*shelf_};
 };
 
 TEST_F(AServerEndpoint, BooksTheMessagesOfAHouseholdInOneBook) {
@@ -118,7 +115,8 @@ TEST_F(AServerEndpoint, AnswersAWrongSecretAsItDoesAnyUnknownPath) {
 
 TEST_F(AServerEndpoint, LetsARevokedDeviceReachNothing) {
   EXPECT_EQ(answer(message(mona_, "Mona")).status, 200);
-  Directory::open().revokeDevice("phone", "Mona");
+  const auto others = openedShelf();
+  Directory(*others).revokeDevice("phone", "Mona");
   EXPECT_EQ(answer(message(mona_, "Mona", "KEY-2")).status, 404);
   EXPECT_EQ(answer(get("/p/" + mona_ + "/report")).status, 404);
   EXPECT_EQ(entries("Family").size(), 1U);
@@ -193,8 +191,9 @@ TEST_F(AServerEndpoint, HasOnlyHastyPeopleWait) {
 
 TEST_F(AServerEndpoint, GoesOnWithOtherBooksWhenOneIsDamaged) {
   answer(message(mona_, "Mona"));
-  const auto file =
-      Directory::open().book("Club").folder / "data" / "app.kivo.ledger" / "ledger.sqlite3";
+  const auto number = std::to_string(Directory(*shelf_).book("Club").number);
+  const auto file = folders_.dataHome() / "app.kivo.server" / "books" / number / "data" /
+                    "app.kivo.ledger" / "ledger.sqlite3";
   std::filesystem::resize_file(file, 0);
   for (const char* const suffix : {"-wal", "-shm"}) {
     std::filesystem::remove(file.string() + suffix);
@@ -207,12 +206,11 @@ TEST_F(AServerEndpoint, GoesOnWithOtherBooksWhenOneIsDamaged) {
 }
 
 TEST_F(AServerEndpoint, AnswersForMoreBooksThanItKeepsOpen) {
-  Directory directory = Directory::open();
+  Directory directory(*shelf_);
   std::vector<std::string> secrets;
   for (int number = 0; number < 70; ++number) {
     const std::string name = "P" + std::to_string(number);
-    directory.addBook(
-        name, [](const auto& folder) { BookFolder::fill(folder, money::CurrencyCode("EGP")); });
+    directory.addBook(name, money::CurrencyCode("EGP"));
     directory.addPerson(name, name);
     secrets.push_back(directory.addDevice(name, "phone"));
   }
