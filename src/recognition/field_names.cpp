@@ -21,6 +21,8 @@ class FieldNames {
       if (firstMove_ == nullptr) firstMove_ = &wording;
       lastMove_ = &wording;
     }
+    const auto sum = std::ranges::find(items_, Item::Kind::sum, &Item::kind);
+    firstSum_ = static_cast<std::size_t>(sum - items_.begin());
   }
 
   // Fields of capitalised words: "AED 415.00 - Available Light Photo - 12/11", "Salary Street" on
@@ -41,9 +43,8 @@ class FieldNames {
       const std::size_t end = endOfField(begin, words_.endOfCapitals(number ? begin + 1 : begin));
       if (end <= begin + 1 || !endsField(begin, end, front) || !words_.hasOwnWord(begin, end))
         continue;
-      if (words_.isOutcome(end - 1) || isHeading(begin, end) || !movesOutside(begin, end)) {
-        continue;
-      }
+      if (words_.isOutcome(end - 1) || isHeading(begin, end)) continue;
+      if (!movesOutside(begin, end) && !isInFrontOfCard(begin, end)) continue;
       // "EGP 50.00 DECLINED FERN MART card 12": a shop or an outcome
       const bool behindSum = begin > 0 && items_[begin - 1].kind == Item::Kind::sum;
       const bool told = behindSum && words_.isOutcome(begin) &&
@@ -70,6 +71,12 @@ class FieldNames {
     if (std::ranges::find(prepositions, items_[wording.begin].text) != prepositions.end()) {
       return true;
     }
+    // "$27.60 purchase, Your Statement Cafe, card 12"
+    const bool your = wording.is(Marker::own) && items_[wording.begin].text == "your";
+    if (your && wording.begin > 0 && isMark(items_[wording.begin - 1], ",") &&
+        words_.isCapital(wording.end)) {
+      return false;
+    }
     if (wording.as<Move>() != nullptr) return wording.end > wording.begin + 1;
     if (wording.as<Marker>() == nullptr) return false;
     // "EGP 57.80, CALL CENTRE CAFE, 12/11"
@@ -83,6 +90,15 @@ class FieldNames {
   // Whether a wording in front of item `begin` or from item `end` on reports a movement.
   [[nodiscard]] bool movesOutside(std::size_t begin, std::size_t end) const {
     return firstMove_ != nullptr && (firstMove_->end <= begin || lastMove_->begin >= end);
+  }
+
+  // "R 132,00 VOID WHERE PROHIBITED TATTOO, card *0933": a card slip without a verb.
+  [[nodiscard]] bool isInFrontOfCard(std::size_t begin, std::size_t end) const {
+    if (begin == 0 || items_[begin - 1].kind != Item::Kind::sum) return false;
+    const Found* const first = words_.wordingAt(begin);
+    if (first != nullptr && first->as<Move>() != nullptr && !first->is(Move::refund)) return false;
+    const std::size_t next = end < items_.size() && isMark(items_[end], ",") ? end + 1 : end;
+    return next < items_.size() && words_.isOwnAccount(next);
   }
 
   // "EGP 1.00 WIN EGP 9000 TODAY card 12": behind the amount, a sum in the same currency belongs to
@@ -115,7 +131,10 @@ class FieldNames {
   }
 
   [[nodiscard]] bool endsField(std::size_t begin, std::size_t end, bool front) const {
-    if (end >= items_.size()) return false;  // a signature
+    const bool behind = !front && begin > 0 && items_[begin - 1].kind == Item::Kind::sum;
+    if (end >= items_.size()) {
+      return behind && items_[begin].capitals && end > begin + 2;  // else a signature
+    }
     const Item& item = items_[end];
     if (front && isMark(item, ":")) {
       std::size_t next = end + 1;
@@ -123,6 +142,11 @@ class FieldNames {
       return next < items_.size() && items_[next].kind == Item::Kind::sum;
     }
     if (item.kind == Item::Kind::lineBreak) return end > 0;
+    const bool apart = front && isMark(item, ".") && end + 1 < items_.size() &&
+                       items_[end + 1].startsSentence && firstSum_ < begin;
+    if (apart && !words_.isInWording(begin)) {
+      return true;  // "Оплата 720.00 RUR. Кафе Возврат. 21.12.26"
+    }
     const Found* const first = words_.wordingAt(begin);
     const Found* const next = words_.wordingAt(end);
     const bool behindSum = !front && begin > 0 && items_[begin - 1].kind == Item::Kind::sum;
@@ -149,6 +173,7 @@ class FieldNames {
   const CapitalWords& words_;
   const Found* firstMove_ = nullptr;
   const Found* lastMove_ = nullptr;
+  std::size_t firstSum_ = 0;  // the number of items without one
 };
 
 }  // namespace
@@ -175,6 +200,43 @@ std::vector<NamePlace> quotedNames(const AnalysedMessage& message) {
     } else {
       open = at;
     }
+  }
+  return places;
+}
+
+std::vector<NamePlace> bankNames(const AnalysedMessage& message, const CapitalWords& words) {
+  constexpr std::size_t longest = 4;
+  const Items& items = message.items;
+  if (!words.isCapital(0)) return {};
+  const std::size_t end = words.endOfCapitals(0);
+  if (end < 2 || end > longest || end + 1 >= items.size()) return {};
+  if (!isMark(items[end], ":") && !words.isDash(end)) return {};
+  bool moves = false;
+  bool movesBehind = false;
+  for (const Found& wording : message.wordings) {
+    const bool tells = wording.as<Move>() != nullptr || wording.as<Status>() != nullptr;
+    if (wording.begin < end) moves = moves || tells;
+    if (wording.begin < end && wording.payeeFollows) return {};
+    if (wording.begin >= end) movesBehind = movesBehind || wording.as<Move>() != nullptr;
+  }
+  if (!moves || !movesBehind || !words.hasOwnWord(0, end)) return {};
+  return {{0, end, end}};
+}
+
+std::vector<NamePlace> bracketedNames(const AnalysedMessage& message, const CapitalWords& words) {
+  constexpr std::size_t longest = 16;
+  const Items& items = message.items;
+  std::vector<NamePlace> places;
+  for (std::size_t open = 1; open + 2 < items.size(); ++open) {
+    if (items[open].text != "(" || items[open - 1].kind != Item::Kind::sum) continue;
+    std::size_t end = open + 1;
+    bool own = false;
+    while (end < items.size() && end <= open + longest && isUnspaced(items[end].text)) {
+      own = own || !words.isInWording(end);
+      ++end;
+    }
+    const bool closes = end < items.size() && items[end].text == ")";
+    if (closes && own && end > open + 2) places.push_back({open + 1, end, end});
   }
   return places;
 }

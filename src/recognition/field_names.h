@@ -15,4 +15,10 @@ std::vector<NamePlace> fieldNames(const AnalysedMessage& message, const CapitalW
 /// The texts between quotes on one line of `message`, of some words. In order.
 std::vector<NamePlace> quotedNames(const AnalysedMessage& message);
 
+/// The name of the bank in front of the report, when it holds a wording: "Credit Garrigue - ...".
+std::vector<NamePlace> bankNames(const AnalysedMessage& message, const CapitalWords& words);
+
+/// The names in brackets behind a sum, in scripts without blanks: "支付28.00元（退款咖啡）".
+std::vector<NamePlace> bracketedNames(const AnalysedMessage& message, const CapitalWords& words);
+
 }  // namespace kivo::recognition

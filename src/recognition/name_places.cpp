@@ -52,6 +52,8 @@ class NamePlaces {
       if (isArabicIn(wording)) append(uncasedNameBehind(message_, words_, wording, wording.end));
     }
     append(fieldNames(message_, words_));
+    append(bankNames(message_, words_));
+    append(bracketedNames(message_, words_));
     // Of places that overlap, the first counts, and of those that begin together the longest.
     std::ranges::stable_sort(places_, [](const NamePlace& one, const NamePlace& other) {
       return one.begin != other.begin ? one.begin < other.begin : one.lastEnd > other.lastEnd;

@@ -160,7 +160,9 @@ class Names {
   // "$210.00 Return To Sender LLC from CHK 4410"
   [[nodiscard]] std::string nameBehindSum() const {
     for (std::size_t at = 1; at < footer_; ++at) {
-      if (!items_[at].named || items_[at - 1].kind != Item::Kind::sum) continue;
+      const bool bracket = items_[at - 1].text == "(";
+      const std::size_t front = bracket && at > 1 ? at - 2 : at - 1;
+      if (!items_[at].named || items_[front].kind != Item::Kind::sum) continue;
       std::size_t end = at;
       while (end < items_.size() && items_[end].named && !items_[end].isPiece) ++end;
       if (end < items_.size() && items_[end].named) continue;  // "Rs.599.00 A/c X7477"

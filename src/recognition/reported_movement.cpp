@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "names/letter_case.h"
 #include "recognition/reported_part.h"
 
 namespace kivo::recognition {
@@ -34,10 +35,29 @@ bool labelsShop(const AnalysedMessage& message, std::size_t index) {
          std::ranges::find(words, message.items[wording.begin].text) != words.end();
 }
 
+// Whether a word with a capital that is of no wording is beside the sum at item `sum`: "R 205,60
+// FERN STORES, card *0933", "FERN STORES 18,99 PLN, karta 0933".
+bool isBesideName(const AnalysedMessage& message, std::size_t sum) {
+  const auto isName = [&](std::size_t at) {
+    const Item& item = message.items[at];
+    if (item.kind != Item::Kind::word) return false;
+    if (item.named) return true;
+    const bool capital =
+        names::caseOfFirst(message.text.substr(item.begin)) == names::LetterCase::capital;
+    return capital && std::ranges::none_of(message.wordings, [at](const Found& wording) {
+             return wording.begin <= at && at < wording.end;
+           });
+  };
+  const bool front = sum > 1 && !message.items[sum].startsSentence && isName(sum - 1);
+  std::size_t next = sum + 1;
+  while (next < message.items.size() && isMark(message.items[next], ",|-")) ++next;
+  return front || (next < message.items.size() && isName(next));
+}
+
 // "Card 1199 | AED 52.00 | GREEN GROCER | Approved", "Card **2201: KWD 6.500 at PIZZA LAND",
 // "£12.00 at Fern Café. Balance £88.00", "$15.00 to Asha Rao on 5-11 from a/c 12": without a
 // wording of a movement, the marker in front of the payee tells the direction.
-const Movement* movementByPlace(const AnalysedMessage& message) {
+const Movement* movementByPlace(const AnalysedMessage& message, const SumParts& sums) {
   const std::vector<Found>& wordings = message.wordings;
   const bool own = holds(wordings, Marker::own);
   if (own && holds(wordings, Status::done)) return &movementOf(Move::transaction);
@@ -54,7 +74,8 @@ const Movement* movementByPlace(const AnalysedMessage& message) {
       return &movementOf(out ? Move::transaction : Move::transferIn);
     }
   }
-  return nullptr;
+  const bool slip = own && sums.moved && isBesideName(message, *sums.moved);
+  return slip ? &movementOf(Move::transaction) : nullptr;
 }
 
 // Whether the wording with this index is "credited" in "credited to Asha Rao": the payment reached
@@ -111,7 +132,7 @@ const Movement* reportedMovement(const AnalysedMessage& message, const SumParts&
         movement != nullptr && signedOne != nullptr && movement->kind == signedOne->kind;
     if (signedOne != nullptr && !agrees) movement = signedOne;
   }
-  if (movement == nullptr) movement = movementByPlace(message);
+  if (movement == nullptr) movement = movementByPlace(message, sums);
   if (movement == nullptr && holds(message.wordings, SumRole::charge)) {
     movement = &movementOf(Move::fee);
   }

@@ -63,6 +63,21 @@ bool matches(const std::vector<std::string>& words, const Items& items, std::siz
   return true;
 }
 
+// Whether the number, with its groups, has two decimals: "6 500,00".
+bool hasCents(const Items& items, std::size_t number) {
+  const auto isPlain = [](const Item& item) {
+    return item.text.size() <= 3 && item.text.find_first_not_of("0123456789") == std::string::npos;
+  };
+  while (number + 1 < items.size() && items[number + 1].kind == Item::Kind::number &&
+         !items[number + 1].glued && isPlain(items[number])) {
+    ++number;
+  }
+  constexpr std::size_t cents = 3;
+  const std::string& digits = items[number].text;
+  return digits.size() > cents &&
+         std::string_view(".,").find(digits[digits.size() - cents]) != std::string_view::npos;
+}
+
 // One or two letters may also begin a reference ("FT2610").
 bool isPlausible(const StatedCurrency& stated, const Items& items, std::size_t number,
                  std::string_view book) {
@@ -73,12 +88,18 @@ bool isPlausible(const StatedCurrency& stated, const Items& items, std::size_t n
   if (only.text == "le" && !only.capitals) return stated.mayBe(book);  // "carte 0912 le 1er mai"
   if (only.text == "บ" && stated.begin < number) return false;         // the end of a word
   if (only.text == "tk" && book == "VND") return false;                // an account
+  if (only.text == "qr" && stated.begin < number && !stated.mayBe(book)) {
+    const auto after = currencyAt(items, number + 1, number, book);  // "QR 75.00 บาท"
+    if (after && after->mayBe(book)) return false;
+  }
   const bool latin = static_cast<unsigned char>(only.text[0]) < 0x80;
   if (only.text.size() == 2 && latin) {
     return stated.mayBe(book) || std::find(usual.begin(), usual.end(), only.text) != usual.end();
   }
   if (only.text.size() > 1) return true;
-  const bool glued = stated.begin < number ? items[number].glued : only.glued;
+  const bool front = stated.begin < number;  // "R 6 500,00"
+  const bool glued =
+      front ? items[number].glued || (only.capitals && hasCents(items, number)) : only.glued;
   return (only.capitals || only.text == "d" || only.text == "r") && glued && stated.mayBe(book);
 }
 

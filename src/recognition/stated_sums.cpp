@@ -209,6 +209,7 @@ class SumReader {
     const bool apart = stated && stated->begin > number && !items_[stated->begin].glued;
     if (item.isPiece && apart && !extent.unclear && !isBehindCode(number)) return item;
     if (stated && stated->begin > number && isInCode(number)) return item;
+    if (stated && stated->begin < number && isWithinWord(number)) return item;
     item.kind = Item::Kind::sum;
     item.isPiece = false;
     item.sum.sign = extent.sign != '\0' ? extent.sign : signBehind(extent.last);
@@ -221,7 +222,8 @@ class SumReader {
     }
     item.end = items_[extent.last].end;
     const std::string_view habit = stated ? std::string_view(item.sum.currency) : book_;
-    const bool unclear = extent.unclear || isMultiplied(extent.last + 1);  // "5 USD million"
+    const bool unclear = extent.unclear || isMultiplied(extent.last + 1) ||  // "5 USD million"
+                         (!stated && isLastGroup(number));
     if (!unclear) item.sum.minorUnits = minorUnitsOf(item.text, habit);
     at = extent.last;
     return item;
@@ -249,6 +251,23 @@ class SumReader {
   [[nodiscard]] bool isBehindCode(std::size_t number) const {
     return number >= 3 && isMark(items_[number - 1], "*") && items_[number - 2].text.size() == 1 &&
            items_[number - 2].kind == Item::Kind::word && isMark(items_[number - 3], "*");
+  }
+
+  // "Taka2Go" is a name.
+  [[nodiscard]] bool isWithinWord(std::size_t number) const {
+    return items_[number].text.size() == 1 && items_[number].glued && number + 1 < items_.size() &&
+           items_[number + 1].glued && items_[number + 1].kind == Item::Kind::word &&
+           !currencyBeginningAt(number + 1, number) && !isMultiplied(number + 1);
+  }
+
+  // Whether the number may be the end of another one: "Rent R6 500,00" in another currency.
+  [[nodiscard]] bool isLastGroup(std::size_t number) const {
+    constexpr std::size_t group = 3;
+    if (number == 0 || items_[number].glued) return false;
+    const Item& before = items_[number - 1];
+    return before.kind == Item::Kind::number && !before.isPiece && before.text.size() <= group &&
+           before.text.find_first_not_of("0123456789") == std::string::npos &&
+           items_[number].text.find_first_of(".,") == group;
   }
 
   // "UFA5LL02QR" is a reference.

@@ -183,6 +183,10 @@ TEST_F(MeasuredMessages, OfTheEleventhSetAreReadAsWellAsBefore) {
   measure("messages_eleventh_measure.tsv", {.kindAndAmount = 209, .payee = 150});
 }
 
+TEST_F(MeasuredMessages, OfTheTwelfthSetAreReadAsWellAsBefore) {
+  measure("messages_twelfth_measure.tsv", {.kindAndAmount = 74, .payee = 55});
+}
+
 TEST_F(MeasuredMessages, OfOneYearAreReadAsWellAsBefore) {
   measure("messages_year.tsv", {.kindAndAmount = 427, .payee = 288});
 }

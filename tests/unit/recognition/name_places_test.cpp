@@ -49,6 +49,29 @@ TEST(AName, InCapitalsMayBeginWithAnyWordOfABank) {
             "expense 75.00 | DENIED JEANS");
 }
 
+TEST(AName, OfTheBankMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingOf("Credit Garrigue - card payment of EGP 12.60 at MARIUS, 21/12"),
+            "expense 12.60 | MARIUS");
+  EXPECT_EQ(readingOf("Refund Alert: EGP 12.60 credited to card 1234"), "income 12.60 | -");
+}
+
+TEST(AName, BetweenTheSumAndTheCardNeedsNoVerb) {
+  EXPECT_EQ(readingOf("EGP 132.00 VOID WHERE PROHIBITED TATTOO, card *0933, 21 Dec 14:41"),
+            "expense 132.00 | VOID WHERE PROHIBITED TATTOO");
+  EXPECT_EQ(readingOf("EGP 20.50 FERN STORES, card *0933, 21 Dec 14:41"),
+            "expense 20.50 | FERN STORES");
+}
+
+TEST(AName, AsASentenceBehindTheSumMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingOf("Payment EGP 72.00. Cafe Refund. 21.12.26 19:02. Balance EGP 90.00"),
+            "expense 72.00 | Cafe Refund");
+}
+
+TEST(AName, BetweenChineseBracketsMayHoldAnyWordOfABank) {
+  EXPECT_EQ(readingText(read("快捷支付28.00元（退款咖啡），余额1,849.20元", "CNY"), "CNY", true),
+            "expense 28.00 | 退款咖啡");
+}
+
 TEST(AName, InArabicMayBeginWithAnyWordOfABank) {
   EXPECT_EQ(readingOf("تم الدفع بمبلغ 75.00 جنيه لدى مرفوض ستور بتاريخ 12/11"),
             "expense 75.00 | مرفوض ستور");

@@ -41,6 +41,24 @@ TEST(ASum, MayBeGluedToAnArabicOrChineseWord) {
   EXPECT_EQ(sumsIn("XX620,000", "IRR"), "");
 }
 
+TEST(ASum, MayHaveABlankBehindTheLetterOfItsCurrency) {
+  EXPECT_EQ(sumsIn("EFT to Mrs Naidoo Rent R 6 500,00 done", "ZAR"), "650000 ZAR");
+  EXPECT_EQ(sumsIn("Card used by John R 12", "ZAR"), "");
+}
+
+TEST(ASum, IsUnclearBehindANumberThatMayBeItsFront) {
+  EXPECT_EQ(sumsIn("Rent 6 500,00 done", "ZAR"), "?");
+}
+
+TEST(ASum, IsNoDigitWithinAWord) {
+  EXPECT_EQ(sumsIn("Taka2Go: sent you Tk 40.00", "BDT"), "4000 BDT");
+}
+
+TEST(ASum, IsOfItsOwnCurrencyBehindTheWordQR) {
+  EXPECT_EQ(sumsIn("จ่าย QR 75.00 บาท", "THB"), "7500 THB");
+  EXPECT_EQ(sumsIn("Paid QR 75.00", "THB"), "7500 QAR");
+}
+
 TEST(ASum, IsTheMovedOneInFrontOfAnAbbreviatedBalance) {
   EXPECT_EQ(of("Купівля 500 грн 10:44 Бал. 700 грн", "UAH"), "expense 500.00");
 }
