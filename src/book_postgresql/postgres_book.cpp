@@ -90,13 +90,29 @@ class PostgresBook : public book::Database {
   }
 
   // The row of the book is the lock that its writers wait for, as those of a SQLite file do. With
-  // it each statement sees what the last writer committed.
+  // it each statement sees what the last writer committed. Where transactions are stricter by
+  // default, waiting for another one ends the transaction before a step was taken: it begins again.
   void inTransaction(const std::function<void()>& steps) override {
-    if (number_ != noBook) connection_->useBook(number_);
-    PostgresTransaction transaction(*connection_);
-    if (number_ != noBook) lock();
-    steps();
-    transaction.commit();
+    if (number_ == noBook) {
+      PostgresTransaction transaction(*connection_);
+      steps();
+      return transaction.commit();
+    }
+    constexpr int mostAttempts = 100;
+    for (int left = mostAttempts;; --left) {
+      connection_->useBook(number_);
+      PostgresTransaction transaction(*connection_);
+      try {
+        lock();
+      } catch (const CrossedTransaction&) {
+        if (left == 1) throw;
+        continue;
+      }
+      steps();
+      transaction.commit();
+      ++ownChanges_;
+      return;
+    }
   }
 
   void inSnapshot(const std::function<void()>& reads) override {
@@ -147,7 +163,6 @@ class PostgresBook : public book::Database {
         connection_->run("UPDATE kivo.books SET changes = changes + 1 WHERE number = $1",
                          {{std::to_string(number_), true}});
     if (std::string_view(PQcmdTuples(locked.get())) != "1") throw BookFailure("it does not exist");
-    ++ownChanges_;
   }
 
   std::shared_ptr<PostgresConnection> connection_;

@@ -77,6 +77,22 @@ TEST_F(APostgresBook, HasItsWritersWaitForEachOther) {
   EXPECT_EQ(one.rates().size(), 2U);
 }
 
+TEST_F(APostgresBook, BeginsAgainWhereWaitingForAnotherWriterEndsATransaction) {
+  connection().run("ALTER DATABASE postgres SET default_transaction_isolation = 'serializable'");
+  std::vector<std::thread> writers;
+  for (int writer = 0; writer < 4; ++writer) {
+    writers.emplace_back([this, writer, book = std::make_shared<Book>(open())] {
+      for (int number = 0; number < 25; ++number) {
+        const std::string key = std::to_string(writer) + "-" + std::to_string(number);
+        EXPECT_NO_THROW(book->inOneStep([&] { book->keepAnswer("user", key, "answer"); }));
+      }
+    });
+  }
+  for (std::thread& writer : writers) writer.join();
+  connection().run("ALTER DATABASE postgres RESET default_transaction_isolation");
+  EXPECT_EQ(raw("SELECT count(*) FROM answers"), "100\n");
+}
+
 TEST_F(APostgresBook, KeepsWhatWasAcknowledgedWhenTheDatabaseIsKilled) {
   Book book = open();
   recorded(book, "KEY-1", spent(15000));
