@@ -72,7 +72,7 @@ class PostgresConnection {
 /// A transaction. The destructor rolls it back unless it was committed.
 class PostgresTransaction {
  public:
-  PostgresTransaction(PostgresConnection& connection, const std::string& begin = "BEGIN");
+  explicit PostgresTransaction(PostgresConnection& connection, const std::string& begin = "BEGIN");
   ~PostgresTransaction();
   PostgresTransaction(const PostgresTransaction&) = delete;
   PostgresTransaction& operator=(const PostgresTransaction&) = delete;

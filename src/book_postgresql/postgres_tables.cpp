@@ -165,9 +165,9 @@ std::string sqlFor(const TableForm& form) {
                     ", PRIMARY KEY (book, " + form.key + ")) PARTITION BY HASH (book);\n";
   for (int part = 0; part < partitions; ++part) {
     const std::string number = std::to_string(part);
-    sql += "CREATE TABLE kivo." + name + "_" + number + " PARTITION OF kivo." + name +
-           " FOR VALUES WITH (MODULUS " + std::to_string(partitions) + ", REMAINDER " + number +
-           ");\n";
+    sql.append("CREATE TABLE kivo.").append(name).append("_").append(number);
+    sql.append(" PARTITION OF kivo.").append(name).append(" FOR VALUES WITH (MODULUS ");
+    sql.append(std::to_string(partitions)).append(", REMAINDER ").append(number).append(");\n");
   }
   const std::string numbered = form.numbered;
   if (!numbered.empty()) {
