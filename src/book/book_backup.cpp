@@ -15,10 +15,8 @@
 namespace kivo::book {
 namespace {
 
-using linux_platform::Database;
 using linux_platform::execute;
 using linux_platform::Failure;
-using linux_platform::Statement;
 
 // A released form never changes. `templates` and `senders` are the bytes of files.
 constexpr const char* backupTable = R"(
@@ -34,7 +32,7 @@ void requireWritten(int code) {
 }
 
 HeldPayments paymentsIn(sqlite3* database) {
-  Statement query(database, R"(
+  linux_platform::Statement query(database, R"(
     SELECT count(*), min(CASE WHEN state <> 'set_aside' THEN date END),
       max(CASE WHEN state <> 'set_aside' THEN date END) FROM transactions)");
   if (!next(query)) return {};
@@ -46,7 +44,7 @@ HeldPayments paymentsIn(sqlite3* database) {
 // Makes a backup of `copy`, a copy of a book.
 void addSettings(sqlite3* copy, const BackedUpSettings& settings, const std::string& program) {
   requireWritten(execute(copy, backupTable));
-  Statement insertion(copy, "INSERT INTO backup VALUES (?, ?, ?, ?, ?, ?)");
+  linux_platform::Statement insertion(copy, "INSERT INTO backup VALUES (?, ?, ?, ?, ?, ?)");
   const std::string written = platform::ISO8601DateFormatter::string(
       std::chrono::floor<std::chrono::seconds>(platform::Date::now()));
   insertion.bind(bookVersion()).bind(written).bind(program);
@@ -60,7 +58,7 @@ void addSettings(sqlite3* copy, const BackedUpSettings& settings, const std::str
 // Makes a backup of the copy of a book in `path`.
 HeldPayments completed(const std::filesystem::path& path, const BackedUpSettings& settings,
                        const std::string& program) {
-  const Database copy = linux_platform::openUnshared(path);
+  const linux_platform::Database copy = linux_platform::openUnshared(path);
   if (copy == nullptr) throw Failure("it cannot be opened");
   if (const auto fault = faultInCopy(copy.get())) {
     throw BookFailure(*fault, BookFailure::Cause::damagedFile);
@@ -71,7 +69,7 @@ HeldPayments completed(const std::filesystem::path& path, const BackedUpSettings
 }
 
 std::vector<std::string> namesFrom(sqlite3* database, const std::string& sql) {
-  Statement query(database, sql.c_str());
+  linux_platform::Statement query(database, sql.c_str());
   std::vector<std::string> names;
   while (next(query)) names.push_back(query.text(0));
   return names;
@@ -94,7 +92,8 @@ std::string columnsOf(sqlite3* database, const std::string& table) {
 // The settings in the backup `database` from the file `name`, which is a book of the current
 // version afterwards. Throws BookFailure when it is damaged.
 BackedUpSettings settingsTakenFrom(sqlite3* database, const std::string& name) {
-  Statement query(database, "SELECT book_version, currency, templates, senders FROM backup");
+  linux_platform::Statement query(database,
+                                  "SELECT book_version, currency, templates, senders FROM backup");
   if (!next(query)) throw BookFailure("its settings are missing");
   const std::int64_t version = query.integer(0);
   BackedUpSettings settings{
@@ -111,11 +110,11 @@ BackedUpSettings settingsTakenFrom(sqlite3* database, const std::string& name) {
 
 }  // namespace
 
-Backup::Backup(Database database, BackedUpSettings settings)
+Backup::Backup(linux_platform::Database database, BackedUpSettings settings)
     : database_(std::move(database)), settings_(std::move(settings)) {}
 
 Backup Backup::read(const std::filesystem::path& path) {
-  Database database = linux_platform::openInMemory(backupBytes(path));
+  linux_platform::Database database = linux_platform::openInMemory(backupBytes(path));
   if (database == nullptr) throw Failure("there is not enough memory for the backup");
   const std::string name = '"' + linux_platform::escapedControls(path.string()) + '"';
   try {

@@ -15,7 +15,6 @@ namespace kivo::book {
 namespace {
 
 using linux_platform::escapedControls;
-using linux_platform::Statement;
 
 constexpr const char* thoroughCheck = "PRAGMA integrity_check(1)";
 
@@ -35,7 +34,7 @@ const char* checkFor(sqlite3* database) {
 // The first fault that SQLite finds, in its words, which hold no stored data; absent when the file
 // is whole. A check reads all of the file.
 std::optional<std::string> firstFault(sqlite3* database, const char* check) {
-  Statement query(database, check);
+  linux_platform::Statement query(database, check);
   if (!query.step()) {
     if (!linux_platform::isDamage(query.code())) require(query.code());
     return linux_platform::errorText(query.code());
@@ -49,7 +48,8 @@ std::optional<std::string> firstFault(sqlite3* database, const char* check) {
 // Of each transaction with a value that cannot be.
 void setImpossibleAside(sqlite3* database) {
   SqliteTables tables(database);
-  Statement query(database, "SELECT id FROM transactions WHERE state <> 'set_aside'");
+  linux_platform::Statement query(database,
+                                  "SELECT id FROM transactions WHERE state <> 'set_aside'");
   std::vector<std::int64_t> found;
   while (next(query)) {
     const auto entry = storedEntry(tables, query.integer(0));
@@ -57,7 +57,8 @@ void setImpossibleAside(sqlite3* database) {
   }
   query.reset();
   for (const std::int64_t id : found) {
-    Statement update(database, "UPDATE transactions SET state = 'set_aside' WHERE id = ?");
+    linux_platform::Statement update(database,
+                                     "UPDATE transactions SET state = 'set_aside' WHERE id = ?");
     run(update.bind(id));
   }
 }

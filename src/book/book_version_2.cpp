@@ -12,8 +12,6 @@
 namespace kivo::book {
 namespace {
 
-using linux_platform::Statement;
-
 // The checks do not hold for an entry that is set aside. A check that yields NULL would pass, and
 // date() returns February 30 as it is unless it has to add to it.
 constexpr const char* createTables = R"(
@@ -72,7 +70,7 @@ CREATE TABLE categories (folded TEXT PRIMARY KEY NOT NULL, name TEXT NOT NULL) S
 
 // Of equally frequent ones the one that came first.
 std::vector<std::string> categoriesByUse(sqlite3* database) {
-  Statement query(database, R"(
+  linux_platform::Statement query(database, R"(
     SELECT category, max(uses) FROM (
       SELECT category, count(*) AS uses, min(id) AS first FROM transactions GROUP BY category
       UNION ALL
@@ -92,7 +90,7 @@ void spellCategories(sqlite3* database) {
     if (kept == category) continue;
     for (const char* const sql : {"UPDATE transactions SET category = ? WHERE category = ?",
                                   "UPDATE corrections SET category = ? WHERE category = ?"}) {
-      Statement update(database, sql);
+      linux_platform::Statement update(database, sql);
       run(update.bind(kept).bind(category));
     }
   }
