@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "book/book_command.h"
 #include "book/book_file.h"
 #include "platform/linux/foundation/failure.h"
 #include "platform/linux/foundation/safe_text.h"
@@ -88,7 +89,8 @@ std::string quoted(const std::filesystem::path& path) {
 
 // The reason why a file of these marks is no backup that can be read; empty when it is one.
 std::string refusalOf(const std::optional<Header>& header) {
-  const std::string advice = " and not a backup; kivo-ledger backup FILE writes a backup";
+  const std::string advice =
+      " and not a backup; " + bookCommand("backup FILE") + " writes a backup";
   if (header && header->applicationId() == bookApplicationId) return " is a book" + advice;
   if (header && header->hasWal()) return " is a database in use" + advice;
   if (!header || header->applicationId() != backupApplicationId) return " is no backup of Kivo";

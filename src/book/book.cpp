@@ -4,6 +4,7 @@
 
 #include "book/book_accounts.h"
 #include "book/book_categories.h"
+#include "book/book_command.h"
 #include "book/book_rates.h"
 #include "book/book_state.h"
 #include "book/book_sums.h"
@@ -111,7 +112,7 @@ void Book::asCommand(UserCommand& command, const std::function<void()>& steps) {
   auto number = command.number;
   inOneStep([&] {
     if (number && !hasCommand(file_->database, *number)) {
-      throw linux_platform::Failure("kivo-ledger undo took it back while it ran");
+      throw linux_platform::Failure(bookCommand("undo") + " took it back while it ran");
     }
     if (!number) number = insertCommand(file_->database, command);
     const NotedFor noted(file_->notes, *number);

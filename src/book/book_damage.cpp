@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "book/book_command.h"
 #include "book/book_file.h"
 #include "book/sqlite_database.h"
 #include "book/stored_entry.h"
@@ -73,10 +74,9 @@ std::optional<std::string> faultLeft(sqlite3* database, const char* check) {
 
 // Where SQLite found `fault`, and what helps.
 std::string helpFor(const std::string& fault) {
-  return fault +
-         "; move its folder away, and restore a backup by kivo-ledger restore FILE or start with "
-         "an "
-         "empty book; until it is whole, messages are not taken and wait on the phone";
+  return fault + "; move its folder away, and restore a backup by " + bookCommand("restore FILE") +
+         " or start with an empty book; until it is whole, messages are not taken and wait on the "
+         "phone";
 }
 
 }  // namespace
@@ -84,7 +84,7 @@ std::string helpFor(const std::string& fault) {
 void noteDamage(sqlite3* database, const std::string& what) {
   const std::string line = escapedControls(linux_platform::fileOf(database).string()) +
                            " is damaged: " + escapedControls(what);
-  linux_platform::complain("kivo-ledger", line);
+  linux_platform::complain(bookProgram(), line);
   try {
     linux_platform::writePrivateFile(noteBeside(database), line + "\n");
   } catch (const linux_platform::Failure&) {  // the line above has said what matters
@@ -114,7 +114,7 @@ std::optional<std::string> faultInCopy(sqlite3* database) {
 
 void tellFailure(sqlite3* database, const BookFailure& failure) {
   if (failure.cause() != BookFailure::Cause::damagedFile) {
-    linux_platform::complain("kivo-ledger",
+    linux_platform::complain(bookProgram(),
                              "the book cannot be read or written: " + std::string(failure.what()));
     return;
   }

@@ -11,7 +11,13 @@ namespace kivo::book {
 /// data.
 class BookFailure : public linux_platform::Failure {
  public:
-  enum class Cause { damagedFile, other };
+  enum class Cause {
+    damagedFile,
+    /// Another change came at the same time, or another server took over: the same steps may
+    /// succeed when they are taken again.
+    crossed,
+    other,
+  };
 
   explicit BookFailure(const std::string& why, Cause cause = Cause::other)
       : Failure(why), cause_(cause) {}

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "book/book_command.h"
 #include "book/database.h"
 #include "platform/foundation/utf8.h"
 
@@ -63,8 +64,8 @@ std::vector<IgnoredMessage> storedIgnored(Database& database, const money::Day& 
     found.push_back(*std::move(message));
   }
   if (!impossible.empty()) {
-    database.noteDamage("the values of these ignored messages cannot be: " + impossible +
-                        "; kivo-ledger forget-texts removes them");
+    database.noteDamage("the values of these ignored messages cannot be: " + impossible + "; " +
+                        bookCommand("forget-texts") + " removes them");
   }
   return found;
 }

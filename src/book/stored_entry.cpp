@@ -3,6 +3,7 @@
 #include <limits>
 #include <string>
 
+#include "book/book_command.h"
 #include "book/database.h"
 #include "book/filter_sql.h"
 #include "names/payee_key.h"
@@ -119,7 +120,7 @@ std::vector<LedgerEntry> storedEntries(Database& database, const EntryFilter& fi
   }
   if (!impossible.empty()) {
     database.noteDamage("the values of these transactions cannot be: " + impossible +
-                        "; look at them with kivo-ledger show, and edit or delete them");
+                        "; look at them with " + bookCommand("show") + ", and edit or delete them");
   }
   return found;
 }

@@ -104,8 +104,8 @@ class PostgresBook : public book::Database {
       PostgresTransaction transaction(*connection_);
       try {
         lock();
-      } catch (const CrossedTransaction&) {
-        if (left == 1) throw;
+      } catch (const BookFailure& failure) {
+        if (failure.cause() != BookFailure::Cause::crossed || left == 1) throw;
         continue;
       }
       steps();

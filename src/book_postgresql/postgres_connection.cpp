@@ -64,7 +64,9 @@ Result PostgresConnection::checked(pg_result* result) {
   if (status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK) return owned;
   const char* const found = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   const std::string state = found == nullptr ? "" : found;
-  if (state.starts_with("40")) throw CrossedTransaction();
+  if (state.starts_with("40")) {
+    throw BookFailure("another change came at the same time", BookFailure::Cause::crossed);
+  }
   // libpq's own failures have no SQLSTATE; with 57P the database ends or begins.
   const bool isLost = PQstatus(connection_) != CONNECTION_OK || state.empty();
   if (isLost || state.starts_with("57P")) {

@@ -16,13 +16,6 @@ struct pg_result;
 
 namespace kivo::book_postgresql {
 
-/// The database refused a transaction that another one crossed, or a server took over: the same
-/// steps may succeed when they are taken again.
-class CrossedTransaction : public book::BookFailure {
- public:
-  CrossedTransaction() : BookFailure("another change came at the same time") {}
-};
-
 struct ClearResult {
   void operator()(pg_result* result) const;
 };
@@ -37,7 +30,7 @@ struct Parameter {
 /// A connection that is made when it is first needed, and again after it was lost, but not within a
 /// transaction: what follows would not be part of it. Not thread-safe.
 /// Every call throws BookFailure, whose sentence holds no stored data, when the database cannot be
-/// reached or refuses a statement, and CrossedTransaction.
+/// reached or refuses a statement.
 class PostgresConnection {
  public:
   /// `url` is a connection URI of libpq, without a password: libpq takes that from PGPASSFILE or

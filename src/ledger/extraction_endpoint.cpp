@@ -109,36 +109,45 @@ std::vector<Answer> ExtractionEndpoint::answers(const std::vector<Request>& requ
 }
 
 std::vector<Answer> ExtractionEndpoint::record(const std::vector<Message>& messages) {
+  constexpr int mostAttempts = 5;
   const auto all = [&](Answer answer) { return std::vector<Answer>(messages.size(), answer); };
-  try {
-    if (!book_) book_ = book::Book::open();
-    const auto currency = currency_();
-    if (!currency) return all(refusal(serviceUnavailable, notOpened));
-    if (!book_->isWhole()) {
-      book_.reset();
-      return all(refusal(serviceUnavailable, "the book is damaged"));
-    }
-    std::vector<Recorded> recorded;
-    const auto recordAll = [&] {
-      for (const Message& message : messages) {
-        recorded.push_back(recording::record(*book_, message, read_, *currency));
+  for (int left = mostAttempts;; --left) {
+    try {
+      return recordOnce(messages);
+    } catch (const BookFailure& failure) {
+      if (!book_) {
+        linux_platform::tellNotOpened(failure);
+        return all(refusal(serviceUnavailable, notOpened));
       }
-    };
-    if (messages.size() == 1) {
-      recordAll();  // a known key needs no step, and is answered when the book cannot be written
-    } else {
-      book_->inOneStep(recordAll);
+      const bool isLast = failure.cause() != BookFailure::Cause::crossed || left == 1;
+      if (isLast) book_->tell(failure);
+      book_.reset();  // opened again when it is used next: the user may replace a damaged file
+      if (isLast) return all(refusal(serviceUnavailable, "the book cannot be written"));
     }
-    return answersOf(recorded, *currency);
-  } catch (const BookFailure& failure) {
-    if (!book_) {
-      linux_platform::tellNotOpened(failure);
-      return all(refusal(serviceUnavailable, notOpened));
-    }
-    book_->tell(failure);
-    book_.reset();  // the next request opens it again: the user may replace a damaged file
-    return all(refusal(serviceUnavailable, "the book cannot be written"));
   }
+}
+
+std::vector<Answer> ExtractionEndpoint::recordOnce(const std::vector<Message>& messages) {
+  const auto all = [&](Answer answer) { return std::vector<Answer>(messages.size(), answer); };
+  if (!book_) book_ = book::Book::open();
+  const auto currency = currency_();
+  if (!currency) return all(refusal(serviceUnavailable, notOpened));
+  if (!book_->isWhole()) {
+    book_.reset();
+    return all(refusal(serviceUnavailable, "the book is damaged"));
+  }
+  std::vector<Recorded> recorded;
+  const auto recordAll = [&] {
+    for (const Message& message : messages) {
+      recorded.push_back(recording::record(*book_, message, read_, *currency));
+    }
+  };
+  if (messages.size() == 1) {
+    recordAll();  // a known key needs no step, and is answered when the book cannot be written
+  } else {
+    book_->inOneStep(recordAll);
+  }
+  return answersOf(recorded, *currency);
 }
 
 std::vector<Answer> ExtractionEndpoint::answersOf(const std::vector<Recorded>& recorded,

@@ -36,7 +36,10 @@ class ExtractionEndpoint {
   std::vector<HttpServer::Answer> answers(const std::vector<HttpServer::Request>& requests);
 
  private:
+  /// Takes the steps again when a change of others crossed them. Throws nothing of the book.
   std::vector<HttpServer::Answer> record(const std::vector<recording::Message>& messages);
+  /// Throws BookFailure; `book_` is absent when it could not be opened.
+  std::vector<HttpServer::Answer> recordOnce(const std::vector<recording::Message>& messages);
   std::vector<HttpServer::Answer> answersOf(const std::vector<recording::Recorded>& recorded,
                                             const money::CurrencyCode& currency);
   void notify(const book::LedgerEntry& entry, const money::CurrencyCode& currency);

@@ -4,6 +4,8 @@
 #include <tuple>
 #include <utility>
 
+#include "book/book_command.h"
+
 namespace kivo::overview {
 
 using book::Book;
@@ -126,7 +128,7 @@ std::string leftOutNote(const std::vector<std::int64_t>& leftOut) {
     ids += " and " + std::to_string(leftOut.size() - mostIds) + " more";
   }
   return "Left out of the sums, since their amounts are too large or not above zero: " + ids +
-         ". kivo-ledger edit ID --amount corrects one.";
+         ". " + book::bookCommand("edit ID --amount") + " corrects one.";
 }
 
 }  // namespace kivo::overview

@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "book/book_command.h"
 #include "overview/html_writer.h"
 #include "overview/report_budgets.h"
 #include "overview/report_charts.h"
@@ -194,7 +195,8 @@ class Page {
     const auto listed = static_cast<std::int64_t>(figures_.entries.size());
     if (listed < all) {
       html_.markup("<p class=\"soft\">The newest ").count(listed).markup(" of ").count(all);
-      html_.markup(" are here. <code>kivo-ledger list</code> shows all.</p>");
+      html_.markup(" are here. <code>").text(book::bookCommand("list"));
+      html_.markup("</code> shows all.</p>");
     }
     auto entry = figures_.entries.begin();
     while (entry != figures_.entries.end()) {

@@ -1,5 +1,6 @@
 #include "overview/report_parts.h"
 
+#include "book/book_command.h"
 #include "overview/report_style.h"
 
 namespace kivo::overview {
@@ -19,8 +20,9 @@ void ReportParts::writeHead(HtmlWriter& html, const std::string& title) {
 }
 
 void ReportParts::writeFoot(HtmlWriter& html) {
-  html.markup("</main>\n<footer><p>Made by <code>kivo-ledger report</code> on this machine. ")
-      .markup("The page loads nothing from elsewhere.</p></footer>\n</body>\n</html>\n");
+  html.markup("</main>\n<footer><p>Made by <code>")
+      .text(book::bookProgram())
+      .markup("</code>. The page loads nothing from elsewhere.</p></footer>\n</body>\n</html>\n");
 }
 
 void ReportParts::writeCard(HtmlWriter& html, const SumFormat& sums, const Card& card,

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "book/book_command.h"
+
 namespace kivo::overview {
 
 using book::LedgerEntry;
@@ -51,7 +53,8 @@ void ReportReview::writeIgnored(HtmlWriter& html, const PeriodSummary& summary) 
   const bool one = summary.ignored == 1;
   html.markup("<p class=\"notice\">").count(summary.ignored);
   html.text(one ? " message with a sum was" : " messages with a sum were");
-  html.markup(" not booked: <code>kivo-ledger ignored</code> shows ").text(one ? "it" : "them");
+  html.markup(" not booked: <code>").text(book::bookCommand("ignored"));
+  html.markup("</code> shows ").text(one ? "it" : "them");
   html.markup(".</p>\n");
 }
 
@@ -60,15 +63,18 @@ void ReportReview::writeList(HtmlWriter& html, const ReportFigures& figures,
   if (figures.review.empty()) return;
   html.markup(
           "<section class=\"sheet\" aria-labelledby=\"review\"><h2 id=\"review\">In review</h2>")
-      .markup(
-          "<p class=\"soft\"><code>kivo-ledger accept ID</code> books one, <code>edit ID</code> ")
+      .markup("<p class=\"soft\"><code>")
+      .text(book::bookCommand("accept ID"))
+      .markup("</code> books one, <code>edit ID</code> ")
       .markup("corrects it, <code>delete ID</code> deletes it.</p>");
   const auto listed = static_cast<std::int64_t>(figures.review.size());
   if (listed < figures.summary.review) {
     html.markup("<p class=\"soft\">The newest ")
         .count(listed)
         .markup(" are here. ")
-        .markup("<code>kivo-ledger review</code> shows all.</p>");
+        .markup("<code>")
+        .text(book::bookCommand("review"))
+        .markup("</code> shows all.</p>");
   }
   html.markup("<table><thead><tr><th scope=\"col\" class=\"count id\">ID</th>")
       .markup("<th scope=\"col\">Payee and message</th>")

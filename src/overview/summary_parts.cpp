@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "book/book_command.h"
 #include "platform/linux/terminal/text_columns.h"
 
 namespace kivo::overview {
@@ -18,14 +19,15 @@ std::string ignoredLine(const PeriodSummary& summary) {
   if (summary.ignored == 0) return "";
   const bool one = summary.ignored == 1;
   return "\n" + std::to_string(summary.ignored) + (one ? " message" : " messages") + " with a sum" +
-         (one ? " was" : " were") + " not booked:\nkivo-ledger ignored\n";
+         (one ? " was" : " were") + " not booked:\n" + book::bookCommand("ignored") + "\n";
 }
 
 std::string reviewLine(const PeriodSummary& summary) {
   if (summary.review == 0) return "";
   const bool one = summary.review == 1;
   return "\n" + std::to_string(summary.review) +
-         (one ? " transaction waits" : " transactions wait") + " in review:\nkivo-ledger review\n";
+         (one ? " transaction waits" : " transactions wait") + " in review:\n" +
+         book::bookCommand("review") + "\n";
 }
 
 std::string leftOutLines(const PeriodSummary& summary, const SummaryView::Look& look) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "book/book_command.h"
 #include "overview/html_writer.h"
 #include "overview/report_charts.h"
 #include "overview/report_parts.h"
@@ -61,7 +62,10 @@ class YearPage {
     html_.markup("<p class=\"notice\">").count(summary_.review);
     html_.text(one ? " transaction waits" : " transactions wait");
     html_.markup(" in review and ").text(one ? "is" : "are").markup(" not in these sums: ");
-    html_.markup("<code>kivo-ledger review</code> shows ").text(one ? "it" : "them");
+    html_.markup("<code>")
+        .text(book::bookCommand("review"))
+        .markup("</code> shows ")
+        .text(one ? "it" : "them");
     html_.markup(".</p>\n");
   }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "book/book_command.h"
 #include "money/money.h"
 #include "platform/linux/foundation/complaint.h"
 #include "platform/linux/foundation/device_folders.h"
@@ -226,7 +227,8 @@ MessageReader TemplateFile::reader() {
       templates = read();
     } catch (const Failure& failure) {
       if (failure.what() != std::exchange(reported, failure.what())) {
-        linux_platform::complain("kivo-ledger", reported + "; messages are read without templates");
+        linux_platform::complain(book::bookProgram(),
+                                 reported + "; messages are read without templates");
       }
     }
     return readWith(templates, text, bookCurrency);

@@ -72,6 +72,8 @@ class Directory {
 
   /// Returns the book `name`. Throws Failure when there is none.
   [[nodiscard]] BookPlace book(const std::string& name) const;
+  /// Returns what `person` may reach. Throws Failure when there is no such person.
+  [[nodiscard]] Access accessOf(const std::string& person) const;
   /// Returns what the device with `secret` may reach; nullopt when no device has it. A wrong secret
   /// and a revoked one take the same steps.
   [[nodiscard]] std::optional<Access> access(std::string_view secret) const;
@@ -84,9 +86,6 @@ class Directory {
   void keepPublicUrl(const std::string& url);
 
  private:
-  /// Returns what `person` may reach. Throws Failure when there is no such person.
-  [[nodiscard]] Access accessOf(const std::string& person) const;
-
   Shelf& shelf_;
   std::unique_ptr<book::Database> database_;
 };

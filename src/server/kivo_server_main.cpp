@@ -1,6 +1,7 @@
 // The program kivo-server: one book for several people and devices.
 #include <utility>
 
+#include "book/book_command.h"
 #include "platform/linux/foundation/complaint.h"
 #include "platform/linux/process/process_start.h"
 #include "platform/linux/terminal/command_failure.h"
@@ -30,6 +31,7 @@ linux_platform::CommandProgram program() {
 
 int main(int argc, char** argv) {
   kivo::linux_platform::startProcess();
+  kivo::book::nameBookCommands("kivo-server", "NAME");
   try {
     kivo::server::becomeServiceUser();
   } catch (const kivo::linux_platform::Failure& failure) {

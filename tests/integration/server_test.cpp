@@ -241,8 +241,9 @@ TEST_F(AServer, ListsPeopleWithoutABookAndPaymentsWithOne) {
 TEST_F(AServer, HasTheCommandsOfTheLedgerForEachBook) {
   makeFamily();
   shown({"book", "add", "Club", "--currency", "EUR"});
-  shown({"add", "--book", "Family", "--amount", "12.50", "--payee", "Bakery"});
-  shown({"add", "--book", "Club", "--amount", "3", "--payee", "Kiosk"});
+  shown({"person", "add", "Zoe", "--book", "Club"});
+  shown({"add", "--book", "Family", "--person", "Mona", "--amount", "12.50", "--payee", "Bakery"});
+  shown({"add", "--book", "Club", "--person", "Zoe", "--amount", "3", "--payee", "Kiosk"});
   EXPECT_EQ(json({"list", "--book", "Family"})[0]["amount"], "12.50");
   EXPECT_EQ(json({"list", "--book", "Family"})[0]["currency"], "EGP");
   EXPECT_EQ(json({"list", "--book", "Club"})[0]["currency"], "EUR");
@@ -256,6 +257,44 @@ TEST_F(AServer, HasTheCommandsOfTheLedgerForEachBook) {
                 "there is no book \"Famly\"; kivo-server list shows all");
 }
 
+TEST_F(AServer, SaysWhosePaymentsAreWhose) {
+  makeFamily();
+  const std::vector<std::string> bread = {"--amount", "3", "--payee", "Bakery"};
+  const auto add = [&](const std::string& person) {
+    std::vector<std::string> words = {"add", "--book", "Family", "--person", person};
+    words.insert(words.end(), bread.begin(), bread.end());
+    return words;
+  };
+  shown(add("mona"));
+  EXPECT_THAT(shown({"list", "--book", "Family"}), Not(HasSubstr("(of Mona)")));
+  EXPECT_THAT(shown(add("Ali")), Not(HasSubstr("looks like")));
+  EXPECT_THAT(shown({"list", "--book", "Family"}),
+              AllOf(HasSubstr("(of Mona)"), HasSubstr("(of Ali)")));
+  EXPECT_THAT(shown({"show", "1", "--book", "Family"}), HasSubstr("Person       Mona\n"));
+  EXPECT_EQ(json({"list", "--book", "Family"})[0]["person"], "Ali");
+}
+
+TEST_F(AServer, AddsNoPaymentsOfSomebodyElse) {
+  makeFamily();
+  shown({"book", "add", "Club", "--currency", "EUR"});
+  expectFailure({"add", "--book", "Club", "--person", "Mona", "--amount", "3", "--payee", "Kiosk"},
+                1, "Mona is a person of the book Family, not of Club");
+  expectFailure({"import", "messages.csv", "--book", "Club", "--person", "Eve"}, 1,
+                "there is no person \"Eve\"; kivo-server list shows all");
+  EXPECT_EQ(run({"add", "--book", "Club", "--amount", "3", "--payee", "Kiosk"}).status, 64);
+  EXPECT_TRUE(json({"list", "--book", "Club"}).empty());
+}
+
+TEST_F(AServer, AdvisesItsOwnCommandsWithTheBooksName) {
+  shown({"book", "add", "Mona's house", "--currency", "EGP"});
+  shown({"person", "add", "Mona", "--book", "Mona's house"});
+  shown({"add", "--book", "Mona's house", "--person", "Mona", "--amount", "3", "--payee", "Kiosk",
+         "--account", "4821"});
+  expectFailure({"accounts", "name", "9999", "Card", "--book", "Mona's house"}, 1,
+                "no payment is of the account 9999; kivo-server accounts --book 'Mona'\\''s house' "
+                "shows them");
+}
+
 TEST_F(AServer, TakesABackupOfALocalBookAndGivesOneBack) {
   const Device before;
   const std::string backup = (folders_.home() / "before").string();
@@ -264,7 +303,7 @@ TEST_F(AServer, TakesABackupOfALocalBookAndGivesOneBack) {
   makeFamily();
   EXPECT_THAT(shown({"restore", "--book", "Family", backup}), HasSubstr("Restored 1 payment"));
   EXPECT_EQ(json({"list", "--book", "Family"})[0]["description"], "Bakery");
-  shown({"add", "--book", "Family", "--amount", "3", "--payee", "Kiosk"});
+  shown({"add", "--book", "Family", "--person", "Ali", "--amount", "3", "--payee", "Kiosk"});
   const std::string given = (folders_.home() / "given").string();
   shown({"backup", "--book", "Family", given});
   const Device after;

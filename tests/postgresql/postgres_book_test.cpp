@@ -7,6 +7,7 @@
 #include <libpq-fe.h>
 
 #include "book_postgresql/postgres_tables.h"
+#include "ledger/extraction_endpoint.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "postgresql/fresh_books.h"
 #include "testkit/raw_book.h"
@@ -91,6 +92,69 @@ TEST_F(APostgresBook, BeginsAgainWhereWaitingForAnotherWriterEndsATransaction) {
   for (std::thread& writer : writers) writer.join();
   connection().run("ALTER DATABASE postgres RESET default_transaction_isolation");
   EXPECT_EQ(raw("SELECT count(*) FROM answers"), "100\n");
+}
+
+// The insertion of an answer fails as a crossed transaction does, `times` times.
+class CrossedAnswers {
+ public:
+  explicit CrossedAnswers(PostgresConnection& connection, int times) : connection_(connection) {
+    connection_.run("CREATE SEQUENCE kivo.tries");
+    connection_.run(
+        "CREATE FUNCTION kivo.crossed() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+        "IF nextval('kivo.tries') <= " +
+        std::to_string(times) +
+        " THEN RAISE EXCEPTION USING ERRCODE = '40001'; END IF; RETURN NEW; END $$");
+    connection_.run(
+        "CREATE TRIGGER crossed BEFORE INSERT ON kivo.answers FOR EACH ROW EXECUTE FUNCTION "
+        "kivo.crossed()");
+  }
+  ~CrossedAnswers() {
+    connection_.run("DROP FUNCTION kivo.crossed CASCADE; DROP SEQUENCE kivo.tries");
+  }
+  CrossedAnswers(const CrossedAnswers&) = delete;
+  CrossedAnswers& operator=(const CrossedAnswers&) = delete;
+
+ private:
+  PostgresConnection& connection_;
+};
+
+class MessagesThatAreCrossed : public APostgresBook {
+ protected:
+  // The status of the answers to two messages that came together.
+  int status() {
+    const auto request = [](const std::string& key) {
+      return ledger::HttpServer::Request{
+          .method = "POST",
+          .target = "/functions/v1/sms-extraction",
+          .body = R"({"sms_text":"text","user_id":"user","expense_date":"2026-11-21",)"
+                  R"("idempotency_key":")" +
+                  key + R"("})"};
+    };
+    ledger::ExtractionEndpoint endpoint([] { return money::CurrencyCode("EGP"); },
+                                        [](const book::LedgerEntry&) {}, reader());
+    const auto answers = endpoint.answers({request("KEY-1"), request("KEY-2")});
+    EXPECT_EQ(answers[0].status, answers[1].status);
+    return answers[0].status;
+  }
+};
+
+TEST_F(MessagesThatAreCrossed, AreTakenAgainAndBookedOnce) {
+  open();
+  PostgresConnection used = connection();
+  const CrossedAnswers crossed(used, 3);
+  EXPECT_EQ(status(), 200);
+  EXPECT_EQ(open().entries({}).size(), 2U);
+}
+
+TEST_F(MessagesThatAreCrossed, WaitOnThePhoneWhenThatDoesNotEnd) {
+  open();
+  PostgresConnection used = connection();
+  const CrossedAnswers crossed(used, 1000);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(status(), 503);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              HasSubstr("another change came at the same time"));
+  EXPECT_TRUE(open().entries({}).empty());
 }
 
 TEST_F(APostgresBook, KeepsWhatWasAcknowledgedWhenTheDatabaseIsKilled) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "book/book_command.h"
 #include "book/current_day.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/made_rules.h"
@@ -124,8 +125,8 @@ Account requiredAccount(const Book& book, const std::string& digits) {
       std::any_of(entries.begin(), entries.end(),
                   [&](const book::AccountEntry& entry) { return entry.account == digits; });
   if (!isKnown) {
-    throw CommandFailure("no payment is of the account " + escapedControls(digits) +
-                         "; kivo-ledger accounts shows them");
+    throw CommandFailure("no payment is of the account " + escapedControls(digits) + "; " +
+                         book::bookCommand("accounts") + " shows them");
   }
   return {.digits = digits};
 }
@@ -134,8 +135,8 @@ void changeAccount(const std::string& command, const GivenParameters& parameters
                    const std::function<void(Account&)>& change) {
   const std::string digits = given(parameters, "ACCOUNT").value();
   if (digits == book::cashAccount) {
-    throw BadUsage(
-        "Cash is no account of a bank; kivo-ledger accounts cash on keeps it, off does not");
+    throw BadUsage("Cash is no account of a bank; " + book::bookCommand("accounts cash on") +
+                   " keeps it, off does not");
   }
   withBook([&](Book& book) {
     book::UserCommand noted = userCommand(command, parameters);
@@ -169,9 +170,8 @@ void keepCash(Book& book, const GivenParameters& parameters) {
     if (book.keepsCash()) return;
     book.keepAccount({.digits = book::cashAccount, .name = book::cashAccount});
   });
-  say("Withdrawals of cash will be transfers to the account Cash, from which add spends. "
-      "kivo-ledger "
-      "accounts shows it.");
+  say("Withdrawals of cash will be transfers to the account Cash, from which add spends. " +
+      book::bookCommand("accounts") + " shows it.");
   const auto earlier = book.withdrawals();
   if (!changesEarlier(earlier.size(), parameters)) return;
   book.asCommand(command, [&] {

@@ -27,7 +27,7 @@ HandEntry paymentFrom(const GivenParameters& parameters, const money::CurrencyCo
   const std::string payee = givenText(parameters, "--payee").value();
   if (payee.find_first_not_of(" \t\n") == std::string::npos) throw BadUsage("--payee is blank");
   const auto statedIn = givenCurrency(parameters, "--currency", "EGP").value_or(currency);
-  return {.userId = signedInUser(),
+  return {.userId = givenUser(parameters),
           .date = givenDay(parameters, "--date").value_or(book::currentDay()),
           .kind = givenKind(parameters).value_or(money::Kind::expense),
           .amount = sumFrom(given(parameters, "--amount").value(), statedIn),

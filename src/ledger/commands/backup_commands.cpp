@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "book/book_command.h"
 #include "ledger/backup_folder.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/opened_book.h"
@@ -124,7 +125,7 @@ void restore(const GivenParameters& parameters, const std::string& version) {
   print("Restored " + wordsFor(backup.payments()) + ".\n");
   if (!replaced) return;
   print(forStandardOutput("The book and settings before that are in " + replaced->string()) + "\n" +
-        "To go back: kivo-ledger restore --replace FILE, with that file.\n");
+        "To go back: " + book::bookCommand("restore --replace FILE") + ", with that file.\n");
 }
 
 }  // namespace

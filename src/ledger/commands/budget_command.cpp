@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "book/book_command.h"
 #include "book/current_day.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/opened_book.h"
@@ -47,8 +48,8 @@ void showBudgets(const GivenParameters& parameters) {
 
 void requireKnown(const Book& book, const std::string& category) {
   if (book.knowsCategory(category)) return;
-  throw CommandFailure("no payment is of the category \"" + escapedControls(category) +
-                       "\"; kivo-ledger summary shows the categories");
+  throw CommandFailure("no payment is of the category \"" + escapedControls(category) + "\"; " +
+                       book::bookCommand("summary") + " shows the categories");
 }
 
 void removeBudget(Book& book, const std::string& category, const std::optional<Month>& month) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/entry_listing.h"
@@ -46,8 +47,8 @@ std::optional<Money> converted(const Book& book, const LedgerEntry& entry, const
   const auto rate = book.rate(sum.currency, day);
   if (!rate) {
     const std::string code = sum.currency.text();
-    throw BadUsage("there is no rate for " + code + " on " + day.text() +
-                   ": set it by kivo-ledger rate " + code + " RATE, or " + give);
+    throw BadUsage("there is no rate for " + code + " on " + day.text() + ": set it by " +
+                   book::bookCommand("rate " + code + " RATE") + ", or " + give);
   }
   const auto made = rate->convert(sum, currency);
   if (made) return made;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/commands/opened_book.h"
@@ -51,15 +52,17 @@ std::string textOf(const Lines& lines) {
 
 // The reason why `accept` does not book an entry, and the command that helps.
 std::string whyNotBooked(const LedgerEntry& entry, const CurrencyCode& currency) {
-  const std::string edit = "; kivo-ledger edit " + std::to_string(entry.id) + " --amount ";
-  if (!entry.amount) return "its sum is unknown" + edit + "gives it one";
+  const auto edit = [id = std::to_string(entry.id)](const std::string& sum) {
+    return "; " + book::bookCommand("edit " + id + " --amount" + sum);
+  };
+  if (!entry.amount) return "its sum is unknown" + edit("") + " gives it one";
   const std::string sum = codeAndSum(*entry.amount);
   if (!isBookable(*entry.amount)) {
     return "its sum " + sum + " is not above zero and up to " +
-           amountText({largestSum, entry.amount->currency}) + edit + "corrects it";
+           amountText({largestSum, entry.amount->currency}) + edit("") + " corrects it";
   }
   return "its sum " + sum + " converted at its rate is not from " + amountText({1, currency}) +
-         " to " + amountText({largestSum, currency}) + edit + "SUM --currency " + currency.text() +
+         " to " + amountText({largestSum, currency}) + edit(" SUM --currency " + currency.text()) +
          " gives it one";
 }
 
@@ -69,7 +72,8 @@ void accept(const GivenParameters& parameters) {
   withBook([&](Book& book) {
     const auto acceptOne = [&](const LedgerEntry& entry) {
       if (entry.state == LedgerEntry::State::setAside) {
-        throw CommandFailure("it is set aside; kivo-ledger show " + std::to_string(entry.id) +
+        throw CommandFailure("it is set aside; " +
+                             book::bookCommand("show " + std::to_string(entry.id)) +
                              " says which value to edit");
       }
       const auto sum = recording::accept(book, entry.id, currency);

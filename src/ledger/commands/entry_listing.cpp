@@ -46,17 +46,30 @@ std::string sumText(const LedgerEntry& entry) {
   return amountText(*entry.amount) + " " + currencyOf(entry);
 }
 
-// The other entries that it belongs to, in words; empty when there are none.
-std::string relations(const LedgerEntry& entry) {
-  std::string words;
-  if (entry.counterpart) words = "other half: " + std::to_string(*entry.counterpart);
-  if (!entry.possibleDuplicateOf) return words;
-  if (!words.empty()) words += ", ";
-  return words + "looks like " + std::to_string(*entry.possibleDuplicateOf);
+enum class People { one, several };
+
+People peopleOf(const std::vector<LedgerEntry>& entries) {
+  const bool isOne = std::all_of(entries.begin(), entries.end(), [&](const LedgerEntry& entry) {
+    return entry.userId == entries.front().userId;
+  });
+  return isOne ? People::one : People::several;
 }
 
-Row rowOf(const LedgerEntry& entry) {
-  const std::string others = relations(entry);
+// Whose it is, when `people` are several, and the other entries that it belongs to, in words; empty
+// when there is nothing to say.
+std::string relations(const LedgerEntry& entry, People people) {
+  std::string words;
+  const auto add = [&words](const std::string& part) {
+    words += (words.empty() ? "" : ", ") + part;
+  };
+  if (people == People::several) add("of " + escapedControls(entry.userId));
+  if (entry.counterpart) add("other half: " + std::to_string(*entry.counterpart));
+  if (entry.possibleDuplicateOf) add("looks like " + std::to_string(*entry.possibleDuplicateOf));
+  return words;
+}
+
+Row rowOf(const LedgerEntry& entry, People people) {
+  const std::string others = relations(entry, people);
   return {std::to_string(entry.id),
           escapedControls(dateOf(entry)),
           kindWord(entry),
@@ -124,11 +137,12 @@ std::string stacked(const std::vector<LedgerEntry>& entries, const Widths& width
            std::string(gap) + rightAligned(widths[amountColumn], sum) + "\n";
   };
   const std::string indent(widths[0] + gap.size(), ' ');
+  const People people = peopleOf(entries);
   std::string lines = front("ID", "DATE", "AMOUNT");
   for (const LedgerEntry& entry : entries) {
     lines += front(std::to_string(entry.id), dateOf(entry), escapedControls(sumText(entry)));
     lines += indent + names(entry, width - std::min(width, indent.size())) + "\n";
-    if (const std::string others = relations(entry); !others.empty()) {
+    if (const std::string others = relations(entry, people); !others.empty()) {
       lines += indent + others + "\n";
     }
   }
@@ -164,7 +178,8 @@ std::optional<Money> sumThatFits(Money first, const Money& second) {
 
 std::string EntryListing::table(const std::vector<LedgerEntry>& entries, std::size_t width) {
   std::vector<Row> rows{{"ID", "DATE", "KIND", "AMOUNT", "DESCRIPTION", "CATEGORY"}};
-  for (const LedgerEntry& entry : entries) rows.push_back(rowOf(entry));
+  const People people = peopleOf(entries);
+  for (const LedgerEntry& entry : entries) rows.push_back(rowOf(entry, people));
   Widths widths{};
   for (const Row& row : rows) {
     for (std::size_t column = 0; column < row.size(); ++column) {
@@ -236,6 +251,7 @@ std::string EntryListing::details(const LedgerEntry& entry) {
   add("Reference", entry.reference);
   if (entry.counterpart) add("Other half", std::to_string(*entry.counterpart));
   if (entry.possibleDuplicateOf) add("Looks like", std::to_string(*entry.possibleDuplicateOf));
+  add("Person", entry.userId);
   add("Key", entry.key);
   if (entry.text) lines += "\n" + linesOf(*entry.text);
   return lines;
@@ -245,6 +261,7 @@ platform::JSONEncoder EntryListing::json(const LedgerEntry& entry) {
   platform::JSONEncoder object;
   object.encodeString("id", std::to_string(entry.id));
   object.encodeString("key", entry.key);
+  object.encodeString("person", entry.userId);
   object.encodeString("date", dateOf(entry));
   object.encodeString("kind", kindText(entry.kind));
   object.encodeString("amount", entry.amount ? amountText(*entry.amount) : "");

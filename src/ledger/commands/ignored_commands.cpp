@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/ignored_listing.h"
@@ -46,9 +47,9 @@ void showIgnored(const GivenParameters& parameters) {
     if (messages.empty()) return print("There is no ignored message.\n");
     print(IgnoredListing::list(messages, linux_platform::screenWidth()));
     if (!linux_platform::onTerminal()) return;
-    print(
-        "To book one: kivo-ledger book NUMBER\n"
-        "To have messages like it booked:\nkivo-ledger teach ignored:NUMBER\n");
+    print("To book one: " + book::bookCommand("book NUMBER") +
+          "\nTo have messages like it booked:\n" + book::bookCommand("teach ignored:NUMBER") +
+          "\n");
   });
 }
 
@@ -78,7 +79,8 @@ void requireParts(const StatedReading& stated) {
 std::int64_t givenNumber(const GivenParameters& parameters) {
   const std::string text = given(parameters, "NUMBER").value();
   const auto number = platform::integerFromText(text);
-  if (!number) throw invalid("NUMBER", text, "a number, as kivo-ledger ignored shows it");
+  if (!number)
+    throw invalid("NUMBER", text, "a number, as " + book::bookCommand("ignored") + " shows it");
   return *number;
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/import_messages.h"
 #include "ledger/commands/import_senders.h"
@@ -100,7 +101,7 @@ std::string tableOf(const ImportCounts& counts, Import::Mode mode) {
   add("Messages", counts.messages());
   if (mode == Import::Mode::dryRun) table += "Nothing was changed.\n";
   if (mode == Import::Mode::record && counts.review > 0) {
-    table += "To look at those in review: kivo-ledger review\n";
+    table += "To look at those in review: " + book::bookCommand("review") + "\n";
   }
   return table;
 }
@@ -117,7 +118,7 @@ std::string jsonOf(const ImportCounts& counts) {
 }
 
 void complain(const std::string& sentence) {
-  linux_platform::complain("kivo-ledger", linux_platform::escapedControls(sentence));
+  linux_platform::complain(book::bookProgram(), linux_platform::escapedControls(sentence));
 }
 
 void complainOfDays(std::int64_t count) {
@@ -170,7 +171,7 @@ void importFiles(const GivenParameters& parameters) {
   checkSenders(senders);
   const ImportedFiles files(givenFiles(parameters), givenDays(parameters));
   const bool isDry = parameters.contains("--dry-run");
-  Import::Settings settings{.userId = signedInUser(),
+  Import::Settings settings{.userId = givenUser(parameters),
                             .currency = requiredBookCurrency(),
                             .read = recording::TemplateFile::readerOfNow(),
                             .importKeys = importKeys,

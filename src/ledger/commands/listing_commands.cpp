@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/commands/opened_book.h"
@@ -55,7 +56,8 @@ void review(const GivenParameters& parameters) {
     show(entries, asJson, "There is nothing to look at.");
     if (!offers.empty()) print("\n" + offers);
     if (asJson || entries.empty() || !linux_platform::onTerminal()) return;
-    print("To have messages like one of these\nbooked from now on: kivo-ledger teach ID\n");
+    print("To have messages like one of these\nbooked from now on: " +
+          book::bookCommand("teach ID") + "\n");
   });
 }
 

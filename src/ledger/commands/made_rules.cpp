@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iostream>
 
+#include "book/book_command.h"
 #include "platform/linux/foundation/safe_text.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/prompt.h"
@@ -46,7 +47,7 @@ void MadeRules::add(const std::optional<KeptRule>& kept, Kind kind) {
 }
 
 std::string MadeRules::sentences() const {
-  constexpr const char* list = "`kivo-ledger rules` shows ";
+  const std::string list = "`" + book::bookCommand("rules") + "` shows ";
   if (made_.empty()) return "";
   if (made_.size() == 1) {
     return wrapped(

@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include "book/book_command.h"
 #include "ledger/commands/chosen_ids.h"
 #include "platform/foundation/number_text.h"
 #include "platform/linux/foundation/complaint.h"
@@ -82,8 +83,8 @@ void changeEach(Book& book, const std::vector<LedgerEntry>& entries,
 book::IgnoredMessage requiredIgnored(const Book& book, std::int64_t number) {
   auto message = book.ignored(number);
   if (message) return *std::move(message);
-  throw CommandFailure("no ignored message has the number " + std::to_string(number) +
-                       "; kivo-ledger ignored shows those that are kept");
+  throw CommandFailure("no ignored message has the number " + std::to_string(number) + "; " +
+                       book::bookCommand("ignored") + " shows those that are kept");
 }
 
 money::CurrencyCode requiredBookCurrency() {
@@ -92,7 +93,8 @@ money::CurrencyCode requiredBookCurrency() {
   return *currency;
 }
 
-std::string signedInUser() {
+std::string givenUser(const linux_platform::GivenParameters& given) {
+  if (const auto named = given.find(personOption); named != given.end()) return named->second;
   const auto store = SharedStore::open(appGroup);
   if (!store) throw ReportedFailure();
   return store->readNonEmptyText(StoreKeys::userId).value_or("local");
@@ -104,10 +106,11 @@ void tellSetAside(const Book& book) {
     ids += (ids.empty() ? "" : ", ") + std::to_string(entry.id);
   }
   if (ids.empty()) return;
-  linux_platform::complain("kivo-ledger",
+  linux_platform::complain(book::bookProgram(),
                            "these transactions are set aside and counted nowhere, since a value of "
                            "each cannot be: " +
-                               ids + "; kivo-ledger show ID says which, edit or delete it");
+                               ids + "; " + book::bookCommand("show ID") +
+                               " says which, edit or delete it");
 }
 
 }  // namespace kivo::ledger

@@ -39,9 +39,14 @@ book::IgnoredMessage requiredIgnored(const book::Book& book, std::int64_t number
 /// shared store cannot be opened.
 money::CurrencyCode requiredBookCurrency();
 
-/// Returns the user whose messages are recorded, "local" when none is signed in: an entry of this
-/// user is compared with them. Throws as `requiredBookCurrency` does.
-std::string signedInUser();
+/// The option that says whose payments are added, where a book has those of several people. The
+/// program that has such books adds it to the commands, and sees that it names one of the book.
+constexpr const char* personOption = "--person";
+
+/// Returns the user whose payments are added and compared with each other: the one given by
+/// `personOption`, else the one that is signed in, "local" when none is. Throws as
+/// `requiredBookCurrency` does.
+std::string givenUser(const linux_platform::GivenParameters& given);
 
 /// Prints a line on standard error that names the entries of `book` that are set aside, if any.
 void tellSetAside(const book::Book& book);

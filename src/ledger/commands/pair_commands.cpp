@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/editing_commands.h"
 #include "ledger/commands/opened_book.h"
@@ -53,15 +54,16 @@ std::string hindrance(const LedgerEntry& entry) {
   const std::string id = idOf(entry);
   if (entry.counterpart) {
     const std::string other = std::to_string(*entry.counterpart);
-    return id + " has the other half " + other + ": kivo-ledger unpair " + id + " " + other +
-           " parts them";
+    return id + " has the other half " + other + ": " +
+           book::bookCommand("unpair " + id + " " + other) + " parts them";
   }
   if (entry.state == LedgerEntry::State::review) {
-    return id + " is in review: kivo-ledger accept " + id + " books it";
+    return id + " is in review: " + book::bookCommand("accept " + id) + " books it";
   }
   if (entry.state != LedgerEntry::State::booked) return id + " is set aside";
   if (entry.refund) {
-    return id + " is a refund: kivo-ledger edit " + id + " --no-refund makes it an income";
+    return id + " is a refund: " + book::bookCommand("edit " + id + " --no-refund") +
+           " makes it an income";
   }
   return "";
 }
@@ -75,8 +77,8 @@ std::string whyUnfit(const TwoEntries& both) {
   if (one.amount != other.amount) {
     return "their sums differ: " + codeAndSum(*one.amount) + " and " + codeAndSum(*other.amount);
   }
-  return std::string("both ") + (one.incoming ? "came in" : "went out") +
-         ": kivo-ledger edit ID --kind " + (one.incoming ? "expense" : "income") +
+  return std::string("both ") + (one.incoming ? "came in" : "went out") + ": " +
+         book::bookCommand(one.incoming ? "edit ID --kind expense" : "edit ID --kind income") +
          " corrects one of them";
 }
 
@@ -131,12 +133,13 @@ std::string pairOffers(const Book& book) {
     const std::string one = std::to_string(pairs[at].outgoing);
     const std::string other = std::to_string(pairs[at].incoming);
     lines.append("These two look like one transfer: ").append(one).append(" and ").append(other);
-    lines.append("\n  (kivo-ledger pair ").append(one).append(" ").append(other).append(")\n");
+    lines.append("\n  (").append(book::bookCommand("pair " + one + " " + other)).append(")\n");
   }
   if (pairs.size() > mostOffers) {
     lines += "There are " + std::to_string(pairs.size() - mostOffers) + " more such pairs.\n";
   }
-  return lines + "kivo-ledger unpair, with the same numbers, says that they are two payments.\n";
+  return lines + book::bookCommand("unpair") +
+         ", with the same numbers, says that they are two payments.\n";
 }
 
 }  // namespace kivo::ledger

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/made_rules.h"
 #include "ledger/commands/opened_book.h"
@@ -40,8 +41,8 @@ void showRules(const GivenParameters& parameters) {
       return print(linux_platform::jsonForStandardOutput(text) + "\n");
     }
     if (rules.empty()) {
-      return print(
-          "There is no rule. `kivo-ledger edit ID --category CATEGORY` makes one for the payee.\n");
+      return print("There is no rule. `" + book::bookCommand("edit ID --category CATEGORY") +
+                   "` makes one for the payee.\n");
     }
     print(RuleListing::list(rules, linux_platform::screenWidth()));
   });
@@ -85,14 +86,15 @@ void addRule(const GivenParameters& parameters) {
 void removeRule(const GivenParameters& parameters) {
   const std::string text = given(parameters, "NUMBER").value();
   const auto number = platform::integerFromText(text);
-  if (!number) throw invalid("NUMBER", text, "a number, as kivo-ledger rules shows it");
+  if (!number)
+    throw invalid("NUMBER", text, "a number, as " + book::bookCommand("rules") + " shows it");
   withBook([&](Book& book) {
     book::UserCommand command = userCommand("rules remove", parameters);
     std::optional<Rule> removed;
     book.asCommand(command, [&] { removed = book.removeRule(*number); });
     if (!removed) {
-      throw CommandFailure("no rule has the number " + std::to_string(*number) +
-                           "; kivo-ledger rules shows them");
+      throw CommandFailure("no rule has the number " + std::to_string(*number) + "; " +
+                           book::bookCommand("rules") + " shows them");
     }
     print(linux_platform::wrappedTo(linux_platform::screenWidth(),
                                     "Removed the rule for " + escapedControls(removed->payee) +

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "book/book_command.h"
 #include "ledger/commands/entry_listing.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
@@ -57,8 +58,8 @@ void tellIgnored(Book& book, const MessageTemplate& taught,
                  const std::vector<std::int64_t>& numbers) {
   if (numbers.empty()) return;
   if (taught.kind) {
-    return print("Ignored messages that fit: " + listed(numbers) +
-                 ". `kivo-ledger book NUMBER` books one.\n");
+    return print("Ignored messages that fit: " + listed(numbers) + ". `" +
+                 book::bookCommand("book NUMBER") + "` books one.\n");
   }
   for (const std::int64_t number : numbers) book.removeIgnored(number);
   print("Removed from the ignored messages: " + listed(numbers) + ".\n");
@@ -82,8 +83,8 @@ void correctByTemplate(Book& book, book::UserCommand& command, const CurrencyCod
   if (toReview) std::erase(found.unclear, *toReview);
   if (!found.edited.empty()) print("Left as you edited them: " + listed(found.edited) + ".\n");
   if (!found.none.empty()) {
-    print("In the book, and no payment: " + listed(found.none) +
-          ". `kivo-ledger delete ID` deletes one.\n");
+    print("In the book, and no payment: " + listed(found.none) + ". `" +
+          book::bookCommand("delete ID") + "` deletes one.\n");
   }
   if (!found.unclear.empty()) print("Still for review: " + listed(found.unclear) + ".\n");
   book.asCommand(command, [&] { tellIgnored(book, taught, found.ignored); });

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "book/book_command.h"
 #include "ledger/commands/command_options.h"
 #include "ledger/commands/entry_listing.h"
 #include "ledger/commands/opened_book.h"
@@ -115,7 +116,8 @@ class Teaching {
   void takeIgnored(const std::string& number) {
     shown_.ignored = platform::integerFromText(number);
     if (!shown_.ignored) {
-      throw invalid("ID", source(), "ignored: and a number, as kivo-ledger ignored shows it");
+      throw invalid("ID", source(),
+                    "ignored: and a number, as " + book::bookCommand("ignored") + " shows it");
     }
     message_ = requiredIgnored(book_, *shown_.ignored).text;
     proposed_ = recording::proposedParts(message_, std::nullopt, currency_);
@@ -125,10 +127,11 @@ class Teaching {
   std::string chosenId() {
     const auto entries = book_.entries({.state = LedgerEntry::State::review});
     if (entries.empty()) {
-      throw CommandFailure(
-          "there is nothing to look at; `kivo-ledger teach ID` takes any transaction, "
-          "`kivo-ledger teach ignored:NUMBER` a message that `kivo-ledger ignored` shows, "
-          "and `kivo-ledger teach -` one from standard input");
+      throw CommandFailure("there is nothing to look at; `" + book::bookCommand("teach ID") +
+                           "` takes any transaction, `" +
+                           book::bookCommand("teach ignored:NUMBER") + "` a message that `" +
+                           book::bookCommand("ignored") + "` shows, and `" +
+                           book::bookCommand("teach -") + "` one from standard input");
     }
     print(EntryListing::table(entries, linux_platform::screenWidth()));
     std::string id = prompt_->ask("Teach which one? ID:").value_or("");
@@ -144,7 +147,8 @@ class Teaching {
     if (!entry->text) {
       throw CommandFailure(std::to_string(*number) +
                            " has no text: it was forgotten, or entered by hand"
-                           "; `kivo-ledger teach -` takes a message from standard input");
+                           "; `" +
+                           book::bookCommand("teach -") + "` takes a message from standard input");
     }
     shown_.entry = entry->id;
     message_ = partThatCounts(*entry->text);

@@ -8,6 +8,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include "book/book_command.h"
 #include "overview/exports/double_entry.h"
 #include "overview/exports/export_text.h"
 
@@ -113,7 +114,7 @@ std::string beancountExport(const std::vector<LedgerEntry>& entries,
     transactions.append(posting(made.otherAccount, otherSumText(made)));
     transactions.append(posting(made.ownAccount, sumText(made.toOwn)));
   }
-  std::string file = "; Written by kivo-ledger. Another export replaces it.\n";
+  std::string file = "; Written by " + book::bookProgram() + ". Another export replaces it.\n";
   for (const auto& [account, day] : opened) {
     file.append(day).append(" open ").append(account).append("\n");
   }

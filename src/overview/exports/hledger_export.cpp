@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "book/book_command.h"
 #include "overview/exports/double_entry.h"
 #include "overview/exports/export_text.h"
 
@@ -90,7 +91,8 @@ std::string hledgerExport(const std::vector<LedgerEntry>& entries,
     transactions.append(
         posting(made.ownAccount, sumText(made.toOwn) + assertions.after(entry.account, entry)));
   }
-  std::string journal = "; Written by kivo-ledger. Another export replaces it.\ndecimal-mark .\n";
+  std::string journal =
+      "; Written by " + book::bookProgram() + ". Another export replaces it.\ndecimal-mark .\n";
   for (const money::CurrencyCode& currency : currencies) {
     journal += "commodity " + currency.text() + "\n";
   }
