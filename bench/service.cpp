@@ -1,21 +1,17 @@
 // Measures the answers of the ledger's service to one client and to several at once.
-#include <array>
 #include <atomic>
 #include <chrono>
-#include <cstddef>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 
+#include "booked_message.h"
 #include "ledger/extraction_endpoint.h"
 #include "ledger/http_server.h"
 #include "ledger/listening_socket.h"
-#include "platform/foundation/json_encoder.h"
 #include "testkit/private_folders.h"
 
 namespace kivo::bench {
@@ -24,35 +20,13 @@ namespace {
 using benchmark::State;
 using ledger::HttpServer;
 
-std::string request(const std::string& key) {
-  platform::JSONEncoder object;
-  object.encodeString("sms_text",
-                      "Your card ending 4821 was charged EGP 150.00 at Carrefour City.");
-  object.encodeString("user_id", "user");
-  object.encodeString("expense_date", "2026-11-21");
-  object.encodeString("idempotency_key", key);
-  const std::string body = object.text();
-  return "POST /functions/v1/sms-extraction HTTP/1.1\r\nHost: localhost\r\nContent-Length: " +
-         std::to_string(body.size()) + "\r\n\r\n" + body;
-}
-
 // Whether the service at `path` books the message of `key`.
-bool isBooked(const std::string& path, const std::string& key) {
-  const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+bool isBookedAt(const std::string& path, const std::string& key) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   path.copy(address.sun_path, sizeof address.sun_path - 1);
-  const std::string sent = request(key);
-  std::string answer;
-  if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-      write(descriptor, sent.data(), sent.size()) == static_cast<ssize_t>(sent.size())) {
-    std::array<char, 4096> piece{};
-    for (ssize_t size = 0; (size = read(descriptor, piece.data(), piece.size())) > 0;) {
-      answer.append(piece.data(), static_cast<std::size_t>(size));
-    }
-  }
-  close(descriptor);
-  return answer.find(R"("saved":true)") != std::string::npos;
+  return isBooked(reinterpret_cast<const sockaddr*>(&address), sizeof address,
+                  {.user = "user", .path = "/functions/v1/sms-extraction", .key = key});
 }
 
 // A service in this process, on a book of its own, until it had no request for 200 ms.
@@ -95,7 +69,7 @@ void serviceAnswers(State& state) {
       threads.emplace_back([&] {
         for (int number = next++; number < answers; number = next++) {
           const std::string key = std::to_string(round) + "-" + std::to_string(number);
-          if (isBooked(service.path(), key)) ++booked;
+          if (isBookedAt(service.path(), key)) ++booked;
         }
       });
     }

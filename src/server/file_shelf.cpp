@@ -9,6 +9,7 @@
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/store/opening_failure.h"
 #include "platform/linux/store/sqlite_database.h"
+#include "recording/book_currency.h"
 #include "server/new_book.h"
 
 namespace kivo::server {
@@ -69,6 +70,10 @@ class FileShelf : public Shelf {
   void inBook(std::int64_t number, Settings, const std::function<void()>& use) override {
     const linux_platform::FoldersIn folders(folderOf(number));
     use();
+  }
+
+  std::optional<money::CurrencyCode> currency(std::int64_t) override {
+    return recording::bookCurrency();
   }
 
  private:

@@ -14,6 +14,7 @@
 #include "ledger/kept_settings.h"
 #include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/terminal/command_failure.h"
+#include "recording/book_currency.h"
 
 namespace kivo::server {
 
@@ -84,6 +85,11 @@ class PostgresShelf : public Shelf {
       throw;
     }
     takeUp(number);
+  }
+
+  std::optional<money::CurrencyCode> currency(std::int64_t number) override {
+    const auto kept = money::CurrencyCode::fromText(laidOut_.at(number).currency);
+    return kept ? kept : recording::bookCurrency();
   }
 
  private:

@@ -199,7 +199,9 @@ ledger::ExtractionEndpoint& ServerEndpoint::endpointOf(std::int64_t book) {
   if (endpoints_.size() >= mostOpenBooks) endpoints_.erase(endpoints_.begin());
   const auto nobody = [](const book::LedgerEntry&) {};
   return endpoints_
-      .try_emplace(book, recording::bookCurrency, nobody, recording::TemplateFile::reader())
+      .try_emplace(
+          book, [this, book] { return shelf_.currency(book); }, nobody,
+          recording::TemplateFile::reader())
       .first->second;
 }
 

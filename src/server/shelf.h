@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "book/database.h"
@@ -37,6 +38,10 @@ class Shelf {
   /// Calls `use` while `book::Book::open` opens the book `number`, and the files of settings are
   /// its own. Lets what it throws through.
   virtual void inBook(std::int64_t number, Settings settings, const std::function<void()>& use) = 0;
+
+  /// Returns the currency of the book `number`, which is used by `inBook`; nullopt, after one line
+  /// on standard error, when it cannot be read.
+  virtual std::optional<money::CurrencyCode> currency(std::int64_t number) = 0;
 };
 
 }  // namespace kivo::server

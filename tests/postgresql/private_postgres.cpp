@@ -41,7 +41,7 @@ ProgramCall call(const char* program, std::vector<std::string> arguments) {
 
 }  // namespace
 
-PrivatePostgres::PrivatePostgres() {
+PrivatePostgres::PrivatePostgres(Commits commits) : commits_(commits) {
   const auto made = linux_platform::runProgram(
       call("initdb", {"--pgdata", (folder_.path() / "data").string(), "--username=kivo",
                       "--auth=trust", "--encoding=UTF8", "--no-locale", "--no-sync"}));
@@ -54,6 +54,16 @@ PrivatePostgres::~PrivatePostgres() {
   server_->wait();
 }
 
+std::string PrivatePostgres::run(const char* program, std::vector<std::string> arguments) const {
+  ProgramCall made = call(program, std::move(arguments));
+  made.environment.emplace("PGHOST", folder_.path().string());
+  made.environment.emplace("PGUSER", "kivo");
+  made.environment.emplace("PGDATABASE", "postgres");
+  const auto result = linux_platform::runProgram(made);
+  if (result.status != 0) throw std::runtime_error(program + (": " + result.errors));
+  return result.output;
+}
+
 std::string PrivatePostgres::url(const std::string& database) const {
   return "postgresql:///" + database + "?user=kivo&host=" + folder_.path().string();
 }
@@ -62,7 +72,8 @@ void PrivatePostgres::start() {
   const std::string folder = folder_.path().string();
   server_ = std::make_unique<linux_platform::ChildProcess>(
       call("postgres", {"-D", folder + "/data", "-k", folder, "-c", "listen_addresses=", "-c",
-                        "fsync=off", "-c", "jit=off", "-c", "shared_buffers=32MB"}));
+                        commits_ == Commits::synced ? "fsync=on" : "fsync=off", "-c", "jit=off",
+                        "-c", "shared_buffers=32MB"}));
   const bool answers =
       eventually([&] { return PQping(url().c_str()) == PQPING_OK; }, std::chrono::seconds(30));
   if (!answers) throw std::runtime_error("PostgreSQL does not answer");
