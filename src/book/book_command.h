@@ -7,8 +7,9 @@
 namespace kivo::book {
 
 /// Says that the program `program` has the commands, and that `--book` names the book `named` among
-/// several, or NAME, as the sentences say ID; empty when the program has one book. Until it is called that is kivo-ledger and one
-/// book. Not thread-safe: call it where no other thread writes a sentence.
+/// several, or NAME, as the sentences say ID; empty when the program has one book. Until it is
+/// called that is kivo-ledger and one book. Not thread-safe: call it where no other thread writes a
+/// sentence.
 void nameBookCommands(std::string program, std::string_view named);
 
 /// Returns the name of the program that has the commands.
