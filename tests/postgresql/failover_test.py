@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Sixteen devices send messages through a proxy and two servers to PostgreSQL with a synchronous standby. The primary is
-killed with SIGKILL and the standby takes its place: what was acknowledged is there once, with the same answer, and what
-was not is sent again under its key.
+killed with SIGKILL and the standby takes its place, and so are the servers at random moments: what was acknowledged is
+there once, with the same answer, and what was not is sent again under its key. One more device is a phone with the
+extension, which keeps in its queue what it could not send.
 
 Takes $KIVO_FAILOVER_SECONDS, 12 when it is not set."""
 import contextlib
@@ -164,6 +165,65 @@ class Device(threading.Thread):
             time.sleep(0.2)
 
 
+class Phone(threading.Thread):
+    """Has the extension process messages, one after the other, with files of its own."""
+
+    def __init__(self, folder, url, until):
+        super().__init__()
+        self.until = until
+        self.environment = environment() | {"HOME": str(folder), "XDG_RUNTIME_DIR": str(folder)}
+        self.dialogs = []
+        self.call("kivo-phone", "sign-in", "--user-id", "Phone", "--url", url)
+
+    def call(self, name, *arguments, text=""):
+        return subprocess.run([PROGRAMS / name, *arguments], input=text, env=self.environment, text=True,
+                              capture_output=True, timeout=60, check=True).stdout
+
+    def process(self, text):
+        return self.call("kivo-intents", "perform", "ProcessSMSIntent", "--smsText", "-", text=text)
+
+    def run(self):
+        while time.monotonic() < self.until:
+            self.dialogs.append(self.process(MESSAGE.format(900_000 + len(self.dialogs), 0)))
+            time.sleep(0.5)  # ten failures in a row drop a message
+
+    def waiting(self):
+        return len(json.loads(self.call("kivo-phone", "queue", "export")))
+
+    def send_the_rest(self):
+        end = time.monotonic() + 60
+        while self.waiting() and time.monotonic() < end:
+            self.call("kivo-phone", "queue", "send")
+
+
+class ServerKills(threading.Thread):
+    """Kills one of the servers at a time with SIGKILL and starts it again, until it is told to stop."""
+
+    def __init__(self, starts):
+        super().__init__()
+        self.starts = starts
+        self.servers = [start() for start in starts]
+        self.kills = 0
+        self.stopped = threading.Event()
+
+    def run(self):
+        while not self.stopped.wait(random.uniform(0.2, 1.5)):
+            chosen = random.randrange(len(self.servers))
+            self.servers[chosen].kill()
+            self.servers[chosen].wait(20)
+            self.kills += 1
+            time.sleep(random.uniform(0, 0.3))
+            self.servers[chosen] = self.starts[chosen]()
+
+    def stop(self):
+        self.stopped.set()
+        if self.is_alive():
+            self.join(30)
+        for number, server in enumerate(self.servers):
+            if server.poll() is not None:  # it found no database when it was started
+                self.servers[number] = self.starts[number]()
+
+
 class Failover(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kivo-failover-"))
@@ -216,7 +276,7 @@ class Failover(unittest.TestCase):
 
     def test_a_killed_primary_loses_no_acknowledged_message(self):
         self.port, first, second = free_port(), free_port(), free_port()
-        servers = [self.start_server(first), self.start_server(second)]
+        servers = ServerKills([lambda port=port: self.start_server(port) for port in (first, second)])
         for port in (first, second):
             wait_until(lambda port=port: listens(port), "a server does not listen")
         (self.folder / "haproxy.cfg").write_text(PROXY.format(port=self.port, first=first, second=second))
@@ -230,32 +290,36 @@ class Failover(unittest.TestCase):
             printed = self.kivo("device", "add", f"P{number}", "--name", "phone")
             path = re.search(r"(/p/[0-9a-f]{32})\n", printed)[1]
             devices.append(Device(self.port, path + "/functions/v1/sms-extraction", number, until))
-        for device in devices:
+        (self.folder / "phone").mkdir()
+        self.kivo("person", "add", "Phone", "--book", "Family")
+        printed = self.kivo("device", "add", "Phone", "--name", "phone")
+        phone = Phone(self.folder / "phone", re.search(r"http://\S+/p/[0-9a-f]{32}", printed)[0], until)
+        for device in (*devices, phone):
             device.until = time.monotonic() + SECONDS
             device.start()
+        servers.start()
+        self.addCleanup(servers.stop)
         time.sleep(SECONDS * random.uniform(0.3, 0.5))
         # The standby falls behind, so that what only the primary has is lost.
         self.standby.kill()
         time.sleep(0.3)
         self.primary.kill()
         self.standby.start()
-        servers[0].kill()
-        servers[0].wait(20)
         time.sleep(1)
         subprocess.run(as_nobody(program("pg_ctl"), "promote", "-D", self.standby.data), check=True,
                        capture_output=True, env=environment())
         # It waits for no standby of its own now.
         self.standby.ask("ALTER SYSTEM RESET synchronous_standby_names")
         self.standby.ask("SELECT pg_reload_conf()")
-        time.sleep(SECONDS * 0.1)
-        self.start_server(first)
-        for device in devices:
+        for device in (*devices, phone):
             device.join(SECONDS + 120)
+        servers.stop()
+        self.check_phone(phone)
         acknowledged = {(device.number, key): text for device in devices for key, text in device.answers.items()}
         self.assertGreater(len(acknowledged), DEVICES)
         self.assertGreater(sum(device.failures for device in devices), 0, "nothing failed: the kill came too late")
         booked = json.loads(self.kivo("list", "--book", "Family", "--json"))
-        keys = [entry["key"] for entry in booked]
+        keys = [entry["key"] for entry in booked if entry["person"] != "Phone"]
         self.assertEqual(len(keys), len(set(keys)), "an entry is there twice")
         self.assertEqual(set(keys), {key for _, key in acknowledged}, "an acknowledged message is missing")
         for device in devices:  # the same answer again
@@ -264,8 +328,20 @@ class Failover(unittest.TestCase):
                 device.answers.pop(key)
                 device.send(key, 1)  # with another text
                 self.assertEqual(device.answers.get(key), kept[key])
+        print(f"{servers.kills} servers killed, {len(phone.dialogs)} messages of the phone")
         print(f"{len(acknowledged)} messages acknowledged, {sum(device.failures for device in devices)} attempts failed,"
               f" the longest took {max(device.longest for device in devices):.1f} s")
+
+    def check_phone(self, phone):
+        """What it said was tracked or saved offline is in the book, once."""
+        offline = sum("Saved offline" in dialog for dialog in phone.dialogs)
+        self.assertGreater(offline, 0, f"the phone missed nothing: {phone.dialogs}")
+        self.assertEqual(offline + sum(dialog.startswith("Tracked") for dialog in phone.dialogs), len(phone.dialogs))
+        phone.send_the_rest()
+        self.assertEqual(phone.waiting(), 0)
+        booked = json.loads(self.kivo("list", "--book", "Family", "--json"))
+        amounts = [entry["amount"] for entry in booked if entry["person"] == "Phone"]
+        self.assertEqual(sorted(amounts), [f"{900_000 + number}.00" for number in range(len(phone.dialogs))])
 
 
 if __name__ == "__main__":
