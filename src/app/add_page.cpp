@@ -48,7 +48,8 @@ class AddPage : public std::enable_shared_from_this<AddPage> {
     const auto sum = day ? fields_->sum() : std::nullopt;
     if (!sum) return;
     const bool isPlain = fields_->category().empty() && *day == book::currentDay() &&
-                         fields_->kind() == money::Kind::expense;
+                         fields_->kind() == money::Kind::expense &&
+                         sum->currency == window_.book().currency();
     if (isPlain) {
       performAddExpense(window_, *sum, *name);
     } else if (!addByHand({.userId = window_.book().userId(),
@@ -68,7 +69,8 @@ class AddPage : public std::enable_shared_from_this<AddPage> {
     }
     std::string words = "add --amount " + amountText(payment.amount) + " --payee " +
                         book::commandWord(payment.payee) + " --date " + payment.date.text() +
-                        " --kind " + kindText(payment.kind);
+                        " --kind " + kindText(payment.kind) + " --currency " +
+                        payment.amount.currency.text();
     if (stated.category) words += " --category " + book::commandWord(*stated.category);
     const auto number = window_.change(words, "Added", [&](book::Book& book) {
       const bool isOwn = payment.kind == money::Kind::transfer;

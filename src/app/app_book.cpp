@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/foundation/device_folders.h"
 #include "platform/linux/foundation/failure.h"
 #include "recording/book_currency.h"
 #include "recording/template_file.h"
@@ -39,27 +40,39 @@ AppBook::AppBook(std::function<void()> followed)
       userId_(openedStore().readNonEmptyText(StoreKeys::userId).value_or("local")),
       followed_(std::move(followed)),
       seen_(book_.changesByOthers()) {
-  GFile* folder = g_file_new_for_path(book_.path().parent_path().c_str());
-  monitor_ = g_file_monitor_directory(folder, G_FILE_MONITOR_NONE, nullptr, nullptr);
-  g_object_unref(folder);
-  if (monitor_ == nullptr) return;  // too many watches: what others change is seen at the next read
-  g_file_monitor_set_rate_limit(monitor_, static_cast<gint>(pause.count()));
-  onSignal(monitor_, "changed", [this] {
-    if (!looking_.isPending()) looking_.call([this] { look(); }, pause);
-  });
+  bookWatch_ = watched(book_.path().parent_path());
+  if (const auto data = linux_platform::dataHome()) storeWatch_ = watched(*data / appGroup);
 }
 
 AppBook::~AppBook() {
-  if (monitor_ == nullptr) return;
-  g_file_monitor_cancel(monitor_);
-  g_object_unref(monitor_);
+  for (GFileMonitor* const watch : {bookWatch_, storeWatch_}) {
+    if (watch == nullptr) continue;
+    g_file_monitor_cancel(watch);
+    g_object_unref(watch);
+  }
+}
+
+GFileMonitor* AppBook::watched(const std::filesystem::path& folder) {
+  GFile* file = g_file_new_for_path(folder.c_str());
+  GFileMonitor* watch = g_file_monitor_directory(file, G_FILE_MONITOR_NONE, nullptr, nullptr);
+  g_object_unref(file);
+  if (watch == nullptr) return nullptr;
+  g_file_monitor_set_rate_limit(watch, static_cast<gint>(pause.count()));
+  onSignal(watch, "changed", [this] {
+    if (!looking_.isPending()) looking_.call([this] { look(); }, pause);
+  });
+  return watch;
 }
 
 void AppBook::look() {
   try {
     const std::int64_t now = book_.changesByOthers();
-    if (std::exchange(seen_, now) == now) return;
-  } catch (const book::BookFailure&) {  // the next read says so
+    const auto currency = currencyOfBook();
+    const bool isSame = now == seen_ && currency == currency_;
+    seen_ = now;
+    currency_ = currency;
+    if (isSame) return;
+  } catch (const Failure&) {  // the next read says so
   }
   followed_();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,8 +20,8 @@ namespace kivo::app {
 class AppBook {
  public:
   /// Opens the book, and creates it when it is missing. Calls `followed` from the main loop after
-  /// others, such as the service, changed the book. Throws linux_platform::Failure, with the reason
-  /// for the user, when the book or the shared store cannot be opened.
+  /// others, such as the service, changed the book or its currency. Throws linux_platform::Failure,
+  /// with the reason for the user, when the book or the shared store cannot be opened.
   explicit AppBook(std::function<void()> followed);
   ~AppBook();
   AppBook(const AppBook&) = delete;
@@ -45,6 +46,8 @@ class AppBook {
   std::int64_t undoSince(std::int64_t number);
 
  private:
+  /// Returns a watch of `folder` that has `look` called; null when there is none.
+  GFileMonitor* watched(const std::filesystem::path& folder);
   void look();
   std::vector<book::PastCommand> takeBack(std::int64_t count);
 
@@ -53,7 +56,9 @@ class AppBook {
   std::string userId_;
   std::function<void()> followed_;
   std::int64_t seen_ = 0;
-  GFileMonitor* monitor_ = nullptr;
+  /// Null where there are too many watches: what others change is seen at the next read.
+  GFileMonitor* bookWatch_ = nullptr;
+  GFileMonitor* storeWatch_ = nullptr;
   Later looking_;
 };
 

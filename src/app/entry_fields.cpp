@@ -20,10 +20,10 @@ constexpr std::array kinds = {Kind::expense, Kind::income, Kind::transfer};
 
 EntryFields::EntryFields(const char* heading, const money::CurrencyCode& currency,
                          const std::vector<std::string>& categories)
-    : currency_(currency),
-      group_(rowGroup(heading)),
+    : group_(rowGroup(heading)),
       name_(statedText("Payee")),
-      sum_(statedText(("Sum in " + currency.text()).c_str())),
+      sum_(statedText("Sum")),
+      currency_(statedText("Currency")),
       day_(statedText("Day")),
       kind_(adw_combo_row_new()),
       category_(statedText("Category")) {
@@ -32,9 +32,10 @@ EntryFields::EntryFields(const char* heading, const money::CurrencyCode& currenc
   adw_combo_row_set_model(ADW_COMBO_ROW(kind_), G_LIST_MODEL(list));
   g_object_unref(list);
   adw_preferences_row_set_title(ADW_PREFERENCES_ROW(kind_), "Kind");
+  gtk_editable_set_text(GTK_EDITABLE(currency_), currency.text().c_str());
   addCalendar();
   addChoices(category_, "Pick a category", categories);
-  for (GtkWidget* row : {name_, sum_, day_, kind_, category_}) {
+  for (GtkWidget* row : {name_, sum_, currency_, day_, kind_, category_}) {
     adw_preferences_group_add(ADW_PREFERENCES_GROUP(group_), row);
   }
 }
@@ -74,6 +75,21 @@ void EntryFields::set(const book::LedgerEntry& entry) {
   gtk_editable_set_text(GTK_EDITABLE(category_), entry.category.c_str());
 }
 
+void EntryFields::addRefund(bool isRefund) {
+  refund_ = gtk_switch_new();
+  gtk_switch_set_active(GTK_SWITCH(refund_), isRefund ? TRUE : FALSE);
+  gtk_widget_set_valign(refund_, GTK_ALIGN_CENTER);
+  nameFor(refund_, "It gives back a payment");
+  GtkWidget* row = plainRow("It gives back a payment", "", refund_);
+  adw_action_row_set_activatable_widget(ADW_ACTION_ROW(row), refund_);
+  adw_preferences_group_add(ADW_PREFERENCES_GROUP(group_), row);
+  const auto follow = [this, row] {
+    gtk_widget_set_visible(row, kind() == Kind::income ? TRUE : FALSE);
+  };
+  onSignal(kind_, "notify::selected", follow);
+  follow();
+}
+
 void EntryFields::setDay(const Day& day) {
   gtk_editable_set_text(GTK_EDITABLE(day_), day.text().c_str());
 }
@@ -86,7 +102,12 @@ std::optional<std::string> EntryFields::name() const {
 }
 
 std::optional<Money> EntryFields::sum() const {
-  const auto sum = money::moneyFromText(statedIn(sum_), currency_);
+  const auto currency = money::CurrencyCode::fromText(statedIn(currency_));
+  if (!currency) {
+    mark(currency_, "Give the three letters of a currency, such as EGP");
+    return std::nullopt;
+  }
+  const auto sum = money::moneyFromText(statedIn(sum_), *currency);
   if (sum && isBookable(*sum)) return sum;
   mark(sum_, "Give a sum above zero, such as 1,189.50");
   return std::nullopt;
@@ -100,6 +121,11 @@ std::optional<Day> EntryFields::day() const {
 
 Kind EntryFields::kind() const {
   return kinds.at(adw_combo_row_get_selected(ADW_COMBO_ROW(kind_)));
+}
+
+bool EntryFields::refund() const {
+  return refund_ != nullptr && kind() == Kind::income &&
+         gtk_switch_get_active(GTK_SWITCH(refund_)) != FALSE;
 }
 
 std::string EntryFields::category() const { return statedIn(category_); }

@@ -99,7 +99,8 @@ class IgnoredPage : public std::enable_shared_from_this<IgnoredPage> {
   [[nodiscard]] std::string words(const StatedParts& parts, const book::EntryChange& change) const {
     std::string words = "book " + std::to_string(message_.number) + " --kind " +
                         kindText(*parts.kind) + " --amount " + amountText(*parts.amount) +
-                        " --payee " + book::commandWord(*parts.payee);
+                        " --currency " + parts.amount->currency.text() + " --payee " +
+                        book::commandWord(*parts.payee);
     if (change.category) words += " --category " + book::commandWord(*change.category);
     return words;
   }

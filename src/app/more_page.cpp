@@ -20,6 +20,7 @@ GtkWidget* newMorePage(AppWindow& window) {
   add("Accounts", "Balances, and what they do not explain", openAccountsPage);
   add("Budgets", "What a month may cost", openBudgetsPage);
   add("Rules", "What later payments will be", openRulesPage);
+  add("Templates", "How messages are read that were taught", openTemplatesPage);
   add("History", "What was changed, and the way back", openHistoryPage);
   return scrolledColumn(withMargins(group, 12));
 }

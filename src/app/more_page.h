@@ -1,4 +1,4 @@
-// The page "More": the ways to accounts, budgets, rules and history.
+// The page "More": the ways to accounts, budgets, rules, templates and history.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -14,6 +14,7 @@ GtkWidget* newMorePage(AppWindow& window);
 void openAccountsPage(AppWindow& window);
 void openBudgetsPage(AppWindow& window);
 void openRulesPage(AppWindow& window);
+void openTemplatesPage(AppWindow& window);
 void openHistoryPage(AppWindow& window);
 
 }  // namespace kivo::app

@@ -12,6 +12,7 @@
 #include "app/teach_page.h"
 #include "app/widgets.h"
 #include "book/current_day.h"
+#include "recording/refund_change.h"
 #include "recording/rule_sentence.h"
 
 namespace kivo::app {
@@ -34,7 +35,11 @@ std::string editWords(std::int64_t id, const EntryChange& change, bool makesRule
   };
   if (change.date) add("--date", change.date->text());
   if (change.kind) add("--kind", kindText(*change.kind));
-  if (change.amount) add("--amount", amountText(*change.amount));
+  if (change.refund) words += *change.refund ? " --refund" : " --no-refund";
+  if (change.amount) {
+    add("--amount", amountText(*change.amount));
+    add("--currency", change.amount->currency.text());
+  }
   if (change.description) add("--description", *change.description);
   if (change.category) add("--category", *change.category);
   if (!makesRule && (change.description || change.category)) words += " --once";
@@ -65,6 +70,7 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
     const auto currency = entry_.amount ? entry_.amount->currency : window_.book().currency();
     fields_.emplace("Payment", currency, categories);
     fields_->set(entry_);
+    fields_->addRefund(entry_.refund);
     gtk_box_append(GTK_BOX(box_), fields_->group());
     addRuleSwitch();
     addFacts();
@@ -159,8 +165,8 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
 
   void addActions() {
     if (entry_.state == LedgerEntry::State::review) {
-      gtk_box_append(GTK_BOX(box_),
-                     textButton("Right, Book It", [this] { saysRight(window_, entry_.id); }));
+      right_ = textButton("Right, Book It", [this] { saysRight(window_, entry_.id); });
+      gtk_box_append(GTK_BOX(box_), right_);
     }
     if (entry_.text) {
       gtk_box_append(GTK_BOX(box_),
@@ -183,21 +189,23 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
     if (*day != entry_.date || entry_.impossibleDate) change.date = day;
     if (sum != entry_.amount) change.amount = sum;
     if (fields_->kind() != entry_.kind) change.kind = fields_->kind();
+    if (fields_->refund() != entry_.refund) change.refund = fields_->refund();
     const std::string category = fields_->category();
     if (!category.empty() && category != entry_.category) change.category = category;
     return change;
   }
 
   void save() {
-    const auto change = stated();
+    auto change = stated();
     if (!change) return;
     const bool isNothing = !change->description && !change->date && !change->amount &&
-                           !change->kind && !change->category;
+                           !change->kind && !change->category && !change->refund;
     if (isNothing) return window_.pop();
     const bool makesRule = rule_ != nullptr && gtk_switch_get_active(GTK_SWITCH(rule_)) != FALSE &&
                            (change->description || change->category);
     const std::int64_t id = entry_.id;
     const std::string words = editWords(id, *change, makesRule);
+    recording::completeRefund(*change, entry_);
     const auto kind = change->kind.value_or(entry_.kind);
     std::string done = "Saved";
     std::optional<KeptRule> rule;
@@ -248,9 +256,15 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
     if (isChanging_) return;
     std::optional<LedgerEntry> now;
     if (!window_.read([&](const book::Book& book) { now = book.entry(entry_.id); })) return;
-    if (now) return;
+    if (now) return showState(*now);
     window_.pop();
     window_.tell("This payment was deleted");
+  }
+
+  // What was in review may be booked now, and may wait again after that was taken back.
+  void showState(const LedgerEntry& now) {
+    if (right_ == nullptr) return;
+    gtk_widget_set_visible(right_, now.state == LedgerEntry::State::review ? TRUE : FALSE);
   }
 
   AppWindow& window_;
@@ -258,6 +272,7 @@ class PaymentPage : public std::enable_shared_from_this<PaymentPage> {
   GtkWidget* box_;
   std::optional<EntryFields> fields_;
   GtkWidget* rule_ = nullptr;
+  GtkWidget* right_ = nullptr;
   bool isChanging_ = false;
   SumTexts sums_;
 };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/app_window.h"
+#include "app/filter_page.h"
 #include "app/widgets.h"
 #include "book/current_day.h"
 
@@ -96,6 +97,9 @@ GtkWidget* PaymentsPage::filters() {
   GtkWidget* line = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
   gtk_box_append(GTK_BOX(line), search_);
   gtk_box_append(GTK_BOX(line), kindChoice());
+  gtk_box_append(GTK_BOX(line),
+                 iconButton("view-more-symbolic", "Show only a category or an account",
+                            [this] { openFilterPage(window_, filter_); }));
   chosenText_ = lineLabel("");
   gtk_widget_set_hexpand(chosenText_, TRUE);
   chosen_ = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
@@ -182,6 +186,9 @@ void PaymentsPage::read() {
 // What the search and the kind do not show.
 void PaymentsPage::tellFilter() {
   std::string text = shownName(filter_.category);
+  if (!filter_.account.empty()) {
+    text += (text.empty() ? "Account " : ", account ") + shownName(filter_.account);
+  }
   if (filter_.from && filter_.to) {
     const bool isDay = *filter_.from == *filter_.to;
     const bool isMonth = !isDay && filter_.from->month() == filter_.to->month();

@@ -106,6 +106,19 @@ class ListsPayments(AWindow):
         self.window.shows("SUNNY MARKET, EGP 150.00")
 
 
+    def test_of_one_category_or_account(self):
+        self.window.go("Payments")
+        self.window.click("Show only a category or an account")
+        self.window.click("Show Utilities")
+        self.window.shows("2 payments")
+        self.window.lacks("SUNNY MARKET, EGP")
+        self.window.click("Show only a category or an account")
+        self.window.click("Show 4821")
+        self.window.shows("Utilities, account 4821")
+        self.window.click("Show All")
+        self.window.shows("SUNNY MARKET, EGP 150.00")
+
+
 class CorrectsAPayment(AWindow):
     def change_category(self, shop, category):
         self.window.go("Payments")
@@ -147,7 +160,7 @@ class CorrectsAPayment(AWindow):
         before = self.home.ledger("list", "--json")
         self.window.go("Payments")
         self.window.click("SUNNY MARKET")
-        for field, wrong, right in (("Sum in EGP", "12,34", "1,234.50"), ("Day", "2026-02-30", "2026-02-28")):
+        for field, wrong, right in (("Sum", "12,34", "1,234.50"), ("Day", "2026-02-30", "2026-02-28")):
             self.window.type_into(field, wrong)
             self.window.click("Save")
             time.sleep(0.5)
@@ -157,6 +170,43 @@ class CorrectsAPayment(AWindow):
         self.window.shows("Saved")
         changed = self.entry("SUNNY MARKET")
         self.assertEqual((changed["amount"], changed["date"]), ("1234.50", "2026-02-28"))
+
+    def test_in_another_currency(self):
+        self.window.go("Payments")
+        self.window.click("SUNNY MARKET")
+        self.window.type_into("Currency", "EG")
+        self.window.click("Save")
+        time.sleep(0.5)
+        self.assertEqual(self.entry("SUNNY MARKET")["currency"], "EGP")
+        self.window.type_into("Currency", "usd")
+        self.window.type_into("Sum", "3.10")
+        self.window.click("Save")
+        self.window.shows("Saved")
+        changed = self.entry("SUNNY MARKET")
+        self.assertEqual((changed["amount"], changed["currency"]), ("3.10", "USD"))
+        self.assertIn("--amount 3.10 --currency USD", self.home.ledger("history"))
+
+    def test_and_says_that_an_income_gives_back_a_payment(self):
+        number = self.entry("SUNNY MARKET")["id"]
+        self.home.ledger("edit", number, "--kind", "income", "--once")
+        self.window.go("Payments")
+        self.window.click("SUNNY MARKET")
+        self.window.click("It gives back a payment", "check box")
+        self.window.click("Save")
+        self.window.shows("Saved")
+        self.assertEqual(self.entry("SUNNY MARKET").get("refund"), "true")
+        self.assertEqual(json.loads(self.home.ledger("rules", "--json")), [])
+        self.window.click("Undo")
+        self.window.shows("It is as it was before.")
+        self.assertNotIn("refund", self.entry("SUNNY MARKET"))
+
+    def test_and_books_what_waits_once(self):
+        self.window.go("Review")
+        self.window.click("Change: MOON SHOP")
+        self.window.click("Right, Book It")
+        self.window.shows("Booked")
+        self.assertEqual(self.entry("MOON SHOP")["state"], "booked")
+        self.window.lacks("Right, Book It")
 
     def test_and_deletes_it_and_brings_it_back(self):
         self.window.go("Payments")
@@ -200,7 +250,7 @@ class Reviews(AWindow):
         self.window.go("Review")
         self.window.click("Book: Dear customer, EGP 300.00 is due")
         self.window.type_into("Payee", "Tulip plan")
-        self.window.type_into("Sum in EGP", "300")
+        self.window.type_into("Sum", "300")
         self.window.type_into("Category", "Subscriptions")
         self.window.click("Book")
         self.window.shows("Booked")
@@ -229,7 +279,7 @@ class AddsAPayment(AWindow):
     def test_by_hand_with_a_category(self):
         self.window.click("Add a payment")
         self.window.type_into("Payee", "Corner shop")
-        self.window.type_into("Sum in EGP", "12.50")
+        self.window.type_into("Sum", "12.50")
         self.window.type_into("Category", "Groceries")
         self.window.click("Add")
         self.window.shows("Added")
@@ -242,7 +292,7 @@ class AddsAPayment(AWindow):
             self.addCleanup(self.home.serve(program))
         self.window.click("Add a payment")
         self.window.type_into("Payee", "Corner shop")
-        self.window.type_into("Sum in EGP", "12.50")
+        self.window.type_into("Sum", "12.50")
         self.window.click("Add")
         self.window.shows("Tracked EGP 12.50 at Corner shop")
         self.assertEqual(self.entry("Corner shop")["amount"], "12.50")
@@ -250,7 +300,7 @@ class AddsAPayment(AWindow):
     def test_and_says_when_the_extension_is_not_there(self):
         self.window.click("Add a payment")
         self.window.type_into("Payee", "Corner shop")
-        self.window.type_into("Sum in EGP", "12.50")
+        self.window.type_into("Sum", "12.50")
         self.window.click("Add")
         self.window.shows("Not Added")
 
@@ -279,6 +329,16 @@ class Learns(AWindow):
         self.window.shows("It is as it was before.")
         self.assertNotIn("for your", templates.read_text(encoding="utf-8"))
         self.assertEqual(len(json.loads(self.home.ledger("ignored", "--json"))), len(self.ignored))
+
+    def test_and_lists_what_was_taught(self):
+        number = self.ignored["Dear customer, EGP 300.00 is due for your Tulip plan"]
+        self.home.ledger("teach", f"ignored:{number}", "--kind", "expense", "--amount", "300.00", "--payee", "Tulip plan")
+        self.window.go("More")
+        self.window.click("Templates")
+        self.window.shows("for your {payee}")
+        self.window.shows("expense")
+        self.window.click("Take One Back in the History")
+        self.window.shows(f"teach ignored:{number}")
 
     def test_only_what_the_message_holds(self):
         self.window.go("Review")
@@ -372,6 +432,12 @@ class Follows(AWindow):
         self.home.ledger("delete", self.entry("Corner shop")["id"], "--yes")
         self.window.lacks("Corner shop, EGP 70.00")
 
+    def test_a_currency_that_is_changed_meanwhile(self):
+        self.window.shows("EGP 230.00")
+        self.home.run("kivo-phone", "store", "set", "currency", "USD")
+        self.window.shows("In other currencies")
+        self.window.shows("$ 0.00")
+
     def test_a_payment_that_is_deleted_while_it_is_shown(self):
         self.window.go("Payments")
         self.window.click("SUNNY MARKET")
@@ -435,7 +501,7 @@ class NamesEachControl(AWindow):
         self.window.click("Back")
         self.window.go("More")
         for page, sign in (("Accounts", "Credit card"), ("Budgets", "Set a budget"), ("Rules", "A new rule"),
-                           ("History", "import")):
+                           ("Templates", "There is none"), ("History", "import")):
             self.window.click(page)
             self.window.shows(sign)
             self.assertEqual(self.unnamed(), [], page)

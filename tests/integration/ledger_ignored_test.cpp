@@ -167,6 +167,16 @@ TEST_F(ALedgerThatIgnores, RemembersTheCategoryForThePayee) {
   EXPECT_EQ(json({"list"})[0]["category"], "Films");
 }
 
+TEST_F(ALedgerThatIgnores, BooksAMessageInTheCurrencyThatIsGiven) {
+  receive({planned});
+  expectFailure({"book", "1", "--kind", "expense", "--currency", "USD", "--payee", "StreamNest"},
+                64, "--currency needs --amount");
+  shown({"book", "1", "--kind", "expense", "--amount", "2.50", "--currency", "USD", "--payee",
+         "StreamNest"});
+  EXPECT_EQ(json({"list"})[0]["amount"], "2.50");
+  EXPECT_EQ(json({"list"})[0]["currency"], "USD");
+}
+
 TEST_F(ALedgerThatIgnores, TakesTheOnlySumOfAMessage) {
   receive({unreadable, planned});
   EXPECT_EQ(shown({"book", "1", "--kind", "transfer"}), "Booked as EGP 640.00.\n");

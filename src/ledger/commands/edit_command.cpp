@@ -14,7 +14,7 @@
 #include "ledger/commands/opened_book.h"
 #include "platform/linux/terminal/command_output.h"
 #include "platform/linux/terminal/screen.h"
-#include "recognition/merchant_categories.h"
+#include "recording/refund_change.h"
 
 namespace kivo::ledger {
 
@@ -87,10 +87,7 @@ EntryChange changeFrom(const GivenParameters& parameters, const Book& book,
   change.description = givenText(parameters, "--description");
   change.category = givenText(parameters, "--category");
   change.refund = refundFrom(parameters, entry, change);
-  if (change.refund == true && !entry.refund && !change.category) {
-    const auto bought = recognition::merchantCategory(entry.payee);
-    if (!bought.empty()) change.category = bought;
-  }
+  recording::completeRefund(change, entry);
   change.amount = amountFrom(parameters, book, entry, change.date.value_or(entry.date));
   if (!parameters.contains("--amount")) change.original = entry.amount;  // if it was converted
   return change;

@@ -53,11 +53,15 @@ void showIgnored(const GivenParameters& parameters) {
   });
 }
 
-// Reads --amount in the currency of the sum of the message that it states, else in the book's.
+// Reads --amount in --currency, else in the currency of the sum of the message that it states, else
+// in the book's.
 std::optional<Money> statedAmount(const GivenParameters& parameters, const IgnoredMessage& message,
                                   const CurrencyCode& currency) {
   const auto text = given(parameters, "--amount");
+  const auto stated = givenCurrency(parameters, "--currency", "EGP");
+  if (stated && !text) throw BadUsage("--currency needs --amount");
   if (!text) return std::nullopt;
+  if (stated) return sumFrom(*text, *stated);
   for (const auto& sum : recording::sumsIn(message.text, currency)) {
     if (sum && isBookable(*sum) && money::moneyFromText(*text, sum->currency) == sum) return sum;
   }
@@ -122,6 +126,7 @@ std::vector<linux_platform::Command> ignoredCommands() {
        {{"NUMBER", "The message's number, as ignored shows it"},
         {"--kind", "expense, income or transfer", optional, kindNames},
         {"--amount", "The sum, as 1,189.50", optional},
+        {"--currency", "Its currency, as EGP", optional},
         {"--payee", "The other party", optional},
         {"--category", "The category, which holds for the payee from then on", optional}},
        bookIgnored},
