@@ -133,7 +133,8 @@ std::string pairOffers(const Book& book) {
     const std::string one = std::to_string(pairs[at].outgoing);
     const std::string other = std::to_string(pairs[at].incoming);
     lines.append("These two look like one transfer: ").append(one).append(" and ").append(other);
-    lines.append("\n  (").append(book::bookCommand("pair " + one + " " + other)).append(")\n");
+    const std::string words = std::string("pair ").append(one).append(" ").append(other);
+    lines.append("\n  (").append(book::bookCommand(words)).append(")\n");
   }
   if (pairs.size() > mostOffers) {
     lines += "There are " + std::to_string(pairs.size() - mostOffers) + " more such pairs.\n";
