@@ -21,15 +21,16 @@ struct Spelling {
 };
 
 // A category has its own name and stands above those that begin with it and a colon; a semicolon
-// follows the colon. Two questions, since each goes through the index of categories: as one,
-// PostgreSQL reads the whole book.
+// follows the colon. Each question is for the first row in the order of the index of categories:
+// otherwise PostgreSQL gathers all of the category before it looks at one.
 std::optional<std::string> spellingInUse(Database& database, const std::string& folded,
                                          std::int64_t except) {
   Statement query(database, R"(
     SELECT name FROM categories WHERE folded = ?1 AND (
-      EXISTS (SELECT 1 FROM transactions WHERE id <> ?2 AND category = name) OR
-      EXISTS (SELECT 1 FROM transactions WHERE id <> ?2 AND category > name || ':' AND
-        category < name || ';')))");
+      (SELECT 1 FROM transactions WHERE id <> ?2 AND category BETWEEN name AND name
+        ORDER BY category LIMIT 1) IS NOT NULL OR
+      (SELECT 1 FROM transactions WHERE id <> ?2 AND category > name || ':' AND
+        category < name || ';' ORDER BY category LIMIT 1) IS NOT NULL))");
   if (!next(query.bind(folded).bind(except))) return std::nullopt;
   return query.text(0);
 }
