@@ -10,6 +10,7 @@
 #include "app/payments_page.h"
 #include "app/review_page.h"
 #include "app/widgets.h"
+#include "feedback/deep_link.h"
 #include "platform/linux/foundation/failure.h"
 #include "recording/template_file.h"
 
@@ -254,12 +255,13 @@ void AppWindow::ask(const std::string& question, const std::string& detail, cons
   gtk_window_present(GTK_WINDOW(dialog));
 }
 
-void AppWindow::showWhatWaits() {
+void AppWindow::open(const std::string& link) {
   if (!month_) return;
   popAll();
   std::int64_t waiting = 0;
   read([&](const Book& book) { waiting = book.reviewCount(); });
   if (waiting > 0) showReview();
+  if (const auto id = DeepLink::payment(link)) openPayment(*id);
 }
 
 void AppWindow::openPayment(std::int64_t id) { openPaymentPage(*this, id); }

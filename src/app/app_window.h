@@ -30,8 +30,9 @@ class AppWindow {
 
   /// Shows the window in front of others.
   void present();
-  /// Shows the page of the reviews when there are any, else the month.
-  void showWhatWaits();
+  /// Shows what a link leads to: the page of its payment, or else the page of the reviews when
+  /// there are any, or else the month.
+  void open(const std::string& link);
 
   /// The open book; there is one while pages exist.
   [[nodiscard]] AppBook& book() { return *book_; }

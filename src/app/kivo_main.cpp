@@ -24,11 +24,7 @@ class App {
   App() : application_(adw_application_new(applicationId, G_APPLICATION_HANDLES_OPEN)) {
     onSignal(application_, "startup", [] { loadStyle(); });
     onSignal(application_, "activate", [this] { window().present(); });
-    // A link says only that Kivo is wanted, as any program can open one.
-    onSignal(application_, "open", [this] {
-      window().showWhatWaits();
-      window().present();
-    });
+    g_signal_connect(application_, "open", G_CALLBACK(openLinks), this);
   }
   ~App() { g_object_unref(application_); }
   App(const App&) = delete;
@@ -39,6 +35,18 @@ class App {
   }
 
  private:
+  // Any program can open a link, so one shows something at most.
+  static void openLinks(GApplication*, GFile** links, gint count, const char*,
+                        gpointer data) noexcept {
+    AppWindow& window = static_cast<App*>(data)->window();
+    if (count > 0) {
+      char* link = g_file_get_uri(links[0]);
+      window.open(link);
+      g_free(link);
+    }
+    window.present();
+  }
+
   static void loadStyle() {
     GtkCssProvider* provider = gtk_css_provider_new();
     gtk_css_provider_load_from_data(provider, style, -1);

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "feedback/deep_link.h"
 #include "platform/foundation/uuid.h"
 #include "platform/user_notifications/un_user_notification_center.h"
 
@@ -11,6 +12,10 @@ namespace kivo {
 using namespace std::chrono_literals;
 
 platform::Task<void> ExpenseNotifier::post(std::string title, std::string body) {
+  return post(std::move(title), std::move(body), DeepLink::app);
+}
+
+platform::Task<void> ExpenseNotifier::post(std::string title, std::string body, std::string link) {
   auto& center = platform::UNUserNotificationCenter::currentNotificationCenter();
 
   const platform::UNNotificationSettings settings = co_await center.notificationSettings();
@@ -20,7 +25,7 @@ platform::Task<void> ExpenseNotifier::post(std::string title, std::string body) 
       .title = std::move(title),
       .body = std::move(body),
       .sound = platform::UNNotificationSound::defaultSound,
-      .userInfo = {{"deepLink", "kivo-expenses://"}},
+      .userInfo = {{"deepLink", std::move(link)}},
   };
   const platform::UNTimeIntervalNotificationTrigger trigger{
       .timeInterval = 1s, .repeats = platform::UNTimeIntervalNotificationTrigger::Repeats::no};

@@ -12,5 +12,7 @@ namespace kivo::ExpenseNotifier {
 /// the app when tapped. Suspends until the center has accepted or refused the request. Never
 /// throws; failures are ignored.
 platform::Task<void> post(std::string title, std::string body);
+/// Does so with a notification that opens `link` when tapped.
+platform::Task<void> post(std::string title, std::string body, std::string link);
 
 }  // namespace kivo::ExpenseNotifier

@@ -1,5 +1,6 @@
 #include "ledger/review_notifier.h"
 
+#include "feedback/deep_link.h"
 #include "feedback/expense_notifier.h"
 #include "platform/linux/app_intents/installed_platform.h"
 #include "platform/linux/concurrency/task_executor.h"
@@ -20,14 +21,19 @@ struct ReviewNotifier::Reached {
 ReviewNotifier::ReviewNotifier() = default;
 ReviewNotifier::~ReviewNotifier() = default;
 
-void ReviewNotifier::post(const LedgerEntry& entry) { post("🔎 Needs a look", body(entry)); }
+void ReviewNotifier::post(const LedgerEntry& entry) {
+  post("🔎 Needs a look", body(entry), DeepLink::toPayment(entry.id));
+}
 
-void ReviewNotifier::post(const BudgetNotice& notice) { post(notice.title, notice.body); }
+void ReviewNotifier::post(const BudgetNotice& notice) {
+  post(notice.title, notice.body, DeepLink::app);
+}
 
-void ReviewNotifier::post(const std::string& title, const std::string& body) {
+void ReviewNotifier::post(const std::string& title, const std::string& body,
+                          const std::string& link) {
   try {
     if (reached_ == nullptr) reached_ = std::make_unique<Reached>();
-    reached_->executor.start(reached_->platform.asOneRun(ExpenseNotifier::post(title, body)));
+    reached_->executor.start(reached_->platform.asOneRun(ExpenseNotifier::post(title, body, link)));
   } catch (const linux_platform::Failure&) {  // no thread can be started
     reached_.reset();
   }

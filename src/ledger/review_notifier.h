@@ -19,9 +19,9 @@ class ReviewNotifier {
   ReviewNotifier& operator=(const ReviewNotifier&) = delete;
 
   /// Posts "Needs a look" for `entry` as the extension's notification, if the user has authorized
-  /// those. Returns at once. Ignores failures.
+  /// those; it opens the entry's page. Returns at once. Ignores failures.
   void post(const book::LedgerEntry& entry);
-  /// Does so for `notice`.
+  /// Posts `notice` likewise; it opens the app.
   void post(const BudgetNotice& notice);
 
   /// Returns the notification's text, such as "20.00 USD at Netflix".
@@ -29,7 +29,7 @@ class ReviewNotifier {
 
  private:
   struct Reached;
-  void post(const std::string& title, const std::string& body);
+  void post(const std::string& title, const std::string& body, const std::string& link);
 
   std::unique_ptr<Reached> reached_;
 };

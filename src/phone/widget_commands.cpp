@@ -1,12 +1,14 @@
 #include "phone/widget_commands.h"
 
 #include <chrono>
+#include <cstdint>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
 
+#include "feedback/deep_link.h"
 #include "phone/ledger_month.h"
 #include "phone/local_ledger.h"
 #include "phone/phone_store.h"
@@ -31,9 +33,6 @@ using Kind = linux_platform::CommandParameter::Kind;
 
 // The scheme of the notifications' links; the desktop file names it as well.
 constexpr const char* linkScheme = "kivo-expenses:";
-
-// What any link becomes.
-constexpr const char* openingLink = "kivo-expenses://";
 
 // A window that cannot be shown has ended by then.
 constexpr std::chrono::seconds windowTimeout(2);
@@ -103,10 +102,11 @@ bool keepsBook() {
 }
 
 // Whether the window on the book is there: a package of its own brings it, and it needs a display.
-bool openWindow() {
+bool openWindow(std::optional<std::int64_t> payment) {
   const std::string app = (linux_platform::programFolder() / "kivo").string();
   if (!linux_platform::programFile(app)) return false;
-  return linux_platform::DetachedPrograms().startAndWait({app, openingLink}, windowTimeout) == 0;
+  const std::string link = payment ? DeepLink::toPayment(*payment) : DeepLink::app;
+  return linux_platform::DetachedPrograms().startAndWait({app, link}, windowTimeout) == 0;
 }
 
 // Whether the ledger's report is on its way to a browser.
@@ -121,13 +121,14 @@ bool openReport() {
   }
 }
 
-// Any program can open a link, so no part of it is passed on.
+// Any program can open a link, so only the number of a payment is passed on, to be shown.
 void openKivo(const GivenParameters& given) {
   const auto link = given.find("LINK");
   if (link != given.end() && !link->second.starts_with(linkScheme)) {
     throw BadUsage("invalid LINK \"" + link->second + "\": it must begin with " + linkScheme);
   }
-  if (keepsBook() && (openWindow() || openReport())) return;
+  const auto payment = link == given.end() ? std::nullopt : DeepLink::payment(link->second);
+  if (keepsBook() && (openWindow(payment) || openReport())) return;
   const std::string phone = (linux_platform::programFolder() / "kivo-phone").string();
   linux_platform::TerminalWindows windows;
   if (windows.open({phone, "widget", "--watch"}, linux_platform::WindowEnd::atSuccess)) return;

@@ -44,6 +44,9 @@ class AWindow(unittest.TestCase):
     def entries(self, *options):
         return json.loads(self.home.ledger("list", "--json", *options))
 
+    def waiting(self):
+        return json.loads(self.home.ledger("review", "--json"))[0]
+
     def entry(self, description):
         found = [one for one in self.entries() if one["description"] == description]
         self.assertEqual(len(found), 1, description)
@@ -537,6 +540,20 @@ class HoldsManyPayments(AWindow):
 
 
 class OpensByALink(AWindow):
+    def test_the_payment_that_the_link_names(self):
+        self.home.run("kivo-phone", "sign-in", "--local")
+        self.window.shows("EGP 230.00")
+        self.home.run("kivo-phone", "open", "--", f"kivo-expenses://payment/{self.waiting()['id']}")
+        self.window.click("Right, Book It")
+        self.window.shows("Booked")
+        self.assertEqual(self.entry("MOON SHOP")["state"], "booked")
+
+    def test_and_says_so_when_that_payment_is_gone(self):
+        self.home.run("kivo-phone", "sign-in", "--local")
+        self.window.shows("EGP 230.00")
+        self.home.run("kivo-phone", "open", "--", "kivo-expenses://payment/999")
+        self.window.shows("This payment does not exist any more")
+
     def test_what_waits_whatever_the_link_says(self):
         self.home.run("kivo-phone", "sign-in", "--local")
         self.window.shows("EGP 230.00")

@@ -35,7 +35,7 @@ ARROWS = {
                "extraction", "feedback", "platform", "platform/linux"},
     # Its endpoint and its commands are the ledger's, with a book chosen for each call.
     "server": {"ledger", "overview", "recording", "book_postgresql", "book", "money", "feedback", "store", "platform", "platform/linux"},
-    "app": {"overview", "recording", "recognition", "book", "money", "store", "platform", "platform/linux"},
+    "app": {"overview", "recording", "recognition", "book", "money", "feedback", "store", "platform", "platform/linux"},
     "demo": {"recognition", "money", "names", "store", "platform", "platform/linux"},
 }
 

@@ -450,9 +450,9 @@ TEST_F(ALedger, RefusesInvalidEdits) {
   EXPECT_EQ(json({"list"})[0]["amount"], "150.00");
 }
 
-TEST(ALedgerOnTheBus, PostsANotificationForAnEntryInReview) {
+TEST(ALedgerOnTheBus, PostsANotificationThatOpensAnEntryInReview) {
   PrivatePhone phone;
-  const NotificationDisplay display(phone.address());
+  NotificationDisplay display(phone.address());
   ASSERT_EQ(phone.callCenter("SetAuthorizationStatus", {"app.kivo.expenses.intents", "2"}).status,
             0);
   const std::string socket = (phone.folders().home() / "ledger.sock").string();
@@ -468,6 +468,12 @@ TEST(ALedgerOnTheBus, PostsANotificationForAnEntryInReview) {
   server.signal(SIGTERM);
   EXPECT_EQ(server.wait().status, 0);
   EXPECT_EQ(display.shown().size(), 1U);
+  // The center learns the number of what it showed just after the display has it.
+  ASSERT_TRUE(eventually([&] {
+    return phone.callCenter("Pending", {"app.kivo.expenses.intents"}).output == "(@as [],)\n";
+  }));
+  display.invokeDefaultAction(display.shown()[0].id);
+  EXPECT_THAT(phone.openedLinks(1), testing::ElementsAre("kivo-expenses://payment/1"));
 }
 
 }  // namespace

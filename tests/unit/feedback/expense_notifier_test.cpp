@@ -55,6 +55,12 @@ TEST_F(AnExpenseNotifier, AddsOnlyTheDeepLink) {
   EXPECT_EQ(handedOver()[0].content.userInfo, deepLink);
 }
 
+TEST_F(AnExpenseNotifier, AddsTheGivenDeepLink) {
+  await(ExpenseNotifier::post("title", "body", "kivo-expenses://payment/7"));
+  ASSERT_THAT(handedOver(), SizeIs(1));
+  EXPECT_EQ(handedOver()[0].content.userInfo.at("deepLink"), "kivo-expenses://payment/7");
+}
+
 TEST_F(AnExpenseNotifier, UsesTheDefaultSound) {
   await(ExpenseNotifier::post("title", "body"));
   ASSERT_THAT(handedOver(), SizeIs(1));
