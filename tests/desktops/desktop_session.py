@@ -126,7 +126,11 @@ class Kivo:
 
     def booked(self):
         """Amount and description of each entry."""
-        return [(entry["amount"], entry["description"]) for entry in json.loads(run("kivo-ledger", "list", "--json"))]
+        return [(entry["amount"], entry["description"]) for entry in self.entries("list")]
+
+    def entries(self, command):
+        """Those that a command of the ledger lists."""
+        return json.loads(run("kivo-ledger", command, "--json"))
 
 
 class DesktopTest(unittest.TestCase):

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Tries a Debian package of Kivo on real desktops, in a Debian 12 of their own, as an ordinary user.
+"""Tries Debian packages of Kivo on real desktops, in a Debian 12 of their own, as an ordinary user.
 
-    desktops_check.py PACKAGE.deb [gnome_shell_test|phosh_test|chatty_test]...    all without a name
+    desktops_check.py INTENTS.deb WINDOW.deb [TEST]...    all without a name
 
 Pictures and, where something failed, logs are then in build/desktops/. The system with the desktops is kept in
 build/clean-root/ for a week. Needs root and mounts; exit status 77 where they are missing.
@@ -22,8 +22,10 @@ PACKAGES = """
     gnome-shell gjs gnome-console phosh phoc xvfb xdotool grim chatty
     at-spi2-core dbus desktop-file-utils gir1.2-webkit2-4.1 libfile-mimeinfo-perl librsvg2-common xdg-utils
     fonts-cantarell fonts-dejavu-core fonts-noto-color-emoji python3-dbus python3-gi
+    python3-pyatspi
 """
 TESTS = ("gnome_shell_test", "phosh_test", "chatty_test")
+WINDOW_TESTS = ("gnome_shell_window_test", "phosh_window_test")  # where the window is installed, too
 SECONDS = 300  # for all of them
 FOUND = TREE / "build/desktops"
 
@@ -44,11 +46,15 @@ def archive():
     return ARCHIVE
 
 
+def install(root, package):
+    shutil.copy(package, root.folder / "package.deb")
+    root.root("apt-get install -qq --no-install-recommends /package.deb")
+
+
 def desktops(stack, package):
     """The system with Kivo and the tests, until the end of `stack`; and with its bus, without a service manager."""
     root = stack.enter_context(contextlib.closing(CleanRoot(made_of=archive())))
-    shutil.copy(package, root.folder / "kivo.deb")
-    root.root("apt-get install -qq --no-install-recommends /kivo.deb")
+    install(root, package)
     shutil.copytree(TREE / "tests", root.folder / "srv/kivo/tests")
     root.root("chmod -R a+rX /srv/kivo && install -d -o alice /srv/kivo/kept"
               " && mkdir -p /run/dbus && dbus-daemon --system --fork")
@@ -67,16 +73,30 @@ def try_out(root, test, end):
         return False
 
 
-def main(package, *names):
+def chosen(tests, names):
+    return [test for test in tests if not names or test in names]
+
+
+def failing(root, intents_alone, with_window, window):
+    """The tests that fail, of those of a system with the extension alone and of those of one with the window too."""
+    end = time.monotonic() + SECONDS
+    failed = [test for test in intents_alone if not try_out(root, test, end)]
+    if with_window:
+        install(root, window)
+        failed += [test for test in with_window if not try_out(root, test, end)]
+    return failed
+
+
+def main(intents, window, *names):
     with contextlib.ExitStack() as stack:
         begin = time.monotonic()
         try:
-            root = desktops(stack, package)
+            root = desktops(stack, intents)
         except CannotBeMade as reason:
             print(f"desktops: not tried: {reason}")
             sys.exit(77)
         ready = time.monotonic()
-        failed = [test for test in names or TESTS if not try_out(root, test, ready + SECONDS)]
+        failed = failing(root, chosen(TESTS, names), chosen(WINDOW_TESTS, names), window)
         shutil.rmtree(FOUND, ignore_errors=True)
         shutil.copytree(root.folder / "srv/kivo/kept", FOUND)
     print(f"desktops: {time.monotonic() - ready:.0f} s, after {ready - begin:.0f} s for the system;"

@@ -1,7 +1,7 @@
 """A real GNOME Shell on a screen in memory, with a pointer and a keyboard of the test's."""
 import json
 
-from desktop_session import end_of, run, wait_for
+from desktop_session import DesktopTest, Kivo, Session, end_of, run, wait_for
 from gi.repository import Gio, GLib
 
 WIDTH, HEIGHT = 1024, 768
@@ -119,3 +119,12 @@ class GnomeShell:
     def close_window(self):
         self.evaluate("global.display.focus_window.delete(global.get_current_time())")
         wait_for(lambda: not self.windows(), "the window is closed")
+
+
+class GnomeShellTest(DesktopTest):
+    def setUp(self):
+        self.session = Session(XDG_CURRENT_DESKTOP="GNOME")
+        self.addCleanup(self.session.close)
+        self.kivo = Kivo(self.session)
+        self.shell = GnomeShell(self.session)
+        self.photograph = self.shell.photograph

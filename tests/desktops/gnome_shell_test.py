@@ -2,8 +2,8 @@
 """Kivo in a real GNOME Shell: a message's notification, what a click on it opens, and an expense from the search."""
 import pathlib
 
-from desktop_session import MESSAGE, REPORT, DesktopTest, Kivo, Session, main, wait_for
-from gnome_shell import GnomeShell
+from desktop_session import MESSAGE, REPORT, main, wait_for
+from gnome_shell import GnomeShellTest
 from icon_on_screen import ALIKE, likeness
 
 
@@ -18,14 +18,7 @@ def is_asking():
     return False
 
 
-class AGnomeShell(DesktopTest):
-    def setUp(self):
-        self.session = Session(XDG_CURRENT_DESKTOP="GNOME")
-        self.addCleanup(self.session.close)
-        self.kivo = Kivo(self.session)
-        self.shell = GnomeShell(self.session)
-        self.photograph = self.shell.photograph
-
+class AGnomeShell(GnomeShellTest):
     def notified(self):
         self.kivo.receive(MESSAGE)
         return wait_for(self.shell.banner, "the notification is shown")

@@ -2,7 +2,7 @@
 import json
 import os
 
-from desktop_session import HERE, run, wait_for
+from desktop_session import HERE, DesktopTest, Kivo, Session, run, wait_for
 
 WIDTH, HEIGHT = 360, 720
 TOP_BAR = 32  # the places of controls begin below it
@@ -45,3 +45,24 @@ class Phosh:
         left, top, width, height = self.on_screen(control)
         run("env", f"DISPLAY={self._screen}", "xdotool", "mousemove", str(left + width // 2), str(top + height // 2),
             "click", "1")
+
+
+class PhoshTest(DesktopTest):
+    def setUp(self):
+        self.session = Session(XDG_CURRENT_DESKTOP="Phosh:GNOME")
+        self.addCleanup(self.session.close)
+        self.kivo = Kivo(self.session)
+        self.phone = Phosh(self.session)
+        self.photograph = self.phone.photograph
+
+    def notified(self, message, words):
+        """The controls of the notification with these words, which a message brings."""
+        before = {control["window"] for control in self.phone.controls(program="phosh")}
+        self.kivo.receive(message)
+
+        def banner():
+            new = [one for one in self.phone.controls(program="phosh") if one["window"] not in before]
+            [window] = {one["window"] for one in new if one["name"] == words} or [None]
+            return [one for one in new if one["window"] == window]
+
+        return wait_for(banner, "the notification is shown")
