@@ -29,6 +29,8 @@ constexpr int usualHeight = 720;
 
 // Time enough to read a sentence and to reach Undo by the keyboard.
 constexpr guint toastSeconds = 12;
+// In one line: what a phone has room for beside the buttons.
+constexpr int toastCharacters = 22;
 
 constexpr const char* monthName = "month";
 constexpr const char* paymentsName = "payments";
@@ -195,9 +197,10 @@ void AppWindow::changeMore(const std::string& words, std::int64_t number, const 
 
 void AppWindow::tellDone(const std::string& done, std::optional<std::int64_t> number) {
   AdwToast* toast = adw_toast_new("");
-  char* plain = g_markup_escape_text(done.c_str(), -1);
-  adw_toast_set_title(toast, plain);
-  g_free(plain);
+  // A toast's own title is markup, and cut to one line.
+  GtkWidget* title = textLabel(done, "heading");
+  gtk_label_set_max_width_chars(GTK_LABEL(title), toastCharacters);
+  adw_toast_set_custom_title(toast, title);
   adw_toast_set_timeout(toast, toastSeconds);
   // The overlay would show it after those before it.
   if (toast_ != nullptr) adw_toast_dismiss(toast_);

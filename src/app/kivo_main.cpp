@@ -13,11 +13,12 @@ namespace {
 
 constexpr const char* applicationId = "app.kivo.expenses";
 
-// The bars, in the colours of the theme, and rows that are buttons.
+// The bars, in the colours of the theme, rows that are buttons, and toasts above the bar of pages.
 constexpr const char* style =
     "button.kivo-row { font-weight: normal; }"
     "progressbar.kivo-share > trough > progress { background-color: @accent_bg_color; }"
-    "progressbar.kivo-over > trough > progress { background-color: @warning_bg_color; }";
+    "progressbar.kivo-over > trough > progress { background-color: @warning_bg_color; }"
+    "toast { margin-bottom: 64px; }";
 
 class App {
  public:
